@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace platform
+{
+
+enum class AlertStyle { Plain, Informational, Warning };
+
+/// What an alert says. Identity matters: closing an alert takes the object that was shown.
+struct Alert
+{
+    QString message;
+    QString informativeText;
+    AlertStyle style = AlertStyle::Plain;
+    QStringList buttons = {QStringLiteral("OK")};
+    /// After this time the alert closes itself; 0 means that it stays until it is answered.
+    std::chrono::milliseconds closesAfter{0};
+};
+
+using AlertPointer = std::shared_ptr<const Alert>;
+
+/// Answers are counted from the first button: 1000, 1001, ...
+inline constexpr int firstButtonReturn = 1000;
+inline constexpr int secondButtonReturn = 1001;
+
+/// Shows alerts and questions to whoever is there: as sheets, on standard error, or from a script of
+/// answers. Owned by the program; nobody waits for an answer in a loop.
+class AlertPresenter
+{
+  public:
+    using Answered = std::function<void(int returnCode)>;
+
+    virtual ~AlertPresenter() = default;
+    /// Shows the alert; answered (may be empty) is called once, when a button was pressed.
+    virtual void show(const AlertPointer &alert, Answered answered) = 0;
+    /// Closes the alert if it is still shown; it is then not answered.
+    virtual void close(const AlertPointer &alert) = 0;
+};
+
+} // namespace platform

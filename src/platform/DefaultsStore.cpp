@@ -1,0 +1,93 @@
+#include "platform/DefaultsStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLockFile>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace platform
+{
+
+namespace
+{
+
+/// A name beside the damaged file that is still free.
+QString nameForDamaged(const QString &path)
+{
+    for (int number = 1;; ++number) {
+        const QString candidate = path + (number == 1 ? u".damaged"_s : u".damaged-%1"_s.arg(number));
+        if (!QFileInfo::exists(candidate))
+            return candidate;
+    }
+}
+
+} // namespace
+
+QVariant DefaultsStore::value(const QString &key) const
+{
+    return stored().contains(key) ? stored().value(key) : m_registered.value(key);
+}
+
+JsonDefaultsStore::JsonDefaultsStore(const QString &path)
+    : m_path(path)
+{
+}
+
+QString JsonDefaultsStore::standardPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + u"/defaults.json"_s;
+}
+
+QString JsonDefaultsStore::load()
+{
+    m_values.clear();
+    m_damaged = false;
+    QFile file(m_path);
+    if (!file.exists())
+        return {};
+    if (!file.open(QIODevice::ReadOnly)) {
+        return u"The settings in %1 can't be read: %2."_s.arg(m_path, file.errorString());
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (!document.isObject()) {
+        m_damaged = true;
+        return u"The settings in %1 are damaged (%2); the defaults are used and the file is kept."_s.arg(
+            m_path, error.errorString());
+    }
+    m_values = document.object().toVariantMap();
+    return {};
+}
+
+QString JsonDefaultsStore::store(const QVariantMap &changed)
+{
+    if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
+        return u"The folder for %1 can't be made."_s.arg(m_path);
+    QLockFile lock(m_path + u".lock"_s);
+    if (!lock.tryLock(5000))
+        return u"The settings in %1 are locked by another program."_s.arg(m_path);
+    const QString problem = load(); // what another program stored since we read stays
+    if (!problem.isNull() && !m_damaged)
+        return problem; // it is there but can't be read: writing now would lose it
+    if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
+        return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);
+    QVariantMap values = m_values;
+    for (auto item = changed.cbegin(); item != changed.cend(); ++item)
+        values.insert(item.key(), item.value());
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly)
+        || file.write(QJsonDocument(QJsonObject::fromVariantMap(values)).toJson()) < 0 || !file.commit()) {
+        return u"The settings can't be saved to %1: %2."_s.arg(m_path, file.errorString());
+    }
+    m_values = values;
+    m_damaged = false;
+    return {};
+}
+
+} // namespace platform

@@ -1,0 +1,30 @@
+#include "tools/LineCutter.h"
+
+namespace tools
+{
+
+QStringList LineCutter::feed(const QByteArray &chunk)
+{
+    const QString text = m_decoder.decode(chunk);
+    QStringList lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) != u'\r' && text.at(i) != u'\n')
+            continue;
+        m_rest += QStringView(text).mid(start, i - start);
+        if (!m_rest.isEmpty())
+            lines.append(m_rest);
+        m_rest.clear();
+        start = i + 1;
+    }
+    m_rest += QStringView(text).mid(start);
+    return lines;
+}
+
+void LineCutter::clear()
+{
+    m_decoder.resetState();
+    m_rest.clear();
+}
+
+} // namespace tools

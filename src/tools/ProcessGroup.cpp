@@ -1,0 +1,61 @@
+#include "tools/ProcessGroup.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tools
+{
+
+namespace
+{
+
+/// The state letter of a process ("R", "S", "Z", ...); 0 when it can't be told.
+char stateOf(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (stat.open(QIODevice::ReadOnly)) {
+        const QByteArray line = stat.readAll();
+        const qsizetype afterName = line.lastIndexOf(')'); // the name itself may hold anything
+        return afterName >= 0 && afterName + 2 < line.size() ? line.at(afterName + 2) : 0;
+    }
+    if (QFile::exists(QStringLiteral("/proc/self/stat")))
+        return 0;
+    QProcess ps; // no /proc: ask ps
+    ps.start(QStringLiteral("ps"), {QStringLiteral("-o"), QStringLiteral("stat="), QStringLiteral("-p"), QString::number(pid)});
+    ps.waitForFinished(5000);
+    const QByteArray state = ps.readAllStandardOutput().trimmed();
+    return state.isEmpty() ? 0 : state.front();
+}
+
+} // namespace
+
+void leadOwnGroup(QProcess &process)
+{
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+}
+
+void signalGroupOf(qint64 pid, int signal)
+{
+    if (pid < 2)
+        return;
+    const pid_t process = static_cast<pid_t>(pid);
+    const pid_t group = ::getpgid(process);
+    if (group > 1 && group != ::getpgrp())
+        ::kill(-group, signal);
+    else
+        ::kill(process, signal);
+}
+
+bool isEndedZombie(qint64 pid)
+{
+    if (stateOf(pid) != 'Z')
+        return false;
+    ::waitpid(static_cast<pid_t>(pid), nullptr, WNOHANG);
+    return true;
+}
+
+} // namespace tools

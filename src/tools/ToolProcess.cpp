@@ -1,0 +1,108 @@
+#include "tools/ToolProcess.h"
+
+#include "tools/ProcessGroup.h"
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace tools
+{
+
+ToolProcess::ToolProcess()
+{
+    leadOwnGroup(m_process);
+    connect(&m_process, &QProcess::readyReadStandardOutput, this, [this] { read(Channel::Output); });
+    connect(&m_process, &QProcess::readyReadStandardError, this, [this] { read(Channel::Error); });
+    connect(&m_process, &QProcess::finished, this, [this](int, QProcess::ExitStatus status) {
+        finish(status == QProcess::NormalExit ? End::Exited : End::Crashed);
+    });
+    // Queued: a start that fails at once must not end the run before the caller holds it.
+    connect(
+        &m_process, &QProcess::errorOccurred, this,
+        [this](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart)
+                finish(End::NotStarted);
+        },
+        Qt::QueuedConnection);
+}
+
+std::shared_ptr<ToolProcess> ToolProcess::start(const Request &request)
+{
+    std::shared_ptr<ToolProcess> tool(new ToolProcess);
+    tool->m_process.setProcessEnvironment(request.environment);
+    tool->m_process.setWorkingDirectory(request.workingFolder);
+    tool->m_process.start(request.program, request.arguments);
+    tool->m_process.closeWriteChannel(); // no tool can wait for a key
+    return tool;
+}
+
+ToolProcess::~ToolProcess()
+{
+    m_process.disconnect(this);
+    if (!isRunning())
+        return;
+    signalGroupOf(processIdentifier(), SIGKILL);
+    m_process.waitForFinished(1000);
+}
+
+std::optional<int> ToolProcess::exitStatus() const
+{
+    return m_end == End::Exited ? std::optional<int>(m_process.exitCode()) : std::nullopt;
+}
+
+void ToolProcess::suspend()
+{
+    if (!isRunning())
+        return;
+    signalGroupOf(processIdentifier(), SIGSTOP);
+    m_suspended = true;
+}
+
+void ToolProcess::resume()
+{
+    if (!isRunning())
+        return;
+    signalGroupOf(processIdentifier(), SIGCONT);
+    m_suspended = false;
+}
+
+void ToolProcess::terminate()
+{
+    if (!isRunning())
+        return;
+    resume();
+    signalGroupOf(processIdentifier(), SIGTERM);
+}
+
+bool ToolProcess::waitUntilExit(int milliseconds)
+{
+    return !isRunning() || m_process.waitForFinished(milliseconds);
+}
+
+void ToolProcess::read(Channel channel)
+{
+    const QByteArray bytes = channel == Channel::Output ? m_process.readAllStandardOutput()
+                                                        : m_process.readAllStandardError();
+    if (!bytes.isEmpty() && !m_readersClosed)
+        Q_EMIT chunkRead(channel, bytes);
+}
+
+void ToolProcess::finish(End end)
+{
+    if (m_end != End::StillRunning)
+        return;
+    m_end = end;
+    read(Channel::Output);
+    read(Channel::Error);
+    if (m_readersClosed)
+        return;
+    if (end == End::NotStarted) {
+        const QString message = u"%1 could not be started: %2\n"_s.arg(launchPath(), m_process.errorString());
+        Q_EMIT chunkRead(Channel::Error, message.toUtf8());
+    }
+    Q_EMIT channelEnded(Channel::Output);
+    Q_EMIT channelEnded(Channel::Error);
+}
+
+} // namespace tools
