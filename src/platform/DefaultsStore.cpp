@@ -11,11 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace platform
-{
+namespace platform {
 
-namespace
-{
+namespace {
 
 /// A name beside the damaged file that is still free.
 QString nameForDamaged(const QString &path)
@@ -32,6 +30,11 @@ QString nameForDamaged(const QString &path)
 QVariant DefaultsStore::value(const QString &key) const
 {
     return stored().contains(key) ? stored().value(key) : m_registered.value(key);
+}
+
+QString DefaultsStore::store(const QVariantMap &changed)
+{
+    return update([&](const QVariantMap &) { return changed; });
 }
 
 JsonDefaultsStore::JsonDefaultsStore(const QString &path)
@@ -65,24 +68,38 @@ QString JsonDefaultsStore::load()
     return {};
 }
 
-QString JsonDefaultsStore::store(const QVariantMap &changed)
+QString JsonDefaultsStore::update(const Change &change)
 {
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return u"The folder for %1 can't be made."_s.arg(m_path);
     QLockFile lock(m_path + u".lock"_s);
     if (!lock.tryLock(5000))
         return u"The settings in %1 are locked by another program."_s.arg(m_path);
-    const QString problem = load(); // what another program stored since we read stays
-    if (!problem.isNull() && !m_damaged)
-        return problem; // it is there but can't be read: writing now would lose it
+    const QString problem = readForWriting(); // what another program stored since we read stays
+    if (!problem.isNull())
+        return problem;
+    const QVariantMap changed = change(m_values);
+    if (changed.isEmpty())
+        return {};
+    QVariantMap values = m_values;
+    values.insert(changed);
+    return write(values);
+}
+
+/// Nothing may be written while this answers a sentence: what is there would be lost.
+QString JsonDefaultsStore::readForWriting()
+{
+    const QString problem = load();
+    return m_damaged ? QString() : problem;
+}
+
+QString JsonDefaultsStore::write(const QVariantMap &values)
+{
     if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
         return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);
-    QVariantMap values = m_values;
-    for (auto item = changed.cbegin(); item != changed.cend(); ++item)
-        values.insert(item.key(), item.value());
     QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly)
-        || file.write(QJsonDocument(QJsonObject::fromVariantMap(values)).toJson()) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(QJsonDocument(QJsonObject::fromVariantMap(values)).toJson()) < 0 || !file.commit()) {
         return u"The settings can't be saved to %1: %2."_s.arg(m_path, file.errorString());
     }
     m_values = values;

@@ -3,16 +3,15 @@
 #include <QString>
 #include <QVariantMap>
 
-#include <memory>
+#include <functional>
 
-namespace platform
-{
+namespace platform {
 
 /// A per-user store of values (texts, booleans, numbers, lists, dictionaries) by key. Owned by the
 /// program. Registered defaults answer for keys that were never stored; they are never written.
 class DefaultsStore
 {
-  public:
+public:
     virtual ~DefaultsStore() = default;
 
     void registerDefaults(const QVariantMap &defaults) { m_registered = defaults; }
@@ -22,14 +21,19 @@ class DefaultsStore
 
     /// Stores these keys at once and leaves every other key as it is on disk, so that two programs
     /// never undo each other's values. Answers a null text, or on failure a sentence for the user.
-    virtual QString store(const QVariantMap &changed) = 0;
+    QString store(const QVariantMap &changed);
+    /// What to store, given what is stored at that moment.
+    using Change = std::function<QVariantMap(const QVariantMap &stored)>;
+    /// Like store(), for values that depend on what is stored: reads again and asks while no other
+    /// program can write. Nothing is written when there is nothing to change.
+    virtual QString update(const Change &change) = 0;
     /// Reads the store again. Answers a null text, or a sentence that says what is wrong with it.
     virtual QString load() = 0;
 
-  protected:
+protected:
     virtual const QVariantMap &stored() const = 0;
 
-  private:
+private:
     QVariantMap m_registered;
 };
 
@@ -37,20 +41,23 @@ class DefaultsStore
 /// as JSON is never overwritten: it is kept under another name before the first write.
 class JsonDefaultsStore final : public DefaultsStore
 {
-  public:
+public:
     explicit JsonDefaultsStore(const QString &path);
 
     /// Where the defaults of this user live (respects the test mode of the standard paths).
     static QString standardPath();
 
-    QString store(const QVariantMap &changed) override;
+    QString update(const Change &change) override;
     QString load() override;
     QString path() const { return m_path; }
 
-  protected:
+protected:
     const QVariantMap &stored() const override { return m_values; }
 
-  private:
+private:
+    QString readForWriting();
+    QString write(const QVariantMap &values);
+
     QString m_path;
     QVariantMap m_values;
     bool m_damaged = false;

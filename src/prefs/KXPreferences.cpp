@@ -1,0 +1,155 @@
+#include "prefs/KXPreferences.h"
+
+#include "platform/DefaultsStore.h"
+#include "prefs/StoredChanges.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString saveDirectoryKey = u"saveDirectoryPath"_s;
+const QString panelKey = u"preferencePanelDictionary"_s;
+const QString watchFolderKey = u"watchFolder"_s;
+const QString selectionsKey = u"presetSelectionsArray"_s;
+const QString settingsKey = u"presetSettingsArray"_s;
+const QString guiKey = u"guiSettingsDictionary"_s;
+
+QVariantMap panelDefaults()
+{
+    return {
+        {saveDirectoryKey, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
+        {u"keepLogsFlag"_s, true}, {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
+        {u"useDpliiFlag"_s, true},
+    };
+}
+
+QVariantMap registeredDefaults()
+{
+    return {
+        {panelKey, QVariantMap()},     {watchFolderKey, u""_s}, {selectionsKey, QVariantList()},
+        {settingsKey, QVariantList()}, {guiKey, QVariantMap()},
+    };
+}
+
+} // namespace
+
+KXPreferences::KXPreferences(platform::DefaultsStore &store, const prefs::Places &places)
+    : KXToolTips(this)
+    , m_store(store)
+    , m_places(places)
+{
+    setToolsLocationURL(resourcesLocation());
+}
+
+QString KXPreferences::initialize()
+{
+    setPreferencePanelPropertiesList({saveDirectoryKey, u"lintwickPath"_s, u"showToolTipsFlag"_s,
+                                      u"keepLogsFlag"_s, u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
+                                      u"useDpliiFlag"_s});
+    setPreferencePanelDefaultsDictionary(panelDefaults());
+    const QString problem = loadPreferencesFromDefaults();
+    initializeApplicationSupportFolder();
+    return problem;
+}
+
+QString KXPreferences::loadPreferencesFromDefaults()
+{
+    m_store.registerDefaults(registeredDefaults());
+    const QString problem = m_store.load();
+    setWatchFolderPath(m_store.value(watchFolderKey).toString());
+    setUserPresetSelectionsList(m_store.value(selectionsKey).toList());
+    setUserPresetSettingsList(m_store.value(settingsKey).toList());
+    setGuiSettingsDictionary(m_store.value(guiKey).toMap());
+    takePanelFrom(m_store.value(panelKey).toMap());
+    applySaveDirectory();
+    m_loaded = currentValues();
+    return problem;
+}
+
+void KXPreferences::takePanelFrom(const QVariantMap &stored)
+{
+    QVariantMap panel = preferencePanelDefaultsDictionary();
+    for (const QString &key : preferencePanelPropertiesList()) {
+        if (stored.contains(key))
+            panel.insert(key, stored.value(key));
+    }
+    setPreferencePanelDictionary(panel);
+}
+
+void KXPreferences::applySaveDirectory()
+{
+    setSaveDirectoryPath(panelValue(saveDirectoryKey).toString());
+}
+
+QVariantMap KXPreferences::currentValues() const
+{
+    return {
+        {panelKey, preferencePanelDictionary()},     {watchFolderKey, watchFolderPath()},
+        {selectionsKey, userPresetSelectionsList()}, {settingsKey, userPresetSettingsList()},
+        {guiKey, guiSettingsDictionary()},
+    };
+}
+
+QString KXPreferences::savePreferencesToDefaults()
+{
+    const QString problem = saveChanged({panelKey, watchFolderKey, selectionsKey, settingsKey, guiKey});
+    applySaveDirectory();
+    return problem;
+}
+
+QString KXPreferences::saveChanged(const QStringList &keys)
+{
+    const QVariantMap now = currentValues();
+    const auto changesTo = [&](const QVariantMap &stored) {
+        QVariantMap changes;
+        for (const QString &key : keys) {
+            if (!prefs::storedAlike(m_loaded.value(key), now.value(key)))
+                changes.insert(key, prefs::merged(stored.value(key), m_loaded.value(key), now.value(key)));
+        }
+        return changes;
+    };
+    const QString problem = m_store.update(changesTo);
+    if (!problem.isNull())
+        return problem; // what changed stays marked as changed, for the next attempt
+    for (const QString &key : keys)
+        m_loaded.insert(key, now.value(key));
+    return {};
+}
+
+QString KXPreferences::saveUserPresetSelectionsListFor(const QVariantList &list)
+{
+    setUserPresetSelectionsList(list);
+    return saveChanged({selectionsKey});
+}
+
+QString KXPreferences::saveUserPresetSettingsListFor(const QVariantList &list)
+{
+    setUserPresetSettingsList(list);
+    return saveChanged({settingsKey});
+}
+
+void KXPreferences::modifyToolTips()
+{
+    const bool shown = panelFlag(u"showToolTipsFlag"_s);
+    KXToolTips::modifyToolTips(shown ? Tips::Shown : Tips::Hidden);
+    setToolTipsMenuItemTitle(shown ? u"Hide Tool Tips"_s : u"Show Tool Tips"_s);
+    Q_EMIT toolTipsModified();
+}
+
+void KXPreferences::initializeApplicationSupportFolder()
+{
+    setToolsLocationURL(resourcesLocation());
+}
+
+QVariant KXPreferences::panelValue(const QString &key) const
+{
+    if (m_overrides.contains(key))
+        return m_overrides.value(key);
+    return preferencePanelDictionary().value(key, preferencePanelDefaultsDictionary().value(key));
+}
+
+void KXPreferences::overrideForThisRun(const QString &key, const QVariant &value)
+{
+    m_overrides.insert(key, value);
+    applySaveDirectory();
+}
