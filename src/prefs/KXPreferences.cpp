@@ -2,6 +2,7 @@
 
 #include "platform/DefaultsStore.h"
 #include "prefs/StoredChanges.h"
+#include "prefs/ToolsUnpacker.h"
 
 using namespace Qt::StringLiterals;
 
@@ -39,6 +40,7 @@ KXPreferences::KXPreferences(platform::DefaultsStore &store, const prefs::Places
     , m_places(places)
 {
     setToolsLocationURL(resourcesLocation());
+    setWaiting(tools::Waiting::Blocking); // it runs at the start only, when nothing could be served yet
 }
 
 QString KXPreferences::initialize()
@@ -139,6 +141,7 @@ void KXPreferences::modifyToolTips()
 void KXPreferences::initializeApplicationSupportFolder()
 {
     setToolsLocationURL(resourcesLocation());
+    m_toolsProblem = prefs::ToolsUnpacker(*this, *this).unpack();
 }
 
 QVariant KXPreferences::panelValue(const QString &key) const

@@ -64,6 +64,8 @@ public:
     void modifyToolTips();
     /// Fixes the tools folder and unpacks the tool archives there.
     void initializeApplicationSupportFolder();
+    /// Null, or a sentence: which tools the last unpacking did not give, and why.
+    QString toolsProblem() const { return m_toolsProblem; }
 
     /// A panel value as it holds now: overridden for this run, else set, else its default.
     QVariant panelValue(const QString &key) const;
@@ -98,6 +100,7 @@ private:
     prefs::Places m_places;
     QUrl m_saveDirectoryURL;
     QUrl m_watchFolderURL;
+    QString m_toolsProblem;
     QVariantMap m_overrides;
     QVariantMap m_loaded; // by top-level key, as last loaded or saved
 };

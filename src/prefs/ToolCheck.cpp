@@ -1,0 +1,167 @@
+#include "prefs/ToolCheck.h"
+
+#include "tools/KXHelpers.h"
+#include "tools/ShellRunner.h"
+#include "tools/ToolEnvironment.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace prefs {
+
+namespace {
+
+constexpr int patienceMs = 5000;
+
+struct KnownTool
+{
+    QString name;
+    QString versionFlag;
+    QString versionPattern;
+    QString switchesOff;
+};
+
+const QList<KnownTool> &knownTools()
+{
+    static const QList<KnownTool> tools{
+        {u"ffmpeg"_s, u"-version"_s, u"version (\\S+)"_s,
+         u"Without it nothing can be converted, and tracks can't be extracted."_s},
+        {u"ffprobe"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it no file can be opened."_s},
+        {u"mkvmerge"_s, u"--version"_s, u"mkvmerge v(\\S+)"_s,
+         u"Without it MKV files can't be muxed, remuxed, split, joined or rid of tracks."_s},
+        {u"mkvextract"_s, u"--version"_s, u"mkvextract v(\\S+)"_s,
+         u"Without it picture subtitles can't be extracted."_s},
+        {u"mkvinfo"_s, u"--version"_s, u"mkvinfo v(\\S+)"_s,
+         u"Without it MKV files with header-removal compression are not recognised."_s},
+        {u"mp4box"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it MP4 files can't be joined."_s},
+        {u"mplayer"_s, u"-noconfig all"_s, u"^MPlayer (\\S+)"_s,
+         u"Without it there is no preview playback."_s},
+        {u"atomicparsley"_s, u"--version"_s, u"version:? (\\S+)"_s, u"Nothing needs it so far."_s},
+        {u"mediainfo"_s, u"--Version"_s, u"v(\\d\\S*)"_s, u"Nothing needs it so far."_s},
+        {u"tesseract"_s, u"--version"_s, u"tesseract v?(\\S+)"_s, u"Nothing needs it so far."_s},
+    };
+    return tools;
+}
+
+QString unescaped(const QString &quoted)
+{
+    static const QRegularExpression escape(u"\\\\([\\\\\"$`])"_s);
+    return QString(quoted).replace(escape, u"\\1"_s);
+}
+
+bool canRun(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.isFile() && file.isExecutable();
+}
+
+ToolReport::State stateOfFiles(const QString &path, const QString &program)
+{
+    if (!QFileInfo(path).isFile())
+        return ToolReport::State::Missing;
+    if (!canRun(path))
+        return ToolReport::State::NotExecutable;
+    return canRun(program) ? ToolReport::State::Silent : ToolReport::State::Hollow;
+}
+
+} // namespace
+
+QString launchedProgram(const QString &launcherPath)
+{
+    QFile file(launcherPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    static const QRegularExpression launcher(
+        u"\\A#!/bin/sh\\nexec \"((?:[^\"\\\\]|\\\\.)*)\" \"\\$@\"\\n\\z"_s);
+    const auto match = launcher.match(QString::fromUtf8(file.read(8192)));
+    return match.hasMatch() ? unescaped(match.captured(1)) : QString();
+}
+
+QString describe(ToolReport::State state)
+{
+    switch (state) {
+    case ToolReport::State::Works:
+        return u"works"_s;
+    case ToolReport::State::Missing:
+        return u"is missing"_s;
+    case ToolReport::State::NotExecutable:
+        return u"is not executable"_s;
+    case ToolReport::State::Hollow:
+        return u"starts a program that is gone"_s;
+    case ToolReport::State::Silent:
+        return u"does not answer"_s;
+    }
+    return {};
+}
+
+ToolCheck::ToolCheck(const KXHelpers &runner, const tools::ToolPlaces &places)
+    : m_runner(runner)
+    , m_places(places)
+{
+}
+
+QStringList ToolCheck::toolNames()
+{
+    QStringList names;
+    for (const KnownTool &tool : knownTools())
+        names.append(tool.name);
+    return names;
+}
+
+QList<ToolReport> ToolCheck::checkAll() const
+{
+    QList<ToolReport> reports;
+    for (const QString &name : toolNames())
+        reports.append(check(name));
+    return reports;
+}
+
+ToolReport ToolCheck::check(const QString &name) const
+{
+    ToolReport report;
+    report.name = name;
+    const auto known = std::find_if(knownTools().cbegin(), knownTools().cend(),
+                                    [&](const KnownTool &tool) { return tool.name == name; });
+    if (known == knownTools().cend())
+        return report;
+    report.switchesOff = known->switchesOff;
+    report.location = m_runner.urlOfApp(name);
+    const QString path = report.location.toLocalFile();
+    const QString launched = launchedProgram(path);
+    const QString program = launched.isNull() ? path : launched;
+    report.state = stateOfFiles(path, program);
+    if (report.state == ToolReport::State::Missing)
+        return report;
+    report.program = program;
+    if (report.state != ToolReport::State::Silent)
+        return report;
+    report.version = askedVersion(report.location, known->versionFlag, known->versionPattern);
+    if (!report.version.isNull())
+        report.state = ToolReport::State::Works;
+    return report;
+}
+
+QString ToolCheck::askedVersion(const QUrl &location, const QString &flag, const QString &pattern) const
+{
+    const QTemporaryDir home; // mplayer writes a configuration into its home whenever it runs
+    tools::ShellRequest request;
+    request.line = tools::toolLine(location, {flag, u"2>&1"_s}, m_places, tools::shellKind()).launched;
+    request.environment = tools::shellEnvironment(location);
+    request.environment.insert(u"MPLAYER_HOME"_s, home.path());
+    request.workingFolder = m_places.workingFolder();
+    request.timeoutMs = patienceMs;
+    const tools::ShellReply reply = tools::runShell(request);
+    if (reply.status != 0)
+        return {};
+    const QRegularExpression version(pattern, QRegularExpression::MultilineOption);
+    const auto match = version.match(QString::fromUtf8(reply.output));
+    return match.hasMatch() ? match.captured(1) : QString();
+}
+
+} // namespace prefs

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+class KXHelpers;
+
+namespace tools {
+class ToolPlaces;
+}
+
+namespace prefs {
+
+/// What is known of one tool after it was looked at and run once.
+struct ToolReport
+{
+    enum class State {
+        Works,         ///< it is there and told its version
+        Missing,       ///< no file where it should be
+        NotExecutable, ///< a file without run bits
+        Hollow,        ///< a launcher whose program is gone
+        Silent         ///< it can be started but does not answer as it should
+    };
+
+    QString name;
+    QUrl location;
+    QString program; ///< what a launcher runs, else the tool itself; null when missing
+    State state = State::Missing;
+    QString version;     ///< null unless it works
+    QString switchesOff; ///< a sentence: what does not work without it
+
+    bool works() const { return state == State::Works; }
+};
+
+/// The state in a few words for the user ("works", "is missing", ...).
+QString describe(ToolReport::State state);
+
+/// Looks at the tools that the program calls. It runs each one once, for at most a few seconds, and
+/// changes nothing.
+class ToolCheck final
+{
+public:
+    /// Both must outlive it.
+    ToolCheck(const KXHelpers &runner, const tools::ToolPlaces &places);
+
+    /// Every tool, in a fixed order.
+    QList<ToolReport> checkAll() const;
+    /// One tool by its name; a name we don't call is missing and switches off nothing.
+    ToolReport check(const QString &name) const;
+    static QStringList toolNames();
+
+private:
+    QString askedVersion(const QUrl &location, const QString &flag, const QString &pattern) const;
+
+    const KXHelpers &m_runner;
+    const tools::ToolPlaces &m_places;
+};
+
+/// The program that one of our launchers runs; null for any other file.
+QString launchedProgram(const QString &launcherPath);
+
+} // namespace prefs

@@ -1,0 +1,103 @@
+#include "prefs/ToolsUnpacker.h"
+
+#include "prefs/ToolArchives.h"
+#include "tools/KXHelpers.h"
+
+#include <QFileInfo>
+#include <QLockFile>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace prefs {
+
+namespace {
+
+constexpr int lockPatienceMs = 30000;
+
+bool isWhole(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.isFile() && file.isExecutable() && file.size() > 0;
+}
+
+} // namespace
+
+ToolsUnpacker::ToolsUnpacker(const KXHelpers &runner, const tools::ToolPlaces &places)
+    : m_runner(runner)
+    , m_places(places)
+{
+}
+
+QString ToolsUnpacker::unpack() const
+{
+    const QList<ToolArchive> archives = presentArchives();
+    if (archives.isEmpty())
+        return {};
+    const QString folder = m_places.toolsLocation().toLocalFile();
+    QLockFile lock(folder + u"/.unpacking.lock"_s);
+    if (lock.tryLock(lockPatienceMs))
+        return unpackLocked(archives);
+    const bool complete = std::all_of(archives.cbegin(), archives.cend(), [this](const ToolArchive &archive) {
+        return brokenTools(archive).isEmpty();
+    });
+    return complete ? QString() : u"The tools can't be unpacked: %1 can't be written."_s.arg(folder);
+}
+
+QString ToolsUnpacker::unpackLocked(const QList<ToolArchive> &archives) const
+{
+    QStringList problems;
+    for (const ToolArchive &archive : archives) {
+        const QString problem = unpackArchive(archive);
+        if (!problem.isNull())
+            problems.append(problem);
+    }
+    return problems.isEmpty() ? QString() : problems.join(u'\n');
+}
+
+/// "-u" takes a half-written file or one that lost its run bits for the newer one, so such an archive is
+/// unpacked once more without it.
+QString ToolsUnpacker::unpackArchive(const ToolArchive &archive) const
+{
+    QString answer = unzip(archive, u"-uoq"_s);
+    if (!brokenTools(archive).isEmpty())
+        answer = unzip(archive, u"-oq"_s);
+    const QStringList broken = brokenTools(archive);
+    if (broken.isEmpty())
+        return {};
+    const QString sentence = u"%1.zip did not give %2."_s.arg(archive.folder, broken.join(u", "_s));
+    return answer.isEmpty() ? sentence : sentence + u' ' + answer;
+}
+
+QString ToolsUnpacker::unzip(const ToolArchive &archive, const QString &flags) const
+{
+    // The pattern is for unzip: bare, the shell would expand it where the working folder holds a folder
+    // of that name.
+    const auto pattern = tools::OptionItem::withData({}, archive.folder + u"/*"_s, tools::Quoting::Single);
+    return m_runner.doUnixCommandWithOptions(
+        u"unzip"_s,
+        {u"-d"_s, m_places.toolsLocation(), flags, m_runner.urlOfApp(archive.folder + u".zip"_s), pattern});
+}
+
+QList<ToolArchive> ToolsUnpacker::presentArchives() const
+{
+    QList<ToolArchive> present;
+    for (const ToolArchive &archive : toolArchives()) {
+        if (KXHelpers::fileExistsAtURL(m_runner.urlOfApp(archive.folder + u".zip"_s)))
+            present.append(archive);
+    }
+    return present;
+}
+
+QStringList ToolsUnpacker::brokenTools(const ToolArchive &archive) const
+{
+    QStringList broken;
+    for (const QString &tool : archive.tools) {
+        if (!isWhole(m_runner.urlOfApp(tool).toLocalFile()))
+            broken.append(tool);
+    }
+    return broken;
+}
+
+} // namespace prefs
