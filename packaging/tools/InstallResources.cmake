@@ -1,0 +1,18 @@
+# Copies Resources to where it is installed, with the tools folder already unpacked: an installed one
+# can usually not be written by who runs the program. Included with SOURCE and TARGET.
+file(MAKE_DIRECTORY "${TARGET}")
+foreach(part IN ITEMS fonts tesseract)
+  if(EXISTS "${SOURCE}/${part}")
+    file(COPY "${SOURCE}/${part}" DESTINATION "${TARGET}")
+  endif()
+endforeach()
+foreach(tool IN ITEMS atomicparsley mediainfo)
+  if(EXISTS "${SOURCE}/${tool}")
+    file(COPY "${SOURCE}/${tool}" DESTINATION "${TARGET}")
+  endif()
+endforeach()
+foreach(folder IN ITEMS ffmpeg mkvtoolnix mp4box mplayer)
+  if(EXISTS "${SOURCE}/${folder}.zip")
+    file(ARCHIVE_EXTRACT INPUT "${SOURCE}/${folder}.zip" DESTINATION "${TARGET}")
+  endif()
+endforeach()
