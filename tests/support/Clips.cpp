@@ -92,7 +92,7 @@ QString withCover(const QString &name, const QString &image, const QString &kind
 QString mpeg2(const QString &name)
 {
     return clip(name, [](const QString &path) {
-        ffmpeg(picture(u"320x240"_s, 4) + u' ' + sound(4) + u" -c:v mpeg2video -bf 2 -b:v 800k -c:a mp2"_s,
+        ffmpeg(picture(u"320x240"_s, 4) + u' ' + sound(4) + u" -c:v mpeg2video -bf 2 -b:v 800k -c:a mp2 -ac 2"_s,
                path);
     });
 }

@@ -1,0 +1,130 @@
+#pragma once
+
+#include "media/KXVideoTrack.h"
+#include "platform/Fields.h"
+#include "tools/KXHelpers.h"
+
+#include <QUrl>
+#include <QVariantList>
+
+#include <memory>
+
+namespace media {
+class TrackBuilder;
+}
+
+class KXVideoFile;
+using VideoFilePointer = std::shared_ptr<KXVideoFile>;
+/// Groups of the words by which a codec is told.
+using CodecGroups = QList<QStringList>;
+
+/// The probed model of one media file: its tracks and the properties of its first video stream. One
+/// object serves file after file; tracks are shared with the selection and with copies of the file. It
+/// blocks while ffprobe runs and changes nothing on disk but an error file beside what it can't use.
+class KXVideoFile final : public KXHelpers
+{
+    Q_OBJECT
+
+    // "none" and "0" stand for not known.
+    KX_FIELD(QString, theFilePath, setTheFilePath, QStringLiteral("none"))
+    KX_FIELD(QUrl, theFileURL, setTheFileURL, {})
+    KX_FIELD(QString, theFileName, setTheFileName, QStringLiteral("none"))
+    /// In lower case.
+    KX_FIELD(QString, theFileExtension, setTheFileExtension, QStringLiteral("none"))
+    /// The name in front of "." and the extension; with an extension in capitals the whole name.
+    KX_FIELD(QString, theFileShortName, setTheFileShortName, QStringLiteral("none"))
+    /// Ends in "/".
+    KX_FIELD(QString, pathToFileFolder, setPathToFileFolder, QStringLiteral("none"))
+    KX_FIELD(QString, addedFilePath, setAddedFilePath, QStringLiteral("none"))
+    KX_FIELD(QString, addedFileName, setAddedFileName, QStringLiteral("none"))
+    KX_FIELD(QString, addedFileExtension, setAddedFileExtension, QStringLiteral("none"))
+    KX_FIELD(QString, addedPathToFileFolder, setAddedPathToFileFolder, QStringLiteral("none"))
+    /// Video tracks, audio tracks, subtitles, then what was added.
+    KX_FIELD(TrackList, trackList, setTrackList, {})
+    KX_FIELD(QString, theNumberOfVideoTracks, setTheNumberOfVideoTracks, QStringLiteral("0"))
+    KX_FIELD(QString, theNumberOfAudioTracks, setTheNumberOfAudioTracks, QStringLiteral("0"))
+    KX_FIELD(QString, theNumberOfSubTracks, setTheNumberOfSubTracks, QStringLiteral("0"))
+    /// This, the length and the pixel shape are not filled by a probe.
+    KX_FIELD(bool, isVideoFile, setIsVideoFile, false)
+    KX_FIELD(QString, theDuration, setTheDuration, QStringLiteral("0"))
+    /// Six digits behind the point: "23.976024"; "nan" where the stream says 0/0.
+    KX_FIELD(QString, theFPS, setTheFPS, QStringLiteral("0"))
+    KX_FIELD(QString, videoPAR, setVideoPAR, QStringLiteral("0"))
+    KX_FIELD(QString, theWidth, setTheWidth, QStringLiteral("0"))
+    KX_FIELD(QString, theHeight, setTheHeight, QStringLiteral("0"))
+    /// "High@L4.1"
+    KX_FIELD(QString, codecProfile, setCodecProfile, QStringLiteral("none"))
+    /// In kb/s, of the last video track; can be negative where it had to be estimated.
+    KX_FIELD(QString, theVideoBitRate, setTheVideoBitRate, QStringLiteral("0"))
+    KX_FIELD(QString, theVideoCodec, setTheVideoCodec, QStringLiteral("none"))
+    KX_FIELD(bool, headerRemovalFlag, setHeaderRemovalFlag, false)
+    /// One dictionary a stream, in ffprobe's order. A reset leaves it as it is.
+    KX_FIELD(QVariantList, ffprobeResultsDictionaryArray, setFfprobeResultsDictionaryArray, {})
+
+    Q_PROPERTY(CodecGroups videoCodecList READ videoCodecList CONSTANT)
+    Q_PROPERTY(QStringList videoInfoList READ videoInfoList CONSTANT)
+    Q_PROPERTY(QStringList videoExtList READ videoExtList CONSTANT)
+    Q_PROPERTY(CodecGroups audioCodecList READ audioCodecList CONSTANT)
+    Q_PROPERTY(QStringList audioInfoList READ audioInfoList CONSTANT)
+    Q_PROPERTY(QStringList audioExtList READ audioExtList CONSTANT)
+    Q_PROPERTY(CodecGroups subtitleCodecList READ subtitleCodecList CONSTANT)
+    Q_PROPERTY(QStringList subtitleInfoList READ subtitleInfoList CONSTANT)
+    Q_PROPERTY(QStringList subtitleExtList READ subtitleExtList CONSTANT)
+    Q_PROPERTY(QUrl mediainfoURL READ mediainfoURL CONSTANT)
+    Q_PROPERTY(QUrl mkvinfoURL READ mkvinfoURL CONSTANT)
+    Q_PROPERTY(QStringList propertiesKeysList READ propertiesKeysList CONSTANT)
+
+public:
+    /// Without places it can be filled and copied, but every probe answers "not a video".
+    explicit KXVideoFile(const tools::ToolPlaces *places);
+
+    /// Every property back to its default.
+    void setFileDefaultPropertyValues();
+
+    /// Probes the file: "OK", "not a video" or "track not identified". A probe that was stopped answers
+    /// "not a video" and leaves no error file.
+    QString initializeForURL(const QUrl &url);
+    /// The streams' dictionaries, or the single text "not a video".
+    QVariantList createFfprobeResultsDictionaryArrayForURL(const QUrl &url) const;
+    /// The codec words of ffprobe's stream lines, for streams that don't tell theirs otherwise.
+    QStringList createFfprobeStreamCodecsArrayForURL(const QUrl &url) const;
+    /// Fills the track list and the three counts; the answers are those of a probe.
+    QString createTrackListForSelf();
+    /// Fills the file's own properties; "OK" also without a video stream.
+    QString createFilePropertiesForSelf();
+
+    /// A file with the same values of propertiesKeysList() and the same tracks.
+    VideoFilePointer copy() const;
+    /// Takes the same over from another file.
+    void makeSelfCopyOfVideoFile(const KXVideoFile &other);
+
+    /// The whole file and its tracks as lines "name = value", for a person.
+    QString stringFromFileProperties() const;
+    void logFileProperties() const;
+
+    /// The words of the properties that are copied between files.
+    static const QStringList &propertiesKeysList();
+
+    // The codec vocabulary: parallel lists of match words, codec words and extensions.
+    CodecGroups videoCodecList() const;
+    QStringList videoInfoList() const;
+    QStringList videoExtList() const;
+    CodecGroups audioCodecList() const;
+    QStringList audioInfoList() const;
+    QStringList audioExtList() const;
+    CodecGroups subtitleCodecList() const;
+    QStringList subtitleInfoList() const;
+    QStringList subtitleExtList() const;
+
+    QUrl mediainfoURL() const { return resource(QStringLiteral("mediainfo")); }
+    QUrl mkvinfoURL() const { return resource(QStringLiteral("mkvinfo")); }
+
+private:
+    QUrl resource(const QString &name) const;
+    QString ffprobe(const QUrl &url, const tools::OptionList &options) const;
+    QString probeOf(const QUrl &url) const;
+    QString refuse(const QString &status, const QString &reason) const;
+    void deriveVideoBitRates(const TrackList &tracks) const;
+    void takeTracksFrom(const media::TrackBuilder &builder);
+    void takeVideoStream(const QVariantMap &stream);
+};

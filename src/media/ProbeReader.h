@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <optional>
+
+namespace media {
+
+// What ffprobe prints, read as text. None of these runs anything; all take any text whatever.
+
+/// Whether the JSON output holds a stream list. A file that carries the words "Invalid data found" in a
+/// title counts as damaged: losses of this kind are accepted.
+bool holdsStreamList(const QString &output);
+
+/// One dictionary a stream, of texts and, under "tags" and "disposition", of nested dictionaries. The
+/// reader looks at one line at a time and loses something on purpose: commas and double quotes go from
+/// every value, a value ends at its first ": ", a "{" or "}" in it opens or closes a dictionary.
+QList<QVariantMap> streamsIn(const QString &output);
+
+/// The codec words of ffprobe's "Stream #" lines, in order; lines with fewer pieces are passed over. A
+/// comma at a word's end stays.
+QStringList streamLineCodecs(const QString &output);
+
+/// The container's bit rate in kb/s from ffprobe's "Duration:" line, 0 where it says "N/A". Nothing when
+/// there isn't exactly one such line or it tells no bit rate.
+std::optional<qint64> containerBitRate(const QString &output);
+
+/// The text under that key; absent when there is none or it is no text.
+QString textIn(const QVariantMap &dictionary, const QString &key);
+
+/// The first text of the stream's "tags" under the key in lower or upper case that is not empty.
+QString tagIn(const QVariantMap &stream, const QString &key);
+
+} // namespace media
