@@ -1,14 +1,19 @@
 # Packs launchers of the installed tools: RESOURCES/ffmpeg.zip and its kin, and single tools beside
 # them. Run at build time with RESOURCES and STAGE (a folder of our own to make the launchers in).
 # A tool that is not installed is left out; nothing is rewritten that would come out the same.
+# TOOL_FOLDERS (optional) names the folders to take the tools from, instead of the PATH.
 cmake_minimum_required(VERSION 3.25)
 cmake_policy(SET CMP0009 NEW)
 
 # The path of the first program that is installed under one of the names, or nothing.
 function(find_tool result)
   unset(path)
-  find_program(path NAMES ${ARGN} NO_CACHE
-    PATHS /usr/bin /usr/local/bin /opt/homebrew/bin /opt/local/bin)
+  if(TOOL_FOLDERS)
+    find_program(path NAMES ${ARGN} NO_CACHE NO_DEFAULT_PATH PATHS ${TOOL_FOLDERS})
+  else()
+    find_program(path NAMES ${ARGN} NO_CACHE
+      PATHS /usr/bin /usr/local/bin /opt/homebrew/bin /opt/local/bin)
+  endif()
   if(NOT path)
     set(path "")
   endif()
