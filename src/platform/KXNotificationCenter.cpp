@@ -26,7 +26,9 @@ KXNotificationCenter::Subscription KXNotificationCenter::subscribe(const QString
 {
     Subscription subscription;
     subscription.m_alive = std::make_shared<bool>(true);
-    m_entries[name].push_back(std::make_shared<Entry>(Entry{subscription.m_alive, std::move(observer)}));
+    auto &entries = m_entries[name];
+    std::erase_if(entries, [](const auto &entry) { return entry->alive.expired(); });
+    entries.push_back(std::make_shared<Entry>(Entry{subscription.m_alive, std::move(observer)}));
     return subscription;
 }
 

@@ -3,6 +3,11 @@
 namespace tools
 {
 
+namespace
+{
+constexpr qsizetype longestRest = 64 * 1024;
+}
+
 QStringList LineCutter::feed(const QByteArray &chunk)
 {
     const QString text = m_decoder.decode(chunk);
@@ -18,6 +23,8 @@ QStringList LineCutter::feed(const QByteArray &chunk)
         start = i + 1;
     }
     m_rest += QStringView(text).mid(start);
+    if (m_rest.size() > longestRest)
+        m_rest = m_rest.right(longestRest);
     return lines;
 }
 

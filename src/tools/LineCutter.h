@@ -8,7 +8,8 @@ namespace tools
 {
 
 /// Cuts a tool's output into lines at carriage returns and line feeds. Bytes come in chunks of any
-/// size; UTF-8 is decoded across their borders, and a line that is not finished waits for its rest.
+/// size; UTF-8 is decoded across their borders, and a line that is not finished waits for its rest; of an
+/// endless one only the last 64 Ki characters are kept.
 class LineCutter
 {
   public:

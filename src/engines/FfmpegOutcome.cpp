@@ -1,0 +1,51 @@
+#include "engines/FfmpegOutcome.h"
+
+#include "tools/KXHelpers.h"
+#include "tools/Numbers.h"
+#include "tools/step/ToolLog.h"
+
+using namespace Qt::StringLiterals;
+using step::Outcome;
+
+namespace engines {
+
+namespace {
+
+constexpr qint64 toleratedSeconds = 2;
+constexpr qint64 toleratedPercent = 90;
+
+bool isShort(const FfmpegRun &run)
+{
+    const qint64 duration = tools::leadingInteger(run.durationInSeconds);
+    const qint64 done = KXHelpers::convertToTimeInSecondsFrom(run.lastTime);
+    return run.hasVideo && !run.lastTime.isEmpty() && duration - done > toleratedSeconds &&
+           tools::percentOf(done, duration) < toleratedPercent;
+}
+
+} // namespace
+
+Outcome outcomeOfMessages(const FfmpegRun &run)
+{
+    const step::ToolLog log(run.log);
+    if (log.hasLineContaining(u"No space left on device"_s))
+        return Outcome::failed(u"There was no space left for the output."_s);
+    Outcome outcome = Outcome::ok();
+    const QString damage = log.firstLineContaining({u"File ended prematurely"_s, u"partial file"_s,
+                                                    u"Error while decoding stream"_s,
+                                                    u"Invalid data found when processing input"_s});
+    if (!damage.isNull())
+        outcome = outcome.joinedWith(Outcome::warnings(u"The source seems damaged: %1."_s.arg(damage)));
+    if (isShort(run)) {
+        const auto sentence = u"The output ends at %1 s, the source is %2 s long."_s;
+        const QString done = QString::number(KXHelpers::convertToTimeInSecondsFrom(run.lastTime));
+        outcome = outcome.joinedWith(Outcome::warnings(sentence.arg(done, run.durationInSeconds)));
+    }
+    return outcome;
+}
+
+bool hasTimestampError(const QString &log)
+{
+    return step::ToolLog(log).hasLineContaining(u"packet with unknown timestamp"_s);
+}
+
+} // namespace engines

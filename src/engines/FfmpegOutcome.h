@@ -1,0 +1,25 @@
+#pragma once
+
+#include "tools/step/Outcome.h"
+
+#include <QString>
+
+namespace engines {
+
+/// What ffmpeg's own lines say about a run that ended, beyond its exit status.
+struct FfmpegRun
+{
+    QString log;
+    QString lastTime;          ///< last progress time, H:M:S
+    QString durationInSeconds; ///< of the input; "0" or assumed: absent
+    bool hasVideo = false;
+};
+
+/// Failed when the disk was full, done with warnings when the source was damaged or the result is
+/// shorter than it, else Ok.
+step::Outcome outcomeOfMessages(const FfmpegRun &run);
+
+/// True when the log asks for generated timestamps.
+bool hasTimestampError(const QString &log);
+
+} // namespace engines

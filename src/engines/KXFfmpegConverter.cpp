@@ -1,0 +1,176 @@
+// What ffmpeg is told; following it is in KXFfmpegConverterRun.cpp.
+#include "engines/KXFfmpegConverter.h"
+
+#include "engines/FfmpegArguments.h"
+#include "engines/FfmpegDevices.h"
+#include "engines/FfmpegSingleTrack.h"
+#include "engines/FfmpegSubtitles.h"
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "tools/step/OutputGuard.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+using engines::OutputKind;
+
+namespace {
+
+/// The path without its last extension; a name that is all extension (".mkv") stays.
+QString withoutExtension(const QUrl &file)
+{
+    const QFileInfo info(file.toLocalFile());
+    const bool has = !info.suffix().isEmpty() && !info.completeBaseName().isEmpty();
+    return has ? file.toLocalFile().chopped(info.suffix().size() + 1) : file.toLocalFile();
+}
+
+} // namespace
+
+KXFfmpegConverter::KXFfmpegConverter(const step::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"ffmpegConverter"_s);
+    setIsTemporaryOutput(false);
+    setDurationInSeconds(u"0"_s);
+    setSubCanBurnList({u"srt"_s, u"ass"_s, u"ssa"_s, u"ttxt"_s});
+    setFontconfigDirectoryExists(true);
+}
+
+void KXFfmpegConverter::initializeFor(const SelectionPointer &selection)
+{
+    KXConverter::initializeFor(selection);
+    setAppName(engines::appNameForDevice(selection->theDevice()));
+}
+
+/// Where the output would be a source, its base keeps the extension: "a.mkv" to MKV is "a.mkv.mkv".
+QUrl KXFfmpegConverter::wantedOutput() const
+{
+    const OutputKind kind = engines::outputKindNamed(appName());
+    const QString device = converterSelection()->theDevice();
+    const QUrl wanted = engines::outputForBase(withoutExtension(outputFileURL()), kind, device);
+    if (!context().guard.isInput(wanted))
+        return wanted;
+    return engines::outputForBase(outputFileURL().toLocalFile(), kind, device);
+}
+
+void KXFfmpegConverter::prepareNames(const QUrl &wanted)
+{
+    const QUrl log = QUrl::fromLocalFile(logFileURL().toLocalFile() + u".log"_s);
+    if (!claimOutput(wanted))
+        return;
+    postConversionStarted();
+    setPasslogfileString(context().temporaryFolder + u"passLog"_s);
+    claimLog(log);
+    setLogModifiedDateOld(QDateTime::currentDateTime());
+    setTempFileToDeleteURL(QUrl());
+    setMonitorCounter(0);
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    prepareNames(wantedOutput());
+    if (!refusal().isNull())
+        return nullptr;
+    engines::ConversionRequest request;
+    request.kind = engines::outputKindNamed(appName());
+    request.output = outputFileURL();
+    request.subToBurn = subToBurnURL();
+    request.passlogfile = passlogfileString();
+    request.useDplii = appPreferences().panelFlag(u"useDpliiFlag"_s);
+    request.moovInFront = appPreferences().panelFlag(u"moovInFrontFlag"_s);
+    if (!isEmpty(subToBurnURL()))
+        checkFontCache();
+    const auto lists = engines::conversionLists(*selection, request);
+    setOptionArray1(lists.first);
+    setOptionArray2(lists.second);
+    setCurrentPass(lists.currentPass);
+    m_isShellLine = false;
+    const auto task =
+        runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
+    setOldProgress(u"00:00:00"_s);
+    return task;
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
+{
+    setCurrentPass(2);
+    m_repeatsFirstPass = false;
+    m_isShellLine = false;
+    m_startsSecondPass = true;
+    m_progress.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
+{
+    tools::OptionList list = optionArray1();
+    list.prepend(u"genpts"_s);
+    list.prepend(u"-fflags"_s);
+    setOptionArray1(list);
+    m_repeatsFirstPass = currentPass() == 2;
+    m_generatesTimestamps = true;
+    m_startsSecondPass = false;
+    m_progress.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
+}
+
+QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    const TrackList tracks = selection->trackList();
+    if (trackItemToProcess() < 0 || trackItemToProcess() >= tracks.size()) {
+        refuse(u"The track to convert is not there."_s);
+        return {};
+    }
+    const KXVideoTrack &track = *tracks.at(trackItemToProcess());
+    const QString suffix = engines::singleTrackSuffix(track);
+    // No device has a file extension of its own here, "Xbox" included.
+    const OutputKind kind = engines::outputKindNamed(appName());
+    QUrl wanted = engines::outputForBase(withoutExtension(outputFileURL()) + suffix, kind, {});
+    if (context().guard.isInput(wanted))
+        wanted = engines::outputForBase(outputFileURL().toLocalFile() + suffix, kind, {});
+    prepareNames(wanted);
+    if (!refusal().isNull())
+        return {};
+    const auto lists = engines::singleTrackLists(*selection, track, outputFileURL(), logFileURL());
+    setOptionArray1(lists.first);
+    setOptionArray2(lists.second);
+    setCurrentPass(lists.currentPass);
+    m_isShellLine = true;
+    setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), optionArray1()));
+    setOldProgress(u"00:00:00"_s);
+    return doShell_ID();
+}
+
+void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
+{
+    const QString path = subtitle.toLocalFile();
+    if (!subCanBurnList().contains(QFileInfo(path).suffix().toLower())) {
+        setSubToBurnURL(QUrl());
+        return;
+    }
+    setSubToBurnURL(subtitle);
+    if (engines::filterCanTake(path))
+        return;
+    // The copy keeps its content whatever its format; only its name ends in ".ass".
+    const QUrl copy = QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
+    if (context().launcher.copyFile(subtitle, copy))
+        setSubToBurnURL(copy);
+}
+
+tools::OptionList KXFfmpegConverter::launchForm(const tools::OptionList &meant)
+{
+    const OutputKind kind = engines::outputKindNamed(appName());
+    engines::LaunchFacts facts = engines::launchFactsOf(*converterSelection(), kind);
+    facts.isSecondPass = m_startsSecondPass;
+    facts.isShellLine = m_isShellLine;
+    facts.generatesTimestamps = m_generatesTimestamps;
+    facts.passlogfile = passlogfileString();
+    const engines::LaunchForm form = engines::ffmpegLaunchForm(meant, facts);
+    for (const QString &warning : form.warnings) {
+        if (!m_warnings.contains(warning))
+            m_warnings.append(warning);
+    }
+    return form.list;
+}

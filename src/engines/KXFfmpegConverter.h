@@ -1,0 +1,59 @@
+#pragma once
+
+#include "engines/FfmpegLaunch.h"
+#include "tools/step/FfmpegProgress.h"
+#include "tools/step/KXConverter.h"
+
+#include <QDateTime>
+
+/// Turns a selection into ffmpeg's argument lists and runs them: a whole file in one pass or two, or
+/// one track into a file of its own. It follows ffmpeg's error stream and classifies the end of a run;
+/// what comes next is the job's to decide.
+class KXFfmpegConverter final : public KXConverter
+{
+    Q_OBJECT
+    KX_FIELD(tools::OptionList, optionArray1, setOptionArray1, {})
+    KX_FIELD(tools::OptionList, optionArray2, setOptionArray2, {})
+    /// The subtitle to draw into the picture; without a path: none.
+    KX_FIELD(QUrl, subToBurnURL, setSubToBurnURL, QUrl())
+    KX_FIELD(QStringList, subCanBurnList, setSubCanBurnList, {})
+    KX_FIELD(bool, fontconfigDirectoryExists, setFontconfigDirectoryExists, true)
+    KX_FIELD(bool, fontconfigIsRebuilding, setFontconfigIsRebuilding, false)
+    KX_FIELD(int, fontconfigFileCount, setFontconfigFileCount, 0)
+    KX_FIELD(QDateTime, logModifiedDateOld, setLogModifiedDateOld, QDateTime())
+    KX_FIELD(QString, passlogfileString, setPasslogfileString, QString())
+
+public:
+    explicit KXFfmpegConverter(const step::ConverterContext &context);
+
+    void initializeFor(const SelectionPointer &selection) override;
+    tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
+    tools::ToolProcessPointer startSecondPass();
+    tools::ToolProcessPointer startTimeStampRetry();
+    /// Converts the track at trackItemToProcess() in the shell's background; answers the process id.
+    QString startConvertingTrackItemToProcess(const SelectionPointer &selection);
+    void prepSubtitleForBurning(const QUrl &subtitle);
+    void handleNewTaskResult(const step::ReadEvent &event) override;
+    void backgroundReadingCompleted() override;
+    step::Outcome outcome() const override;
+
+protected:
+    tools::OptionList launchForm(const tools::OptionList &meant) override;
+
+private:
+    void prepareNames(const QUrl &wantedOutput);
+    QUrl wantedOutput() const;
+    bool fontCacheIsThere() const;
+    void checkFontCache();
+    void postProgress(const step::FfmpegReading &reading);
+    bool asksForTimestamps() const;
+    void removeInterruptedStatistics();
+
+    step::FfmpegProgressReader m_progress;
+    QStringList m_warnings;
+    /// A retry of a two-pass run: pass 1 runs again although currentPass() stays 2.
+    bool m_repeatsFirstPass = false;
+    bool m_generatesTimestamps = false;
+    bool m_isShellLine = false;
+    bool m_startsSecondPass = false;
+};

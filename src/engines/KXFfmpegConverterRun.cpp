@@ -1,0 +1,126 @@
+// How ffmpeg is followed, and what its end means.
+#include "engines/KXFfmpegConverter.h"
+
+#include "engines/FfmpegOutcome.h"
+#include "media/KXVideoTrack.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString monitorName = u"monitorConversionUpdate"_s;
+
+bool hasVideo(const KXSelection &selection)
+{
+    const TrackList tracks = selection.trackList();
+    return std::any_of(tracks.begin(), tracks.end(),
+                       [](const TrackPointer &track) { return track->trackType() == u"Video"_s; });
+}
+
+} // namespace
+
+bool KXFfmpegConverter::fontCacheIsThere() const
+{
+    return directoryPathIsNotEmptyFor(u"~/.fontconfig"_s) ||
+           directoryPathIsNotEmptyFor(u"/opt/local/var/cache/fontconfig"_s);
+}
+
+void KXFfmpegConverter::checkFontCache()
+{
+    const bool isThere = fontCacheIsThere();
+    setFontconfigDirectoryExists(isThere);
+    setFontconfigIsRebuilding(!isThere);
+}
+
+void KXFfmpegConverter::handleNewTaskResult(const step::ReadEvent &event)
+{
+    KXConverter::handleNewTaskResult(event);
+    if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty())
+        return;
+    const step::FfmpegReading reading = m_progress.feed(event.data);
+    if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
+        post(monitorName, u"Initializing Fontconfig"_s);
+        return;
+    }
+    if (durationInSeconds() == u"0"_s)
+        findDurationInSeconds();
+    postProgress(reading);
+}
+
+void KXFfmpegConverter::postProgress(const step::FfmpegReading &reading)
+{
+    if (!reading.time.isNull()) {
+        setFontconfigDirectoryExists(true);
+        setFontconfigIsRebuilding(false);
+        setOldProgress(reading.time);
+    } else if (reading.movesMoov) {
+        post(monitorName, u"moving moov atom"_s);
+        return;
+    }
+    const int percent = step::percentOfDuration(oldProgress(), durationInSeconds());
+    const bool twoPasses = converterSelection() && converterSelection()->userPassNumber() == u"2"_s;
+    const int pass = m_repeatsFirstPass ? 1 : currentPass();
+    post(monitorName,
+         twoPasses ? QString::asprintf("Pass #%i %i%%", pass, percent) : QString::asprintf("%i%%", percent));
+}
+
+/// A run that ended well has every packet written, whatever a title in its log says.
+bool KXFfmpegConverter::asksForTimestamps() const
+{
+    const auto task = converterTask();
+    const bool endedWell = task && task->exitStatus() == 0;
+    return !endedWell && engines::hasTimestampError(logString());
+}
+
+/// An interrupted first pass leaves these behind; all else in the folder goes with the job.
+void KXFfmpegConverter::removeInterruptedStatistics()
+{
+    for (const QString &ending : {u"-0.log.temp"_s, u"-0.log.mbtree.temp"_s})
+        doUnixCommandWithOptions(u"rm"_s, {QUrl::fromLocalFile(passlogfileString() + ending)});
+}
+
+void KXFfmpegConverter::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    if (currentPass() == 1) {
+        setOldProgress(u"00:00:00"_s);
+        post(u"taskCompletion"_s, u"Pass 1 Complete"_s);
+        return;
+    }
+    if (currentPass() == 2)
+        removeInterruptedStatistics();
+    if (asksForTimestamps()) {
+        post(u"taskCompletion"_s, u"timestamp error"_s);
+        return;
+    }
+    if (m_repeatsFirstPass) {
+        setOldProgress(u"00:00:00"_s);
+        post(u"taskCompletion"_s, u"Pass 1 Complete"_s); // else the output would never be written
+        return;
+    }
+    setConversionError(!logString().contains(u"frame="_s) ||
+                       logString().contains(u"av_interleaved_write_frame(): Invalid argument"_s));
+    post(u"taskCompletion"_s, u"Complete"_s);
+}
+
+step::Outcome KXFfmpegConverter::outcome() const
+{
+    if (!refusal().isNull())
+        return step::Outcome::failed(refusal());
+    engines::FfmpegRun run;
+    run.log = logString();
+    run.lastTime = oldProgress();
+    run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
+    run.hasVideo = converterSelection() && hasVideo(*converterSelection());
+    step::Outcome ended = outcomeOfTool();
+    if (ended.verdict != step::Verdict::Failed && run.hasVideo && conversionError())
+        ended = step::Outcome::failed(u"ffmpeg wrote no picture."_s);
+    if (ended.verdict == step::Verdict::Failed)
+        return ended;
+    ended = ended.joinedWith(engines::outcomeOfMessages(run));
+    for (const QString &warning : m_warnings)
+        ended = ended.joinedWith(step::Outcome::warnings(warning));
+    return ended;
+}

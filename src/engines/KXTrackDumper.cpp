@@ -1,0 +1,183 @@
+#include "engines/KXTrackDumper.h"
+
+#include "engines/ExtractionArguments.h"
+#include "engines/FfmpegOutcome.h"
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "tools/Numbers.h"
+#include "tools/step/OutputGuard.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+KXTrackDumper::KXTrackDumper(const step::ConverterContext &context)
+    : KXConverter(context)
+{
+}
+
+const KXVideoTrack *KXTrackDumper::track() const
+{
+    const TrackList tracks = converterSelection()->trackList();
+    const bool isThere = trackItemToProcess() >= 0 && trackItemToProcess() < tracks.size();
+    return isThere ? tracks.at(trackItemToProcess()).get() : nullptr;
+}
+
+/// Names for output and log, by the base path.
+bool KXTrackDumper::prepare(const QString &base, Naming naming)
+{
+    if (track() == nullptr) {
+        refuse(u"The track to extract is not there."_s);
+        return false;
+    }
+    const QUrl wanted = engines::extractionOutput(base, *track());
+    if (naming == Naming::Intermediate)
+        setOutputFileURL(context().guard.claimFree(wanted));
+    else if (!claimOutput(wanted))
+        return false;
+    claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
+    setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
+    return true;
+}
+
+tools::ToolProcessPointer
+KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                               const QUrl &folder)
+{
+    setConverterSelection(selection);
+    if (track() != nullptr)
+        setInputFileURL(track()->trackFileURL());
+    const QFileInfo source(selection->videoTrackFileURL().toLocalFile());
+    setSaveDirectoryURL(isEmpty(folder) ? QUrl::fromLocalFile(source.absolutePath()) : folder);
+    const QString base = saveDirectoryURL().toLocalFile() + u'/' + inputFileURL().fileName();
+    return prepare(base, Naming::Output) ? start() : nullptr;
+}
+
+tools::ToolProcessPointer KXTrackDumper::startConversionForSelection(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    return prepare(outputFileURL().toLocalFile(), Naming::Output) ? start() : nullptr;
+}
+
+tools::ToolProcessPointer KXTrackDumper::start()
+{
+    postConversionStarted();
+    if (engines::isForMkvextract(*track())) {
+        setExtractorName(u"mkvextractor"_s);
+        return runAndMonitorBinaryURLWithOptionsShouldWait(
+            urlOfApp(u"mkvextract"_s), engines::mkvextractArguments(*track(), outputFileURL()),
+            ShouldWait::No);
+    }
+    setExtractorName(u"ffmpeg"_s);
+    setOldProgress(u"00:00:00"_s);
+    m_progress.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(
+        urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionArguments(*track(), outputFileURL()), ShouldWait::No);
+}
+
+QString KXTrackDumper::startConversionFor(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    setDoShell_ID({});
+    if (!prepare(outputFileURL().toLocalFile(), isTemporaryOutput() ? Naming::Intermediate : Naming::Output))
+        return {};
+    if (engines::isForMkvextract(*track())) {
+        setExtractorName(u"mkvextractor"_s);
+        postConversionStarted();
+        setDoShell_ID(
+            startInBackground(urlOfApp(u"mkvextract"_s),
+                              engines::mkvextractShellItems(*track(), outputFileURL(), logFileURL())));
+    } else if (engines::isForMp4box(*track())) {
+        setExtractorName(u"mp4box"_s); // and no tool: nothing writes such a subtitle
+    } else {
+        setExtractorName(u"ffmpeg"_s);
+        setOldProgress(u"00:00:00"_s);
+        postConversionStarted();
+        setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionShellItems(
+                                                                   *track(), outputFileURL(), logFileURL())));
+    }
+    return doShell_ID();
+}
+
+tools::OptionList KXTrackDumper::launchForm(const tools::OptionList &meant)
+{
+    return extractorName() == u"ffmpeg"_s ? engines::extractionLaunchForm(meant, outputFileURL()) : meant;
+}
+
+void KXTrackDumper::handleNewTaskResult(const step::ReadEvent &event)
+{
+    KXConverter::handleNewTaskResult(event);
+    if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty() ||
+        extractorName() != u"ffmpeg"_s)
+        return;
+    const step::FfmpegReading reading = m_progress.feed(event.data);
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    if (!reading.time.isNull())
+        setOldProgress(reading.time);
+    post(u"monitorExtractionUpdate"_s,
+         QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds())));
+}
+
+void KXTrackDumper::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    post(u"taskCompletion"_s, u"Complete"_s);
+}
+
+QString KXTrackDumper::monitorConversion()
+{
+    if (!processIsRunningWithPID(doShell_ID()))
+        return u"Complete"_s;
+    if (extractorName() == u"ffmpeg"_s)
+        return pollFfmpeg();
+    if (extractorName() == u"mkvextractor"_s)
+        return pollMkvextract();
+    const QString line = lastLogLine();
+    return isStringInteger(line) ? u"%1%"_s.arg(tools::leadingInteger(line)) : u"error"_s;
+}
+
+QString KXTrackDumper::lastLogLine() const
+{
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s});
+}
+
+QString KXTrackDumper::pollFfmpeg()
+{
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    const QString line =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s, u"| grep time="_s});
+    const QString time = step::isStatusLine(line) ? step::timeInStatusLine(line) : QString();
+    if (!time.isNull())
+        setOldProgress(time);
+    return QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+QString KXTrackDumper::pollMkvextract()
+{
+    const QString piece = lastLogLine().section(u": "_s, -1);
+    if (piece.endsWith(u'%'))
+        setOldProgress(piece);
+    return oldProgress();
+}
+
+step::Outcome KXTrackDumper::outcome() const
+{
+    if (extractorName() == u"mp4box"_s)
+        return step::Outcome::failed(u"No tool here writes that kind of subtitle out of this container."_s);
+    const step::Outcome ended = KXConverter::outcome();
+    const KXVideoTrack *source = converterSelection() ? track() : nullptr;
+    if (ended.verdict == step::Verdict::Ok && extractorName() == u"ffmpeg"_s && source != nullptr) {
+        engines::FfmpegRun run;
+        run.log = logString();
+        run.lastTime = oldProgress();
+        run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
+        run.hasVideo = source->trackType() == u"Video"_s && doShell_ID().isEmpty();
+        return engines::outcomeOfMessages(run);
+    }
+    if (ended.verdict != step::Verdict::Failed || source == nullptr)
+        return ended;
+    return step::Outcome::failed(u"Track %1, %2, was not written. %3"_s.arg(
+        source->trackFfmpegID(), source->trackInfo(), ended.sentence));
+}

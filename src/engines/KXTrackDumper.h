@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tools/step/FfmpegProgress.h"
+#include "tools/step/KXConverter.h"
+
+class KXVideoTrack;
+
+/// Writes one track of a file into a file of its own: picture subtitles of MKV files with mkvextract,
+/// everything else with ffmpeg by stream copy. Runs one tool once.
+class KXTrackDumper final : public KXConverter
+{
+    Q_OBJECT
+    /// "ffmpeg", "mkvextractor" or "mp4box"; chooses the progress poll.
+    KX_FIELD(QString, extractorName, setExtractorName, QString())
+
+public:
+    explicit KXTrackDumper(const step::ConverterContext &context);
+
+    /// The names come from the given folder, or, without one, from the source's.
+    tools::ToolProcessPointer
+    startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                    const QUrl &folder) override;
+    tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
+    QString startConversionFor(const SelectionPointer &selection) override;
+    void handleNewTaskResult(const step::ReadEvent &event) override;
+    void backgroundReadingCompleted() override;
+    QString monitorConversion() override;
+    step::Outcome outcome() const override;
+
+protected:
+    tools::OptionList launchForm(const tools::OptionList &meant) override;
+
+private:
+    enum class Naming { Output, Intermediate };
+
+    const KXVideoTrack *track() const;
+    bool prepare(const QString &base, Naming naming);
+    tools::ToolProcessPointer start();
+    QString pollFfmpeg();
+    QString pollMkvextract();
+    QString lastLogLine() const;
+
+    step::FfmpegProgressReader m_progress;
+};

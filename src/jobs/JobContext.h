@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tools/step/OutputGuard.h"
+
+class KXNotificationCenter;
+class KXPreferences;
+
+namespace platform {
+class AlertPresenter;
+class Volumes;
+} // namespace platform
+
+namespace step {
+class OutputRegistry;
+class ScratchFolder;
+class StepLauncher;
+} // namespace step
+
+namespace jobs {
+
+/// What every job is handed. There is one of each per program, and all of them outlive the jobs.
+struct JobContext
+{
+    KXPreferences &preferences;
+    KXNotificationCenter &notifications;
+    platform::AlertPresenter &alerts;
+    const platform::Volumes &volumes;
+    step::StepLauncher &launcher;
+    step::OutputRegistry &outputs;
+    step::ScratchFolder &scratch;
+    step::WhenTaken whenTaken = step::WhenTaken::NextFreeName;
+};
+
+} // namespace jobs

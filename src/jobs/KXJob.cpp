@@ -1,0 +1,209 @@
+// How a job follows its steps while they run; how it ends is in KXJobEnd.cpp.
+#include "jobs/KXJob.h"
+
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "tools/step/ScratchFolder.h"
+
+#include <QTime>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int flashInterval = 1000;
+constexpr int nothingRunsDelay = 100;
+
+QList<QUrl> inputsOf(const KXSelection &selection)
+{
+    QList<QUrl> inputs{selection.videoTrackFileURL()};
+    inputs += selection.editFilesURLsList();
+    for (const TrackList &tracks : {selection.trackList(), selection.addedAudioTrackList()}) {
+        for (const TrackPointer &track : tracks)
+            inputs.append(track->trackFileURL());
+    }
+    inputs.removeIf([](const QUrl &url) { return url.toLocalFile().isEmpty(); });
+    return inputs;
+}
+
+} // namespace
+
+KXJob::KXJob(const jobs::JobContext &context)
+    : KXHelpers(&context.preferences, &context.alerts)
+    , m_context(context)
+    , m_guard(context.outputs, context.whenTaken)
+{
+    m_monitorQueue.setMaxThreadCount(1);
+    connect(&m_flashProgressTimer, &QTimer::timeout, this, [this] {
+        if (m_flashing)
+            flashProgress(*m_flashing, QTime::currentTime().second());
+    });
+    observe(u"taskCompletion"_s);
+}
+
+KXJob::~KXJob()
+{
+    m_cancelled = true;
+    m_monitorQueue.waitForDone();
+    m_context.scratch.removeJobFolder(m_temporaryFolder);
+}
+
+void KXJob::setJobSelection(const SelectionPointer &selection)
+{
+    m_jobSelection = selection;
+    m_guard.setInputs(inputsOf(*selection));
+}
+
+void KXJob::initJobWithSelectionAndPreferences(const SelectionPointer &selection, const KXPreferences &)
+{
+    if (!selection)
+        return;
+    setJobSelection(selection);
+    setJobStatus(u"Queued"_s);
+    setJobType(selection->jobType());
+    setJobFileName(selection->videoTrackFileName());
+}
+
+void KXJob::startJob() {}
+
+void KXJob::monitorNotifications(const KXNotification &) {}
+
+void KXJob::observe(const QString &name)
+{
+    m_subscriptions.push_back(m_context.notifications.subscribe(
+        name, [this](const KXNotification &notification) { monitorNotifications(notification); }));
+}
+
+void KXJob::unsubscribe()
+{
+    m_subscriptions.clear();
+}
+
+const QString &KXJob::temporaryFolder()
+{
+    if (m_temporaryFolder.isEmpty())
+        m_temporaryFolder = m_context.scratch.makeJobFolder();
+    return m_temporaryFolder;
+}
+
+step::ConverterContext KXJob::converterContext()
+{
+    return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard, temporaryFolder()};
+}
+
+void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
+{
+    const bool mayRun = task || m_context.launcher.isRehearsal();
+    if (task)
+        addTask(task);
+    m_progressList.append({converter->stepName(), mayRun ? u"0%"_s : u"Complete"_s});
+    if (!isEmpty(converter->tempFileToDeleteURL()))
+        m_tempFilesToDeleteList.append(converter->tempFileToDeleteURL());
+    m_logFilesToDeleteList.append(converter->logFileURL());
+}
+
+void KXJob::addTask(const jobs::StepTask &task)
+{
+    m_stepTaskList.append(task);
+}
+
+void KXJob::removeTask(const jobs::StepTask &task)
+{
+    m_stepTaskList.removeIf([&](const jobs::StepTask &other) { return other == task; });
+}
+
+void KXJob::postProgress(const jobs::ProgressList &list)
+{
+    m_context.notifications.post(u"progressUpdate"_s, QVariant::fromValue(list),
+                                 {{u"theJob"_s, QVariant::fromValue<QObject *>(this)}});
+}
+
+void KXJob::updateProgressWithProgressList(const jobs::ProgressList &list)
+{
+    postProgress(list);
+}
+
+void KXJob::updateProgressWithProgressItem(const jobs::ProgressUpdate &update)
+{
+    stopFlashing();
+    if (update.index < 0 || update.index >= m_progressList.size())
+        return;
+    m_progressList[update.index] = update.item;
+    postProgress(m_progressList);
+}
+
+void KXJob::flashProgressWithProgressItem(const jobs::ProgressUpdate &update)
+{
+    if (m_flashProgressTimer.isActive())
+        return;
+    m_flashing = update;
+    m_flashProgressTimer.start(flashInterval);
+}
+
+void KXJob::flashProgress(const jobs::ProgressUpdate &update, int second)
+{
+    if (update.index < 0 || update.index >= m_progressList.size())
+        return;
+    m_progressList[update.index] = {update.item.step, second % 2 != 0 ? update.item.progress : u""_s};
+    postProgress(m_progressList);
+}
+
+void KXJob::stopFlashing()
+{
+    m_flashProgressTimer.stop();
+    m_flashing.reset();
+}
+
+qsizetype KXJob::stepOf(const KXNotification &notification) const
+{
+    const auto *converter = notification.userInfo.value(u"theConverter"_s).value<QObject *>();
+    for (qsizetype i = 0; converter != nullptr && i < m_stepConverterList.size(); ++i) {
+        if (m_stepConverterList.at(i).get() == converter)
+            return i;
+    }
+    return -1;
+}
+
+void KXJob::followNotification(const KXNotification &notification, const QString &monitorName)
+{
+    const qsizetype index = stepOf(notification);
+    if (index < 0)
+        return;
+    const QString label = notification.userInfo.value(u"stepName"_s).toString();
+    const QString value = notification.object.toString();
+    if (notification.name == monitorName && value.contains(u'%'))
+        updateProgressWithProgressItem({index, {label, value}});
+    if (notification.name != u"taskCompletion"_s)
+        return;
+    if (value == u"Complete"_s)
+        completeStep(index, label);
+    if (everyStepIsComplete())
+        requestJobDone();
+}
+
+void KXJob::completeStep(qsizetype index, const QString &label)
+{
+    updateProgressWithProgressItem({index, {label, u"Complete"_s}});
+}
+
+bool KXJob::everyStepIsComplete() const
+{
+    return std::all_of(m_progressList.begin(), m_progressList.end(),
+                       [](const jobs::ProgressItem &item) { return item.isComplete(); });
+}
+
+void KXJob::requestJobDone(int afterMilliseconds)
+{
+    if (m_doneRequested || m_ended)
+        return;
+    m_doneRequested = true;
+    QTimer::singleShot(afterMilliseconds, this, [this] { jobDone(); });
+}
+
+void KXJob::endIfNothingRuns()
+{
+    if (m_stepTaskList.isEmpty() || everyStepIsComplete())
+        requestJobDone(nothingRunsDelay);
+}

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "jobs/JobContext.h"
+#include "jobs/ProgressItem.h"
+#include "platform/Fields.h"
+#include "tools/step/KXConverter.h"
+
+#include <QThreadPool>
+#include <QTimer>
+
+#include <atomic>
+#include <optional>
+#include <variant>
+
+namespace jobs {
+
+/// A running tool of a job: a process object, or the id of a tool in the shell's background.
+using StepTask = std::variant<tools::ToolProcessPointer, QString>;
+
+} // namespace jobs
+
+/// The base of every unit of work in the queue. It splits its work into steps, runs one converter per
+/// step, keeps their progress, and at the end cleans up and says how it went. Owned by the queue (and
+/// held by its own monitor loop while that runs); it ends exactly once. It knows no window.
+class KXJob : public KXHelpers, public std::enable_shared_from_this<KXJob>
+{
+    Q_OBJECT
+    KX_FIELD(int, flashProgressCounter, setFlashProgressCounter, 0)
+    KX_FIELD(int, progressStepCounter, setProgressStepCounter, 0)
+    KX_FIELD(int, progressStepCounterLabel, setProgressStepCounterLabel, 0)
+    KX_FIELD(int, oldProgress, setOldProgress, 0)
+    KX_FIELD(QString, jobFileName, setJobFileName, QString())
+    KX_FIELD(QString, jobType, setJobType, QString())
+    /// "Queued", "Running" or "Completed"; how it went is outcome().
+    KX_FIELD(QString, jobStatus, setJobStatus, QString())
+    KX_FIELD(jobs::ProgressList, progressList, setProgressList, {})
+    KX_FIELD(jobs::ProgressList, oldProgressList, setOldProgressList, {})
+    /// One converter per step; a step with nothing to do holds null.
+    KX_FIELD(QList<ConverterPointer>, stepConverterList, setStepConverterList, {})
+    KX_FIELD(QList<jobs::StepTask>, stepTaskList, setStepTaskList, {})
+    KX_FIELD(QList<QUrl>, tempFilesToDeleteList, setTempFilesToDeleteList, {})
+    KX_FIELD(QList<QUrl>, logFilesToDeleteList, setLogFilesToDeleteList, {})
+    KX_FIELD(QString, jobCurrentStepName, setJobCurrentStepName, QString())
+    Q_PROPERTY(bool jobIsCancelled READ jobIsCancelled)
+    Q_PROPERTY(SelectionPointer jobSelection READ jobSelection WRITE setJobSelection)
+
+public:
+    explicit KXJob(const jobs::JobContext &context);
+    ~KXJob() override;
+
+    SelectionPointer jobSelection() const { return m_jobSelection; }
+    /// Also tells the guard which files are inputs from now on.
+    void setJobSelection(const SelectionPointer &selection);
+    KXPreferences &appPreferences() const { return m_context.preferences; }
+    bool jobIsCancelled() const { return m_cancelled; }
+    QThreadPool *monitorQueue() { return &m_monitorQueue; }
+
+    void initJobWithSelectionAndPreferences(const SelectionPointer &selection,
+                                            const KXPreferences &preferences);
+    virtual void startJob();
+    virtual void monitorNotifications(const KXNotification &notification);
+    void updateProgressWithProgressList(const jobs::ProgressList &list);
+    void updateProgressWithProgressItem(const jobs::ProgressUpdate &update);
+    void flashProgressWithProgressItem(const jobs::ProgressUpdate &update);
+    /// One blink; the second of the clock decides whether the text shows.
+    void flashProgress(const jobs::ProgressUpdate &update, int second);
+    void jobDone();
+    void pauseJob();
+    void resumeJob();
+    void stopJob();
+    /// Ends all observing, as when a row is removed.
+    void unsubscribe();
+    bool hasEnded() const { return m_ended; }
+
+    /// How the job went; Unknown until it has ended.
+    step::Outcome outcome() const { return m_outcome; }
+    /// Finished files the user wanted, in step order.
+    QList<QUrl> outputs() const;
+    /// What is wrong with the job before anything runs; a null text when it may start.
+    virtual QString refusal() const { return {}; }
+
+Q_SIGNALS:
+    void outcomeChanged();
+
+protected:
+    const jobs::JobContext &context() const { return m_context; }
+    step::OutputGuard &guard() { return m_guard; }
+    void observe(const QString &name);
+    step::ConverterContext converterContext();
+    const QString &temporaryFolder();
+    /// Takes a converter whose step was just started (or refused) into the lists.
+    void stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task);
+    void addTask(const jobs::StepTask &task);
+    void removeTask(const jobs::StepTask &task);
+    /// The position of the notification's converter; -1 when it is not ours.
+    qsizetype stepOf(const KXNotification &notification) const;
+    /// The rule for a monitor notification with a percentage, and for "Complete".
+    void followNotification(const KXNotification &notification, const QString &monitorName);
+    void completeStep(qsizetype index, const QString &label);
+    bool everyStepIsComplete() const;
+    /// Asks for jobDone() once, from the event loop.
+    void requestJobDone(int afterMilliseconds = 0);
+    /// A job of which nothing runs would never end: it ends after 0.1 s.
+    void endIfNothingRuns();
+    void addOutcome(const step::Outcome &outcome);
+    void postProgress(const jobs::ProgressList &list);
+
+private:
+    void settleOutcome();
+    step::Outcome outcomeOfStep(KXConverter &converter);
+    void writeOutcomeToLogs();
+    void deleteFiles(const QList<QUrl> &files);
+    void deleteUnfinishedOutputs();
+    void stopTask(const jobs::StepTask &task);
+    void stopFlashing();
+    void checkFreeSpace();
+    void releaseEverything();
+
+    jobs::JobContext m_context;
+    step::OutputGuard m_guard;
+    SelectionPointer m_jobSelection;
+    QThreadPool m_monitorQueue;
+    std::atomic_bool m_cancelled = false;
+    std::vector<KXNotificationCenter::Subscription> m_subscriptions;
+    QTimer m_flashProgressTimer;
+    std::optional<jobs::ProgressUpdate> m_flashing;
+    step::Outcome m_outcome;
+    QList<QUrl> m_logsToKeep;
+    QList<QUrl> m_outputs;
+    QString m_temporaryFolder;
+    bool m_doneRequested = false;
+    bool m_ended = false;
+};
+
+using JobPointer = std::shared_ptr<KXJob>;

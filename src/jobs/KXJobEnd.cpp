@@ -1,0 +1,218 @@
+// How a job is paused, stopped and ended.
+#include "jobs/KXJob.h"
+
+#include "platform/Volumes.h"
+#include "prefs/KXPreferences.h"
+#include "tools/Numbers.h"
+#include "tools/ProcessGroup.h"
+#include "tools/step/ScratchFolder.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 almostFull = 999'999;
+constexpr auto freeSpaceAlertTime = std::chrono::seconds(10);
+constexpr int endOfKilledToolMs = 1000;
+
+} // namespace
+
+void KXJob::pauseJob()
+{
+    for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
+        if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
+            if (*process)
+                (*process)->suspend();
+        } else {
+            suspendPID(std::get<QString>(task));
+        }
+    }
+}
+
+void KXJob::resumeJob()
+{
+    for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
+        if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
+            if (*process)
+                (*process)->resume();
+        } else {
+            resumePID(std::get<QString>(task));
+        }
+    }
+}
+
+void KXJob::stopTask(const jobs::StepTask &task)
+{
+    if (const auto *pid = std::get_if<QString>(&task)) {
+        tools::signalGroupOf(tools::isAllDigits(*pid) ? pid->toLongLong() : 0, SIGKILL);
+        terminatePIDWaitUntilTerminated(*pid, Wait::No);
+        return;
+    }
+    const auto process = std::get<tools::ToolProcessPointer>(task);
+    if (!process || !process->isRunning())
+        return;
+    process->closeReaders();
+    process->terminate();
+    tools::signalGroupOf(process->processIdentifier(), SIGKILL);
+    terminatePIDWaitUntilTerminated(QString::asprintf("%lli", process->processIdentifier()), Wait::No);
+    process->waitUntilExit(endOfKilledToolMs); // so that what it wrote can be removed for good
+}
+
+void KXJob::stopJob()
+{
+    if (m_ended)
+        return;
+    const auto self = shared_from_this(); // an observer may let go of us
+    unsubscribe();
+    m_ended = true;
+    m_cancelled = true;
+    m_monitorQueue.clear();
+    stopFlashing();
+    for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
+        stopTask(task);
+    m_stepTaskList.clear();
+    postProgress({});
+    deleteUnfinishedOutputs();
+    m_guard.putBackReplaced();
+    deleteFiles(m_logFilesToDeleteList);
+    deleteFiles(m_tempFilesToDeleteList);
+    releaseEverything();
+    m_outcome = step::Outcome::stopped();
+    Q_EMIT outcomeChanged();
+}
+
+void KXJob::jobDone()
+{
+    if (m_ended)
+        return;
+    const auto self = shared_from_this();
+    unsubscribe();
+    m_ended = true;
+    stopFlashing();
+    settleOutcome();
+    if (!appPreferences().panelFlag(u"keepLogsFlag"_s)) {
+        QList<QUrl> logs = m_logFilesToDeleteList;
+        logs.removeIf([this](const QUrl &log) { return m_logsToKeep.contains(log); });
+        deleteFiles(logs);
+        deleteFiles(m_tempFilesToDeleteList); // kept together with the logs, on purpose
+    }
+    releaseEverything();
+    m_progressList.clear();
+    Q_EMIT outcomeChanged();
+    m_context.notifications.post(u"jobDone"_s, QVariant::fromValue(jobs::ProgressList()),
+                                 {{u"theJob"_s, QVariant::fromValue<QObject *>(this)}});
+    checkFreeSpace();
+}
+
+void KXJob::addOutcome(const step::Outcome &outcome)
+{
+    m_outcome = m_outcome.joinedWith(outcome);
+}
+
+/// A failed step's empty output goes; any other stays and is named: a wrong verdict must never cost
+/// anybody a film.
+step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
+{
+    step::Outcome outcome = converter.outcome();
+    const bool wasStarted = converter.converterTask() || !converter.doShell_ID().isEmpty();
+    if (outcome.verdict == step::Verdict::Failed) {
+        m_logsToKeep.append(converter.logFileURL());
+        if (wasStarted && QFileInfo::exists(converter.logFileURL().toLocalFile()))
+            outcome.sentence += u" The log is %1."_s.arg(converter.logFileURL().toLocalFile());
+        const QFileInfo output(converter.outputFileURL().toLocalFile());
+        if (wasStarted && output.exists() && output.size() == 0 &&
+            m_guard.mayDelete(converter.outputFileURL()))
+            QFile::remove(output.filePath());
+        else if (wasStarted && output.exists())
+            outcome.sentence += u" The incomplete output %1 was kept."_s.arg(output.filePath());
+    } else if (!converter.isTemporaryOutput()) {
+        m_outputs.append(converter.outputFileURL());
+    }
+    return outcome;
+}
+
+void KXJob::settleOutcome()
+{
+    for (const ConverterPointer &converter : std::as_const(m_stepConverterList)) {
+        if (converter)
+            addOutcome(outcomeOfStep(*converter));
+    }
+    if (m_outcome.verdict == step::Verdict::Unknown)
+        m_outcome = step::Outcome::ok();
+    if (m_outcome.verdict == step::Verdict::Failed) {
+        for (const auto &[place, incomplete] : m_guard.putBackReplaced())
+            m_outcome.sentence.replace(place.toLocalFile(), incomplete.toLocalFile());
+    } else {
+        m_guard.forgetReplaced();
+    }
+    writeOutcomeToLogs();
+}
+
+void KXJob::writeOutcomeToLogs()
+{
+    const QString line = u"\nTessaray: %1%2\n"_s.arg(
+        m_outcome.word(), m_outcome.sentence.isEmpty() ? QString() : u": "_s + m_outcome.sentence);
+    for (const QUrl &log : std::as_const(m_logFilesToDeleteList)) {
+        QFile file(log.toLocalFile());
+        if (m_guard.mayDelete(log) && file.exists() && file.open(QIODevice::WriteOnly | QIODevice::Append))
+            file.write(line.toUtf8());
+    }
+}
+
+void KXJob::deleteFiles(const QList<QUrl> &files)
+{
+    for (const QUrl &file : files) {
+        if (m_guard.mayDelete(file))
+            doUnixCommandWithOptions(u"rm"_s, {file});
+    }
+}
+
+void KXJob::deleteUnfinishedOutputs()
+{
+    for (qsizetype i = 0; i < m_stepConverterList.size(); ++i) {
+        const auto &converter = m_stepConverterList.at(i);
+        const bool finished = i < m_progressList.size() && m_progressList.at(i).isComplete();
+        const bool started = converter && (converter->converterTask() || !converter->doShell_ID().isEmpty());
+        if (started && !finished && m_guard.mayDelete(converter->outputFileURL()))
+            QFile::remove(converter->outputFileURL().toLocalFile());
+    }
+}
+
+void KXJob::releaseEverything()
+{
+    m_guard.release();
+    m_context.scratch.removeJobFolder(m_temporaryFolder);
+    m_temporaryFolder.clear();
+}
+
+QList<QUrl> KXJob::outputs() const
+{
+    return m_outputs;
+}
+
+void KXJob::checkFreeSpace()
+{
+    if (!m_jobSelection)
+        return;
+    QUrl folder = appPreferences().saveDirectoryURL();
+    if (isEmpty(folder)) {
+        const QFileInfo source(m_jobSelection->videoTrackFileURL().toLocalFile());
+        folder = QUrl::fromLocalFile(source.absolutePath());
+    }
+    const auto free = m_context.volumes.freeSize(folder);
+    if (!free || *free > almostFull)
+        return;
+    platform::Alert alert;
+    alert.message = u"It appears that your save volume is almost out of free space."_s;
+    alert.informativeText = u"The output of the just finished job may not be complete."_s;
+    alert.closesAfter = freeSpaceAlertTime;
+    const auto shown = std::make_shared<const platform::Alert>(alert);
+    openAlertSheet(shown);
+    const auto self = shared_from_this();
+    QTimer::singleShot(freeSpaceAlertTime, this, [self, shown] { self->alertTimedOut(shown); });
+}

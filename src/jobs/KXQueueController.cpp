@@ -1,0 +1,234 @@
+// How selections become jobs and jobs run; what the user does is in KXQueueControllerActions.cpp.
+#include "jobs/KXQueueController.h"
+
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "prefs/KXWatchModeController.h"
+
+#include <QFileInfo>
+#include <QHash>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Gives the selection tracks of its own: one copy per track, the same one in every list.
+void isolateTracks(KXSelection &selection)
+{
+    QHash<const KXVideoTrack *, TrackPointer> copies;
+    const auto isolated = [&](const TrackList &tracks) {
+        TrackList own;
+        for (const TrackPointer &track : tracks) {
+            TrackPointer &copy = copies[track.get()];
+            if (!copy)
+                copy = track->copy();
+            own.append(copy);
+        }
+        return own;
+    };
+    selection.setTrackList(isolated(selection.trackList()));
+    selection.setKeepTracksList(isolated(selection.keepTracksList()));
+    selection.setAddedAudioTrackList(isolated(selection.addedAudioTrackList()));
+}
+
+SelectionPointer jobsOwnCopy(const SelectionPointer &selection)
+{
+    const SelectionPointer copy = selection->copy();
+    isolateTracks(*copy);
+    return copy;
+}
+
+/// A raw H.264 stream whose video passes through can only be muxed.
+QString conversionClassFor(const KXSelection &selection)
+{
+    const TrackList tracks = selection.trackList();
+    const auto video = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
+        return track->trackType() == u"Video"_s;
+    });
+    const bool passes = video != tracks.end() && (*video)->userCodec() == u"passthru"_s;
+    const bool isRaw = selection.videoTrackFileExtension().toLower() == u"h264"_s;
+    return isRaw && passes ? u"KXConvertToMkvJob"_s : u"KXConvertWithFfmpegJob"_s;
+}
+
+} // namespace
+
+KXQueueController::KXQueueController(const jobs::JobContext &context, const jobs::JobFactory &factory,
+                                     KXWatchModeController *watchMode)
+    : KXHelpers(&context.preferences, &context.alerts)
+    , m_context(context)
+    , m_factory(factory)
+    , m_watchMode(watchMode)
+{
+    connect(&m_timer, &QTimer::timeout, this, &KXQueueController::theQueueLoop);
+}
+
+KXQueueController::~KXQueueController()
+{
+    if (m_jobIsRunning && m_currentJob)
+        m_currentJob->stopJob();
+}
+
+void KXQueueController::initialize()
+{
+    m_jobList.clear();
+    m_progressList.clear();
+    m_jobIsRunning = false;
+    m_subscriptions.clear();
+    for (const QString &name : {u"progressUpdate"_s, u"jobDone"_s, u"conversionStarted"_s}) {
+        m_subscriptions.push_back(m_context.notifications.subscribe(
+            name, [this](const KXNotification &notification) { notificationHub(notification); }));
+    }
+}
+
+int KXQueueController::addToQueue(const SelectionPointer &selection)
+{
+    if (m_jobList.isEmpty()) {
+        Q_EMIT drawerWanted(true);
+        m_timer.start(tickMilliseconds);
+    }
+    const QString type = selection->jobType();
+    if (type == u"MKV Conversion"_s)
+        return addConversion(selection, conversionClassFor(*selection));
+    if (type == u"MKV Track Extraction"_s)
+        return addOne(selection, u"KXExtractTracksJob"_s);
+    if (type == u"MKV Joining"_s)
+        return addOne(selection, u"KXJoinVideosJob"_s);
+    if (type == u"Send To Lintwick"_s)
+        return addOne(selection, u"KXSendToLintwickJob"_s);
+    if (type == u"MKV Splitting"_s)
+        return addOnePerFile(selection, u"KXSplitVideosJob"_s);
+    if (type == u"MKV Remux"_s)
+        return addOnePerFile(selection, u"KXRemuxVideoJob"_s);
+    return 0;
+}
+
+JobPointer KXQueueController::append(const QString &className)
+{
+    const JobPointer job = m_factory.make(className, m_context);
+    if (!job)
+        return nullptr;
+    m_jobList.append(job);
+    connect(job.get(), &KXJob::outcomeChanged, this, [this, job = job.get()] {
+        const auto isIt = [job](const JobPointer &other) { return other.get() == job; };
+        const auto found = std::find_if(m_jobList.cbegin(), m_jobList.cend(), isIt);
+        if (found != m_jobList.cend())
+            Q_EMIT jobChanged(static_cast<int>(found - m_jobList.cbegin()));
+    });
+    return job;
+}
+
+int KXQueueController::addConversion(const SelectionPointer &selection, const QString &className)
+{
+    const JobPointer job = append(className);
+    if (!job)
+        return 0;
+    const SelectionPointer own = jobsOwnCopy(selection);
+    own->setTrackList(own->trackList() + own->addedAudioTrackList());
+    job->setJobType(selection->jobType());
+    job->setJobStatus(u"Queued"_s);
+    job->setJobFileName(selection->videoTrackFileName());
+    job->setJobSelection(own);
+    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+    return 1;
+}
+
+int KXQueueController::addOne(const SelectionPointer &selection, const QString &className)
+{
+    const JobPointer job = append(className);
+    if (!job)
+        return 0;
+    job->initJobWithSelectionAndPreferences(jobsOwnCopy(selection), m_context.preferences);
+    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+    return 1;
+}
+
+int KXQueueController::addOnePerFile(const SelectionPointer &selection, const QString &className)
+{
+    int added = 0;
+    for (const QUrl &file : selection->editFilesURLsList()) {
+        const JobPointer job = append(className);
+        if (!job)
+            return added;
+        const SelectionPointer own = jobsOwnCopy(selection);
+        job->initJobWithSelectionAndPreferences(own, m_context.preferences);
+        own->setVideoTrackFileURL(file);
+        job->setJobSelection(own); // again: its inputs are others now
+        job->setJobFileName(file.fileName());
+        Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+        ++added;
+    }
+    return added;
+}
+
+void KXQueueController::theQueueLoop()
+{
+    if (m_jobList.isEmpty()) {
+        Q_EMIT drawerWanted(false);
+        m_timer.stop();
+        return;
+    }
+    if (m_watchMode == nullptr || !m_watchMode->appIsInWatchMode())
+        Q_EMIT drawerWanted(true);
+    manageQueue();
+}
+
+void KXQueueController::manageQueue()
+{
+    if (m_jobIsRunning)
+        return;
+    const auto queued = std::find_if(m_jobList.cbegin(), m_jobList.cend(),
+                                     [](const JobPointer &job) { return job->jobStatus() == u"Queued"_s; });
+    if (queued == m_jobList.cend())
+        return;
+    // Said before the start: a start that waits serves timers, and nothing may start twice.
+    m_jobIsRunning = true;
+    m_currentJob = *queued;
+    m_currentJobRowIndex = queued - m_jobList.cbegin();
+    m_currentJob->setJobStatus(u"Running"_s);
+    Q_EMIT jobChanged(static_cast<int>(m_currentJobRowIndex));
+    startJobThread();
+}
+
+void KXQueueController::startJobThread()
+{
+    const JobPointer job = m_currentJob; // stays alive even if its row goes while it starts
+    if (job)
+        job->startJob();
+}
+
+void KXQueueController::notificationHub(const KXNotification &notification)
+{
+    if (notification.name == u"progressUpdate"_s) {
+        m_progressList = notification.object.value<jobs::ProgressList>();
+        Q_EMIT jobProgressListChanged();
+    } else if (notification.name == u"jobDone"_s) {
+        jobEnded(notification);
+    } else if (notification.name == u"conversionStarted"_s) {
+        rememberOutput(notification.object.toUrl());
+    }
+}
+
+/// Only the running job's end counts: one that was stopped or has ended before is history.
+void KXQueueController::jobEnded(const KXNotification &notification)
+{
+    const auto *sender = notification.userInfo.value(u"theJob"_s).value<QObject *>();
+    if (!m_jobIsRunning || !m_currentJob || (sender != nullptr && sender != m_currentJob.get()))
+        return;
+    m_jobIsRunning = false;
+    m_progressList = notification.object.value<jobs::ProgressList>();
+    m_currentJob->setJobStatus(u"Completed"_s);
+    setPauseButtonTitle(u"Pause"_s);
+    Q_EMIT jobProgressListChanged();
+    Q_EMIT jobChanged(static_cast<int>(m_currentJobRowIndex));
+}
+
+void KXQueueController::rememberOutput(const QUrl &output)
+{
+    if (m_watchMode == nullptr || !m_watchMode->appIsInWatchMode())
+        return;
+    const QString extension = QFileInfo(output.toLocalFile()).suffix().toLower();
+    if (m_watchMode->movieExtensionsList().contains(extension))
+        m_watchMode->setBaseWatchFolderMovieList(m_watchMode->baseWatchFolderMovieList() << output);
+}

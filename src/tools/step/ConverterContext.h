@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+class KXNotificationCenter;
+class KXPreferences;
+
+namespace step {
+
+class OutputGuard;
+class StepLauncher;
+
+/// What a job hands to each of its converters. Everything in it outlives the converter.
+struct ConverterContext
+{
+    KXPreferences &preferences;
+    KXNotificationCenter &notifications;
+    StepLauncher &launcher;
+    OutputGuard &guard;
+    QString temporaryFolder; ///< the job's own; ends in "/"
+};
+
+} // namespace step

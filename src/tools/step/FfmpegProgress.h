@@ -1,0 +1,36 @@
+#pragma once
+
+#include "tools/LineCutter.h"
+
+#include <QString>
+
+namespace step {
+
+/// What one chunk of ffmpeg's error stream tells about progress.
+struct FfmpegReading
+{
+    QString time;           ///< the last whole time value; null when the chunk finished none
+    bool movesMoov = false; ///< the last thing it said is that it moves the index to the front
+};
+
+/// Reads progress out of ffmpeg's error stream. Only ffmpeg's own status lines count: titles and
+/// names in the banner may hold anything. One per run.
+class FfmpegProgressReader final
+{
+public:
+    FfmpegReading feed(const QByteArray &chunk);
+    void clear() { m_lines.clear(); }
+
+private:
+    tools::LineCutter m_lines;
+};
+
+/// True for a line in which ffmpeg reports how far it is.
+bool isStatusLine(QStringView line);
+/// The value behind the last "time=" of a status line, up to the blank; null when there is no whole
+/// value, or none that is a time ("N/A").
+QString timeInStatusLine(const QString &line);
+/// Whole percent that a time text is of the duration, truncated; 0 without a duration.
+int percentOfDuration(const QString &time, const QString &durationInSeconds);
+
+} // namespace step

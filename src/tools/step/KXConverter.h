@@ -1,0 +1,144 @@
+#pragma once
+
+#include "platform/Fields.h"
+#include "platform/KXNotificationCenter.h"
+#include "selection/KXSelection.h"
+#include "tools/KXHelpers.h"
+#include "tools/ToolProcess.h"
+#include "tools/step/ConverterContext.h"
+#include "tools/step/Outcome.h"
+#include "tools/step/StepLauncher.h"
+
+#include <QStringDecoder>
+
+#include <memory>
+
+class KXPreferences;
+
+namespace step {
+
+/// One chunk of a tool's output, or the end of a stream when the data is empty.
+struct ReadEvent
+{
+    tools::ToolProcess::Channel channel = tools::ToolProcess::Channel::Output;
+    QByteArray data;
+    const tools::ToolProcess *source = nullptr;
+};
+
+} // namespace step
+
+/// The base of every tool driver: one object runs one step of a job. It knows input, output and log,
+/// starts the tool as a process object or in the shell's background, keeps its output in the log and
+/// says how the step ended. Owned by its job. It never decides what comes after its step.
+class KXConverter : public KXHelpers
+{
+    Q_OBJECT
+    KX_FIELD(bool, isTemporaryOutput, setIsTemporaryOutput, false)
+    KX_FIELD(bool, conversionError, setConversionError, false)
+    KX_FIELD(int, currentPass, setCurrentPass, 0)
+    /// 0: both streams open; 1: standard output has ended; 2: standard error has ended.
+    KX_FIELD(int, backgroundReadStatus, setBackgroundReadStatus, 0)
+    KX_FIELD(int, monitorCounter, setMonitorCounter, 0)
+    KX_FIELD(QString, converterName, setConverterName, QString())
+    KX_FIELD(QString, stepName, setStepName, QString())
+    KX_FIELD(QUrl, subtitleFontURL, setSubtitleFontURL, QUrl())
+    KX_FIELD(QUrl, saveDirectoryURL, setSaveDirectoryURL, QUrl())
+    KX_FIELD(QString, doShell_ID, setDoShell_ID, QString())
+    KX_FIELD(QUrl, logFileURL, setLogFileURL, QUrl())
+    KX_FIELD(QUrl, inputFileURL, setInputFileURL, QUrl())
+    KX_FIELD(QUrl, outputFileURL, setOutputFileURL, QUrl())
+    KX_FIELD(SelectionPointer, converterSelection, setConverterSelection, nullptr)
+    KX_FIELD(qint64, trackItemToProcess, setTrackItemToProcess, 0)
+    KX_FIELD(QUrl, tempFileToDeleteURL, setTempFileToDeleteURL, QUrl())
+    KX_FIELD(QString, oldProgress, setOldProgress, QString())
+    KX_FIELD(QString, converterStatus, setConverterStatus, QString())
+    KX_FIELD(QString, lg, setLg, QString())
+    KX_FIELD(bool, converterIsDone, setConverterIsDone, false)
+    /// Whole seconds as text; "0" means unknown.
+    KX_FIELD(QString, durationInSeconds, setDurationInSeconds, QStringLiteral("0"))
+    KX_FIELD(tools::ToolProcessPointer, converterTask, setConverterTask, nullptr)
+    /// The latest chunk of output.
+    KX_FIELD(QString, monitorOutputString, setMonitorOutputString, QString())
+    /// All output of the current run.
+    KX_FIELD(QString, logString, setLogString, QString())
+
+public:
+    enum class Keeping { Temporary, TheOutput };
+    enum class ShouldWait { No, Yes };
+
+    explicit KXConverter(const step::ConverterContext &context);
+
+    using KXHelpers::logString; // the hook beside the field of the same name
+
+    KXPreferences &appPreferences() const { return m_context.preferences; }
+
+    virtual void initializeFor(const SelectionPointer &selection);
+    virtual void inititializeForTrackWithStepLabelKeepingTheOutput(qint64 track, const QString &label,
+                                                                   Keeping keeping);
+    /// Starts a background run and answers its process id. "Parent": nobody has taken this over.
+    virtual QString startConversionFor(const SelectionPointer &selection);
+    /// The starts of process objects answer null when nothing was started; refusal() then says why.
+    virtual tools::ToolProcessPointer
+    startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    virtual tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection);
+    /// Progress of a background run: a percentage, "Pass 1 Complete" once, then "Complete"; a null
+    /// text when there is no such run. May be called from a job's monitor thread.
+    virtual QString monitorConversion();
+    tools::ToolProcessPointer runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool,
+                                                                          const tools::OptionList &options,
+                                                                          ShouldWait wait);
+    virtual void readTaskOutput(const step::ReadEvent &event);
+    virtual void readTaskError(const step::ReadEvent &event);
+    virtual void handleNewTaskResult(const step::ReadEvent &event);
+    virtual void backgroundReadingCompleted();
+    virtual void taskCompletion(const KXNotification &notification);
+    /// True when the text occurs in the last 20 lines of the log.
+    bool stringFoundInLog(const QString &text) const;
+    void determineSaveDirectoryURL();
+    /// Always an empty text, on purpose: the base finds no errors.
+    QString checkForErrorsInOutputURLAndLogURL(const QUrl &output, const QUrl &log) const;
+    void findDurationInSeconds();
+
+    /// Why the step was not started; a null text when it may be or was.
+    QString refusal() const { return m_refusal; }
+    /// How the step ended, once it has.
+    virtual step::Outcome outcome() const;
+
+protected:
+    const step::ConverterContext &context() const { return m_context; }
+    void post(const QString &name, const QString &text) const;
+    void postConversionStarted() const;
+    /// Names for output and log; false (with a refusal) when the output must not be written.
+    bool claimOutput(const QUrl &wanted);
+    void claimLog(const QUrl &wanted);
+    void refuse(const QString &sentence) { m_refusal = sentence; }
+    /// The launch form of a list: what has to differ for the installed tool to succeed.
+    virtual tools::OptionList launchForm(const tools::OptionList &meant);
+    /// Runs the line with "& echo $!" at its end; answers the process id, a null text for none.
+    QString startInBackground(const QUrl &tool, const tools::OptionList &options);
+    /// The folder of the preferences when one is set, else the given one.
+    QUrl saveFolderOr(const QUrl &folder) const;
+    bool durationIsAssumed() const { return m_durationIsAssumed; }
+    /// The outcome of a finished run by exit status, messages and output.
+    step::Outcome outcomeOfTool() const;
+
+private:
+    step::Outcome outcomeOfProcess() const;
+    step::Outcome outcomeOfBackground() const;
+    step::Outcome failedBecause(const QString &reason) const;
+    step::Launch launchOf(const QUrl &tool, const tools::OptionList &meant,
+                          const tools::OptionList &launched) const;
+    void watch(const tools::ToolProcessPointer &task);
+    void endOfStream(tools::ToolProcess::Channel channel);
+    void appendToLog(const QByteArray &bytes) const;
+    QString lastTimeInLog() const;
+
+    step::ConverterContext m_context;
+    QString m_refusal;
+    QUrl m_tool;
+    QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
+    QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
+    bool m_durationIsAssumed = false;
+};
+
+using ConverterPointer = std::shared_ptr<KXConverter>;

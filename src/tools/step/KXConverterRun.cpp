@@ -1,0 +1,214 @@
+// The half of KXConverter that starts a tool and reads what it prints.
+#include "tools/step/KXConverter.h"
+
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "tools/Numbers.h"
+#include "tools/ToolEnvironment.h"
+#include "tools/step/FfmpegProgress.h"
+#include "tools/step/OutputGuard.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+using tools::ToolProcess;
+
+step::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &meant,
+                                   const tools::OptionList &launched) const
+{
+    step::Launch launch;
+    launch.stepName = stepName();
+    launch.pass = currentPass();
+    launch.tool = tool;
+    launch.output = outputFileURL();
+    launch.log = logFileURL();
+    launch.meant = meant;
+    launch.launched = launched;
+    launch.environment = tools::addedEnvironment(tool, tools::textsOf(meant), appPreferences());
+    return launch;
+}
+
+tools::ToolProcessPointer
+KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const tools::OptionList &options,
+                                                         ShouldWait wait)
+{
+    m_tool = tool;
+    m_refusal = m_context.launcher.makeWay(m_context.guard, outputFileURL());
+    if (!m_refusal.isNull())
+        return nullptr;
+    if (!m_context.launcher.isRehearsal() && m_context.guard.mayDelete(logFileURL()))
+        QFile::remove(logFileURL().toLocalFile());
+    ToolProcess::Request request;
+    request.program = tool.toLocalFile();
+    const tools::OptionList launched = launchForm(options);
+    request.arguments = tools::argumentsOf(launched);
+    request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
+    request.workingFolder = appPreferences().workingFolder();
+    setBackgroundReadStatus(0);
+    setLogString(u""_s);
+    m_outputDecoder.resetState();
+    m_errorDecoder.resetState();
+    const auto task = m_context.launcher.startProcess(launchOf(tool, options, launched), request);
+    const QString name = tool.fileName().toLower();
+    if (!name.contains(u"mediainfo"_s) && !name.contains(u"mkvinfo"_s)) {
+        logObjectWithString(request.program, u"[theTask launchPath]"_s);
+        logObjectWithString(request.environment.toStringList(), u"[theTask environment]"_s);
+        logObjectWithString(tools::textsOf(options), u"optionsArray"_s);
+        logObjectWithString(tools::textsOf(options).join(u' '), u"optionsArrayString"_s);
+    }
+    if (!task)
+        return nullptr;
+    setConverterTask(task);
+    watch(task);
+    if (wait == ShouldWait::Yes)
+        task->waitUntilExit(-1);
+    return task;
+}
+
+void KXConverter::watch(const tools::ToolProcessPointer &task)
+{
+    const ToolProcess *source = task.get();
+    const auto hand = [this, source](ToolProcess::Channel channel, const QByteArray &bytes) {
+        const step::ReadEvent event{channel, bytes, source};
+        channel == ToolProcess::Channel::Output ? readTaskOutput(event) : readTaskError(event);
+    };
+    connect(source, &ToolProcess::chunkRead, this, hand);
+    connect(source, &ToolProcess::channelEnded, this,
+            [hand](ToolProcess::Channel channel) { hand(channel, QByteArray()); });
+}
+
+void KXConverter::readTaskOutput(const step::ReadEvent &event)
+{
+    if (event.source != converterTask().get() || event.channel != ToolProcess::Channel::Output)
+        return;
+    if (!event.data.isEmpty())
+        return handleNewTaskResult(event);
+    endOfStream(event.channel);
+}
+
+void KXConverter::readTaskError(const step::ReadEvent &event)
+{
+    if (event.source != converterTask().get() || event.channel != ToolProcess::Channel::Error)
+        return;
+    if (!event.data.isEmpty())
+        return handleNewTaskResult(event);
+    endOfStream(event.channel);
+}
+
+/// Whichever stream ends second completes the reading.
+void KXConverter::endOfStream(ToolProcess::Channel channel)
+{
+    const int mine = channel == ToolProcess::Channel::Output ? 1 : 2;
+    const int others = 3 - mine;
+    if (backgroundReadStatus() == others)
+        backgroundReadingCompleted();
+    else
+        setBackgroundReadStatus(mine);
+}
+
+void KXConverter::handleNewTaskResult(const step::ReadEvent &event)
+{
+    if (event.data.isEmpty()) {
+        logString(u"no data"_s);
+        return;
+    }
+    const bool isOutput = event.channel == ToolProcess::Channel::Output;
+    const QString text = isOutput ? m_outputDecoder.decode(event.data) : m_errorDecoder.decode(event.data);
+    setMonitorOutputString(text);
+    m_logString += text;
+    appendToLog(event.data);
+}
+
+/// A log that can't be written is no reason to end the tool.
+void KXConverter::appendToLog(const QByteArray &bytes) const
+{
+    const QString path = logFileURL().toLocalFile();
+    if (!m_context.guard.mayDelete(logFileURL()))
+        return;
+    QFile file(path);
+    if (file.exists()) {
+        if (file.open(QIODevice::WriteOnly | QIODevice::Append))
+            file.write(bytes);
+        return;
+    }
+    QSaveFile fresh(path);
+    if (fresh.open(QIODevice::WriteOnly)) {
+        fresh.write(m_logString.toUtf8());
+        fresh.commit();
+    }
+}
+
+QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
+{
+    m_tool = tool;
+    m_refusal = m_context.launcher.makeWay(m_context.guard, outputFileURL());
+    if (!m_refusal.isNull())
+        return {};
+    const tools::OptionList launched = launchForm(options);
+    tools::ShellLine line = tools::toolLine(tool, options, appPreferences(), tools::shellKind());
+    line.launched = tools::toolLine(tool, launched, appPreferences(), tools::shellKind()).launched;
+    const QString pid = m_context.launcher.startShellLine(
+        launchOf(tool, options, launched), line, [&] { return doShellScriptForWithOptions(tool, launched); });
+    // Only a whole number is an id: anything else is the shell's word on why nothing runs.
+    if (tools::isAllDigits(pid))
+        return pid;
+    if (!pid.isNull())
+        m_refusal = pid;
+    return {};
+}
+
+bool KXConverter::stringFoundInLog(const QString &text) const
+{
+    const tools::OptionItem pattern = tools::OptionItem::withData(u"| grep "_s, text, tools::Quoting::Single);
+    const QString found =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -20"_s, pattern});
+    return found.contains(text);
+}
+
+QString KXConverter::lastTimeInLog() const
+{
+    const QString line =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s, u"| grep time="_s});
+    return step::isStatusLine(line) ? step::timeInStatusLine(line) : QString();
+}
+
+QString KXConverter::monitorConversion()
+{
+    if (doShell_ID().isEmpty())
+        return {};
+    if (!processIsRunningWithPID(doShell_ID())) {
+        if (currentPass() != 1)
+            return u"Complete"_s;
+        setCurrentPass(0); // said once
+        return u"Pass 1 Complete"_s;
+    }
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    const QString time = lastTimeInLog();
+    if (!time.isNull())
+        setOldProgress(time);
+    return QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+void KXConverter::findDurationInSeconds()
+{
+    const QString answer =
+        doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s});
+    QString time = u"0"_s;
+    for (const QString &line : answer.split(u'\n')) {
+        if (!line.trimmed().startsWith(u"Duration:"_s))
+            continue; // a title may say "Duration:" too
+        const QString value = line.section(u", "_s, 0, 0).section(u": "_s, 1, 1);
+        if (!value.isEmpty() && value != u"N/A"_s) {
+            time = value;
+            break;
+        }
+    }
+    // Three hours on purpose, so that percentages stay finite.
+    m_durationIsAssumed = time == u"0"_s;
+    if (m_durationIsAssumed)
+        time = u"03:00:00"_s;
+    const qint64 seconds = convertToTimeInSecondsFrom(time);
+    setDurationInSeconds(seconds > 0 ? QString::number(seconds) : u"180"_s);
+}

@@ -1,0 +1,154 @@
+#include "tools/step/OutputGuard.h"
+
+#include "platform/FileIdentity.h"
+#include "tools/step/OutputRegistry.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace step {
+
+namespace {
+
+/// "a.m4v" with " (2)" gives "a (2).m4v".
+QUrl withMark(const QUrl &location, const QString &mark)
+{
+    const QFileInfo info(location.toLocalFile());
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    const QString stem = info.fileName().chopped(suffix.size());
+    return QUrl::fromLocalFile(info.absolutePath() + u'/' + stem + mark + suffix);
+}
+
+} // namespace
+
+OutputGuard::OutputGuard(OutputRegistry &registry, WhenTaken whenTaken)
+    : m_registry(registry)
+    , m_whenTaken(whenTaken)
+{
+}
+
+OutputGuard::~OutputGuard()
+{
+    release();
+}
+
+void OutputGuard::setInputs(const QList<QUrl> &inputs)
+{
+    m_inputs = inputs;
+    for (const QUrl &input : inputs)
+        m_registry.add(this, input);
+}
+
+bool OutputGuard::isInput(const QUrl &location) const
+{
+    return std::any_of(m_inputs.begin(), m_inputs.end(),
+                       [&](const QUrl &input) { return platform::isSameFile(input, location); });
+}
+
+bool OutputGuard::isFree(const QUrl &location) const
+{
+    return !platform::isTakenName(location) && !m_claimed.contains(location) &&
+           !m_registry.isTaken(location, this);
+}
+
+QUrl OutputGuard::nextFree(const QUrl &wanted) const
+{
+    if (isFree(wanted))
+        return wanted;
+    for (int number = 2;; ++number) {
+        const QUrl candidate = withMark(wanted, u" (%1)"_s.arg(number));
+        if (isFree(candidate))
+            return candidate;
+    }
+}
+
+QString OutputGuard::refusalFor(const QUrl &wanted) const
+{
+    const QString path = wanted.toLocalFile();
+    if (isInput(wanted))
+        return u"The output %1 would be one of the job's own sources, so nothing was started."_s.arg(path);
+    if (m_claimed.contains(wanted) || m_registry.isTaken(wanted, this))
+        return u"The output %1 belongs to another job or open file, so nothing was started."_s.arg(path);
+    if (!platform::isTakenName(wanted))
+        return {};
+    if (m_whenTaken == WhenTaken::Refuse)
+        return u"The output %1 exists already, so nothing was started."_s.arg(path);
+    if (!QFileInfo(path).isFile())
+        return u"The output %1 exists already and is no ordinary file, so nothing was started."_s.arg(path);
+    return {};
+}
+
+OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted)
+{
+    Claim claim;
+    claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted) : wanted;
+    claim.refusal = refusalFor(claim.url);
+    if (claim.refusal.isNull()) {
+        m_claimed.append(claim.url);
+        m_registry.add(this, claim.url);
+    }
+    return claim;
+}
+
+QUrl OutputGuard::claimFree(const QUrl &wanted)
+{
+    const QUrl url = nextFree(wanted);
+    m_claimed.append(url);
+    m_registry.add(this, url);
+    return url;
+}
+
+bool OutputGuard::mayDelete(const QUrl &location) const
+{
+    return !location.toLocalFile().isEmpty() && !isInput(location);
+}
+
+QString OutputGuard::makeWayFor(const QUrl &output)
+{
+    if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !m_claimed.contains(output))
+        return {};
+    const bool isOurs = std::any_of(m_replaced.begin(), m_replaced.end(),
+                                    [&](const Replaced &replaced) { return replaced.place == output; });
+    if (isOurs)
+        return {}; // a second pass, or a retry, writes over its own first try
+    const QUrl aside = nextFree(withMark(output, u" (replaced)"_s));
+    if (!QFile::rename(output.toLocalFile(), aside.toLocalFile()))
+        return u"The old %1 can't be set aside, so nothing was started."_s.arg(output.toLocalFile());
+    m_replaced.append({output, aside});
+    return {};
+}
+
+void OutputGuard::forgetReplaced()
+{
+    for (const Replaced &replaced : std::as_const(m_replaced))
+        QFile::remove(replaced.aside.toLocalFile());
+    m_replaced.clear();
+}
+
+QList<std::pair<QUrl, QUrl>> OutputGuard::putBackReplaced()
+{
+    QList<std::pair<QUrl, QUrl>> moved;
+    for (const Replaced &replaced : std::as_const(m_replaced)) {
+        if (platform::isTakenName(replaced.place)) {
+            const QUrl incomplete = nextFree(withMark(replaced.place, u" (incomplete)"_s));
+            if (!QFile::rename(replaced.place.toLocalFile(), incomplete.toLocalFile()))
+                continue; // both stay where they are, so nothing is lost
+            moved.append({replaced.place, incomplete});
+        }
+        QFile::rename(replaced.aside.toLocalFile(), replaced.place.toLocalFile());
+    }
+    m_replaced.clear();
+    return moved;
+}
+
+void OutputGuard::release()
+{
+    m_registry.release(this);
+    m_claimed.clear();
+}
+
+} // namespace step

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QList>
+#include <QUrl>
+
+namespace step {
+
+class OutputRegistry;
+
+/// What happens when an output's name is taken.
+enum class WhenTaken {
+    NextFreeName, ///< "a (2).m4v": the window and watch mode
+    Refuse,       ///< the step does not start
+    Replace       ///< the old file is set aside, and put back unless the job ends well
+};
+
+/// Keeps one job from ever harming a file: it gives names that are free, refuses outputs that are
+/// inputs, sets replaced files aside and puts them back. Owned by its job; main thread only.
+class OutputGuard final
+{
+public:
+    struct Claim
+    {
+        QUrl url;
+        QString refusal; ///< null when the name may be written, else a sentence
+    };
+
+    OutputGuard(OutputRegistry &registry, WhenTaken whenTaken);
+    ~OutputGuard();
+    OutputGuard(const OutputGuard &) = delete;
+    OutputGuard &operator=(const OutputGuard &) = delete;
+
+    void setInputs(const QList<QUrl> &inputs);
+    bool isInput(const QUrl &location) const;
+    /// A name for an output of the job, by the rule for taken names.
+    Claim claimOutput(const QUrl &wanted);
+    /// A name for a log or an intermediate file: always one where nothing stands.
+    QUrl claimFree(const QUrl &wanted);
+    /// False for inputs, and for what stood there before the job.
+    bool mayDelete(const QUrl &location) const;
+
+    /// Right before the tool starts: moves a file that is to be replaced out of the way. Answers a
+    /// null text, or why that was not possible.
+    QString makeWayFor(const QUrl &output);
+    /// The job ended well: what was set aside goes.
+    void forgetReplaced();
+    /// It did not: what was set aside returns, and what stands in its place takes another name.
+    /// Answers where that incomplete output is now, for each name that changed.
+    QList<std::pair<QUrl, QUrl>> putBackReplaced();
+    /// Gives the names free for others.
+    void release();
+
+private:
+    struct Replaced
+    {
+        QUrl place;
+        QUrl aside;
+    };
+    bool isFree(const QUrl &location) const;
+    QUrl nextFree(const QUrl &wanted) const;
+    QString refusalFor(const QUrl &wanted) const;
+
+    OutputRegistry &m_registry;
+    WhenTaken m_whenTaken;
+    QList<QUrl> m_inputs;
+    QList<QUrl> m_claimed;
+    QList<Replaced> m_replaced;
+};
+
+} // namespace step

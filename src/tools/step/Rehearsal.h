@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tools/step/StepLauncher.h"
+
+namespace step {
+
+/// A launcher that starts nothing and changes nothing: it keeps what would have been started.
+class Rehearsal final : public StepLauncher
+{
+public:
+    struct Entry
+    {
+        Launch launch;
+        bool isShellLine = false;
+        tools::ShellLine line; ///< of a shell line
+    };
+
+    tools::ToolProcessPointer startProcess(const Launch &launch,
+                                           const tools::ToolProcess::Request &request) override;
+    QString startShellLine(const Launch &launch, const tools::ShellLine &line,
+                           const std::function<QString()> &run) override;
+    bool copyFile(const QUrl &from, const QUrl &to) override;
+    QString makeWay(OutputGuard &guard, const QUrl &output) override;
+    bool isRehearsal() const override { return true; }
+
+    const QList<Entry> &entries() const { return m_entries; }
+    void clear() { m_entries.clear(); }
+
+private:
+    QList<Entry> m_entries;
+};
+
+} // namespace step

@@ -1,0 +1,54 @@
+#include "tools/step/ToolLog.h"
+
+#include "tools/step/FfmpegProgress.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace step {
+
+ToolLog::ToolLog(const QString &text)
+{
+    static const QRegularExpression lineEnds(u"[\r\n]+"_s);
+    for (const QString &line : text.split(lineEnds, Qt::SkipEmptyParts)) {
+        if (!line.startsWith(u' '))
+            m_lines.append(line);
+    }
+}
+
+bool ToolLog::hasLineStartingWith(const QString &start) const
+{
+    return std::any_of(m_lines.begin(), m_lines.end(),
+                       [&](const QString &line) { return line.startsWith(start); });
+}
+
+bool ToolLog::hasLineContaining(const QString &part) const
+{
+    return std::any_of(m_lines.begin(), m_lines.end(),
+                       [&](const QString &line) { return line.contains(part); });
+}
+
+QString ToolLog::firstLineContaining(const QStringList &parts) const
+{
+    for (const QString &line : m_lines) {
+        if (std::any_of(parts.begin(), parts.end(), [&](const QString &part) { return line.contains(part); }))
+            return line.trimmed();
+    }
+    return {};
+}
+
+QString ToolLog::lastMessage() const
+{
+    const auto saysMore = [](const QString &line) {
+        return !isStatusLine(line) && !line.startsWith(u"Conversion failed"_s) &&
+               !line.startsWith(u"Exiting normally"_s) && !line.startsWith(u"Stream mapping"_s) &&
+               !line.startsWith(u"Press [q]"_s);
+    };
+    const auto found = std::find_if(m_lines.rbegin(), m_lines.rend(), saysMore);
+    return found == m_lines.rend() ? QString() : found->trimmed();
+}
+
+} // namespace step
