@@ -3,15 +3,16 @@
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
 
+#include <QAssociativeIterable>
 #include <QDir>
 #include <QFileInfo>
+#include <QSequentialIterable>
 
-#include <limits>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /// "~" and "~/..." lead to the home folder; every other path stays as it is.
 QString expandedPath(const QString &path)
@@ -21,9 +22,23 @@ QString expandedPath(const QString &path)
     return path;
 }
 
-qint64 times(qint64 a, qint64 b)
+bool isEmptyCollection(const QVariant &value)
 {
-    return a > std::numeric_limits<qint64>::max() / b ? std::numeric_limits<qint64>::max() / b : a * b;
+    if (value.canView<QAssociativeIterable>())
+        return value.value<QAssociativeIterable>().size() == 0;
+    return value.canView<QSequentialIterable>() && value.value<QSequentialIterable>().size() == 0;
+}
+
+bool isNullPointer(const QVariant &value)
+{
+    return value.metaType().flags().testFlag(QMetaType::IsPointer) && value.isNull();
+}
+
+/// One piece of a time text; far below what could overflow in seconds.
+qint64 timePiece(const QString &text)
+{
+    constexpr qint64 largest = 1'000'000'000'000;
+    return std::clamp(tools::leadingInteger(text), -largest, largest);
 }
 
 } // namespace
@@ -58,7 +73,8 @@ bool KXHelpers::directoryPathIsNotEmptyFor(const QString &path)
 {
     if (!directoryPathExistsFor(path))
         return false;
-    return !QDir(expandedPath(path)).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    return !QDir(expandedPath(path))
+                .isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
 }
 
 bool KXHelpers::isEmpty(const QVariant &value)
@@ -80,7 +96,7 @@ bool KXHelpers::isEmpty(const QVariant &value)
     case QMetaType::QUrl:
         return value.toUrl().path().isEmpty();
     default:
-        return false;
+        return isEmptyCollection(value) || isNullPointer(value);
     }
 }
 
@@ -129,10 +145,8 @@ qint64 KXHelpers::convertToTimeInSecondsFrom(const QString &time)
     const QStringList pieces = time.split(u':');
     if (pieces.size() != 3)
         return 0;
-    const qint64 hours = tools::leadingInteger(pieces.at(0));
-    const qint64 minutes = tools::leadingInteger(pieces.at(1));
-    const qint64 seconds = tools::leadingInteger(pieces.at(2).section(u'.', 0, 0));
-    return times(hours, 3600) + times(minutes, 60) + seconds;
+    const QString wholeSeconds = pieces.at(2).section(u'.', 0, 0);
+    return timePiece(pieces.at(0)) * 3600 + timePiece(pieces.at(1)) * 60 + timePiece(wholeSeconds);
 }
 
 void KXHelpers::openAlertSheet(const platform::AlertPointer &alert) const
@@ -147,14 +161,8 @@ void KXHelpers::alertTimedOut(const platform::AlertPointer &alert) const
         m_presenter->close(alert);
 }
 
-void KXHelpers::logString(const QString &) const
-{
-}
+void KXHelpers::logString(const QString &) const {}
 
-void KXHelpers::logObjectWithString(const QVariant &, const QString &) const
-{
-}
+void KXHelpers::logObjectWithString(const QVariant &, const QString &) const {}
 
-void KXHelpers::logIntegerWithString(qint64, const QString &) const
-{
-}
+void KXHelpers::logIntegerWithString(qint64, const QString &) const {}

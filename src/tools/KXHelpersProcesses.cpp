@@ -12,8 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 enum class Trim { OneLineFeed, None };
 
@@ -40,6 +39,12 @@ QString decoded(const QByteArray &bytes)
     if (!valid)
         return {};
     return text.isEmpty() ? u""_s : withoutLastLineFeed(text);
+}
+
+/// 0 is nobody's id: the shell would take it for its whole group.
+bool isProcessId(const QString &pid)
+{
+    return tools::isAllDigits(pid) && tools::leadingInteger(pid) != 0;
 }
 
 bool isQuietCommand(const QString &command)
@@ -98,16 +103,16 @@ QUrl KXHelpers::urlOfApp(const QString &name) const
 
 bool KXHelpers::processIsRunningWithPID(const QString &pid) const
 {
-    if (tools::leadingInteger(pid) == 0 || !tools::isAllDigits(pid))
+    if (!isProcessId(pid))
         return false;
-    const QString answer = doUnixCommandWithOptions(
-        u"ps"_s, {u"-p"_s, pid, u"| grep"_s, pid, u"| awk '{print $1;}'"_s});
+    const QString answer =
+        doUnixCommandWithOptions(u"ps"_s, {u"-p"_s, pid, u"| grep"_s, pid, u"| awk '{print $1;}'"_s});
     return answer == pid && !tools::isEndedZombie(pid.toLongLong());
 }
 
 bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) const
 {
-    if (tools::leadingInteger(pid) == 0 || !tools::isAllDigits(pid))
+    if (!isProcessId(pid))
         return false;
     doUnixCommandWithOptions(u"kill"_s, {u"-s KILL"_s, pid});
     if (wait == Wait::UntilTerminated) {
@@ -120,12 +125,12 @@ bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) c
 
 void KXHelpers::suspendPID(const QString &pid) const
 {
-    if (tools::isAllDigits(pid))
+    if (isProcessId(pid))
         doUnixCommandWithOptions(u"kill"_s, {u"-s stop"_s, pid});
 }
 
 void KXHelpers::resumePID(const QString &pid) const
 {
-    if (tools::isAllDigits(pid))
+    if (isProcessId(pid))
         doUnixCommandWithOptions(u"kill"_s, {u"-s cont"_s, pid});
 }

@@ -6,11 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 bool isDigit(QChar c)
 {
@@ -45,9 +43,11 @@ qint64 percentOf(qint64 part, qint64 whole)
 {
     if (whole <= 0)
         return 0;
-    if (std::abs(part) > std::numeric_limits<qint64>::max() / 100)
-        return part / whole * 100;
-    return part * 100 / whole;
+    constexpr qint64 largest = std::numeric_limits<qint64>::max() / 100;
+    if (part >= -largest && part <= largest)
+        return part * 100 / whole;
+    // Too large to be multiplied: the last digits don't count any more.
+    return std::clamp(part / std::max<qint64>(whole / 100, 1), -largest, largest);
 }
 
 QString printedFloat(double value)

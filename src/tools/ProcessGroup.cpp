@@ -7,11 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 /// The state letter of a process ("R", "S", "Z", ...); 0 when it can't be told.
 char stateOf(qint64 pid)
@@ -25,7 +23,8 @@ char stateOf(qint64 pid)
     if (QFile::exists(QStringLiteral("/proc/self/stat")))
         return 0;
     QProcess ps; // no /proc: ask ps
-    ps.start(QStringLiteral("ps"), {QStringLiteral("-o"), QStringLiteral("stat="), QStringLiteral("-p"), QString::number(pid)});
+    ps.start(QStringLiteral("ps"),
+             {QStringLiteral("-o"), QStringLiteral("stat="), QStringLiteral("-p"), QString::number(pid)});
     ps.waitForFinished(5000);
     const QByteArray state = ps.readAllStandardOutput().trimmed();
     return state.isEmpty() ? 0 : state.front();
@@ -33,9 +32,13 @@ char stateOf(qint64 pid)
 
 } // namespace
 
-void leadOwnGroup(QProcess &process)
+void leadOwnGroup(QProcess &process, const std::function<void()> &alsoInChild)
 {
-    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    process.setChildProcessModifier([alsoInChild] {
+        ::setpgid(0, 0);
+        if (alsoInChild)
+            alsoInChild();
+    });
 }
 
 void signalGroupOf(qint64 pid, int signal)
@@ -50,11 +53,22 @@ void signalGroupOf(qint64 pid, int signal)
         ::kill(process, signal);
 }
 
+void killGroupLedBy(qint64 leader)
+{
+    if (leader < 2)
+        return;
+    ::kill(static_cast<pid_t>(leader), SIGKILL); // it may not lead yet
+    ::kill(static_cast<pid_t>(-leader), SIGKILL);
+}
+
 bool isEndedZombie(qint64 pid)
 {
     if (stateOf(pid) != 'Z')
         return false;
-    ::waitpid(static_cast<pid_t>(pid), nullptr, WNOHANG);
+    // Leaders of a group were started by a process object, which would lose their exit status.
+    const pid_t process = static_cast<pid_t>(pid);
+    if (::getpgid(process) != process)
+        ::waitpid(process, nullptr, WNOHANG);
     return true;
 }
 

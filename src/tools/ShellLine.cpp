@@ -5,13 +5,22 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 using Quote = QString (*)(const QString &);
+
+/// The string items: the name of a file asks for nothing.
+QStringList stringsOf(const OptionList &options)
+{
+    QStringList strings;
+    for (const OptionItem &item : options) {
+        if (!item.isFile())
+            strings.append(item.text());
+    }
+    return strings;
+}
 
 /// The head of the line. The library exports have no blank between them nor before the tool: the
 /// spelling is meant and pinned by tests.
@@ -23,14 +32,14 @@ QString headFor(const QUrl &tool, const OptionList &options, const ToolPlaces &p
     switch (toolFamily(tool)) {
     case ToolFamily::Mkv: {
         const QString library = inSingle(resources + u"/mkvtoolnix/lib"_s);
-        head = u"export LANG=en_US.UTF-8; export DYLD_LIBRARY_PATH="_s + library
-               + u";export LD_LIBRARY_PATH="_s + library + u';';
+        head = u"export LANG=en_US.UTF-8; export DYLD_LIBRARY_PATH="_s + library +
+               u";export LD_LIBRARY_PATH="_s + library + u';';
         break;
     }
     case ToolFamily::Ffmpeg:
-        if (burnsSubtitles(textsOf(options))) {
-            head = u"export FONTCONFIG_PATH="_s + inDouble(resources + u"/fonts"_s)
-                   + u"; export FONTCONFIG_FILE="_s + inDouble(resources + u"/fonts/fonts.conf"_s) + u';';
+        if (burnsSubtitles(stringsOf(options))) {
+            head = u"export FONTCONFIG_PATH="_s + inDouble(resources + u"/fonts"_s) +
+                   u"; export FONTCONFIG_FILE="_s + inDouble(resources + u"/fonts/fonts.conf"_s) + u';';
         }
         break;
     case ToolFamily::AtomicParsley:
@@ -56,17 +65,31 @@ QString shownOptions(const OptionList &options)
     return line;
 }
 
+bool isRedirect(const OptionItem &item)
+{
+    return !item.isFile() && !item.hasData() && item.text() == u"&>"_s;
+}
+
+/// A raw string as a plain Bourne shell can read it: one that begins with "&> FILE" says it otherwise.
+QString inPlainBourne(const OptionItem &item)
+{
+    const QString raw = item.safe();
+    if (item.isFile() || item.hasData() || !raw.startsWith(u"&> "_s))
+        return raw;
+    const QString file = raw.section(u' ', 1, 1);
+    return u"> "_s + file + u" 2>&1"_s + raw.mid(file.size() + 3);
+}
+
 QString safeOptions(const OptionList &options, ShellKind kind)
 {
     QString line;
     for (qsizetype i = 0; i < options.size(); ++i) {
-        const bool redirects = !options.at(i).isFile() && options.at(i).text() == u"&>"_s;
-        if (kind == ShellKind::PlainBourne && redirects && i + 1 < options.size()) {
-            ++i;
-            line += u" > "_s + options.at(i).safe() + u" 2>&1"_s;
-        } else {
+        if (kind == ShellKind::KnowsAmpersandRedirect)
             line += u' ' + options.at(i).safe();
-        }
+        else if (isRedirect(options.at(i)) && i + 1 < options.size())
+            line += u" > "_s + options.at(++i).safe() + u" 2>&1"_s;
+        else
+            line += u' ' + inPlainBourne(options.at(i));
     }
     return line;
 }
@@ -76,7 +99,8 @@ QString safeOptions(const OptionList &options, ShellKind kind)
 ShellLine toolLine(const QUrl &tool, const OptionList &options, const ToolPlaces &places, ShellKind kind)
 {
     return {headFor(tool, options, places, doubleQuoted, bareSingleQuotes) + shownOptions(options),
-            headFor(tool, options, places, safelyDoubleQuoted, safelySingleQuoted) + safeOptions(options, kind)};
+            headFor(tool, options, places, safelyDoubleQuoted, safelySingleQuoted) +
+                safeOptions(options, kind)};
 }
 
 ShellLine commandLine(const QString &command, const OptionList &options, ShellKind kind)

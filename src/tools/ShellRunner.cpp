@@ -1,61 +1,132 @@
 #include "tools/ShellRunner.h"
 
 #include "tools/ProcessGroup.h"
+#include "tools/ShellStreams.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QProcess>
+#include <QSocketNotifier>
 #include <QThread>
 #include <QTimer>
 
-#include <csignal>
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 constexpr int sliceMs = 50;
 
-bool mustStop(const ShellRequest &request, const QElapsedTimer &clock)
+/// One shell line on its way: the shell itself and its two streams, which a program that it left in
+/// the background can hold open longer.
+class Run final
 {
-    return (request.stop && *request.stop) || (request.timeoutMs >= 0 && clock.elapsed() >= request.timeoutMs);
+public:
+    explicit Run(const ShellRequest &request);
+    ShellReply reply() const;
+    void waitBlocking();
+    void waitWithEventLoop();
+
+private:
+    bool hasEnded() const { return m_process.state() == QProcess::NotRunning && m_streams.haveEnded(); }
+    bool mustStop() const;
+    void endNow();
+
+    const ShellRequest &m_request;
+    ShellStreams m_streams;
+    QProcess m_process;
+    QElapsedTimer m_clock;
+    qint64 m_leader = 0;
+};
+
+Run::Run(const ShellRequest &request)
+    : m_request(request)
+{
+    leadOwnGroup(m_process, [this] { m_streams.claimInChild(); });
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setStandardOutputFile(QProcess::nullDevice());
+    m_process.setStandardErrorFile(QProcess::nullDevice());
+    m_process.setProcessEnvironment(request.environment);
+    m_process.setWorkingDirectory(request.workingFolder);
+    m_clock.start();
+    if (m_streams.areOpen())
+        m_process.start(u"/bin/sh"_s, {u"-c"_s, request.line});
+    m_leader = m_process.processId();
+    m_streams.closeWriters();
 }
 
-void endNow(QProcess &process)
+bool Run::mustStop() const
 {
-    signalGroupOf(process.processId(), SIGKILL);
-    process.waitForFinished(1000);
+    return (m_request.stop && *m_request.stop) ||
+           (m_request.timeoutMs >= 0 && m_clock.elapsed() >= m_request.timeoutMs);
 }
 
-void waitBlocking(QProcess &process, const ShellRequest &request, const QElapsedTimer &clock)
+void Run::endNow()
 {
-    const bool limited = request.stop || request.timeoutMs >= 0;
-    while (process.state() != QProcess::NotRunning && !process.waitForFinished(limited ? sliceMs : -1)) {
-        if (process.state() != QProcess::NotRunning && mustStop(request, clock))
-            return endNow(process);
+    killGroupLedBy(m_leader);
+    m_process.waitForFinished(1000);
+    m_streams.waitAndRead(0); // what was said before; who left the group is not waited for
+}
+
+void Run::waitBlocking()
+{
+    const int slice = m_request.stop || m_request.timeoutMs >= 0 ? sliceMs : -1;
+    while (!hasEnded()) {
+        if (!m_streams.haveEnded())
+            m_streams.waitAndRead(slice);
+        else
+            m_process.waitForFinished(slice);
+        if (!hasEnded() && mustStop())
+            return endNow();
     }
 }
 
-void waitWithEventLoop(QProcess &process, const ShellRequest &request, const QElapsedTimer &clock)
+void Run::waitWithEventLoop()
 {
+    if (hasEnded())
+        return;
     QEventLoop loop;
-    QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
-    QObject::connect(&process, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, &loop, [&] {
-        if (mustStop(request, clock))
+    const auto quitAtEnd = [&] {
+        if (hasEnded() || mustStop())
             loop.quit();
-    });
+    };
+    QSocketNotifier output(m_streams.reader(ShellStreams::Output), QSocketNotifier::Read);
+    QSocketNotifier error(m_streams.reader(ShellStreams::Error), QSocketNotifier::Read);
+    const auto serve = [&](QSocketNotifier &notifier, ShellStreams::Stream stream) {
+        QObject::connect(&notifier, &QSocketNotifier::activated, &loop, [&, stream] {
+            m_streams.read(stream);
+            notifier.setEnabled(!m_streams.hasEnded(stream));
+            quitAtEnd();
+        });
+    };
+    serve(output, ShellStreams::Output);
+    serve(error, ShellStreams::Error);
+    QObject::connect(&m_process, &QProcess::finished, &loop, quitAtEnd);
+    QObject::connect(&m_process, &QProcess::errorOccurred, &loop, quitAtEnd);
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &loop, quitAtEnd);
     watch.start(sliceMs);
-    if (process.state() != QProcess::NotRunning)
-        loop.exec();
-    if (process.state() != QProcess::NotRunning)
-        endNow(process);
+    loop.exec();
+    if (!hasEnded())
+        endNow();
+}
+
+ShellReply Run::reply() const
+{
+    ShellReply reply;
+    reply.output = m_streams.bytes(ShellStreams::Output);
+    reply.error = m_streams.bytes(ShellStreams::Error);
+    if (!m_streams.areOpen())
+        reply.error = "no pipe: " + qt_error_string(EMFILE).toUtf8();
+    else if (m_process.error() == QProcess::FailedToStart)
+        reply.error = m_process.errorString().toUtf8();
+    else if (m_process.exitStatus() == QProcess::NormalExit)
+        reply.status = m_process.exitCode();
+    return reply;
 }
 
 bool isMainThread()
@@ -68,27 +139,12 @@ bool isMainThread()
 
 ShellReply runShell(const ShellRequest &request)
 {
-    QProcess process;
-    leadOwnGroup(process);
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setProcessEnvironment(request.environment);
-    if (!request.workingFolder.isEmpty())
-        process.setWorkingDirectory(request.workingFolder);
-    QElapsedTimer clock;
-    clock.start();
-    process.start(u"/bin/sh"_s, {u"-c"_s, request.line});
+    Run run(request);
     if (request.waiting == Waiting::WithEventLoop && isMainThread())
-        waitWithEventLoop(process, request, clock);
+        run.waitWithEventLoop();
     else
-        waitBlocking(process, request, clock);
-    ShellReply reply;
-    reply.output = process.readAllStandardOutput();
-    reply.error = process.readAllStandardError();
-    if (process.error() == QProcess::FailedToStart)
-        reply.error = process.errorString().toUtf8();
-    else if (process.exitStatus() == QProcess::NormalExit)
-        reply.status = process.exitCode();
-    return reply;
+        run.waitBlocking();
+    return run.reply();
 }
 
 ShellKind shellKind()

@@ -8,8 +8,7 @@
 #include <atomic>
 #include <memory>
 
-namespace tools
-{
+namespace tools {
 
 /// How the caller waits for a shell line. The event loop keeps a window painting and timers ticking;
 /// it is used on the main thread only, elsewhere the runner always blocks.
@@ -39,7 +38,8 @@ struct ShellReply
 };
 
 /// The one place that starts shell lines: "/bin/sh" "-c" LINE in a process group of its own, with
-/// standard input closed and both streams drained at the same time. Returns when the shell has ended.
+/// standard input closed and both streams drained at the same time. Returns when the shell and both
+/// streams have ended: what it leaves in the background must send its output elsewhere.
 ShellReply runShell(const ShellRequest &request);
 
 /// Whether /bin/sh knows "&>"; asked once per run.

@@ -2,12 +2,14 @@
 
 #include "tools/ProcessGroup.h"
 
+#include <QScopedValueRollback>
+#include <QThread>
+
 #include <csignal>
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
 ToolProcess::ToolProcess()
 {
@@ -29,12 +31,21 @@ ToolProcess::ToolProcess()
 
 std::shared_ptr<ToolProcess> ToolProcess::start(const Request &request)
 {
-    std::shared_ptr<ToolProcess> tool(new ToolProcess);
+    std::shared_ptr<ToolProcess> tool(new ToolProcess, &ToolProcess::release);
     tool->m_process.setProcessEnvironment(request.environment);
     tool->m_process.setWorkingDirectory(request.workingFolder);
     tool->m_process.start(request.program, request.arguments);
     tool->m_process.closeWriteChannel(); // no tool can wait for a key
     return tool;
+}
+
+void ToolProcess::release(ToolProcess *tool)
+{
+    // Who is told of the end often lets go at once, in the middle of our call; a monitor may let go too.
+    if (tool->thread() != QThread::currentThread() || tool->m_reporting)
+        tool->deleteLater();
+    else
+        delete tool;
 }
 
 ToolProcess::~ToolProcess()
@@ -77,32 +88,40 @@ void ToolProcess::terminate()
 
 bool ToolProcess::waitUntilExit(int milliseconds)
 {
-    return !isRunning() || m_process.waitForFinished(milliseconds);
+    if (isRunning())
+        m_process.waitForFinished(milliseconds);
+    return !isRunning();
+}
+
+void ToolProcess::report(Channel channel, const QByteArray &bytes)
+{
+    if (!bytes.isEmpty() && !m_readersClosed)
+        Q_EMIT chunkRead(channel, bytes);
 }
 
 void ToolProcess::read(Channel channel)
 {
-    const QByteArray bytes = channel == Channel::Output ? m_process.readAllStandardOutput()
-                                                        : m_process.readAllStandardError();
-    if (!bytes.isEmpty() && !m_readersClosed)
-        Q_EMIT chunkRead(channel, bytes);
+    const QScopedValueRollback reporting(m_reporting, true);
+    report(channel,
+           channel == Channel::Output ? m_process.readAllStandardOutput() : m_process.readAllStandardError());
 }
 
 void ToolProcess::finish(End end)
 {
     if (m_end != End::StillRunning)
         return;
+    const QScopedValueRollback reporting(m_reporting, true);
     m_end = end;
     read(Channel::Output);
     read(Channel::Error);
-    if (m_readersClosed)
-        return;
     if (end == End::NotStarted) {
         const QString message = u"%1 could not be started: %2\n"_s.arg(launchPath(), m_process.errorString());
-        Q_EMIT chunkRead(Channel::Error, message.toUtf8());
+        report(Channel::Error, message.toUtf8());
     }
-    Q_EMIT channelEnded(Channel::Output);
-    Q_EMIT channelEnded(Channel::Error);
+    for (const Channel channel : {Channel::Output, Channel::Error}) {
+        if (!m_readersClosed)
+            Q_EMIT channelEnded(channel);
+    }
 }
 
 } // namespace tools

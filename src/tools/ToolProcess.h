@@ -6,17 +6,17 @@
 #include <memory>
 #include <optional>
 
-namespace tools
-{
+namespace tools {
 
 /// One running program: the process object of a converter. Made running by start() and shared by the
 /// converter and its job. It drains both streams, closes standard input, leads a process group of its
 /// own, and says exactly once for each stream that it has ended, also when the program never started.
+/// The last holder may let go of it on any thread and while it reports.
 class ToolProcess final : public QObject
 {
     Q_OBJECT
 
-  public:
+public:
     enum class Channel { Output, Error };
     enum class End { StillRunning, Exited, Crashed, NotStarted };
     Q_ENUM(Channel)
@@ -53,12 +53,14 @@ class ToolProcess final : public QObject
     /// Blocks until the program has ended; false when it still runs after that time (-1: no limit).
     bool waitUntilExit(int milliseconds);
 
-  Q_SIGNALS:
+Q_SIGNALS:
     void chunkRead(tools::ToolProcess::Channel channel, const QByteArray &bytes);
     void channelEnded(tools::ToolProcess::Channel channel);
 
-  private:
+private:
     ToolProcess();
+    static void release(ToolProcess *tool);
+    void report(Channel channel, const QByteArray &bytes);
     void read(Channel channel);
     void finish(End end);
 
@@ -66,6 +68,7 @@ class ToolProcess final : public QObject
     End m_end = End::StillRunning;
     bool m_suspended = false;
     bool m_readersClosed = false;
+    bool m_reporting = false;
 };
 
 using ToolProcessPointer = std::shared_ptr<ToolProcess>;
