@@ -7,8 +7,9 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
 # The compiler, CMake, Ninja and Qt build the programs; ffmpeg, mkvtoolnix and mplayer are the tools they
-# drive; unzip unpacks these and procps has the ps that watches them; the font is for burned-in subtitles.
-debian_packages="g++ cmake ninja-build qt6-base-dev ffmpeg mkvtoolnix mplayer unzip procps fonts-dejavu-core"
+# drive; unzip unpacks them (zip is for tests) and procps has the ps that watches them; the font is for
+# burned-in subtitles.
+debian_packages="g++ cmake ninja-build qt6-base-dev ffmpeg mkvtoolnix mplayer unzip zip procps fonts-dejavu-core"
 brew_formulas="cmake ninja qt ffmpeg mkvtoolnix mplayer"
 needed_commands="c++ cmake ninja ffmpeg ffprobe mkvmerge unzip ps"
 
