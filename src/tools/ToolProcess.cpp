@@ -112,11 +112,12 @@ void ToolProcess::finish(End end)
         return;
     const QScopedValueRollback reporting(m_reporting, true);
     m_end = end;
-    read(Channel::Output);
-    read(Channel::Error);
     if (end == End::NotStarted) {
         const QString message = u"%1 could not be started: %2\n"_s.arg(launchPath(), m_process.errorString());
         report(Channel::Error, message.toUtf8());
+    } else {
+        read(Channel::Output);
+        read(Channel::Error);
     }
     for (const Channel channel : {Channel::Output, Channel::Error}) {
         if (!m_readersClosed)
