@@ -1,37 +1,37 @@
 #include "tools/LineCutter.h"
 
-namespace tools
-{
+#include <QStringDecoder>
 
-namespace
-{
+namespace tools {
+
+namespace {
 constexpr qsizetype longestRest = 64 * 1024;
 }
 
 QStringList LineCutter::feed(const QByteArray &chunk)
 {
-    const QString text = m_decoder.decode(chunk);
     QStringList lines;
     qsizetype start = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text.at(i) != u'\r' && text.at(i) != u'\n')
+    for (qsizetype i = 0; i < chunk.size(); ++i) {
+        if (chunk.at(i) != '\r' && chunk.at(i) != '\n')
             continue;
-        m_rest += QStringView(text).mid(start, i - start);
-        if (!m_rest.isEmpty())
-            lines.append(m_rest);
+        m_rest.append(chunk.constData() + start, i - start);
+        const QString line = QString::fromUtf8(m_rest);
+        if (!line.isEmpty())
+            lines.append(line);
         m_rest.clear();
         start = i + 1;
     }
-    m_rest += QStringView(text).mid(start);
+    m_rest.append(chunk.constData() + start, chunk.size() - start);
     if (m_rest.size() > longestRest)
         m_rest = m_rest.right(longestRest);
     return lines;
 }
 
-void LineCutter::clear()
+QString LineCutter::rest() const
 {
-    m_decoder.resetState();
-    m_rest.clear();
+    QStringDecoder decoder(QStringDecoder::Utf8); // keeps an incomplete letter to itself
+    return decoder.decode(m_rest);
 }
 
 } // namespace tools

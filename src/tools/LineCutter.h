@@ -1,27 +1,25 @@
 #pragma once
 
 #include <QByteArray>
-#include <QStringDecoder>
 #include <QStringList>
 
-namespace tools
-{
+namespace tools {
 
 /// Cuts a tool's output into lines at carriage returns and line feeds. Bytes come in chunks of any
-/// size; UTF-8 is decoded across their borders, and a line that is not finished waits for its rest; of an
-/// endless one only the last 64 Ki characters are kept.
+/// size; a line that is not finished waits for its rest and is decoded as a whole, so that neither a
+/// letter on the border of two chunks nor one that is no UTF-8 costs a line. Of an endless line only
+/// the last 64 KiB are kept.
 class LineCutter
 {
-  public:
+public:
     /// The lines that this chunk finishes, in order, without their ends; empty lines are left out.
     QStringList feed(const QByteArray &chunk);
-    /// What came after the last line end.
-    QString rest() const { return m_rest; }
-    void clear();
+    /// What came after the last line end, without a letter that is still incomplete.
+    QString rest() const;
+    void clear() { m_rest.clear(); }
 
-  private:
-    QStringDecoder m_decoder{QStringDecoder::Utf8};
-    QString m_rest;
+private:
+    QByteArray m_rest;
 };
 
 } // namespace tools
