@@ -78,6 +78,8 @@ public:
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.
     virtual QString refusal() const { return {}; }
+    /// Why nothing, or not everything, of the job could be started; a null text when all of it was.
+    QString startProblem() const;
 
 Q_SIGNALS:
     void outcomeChanged();

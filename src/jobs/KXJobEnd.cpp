@@ -190,6 +190,17 @@ void KXJob::releaseEverything()
     m_temporaryFolder.clear();
 }
 
+QString KXJob::startProblem() const
+{
+    if (m_outcome.verdict == step::Verdict::Failed)
+        return m_outcome.sentence;
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        if (converter && !converter->refusal().isNull())
+            return converter->refusal();
+    }
+    return {};
+}
+
 QList<QUrl> KXJob::outputs() const
 {
     return m_outputs;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+namespace app
+{
+
+/// Makes sure that texts are UTF-8, whatever the environment says: Qt needs such a locale. Called
+/// before the application object is made.
+void ensureUtf8Locale();
+
+/// The resource folder that belongs to the running program: the neighbour of the folder it is in.
+QString resourcesFolder();
+/// The folder that contains the application; tools run in it.
+QString workingFolder();
+
+} // namespace app

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "jobs/JobContext.h"
+#include "jobs/JobFactory.h"
+#include "jobs/KXQueueController.h"
+#include "platform/AlertPresenter.h"
+#include "platform/DefaultsStore.h"
+#include "platform/KXNotificationCenter.h"
+#include "platform/Volumes.h"
+#include "prefs/KXPreferences.h"
+#include "prefs/KXWatchModeController.h"
+#include "tools/step/OutputRegistry.h"
+#include "tools/step/ScratchFolder.h"
+#include "tools/step/StepLauncher.h"
+
+#include <memory>
+
+namespace app
+{
+
+/// Makes everything that exists once per program and hands it around. Both programs own one; it shows
+/// nothing and decides nothing.
+class Program final
+{
+  public:
+    struct Options
+    {
+        QString defaultsPath; ///< empty: the user's own
+        step::WhenTaken whenTaken = step::WhenTaken::NextFreeName;
+    };
+
+    /// The presenter must outlive the program.
+    Program(const Options &options, platform::AlertPresenter &alerts);
+    ~Program();
+
+    /// Loads the settings and unpacks the tools. Answers a null text, or what is wrong with the settings.
+    QString initialize();
+    platform::DefaultsStore &defaults() { return m_defaults; }
+    KXPreferences &preferences() { return m_preferences; }
+    KXNotificationCenter &notifications() { return m_notifications; }
+    KXQueueController &queue() { return m_queue; }
+    const jobs::JobFactory &factory() const { return m_factory; }
+    /// What jobs are handed, with another launcher and registry where only the commands are wanted.
+    jobs::JobContext contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs);
+
+  private:
+    jobs::JobContext context();
+
+    step::WhenTaken m_whenTaken;
+    platform::AlertPresenter &m_alerts;
+    platform::JsonDefaultsStore m_defaults;
+    platform::Volumes m_volumes;
+    KXNotificationCenter m_notifications;
+    KXPreferences m_preferences;
+    KXWatchModeController m_watchMode;
+    step::StepLauncher m_launcher;
+    step::OutputRegistry m_outputs;
+    step::ScratchFolder m_scratch;
+    jobs::JobFactory m_factory;
+    KXQueueController m_queue;
+};
+
+} // namespace app

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "media/KXVideoTrack.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+class KXSelection;
+
+namespace cli
+{
+
+class CommandLine;
+
+/// The choices of "convert" that were given by hand, checked as far as that goes without a file.
+class Choices final
+{
+  public:
+    explicit Choices(const CommandLine &line);
+
+    /// What is wrong with them; a null text when nothing is.
+    QString error() const { return m_error; }
+    /// The stream indexes of --tracks; no value when it was not given.
+    const std::optional<QStringList> &tracks() const { return m_tracks; }
+    /// What is wrong with them for this selection: tracks that it does not hold.
+    QString errorFor(const KXSelection &selection) const;
+    /// Why this file can't be converted although the choices are sound; a null text when it can.
+    QString refusalFor(const KXSelection &selection) const;
+    /// Writes them into a selection whose tracks are already chosen.
+    void applyTo(KXSelection &selection) const;
+    /// True when the target carries no subtitles.
+    bool targetIsAvi() const { return m_device == QStringLiteral("AVI"); }
+
+  private:
+    void readTarget(const CommandLine &line);
+    void readVideo(const CommandLine &line);
+    void readAudio(const QStringList &values);
+    QString readAudioSetting(const QString &word, QVariantMap &setting) const;
+    void readSubtitles(const CommandLine &line);
+    bool reencodes() const { return m_video != QStringLiteral("passthru"); }
+    void fail(const QString &sentence);
+
+    QString m_error;
+    QString m_device = QStringLiteral("General");
+    QString m_video = QStringLiteral("passthru");
+    QString m_videoBitRate; ///< null: the source's
+    QString m_width;        ///< null: the source's
+    QString m_subtitles = QStringLiteral("mux");
+    QHash<QString, AudioSettingsList> m_audio; ///< by stream index
+    std::optional<QStringList> m_tracks;
+};
+
+/// "0,2,5" as a list; no value (and a sentence) when a piece is no stream index.
+std::optional<QStringList> trackIndexes(const QString &list, QString &error);
+
+} // namespace cli

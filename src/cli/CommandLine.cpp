@@ -1,0 +1,83 @@
+#include "cli/CommandLine.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace cli
+{
+
+const QList<OptionSpec> &allOptions()
+{
+    static const QList<OptionSpec> options{
+        {u"help"_s, {}, u"Show help, with an example, and end."_s, true},
+        {u"version"_s, {}, u"Show the version and end."_s, true},
+        {u"json"_s, {}, u"Print one JSON object per line on standard output."_s, true},
+        {u"quiet"_s, {}, u"Show no progress."_s, true},
+        {u"save-dir"_s, u"DIR"_s, u"Write results into this folder, for this run."_s, true},
+        {u"keep-logs"_s, {}, u"Keep logs and temporary files, for this run."_s, true},
+        {u"no-keep-logs"_s, {}, u"Remove logs and temporary files, for this run."_s, true},
+        {u"defaults"_s, u"FILE"_s, u"Use the settings in this file."_s, true},
+        {u"tracks"_s, u"LIST"_s, u"Stream indexes as probe shows them, separated by commas."_s},
+        {u"device"_s, u"NAME"_s, u"The device to convert for; \"General\" for any."_s},
+        {u"kind"_s, u"mp4|mkv|avi"_s, u"The kind of file to write."_s},
+        {u"video"_s, u"passthru|1pass|2pass"_s, u"Copy the video, or re-encode it in one pass or two."_s},
+        {u"video-bitrate"_s, u"KBPS"_s, u"Video bit rate in kb/s; the source's when not given."_s},
+        {u"width"_s, u"PX"_s, u"Width in pixels; the source's when not given. Never enlarges."_s},
+        {u"audio"_s, u"TRACK=SETTINGS"_s,
+         u"passthru or CODEC:CHANNELS:KBPS (aac, ac3, mp3), several by commas; repeatable."_s},
+        {u"subtitles"_s, u"mux|burn"_s, u"Carry subtitles as tracks, or draw one into the picture."_s},
+        {u"force"_s, {}, u"Replace an existing output; the old one is kept until all went well."_s},
+        {u"dry-run"_s, {}, u"Print the commands that would run, and run none of them."_s},
+    };
+    return options;
+}
+
+CommandLine::CommandLine(const QStringList &words)
+{
+    bool optionsMayCome = true;
+    for (qsizetype i = 0; i < words.size() && m_error.isNull(); ++i) {
+        const QString &word = words.at(i);
+        if (optionsMayCome && word == u"--"_s)
+            optionsMayCome = false;
+        else if (optionsMayCome && word.startsWith(u"--"_s))
+            takeOption(word, words, i);
+        else if (optionsMayCome && word.size() > 1 && word.startsWith(u'-'))
+            m_error = u"There is no option %1. A file name that begins with \"-\" goes behind \"--\"."_s.arg(word);
+        else if (m_command.isNull())
+            m_command = word;
+        else
+            m_arguments.append(word);
+    }
+}
+
+void CommandLine::takeOption(const QString &word, const QStringList &words, qsizetype &position)
+{
+    const QString name = word.section(u'=', 0, 0).mid(2);
+    const auto &options = allOptions();
+    const auto spec = std::find_if(options.begin(), options.end(),
+                                   [&](const OptionSpec &option) { return option.name == name; });
+    if (spec == options.end()) {
+        m_error = u"There is no option --%1."_s.arg(name);
+        return;
+    }
+    const bool hasInlineValue = word.contains(u'=');
+    if (spec->valueName.isEmpty()) {
+        if (hasInlineValue)
+            m_error = u"The option --%1 takes no value."_s.arg(name);
+        m_values[name].append(u""_s);
+    } else if (hasInlineValue) {
+        m_values[name].append(word.section(u'=', 1));
+    } else if (position + 1 < words.size()) {
+        m_values[name].append(words.at(++position));
+    } else {
+        m_error = u"The option --%1 needs a value (%2)."_s.arg(name, spec->valueName);
+    }
+}
+
+QString CommandLine::value(const QString &option) const
+{
+    return m_values.contains(option) ? m_values.value(option).constLast() : QString();
+}
+
+} // namespace cli

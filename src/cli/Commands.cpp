@@ -1,0 +1,81 @@
+#include "cli/Commands.h"
+
+#include "cli/ConvertCommand.h"
+#include "cli/ExtractCommand.h"
+#include "cli/Help.h"
+#include "cli/PrefsCommand.h"
+#include "cli/ProbeCommand.h"
+#include "cli/Session.h"
+#include "cli/ToolsCommand.h"
+
+using namespace Qt::StringLiterals;
+
+namespace cli
+{
+
+namespace
+{
+
+QString problemWithOptions(const CommandLine &line, const Command &command)
+{
+    for (const OptionSpec &option : allOptions()) {
+        const bool isAllowed = option.isGlobal || command.options().contains(option.name);
+        if (line.has(option.name) && !isAllowed)
+            return u"The command %1 takes no option --%2."_s.arg(command.name(), option.name);
+    }
+    if (line.has(u"keep-logs"_s) && line.has(u"no-keep-logs"_s))
+        return u"--keep-logs and --no-keep-logs exclude each other."_s;
+    return {};
+}
+
+} // namespace
+
+const std::vector<std::unique_ptr<Command>> &allCommands()
+{
+    static const auto commands = [] {
+        std::vector<std::unique_ptr<Command>> list;
+        list.push_back(std::make_unique<ProbeCommand>());
+        list.push_back(std::make_unique<ConvertCommand>());
+        list.push_back(std::make_unique<ExtractCommand>());
+        list.push_back(std::make_unique<PrefsCommand>());
+        list.push_back(std::make_unique<ToolsCommand>());
+        return list;
+    }();
+    return commands;
+}
+
+const Command *commandNamed(const QString &name)
+{
+    for (const auto &command : allCommands()) {
+        if (command->name() == name)
+            return command.get();
+    }
+    return nullptr;
+}
+
+ExitStatus run(const QStringList &words)
+{
+    const CommandLine line(words);
+    Session session(line);
+    if (!line.error().isNull())
+        return session.wrongUsage(line.error());
+    if (line.has(u"version"_s)) {
+        session.console().result(versionText());
+        return ExitStatus::AllWell;
+    }
+    const Command *command = commandNamed(line.command());
+    if (line.has(u"help"_s) || line.command() == u"help"_s) {
+        session.console().result((command != nullptr ? helpFor(*command) : generalHelp()).chopped(1));
+        return ExitStatus::AllWell;
+    }
+    if (line.command().isNull())
+        return session.wrongUsage(generalHelp().chopped(1));
+    if (command == nullptr)
+        return session.wrongUsage(u"There is no command \"%1\". See tessaray-cli --help."_s.arg(line.command()));
+    const QString problem = problemWithOptions(line, *command);
+    if (!problem.isNull())
+        return session.wrongUsage(problem);
+    return session.unlessInterrupted(command->execute(session));
+}
+
+} // namespace cli

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tools/ShellRunner.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <memory>
+
+namespace cli
+{
+
+/// Turns the first interrupt or terminate signal into a Qt signal; the second one ends the program at
+/// once. One per program.
+class Interrupts final : public QObject
+{
+    Q_OBJECT
+
+  public:
+    Interrupts();
+    ~Interrupts() override;
+
+    /// 0 until a signal came, then its number.
+    int signalNumber() const { return m_signal; }
+    /// Set when a signal came: ends the waits of whoever holds it.
+    const tools::StopFlag &flag() const { return m_flag; }
+
+  Q_SIGNALS:
+    void interrupted();
+
+  private:
+    void wake();
+
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    tools::StopFlag m_flag = std::make_shared<std::atomic_bool>(false);
+    int m_signal = 0;
+};
+
+} // namespace cli

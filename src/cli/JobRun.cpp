@@ -1,0 +1,182 @@
+#include "cli/JobRun.h"
+
+#include "cli/Session.h"
+
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace cli
+{
+
+namespace
+{
+
+ExitStatus statusOf(step::Verdict verdict)
+{
+    switch (verdict) {
+    case step::Verdict::Warnings:
+        return ExitStatus::Warnings;
+    case step::Verdict::Failed:
+        return ExitStatus::Failed;
+    default:
+        return ExitStatus::AllWell;
+    }
+}
+
+/// The log that is left of the job, that of a failed step first; null when none is.
+QJsonValue remainingLog(const KXJob &job)
+{
+    QJsonValue found;
+    for (const QUrl &log : job.logFilesToDeleteList()) {
+        const QString path = log.toLocalFile();
+        if (!QFileInfo::exists(path))
+            continue;
+        if (job.outcome().sentence.contains(path))
+            return path;
+        if (found.isNull())
+            found = path;
+    }
+    return found;
+}
+
+QJsonArray pathsOf(const QList<QUrl> &files)
+{
+    QJsonArray paths;
+    for (const QUrl &file : files)
+        paths.append(file.toLocalFile());
+    return paths;
+}
+
+QString progressText(const KXJob &job, const jobs::ProgressList &list)
+{
+    QStringList steps;
+    for (const jobs::ProgressItem &item : list)
+        steps.append(item.step + u' ' + item.progress);
+    return job.jobFileName() + u": "_s + steps.join(u", "_s);
+}
+
+} // namespace
+
+JobRun::JobRun(Session &session)
+    : m_session(session)
+    , m_queue(session.program().queue())
+{
+    m_subscriptions.push_back(session.program().notifications().subscribe(
+        u"progressUpdate"_s, [this](const KXNotification &notification) { progressed(notification); }));
+    connect(&m_queue, &KXQueueController::jobChanged, this, &JobRun::changed);
+}
+
+bool JobRun::add(const SelectionPointer &selection)
+{
+    const qsizetype before = m_queue.qJobList().size();
+    m_queue.addToQueue(selection);
+    for (qsizetype row = before; row < m_queue.qJobList().size(); ++row) {
+        const JobPointer job = m_queue.qJobList().at(row);
+        m_jobs.append(job);
+        m_numbers.insert(job.get(), static_cast<int>(m_jobs.size()));
+        m_reported.insert(job.get(), u"queued"_s);
+        sendEvent(u"queued"_s, *job);
+    }
+    return m_queue.qJobList().size() > before;
+}
+
+ExitStatus JobRun::run()
+{
+    QEventLoop loop;
+    connect(&m_session.interrupts(), &Interrupts::interrupted, &loop, [&] {
+        stop();
+        loop.quit();
+    });
+    connect(&m_queue, &KXQueueController::jobChanged, &loop, [&] {
+        if (everyJobHasEnded())
+            loop.quit();
+    });
+    if (m_session.isInterrupted())
+        stop();
+    else if (!everyJobHasEnded())
+        loop.exec();
+    m_session.console().endProgress();
+    return m_worst;
+}
+
+bool JobRun::everyJobHasEnded() const
+{
+    return std::all_of(m_jobs.begin(), m_jobs.end(), [](const JobPointer &job) { return job->hasEnded(); });
+}
+
+void JobRun::changed(int row)
+{
+    const JobPointer job = m_queue.qJobList().value(row);
+    if (!job || !m_numbers.contains(job.get()))
+        return;
+    if (job->jobStatus() == u"Running"_s && !job->hasEnded() && m_reported.value(job.get()) == u"queued"_s) {
+        m_reported[job.get()] = u"started"_s;
+        sendEvent(u"started"_s, *job);
+    }
+    if (job->hasEnded() && m_reported.value(job.get()) != u"done"_s)
+        finished(*job);
+}
+
+void JobRun::progressed(const KXNotification &notification)
+{
+    const auto *job = qobject_cast<KXJob *>(notification.userInfo.value(u"theJob"_s).value<QObject *>());
+    const auto list = notification.object.value<jobs::ProgressList>();
+    if (job == nullptr || list.isEmpty() || job->hasEnded())
+        return;
+    m_session.console().progress(progressText(*job, list));
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
+            continue;
+        sendEvent(u"progress"_s, *job, {{u"step"_s, list.at(i).step}, {u"progress"_s, list.at(i).progress}});
+    }
+    m_lastProgress = list;
+}
+
+void JobRun::finished(const KXJob &job)
+{
+    m_reported[&job] = u"done"_s;
+    m_lastProgress.clear();
+    const step::Outcome outcome = job.outcome();
+    m_worst = worse(m_worst, statusOf(outcome.verdict));
+    sendEvent(u"done"_s, job,
+              {{u"outcome"_s, outcome.word()},
+               {u"message"_s, outcome.sentence},
+               {u"outputs"_s, pathsOf(job.outputs())},
+               {u"log"_s, remainingLog(job)}});
+    m_session.console().endProgress();
+    for (const QUrl &output : job.outputs())
+        m_session.console().result(output.toLocalFile());
+    if (outcome.verdict != step::Verdict::Ok)
+        m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
+}
+
+/// Stops the running job; what is queued behind it does not start.
+void JobRun::stop()
+{
+    const JobPointer running = m_queue.currentJob();
+    if (!m_queue.qJobIsRunning() || !running)
+        return;
+    m_queue.stopCurrentJob();
+    if (m_reported.value(running.get()) != u"done"_s)
+        finished(*running);
+}
+
+void JobRun::sendEvent(const QString &event, const KXJob &job, QJsonObject more)
+{
+    QJsonObject object{{u"event"_s, event},
+                       {u"job"_s, numberOf(job)},
+                       {u"fileName"_s, job.jobFileName()},
+                       {u"jobType"_s, job.jobType()},
+                       {u"step"_s, QJsonValue()},
+                       {u"progress"_s, QJsonValue()}};
+    for (auto item = more.begin(); item != more.end(); ++item)
+        object.insert(item.key(), item.value());
+    m_session.console().object(object);
+}
+
+} // namespace cli

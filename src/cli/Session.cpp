@@ -1,0 +1,83 @@
+#include "cli/Session.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace cli
+{
+
+Session::Session(const CommandLine &line)
+    : m_line(line)
+    , m_alerts(m_console)
+{
+    m_console.setJson(line.has(u"json"_s));
+    m_console.setQuiet(line.has(u"quiet"_s));
+}
+
+app::Program &Session::program()
+{
+    if (m_program)
+        return *m_program;
+    app::Program::Options options;
+    if (m_line.has(u"defaults"_s))
+        options.defaultsPath = absolutePath(m_line.value(u"defaults"_s));
+    options.whenTaken = m_line.has(u"force"_s) ? step::WhenTaken::Replace : step::WhenTaken::Refuse;
+    m_program = std::make_unique<app::Program>(options, m_alerts);
+    const QString problem = m_program->initialize();
+    if (!problem.isNull())
+        m_console.say(problem);
+    applyOptions();
+    return *m_program;
+}
+
+void Session::applyOptions()
+{
+    KXPreferences &preferences = m_program->preferences();
+    if (m_line.has(u"keep-logs"_s))
+        preferences.overrideForThisRun(u"keepLogsFlag"_s, true);
+    if (m_line.has(u"no-keep-logs"_s))
+        preferences.overrideForThisRun(u"keepLogsFlag"_s, false);
+    if (m_line.has(u"save-dir"_s))
+        preferences.overrideForThisRun(u"saveDirectoryPath"_s, absolutePath(m_line.value(u"save-dir"_s)));
+}
+
+ExitStatus Session::wrongUsage(const QString &sentence)
+{
+    m_console.say(sentence);
+    return ExitStatus::WrongUsage;
+}
+
+ExitStatus Session::failed(const QString &sentence)
+{
+    m_console.say(sentence);
+    return ExitStatus::Failed;
+}
+
+ExitStatus Session::unlessInterrupted(ExitStatus status) const
+{
+    if (!isInterrupted())
+        return status;
+    return m_interrupts.signalNumber() == SIGTERM ? ExitStatus::Terminated : ExitStatus::Interrupted;
+}
+
+QString Session::saveFolderProblem()
+{
+    const QString path = program().preferences().saveDirectoryPath();
+    if (path.isEmpty())
+        return {};
+    const QFileInfo folder(path);
+    if (!folder.isDir())
+        return u"The save folder %1 does not exist."_s.arg(path);
+    return folder.isWritable() ? QString() : u"The save folder %1 can't be written to."_s.arg(path);
+}
+
+QString absolutePath(const QString &path)
+{
+    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+}
+
+} // namespace cli

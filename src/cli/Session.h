@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/Program.h"
+#include "cli/Command.h"
+#include "cli/CommandLine.h"
+#include "cli/Console.h"
+#include "cli/ConsoleAlerts.h"
+#include "cli/Interrupts.h"
+
+#include <memory>
+
+namespace cli
+{
+
+/// One run of the program: its command line, its streams, its signals, and the program behind it,
+/// which is made when the first command asks for it.
+class Session final
+{
+  public:
+    explicit Session(const CommandLine &line);
+
+    const CommandLine &line() const { return m_line; }
+    Console &console() { return m_console; }
+    Interrupts &interrupts() { return m_interrupts; }
+    app::Program &program();
+    /// Said on standard error; answers WrongUsage.
+    ExitStatus wrongUsage(const QString &sentence);
+    /// Said on standard error; answers Failed.
+    ExitStatus failed(const QString &sentence);
+    /// What an interrupt makes of a status.
+    ExitStatus unlessInterrupted(ExitStatus status) const;
+    bool isInterrupted() const { return m_interrupts.signalNumber() != 0; }
+    /// Why the save folder that is set can't be used; a null text when it can, or none is set.
+    QString saveFolderProblem();
+
+  private:
+    void applyOptions();
+
+    CommandLine m_line;
+    Console m_console;
+    ConsoleAlerts m_alerts;
+    Interrupts m_interrupts;
+    std::unique_ptr<app::Program> m_program;
+};
+
+/// A path of the command line made absolute, without "." and "..".
+QString absolutePath(const QString &path);
+
+} // namespace cli

@@ -1,0 +1,48 @@
+#include "cli/ToolsCommand.h"
+
+#include "cli/Session.h"
+#include "prefs/ToolCheck.h"
+
+using namespace Qt::StringLiterals;
+
+namespace cli
+{
+
+namespace
+{
+
+QJsonObject objectOf(const prefs::ToolReport &report)
+{
+    const auto textOrNull = [](const QString &text) { return text.isNull() ? QJsonValue() : QJsonValue(text); };
+    return {{u"tool"_s, report.name},
+            {u"location"_s, report.location.toLocalFile()},
+            {u"program"_s, textOrNull(report.program)},
+            {u"works"_s, report.works()},
+            {u"state"_s, prefs::describe(report.state)},
+            {u"version"_s, textOrNull(report.version)},
+            {u"switchesOff"_s, report.works() ? QJsonValue() : QJsonValue(report.switchesOff)}};
+}
+
+QString lineOf(const prefs::ToolReport &report)
+{
+    const QString start = report.name.leftJustified(14) + report.location.toLocalFile() + u"  "_s;
+    if (report.works())
+        return start + report.version;
+    return start + prefs::describe(report.state) + u". "_s + report.switchesOff;
+}
+
+} // namespace
+
+ExitStatus ToolsCommand::execute(Session &session) const
+{
+    if (!session.line().arguments().isEmpty())
+        return session.wrongUsage(u"The command tools takes no arguments."_s);
+    const KXPreferences &preferences = session.program().preferences();
+    for (const prefs::ToolReport &report : prefs::ToolCheck(preferences, preferences).checkAll()) {
+        session.console().object(objectOf(report));
+        session.console().result(lineOf(report));
+    }
+    return ExitStatus::AllWell;
+}
+
+} // namespace cli
