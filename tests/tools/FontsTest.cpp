@@ -1,9 +1,11 @@
 #include "support/Scratch.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -27,7 +29,7 @@ Ran draw(const support::Scratch &scratch, const QString &fonts, const QString &s
     environment.insert(u"FONTCONFIG_PATH"_s, fonts);
     environment.insert(u"FONTCONFIG_FILE"_s, fonts + u"/fonts.conf"_s);
     ffmpeg.setProcessEnvironment(environment);
-    ffmpeg.setWorkingDirectory(scratch.path());
+    ffmpeg.setWorkingDirectory(scratch.path(u"work"_s)); // the fonts are not below it
     ffmpeg.start(
         u"ffmpeg"_s,
         {u"-v"_s, u"verbose"_s, u"-nostdin"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
@@ -57,6 +59,18 @@ QString copyFonts(const support::Scratch &scratch)
     return cmake.exitCode() == 0 ? resources + u"/fonts"_s : QString();
 }
 
+/// Takes what the machine has out of the configuration.
+bool leaveOnlyOurFolder(const QString &fonts)
+{
+    QFile file(fonts + u"/fonts.conf"_s);
+    if (!file.open(QIODevice::ReadWrite))
+        return false;
+    QString configuration = QString::fromUtf8(file.readAll());
+    configuration.remove(
+        QRegularExpression(u"<dir>[^<]*</dir>|<dir prefix=\"xdg\">[^<]*</dir>|<include.*</include>"_s));
+    return file.resize(0) && file.seek(0) && file.write(configuration.toUtf8()) > 0;
+}
+
 constexpr int blackLevel = 16;
 constexpr int surelyDrawn = 160;
 
@@ -74,7 +88,7 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(fonts + u"/fonts.conf"_s));
         QVERIFY(QFileInfo::exists(fonts + u"/DejaVuSans.ttf"_s));
         QVERIFY(QDir().mkpath(scratch.path(u"home"_s)));
-        scratch.write(u"s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
+        scratch.write(u"work/s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
         const Ran ran = draw(scratch, fonts, u"s.srt"_s);
         QVERIFY2(ran.status == 0, qPrintable(ran.error));
         QVERIFY(brightest(ran) > surelyDrawn);
@@ -86,23 +100,34 @@ private Q_SLOTS:
 
     void ourFontIsFoundBesideTheConfiguration()
     {
-        // Nothing but our folder: what the machine has is taken out of the configuration.
         const support::Scratch scratch;
         const QString fonts = copyFonts(scratch);
-        QFile file(fonts + u"/fonts.conf"_s);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QByteArray configuration = file.readAll();
-        QVERIFY(configuration.contains("<dir>/usr/share/fonts</dir>"));
-        configuration.replace("<dir>/usr/share/fonts</dir>", "")
-            .replace("<dir>/usr/local/share/fonts</dir>", "");
-        QVERIFY(file.resize(0) && file.seek(0) && file.write(configuration) > 0);
-        file.close();
+        QVERIFY(leaveOnlyOurFolder(fonts));
         QVERIFY(QDir().mkpath(scratch.path(u"home"_s)));
-        scratch.write(u"s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
+        scratch.write(u"work/s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
         const Ran ran = draw(scratch, fonts, u"s.srt"_s);
         QVERIFY2(ran.error.contains(u"(Arial, 400, 0) -> "_s + fonts + u"/DejaVuSans.ttf"_s),
                  qPrintable(ran.error));
         QVERIFY(brightest(ran) > surelyDrawn);
+    }
+
+    void arialIsOurFontAlsoBesideOthers()
+    {
+        const support::Scratch scratch;
+        const QString fonts = copyFonts(scratch);
+        QVERIFY(leaveOnlyOurFolder(fonts));
+        QDirIterator found(u"/usr/share/fonts"_s, {u"DejaVuSansMono.ttf"_s, u"DejaVuSerif.ttf"_s},
+                           QDir::Files, QDirIterator::Subdirectories);
+        QVERIFY(found.hasNext());
+        while (found.hasNext()) {
+            const QString font = found.next();
+            QVERIFY(QFile::copy(font, fonts + u'/' + found.fileName()));
+        }
+        QVERIFY(QDir().mkpath(scratch.path(u"home"_s)));
+        scratch.write(u"work/s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
+        const Ran ran = draw(scratch, fonts, u"s.srt"_s);
+        QVERIFY2(ran.error.contains(u"(Arial, 400, 0) -> "_s + fonts + u"/DejaVuSans.ttf"_s),
+                 qPrintable(ran.error));
     }
 
     void withoutTextThePictureStaysBlack()
@@ -110,7 +135,7 @@ private Q_SLOTS:
         const support::Scratch scratch;
         const QString fonts = copyFonts(scratch);
         QVERIFY(QDir().mkpath(scratch.path(u"home"_s)));
-        scratch.write(u"s.srt"_s, "1\n00:00:01,500 --> 00:00:02,000\nLater\n");
+        scratch.write(u"work/s.srt"_s, "1\n00:00:01,500 --> 00:00:02,000\nLater\n");
         const Ran ran = draw(scratch, fonts, u"s.srt"_s);
         QVERIFY2(ran.status == 0, qPrintable(ran.error));
         QCOMPARE(brightest(ran), blackLevel);

@@ -132,10 +132,9 @@ private Q_SLOTS:
         QTest::newRow("mp4box") << u"mp4box/mp4box"_s
                                 << QByteArray("MP4Box - GPAC version 2.2.1-rev0 (c) 2000-2023")
                                 << u"2.2.1-rev0"_s;
-        QTest::newRow("mplayer") << u"mplayer/mplayer"_s
-                                 << QByteArray(
-                                        "Creating config file: /h-1.2/config\nMPlayer 1.5 (Debian), built")
-                                 << u"1.5"_s;
+        QTest::newRow("mplayer")
+            << u"mplayer/mplayer"_s
+            << QByteArray("Creating config file: /MPlayer x/config\nMPlayer 1.5 (Debian), built") << u"1.5"_s;
         QTest::newRow("atomicparsley")
             << u"atomicparsley"_s << QByteArray("AtomicParsley version: 20210715.151551.0 e7ad03a (utf8)")
             << u"20210715.151551.0"_s;

@@ -1,18 +1,19 @@
 #include "prefs/ToolArchives.h"
 #include "prefs/ToolsUnpacker.h"
 #include "support/Scratch.h"
+#include "support/Unprivileged.h"
 #include "tools/KXHelpers.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QProcess>
 #include <QTest>
 
 #include <memory>
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -123,26 +124,6 @@ void verifyWhole(const Site &site)
     }
 }
 
-/// Another user for as long as it lives, where we are root: nobody else is kept out by permissions.
-class Unprivileged final
-{
-public:
-    Unprivileged()
-    {
-        if (::geteuid() == 0)
-            m_changed = ::seteuid(65534) == 0;
-    }
-    ~Unprivileged()
-    {
-        if (m_changed && ::seteuid(0) != 0)
-            qFatal("can't be root again");
-    }
-    Q_DISABLE_COPY_MOVE(Unprivileged)
-
-private:
-    bool m_changed = false;
-};
-
 constexpr auto readOnly = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup |
                           QFile::ReadOther | QFile::ExeOther;
 constexpr auto writable = readOnly | QFile::WriteOwner;
@@ -215,6 +196,17 @@ private Q_SLOTS:
         QCOMPARE(site.listener.takeCommands(), QStringList());
         QVERIFY(
             QDir(site.folder + u"/tools"_s).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    }
+
+    void withoutArchivesNobodyIsWaitedFor()
+    {
+        const Site site;
+        QLockFile lock(site.folder + u"/tools/.unpacking.lock"_s);
+        QVERIFY(lock.lock());
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(site.unpack().isNull());
+        QVERIFY(clock.elapsed() < 5000);
     }
 
     void aNewerArchiveReplacesWhatIsThere()
@@ -310,7 +302,7 @@ private Q_SLOTS:
         closeToolsFolder(site);
         QString problem;
         {
-            const Unprivileged other;
+            const support::Unprivileged other;
             problem = site.unpack();
         }
         openToolsFolder(site);
@@ -331,7 +323,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         {
-            const Unprivileged other;
+            const support::Unprivileged other;
             problem = site.unpack();
         }
         openToolsFolder(site);

@@ -1,6 +1,7 @@
 #include "platform/DefaultsStore.h"
 
 #include "support/Scratch.h"
+#include "support/Unprivileged.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -159,6 +160,23 @@ private Q_SLOTS:
         QVERIFY(store.load().contains(path));
         QVERIFY(store.store({{u"k"_s, 1}}).contains(path));
         QVERIFY(QDir(path + u"/kept"_s).exists());
+    }
+
+    void whatIsClosedToUsIsNeverReplaced()
+    {
+        const support::Scratch scratch;
+        const QString path = scratch.write(u"d.json"_s, R"({"kept": 1})");
+        const QByteArray before = scratch.read(u"d.json"_s);
+        QVERIFY(QFile::setPermissions(path, QFile::Permissions())); // but its folder is open
+        QVERIFY(QFile::setPermissions(scratch.path(), QFile::Permissions(0x7777)));
+        QString problem;
+        {
+            const support::Unprivileged other;
+            problem = platform::JsonDefaultsStore(path).store({{u"k"_s, 1}});
+        }
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY2(problem.contains(path), qPrintable(problem));
+        QCOMPARE(scratch.read(u"d.json"_s), before);
     }
 
     void aFolderThatCannotBeMadeIsSaid()

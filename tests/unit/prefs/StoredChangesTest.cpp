@@ -66,6 +66,12 @@ private Q_SLOTS:
         QCOMPARE(prefs::merged(stored, loaded, now).toList(), expected);
     }
 
+    void whatBothAddedStandsOnce()
+    {
+        const QVariantList both{preset(u"same"_s)};
+        QCOMPARE(prefs::merged(both, QVariantList(), both).toList(), both);
+    }
+
     void whatTheOtherRemovedStaysRemoved()
     {
         const QVariantList loaded{preset(u"a"_s), preset(u"b"_s)};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <unistd.h>
+
+namespace support
+{
+
+/// Another user for as long as it lives, where we are root: root is kept out by no permissions. For
+/// everybody else it does nothing. Start no programs meanwhile.
+class Unprivileged final
+{
+  public:
+    Unprivileged()
+    {
+        if (::geteuid() == 0)
+            m_changed = ::seteuid(65534) == 0;
+    }
+    ~Unprivileged()
+    {
+        if (m_changed && ::seteuid(0) != 0)
+            qFatal("can't be root again");
+    }
+    Q_DISABLE_COPY_MOVE(Unprivileged)
+
+  private:
+    bool m_changed = false;
+};
+
+} // namespace support
