@@ -1,0 +1,89 @@
+#pragma once
+
+#include "jobs/JobContext.h"
+#include "platform/DefaultsStore.h"
+#include "platform/KXNotificationCenter.h"
+#include "platform/Volumes.h"
+#include "prefs/KXPreferences.h"
+#include "selection/KXSelection.h"
+#include "support/Scratch.h"
+#include "support/ScriptedAlerts.h"
+#include "tools/step/ConverterContext.h"
+#include "tools/step/OutputRegistry.h"
+#include "tools/step/ScratchFolder.h"
+#include "tools/step/StepLauncher.h"
+
+#include <QList>
+#include <QMap>
+
+namespace support {
+
+/// Volumes with as much room as a test says, and a list of what was asked.
+class FakeVolumes final : public platform::Volumes
+{
+public:
+    std::optional<qint64> freeSize(const QUrl &folder) const override;
+    void setFree(std::optional<qint64> bytes) { m_free = bytes; }
+    const QList<QUrl> &asked() const { return m_asked; }
+
+private:
+    std::optional<qint64> m_free = 1'000'000'000'000;
+    mutable QList<QUrl> m_asked;
+};
+
+/// Everything a job, a converter or the queue is handed, in a scratch folder of its own and with the
+/// preferences of a fresh user. Declared in the order in which the parts need each other: what a test
+/// makes from it must go first. Not to be moved.
+struct JobWorld
+{
+    enum class Tools {
+        Real, ///< the installed ones, see TestPlaces
+        Fake  ///< a "tools" folder in the scratch folder, for FakeTool
+    };
+
+    explicit JobWorld(Tools tools = Tools::Real);
+    Q_DISABLE_COPY_MOVE(JobWorld)
+
+    jobs::JobContext jobContext(step::WhenTaken whenTaken = step::WhenTaken::NextFreeName);
+    /// The same with another launcher, as a step::Rehearsal.
+    jobs::JobContext jobContext(step::WhenTaken whenTaken, step::StepLauncher &other);
+    /// For a converter without a job; its temporary folder is "temp/" in the scratch folder.
+    step::ConverterContext converterContext(step::OutputGuard &guard);
+
+    void setKeepLogs(bool keep) { preferences.overrideForThisRun(QStringLiteral("keepLogsFlag"), keep); }
+    void setSaveFolder(const QString &path) { preferences.setSaveDirectoryPath(path); }
+    /// Puts a FakeTool at that place below the tools folder ("ffmpeg/ffmpeg"); answers its location.
+    QUrl installTool(const QString &place, const QStringList &script = {}) const;
+    /// A selection for that source file, with the name fields that a probed file would give.
+    SelectionPointer selectionFor(const QString &source, const QString &jobType = {}) const;
+    /// A track of the source; its other fields are the defaults of a track.
+    static TrackPointer track(const QString &type, const QString &source, const QString &userCodec = {});
+
+    Scratch scratch;
+    platform::JsonDefaultsStore store;
+    KXPreferences preferences;
+    KXNotificationCenter notifications;
+    ScriptedAlerts alerts;
+    FakeVolumes volumes;
+    step::StepLauncher launcher;
+    step::OutputRegistry outputs;
+    step::ScratchFolder scratchFolder;
+};
+
+/// Keeps every announcement of the given names from its making on.
+class NotificationRecord final
+{
+public:
+    NotificationRecord(KXNotificationCenter &center, const QStringList &names);
+    Q_DISABLE_COPY_MOVE(NotificationRecord)
+
+    const QList<KXNotification> &all() const { return m_all; }
+    QList<KXNotification> named(const QString &name) const;
+    qsizetype count(const QString &name) const { return named(name).size(); }
+
+private:
+    QList<KXNotification> m_all;
+    std::vector<KXNotificationCenter::Subscription> m_subscriptions;
+};
+
+} // namespace support
