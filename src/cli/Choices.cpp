@@ -10,11 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 constexpr qint64 mostChannels = 8;
 
@@ -26,7 +24,8 @@ bool isPositiveNumber(const QString &text)
 qsizetype countOf(const KXSelection &selection, bool (*isIt)(const KXVideoTrack &))
 {
     const TrackList tracks = selection.trackList();
-    return std::count_if(tracks.begin(), tracks.end(), [&](const TrackPointer &track) { return isIt(*track); });
+    return std::count_if(tracks.begin(), tracks.end(),
+                         [&](const TrackPointer &track) { return isIt(*track); });
 }
 
 bool isVideo(const KXVideoTrack &track)
@@ -82,8 +81,10 @@ void Choices::readTarget(const CommandLine &line)
             return fail(u"There is no device \"%1\". The devices are: %2."_s.arg(
                 m_device, engines::targetNames().join(u", "_s)));
     }
-    const bool isMp4 = engines::outputKindNamed(engines::appNameForDevice(m_device)) == engines::OutputKind::Pollenta;
-    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4) && kind.toUpper() != m_device)
+    const bool isMp4 =
+        engines::outputKindNamed(engines::appNameForDevice(m_device)) == engines::OutputKind::Pollenta;
+    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4) &&
+        kind.toUpper() != m_device)
         return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(m_device, kind));
     if (kind == u"mkv"_s || kind == u"avi"_s)
         m_device = kind.toUpper();
@@ -101,7 +102,8 @@ void Choices::readVideo(const CommandLine &line)
         if (!isPositiveNumber(line.value(option)))
             fail(u"--%1 takes a whole number above 0, not \"%2\"."_s.arg(option, line.value(option)));
         else if (!reencodes())
-            fail(u"--%1 needs --video 1pass or 2pass: a video that passes through stays as it is."_s.arg(option));
+            fail(u"--%1 needs --video 1pass or 2pass: a video that passes through stays as it is."_s.arg(
+                option));
     }
     m_videoBitRate = line.value(u"video-bitrate"_s);
     m_width = line.value(u"width"_s);
@@ -115,7 +117,8 @@ QString Choices::readAudioSetting(const QString &word, QVariantMap &setting) con
     }
     const QStringList pieces = word.split(u':');
     if (pieces.size() != 3 || !QStringList{u"aac"_s, u"ac3"_s, u"mp3"_s}.contains(pieces.at(0)))
-        return u"\"%1\" in --audio is neither passthru nor CODEC:CHANNELS:KBPS with aac, ac3 or mp3."_s.arg(word);
+        return u"\"%1\" in --audio is neither passthru nor CODEC:CHANNELS:KBPS with aac, ac3 or mp3."_s.arg(
+            word);
     if (!isPositiveNumber(pieces.at(1)) || tools::leadingInteger(pieces.at(1)) > mostChannels)
         return u"\"%1\" in --audio is no number of channels."_s.arg(pieces.at(1));
     if (!isPositiveNumber(pieces.at(2)))
@@ -191,8 +194,19 @@ void Choices::applyTo(KXSelection &selection) const
         else if (engines::isSubtitle(*track))
             track->setUserCodec(m_subtitles);
         else if (m_audio.contains(track->trackFfmpegID()))
-            track->setUserAudioSettingsDictionaryArray(m_audio.value(track->trackFfmpegID()));
+            track->setUserAudioSettingsDictionaryArray(settingsFor(*track));
     }
+}
+
+/// A stream that passes through keeps its channels; the order of the outputs depends on them.
+AudioSettingsList Choices::settingsFor(const KXVideoTrack &track) const
+{
+    AudioSettingsList settings = m_audio.value(track.trackFfmpegID());
+    for (QVariantMap &setting : settings) {
+        if (setting.value(u"userCodec"_s) == u"passthru"_s)
+            setting.insert(u"userNumberOfChannels"_s, track.trackNumberOfChannels());
+    }
+    return settings;
 }
 
 } // namespace cli

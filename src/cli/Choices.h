@@ -9,15 +9,14 @@
 
 class KXSelection;
 
-namespace cli
-{
+namespace cli {
 
 class CommandLine;
 
 /// The choices of "convert" that were given by hand, checked as far as that goes without a file.
 class Choices final
 {
-  public:
+public:
     explicit Choices(const CommandLine &line);
 
     /// What is wrong with them; a null text when nothing is.
@@ -33,12 +32,13 @@ class Choices final
     /// True when the target carries no subtitles.
     bool targetIsAvi() const { return m_device == QStringLiteral("AVI"); }
 
-  private:
+private:
     void readTarget(const CommandLine &line);
     void readVideo(const CommandLine &line);
     void readAudio(const QStringList &values);
     QString readAudioSetting(const QString &word, QVariantMap &setting) const;
     void readSubtitles(const CommandLine &line);
+    AudioSettingsList settingsFor(const KXVideoTrack &track) const;
     bool reencodes() const { return m_video != QStringLiteral("passthru"); }
     void fail(const QString &sentence);
 

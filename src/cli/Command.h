@@ -3,8 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace cli
-{
+namespace cli {
 
 class Session;
 
@@ -28,7 +27,7 @@ inline ExitStatus worse(ExitStatus a, ExitStatus b)
 /// from it. Commands hold no state between runs.
 class Command
 {
-  public:
+public:
     virtual ~Command() = default;
     virtual QString name() const = 0;
     virtual QString summary() const = 0;

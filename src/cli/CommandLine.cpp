@@ -4,8 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
 const QList<OptionSpec> &allOptions()
 {
@@ -43,7 +42,8 @@ CommandLine::CommandLine(const QStringList &words)
         else if (optionsMayCome && word.startsWith(u"--"_s))
             takeOption(word, words, i);
         else if (optionsMayCome && word.size() > 1 && word.startsWith(u'-'))
-            m_error = u"There is no option %1. A file name that begins with \"-\" goes behind \"--\"."_s.arg(word);
+            m_error =
+                u"There is no option %1. A file name that begins with \"-\" goes behind \"--\"."_s.arg(word);
         else if (m_command.isNull())
             m_command = word;
         else

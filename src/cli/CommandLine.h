@@ -4,8 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace cli
-{
+namespace cli {
 
 /// One option as every command that takes it knows it.
 struct OptionSpec
@@ -21,7 +20,7 @@ const QList<OptionSpec> &allOptions();
 /// The words of a command line, sorted: options may stand anywhere, "--" ends them.
 class CommandLine final
 {
-  public:
+public:
     /// Words without the program's name. What is wrong with them is in error().
     explicit CommandLine(const QStringList &words);
 
@@ -34,7 +33,7 @@ class CommandLine final
     QStringList values(const QString &option) const { return m_values.value(option); }
     QStringList optionNames() const { return m_values.keys(); }
 
-  private:
+private:
     void takeOption(const QString &word, const QStringList &words, qsizetype &position);
 
     QHash<QString, QStringList> m_values;

@@ -10,11 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 QString problemWithOptions(const CommandLine &line, const Command &command)
 {
@@ -60,18 +58,20 @@ ExitStatus run(const QStringList &words)
     if (!line.error().isNull())
         return session.wrongUsage(line.error());
     if (line.has(u"version"_s)) {
-        session.console().result(versionText());
+        session.console().print(versionText() + u'\n');
         return ExitStatus::AllWell;
     }
-    const Command *command = commandNamed(line.command());
-    if (line.has(u"help"_s) || line.command() == u"help"_s) {
-        session.console().result((command != nullptr ? helpFor(*command) : generalHelp()).chopped(1));
+    const bool isHelp = line.command() == u"help"_s;
+    const Command *command = commandNamed(isHelp ? line.arguments().value(0) : line.command());
+    if (line.has(u"help"_s) || isHelp) {
+        session.console().print(command != nullptr ? helpFor(*command) : generalHelp());
         return ExitStatus::AllWell;
     }
     if (line.command().isNull())
         return session.wrongUsage(generalHelp().chopped(1));
     if (command == nullptr)
-        return session.wrongUsage(u"There is no command \"%1\". See tessaray-cli --help."_s.arg(line.command()));
+        return session.wrongUsage(
+            u"There is no command \"%1\". See tessaray-cli --help."_s.arg(line.command()));
     const QString problem = problemWithOptions(line, *command);
     if (!problem.isNull())
         return session.wrongUsage(problem);

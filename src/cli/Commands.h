@@ -5,8 +5,7 @@
 #include <memory>
 #include <vector>
 
-namespace cli
-{
+namespace cli {
 
 /// Every command, in the order in which help lists them.
 const std::vector<std::unique_ptr<Command>> &allCommands();

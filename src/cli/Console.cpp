@@ -8,11 +8,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 constexpr int sparseMs = 5000;
 constexpr int defaultColumns = 80;
@@ -21,16 +19,6 @@ void write(std::FILE *stream, const QByteArray &bytes)
 {
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
     std::fflush(stream);
-}
-
-/// Names may hold anything; a terminal must not obey them.
-QString printable(QString text)
-{
-    for (QChar &c : text) {
-        if (c.category() == QChar::Other_Control && c != u'\n' && c != u'\t')
-            c = u'?';
-    }
-    return text;
 }
 
 int terminalColumns()
@@ -45,6 +33,20 @@ bool errorIsTerminal()
 }
 
 } // namespace
+
+QString printable(QString text)
+{
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control && c != u'\n' && c != u'\t')
+            c = u'?';
+    }
+    return text;
+}
+
+void Console::print(const QString &text)
+{
+    write(stdout, text.toUtf8());
+}
 
 void Console::result(const QString &line)
 {

@@ -4,18 +4,19 @@
 #include <QJsonObject>
 #include <QString>
 
-namespace cli
-{
+namespace cli {
 
 /// The three streams of the program: results go to standard output, progress and complaints to
 /// standard error. Owned by the session.
 class Console final
 {
-  public:
+public:
     void setJson(bool on) { m_json = on; }
     void setQuiet(bool on) { m_quiet = on; }
     bool isJson() const { return m_json; }
 
+    /// A text that was asked for, such as help.
+    void print(const QString &text);
     /// A result line, with --json left out: there, standard output holds objects only.
     void result(const QString &line);
     void object(const QJsonObject &object);
@@ -26,7 +27,7 @@ class Console final
     /// Ends the live line, if one is shown.
     void endProgress();
 
-  private:
+private:
     void showLive(const QString &text);
 
     bool m_json = false;
@@ -35,5 +36,9 @@ class Console final
     QString m_lastProgress;
     QElapsedTimer m_sinceLine;
 };
+
+/// Names and titles may hold anything, and a terminal must not obey them: control characters but line
+/// feed and tab become "?".
+QString printable(QString text);
 
 } // namespace cli

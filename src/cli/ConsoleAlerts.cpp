@@ -2,8 +2,7 @@
 
 #include "cli/Console.h"
 
-namespace cli
-{
+namespace cli {
 
 ConsoleAlerts::ConsoleAlerts(Console &console)
     : m_console(console)
@@ -17,8 +16,6 @@ void ConsoleAlerts::show(const platform::AlertPointer &alert, Answered answered)
         answered(platform::firstButtonReturn + static_cast<int>(alert->buttons.size()) - 1);
 }
 
-void ConsoleAlerts::close(const platform::AlertPointer &)
-{
-}
+void ConsoleAlerts::close(const platform::AlertPointer &) {}
 
 } // namespace cli

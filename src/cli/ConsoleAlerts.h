@@ -2,8 +2,7 @@
 
 #include "platform/AlertPresenter.h"
 
-namespace cli
-{
+namespace cli {
 
 class Console;
 
@@ -11,12 +10,12 @@ class Console;
 /// last button, which changes nothing.
 class ConsoleAlerts final : public platform::AlertPresenter
 {
-  public:
+public:
     explicit ConsoleAlerts(Console &console);
     void show(const platform::AlertPointer &alert, Answered answered) override;
     void close(const platform::AlertPointer &alert) override;
 
-  private:
+private:
     Console &m_console;
 };
 

@@ -3,26 +3,29 @@
 #include "cli/Command.h"
 #include "selection/KXSelection.h"
 
-namespace cli
-{
+namespace cli {
 
 class Choices;
 
 /// Converts each file for a target.
 class ConvertCommand final : public Command
 {
-  public:
+public:
     QString name() const override { return QStringLiteral("convert"); }
-    QString summary() const override { return QStringLiteral("Convert files for a device, or into MKV or AVI."); }
+    QString summary() const override
+    {
+        return QStringLiteral("Convert files for a device, or into MKV or AVI.");
+    }
     QString arguments() const override { return QStringLiteral("FILE..."); }
     QString example() const override;
     QStringList options() const override;
     ExitStatus execute(Session &session) const override;
 
-  private:
+private:
     /// The file's selection with the choices in it. Null when the file fails; usage says whether the
     /// command line was wrong for it.
-    SelectionPointer prepared(Session &session, const QString &path, const Choices &choices, ExitStatus &status) const;
+    SelectionPointer prepared(Session &session, const QString &path, const Choices &choices,
+                              ExitStatus &status) const;
 };
 
 } // namespace cli

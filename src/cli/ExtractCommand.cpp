@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
 QStringList ExtractCommand::options() const
 {

@@ -2,13 +2,12 @@
 
 #include "cli/Command.h"
 
-namespace cli
-{
+namespace cli {
 
 /// Writes tracks of each file into files of their own.
 class ExtractCommand final : public Command
 {
-  public:
+public:
     QString name() const override { return QStringLiteral("extract"); }
     QString summary() const override { return QStringLiteral("Write tracks into files of their own."); }
     QString arguments() const override { return QStringLiteral("FILE..."); }

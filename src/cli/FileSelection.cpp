@@ -10,11 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 /// The first track when it is video, and the first audio track and subtitle.
 QStringList firstOfEachKind(const TrackList &tracks)

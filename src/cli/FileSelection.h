@@ -8,8 +8,7 @@
 
 class KXVideoFile;
 
-namespace cli
-{
+namespace cli {
 
 class Session;
 

@@ -6,11 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 constexpr int leftColumn = 34;
 
@@ -38,15 +36,15 @@ QString generalHelp()
         if (option.isGlobal)
             text += optionRow(option);
     }
-    return text
-           + u"\nExit status: 0 all well, 1 done with warnings, 2 something failed, 64 wrong usage,\n"
-              "130 interrupted, 143 terminated.\n\n"
-              "Example: tessaray-cli convert film.mkv --device \"PS3\"\n"_s;
+    return text + u"\nExit status: 0 all well, 1 done with warnings, 2 something failed, 64 wrong usage,\n"
+                  "130 interrupted, 143 terminated.\n\n"
+                  "Example: tessaray-cli convert film.mkv --device \"PS3\"\n"_s;
 }
 
 QString helpFor(const Command &command)
 {
-    QString text = u"Usage: tessaray-cli %1 %2\n\n%3\n"_s.arg(command.name(), command.arguments(), command.summary());
+    QString text =
+        u"Usage: tessaray-cli %1 %2\n\n%3\n"_s.arg(command.name(), command.arguments(), command.summary());
     if (!command.options().isEmpty())
         text += u"\nOptions:\n"_s;
     for (const OptionSpec &option : allOptions()) {

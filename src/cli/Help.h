@@ -2,8 +2,7 @@
 
 #include <QString>
 
-namespace cli
-{
+namespace cli {
 
 class Command;
 

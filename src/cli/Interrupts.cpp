@@ -4,11 +4,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 // A signal handler can reach nothing but this.
 int pipeEnds[2] = {-1, -1};

@@ -7,8 +7,7 @@
 
 #include <memory>
 
-namespace cli
-{
+namespace cli {
 
 /// Turns the first interrupt or terminate signal into a Qt signal; the second one ends the program at
 /// once. One per program.
@@ -16,7 +15,7 @@ class Interrupts final : public QObject
 {
     Q_OBJECT
 
-  public:
+public:
     Interrupts();
     ~Interrupts() override;
 
@@ -25,10 +24,10 @@ class Interrupts final : public QObject
     /// Set when a signal came: ends the waits of whoever holds it.
     const tools::StopFlag &flag() const { return m_flag; }
 
-  Q_SIGNALS:
+Q_SIGNALS:
     void interrupted();
 
-  private:
+private:
     void wake();
 
     std::unique_ptr<QSocketNotifier> m_notifier;

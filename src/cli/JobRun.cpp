@@ -10,11 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 ExitStatus statusOf(step::Verdict verdict)
 {
@@ -168,12 +166,9 @@ void JobRun::stop()
 
 void JobRun::sendEvent(const QString &event, const KXJob &job, QJsonObject more)
 {
-    QJsonObject object{{u"event"_s, event},
-                       {u"job"_s, numberOf(job)},
-                       {u"fileName"_s, job.jobFileName()},
-                       {u"jobType"_s, job.jobType()},
-                       {u"step"_s, QJsonValue()},
-                       {u"progress"_s, QJsonValue()}};
+    QJsonObject object{
+        {u"event"_s, event},           {u"job"_s, numberOf(job)}, {u"fileName"_s, job.jobFileName()},
+        {u"jobType"_s, job.jobType()}, {u"step"_s, QJsonValue()}, {u"progress"_s, QJsonValue()}};
     for (auto item = more.begin(); item != more.end(); ++item)
         object.insert(item.key(), item.value());
     m_session.console().object(object);

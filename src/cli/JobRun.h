@@ -7,8 +7,7 @@
 #include <QJsonObject>
 #include <QObject>
 
-namespace cli
-{
+namespace cli {
 
 class Session;
 
@@ -17,7 +16,7 @@ class JobRun final : public QObject
 {
     Q_OBJECT
 
-  public:
+public:
     explicit JobRun(Session &session);
 
     /// Puts a selection into the queue; false when no job class takes it.
@@ -25,7 +24,7 @@ class JobRun final : public QObject
     /// Returns when every job has ended or the program was interrupted; the worst outcome counts.
     ExitStatus run();
 
-  private:
+private:
     void progressed(const KXNotification &notification);
     void changed(int row);
     void finished(const KXJob &job);

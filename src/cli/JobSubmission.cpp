@@ -8,11 +8,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 /// Without a save folder results go next to the source, which must then be writable.
 QString folderProblem(Session &session, const KXSelection &selection)
@@ -26,7 +24,8 @@ QString folderProblem(Session &session, const KXSelection &selection)
            "Either move the file, change the save location, or edit the permissions for the output folder."_s;
 }
 
-QList<SelectionPointer> makeSelections(Session &session, const SelectionMaker &makeSelection, ExitStatus &worst)
+QList<SelectionPointer> makeSelections(Session &session, const SelectionMaker &makeSelection,
+                                       ExitStatus &worst)
 {
     QList<SelectionPointer> selections;
     for (const QString &argument : session.line().arguments()) {
@@ -66,7 +65,8 @@ ExitStatus runAll(Session &session, const QList<SelectionPointer> &selections)
 ExitStatus submitEachFile(Session &session, const SelectionMaker &makeSelection)
 {
     if (session.line().arguments().isEmpty())
-        return session.wrongUsage(u"No file was named. See tessaray-cli %1 --help."_s.arg(session.line().command()));
+        return session.wrongUsage(
+            u"No file was named. See tessaray-cli %1 --help."_s.arg(session.line().command()));
     const QString problem = session.saveFolderProblem();
     if (!problem.isNull())
         return session.failed(problem);

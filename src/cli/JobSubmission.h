@@ -5,8 +5,7 @@
 
 #include <functional>
 
-namespace cli
-{
+namespace cli {
 
 class Session;
 

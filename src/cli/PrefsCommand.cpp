@@ -6,11 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 const QString watchFolderKey = u"watchFolder"_s;
 

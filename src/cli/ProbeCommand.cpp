@@ -9,11 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 QString trackLine(const KXVideoTrack &track)
 {
@@ -21,13 +19,14 @@ QString trackLine(const KXVideoTrack &track)
                                                  track.trackLanguage(), track.trackTitle());
     if (track.trackBitRate() != u"0"_s)
         line += u"  %1 kb/s"_s.arg(track.trackBitRate());
-    return line;
+    return printable(line);
 }
 
 void show(Console &console, const QString &path, const KXVideoFile &file)
 {
     console.result(path);
-    console.result(u"  %1 x %2, %3 frames/s, %4"_s.arg(file.theWidth(), file.theHeight(), file.theFPS(), file.codecProfile()));
+    console.result(u"  %1 x %2, %3 frames/s, %4"_s.arg(file.theWidth(), file.theHeight(), file.theFPS(),
+                                                       file.codecProfile()));
     for (const TrackPointer &track : file.trackList())
         console.result(trackLine(*track));
 }

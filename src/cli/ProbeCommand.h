@@ -2,13 +2,12 @@
 
 #include "cli/Command.h"
 
-namespace cli
-{
+namespace cli {
 
 /// Shows what each file holds.
 class ProbeCommand final : public Command
 {
-  public:
+public:
     QString name() const override { return QStringLiteral("probe"); }
     QString summary() const override { return QStringLiteral("Show what each file holds."); }
     QString arguments() const override { return QStringLiteral("FILE..."); }

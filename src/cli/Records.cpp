@@ -7,11 +7,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 QJsonValue jsonOf(const QVariant &value)
 {

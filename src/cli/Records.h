@@ -5,8 +5,7 @@
 class KXVideoFile;
 class KXVideoTrack;
 
-namespace cli
-{
+namespace cli {
 
 /// Every field word of the file that is copied between files; texts as texts, flags as booleans,
 /// locations as paths, an absent value as null.

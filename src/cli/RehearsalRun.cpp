@@ -8,11 +8,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 QJsonArray wordsOf(const tools::OptionList &list)
 {

@@ -5,8 +5,7 @@
 #include <QList>
 #include <QString>
 
-namespace cli
-{
+namespace cli {
 
 class Session;
 
@@ -14,7 +13,7 @@ class Session;
 /// runs where two of them would write the same file.
 class RehearsalRun final
 {
-  public:
+public:
     explicit RehearsalRun(Session &session);
 
     /// Prints the commands of these selections' jobs; false when a job would refuse to start.
@@ -22,7 +21,7 @@ class RehearsalRun final
     /// A sentence about two jobs that want one output; a null text when there are none.
     QString clash(const QList<SelectionPointer> &selections);
 
-  private:
+private:
     Session &m_session;
 };
 

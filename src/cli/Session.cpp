@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
 Session::Session(const CommandLine &line)
     : m_line(line)

@@ -9,14 +9,13 @@
 
 #include <memory>
 
-namespace cli
-{
+namespace cli {
 
 /// One run of the program: its command line, its streams, its signals, and the program behind it,
 /// which is made when the first command asks for it.
 class Session final
 {
-  public:
+public:
     explicit Session(const CommandLine &line);
 
     const CommandLine &line() const { return m_line; }
@@ -33,7 +32,7 @@ class Session final
     /// Why the save folder that is set can't be used; a null text when it can, or none is set.
     QString saveFolderProblem();
 
-  private:
+private:
     void applyOptions();
 
     CommandLine m_line;

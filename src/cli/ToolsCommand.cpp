@@ -5,15 +5,15 @@
 
 using namespace Qt::StringLiterals;
 
-namespace cli
-{
+namespace cli {
 
-namespace
-{
+namespace {
 
 QJsonObject objectOf(const prefs::ToolReport &report)
 {
-    const auto textOrNull = [](const QString &text) { return text.isNull() ? QJsonValue() : QJsonValue(text); };
+    const auto textOrNull = [](const QString &text) {
+        return text.isNull() ? QJsonValue() : QJsonValue(text);
+    };
     return {{u"tool"_s, report.name},
             {u"location"_s, report.location.toLocalFile()},
             {u"program"_s, textOrNull(report.program)},

@@ -2,15 +2,17 @@
 
 #include "cli/Command.h"
 
-namespace cli
-{
+namespace cli {
 
 /// Shows each tool: where it is, its version, and what is off without it.
 class ToolsCommand final : public Command
 {
-  public:
+public:
     QString name() const override { return QStringLiteral("tools"); }
-    QString summary() const override { return QStringLiteral("Show the tools, and what a missing one switches off."); }
+    QString summary() const override
+    {
+        return QStringLiteral("Show the tools, and what a missing one switches off.");
+    }
     QString arguments() const override { return {}; }
     QString example() const override { return QStringLiteral("tessaray-cli tools"); }
     ExitStatus execute(Session &session) const override;

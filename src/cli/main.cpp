@@ -6,8 +6,7 @@
 
 #include <cstdio>
 
-namespace
-{
+namespace {
 
 /// Names that are not UTF-8 would reach the tools as other names, so they are refused.
 bool areUtf8(int count, char **words)
@@ -29,7 +28,9 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tessaray"));
     if (!areUtf8(argc, argv)) {
-        std::fputs("A word of the command line is not UTF-8; a file with such a name must be renamed first.\n", stderr);
+        std::fputs(
+            "A word of the command line is not UTF-8; a file with such a name must be renamed first.\n",
+            stderr);
         return static_cast<int>(cli::ExitStatus::WrongUsage);
     }
     return static_cast<int>(cli::run(QCoreApplication::arguments().mid(1)));

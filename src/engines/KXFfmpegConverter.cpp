@@ -86,10 +86,23 @@ tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const S
     setOptionArray2(lists.second);
     setCurrentPass(lists.currentPass);
     m_isShellLine = false;
+    noteSubtitlesWithoutPlace();
     const auto task =
         runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
     setOldProgress(u"00:00:00"_s);
     return task;
+}
+
+/// An AVI carries no subtitles; whoever chose one should hear of it.
+void KXFfmpegConverter::noteSubtitlesWithoutPlace()
+{
+    if (engines::outputKindNamed(appName()) != OutputKind::Marbleon || !isEmpty(subToBurnURL()))
+        return;
+    for (const TrackPointer &track : converterSelection()->trackList()) {
+        if (engines::isSubtitle(*track) && track->userCodec() == u"mux"_s)
+            m_warnings.append(
+                u"An AVI carries no subtitles, so track %1 was left out."_s.arg(track->trackFfmpegID()));
+    }
 }
 
 tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
@@ -99,6 +112,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
     m_isShellLine = false;
     m_startsSecondPass = true;
     m_progress.clear();
+    m_lastTime.clear();
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
 }
 
@@ -112,6 +126,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
     m_generatesTimestamps = true;
     m_startsSecondPass = false;
     m_progress.clear();
+    m_lastTime.clear();
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
 }
 

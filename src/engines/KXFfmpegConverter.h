@@ -41,6 +41,7 @@ protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
 
 private:
+    void noteSubtitlesWithoutPlace();
     void prepareNames(const QUrl &wantedOutput);
     QUrl wantedOutput() const;
     bool fontCacheIsThere() const;
@@ -50,6 +51,7 @@ private:
     void removeInterruptedStatistics();
 
     step::FfmpegProgressReader m_progress;
+    QString m_lastTime; ///< of the run, also while the fonts are being prepared
     QStringList m_warnings;
     /// A retry of a two-pass run: pass 1 runs again although currentPass() stays 2.
     bool m_repeatsFirstPass = false;

@@ -40,6 +40,8 @@ void KXFfmpegConverter::handleNewTaskResult(const step::ReadEvent &event)
     if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty())
         return;
     const step::FfmpegReading reading = m_progress.feed(event.data);
+    if (!reading.time.isNull())
+        m_lastTime = reading.time;
     if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
         post(monitorName, u"Initializing Fontconfig"_s);
         return;
@@ -111,7 +113,7 @@ step::Outcome KXFfmpegConverter::outcome() const
         return step::Outcome::failed(refusal());
     engines::FfmpegRun run;
     run.log = logString();
-    run.lastTime = oldProgress();
+    run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
     run.hasVideo = converterSelection() && hasVideo(*converterSelection());
     step::Outcome ended = outcomeOfTool();

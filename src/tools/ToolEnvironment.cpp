@@ -84,6 +84,7 @@ QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &argu
 QProcessEnvironment shellEnvironment(const QUrl &tool)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(u"AV_LOG_FORCE_COLOR"_s); // colours would hide ffmpeg's lines from their readers
     if (toolFamily(tool) == ToolFamily::Mkv)
         environment.insert(u"LC_ALL"_s, mkvLocale());
     return environment;

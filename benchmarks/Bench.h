@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace bench {
+
+/// Seconds that the work takes.
+double seconds(const std::function<void()> &work);
+double median(QList<double> values);
+/// Runs a program to its end; false when it did not exit with 0. Its output is thrown away.
+bool runQuietly(const QString &program, const QStringList &arguments);
+void say(const QString &line);
+
+/// `convert` beside the bare ffmpeg command that it launched, alternating.
+int convert(const QString &twin, const QString &clip, int rounds);
+/// A probe beside the same ffprobe lines run by hand, alternating.
+int probe(const QString &resources, const QString &clip, int rounds);
+/// Progress reading in MB/s on recorded output of several sizes.
+int reading();
+/// Start-up time and peak memory of the command-line program.
+int start(const QString &twin, const QString &clip, int rounds);
+
+} // namespace bench

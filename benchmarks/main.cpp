@@ -1,0 +1,23 @@
+#include "Bench.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments().mid(1);
+    const QString what = words.value(0);
+    if (what == u"convert"_s && words.size() == 4)
+        return bench::convert(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"probe"_s && words.size() == 4)
+        return bench::probe(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"reading"_s && words.size() == 1)
+        return bench::reading();
+    if (what == u"start"_s && words.size() == 4)
+        return bench::start(words.at(1), words.at(2), words.at(3).toInt());
+    bench::say(u"usage: tessaray-bench convert TWIN CLIP ROUNDS | probe RESOURCES CLIP ROUNDS | reading | "
+               "start TWIN CLIP ROUNDS"_s);
+    return 64;
+}
