@@ -4,14 +4,13 @@
 
 #include <unistd.h>
 
-namespace support
-{
+namespace support {
 
 /// Another user for as long as it lives, where we are root: root is kept out by no permissions. For
 /// everybody else it does nothing. Start no programs meanwhile.
 class Unprivileged final
 {
-  public:
+public:
     Unprivileged()
     {
         if (::geteuid() == 0)
@@ -24,7 +23,7 @@ class Unprivileged final
     }
     Q_DISABLE_COPY_MOVE(Unprivileged)
 
-  private:
+private:
     bool m_changed = false;
 };
 

@@ -121,7 +121,7 @@ private Q_SLOTS:
         QVERIFY(found.hasNext());
         while (found.hasNext()) {
             const QString font = found.next();
-            QVERIFY(QFile::copy(font, fonts + u'/' + found.fileName()));
+            QVERIFY(QFile::copy(font, fonts + u"/0-"_s + found.fileName())); // first in order
         }
         QVERIFY(QDir().mkpath(scratch.path(u"home"_s)));
         scratch.write(u"work/s.srt"_s, "1\n00:00:00,000 --> 00:00:02,000\nHello\n");
