@@ -1,0 +1,30 @@
+#pragma once
+
+#include "selection/KXSelection.h"
+#include "tools/OptionItem.h"
+
+namespace support {
+
+// Tracks and selections made by hand, for tests that need no file behind them. The source is
+// "/v/a.mkv", 1920x1080; every track is English, and its title is its type and stream: "Audio1".
+
+/// Stream 0, h264.
+TrackPointer videoTrack(const QString &userCodec = QStringLiteral("h264"));
+/// An audio stream of the source with one output.
+TrackPointer audioTrack(const QString &stream, const QString &codec, const QString &channels,
+                        const QVariantMap &settings);
+/// A subtitle stream of the source.
+TrackPointer subtitleTrack(const QString &stream, const QString &codec,
+                           const QString &userCodec = QStringLiteral("mux"));
+/// Turns a track into one that is alone in a file of its own.
+TrackPointer external(const TrackPointer &track, const QString &path);
+
+QVariantMap audioSettings(const QString &codec, const QString &channels = {}, const QString &rate = {});
+
+SelectionPointer handMadeSelection(const QString &device, const TrackList &tracks,
+                                   const QString &passes = QStringLiteral("1"));
+
+/// The words of a line in which no word holds a blank: "-map 0:0 -vcodec copy".
+QStringList words(const QString &line);
+
+} // namespace support

@@ -1,0 +1,191 @@
+#include "engines/FfmpegDevices.h"
+#include "support/HandMade.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace engines;
+
+namespace {
+
+void rowsForBitRate(const char *device, int cap)
+{
+    const auto row = [&](int asked, int given) {
+        QTest::addRow("%s, %d kb/s", device, asked)
+            << QString::fromLatin1(device) << QString::number(asked) << QString::number(given);
+    };
+    row(cap - 1, cap - 1);
+    row(cap, cap);
+    row(cap + 1, cap);
+    row(25000, cap);
+}
+
+void rowsForWidth(const char *device, int cap)
+{
+    const auto row = [&](int asked, int given) {
+        QTest::addRow("%s, %d pixels", device, asked)
+            << QString::fromLatin1(device) << QString::number(asked) << QString::number(given);
+    };
+    row(cap - 1, cap - 1);
+    row(cap, cap);
+    row(cap + 1, cap);
+    row(7680, cap);
+}
+
+} // namespace
+
+class FfmpegDevicesTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theThirteenDevicesStandInOrder()
+    {
+        const QStringList devices{u"iPod (All non-Touch)"_s,
+                                  u"iPhone (3 and Earlier)"_s,
+                                  u"iPod Touch (3 and Earlier)"_s,
+                                  u"iPad (2 and Earlier)"_s,
+                                  u"Apple TV 2"_s,
+                                  u"iPhone 4"_s,
+                                  u"iPod Touch (4 and Later)"_s,
+                                  u"Apple TV (3 and Later)"_s,
+                                  u"iPad (3 and Later)"_s,
+                                  u"iPad Mini (All)"_s,
+                                  u"iPhone (4S and Later)"_s,
+                                  u"PS3"_s,
+                                  u"Xbox"_s};
+        QCOMPARE(deviceNames(), devices);
+        QCOMPARE(targetNames(), QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
+    }
+
+    void levels_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("arguments");
+        const auto row = [](const char *device, const QString &arguments) {
+            QTest::newRow(device) << QString::fromLatin1(device) << arguments;
+        };
+        row("iPod (All non-Touch)", u"-level 30"_s);
+        row("iPhone (3 and Earlier)", u"-level 30"_s);
+        row("iPod Touch (3 and Earlier)", u"-level 30"_s);
+        row("iPad (2 and Earlier)", u"-level 31"_s);
+        row("Apple TV 2", u"-level 31"_s);
+        row("iPhone 4", u"-level 31"_s);
+        row("iPod Touch (4 and Later)", u"-level 31"_s);
+        row("Apple TV (3 and Later)", u"-level 41 -level 40"_s); // both, in this order, on purpose
+        row("iPad (3 and Later)", u"-level 41"_s);
+        row("iPad Mini (All)", u"-level 41"_s);
+        row("iPhone (4S and Later)", u"-level 41"_s);
+        row("PS3", u"-level 41"_s);
+        row("Xbox", u"-level 41"_s);
+        row("General", {});
+        row("none", {});
+        row("", {});
+        row("MKV", {});
+        row("ps3", {}); // the exact text only
+        row("iPhone 4 ", {});
+        row("iPhone", {});
+    }
+
+    void levels()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, arguments);
+        const auto selection = support::handMadeSelection(device, {});
+        QCOMPARE(applyDeviceRule(*selection), support::words(arguments));
+    }
+
+    void bitRatesAreCapped_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<QString>("given");
+        for (const char *device :
+             {"iPod (All non-Touch)", "iPhone (3 and Earlier)", "iPod Touch (3 and Earlier)"})
+            rowsForBitRate(device, 1500);
+        for (const char *device :
+             {"Apple TV (3 and Later)", "iPad (3 and Later)", "iPad Mini (All)", "iPhone (4S and Later)"})
+            rowsForBitRate(device, 20000);
+        for (const char *device : {"PS3", "Xbox"})
+            rowsForBitRate(device, 15000);
+        for (const char *device : {"iPad (2 and Earlier)", "Apple TV 2", "iPhone 4",
+                                   "iPod Touch (4 and Later)", "General", "none", "MKV", "AVI"})
+            QTest::addRow("%s has no cap", device) << QString::fromLatin1(device) << u"99999"_s << u"99999"_s;
+    }
+
+    void bitRatesAreCapped()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, asked);
+        QFETCH(QString, given);
+        const auto selection = support::handMadeSelection(device, {});
+        selection->setUserVideoBitRate(asked);
+        applyDeviceRule(*selection);
+        QCOMPARE(selection->userVideoBitRate(), given);
+    }
+
+    void widthsAreCapped_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<QString>("given");
+        for (const char *device :
+             {"iPod (All non-Touch)", "iPhone (3 and Earlier)", "iPod Touch (3 and Earlier)"})
+            rowsForWidth(device, 720);
+        for (const char *device :
+             {"iPad (2 and Earlier)", "Apple TV 2", "iPhone 4", "iPod Touch (4 and Later)"})
+            rowsForWidth(device, 1280);
+        for (const char *device :
+             {"Apple TV (3 and Later)", "iPad (3 and Later)", "iPad Mini (All)", "iPhone (4S and Later)"})
+            rowsForWidth(device, 1920);
+        for (const char *device : {"PS3", "Xbox", "General", "none", "MKV", "AVI"})
+            QTest::addRow("%s has no cap", device) << QString::fromLatin1(device) << u"7680"_s << u"7680"_s;
+    }
+
+    void widthsAreCapped()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, asked);
+        QFETCH(QString, given);
+        const auto selection = support::handMadeSelection(device, {});
+        selection->setUserWidth(asked);
+        applyDeviceRule(*selection);
+        QCOMPARE(selection->userWidth(), given);
+    }
+
+    void theTargetDecidesTheKindOfFile_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("appName");
+        QTest::addColumn<int>("kind");
+        const auto row = [](const char *target, const QString &appName, OutputKind kind) {
+            QTest::newRow(target) << QString::fromLatin1(target) << appName << static_cast<int>(kind);
+        };
+        row("MKV", u"Tessaray"_s, OutputKind::Tessaray);
+        row("AVI", u"Marbleon"_s, OutputKind::Marbleon);
+        row("General", u"Pollenta"_s, OutputKind::Pollenta);
+        row("PS3", u"Pollenta"_s, OutputKind::Pollenta);
+        row("none", u"Pollenta"_s, OutputKind::Pollenta);
+        row("mkv", u"Pollenta"_s, OutputKind::Pollenta);
+        row("Toaster", u"Pollenta"_s, OutputKind::Pollenta);
+        row("", u"Pollenta"_s, OutputKind::Pollenta);
+    }
+
+    void theTargetDecidesTheKindOfFile()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, appName);
+        QFETCH(int, kind);
+        QCOMPARE(appNameForDevice(target), appName);
+        QCOMPARE(static_cast<int>(outputKindNamed(appName)), kind);
+    }
+
+    void anyOtherNameIsNoKind()
+    {
+        QVERIFY(outputKindNamed(u"pollenta"_s) == OutputKind::Unknown);
+        QVERIFY(outputKindNamed({}) == OutputKind::Unknown);
+    }
+};
+
+QTEST_GUILESS_MAIN(FfmpegDevicesTest)
+#include "FfmpegDevicesTest.moc"

@@ -1,0 +1,135 @@
+#include "engines/FfmpegOutcome.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace engines;
+using step::Verdict;
+
+namespace {
+
+FfmpegRun whole(const QString &log)
+{
+    FfmpegRun run;
+    run.log = log;
+    run.lastTime = u"00:02:00.00"_s;
+    run.durationInSeconds = u"120"_s;
+    run.hasVideo = true;
+    return run;
+}
+
+const QString usual = u"Input #0, matroska,webm, from '/v/a.mkv':\n  Duration: 00:02:00.00\n"
+                      "frame=   74 fps=0.0 q=21.0 size=       0kB time=00:02:00.00 bitrate=   0.1kbits/s\r"_s;
+
+} // namespace
+
+class FfmpegOutcomeTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aWholeRunIsOk()
+    {
+        const auto outcome = outcomeOfMessages(whole(usual));
+        QCOMPARE(outcome.verdict, Verdict::Ok);
+        QVERIFY(outcome.sentence.isEmpty());
+    }
+
+    void aFullDiskIsAFailure()
+    {
+        const auto outcome =
+            outcomeOfMessages(whole(usual + u"\nav_interleaved_write_frame(): No space left on device\n"_s));
+        QCOMPARE(outcome.verdict, Verdict::Failed);
+        QCOMPARE(outcome.sentence, u"There was no space left for the output."_s);
+    }
+
+    void aDamagedSourceIsAWarning_data()
+    {
+        QTest::addColumn<QString>("line");
+        for (const QString &line : {u"[matroska,webm @ 0x1] File ended prematurely"_s,
+                                    u"/v/a.mp4: stream 0, offset 0x1: partial file"_s,
+                                    u"Error while decoding stream #0:0: Invalid data"_s,
+                                    u"/v/a.mkv: Invalid data found when processing input"_s})
+            QTest::newRow(qPrintable(line)) << line;
+    }
+
+    void aDamagedSourceIsAWarning()
+    {
+        QFETCH(QString, line);
+        const auto outcome = outcomeOfMessages(whole(usual + u'\n' + line + u'\n'));
+        QCOMPARE(outcome.verdict, Verdict::Warnings);
+        QCOMPARE(outcome.sentence, u"The source seems damaged: "_s + line + u'.');
+    }
+
+    /// The banner repeats titles, indented.
+    void titlesNeverCount()
+    {
+        const QString banner = u"  Metadata:\n    title           : No space left on device\n"
+                               "                    : File ended prematurely\n"
+                               "    comment         : packet with unknown timestamp\n"_s;
+        QCOMPARE(outcomeOfMessages(whole(banner + usual)).verdict, Verdict::Ok);
+        QVERIFY(!hasTimestampError(banner));
+    }
+
+    void aShortResultIsAWarning_data()
+    {
+        QTest::addColumn<QString>("done");
+        QTest::addColumn<QString>("duration");
+        QTest::addColumn<bool>("hasVideo");
+        QTest::addColumn<bool>("isShort");
+        const auto row = [](const char *name, const char *done, const char *duration, bool video,
+                            bool isShort) {
+            QTest::newRow(name) << QString::fromLatin1(done) << QString::fromLatin1(duration) << video
+                                << isShort;
+        };
+        row("just under nine tenths", "00:01:47.99", "120", true, true);
+        row("nine tenths", "00:01:48.00", "120", true, false);
+        row("longer than the source", "00:03:00.00", "120", true, false);
+        row("two seconds of a short clip", "00:00:02.00", "4", true, false);
+        row("three seconds of a short clip", "00:00:01.00", "4", true, true);
+        row("no video", "00:00:10.00", "120", false, false);
+        row("no time at all", "", "120", true, false);
+        row("duration not known", "00:00:10.00", "0", true, false);
+        row("duration absent", "00:00:10.00", "", true, false);
+    }
+
+    void aShortResultIsAWarning()
+    {
+        QFETCH(QString, done);
+        QFETCH(QString, duration);
+        QFETCH(bool, hasVideo);
+        QFETCH(bool, isShort);
+        FfmpegRun run = whole(usual);
+        run.lastTime = done;
+        run.durationInSeconds = duration;
+        run.hasVideo = hasVideo;
+        QCOMPARE(outcomeOfMessages(run).verdict, isShort ? Verdict::Warnings : Verdict::Ok);
+    }
+
+    void aShortResultNamesBothLengths()
+    {
+        FfmpegRun run = whole(usual);
+        run.lastTime = u"00:00:10.00"_s;
+        QCOMPARE(outcomeOfMessages(run).sentence, u"The output ends at 10 s, the source is 120 s long."_s);
+    }
+
+    void bothWarningsAreTold()
+    {
+        FfmpegRun run = whole(usual + u"\n[matroska,webm @ 0x1] File ended prematurely\n"_s);
+        run.lastTime = u"00:00:10.00"_s;
+        const auto outcome = outcomeOfMessages(run);
+        QVERIFY(outcome.sentence.contains(u"damaged"_s));
+        QVERIFY(outcome.sentence.contains(u"120 s long"_s));
+    }
+
+    void missingTimestampsAreFound()
+    {
+        QVERIFY(
+            hasTimestampError(usual + u"\n[matroska @ 0x1] Can't write packet with unknown timestamp\n"_s));
+        QVERIFY(!hasTimestampError(usual));
+        QVERIFY(!hasTimestampError({}));
+    }
+};
+
+QTEST_GUILESS_MAIN(FfmpegOutcomeTest)
+#include "FfmpegOutcomeTest.moc"
