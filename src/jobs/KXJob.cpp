@@ -20,7 +20,8 @@ QList<QUrl> inputsOf(const KXSelection &selection)
 {
     QList<QUrl> inputs{selection.videoTrackFileURL()};
     inputs += selection.editFilesURLsList();
-    for (const TrackList &tracks : {selection.trackList(), selection.addedAudioTrackList()}) {
+    for (const TrackList &tracks :
+         {selection.trackList(), selection.addedAudioTrackList(), selection.keepTracksList()}) {
         for (const TrackPointer &track : tracks)
             inputs.append(track->trackFileURL());
     }

@@ -113,6 +113,7 @@ private:
     void writeOutcomeToLogs();
     void deleteFiles(const QList<QUrl> &files);
     void deleteUnfinishedOutputs();
+    bool isOurs(const QUrl &output) const;
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
     void checkFreeSpace();

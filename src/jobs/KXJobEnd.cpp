@@ -20,6 +20,11 @@ constexpr qint64 almostFull = 999'999;
 constexpr auto freeSpaceAlertTime = std::chrono::seconds(10);
 constexpr int endOfKilledToolMs = 1000;
 
+QString keptSentence(const QUrl &output)
+{
+    return u" The incomplete output %1 was kept."_s.arg(output.toLocalFile());
+}
+
 } // namespace
 
 void KXJob::pauseJob()
@@ -125,11 +130,10 @@ step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
         if (wasStarted && QFileInfo::exists(converter.logFileURL().toLocalFile()))
             outcome.sentence += u" The log is %1."_s.arg(converter.logFileURL().toLocalFile());
         const QFileInfo output(converter.outputFileURL().toLocalFile());
-        if (wasStarted && output.exists() && output.size() == 0 &&
-            m_guard.mayDelete(converter.outputFileURL()))
+        if (wasStarted && output.exists() && output.size() == 0 && isOurs(converter.outputFileURL()))
             QFile::remove(output.filePath());
-        else if (wasStarted && output.exists())
-            outcome.sentence += u" The incomplete output %1 was kept."_s.arg(output.filePath());
+        else if (wasStarted && output.exists() && !converter.isTemporaryOutput())
+            outcome.sentence += keptSentence(converter.outputFileURL());
     } else if (!converter.isTemporaryOutput()) {
         m_outputs.append(converter.outputFileURL());
     }
@@ -146,7 +150,7 @@ void KXJob::settleOutcome()
         m_outcome = step::Outcome::ok();
     if (m_outcome.verdict == step::Verdict::Failed) {
         for (const auto &[place, incomplete] : m_guard.putBackReplaced())
-            m_outcome.sentence.replace(place.toLocalFile(), incomplete.toLocalFile());
+            m_outcome.sentence.replace(keptSentence(place), keptSentence(incomplete));
     } else {
         m_guard.forgetReplaced();
     }
@@ -172,13 +176,19 @@ void KXJob::deleteFiles(const QList<QUrl> &files)
     }
 }
 
+/// A name that was refused is no output of ours, even if the step ran under another name before.
+bool KXJob::isOurs(const QUrl &output) const
+{
+    return m_guard.mayDelete(output) && m_guard.hasClaimed(output);
+}
+
 void KXJob::deleteUnfinishedOutputs()
 {
     for (qsizetype i = 0; i < m_stepConverterList.size(); ++i) {
         const auto &converter = m_stepConverterList.at(i);
         const bool finished = i < m_progressList.size() && m_progressList.at(i).isComplete();
         const bool started = converter && (converter->converterTask() || !converter->doShell_ID().isEmpty());
-        if (started && !finished && m_guard.mayDelete(converter->outputFileURL()))
+        if (started && !finished && isOurs(converter->outputFileURL()))
             QFile::remove(converter->outputFileURL().toLocalFile());
     }
 }

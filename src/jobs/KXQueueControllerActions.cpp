@@ -85,9 +85,10 @@ void KXQueueController::quitJobAlertClosedReturnCode(int returnCode)
     if (!asked || asked != m_currentJob || !m_jobIsRunning)
         return;
     if (returnCode == platform::firstButtonReturn)
-        stopCurrentJob();
-    else if (returnCode == platform::secondButtonReturn)
-        m_currentJob->resumeJob();
+        return stopCurrentJob();
+    if (returnCode != platform::secondButtonReturn)
+        return;
+    m_currentJob->resumeJob();
     setPauseButtonTitle(u"Pause"_s);
 }
 

@@ -11,17 +11,20 @@ namespace step {
 
 namespace {
 
-void readLine(const QString &line, FfmpegReading &reading)
+/// "[mp4 @ 0x55c5] Starting second pass: moving the moov atom to the beginning of the file", with or
+/// without its head. Such words elsewhere in a line are somebody's file name.
+bool tellsOfMoov(const QString &line)
 {
-    if (isStatusLine(line)) {
-        const QString time = timeInStatusLine(line);
-        if (!time.isNull()) {
-            reading.time = time;
-            reading.movesMoov = false;
-        }
-    } else if (line.contains(u"moving the moov atom"_s) && !line.startsWith(u' ')) {
-        reading.movesMoov = true;
-    }
+    const QString own = line.startsWith(u'[') ? line.section(u"] "_s, 1) : line;
+    return own.startsWith(u"moving the moov atom"_s) ||
+           own.startsWith(u"Starting second pass: moving the moov atom"_s);
+}
+
+FfmpegReading saidBy(const QString &line)
+{
+    if (isStatusLine(line))
+        return {timeInStatusLine(line), false};
+    return {QString(), tellsOfMoov(line)};
 }
 
 } // namespace
@@ -29,17 +32,37 @@ void readLine(const QString &line, FfmpegReading &reading)
 FfmpegReading FfmpegProgressReader::feed(const QByteArray &chunk)
 {
     FfmpegReading reading;
-    for (const QString &line : m_lines.feed(chunk))
-        readLine(line, reading);
-    readLine(m_lines.rest(), reading);
+    for (const QString &line : m_lines.feed(chunk)) {
+        hear(line, reading);
+        m_saidByRest = {};
+    }
+    hear(m_lines.rest(), reading);
     return reading;
+}
+
+void FfmpegProgressReader::hear(const QString &line, FfmpegReading &reading)
+{
+    const FfmpegReading said = saidBy(line);
+    if (said == m_saidByRest)
+        return;
+    m_saidByRest = said;
+    if (!said.time.isNull())
+        reading = said;
+    else
+        reading.movesMoov = said.movesMoov;
+}
+
+void FfmpegProgressReader::clear()
+{
+    m_lines.clear();
+    m_saidByRest = {};
 }
 
 bool isStatusLine(QStringView line)
 {
-    const QStringView text = line.trimmed();
-    return text.startsWith(u"frame="_s) || text.startsWith(u"size="_s) || text.startsWith(u"Lsize="_s) ||
-           text.startsWith(u"time="_s);
+    // Never indented: what is indented comes from the file.
+    return line.startsWith(u"frame="_s) || line.startsWith(u"size="_s) || line.startsWith(u"Lsize="_s) ||
+           line.startsWith(u"time="_s);
 }
 
 QString timeInStatusLine(const QString &line)
@@ -55,6 +78,8 @@ QString timeInStatusLine(const QString &line)
 
 int percentOfDuration(const QString &time, const QString &durationInSeconds)
 {
+    if (time.startsWith(u'-'))
+        return 0;
     const qint64 percent = tools::percentOf(KXHelpers::convertToTimeInSecondsFrom(time),
                                             tools::leadingInteger(durationInSeconds));
     return static_cast<int>(std::clamp<qint64>(percent, 0, 1'000'000));

@@ -33,6 +33,30 @@ QString fileText(const QUrl &location)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
+/// The reason as a sentence, followed by the tool's own words where there are some.
+QString sentenceOf(const QString &reason, const QString &words = {})
+{
+    const QString sentence = words.isEmpty() ? reason : reason + u": "_s + words;
+    return sentence.endsWith(u'.') ? sentence : sentence + u'.';
+}
+
+/// ffmpeg's last status line says "Lsize=" only when there is video; its summary always comes. Both
+/// come too when it was asked to end or gave up.
+bool hasFfmpegFinished(const step::ToolLog &log)
+{
+    if (log.hasLineStartingWith(u"Conversion failed"_s) || log.hasLineStartingWith(u"Exiting normally"_s))
+        return false;
+    return log.lastStatusLine().contains(u"Lsize="_s) || log.hasLineStartingWith(u"video:"_s);
+}
+
+/// The closing words of mkvmerge and mkvextract; other tools of the family just end.
+bool hasMkvToolFinished(const step::ToolLog &log, const QString &name)
+{
+    if (name.contains(u"mkvmerge"_s))
+        return log.hasLineStartingWith(u"Multiplexing took"_s);
+    return !name.contains(u"mkvextract"_s) || log.hasLineStartingWith(u"Progress: 100%"_s);
+}
+
 } // namespace
 
 KXConverter::KXConverter(const step::ConverterContext &context)
@@ -133,9 +157,14 @@ void KXConverter::postConversionStarted() const
     m_context.notifications.post(u"conversionStarted"_s, outputFileURL());
 }
 
-step::Outcome KXConverter::failedBecause(const QString &reason) const
+QString KXConverter::withoutNames(QString log) const
 {
-    return step::Outcome::failed(reason.endsWith(u'.') ? reason : reason + u'.');
+    for (const QUrl &file : {inputFileURL(), outputFileURL()}) {
+        const QString path = file.toLocalFile();
+        if (path.contains(u'\n') || path.contains(u'\r'))
+            log.remove(path);
+    }
+    return log;
 }
 
 step::Outcome KXConverter::outcome() const
@@ -149,47 +178,50 @@ step::Outcome KXConverter::outcomeOfTool() const
     if (ended.verdict == step::Verdict::Failed)
         return ended;
     const QFileInfo output(outputFileURL().toLocalFile());
+    const auto lacks = [&](const QString &sentence) {
+        return step::Outcome::failed(sentence.arg(m_tool.fileName(), output.fileName()));
+    };
     if (!output.exists())
-        return failedBecause(u"%1 ended without writing %2"_s.arg(m_tool.fileName(), output.fileName()));
-    if (output.size() == 0)
-        return failedBecause(u"%1 wrote nothing into %2"_s.arg(m_tool.fileName(), output.fileName()));
-    return ended;
+        return lacks(u"%1 ended without writing %2."_s);
+    return output.size() == 0 ? lacks(u"%1 wrote nothing into %2."_s) : ended;
 }
 
 step::Outcome KXConverter::outcomeOfProcess() const
 {
+    using step::Outcome;
     const auto task = converterTask();
-    if (!task)
-        return failedBecause(u"The tool of this step was not started"_s);
-    const step::ToolLog log(logString());
-    if (task->end() == tools::ToolProcess::End::NotStarted)
-        return failedBecause(log.lastMessage());
     const QString name = m_tool.fileName();
+    if (!task)
+        return Outcome::failed(u"The tool of this step was not started."_s);
+    const step::ToolLog log(withoutNames(logString()));
+    if (task->end() == tools::ToolProcess::End::NotStarted)
+        return Outcome::failed(sentenceOf(u"%1 was not started"_s.arg(name), log.lastMessage()));
     if (!task->exitStatus())
-        return failedBecause(u"%1 was ended from outside or crashed"_s.arg(name));
-    const bool isMkv = tools::toolFamily(m_tool) == tools::ToolFamily::Mkv;
-    if (isMkv && *task->exitStatus() == 1)
-        return step::Outcome::warnings(u"%1: %2"_s.arg(name, log.firstLineContaining({u"Warning:"_s})));
-    if (*task->exitStatus() != 0) {
-        return failedBecause(
-            u"%1 failed (exit status %2): %3"_s.arg(name).arg(*task->exitStatus()).arg(log.lastMessage()));
+        return Outcome::failed(u"%1 was ended from outside or crashed."_s.arg(name));
+    const int status = *task->exitStatus();
+    if (tools::toolFamily(m_tool) == tools::ToolFamily::Mkv && status == 1)
+        return Outcome::warnings(
+            sentenceOf(u"%1 warned"_s.arg(name), log.firstLineStartingWith(u"Warning:"_s)));
+    if (status != 0) {
+        return Outcome::failed(
+            sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
     }
-    return step::Outcome::ok();
+    return Outcome::ok();
 }
 
 /// Nobody tells us the exit status of a background line, so its log has to.
 step::Outcome KXConverter::outcomeOfBackground() const
 {
-    const step::ToolLog log(fileText(logFileURL()));
+    using step::Outcome;
+    const step::ToolLog log(withoutNames(fileText(logFileURL())));
     const QString name = m_tool.fileName();
-    if (tools::toolFamily(m_tool) != tools::ToolFamily::Mkv) {
-        return log.hasLineContaining(u"Lsize="_s)
-                   ? step::Outcome::ok()
-                   : failedBecause(u"%1 did not finish: %2"_s.arg(name, log.lastMessage()));
-    }
-    if (log.hasLineStartingWith(u"Error:"_s))
-        return failedBecause(u"%1: %2"_s.arg(name, log.firstLineContaining({u"Error:"_s})));
-    if (log.hasLineStartingWith(u"Warning:"_s))
-        return step::Outcome::warnings(u"%1: %2"_s.arg(name, log.firstLineContaining({u"Warning:"_s})));
-    return step::Outcome::ok();
+    const bool isMkv = tools::toolFamily(m_tool) == tools::ToolFamily::Mkv;
+    const QString error = isMkv ? log.firstLineStartingWith(u"Error:"_s) : QString();
+    if (!error.isNull())
+        return Outcome::failed(sentenceOf(u"%1 failed"_s.arg(name), error));
+    if (isMkv ? !hasMkvToolFinished(log, name) : !hasFfmpegFinished(log))
+        return Outcome::failed(sentenceOf(u"%1 did not finish"_s.arg(name), log.lastMessage()));
+    const QString warning = isMkv ? log.firstLineStartingWith(u"Warning:"_s) : QString();
+    return warning.isNull() ? Outcome::ok()
+                            : Outcome::warnings(sentenceOf(u"%1 warned"_s.arg(name), warning));
 }

@@ -125,7 +125,8 @@ protected:
 private:
     step::Outcome outcomeOfProcess() const;
     step::Outcome outcomeOfBackground() const;
-    step::Outcome failedBecause(const QString &reason) const;
+    /// A log without the names that would break it into lines of their own.
+    QString withoutNames(QString log) const;
     step::Launch launchOf(const QUrl &tool, const tools::OptionList &meant,
                           const tools::OptionList &launched) const;
     void watch(const tools::ToolProcessPointer &task);

@@ -154,12 +154,14 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     if (tools::isAllDigits(pid))
         return pid;
     if (!pid.isNull())
-        m_refusal = pid;
+        m_refusal = pid.isEmpty() ? u"%1 could not be started."_s.arg(tool.fileName()) : pid;
     return {};
 }
 
 bool KXConverter::stringFoundInLog(const QString &text) const
 {
+    if (!fileExistsAtURL(logFileURL()))
+        return false; // else the shell's complaint would be searched
     const tools::OptionItem pattern = tools::OptionItem::withData(u"| grep "_s, text, tools::Quoting::Single);
     const QString found =
         doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -20"_s, pattern});
@@ -206,9 +208,10 @@ void KXConverter::findDurationInSeconds()
         }
     }
     // Three hours on purpose, so that percentages stay finite.
-    m_durationIsAssumed = time == u"0"_s;
-    if (m_durationIsAssumed)
+    const bool isUnknown = time == u"0"_s;
+    if (isUnknown)
         time = u"03:00:00"_s;
     const qint64 seconds = convertToTimeInSecondsFrom(time);
+    m_durationIsAssumed = isUnknown || seconds <= 0;
     setDurationInSeconds(seconds > 0 ? QString::number(seconds) : u"180"_s);
 }

@@ -14,6 +14,14 @@ namespace step {
 
 namespace {
 
+/// Equal for two spellings of one name; a link that stands there is not followed.
+QString placeKey(const QUrl &location)
+{
+    const QFileInfo info(location.toLocalFile());
+    const QUrl folder = QUrl::fromLocalFile(info.absolutePath());
+    return platform::canonicalKey(folder) + u'/' + info.fileName();
+}
+
 /// "a.m4v" with " (2)" gives "a (2).m4v".
 QUrl withMark(const QUrl &location, const QString &mark)
 {
@@ -51,8 +59,7 @@ bool OutputGuard::isInput(const QUrl &location) const
 
 bool OutputGuard::isFree(const QUrl &location) const
 {
-    return !platform::isTakenName(location) && !m_claimed.contains(location) &&
-           !m_registry.isTaken(location, this);
+    return !platform::isTakenName(location) && !hasClaimed(location) && !m_registry.isTaken(location, this);
 }
 
 QUrl OutputGuard::nextFree(const QUrl &wanted) const
@@ -71,7 +78,7 @@ QString OutputGuard::refusalFor(const QUrl &wanted) const
     const QString path = wanted.toLocalFile();
     if (isInput(wanted))
         return u"The output %1 would be one of the job's own sources, so nothing was started."_s.arg(path);
-    if (m_claimed.contains(wanted) || m_registry.isTaken(wanted, this))
+    if (hasClaimed(wanted) || m_registry.isTaken(wanted, this))
         return u"The output %1 belongs to another job or open file, so nothing was started."_s.arg(path);
     if (!platform::isTakenName(wanted))
         return {};
@@ -87,19 +94,27 @@ OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted)
     Claim claim;
     claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted) : wanted;
     claim.refusal = refusalFor(claim.url);
-    if (claim.refusal.isNull()) {
-        m_claimed.append(claim.url);
-        m_registry.add(this, claim.url);
-    }
+    if (claim.refusal.isNull())
+        take(claim.url);
     return claim;
+}
+
+void OutputGuard::take(const QUrl &location)
+{
+    m_claimed.insert(placeKey(location));
+    m_registry.add(this, location);
 }
 
 QUrl OutputGuard::claimFree(const QUrl &wanted)
 {
     const QUrl url = nextFree(wanted);
-    m_claimed.append(url);
-    m_registry.add(this, url);
+    take(url);
     return url;
+}
+
+bool OutputGuard::hasClaimed(const QUrl &location) const
+{
+    return m_claimed.contains(placeKey(location));
 }
 
 bool OutputGuard::mayDelete(const QUrl &location) const
@@ -109,7 +124,7 @@ bool OutputGuard::mayDelete(const QUrl &location) const
 
 QString OutputGuard::makeWayFor(const QUrl &output)
 {
-    if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !m_claimed.contains(output))
+    if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !hasClaimed(output))
         return {};
     const bool isOurs = std::any_of(m_replaced.begin(), m_replaced.end(),
                                     [&](const Replaced &replaced) { return replaced.place == output; });
@@ -124,8 +139,12 @@ QString OutputGuard::makeWayFor(const QUrl &output)
 
 void OutputGuard::forgetReplaced()
 {
-    for (const Replaced &replaced : std::as_const(m_replaced))
-        QFile::remove(replaced.aside.toLocalFile());
+    for (const Replaced &replaced : std::as_const(m_replaced)) {
+        if (platform::isTakenName(replaced.place))
+            QFile::remove(replaced.aside.toLocalFile());
+        else // nothing came in its place after all
+            QFile::rename(replaced.aside.toLocalFile(), replaced.place.toLocalFile());
+    }
     m_replaced.clear();
 }
 

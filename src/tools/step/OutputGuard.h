@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
 #include <QUrl>
 
 namespace step {
@@ -36,8 +37,11 @@ public:
     Claim claimOutput(const QUrl &wanted);
     /// A name for a log or an intermediate file: always one where nothing stands.
     QUrl claimFree(const QUrl &wanted);
-    /// False for inputs, and for what stood there before the job.
+    /// False for inputs and for no place at all. Logs and intermediate files have names from
+    /// claimFree(), so nothing stood there before the job.
     bool mayDelete(const QUrl &location) const;
+    /// True when that name is an output, log or intermediate file of this job.
+    bool hasClaimed(const QUrl &location) const;
 
     /// Right before the tool starts: moves a file that is to be replaced out of the way. Answers a
     /// null text, or why that was not possible.
@@ -59,11 +63,12 @@ private:
     bool isFree(const QUrl &location) const;
     QUrl nextFree(const QUrl &wanted) const;
     QString refusalFor(const QUrl &wanted) const;
+    void take(const QUrl &location);
 
     OutputRegistry &m_registry;
     WhenTaken m_whenTaken;
     QList<QUrl> m_inputs;
-    QList<QUrl> m_claimed;
+    QSet<QString> m_claimed; // by canonical folder and name
     QList<Replaced> m_replaced;
 };
 

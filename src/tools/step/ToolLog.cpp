@@ -10,19 +10,41 @@ using namespace Qt::StringLiterals;
 
 namespace step {
 
+namespace {
+
+bool repeatsTheFile(const QString &line)
+{
+    return line.startsWith(u' ') || line.startsWith(u"Input #"_s) || line.startsWith(u"Output #"_s);
+}
+
+} // namespace
+
 ToolLog::ToolLog(const QString &text)
 {
     static const QRegularExpression lineEnds(u"[\r\n]+"_s);
     for (const QString &line : text.split(lineEnds, Qt::SkipEmptyParts)) {
-        if (!line.startsWith(u' '))
+        if (!repeatsTheFile(line))
             m_lines.append(line);
     }
 }
 
 bool ToolLog::hasLineStartingWith(const QString &start) const
 {
-    return std::any_of(m_lines.begin(), m_lines.end(),
-                       [&](const QString &line) { return line.startsWith(start); });
+    return !firstLineStartingWith(start).isNull();
+}
+
+QString ToolLog::firstLineStartingWith(const QString &start) const
+{
+    const auto found = std::find_if(m_lines.begin(), m_lines.end(),
+                                    [&](const QString &line) { return line.startsWith(start); });
+    return found == m_lines.end() ? QString() : found->trimmed();
+}
+
+QString ToolLog::lastStatusLine() const
+{
+    const auto found = std::find_if(m_lines.rbegin(), m_lines.rend(),
+                                    [](const QString &line) { return isStatusLine(line); });
+    return found == m_lines.rend() ? QString() : *found;
 }
 
 bool ToolLog::hasLineContaining(const QString &part) const

@@ -5,8 +5,8 @@
 
 namespace step {
 
-/// What a tool printed, cut into its own lines. Indented lines are left out: they repeat titles and
-/// other texts of the file, which never count.
+/// What a tool printed, cut into its own lines. Indented lines and those that name ffmpeg's inputs and
+/// outputs are left out: they repeat titles, names and other texts of the file, which never count.
 class ToolLog final
 {
 public:
@@ -14,6 +14,10 @@ public:
 
     bool hasLineStartingWith(const QString &start) const;
     bool hasLineContaining(const QString &part) const;
+    /// The first line that starts so; null when there is none.
+    QString firstLineStartingWith(const QString &start) const;
+    /// The last line in which ffmpeg reports how far it is; null when there is none.
+    QString lastStatusLine() const;
     /// The first line that contains one of the parts; null when there is none.
     QString firstLineContaining(const QStringList &parts) const;
     /// A line that tells why the tool ended: the last one that says more than that it failed.
