@@ -12,7 +12,7 @@ namespace cli {
 
 namespace {
 
-constexpr int sparseMs = 5000;
+constexpr int sparseMs = 2000;
 constexpr int defaultColumns = 80;
 
 void write(std::FILE *stream, const QByteArray &bytes)
