@@ -29,6 +29,7 @@ OptionList optionsWith(const QString &text, const QString &name)
             QUrl::fromLocalFile(u"/films/"_s + name),
             OptionItem::withData(u"title="_s, text, Quoting::None),
             OptionItem::withData(u"--track-name 0:"_s, text, Quoting::Single),
+            OptionItem::withData({}, text, Quoting::None),
             OptionItem::withData({}, text, Quoting::Double),
             OptionItem::withData(u"a"_s, text, Quoting::None, u"z"_s),
             u"end"_s};
@@ -42,6 +43,7 @@ QByteArrayList expectedFrom(const QString &text, const QString &name)
             "title=" + bytes,
             "--track-name",
             "0:" + bytes,
+            bytes,
             bytes,
             'a' + bytes + 'z',
             "end"};

@@ -183,6 +183,15 @@ private Q_SLOTS:
             u"Error: it failed"_s);
     }
 
+    void commandsSpeakNoLanguage()
+    {
+        const QByteArray before = qgetenv("LC_ALL");
+        qputenv("LC_ALL", "de_DE.UTF-8");
+        const QString language = m_helpers.doUnixCommandWithOptions(u"echo"_s, {u"$LC_ALL"_s});
+        before.isEmpty() ? qunsetenv("LC_ALL") : qputenv("LC_ALL", before);
+        QCOMPARE(language, u"C"_s);
+    }
+
     void stopFlagEndsAWait()
     {
         KXHelpers helpers(&m_places);

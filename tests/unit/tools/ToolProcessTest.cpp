@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QTest>
+#include <QThread>
 
 #include <csignal>
 #include <thread>
@@ -201,8 +202,9 @@ private Q_SLOTS:
         const QString record = scratch.path(u"record"_s);
         const QString seen = scratch.path(u"seen"_s);
         ToolProcess::Request asked = request({});
-        asked.program = FakeTool::install(scratch.path(u"a tool"_s),
-                                          {u"record "_s + record, u"environment PWD_WORD "_s + seen});
+        asked.program = FakeTool::install(
+            scratch.path(u"a tool"_s),
+            {u"record "_s + record, u"environment PWD_WORD "_s + seen, u"write 5 made here"_s});
         asked.arguments = {u"-i"_s, u"my 'film' $(id).mkv"_s, u""_s, u"two\nlines"_s};
         asked.environment.insert(u"PWD_WORD"_s, u"a b"_s);
         asked.workingFolder = scratch.path();
@@ -214,16 +216,7 @@ private Q_SLOTS:
         QCOMPARE(runs.size(), 1);
         QCOMPARE(runs.first().arguments, QByteArrayList({"-i", "my 'film' $(id).mkv", "", "two\nlines"}));
         QCOMPARE(scratch.read(u"seen"_s), "PWD_WORD=a b\n");
-    }
-
-    void relativeOutputGoesToTheWorkingFolder()
-    {
-        const support::Scratch scratch;
-        ToolProcess::Request asked = request({u"write 5 made"_s});
-        asked.workingFolder = scratch.path();
-        const auto tool = ToolProcess::start(asked);
-        QVERIFY(tool->waitUntilExit(5000));
-        QCOMPARE(scratch.read(u"made"_s), "wwwww");
+        QCOMPARE(scratch.read(u"made here"_s), "wwwww");
     }
 
     void leadsAGroupOfItsOwn()
@@ -379,8 +372,13 @@ private Q_SLOTS:
     {
         auto tool = ToolProcess::start(request({u"hang"_s}));
         const qint64 pid = tool->processIdentifier();
+        QThread *endedOn = nullptr;
+        const auto note = [&] { endedOn = QThread::currentThread(); };
+        connect(tool.get(), &QObject::destroyed, this, note, Qt::DirectConnection);
         std::thread([held = std::move(tool)]() mutable { held.reset(); }).join();
-        QVERIFY(waitFor([&] { return !support::runs(pid); }));
+        QVERIFY(waitFor([&] { return endedOn != nullptr; }));
+        QCOMPARE(endedOn, QThread::currentThread());
+        QVERIFY(!support::runs(pid));
     }
 
     void leavesNoDescriptorOpen()
