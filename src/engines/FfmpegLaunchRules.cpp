@@ -167,13 +167,11 @@ void narrowAudioFilter(LaunchForm &form, const LaunchFacts &)
 {
     if (!copiesAudio(form.list))
         return;
-    QString number;
-    for (OptionItem &item : form.list) {
-        const QString found = streamNumber(item, u'a');
-        if (!found.isNull())
-            number = found;
-        else if (isOption(item, u"-af"_s) && !number.isNull())
-            item = OptionItem(QString(u"-filter:a:"_s + number));
+    const QString rate = u"-ar:a:"_s; // stands in front of the filter of its stream
+    for (qsizetype i = 2; i < form.list.size(); ++i) {
+        const OptionItem &before = form.list.at(i - 2);
+        if (isOption(form.list.at(i), u"-af"_s) && !before.isFile() && before.text().startsWith(rate))
+            form.list[i] = OptionItem(QString(u"-filter:a:"_s + before.text().mid(rate.size())));
     }
 }
 

@@ -110,7 +110,7 @@ void KXConvertWithFfmpegJob::prepareSubtitles(KXFfmpegConverter &converter)
             return prepareBurning(converter, index);
         if (engines::isSubtitle(track) && track.userCodec().toLower() == u"extract"_s &&
             !track.externalTrackFlag())
-            extracted(index);
+            extracted(index, KXConverter::Keeping::TheOutput);
     }
 }
 
@@ -122,15 +122,17 @@ void KXConvertWithFfmpegJob::prepareBurning(KXFfmpegConverter &converter, qsizet
         converter.setSubToBurnURL(track.trackFileURL());
         return;
     }
-    const QUrl file = track.externalTrackFlag() ? track.trackFileURL() : extracted(index);
+    const QUrl file =
+        track.externalTrackFlag() ? track.trackFileURL() : extracted(index, KXConverter::Keeping::Temporary);
     converter.prepSubtitleForBurning(file);
     if (!isEmpty(converter.tempFileToDeleteURL()))
         setTempFilesToDeleteList(tempFilesToDeleteList() << converter.tempFileToDeleteURL());
 }
 
-/// Extracts a subtitle of the source into an intermediate file and answers where it is. A failed
-/// extraction leaves it missing; the conversion still runs and says so.
-QUrl KXConvertWithFfmpegJob::extracted(qsizetype index)
+/// Extracts a subtitle of the source into a file beside the output and answers where it is. One that is
+/// to be burned is gone with the job; one that the user wants to have stays. A failed extraction leaves
+/// it missing; the conversion still runs and says so.
+QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping keeping)
 {
     KXTrackDumper dumper(converterContext());
     dumper.inititializeForTrackWithStepLabelKeepingTheOutput(index, u"Extracting Subtitle"_s,
@@ -141,12 +143,22 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index)
         setTempFilesToDeleteList(tempFilesToDeleteList() << dumper.tempFileToDeleteURL());
     setLogFilesToDeleteList(logFilesToDeleteList() << dumper.logFileURL());
     waitForBackground(pid);
-    if (!context().launcher.isRehearsal() && !jobIsCancelled()) {
-        const step::Outcome outcome = dumper.outcome();
-        if (outcome.verdict == step::Verdict::Failed)
-            addOutcome(outcome);
-    }
+    if (context().launcher.isRehearsal() || jobIsCancelled())
+        return dumper.outputFileURL();
+    const step::Outcome outcome = dumper.outcome();
+    if (outcome.verdict == step::Verdict::Failed)
+        addOutcome(outcome);
+    else if (keeping == KXConverter::Keeping::TheOutput)
+        keepFile(dumper.outputFileURL());
     return dumper.outputFileURL();
+}
+
+/// What was to go with the job if it had been stopped meanwhile now stays.
+void KXConvertWithFfmpegJob::keepFile(const QUrl &file)
+{
+    QList<QUrl> files = tempFilesToDeleteList();
+    files.removeAll(file);
+    setTempFilesToDeleteList(files);
 }
 
 /// Keeps a window painting while it waits. A missing id counts as finished.

@@ -46,7 +46,8 @@ private:
 
     void prepareSubtitles(KXFfmpegConverter &converter);
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
-    QUrl extracted(qsizetype index);
+    QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
+    void keepFile(const QUrl &file);
     void waitForBackground(const QString &pid);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);

@@ -124,6 +124,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
     setOptionArray1(list);
     m_repeatsFirstPass = currentPass() == 2;
     m_generatesTimestamps = true;
+    m_isShellLine = false;
     m_startsSecondPass = false;
     m_progress.clear();
     m_lastTime.clear();

@@ -8,8 +8,8 @@
 
 /// Turns a selection into ffmpeg's argument lists and runs them: a whole file in one pass or two, or
 /// one track into a file of its own. It follows ffmpeg's error stream and classifies the end of a run;
-/// what comes next is the job's to decide.
-class KXFfmpegConverter final : public KXConverter
+/// what comes next is the job's to decide. Not final, so that a test can answer for it.
+class KXFfmpegConverter : public KXConverter
 {
     Q_OBJECT
     KX_FIELD(tools::OptionList, optionArray1, setOptionArray1, {})

@@ -49,7 +49,8 @@ KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPo
         setInputFileURL(track()->trackFileURL());
     const QFileInfo source(selection->videoTrackFileURL().toLocalFile());
     setSaveDirectoryURL(isEmpty(folder) ? QUrl::fromLocalFile(source.absolutePath()) : folder);
-    const QString base = saveDirectoryURL().toLocalFile() + u'/' + inputFileURL().fileName();
+    const QString path = saveDirectoryURL().toLocalFile();
+    const QString base = (path.endsWith(u'/') ? path : path + u'/') + inputFileURL().fileName();
     return prepare(base, Naming::Output) ? start() : nullptr;
 }
 

@@ -1,0 +1,342 @@
+#include "support/FfmpegBench.h"
+#include "support/HandMade.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+
+namespace {
+
+/// A bench whose converter follows a film of two minutes.
+class Following final : public FfmpegBench
+{
+public:
+    explicit Following(const QString &passes = u"1"_s)
+    {
+        converter.setConverterSelection(selection(u"General"_s, {videoTrack()}, passes));
+        converter.setDurationInSeconds(u"120"_s);
+        converter.setOldProgress(u"00:00:00"_s);
+        converter.setLogFileURL(url(u"log"_s));
+    }
+};
+
+} // namespace
+
+/// How ffmpeg is followed while it runs, and what its end means.
+class KXFfmpegConverterRunTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+
+    // Progress.
+
+    void percentAreThoseOfTheTime_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("percent");
+        QTest::newRow("a quarter") << u"time=00:00:30.00 "_s << u"25%"_s;
+        QTest::newRow("truncated") << u"frame= 9 time=00:00:31.19 bitrate"_s << u"25%"_s;
+        QTest::newRow("nothing yet") << u"time=00:00:00.00 "_s << u"0%"_s;
+        QTest::newRow("the end") << u"time=00:02:00.00 "_s << u"100%"_s;
+        QTest::newRow("beyond the end") << u"time=00:03:00.00 "_s << u"150%"_s;
+        QTest::newRow("negative") << u"frame=0 time=-00:00:00.07 bitrate"_s << u"0%"_s;
+        QTest::newRow("no time") << u"frame=0 time=N/A bitrate"_s << u"0%"_s;
+        QTest::newRow("no progress line") << u"Press [q] to stop"_s << u"0%"_s;
+        QTest::newRow("a title") << u"    title           : time=00:01:00.00 x"_s << u"0%"_s;
+        QTest::newRow("two times in one chunk")
+            << u"frame=0 time=-00:00:00.07 bitrate\rframe=9 time=00:01:00.00 bitrate"_s << u"50%"_s;
+    }
+
+    void percentAreThoseOfTheTime()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, percent);
+        Following one;
+        one.read(text);
+        QCOMPARE(one.progress(), QStringList{percent});
+        Following two(u"2"_s);
+        two.converter.setCurrentPass(2);
+        two.read(text);
+        QCOMPARE(two.progress(), QStringList{u"Pass #2 "_s + percent});
+        two.converter.setCurrentPass(1);
+        two.read(u"\rtime=00:00:12.00 "_s);
+        QCOMPARE(two.progress().last(), u"Pass #1 10%"_s);
+    }
+
+    void progressTellsWhoseItIs()
+    {
+        Following bench;
+        bench.read(u"time=00:00:30.00 "_s);
+        const auto info = bench.record.named(u"monitorConversionUpdate"_s).first().userInfo;
+        QCOMPARE(info.keys(), QStringList({u"stepName"_s, u"theConverter"_s, u"theTask"_s}));
+        QCOMPARE(info.value(u"stepName"_s).toString(), u"Video Conversion"_s);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.converter);
+    }
+
+    void withoutANewTimeTheOldOneCounts()
+    {
+        Following bench;
+        bench.read(u"frame=1 time=00:00:30.00 bitrate\r"_s);
+        bench.read(u"[libx264 @ 0x1] something\n"_s);
+        QCOMPARE(bench.progress(), QStringList({u"25%"_s, u"25%"_s}));
+        QCOMPARE(bench.converter.oldProgress(), u"00:00:30.00"_s);
+    }
+
+    void aTimeMayComeInPieces()
+    {
+        Following bench;
+        bench.read(u"frame=   74 fps=0.0 q=21.0 size=       0kB ti"_s);
+        bench.read(u"me=00:00:3"_s);
+        bench.read(u"0.00 bitrate="_s);
+        QCOMPARE(bench.progress(), QStringList({u"0%"_s, u"0%"_s, u"25%"_s}));
+    }
+
+    void onlyTheErrorStreamCounts()
+    {
+        Following bench;
+        bench.read(u"time=00:00:30.00 "_s, tools::ToolProcess::Channel::Output);
+        QVERIFY(bench.progress().isEmpty());
+        QCOMPARE(bench.converter.logString(), u"time=00:00:30.00 "_s);
+    }
+
+    void theMoovAtomIsTold()
+    {
+        Following bench;
+        bench.read(u"frame=1 time=00:02:00.00 bitrate\r"_s);
+        bench.read(
+            u"[mp4 @ 0x1] Starting second pass: moving the moov atom to the beginning of the file\n"_s);
+        QCOMPARE(bench.progress(), QStringList({u"100%"_s, u"moving moov atom"_s}));
+    }
+
+    void theDurationIsLookedUpOnce()
+    {
+        Following bench;
+        bench.converter.setDurationInSeconds(u"0"_s);
+        bench.converter.setInputFileURL(bench.source);
+        bench.read(u"time=00:00:30.00 "_s);
+        QCOMPARE(bench.converter.durationInSeconds(), u"120"_s);
+        QCOMPARE(bench.progress(), QStringList{u"25%"_s});
+    }
+
+    /// Whatever is written for a duration: no division by zero.
+    void aDurationThatIsNoneGivesNoPercent()
+    {
+        Following bench;
+        for (const QString &duration : {u""_s, u"-5"_s, u"none"_s}) {
+            bench.converter.setDurationInSeconds(duration);
+            bench.read(u"\rtime=00:00:30.00 "_s);
+            QCOMPARE(bench.progress().last(), u"0%"_s);
+        }
+    }
+
+    void fontsComeFirstWhileThereIsNoCache()
+    {
+        Following bench;
+        bench.converter.setSubToBurnURL(bench.url(u"b.srt"_s));
+        bench.read(u"time=00:00:30.00 "_s);
+        QCOMPARE(bench.progress(), QStringList{u"Initializing Fontconfig"_s});
+        bench.world.scratch.write(u".fontconfig/cache"_s, "x");
+        bench.converter.setFontconfigDirectoryExists(false);
+        bench.converter.setFontconfigIsRebuilding(true);
+        bench.read(u"\rtime=00:01:00.00 "_s);
+        QCOMPARE(bench.progress().last(), u"50%"_s);
+        QVERIFY(bench.converter.fontconfigDirectoryExists());
+        QVERIFY(!bench.converter.fontconfigIsRebuilding());
+    }
+
+    // The end of a run.
+
+    void theEndIsClassified_data()
+    {
+        QTest::addColumn<int>("pass");
+        QTest::addColumn<QString>("log");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("error");
+        const auto row = [](const char *name, int pass, const char *log, const char *text, bool error) {
+            QTest::newRow(name) << pass << QString::fromLatin1(log) << QString::fromLatin1(text) << error;
+        };
+        const char *fine = "frame=  9 time=00:00:01.00 bitrate\n";
+        const char *stamps = "frame=9\n[matroska @ 0x1] Can't write packet with unknown timestamp\n"
+                             "av_interleaved_write_frame(): Invalid argument\n";
+        row("one pass, fine", 0, fine, "Complete", false);
+        row("one pass, no frame", 0, "x.mkv: No such file or directory\n", "Complete", true);
+        row("one pass, nothing said", 0, "", "Complete", true);
+        row("one pass, a packet was refused", 0, "frame=9\nav_interleaved_write_frame(): Invalid argument\n",
+            "Complete", true);
+        row("one pass, another write error", 0, "frame=9\nav_interleaved_write_frame(): Broken pipe\n",
+            "Complete", false);
+        row("one pass, timestamps", 0, stamps, "timestamp error", false);
+        row("pass 1, fine", 1, fine, "Pass 1 Complete", false);
+        row("pass 1, no frame", 1, "", "Pass 1 Complete", false);
+        row("pass 1, timestamps", 1, stamps, "Pass 1 Complete", false);
+        row("pass 2, fine", 2, fine, "Complete", false);
+        row("pass 2, no frame", 2, "", "Complete", true);
+        row("pass 2, timestamps", 2, stamps, "timestamp error", false);
+    }
+
+    void theEndIsClassified()
+    {
+        QFETCH(int, pass);
+        QFETCH(QString, log);
+        QFETCH(QString, text);
+        QFETCH(bool, error);
+        Following bench;
+        bench.converter.setPasslogfileString(bench.path(u"temp/passLog"_s));
+        bench.converter.setCurrentPass(pass);
+        bench.converter.setLogString(log);
+        bench.converter.setOldProgress(u"00:01:00"_s);
+        bench.converter.backgroundReadingCompleted();
+        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{text});
+        QCOMPARE(bench.converter.conversionError(), error);
+        QCOMPARE(bench.converter.oldProgress(), pass == 1 ? u"00:00:00"_s : u"00:01:00"_s);
+        const auto info = bench.record.named(u"taskCompletion"_s).first().userInfo;
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.converter);
+        QCOMPARE(info.value(u"stepName"_s).toString(), u"Video Conversion"_s);
+    }
+
+    void anErrorIsForgottenWhenTheNextRunEndsWell()
+    {
+        Following bench;
+        bench.converter.setConversionError(true);
+        bench.converter.setLogString(u"frame=9"_s);
+        bench.converter.backgroundReadingCompleted();
+        QVERIFY(!bench.converter.conversionError());
+    }
+
+    void passTwoRemovesWhatAnInterruptedPassOneLeft()
+    {
+        Following bench;
+        for (const QString &name :
+             {u"passLog-0.log.temp"_s, u"passLog-0.log.mbtree.temp"_s, u"passLog-0.log"_s})
+            bench.world.scratch.write(u"temp/"_s + name, "x");
+        bench.converter.setPasslogfileString(bench.path(u"temp/passLog"_s));
+        bench.converter.setCurrentPass(0);
+        bench.converter.backgroundReadingCompleted();
+        QVERIFY(QFile::exists(bench.path(u"temp/passLog-0.log.temp"_s)));
+        bench.converter.setCurrentPass(2);
+        bench.converter.backgroundReadingCompleted();
+        QVERIFY(!QFile::exists(bench.path(u"temp/passLog-0.log.temp"_s)));
+        QVERIFY(!QFile::exists(bench.path(u"temp/passLog-0.log.mbtree.temp"_s)));
+        QVERIFY(QFile::exists(bench.path(u"temp/passLog-0.log"_s)));
+    }
+
+    /// ffmpeg ended well, so every packet was written, whatever a title in its log says.
+    void aTitleIsNoTimestampError()
+    {
+        FfmpegBench bench({u"err Unknown packet with unknown timestamp"_s, u"err frame=9 time=00:02:00.00 "_s,
+                           u"write 10 last"_s});
+        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+    }
+
+    void aRunThatFailedForItsTimestampsAsksForARetry()
+    {
+        FfmpegBench bench({u"err [matroska @ 0x1] Can't write packet with unknown timestamp"_s, u"exit 1"_s});
+        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"timestamp error"_s});
+    }
+
+    void theOutcome_data()
+    {
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<int>("verdict");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char *name, const QStringList &script, step::Verdict verdict,
+                            const QString &words) {
+            QTest::newRow(name) << script << static_cast<int>(verdict) << words;
+        };
+        const QString done = u"err frame=9 time=00:02:00.00 "_s;
+        row("well", {done, u"write 10 last"_s}, step::Verdict::Ok, {});
+        row("exit status", {done, u"write 10 last"_s, u"exit 1"_s}, step::Verdict::Failed,
+            u"exit status 1"_s);
+        row("killed", {done, u"write 10 last"_s, u"die KILL"_s}, step::Verdict::Failed,
+            u"ended from outside"_s);
+        row("no output", {done}, step::Verdict::Failed, u"without writing a.mkv.mkv"_s);
+        row("empty output", {done, u"write 0 last"_s}, step::Verdict::Failed, u"wrote nothing"_s);
+        row("no picture", {u"err time=00:02:00.00 "_s, u"write 10 last"_s}, step::Verdict::Failed,
+            u"no picture"_s);
+        row("full disk", {done, u"err x: No space left on device"_s, u"write 10 last"_s},
+            step::Verdict::Failed, u"no space left"_s);
+        row("damaged", {u"err [matroska @ 0x1] File ended prematurely"_s, done, u"write 10 last"_s},
+            step::Verdict::Warnings, u"seems damaged"_s);
+        row("short", {u"err frame=9 time=00:00:10.00 "_s, u"write 10 last"_s}, step::Verdict::Warnings,
+            u"ends at 10 s"_s);
+    }
+
+    void theOutcome()
+    {
+        QFETCH(QStringList, script);
+        QFETCH(int, verdict);
+        QFETCH(QString, words);
+        FfmpegBench bench(script);
+        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack()})));
+        const auto outcome = bench.converter.outcome();
+        QCOMPARE(static_cast<int>(outcome.verdict), verdict);
+        QVERIFY2(outcome.sentence.contains(words), qPrintable(outcome.sentence));
+    }
+
+    /// Also when the fonts were never ready: the time of the run is known all the same.
+    void aRunWithoutAFontCacheIsNotShort()
+    {
+        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        bench.converter.setSubToBurnURL(bench.source);
+        bench.converter.setDurationInSeconds(u"120"_s);
+        QVERIFY(bench.convert(
+            bench.selection(u"General"_s, {videoTrack(), subtitleTrack(u"3"_s, u"teletext"_s, u"burn"_s)})));
+        QCOMPARE(bench.posted(u"monitorConversionUpdate"_s).last(), u"Initializing Fontconfig"_s);
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+    }
+
+    /// A run without video has no "frame=" to miss.
+    void soundAloneIsNoError()
+    {
+        FfmpegBench bench({u"err size= 9kB time=00:02:00.00 "_s, u"write 10 last"_s});
+        const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
+        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {audio})));
+        QVERIFY(bench.converter.conversionError());
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+    }
+
+    void whatWasLeftOutIsAWarning()
+    {
+        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        const auto pgs = subtitleTrack(u"3"_s, u"teletext"_s);
+        pgs->setProbedCodecName(u"hdmv_pgs_subtitle"_s);
+        QVERIFY(bench.convert(bench.selection(u"General"_s, {videoTrack(), pgs})));
+        QVERIFY(!bench.calls().first().contains(u"-codec:s:0"_s));
+        QVERIFY(tools::textsOf(bench.converter.optionArray1()).contains(u"-codec:s:0"_s));
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Warnings);
+        QVERIFY(bench.converter.outcome().sentence.contains(u"subtitle track 3 (hdmv_pgs_subtitle)"_s));
+    }
+
+    void anAviSaysWhichSubtitlesItLeavesOut()
+    {
+        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        QVERIFY(bench.convert(bench.selection(u"AVI"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)})));
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Warnings);
+        QCOMPARE(bench.converter.outcome().sentence,
+                 u"An AVI carries no subtitles, so track 3 was left out."_s);
+    }
+
+    void anOutputThatIsASourceIsNotStarted()
+    {
+        FfmpegBench bench;
+        step::OutputGuard strict(bench.world.outputs, step::WhenTaken::Refuse);
+        bench.world.scratch.write(u"a.m4v"_s, "precious");
+        strict.setInputs({bench.source, bench.url(u"a.m4v"_s), bench.url(u"a.mkv.m4v"_s)});
+        KXFfmpegConverter converter(bench.world.converterContext(strict));
+        QVERIFY(!converter.startConversionForSelection(bench.selection(u"General"_s, {videoTrack()})));
+        QVERIFY(!converter.refusal().isNull());
+        QCOMPARE(converter.outcome().verdict, step::Verdict::Failed);
+        QVERIFY(bench.calls().isEmpty());
+        QCOMPARE(bench.record.count(u"conversionStarted"_s), 0);
+        QCOMPARE(bench.world.scratch.read(u"a.m4v"_s), QByteArray("precious"));
+    }
+};
+
+QTEST_GUILESS_MAIN(KXFfmpegConverterRunTest)
+#include "KXFfmpegConverterRunTest.moc"
