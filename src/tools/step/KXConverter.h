@@ -131,7 +131,7 @@ private:
                           const tools::OptionList &launched) const;
     void watch(const tools::ToolProcessPointer &task);
     void endOfStream(tools::ToolProcess::Channel channel);
-    void appendToLog(const QByteArray &bytes) const;
+    void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
 
     step::ConverterContext m_context;
@@ -140,6 +140,7 @@ private:
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
+    bool m_logIsBegun = false;
 };
 
 using ConverterPointer = std::shared_ptr<KXConverter>;

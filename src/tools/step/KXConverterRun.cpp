@@ -11,6 +11,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using tools::ToolProcess;
 
@@ -47,6 +49,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     request.workingFolder = appPreferences().workingFolder();
     setBackgroundReadStatus(0);
     setLogString(u""_s);
+    m_logIsBegun = false;
     m_outputDecoder.resetState();
     m_errorDecoder.resetState();
     const auto task = m_context.launcher.startProcess(launchOf(tool, options, launched), request);
@@ -121,20 +124,23 @@ void KXConverter::handleNewTaskResult(const step::ReadEvent &event)
 }
 
 /// A log that can't be written is no reason to end the tool.
-void KXConverter::appendToLog(const QByteArray &bytes) const
+void KXConverter::appendToLog(const QByteArray &bytes)
 {
     const QString path = logFileURL().toLocalFile();
     if (!m_context.guard.mayDelete(logFileURL()))
         return;
+    const bool isFirst = !std::exchange(m_logIsBegun, true);
     QFile file(path);
     if (file.exists()) {
         if (file.open(QIODevice::WriteOnly | QIODevice::Append))
             file.write(bytes);
         return;
     }
+    // A log that was taken away is written whole again; a new one gets the bytes as they came, which
+    // may end within a character.
     QSaveFile fresh(path);
     if (fresh.open(QIODevice::WriteOnly)) {
-        fresh.write(m_logString.toUtf8());
+        fresh.write(isFirst ? bytes : m_logString.toUtf8());
         fresh.commit();
     }
 }
