@@ -234,6 +234,6 @@ void KXJob::checkFreeSpace()
     alert.closesAfter = freeSpaceAlertTime;
     const auto shown = std::make_shared<const platform::Alert>(alert);
     openAlertSheet(shown);
-    const auto self = shared_from_this();
-    QTimer::singleShot(freeSpaceAlertTime, this, [self, shown] { self->alertTimedOut(shown); });
+    // Never keeps the job: the program may end before. An alert whose job is gone closes itself.
+    QTimer::singleShot(freeSpaceAlertTime, this, [this, shown] { alertTimedOut(shown); });
 }

@@ -1,0 +1,388 @@
+// What a job leaves behind when it ends by itself, and what it says about it.
+#include "support/JobWorld.h"
+#include "support/TestJob.h"
+#include "support/Waiting.h"
+
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using step::Outcome;
+using step::Verdict;
+using support::JobWorld;
+using support::NotificationRecord;
+using support::TestConverterPointer;
+
+namespace {
+
+/// A job whose steps' tools write outputs of some bytes and say a word.
+struct Job
+{
+    explicit Job(step::WhenTaken whenTaken = step::WhenTaken::NextFreeName)
+        : job(support::makeTestJob(world.jobContext(whenTaken)))
+    {
+        world.setKeepLogs(false);
+        world.scratch.write(u"film.mkv"_s, "film");
+        job->initJobWithSelectionAndPreferences(world.selectionFor(path(u"film.mkv"_s)), world.preferences);
+    }
+
+    QString path(const QString &name) const { return world.scratch.path(name); }
+    bool exists(const QString &name) const { return QFileInfo::exists(path(name)); }
+    QUrl tool(int bytes, int status = 0)
+    {
+        QStringList script{u"out words"_s};
+        if (bytes >= 0)
+            script.append(u"write %1 last"_s.arg(bytes));
+        script.append(u"exit %1"_s.arg(status));
+        return world.installTool(u"tool%1_%2"_s.arg(bytes).arg(status), script);
+    }
+    TestConverterPointer run(const QString &output, int bytes = 5, int status = 0)
+    {
+        return job->runStep(output, world.scratch.url(output), tool(bytes, status));
+    }
+    bool ends()
+    {
+        return support::waitFor([this] { return job->hasEnded(); });
+    }
+
+    JobWorld world{JobWorld::Tools::Fake};
+    support::TestJobPointer job;
+    NotificationRecord record{world.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
+};
+
+QString lastLine(const QByteArray &log)
+{
+    const QStringList lines = QString::fromUtf8(log).split(u'\n', Qt::SkipEmptyParts);
+    return lines.isEmpty() ? QString() : lines.last();
+}
+
+} // namespace
+
+class KXJobEndTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void logsAndTemporaryFilesGoOrStayTogether_data()
+    {
+        QTest::addColumn<bool>("keepsLogs");
+        QTest::newRow("logs are kept") << true;
+        QTest::newRow("logs are not kept") << false;
+    }
+
+    void logsAndTemporaryFilesGoOrStayTogether() // the coupling is meant
+    {
+        QFETCH(bool, keepsLogs);
+        Job job;
+        job.world.setKeepLogs(keepsLogs);
+        job.run(u"out.m4v"_s);
+        job.world.scratch.write(u"it's a temp.ass"_s, "x");
+        job.job->setTempFilesToDeleteList(
+            {job.world.scratch.url(u"it's a temp.ass"_s), job.world.scratch.url(u"never made.ass"_s)});
+        QVERIFY(job.ends());
+        QCOMPARE(job.exists(u"out.m4v.log"_s), keepsLogs);
+        QCOMPARE(job.exists(u"it's a temp.ass"_s), keepsLogs);
+        QVERIFY(job.exists(u"out.m4v"_s));
+        QVERIFY(job.exists(u"film.mkv"_s));
+        QCOMPARE(job.job->commands.contains(u"rm \"%1\""_s.arg(job.path(u"out.m4v.log"_s))), !keepsLogs);
+    }
+
+    void temporaryFolderIsGoneWhateverIsKept()
+    {
+        Job job;
+        job.world.setKeepLogs(true);
+        const QString folder = job.job->temporaryFolder();
+        QVERIFY(folder.endsWith(u'/') && QFileInfo(folder).isDir());
+        QCOMPARE(job.job->temporaryFolder(), folder);
+        job.job->jobDone();
+        QVERIFY(!QFileInfo::exists(folder));
+    }
+
+    void temporaryFolderGoesWithAJobThatNeverRan()
+    {
+        Job job;
+        const QString folder = job.job->temporaryFolder();
+        job.job.reset();
+        QVERIFY(!QFileInfo::exists(folder));
+    }
+
+    void inputsAreNeverDeleted()
+    {
+        Job job;
+        QVERIFY(QFile::link(job.path(u"film.mkv"_s), job.path(u"link.mkv"_s)));
+        const QList<QUrl> inputs{job.world.scratch.url(u"film.mkv"_s), job.world.scratch.url(u"link.mkv"_s),
+                                 QUrl()};
+        job.job->setTempFilesToDeleteList(inputs);
+        job.job->setLogFilesToDeleteList(inputs);
+        job.job->jobDone();
+        QCOMPARE(job.world.scratch.read(u"film.mkv"_s), QByteArray("film")); // no outcome in it either
+        QVERIFY(job.exists(u"link.mkv"_s));
+    }
+
+    void endIsAnnouncedOnceWithAnEmptyList()
+    {
+        Job job;
+        QSignalSpy changed(job.job.get(), &KXJob::outcomeChanged);
+        job.job->setProgressList({{u"one"_s, u"Complete"_s}});
+        job.job->jobDone();
+        job.job->jobDone();
+        QCOMPARE(job.record.count(u"jobDone"_s), 1);
+        const KXNotification done = job.record.named(u"jobDone"_s).first();
+        QVERIFY(done.object.value<jobs::ProgressList>().isEmpty());
+        QCOMPARE(done.userInfo.value(u"theJob"_s).value<QObject *>(), job.job.get());
+        QVERIFY(job.job->progressList().isEmpty());
+        QCOMPARE(changed.size(), 1);
+        job.world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        QCOMPARE(job.job->heard, 0);
+    }
+
+    void outcomeIsKnownWhenTheEndIsAnnounced()
+    {
+        Job job;
+        Verdict seen = Verdict::Unknown;
+        const auto subscription = job.world.notifications.subscribe(
+            u"jobDone"_s, [&](const KXNotification &) { seen = job.job->outcome().verdict; });
+        job.job->jobDone();
+        QCOMPARE(seen, Verdict::Ok);
+    }
+
+    void outcomeIsTheLastLineOfEveryLog()
+    {
+        Job job;
+        job.world.setKeepLogs(true);
+        job.run(u"a.m4v"_s);
+        job.run(u"b.m4v"_s)->judged = Outcome::warnings(u"The end is missing."_s);
+        QVERIFY(job.ends());
+        for (const auto &log : {u"a.m4v.log"_s, u"b.m4v.log"_s}) {
+            const QByteArray text = job.world.scratch.read(log);
+            QCOMPARE(lastLine(text), u"Tessaray: warnings: The end is missing."_s);
+            QVERIFY(text.startsWith("words\n"));
+            QVERIFY(text.endsWith('\n'));
+        }
+    }
+
+    void goodOutcomeIsOneWord()
+    {
+        Job job;
+        job.world.setKeepLogs(true);
+        job.run(u"a.m4v"_s);
+        QVERIFY(job.ends());
+        QCOMPARE(lastLine(job.world.scratch.read(u"a.m4v.log"_s)), u"Tessaray: ok"_s);
+    }
+
+    void logThatWasNeverWrittenIsNotMade()
+    {
+        Job job;
+        job.world.setKeepLogs(true);
+        job.job->setLogFilesToDeleteList({job.world.scratch.url(u"never.log"_s)});
+        job.job->jobDone();
+        QVERIFY(!job.exists(u"never.log"_s));
+    }
+
+    void outcomesOfAllStepsAreJoined()
+    {
+        Job job;
+        job.run(u"a.m4v"_s)->judged = Outcome::warnings(u"One."_s);
+        job.run(u"b.m4v"_s);
+        job.job->addOutcome(Outcome::warnings(u"Before."_s));
+        QVERIFY(job.ends());
+        QCOMPARE(job.job->outcome().verdict, Verdict::Warnings);
+        QCOMPARE(job.job->outcome().sentence, u"Before. One."_s);
+    }
+
+    void jobWithoutStepsIsWell()
+    {
+        Job job;
+        job.job->jobDone();
+        QCOMPARE(job.job->outcome().verdict, Verdict::Ok);
+        QVERIFY(job.job->outcome().sentence.isEmpty());
+    }
+
+    void outputsAreTheGoodOnesThatTheUserWanted()
+    {
+        Job job;
+        job.run(u"a.m4v"_s);
+        job.run(u"b.m4v"_s, 5, 1);
+        job.run(u"temp.ac3"_s)->setIsTemporaryOutput(true);
+        job.run(u"c.m4v"_s)->judged = Outcome::warnings(u"Short."_s);
+        QVERIFY(job.ends());
+        const QList<QUrl> expected{job.world.scratch.url(u"a.m4v"_s), job.world.scratch.url(u"c.m4v"_s)};
+        QCOMPARE(job.job->outputs(), expected);
+    }
+
+    void logOfAFailedStepIsKeptAndNamed()
+    {
+        Job job;
+        job.run(u"good.m4v"_s);
+        job.run(u"bad.m4v"_s, 5, 1);
+        QVERIFY(job.ends());
+        QCOMPARE(job.job->outcome().verdict, Verdict::Failed);
+        QVERIFY(job.exists(u"bad.m4v.log"_s));
+        QVERIFY(!job.exists(u"good.m4v.log"_s));
+        const QString named = u"The log is %1."_s.arg(job.path(u"bad.m4v.log"_s));
+        QVERIFY2(job.job->outcome().sentence.contains(named), qPrintable(job.job->outcome().sentence));
+        QCOMPARE(lastLine(job.world.scratch.read(u"bad.m4v.log"_s)),
+                 u"Tessaray: failed: "_s + job.job->outcome().sentence);
+    }
+
+    void emptyOutputOfAFailedStepGoes()
+    {
+        Job job;
+        job.run(u"bad.m4v"_s, 0, 1);
+        QVERIFY(job.ends());
+        QVERIFY(!job.exists(u"bad.m4v"_s));
+        QVERIFY(!job.job->outcome().sentence.contains(u"incomplete"_s));
+    }
+
+    void anyOtherOutputOfAFailedStepStaysAndIsNamed()
+    {
+        Job job;
+        job.run(u"bad.m4v"_s, 1, 1);
+        QVERIFY(job.ends());
+        QVERIFY(job.exists(u"bad.m4v"_s));
+        const QString named = u"The incomplete output %1 was kept."_s.arg(job.path(u"bad.m4v"_s));
+        QVERIFY(job.job->outcome().sentence.contains(named));
+    }
+
+    void intermediateOutputOfAFailedStepIsNotCalledKept()
+    {
+        Job job;
+        const auto converter = job.run(u"temp.ac3"_s, 5, 1);
+        converter->setIsTemporaryOutput(true);
+        job.job->setTempFilesToDeleteList({converter->outputFileURL()});
+        QVERIFY(job.ends());
+        QVERIFY(!job.exists(u"temp.ac3"_s));
+        QVERIFY(!job.job->outcome().sentence.contains(u"was kept"_s));
+    }
+
+    void refusedOutputIsLeftAlone()
+    {
+        Job job(step::WhenTaken::Refuse);
+        job.world.scratch.write(u"old.m4v"_s, "");
+        const auto converter = job.run(u"old.m4v"_s);
+        QVERIFY(!converter->converterTask());
+        job.job->endIfNothingRuns();
+        QVERIFY(job.ends());
+        QVERIFY(job.exists(u"old.m4v"_s));
+        QCOMPARE(job.job->outcome().verdict, Verdict::Failed);
+        QCOMPARE(job.job->outcome().sentence, converter->refusal());
+    }
+
+    void emptyFileUnderARefusedNameIsLeftAloneEvenIfTheStepRanBefore()
+    {
+        Job job(step::WhenTaken::Refuse);
+        job.world.scratch.write(u"old.m4v"_s, "");
+        const auto converter = job.run(u"new.m4v"_s, 5, 1);
+        QVERIFY(!converter->claimOutput(job.world.scratch.url(u"old.m4v"_s)));
+        QVERIFY(job.ends());
+        QVERIFY(job.exists(u"old.m4v"_s));
+    }
+
+    void replacedFileReturnsWhenTheJobFails()
+    {
+        Job job(step::WhenTaken::Replace);
+        job.world.scratch.write(u"a.m4v"_s, "old");
+        job.run(u"a.m4v"_s, 5, 1);
+        QVERIFY(job.ends());
+        QCOMPARE(job.world.scratch.read(u"a.m4v"_s), QByteArray("old"));
+        QCOMPARE(job.world.scratch.read(u"a (incomplete).m4v"_s), QByteArray("wwwww"));
+        const QString sentence = job.job->outcome().sentence;
+        QVERIFY(sentence.contains(
+            u"The incomplete output %1 was kept."_s.arg(job.path(u"a (incomplete).m4v"_s))));
+        QVERIFY(sentence.contains(u"The log is %1."_s.arg(job.path(u"a.m4v.log"_s))));
+        QVERIFY(job.exists(u"a.m4v.log"_s));
+    }
+
+    void replacedFileGoesWhenTheJobEndsWell()
+    {
+        Job job(step::WhenTaken::Replace);
+        job.world.scratch.write(u"a.m4v"_s, "old");
+        job.run(u"a.m4v"_s)->judged = Outcome::warnings(u"Short."_s);
+        QVERIFY(job.ends());
+        QCOMPARE(job.world.scratch.read(u"a.m4v"_s), QByteArray("wwwww"));
+        QVERIFY(!job.exists(u"a (replaced).m4v"_s));
+        QVERIFY(!job.exists(u"a (incomplete).m4v"_s));
+    }
+
+    void namesAreFreeForOthersAfterTheEnd()
+    {
+        Job job;
+        const auto converter = job.run(u"a.m4v"_s);
+        QVERIFY(job.world.outputs.isTaken(converter->outputFileURL(), nullptr));
+        QVERIFY(job.ends());
+        QVERIFY(!job.world.outputs.isTaken(converter->outputFileURL(), nullptr));
+        QVERIFY(!job.world.outputs.isTaken(job.world.scratch.url(u"film.mkv"_s), nullptr));
+    }
+
+    void almostFullVolumeIsTold_data()
+    {
+        QTest::addColumn<qint64>("free");
+        QTest::addColumn<bool>("isTold");
+        QTest::newRow("999,999 bytes") << qint64(999'999) << true;
+        QTest::newRow("1,000,000 bytes") << qint64(1'000'000) << false;
+        QTest::newRow("nothing") << qint64(0) << true;
+    }
+
+    void almostFullVolumeIsTold()
+    {
+        QFETCH(qint64, free);
+        QFETCH(bool, isTold);
+        Job job;
+        job.world.volumes.setFree(free);
+        job.job->jobDone();
+        QCOMPARE(job.world.alerts.shown().size(), isTold ? 1 : 0);
+        QCOMPARE(job.record.count(u"jobDone"_s), 1);
+        if (!isTold)
+            return;
+        const auto alert = job.world.alerts.shown().first();
+        QCOMPARE(alert->message, u"It appears that your save volume is almost out of free space."_s);
+        QCOMPARE(alert->informativeText, u"The output of the just finished job may not be complete."_s);
+        QCOMPARE(alert->style, platform::AlertStyle::Plain);
+        QCOMPARE(alert->closesAfter, std::chrono::milliseconds(10000));
+    }
+
+    void volumeThatCannotBeReadIsPassedOver()
+    {
+        Job job;
+        job.world.volumes.setFree(std::nullopt);
+        job.job->jobDone();
+        QVERIFY(job.world.alerts.shown().isEmpty());
+    }
+
+    void volumeOfTheSaveFolderIsAsked()
+    {
+        Job job;
+        job.job->jobDone();
+        QCOMPARE(job.world.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(job.world.scratch.path())});
+        Job saved;
+        saved.world.setSaveFolder(u"/saved"_s);
+        saved.job->jobDone();
+        QCOMPARE(saved.world.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(u"/saved"_s)});
+    }
+
+    void alertClosesItselfAfterTenSeconds()
+    {
+        Job job;
+        job.world.volumes.setFree(0);
+        job.job->jobDone();
+        const auto &alerts = job.world.alerts;
+        QVERIFY(!support::waitFor([&] { return !alerts.closed().isEmpty(); }, 9500));
+        QVERIFY(support::waitFor([&] { return !alerts.closed().isEmpty(); }, 2000));
+        QCOMPARE(alerts.closed().first(), alerts.shown().first());
+        QCOMPARE(alerts.openCount(), 0);
+    }
+
+    void alertDoesNotKeepTheJob()
+    {
+        Job job;
+        job.world.volumes.setFree(0);
+        job.job->jobDone();
+        const std::weak_ptr<KXJob> weak = job.job;
+        job.job.reset();
+        QVERIFY(weak.expired());
+    }
+};
+
+QTEST_GUILESS_MAIN(KXJobEndTest)
+#include "KXJobEndTest.moc"
