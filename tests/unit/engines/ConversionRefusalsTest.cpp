@@ -1,0 +1,122 @@
+#include "support/ConversionBench.h"
+#include "support/HandMade.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+
+/// Numbers and choices with which ffmpeg could only fail are refused before anything runs.
+class ConversionRefusalsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void numbers_data()
+    {
+        QTest::addColumn<QString>("codec");
+        QTest::addColumn<QString>("rate");
+        QTest::addColumn<QString>("width");
+        QTest::addColumn<QString>("passes");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char *name, const QString &codec, const QString &rate, const QString &width,
+                            const QString &passes, const QString &words) {
+            QTest::newRow(name) << codec << rate << width << passes << words;
+        };
+        const QString encode = u"h264"_s;
+        row("well", encode, u"2500"_s, u"1280"_s, u"1"_s, {});
+        row("well, two passes", encode, u"2500"_s, u"1280"_s, u"2"_s, {});
+        row("no rate in one pass", encode, u"0"_s, u"1280"_s, u"1"_s, {});
+        row("no rate in two passes", encode, u"0"_s, u"1280"_s, u"2"_s,
+            u"Two passes need a video bit rate above 0."_s);
+        row("zeros in two passes", encode, u"000"_s, u"1280"_s, u"2"_s,
+            u"Two passes need a video bit rate above 0."_s);
+        const QString badRate = u"The video bit rate \"%1\" is not a number of kb/s"_s;
+        for (const QString &rate : {u""_s, u"-5"_s, u"abc"_s, u"12k"_s, u"1.5"_s, u" 12"_s, u"none"_s})
+            row(qPrintable(u"rate \"%1\""_s.arg(rate)), encode, rate, u"1280"_s, u"1"_s, badRate.arg(rate));
+        row("rate absent", encode, {}, u"1280"_s, u"1"_s, badRate.arg(QString()));
+        const QString badWidth = u"The width \"%1\" is not a number of pixels"_s;
+        for (const QString &width : {u""_s, u"-640"_s, u"wide"_s, u"640px"_s, u"6.4"_s, u"0"_s, u"1"_s})
+            row(qPrintable(u"width \"%1\""_s.arg(width)), encode, u"2500"_s, width, u"1"_s,
+                badWidth.arg(width));
+        row("width absent", encode, u"2500"_s, {}, u"1"_s, badWidth.arg(QString()));
+        // A copied picture needs no numbers.
+        row("copied, no numbers", u"passthru"_s, {}, {}, u"1"_s, {});
+        row("copied, bad numbers", u"passthru"_s, u"-5"_s, u"wide"_s, u"2"_s, {});
+    }
+
+    void numbers()
+    {
+        QFETCH(QString, codec);
+        QFETCH(QString, rate);
+        QFETCH(QString, width);
+        QFETCH(QString, passes);
+        QFETCH(QString, words);
+        ConversionBench bench;
+        const auto selection = bench.selection(u"General"_s, {videoTrack(codec)}, passes);
+        selection->setUserVideoBitRate(rate);
+        selection->setUserWidth(width);
+        const auto job = bench.make(selection);
+        QCOMPARE(job->refusal().isNull(), words.isNull());
+        QVERIFY2(job->refusal().startsWith(words), qPrintable(job->refusal()));
+    }
+
+    void aWidthThatNobodyKnowsIsNoReason()
+    {
+        ConversionBench bench;
+        const auto selection = bench.selection(u"General"_s, {videoTrack()});
+        selection->setVideoTrackWidth(u"0"_s);
+        selection->setUserWidth(u"0"_s);
+        QVERIFY(bench.make(selection)->refusal().isNull());
+    }
+
+    void withoutVideoThereAreNoNumbersToRefuse()
+    {
+        ConversionBench bench;
+        const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
+        const auto selection = bench.selection(u"MKV"_s, {audio});
+        selection->setUserVideoBitRate({});
+        QVERIFY(bench.make(selection)->refusal().isNull());
+    }
+
+    void burningNeedsAReencode_data()
+    {
+        QTest::addColumn<QString>("video");
+        QTest::addColumn<QString>("subtitle");
+        QTest::addColumn<bool>("isRefused");
+        QTest::newRow("copied, burned") << u"passthru"_s << u"burn"_s << true;
+        QTest::newRow("copied, muxed") << u"passthru"_s << u"mux"_s << false;
+        QTest::newRow("copied, muxed, in capitals") << u"passthru"_s << u"Mux"_s << false;
+        QTest::newRow("copied, extracted") << u"passthru"_s << u"Extract"_s << false;
+        QTest::newRow("encoded, burned") << u"h264"_s << u"burn"_s << false;
+    }
+
+    void burningNeedsAReencode()
+    {
+        QFETCH(QString, video);
+        QFETCH(QString, subtitle);
+        QFETCH(bool, isRefused);
+        ConversionBench bench;
+        const auto job = bench.make(u"MKV"_s, {videoTrack(video), subtitleTrack(u"3"_s, u"srt"_s, subtitle)});
+        QCOMPARE(job->refusal(),
+                 isRefused ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString());
+    }
+
+    void aRefusedJobRunsNothingAndEnds()
+    {
+        ConversionBench bench;
+        const auto job =
+            bench.make(u"MKV"_s, {videoTrack(u"passthru"_s), subtitleTrack(u"3"_s, u"srt"_s, u"burn"_s)});
+        QVERIFY(bench.run(job));
+        QVERIFY(bench.calls().isEmpty());
+        QCOMPARE(bench.record.count(u"conversionStarted"_s), 0);
+        QCOMPARE(job->outcome().verdict, step::Verdict::Failed);
+        QCOMPARE(job->outcome().sentence,
+                 u"A subtitle can only be burned into a video that is re-encoded."_s);
+        QCOMPARE(bench.world.scratch.names().filter(u"a.mkv"_s), QStringList{u"a.mkv"_s});
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversionRefusalsTest)
+#include "ConversionRefusalsTest.moc"
