@@ -1,0 +1,185 @@
+#include "engines/KXExtractTracksJob.h"
+#include "engines/EngineJobs.h"
+#include "jobs/JobFactory.h"
+#include "support/FakeTool.h"
+#include "support/HandMade.h"
+#include "support/JobWorld.h"
+#include "support/Waiting.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+using step::Verdict;
+
+namespace {
+
+const QString wellDone = u"err frame=9 Lsize=9kB time=00:02:00.00 bitrate"_s;
+
+class ExtractionBench final
+{
+public:
+    explicit ExtractionBench(const QStringList &script = {wellDone, u"write 10 last"_s})
+        : source(world.scratch.url(u"a.mkv"_s))
+        , record(world.notifications, {u"progressUpdate"_s, u"jobDone"_s, u"conversionStarted"_s})
+    {
+        world.setKeepLogs(false);
+        world.scratch.write(u"a.mkv"_s, "film");
+        world.installTool(u"ffmpeg/ffmpeg"_s,
+                          QStringList{u"record "_s + world.scratch.path(u"runs"_s)} + script);
+        world.installTool(u"ffmpeg/ffprobe"_s, {u"out   Duration: 00:02:00.00, start: 0.0"_s});
+    }
+    ~ExtractionBench()
+    {
+        if (job && !job->hasEnded())
+            job->stopJob();
+    }
+    Q_DISABLE_COPY_MOVE(ExtractionBench)
+
+    void start(const TrackList &tracks)
+    {
+        for (const TrackPointer &track : tracks)
+            track->setTrackFileURL(source);
+        const auto selection = handMadeSelection(u"General"_s, tracks);
+        selection->setVideoTrackFileURL(source);
+        job = std::make_shared<KXExtractTracksJob>(world.jobContext());
+        job->initJobWithSelectionAndPreferences(selection, world.preferences);
+        job->startJob();
+    }
+    bool waitForEnd() const
+    {
+        return waitFor([&] { return record.count(u"jobDone"_s) > 0; });
+    }
+    void post(const QString &name, const QString &text, qsizetype step)
+    {
+        auto *converter = job->stepConverterList().at(step).get();
+        world.notifications.post(name, text,
+                                 {{u"stepName"_s, converter->stepName()},
+                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+    }
+
+    JobWorld world{JobWorld::Tools::Fake};
+    QUrl source;
+    NotificationRecord record;
+    std::shared_ptr<KXExtractTracksJob> job;
+};
+
+TrackPointer sound()
+{
+    return audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {});
+}
+
+} // namespace
+
+class KXExtractTracksJobTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyTrackIsAStepAndAllRunAtOnce()
+    {
+        ExtractionBench bench({u"hang"_s});
+        const auto other = subtitleTrack(u"3"_s, u"srt"_s);
+        other->setTrackType(u"External Subtitle"_s);
+        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s), other});
+        QCOMPARE(bench.job->progressList(), jobs::ProgressList({{u"Extracting Video Track"_s, u"0%"_s},
+                                                                {u"Extracting Audio Track"_s, u"0%"_s},
+                                                                {u"Extracting Subtitle Track"_s, u"0%"_s},
+                                                                {u"Extracting"_s, u"0%"_s}}));
+        QCOMPARE(bench.job->stepConverterList().size(), 4);
+        QCOMPARE(bench.job->stepTaskList().size(), 4);
+        QVERIFY(bench.job->tempFilesToDeleteList().isEmpty());
+        QCOMPARE(bench.job->logFilesToDeleteList().size(), 4);
+        QCOMPARE(bench.record.count(u"progressUpdate"_s), 1);
+        QVERIFY(
+            waitFor([&] { return FakeTool::recordedRuns(bench.world.scratch.path(u"runs"_s)).size() == 4; }));
+    }
+
+    void eachTrackIsWritten()
+    {
+        ExtractionBench bench;
+        bench.start({videoTrack(), sound()});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
+        QCOMPARE(bench.job->outputs(), QList<QUrl>({bench.world.scratch.url(u"a.mkv.stream0.h264"_s),
+                                                    bench.world.scratch.url(u"a.mkv.stream1.ac3"_s)}));
+        QCOMPARE(bench.world.scratch.names().filter(u"stream"_s),
+                 QStringList({u"a.mkv.stream0.h264"_s, u"a.mkv.stream1.ac3"_s}));
+    }
+
+    void theSaveFolderIsThePreferences()
+    {
+        ExtractionBench bench;
+        bench.world.scratch.write(u"s/x"_s, {});
+        bench.world.setSaveFolder(bench.world.scratch.path(u"s"_s));
+        bench.start({sound()});
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(QFile::exists(bench.world.scratch.path(u"s/a.mkv.stream1.ac3"_s)));
+    }
+
+    void percentAndCompletion()
+    {
+        ExtractionBench bench({u"hang"_s});
+        bench.start({videoTrack(), sound()});
+        bench.post(u"monitorExtractionUpdate"_s, u"45%"_s, 1);
+        bench.post(u"monitorExtractionUpdate"_s, u"no percent"_s, 0);
+        QCOMPARE(bench.job->progressList().at(0).progress, u"0%"_s);
+        QCOMPARE(bench.job->progressList().at(1).progress, u"45%"_s);
+        bench.post(u"taskCompletion"_s, u"Complete"_s, 1);
+        QCOMPARE(bench.job->progressList().at(1).progress, u"Complete"_s);
+        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 0; }, 100));
+        bench.post(u"taskCompletion"_s, u"Complete"_s, 0);
+        QVERIFY(bench.waitForEnd());
+    }
+
+    void announcementsOfAnotherConversionDontCount()
+    {
+        ExtractionBench bench({u"hang"_s});
+        bench.start({sound()});
+        bench.post(u"monitorConversionUpdate"_s, u"45%"_s, 0);
+        QCOMPARE(bench.job->progressList().first().progress, u"0%"_s);
+    }
+
+    /// The others are written all the same.
+    void aTrackThatCantBeWrittenIsNamed()
+    {
+        ExtractionBench bench({u"when 0:2"_s, u"err Unable to find a suitable output format"_s, u"exit 1"_s,
+                               u"end"_s, wellDone, u"write 10 last"_s});
+        const auto subtitle = subtitleTrack(u"2"_s, u"teletext"_s);
+        subtitle->setTrackExtension(u"xxx"_s);
+        subtitle->setTrackInfo(u"Subtitle: (teletext)"_s);
+        bench.start({sound(), subtitle});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.job->outcome().verdict, Verdict::Failed);
+        QVERIFY2(
+            bench.job->outcome().sentence.startsWith(u"Track 2, Subtitle: (teletext), was not written. "_s),
+            qPrintable(bench.job->outcome().sentence));
+        QCOMPARE(bench.job->outputs(), QList<QUrl>{bench.world.scratch.url(u"a.mkv.stream1.ac3"_s)});
+        QVERIFY(
+            QFile::exists(bench.world.scratch.path(u"a.mkv.stream2.xxx.log"_s))); // a failed step's log stays
+    }
+
+    void withoutTracksItEnds()
+    {
+        ExtractionBench bench;
+        bench.start({});
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.job->progressList().isEmpty());
+    }
+
+    void theQueueKnowsTheJobs()
+    {
+        jobs::JobFactory factory;
+        engines::registerJobs(factory);
+        QVERIFY(factory.knows(u"KXConvertWithFfmpegJob"_s));
+        QVERIFY(factory.knows(u"KXExtractTracksJob"_s));
+        QVERIFY(!factory.knows(u"KXConvertToMkvJob"_s));
+        JobWorld world(JobWorld::Tools::Fake);
+        const auto job = factory.make(u"KXExtractTracksJob"_s, world.jobContext());
+        QVERIFY(qobject_cast<KXExtractTracksJob *>(job.get()) != nullptr);
+    }
+};
+
+QTEST_GUILESS_MAIN(KXExtractTracksJobTest)
+#include "KXExtractTracksJobTest.moc"
