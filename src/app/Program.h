@@ -15,14 +15,13 @@
 
 #include <memory>
 
-namespace app
-{
+namespace app {
 
 /// Makes everything that exists once per program and hands it around. Both programs own one; it shows
 /// nothing and decides nothing.
 class Program final
 {
-  public:
+public:
     struct Options
     {
         QString defaultsPath; ///< empty: the user's own
@@ -40,10 +39,12 @@ class Program final
     KXNotificationCenter &notifications() { return m_notifications; }
     KXQueueController &queue() { return m_queue; }
     const jobs::JobFactory &factory() const { return m_factory; }
+    /// Where names are kept that no job may write to.
+    step::OutputRegistry &outputs() { return m_outputs; }
     /// What jobs are handed, with another launcher and registry where only the commands are wanted.
     jobs::JobContext contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs);
 
-  private:
+private:
     jobs::JobContext context();
 
     step::WhenTaken m_whenTaken;

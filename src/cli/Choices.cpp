@@ -83,8 +83,7 @@ void Choices::readTarget(const CommandLine &line)
     }
     const bool isMp4 =
         engines::outputKindNamed(engines::appNameForDevice(m_device)) == engines::OutputKind::Pollenta;
-    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4) &&
-        kind.toUpper() != m_device)
+    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4))
         return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(m_device, kind));
     if (kind == u"mkv"_s || kind == u"avi"_s)
         m_device = kind.toUpper();
@@ -96,14 +95,13 @@ void Choices::readVideo(const CommandLine &line)
         m_video = line.value(u"video"_s);
     if (!QStringList{u"passthru"_s, u"1pass"_s, u"2pass"_s}.contains(m_video))
         fail(u"--video takes passthru, 1pass or 2pass, not \"%1\"."_s.arg(m_video));
-    for (const QString &option : {u"video-bitrate"_s, u"width"_s}) {
+    for (const QString &option : {u"width"_s, u"video-bitrate"_s}) {
         if (!line.has(option))
             continue;
         if (!isPositiveNumber(line.value(option)))
             fail(u"--%1 takes a whole number above 0, not \"%2\"."_s.arg(option, line.value(option)));
         else if (!reencodes())
-            fail(u"--%1 needs --video 1pass or 2pass: a video that passes through stays as it is."_s.arg(
-                option));
+            m_note = u"--%1 changes nothing: the video passes through as it is."_s.arg(option);
     }
     m_videoBitRate = line.value(u"video-bitrate"_s);
     m_width = line.value(u"width"_s);

@@ -21,6 +21,8 @@ public:
 
     /// What is wrong with them; a null text when nothing is.
     QString error() const { return m_error; }
+    /// What of them has no effect; a null text when all have one.
+    QString note() const { return m_note; }
     /// The stream indexes of --tracks; no value when it was not given.
     const std::optional<QStringList> &tracks() const { return m_tracks; }
     /// What is wrong with them for this selection: tracks that it does not hold.
@@ -29,8 +31,11 @@ public:
     QString refusalFor(const KXSelection &selection) const;
     /// Writes them into a selection whose tracks are already chosen.
     void applyTo(KXSelection &selection) const;
-    /// True when the target carries no subtitles.
-    bool targetIsAvi() const { return m_device == QStringLiteral("AVI"); }
+    /// True when the target carries no subtitles and none is to be drawn into the picture.
+    bool leavesOutSubtitles() const
+    {
+        return m_device == QStringLiteral("AVI") && m_subtitles == QStringLiteral("mux");
+    }
 
 private:
     void readTarget(const CommandLine &line);
@@ -43,6 +48,7 @@ private:
     void fail(const QString &sentence);
 
     QString m_error;
+    QString m_note;
     QString m_device = QStringLiteral("General");
     QString m_video = QStringLiteral("passthru");
     QString m_videoBitRate; ///< null: the source's

@@ -67,7 +67,7 @@ void CommandLine::takeOption(const QString &word, const QStringList &words, qsiz
             m_error = u"The option --%1 takes no value."_s.arg(name);
         m_values[name].append(u""_s);
     } else if (hasInlineValue) {
-        m_values[name].append(word.section(u'=', 1));
+        m_values[name].append(word.mid(word.indexOf(u'=') + 1)); // never null, even if empty
     } else if (position + 1 < words.size()) {
         m_values[name].append(words.at(++position));
     } else {

@@ -29,7 +29,7 @@ SelectionPointer ConvertCommand::prepared(Session &session, const QString &path,
         status = session.failed(u"%1: %2"_s.arg(path, file.status));
         return nullptr;
     }
-    if (choices.targetIsAvi() && !choices.tracks())
+    if (choices.leavesOutSubtitles() && !choices.tracks())
         leaveOutSubtitles(*file.selection); // an AVI carries none; nobody asked for one by name
     const QStringList missing = missingTracks(*file.selection, choices.tracks());
     if (!missing.isEmpty()) {
@@ -56,6 +56,8 @@ ExitStatus ConvertCommand::execute(Session &session) const
     const Choices choices(session.line());
     if (!choices.error().isNull())
         return session.wrongUsage(choices.error());
+    if (!choices.note().isNull())
+        session.console().say(choices.note());
     return submitEachFile(session, [&](const QString &path, ExitStatus &status) {
         return prepared(session, path, choices, status);
     });

@@ -32,7 +32,8 @@ QJsonValue remainingLog(const KXJob &job)
     QJsonValue found;
     for (const QUrl &log : job.logFilesToDeleteList()) {
         const QString path = log.toLocalFile();
-        if (!QFileInfo::exists(path))
+        // A step that was refused has no log of its own yet: its name is still the source's.
+        if (log == job.jobSelection()->videoTrackFileURL() || !QFileInfo::exists(path))
             continue;
         if (job.outcome().sentence.contains(path))
             return path;
@@ -69,8 +70,15 @@ JobRun::JobRun(Session &session)
     connect(&m_queue, &KXQueueController::jobChanged, this, &JobRun::changed);
 }
 
+JobRun::~JobRun()
+{
+    m_session.program().outputs().release(this);
+}
+
 bool JobRun::add(const SelectionPointer &selection)
 {
+    // A job gives its inputs free when it ends; what was named here stays safe from those behind it.
+    m_session.program().outputs().add(this, selection->videoTrackFileURL());
     const qsizetype before = m_queue.qJobList().size();
     m_queue.addToQueue(selection);
     for (qsizetype row = before; row < m_queue.qJobList().size(); ++row) {

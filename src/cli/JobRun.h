@@ -18,6 +18,7 @@ class JobRun final : public QObject
 
 public:
     explicit JobRun(Session &session);
+    ~JobRun() override;
 
     /// Puts a selection into the queue; false when no job class takes it.
     bool add(const SelectionPointer &selection);

@@ -76,7 +76,17 @@ QString Session::saveFolderProblem()
 
 QString absolutePath(const QString &path)
 {
-    return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    if (path.isEmpty())
+        return {};
+    // Not by QFileInfo, which takes a name like ":a" for something built into the program.
+    const QString whole = path.startsWith(u'/') ? path : QDir::currentPath() + u'/' + path;
+    // What ".." leads to is for the file system to say: the folder in front of it may be a link.
+    const QStringList parts = whole.split(u'/');
+    const qsizetype lastUp = parts.lastIndexOf(u".."_s);
+    const QString folder = QFileInfo(parts.first(lastUp + 1).join(u'/')).canonicalFilePath();
+    if (lastUp < 0 || folder.isEmpty())
+        return QDir::cleanPath(whole);
+    return QDir::cleanPath(folder + u'/' + parts.mid(lastUp + 1).join(u'/'));
 }
 
 } // namespace cli

@@ -42,7 +42,7 @@ private:
     std::unique_ptr<app::Program> m_program;
 };
 
-/// A path of the command line made absolute, without "." and "..".
+/// A path of the command line made absolute, without "." and ".."; an empty one stays empty.
 QString absolutePath(const QString &path);
 
 } // namespace cli
