@@ -1,0 +1,285 @@
+// What each launch rule is for: with the installed ffmpeg a list fails, or does harm, without the rule,
+// and succeeds with it.
+#include "engines/ExtractionArguments.h"
+#include "engines/FfmpegArguments.h"
+#include "engines/FfmpegDevices.h"
+#include "engines/FfmpegLaunch.h"
+#include "engines/FfmpegSingleTrack.h"
+#include "support/ClipKitchen.h"
+#include "support/Clips.h"
+#include "support/RealRuns.h"
+#include "support/Twin.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace engines;
+using namespace support;
+using tools::OptionList;
+
+namespace {
+
+enum class Pass { Only, First, Second };
+
+/// One conversion of one clip as lists and facts, with a folder to run it in.
+class Trial final
+{
+public:
+    Trial(const QString &clip, const QString &device)
+        : selection(m_runs.reencoded(clip, device, u"1"_s))
+    {
+        QDir().mkpath(m_runs.path(u"work"_s));
+        selection->setUserVideoBitRate(u"300"_s);
+        request.kind = outputKindNamed(appNameForDevice(device));
+        request.output = outputForBase(m_runs.path(u"out"_s), request.kind, device);
+        request.passlogfile = m_runs.path(u"statistics"_s);
+    }
+
+    /// The list that is meant for a pass.
+    OptionList meant(Pass pass)
+    {
+        selection->setUserPassNumber(pass == Pass::Only ? u"1"_s : u"2"_s);
+        const auto lists = conversionLists(*selection, request);
+        return pass == Pass::Second ? lists.second : lists.first;
+    }
+
+    /// ffmpeg's exit status for a list, with one rule left out or (without a name) with all of them.
+    int statusWithout(const QString &rule, const OptionList &list, Pass pass, int milliseconds = 60000)
+    {
+        LaunchFacts facts = launchFactsOf(*selection, request.kind);
+        facts.passlogfile = request.passlogfile;
+        facts.isSecondPass = pass == Pass::Second;
+        facts.generatesTimestamps = wasRetried;
+        const auto form = ffmpegLaunchFormWithout(rule, list, facts);
+        warnings = form.warnings;
+        QFile::remove(output());
+        return statusOf(u"ffmpeg"_s, tools::argumentsOf(form.list), m_runs.path(u"work"_s), milliseconds);
+    }
+    int statusWith(const OptionList &list, Pass pass) { return statusWithout({}, list, pass); }
+
+    QString output() const { return request.output.toLocalFile(); }
+    QString path(const QString &name) const { return m_runs.path(name); }
+
+private:
+    RealRuns m_runs;
+
+public:
+    SelectionPointer selection;
+    ConversionRequest request;
+    QStringList warnings;
+    bool wasRetried = false;
+};
+
+AudioSettingsList made(const QString &codec, const QString &channels)
+{
+    return {{{u"userCodec"_s, codec}, {u"userNumberOfChannels"_s, channels}, {u"userBitRate"_s, u"96"_s}}};
+}
+
+/// The rule of that number; the test of the names keeps the numbers right.
+QString rule(int number)
+{
+    return ffmpegLaunchRuleNames().at(number);
+}
+
+} // namespace
+
+class LaunchRulesTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// A rule without trials would be missing here.
+    void everyRuleHasItsTrials()
+    {
+        QCOMPARE(ffmpegLaunchRuleNames(),
+                 QStringList({u"shell words of a process list are split"_s,
+                              u"statistics of a single track have a place of their own"_s,
+                              u"pass stands behind the last input"_s, u"an overlay ends with its subtitle"_s,
+                              u"an audio filter beside copied audio is one stream's"_s,
+                              u"libx264 gets an even size"_s,
+                              u"a subtitle that the container can't hold is left out"_s,
+                              u"MP4 text copied into Matroska becomes SRT"_s, u"pass 2 into MP4 says so"_s,
+                              u"a retried pass 2 makes timestamps too"_s}));
+    }
+
+    void shellWords()
+    {
+        Trial trial(film(), u"General"_s);
+        const auto lists = singleTrack(trial);
+        QCOMPARE(trial.statusWith(lists.first, Pass::First), 0);
+        QVERIFY(trial.statusWithout(rule(0), lists.second, Pass::Second) > 0);
+        QVERIFY(!QFile::exists(trial.output()));
+        QCOMPARE(trial.statusWith(lists.second, Pass::Second), 0);
+        QCOMPARE(codecsOf(trial.output()), u"h264"_s);
+    }
+
+    /// Without a name they go to whatever folder ffmpeg runs in, over those of somebody else.
+    void statisticsOfASingleTrack()
+    {
+        Trial trial(film(), u"General"_s);
+        const auto lists = singleTrack(trial);
+        const QString stray = trial.path(u"work/ffmpeg2pass-0.log"_s);
+        QCOMPARE(trial.statusWithout(rule(1), lists.first, Pass::First), 0);
+        QVERIFY(QFile::exists(stray));
+        writeContent(stray, "somebody else's");
+        QCOMPARE(trial.statusWith(lists.first, Pass::First), 0);
+        QCOMPARE(contentOf(stray), QByteArray("somebody else's"));
+        QVERIFY(QFile::exists(trial.path(u"statistics-0.log"_s)));
+        QVERIFY(trial.statusWithout(rule(1), lists.second, Pass::Second) != 0);
+        QCOMPARE(trial.statusWith(lists.second, Pass::Second), 0);
+        QCOMPARE(codecsOf(trial.output()), u"h264"_s);
+    }
+
+    void passBehindTheInputs()
+    {
+        Trial trial(film(), u"General"_s);
+        const auto sound = std::make_shared<KXVideoTrack>();
+        sound->setTrackType(u"Audio"_s);
+        sound->setTrackCodec(u"ac3"_s);
+        sound->setExternalTrackFlag(true);
+        sound->setTrackFileURL(QUrl::fromLocalFile(surroundAc3()));
+        sound->setUserAudioSettingsDictionaryArray({{{u"userCodec"_s, u"passthru"_s}}});
+        trial.selection->setTrackList(trial.selection->trackList() << sound);
+        for (const Pass pass : {Pass::First, Pass::Second}) {
+            const auto list = trial.meant(pass);
+            QVERIFY(trial.statusWithout(rule(2), list, pass) > 0);
+            QCOMPARE(trial.statusWith(list, pass), 0);
+        }
+        QCOMPARE(codecsOf(trial.output()), u"h264 aac ac3 mov_text"_s);
+    }
+
+    /// Without the rule the picture never ends: a file of days, or a run that crashes or hangs.
+    void overlay()
+    {
+        Trial trial(pgsMkv(), u"MKV"_s);
+        keepStreams(*trial.selection, {u"0"_s, u"2"_s});
+        streamOf(*trial.selection, u"2"_s)->setUserCodec(u"burn"_s);
+        trial.request.subToBurn = trial.selection->videoTrackFileURL();
+        const auto list = trial.meant(Pass::Only);
+        const int status = trial.statusWithout(rule(3), list, Pass::Only, 30000);
+        const double seconds = secondsOf(trial.output());
+        QVERIFY2(status != 0 || qAbs(seconds - 8) > 1, qPrintable(u"%1, %2 s"_s.arg(status).arg(seconds)));
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QVERIFY(qAbs(secondsOf(trial.output()) - 8) < 0.5);
+    }
+
+    void audioFilterBesideACopy()
+    {
+        Trial trial(fullMkv(), u"MKV"_s);
+        trial.request.useDplii = true;
+        keepStreams(*trial.selection, {u"1"_s, u"2"_s});
+        streamOf(*trial.selection, u"1"_s)->setUserAudioSettingsDictionaryArray(made(u"aac"_s, u"2"_s));
+        const auto list = trial.meant(Pass::Only);
+        QVERIFY(trial.statusWithout(rule(4), list, Pass::Only) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), u"aac aac"_s);
+    }
+
+    void oddSize()
+    {
+        Trial trial(oddAvi(), u"General"_s);
+        const auto list = trial.meant(Pass::Only);
+        QVERIFY(trial.statusWithout(rule(5), list, Pass::Only) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        const auto video = streamsOf(trial.output()).first();
+        QCOMPARE(video.value(u"width"_s).toInt(), 320);
+        QCOMPARE(video.value(u"height"_s).toInt(), 240);
+    }
+
+    void oddSizeOfASingleTrack()
+    {
+        Trial trial(oddAvi(), u"General"_s);
+        const auto lists = singleTrack(trial);
+        QVERIFY(trial.statusWithout(rule(5), lists.first, Pass::First) > 0);
+        QCOMPARE(trial.statusWith(lists.first, Pass::First), 0);
+    }
+
+    void subtitleWithoutAPlace()
+    {
+        Trial trial(pgsMkv(), u"General"_s);
+        const auto list = trial.meant(Pass::Only);
+        QVERIFY(trial.statusWithout(rule(6), list, Pass::Only) > 0);
+        QVERIFY(trial.warnings.isEmpty());
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), u"h264 aac"_s);
+        QCOMPARE(trial.warnings, QStringList{u"The subtitle track 2 (hdmv_pgs_subtitle) can't be held by the "
+                                             "output and was left out."_s});
+    }
+
+    void mp4TextInMatroska()
+    {
+        Trial trial(textMp4(), u"MKV"_s);
+        const auto list = trial.meant(Pass::Only);
+        QVERIFY(trial.statusWithout(rule(7), list, Pass::Only) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), u"h264 aac subrip"_s);
+    }
+
+    void formatOfPassTwo_data()
+    {
+        QTest::addColumn<QString>("stream");
+        QTest::addColumn<QString>("made");
+        QTest::addColumn<QString>("codec");
+        QTest::newRow("made MP3") << u"2"_s << u"mp3"_s << u"mp3"_s;
+        QTest::newRow("copied DTS") << u"5"_s << QString() << u"dts"_s;
+    }
+
+    void formatOfPassTwo()
+    {
+        QFETCH(QString, stream);
+        QFETCH(QString, made);
+        QFETCH(QString, codec);
+        Trial trial(fullMkv(), u"General"_s);
+        keepStreams(*trial.selection, {u"0"_s, stream});
+        if (!made.isNull())
+            streamOf(*trial.selection, stream)->setUserAudioSettingsDictionaryArray(::made(made, u"2"_s));
+        QCOMPARE(trial.statusWith(trial.meant(Pass::First), Pass::First), 0);
+        const auto list = trial.meant(Pass::Second);
+        QVERIFY(trial.statusWithout(rule(8), list, Pass::Second) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Second), 0);
+        QCOMPARE(codecsOf(trial.output()), u"h264 "_s + codec);
+    }
+
+    void timestampsOfPassTwo()
+    {
+        Trial trial(packedAvi(), u"MKV"_s);
+        trial.selection->trackList().first()->setUserCodec(u"passthru"_s);
+        trial.wasRetried = true;
+        const auto list = trial.meant(Pass::Second);
+        QVERIFY(trial.statusWithout(rule(9), list, Pass::Second) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Second), 0);
+        QCOMPARE(codecsOf(trial.output()), u"mpeg4"_s);
+    }
+
+    /// The one rule of extractions.
+    void dtshdHasNoFormatOfItsOwn()
+    {
+        RealRuns runs;
+        const auto selection = runs.probed(fullMkv());
+        const auto track = streamOf(*selection, u"5"_s);
+        const QUrl output = runs.world.scratch.url(u"a.stream5.dtshd"_s);
+        const auto meant = ffmpegExtractionArguments(*track, output);
+        QVERIFY(statusOf(u"ffmpeg"_s, tools::argumentsOf(meant), runs.path()) > 0);
+        QFile::remove(output.toLocalFile());
+        QCOMPARE(statusOf(u"ffmpeg"_s, tools::argumentsOf(extractionLaunchForm(meant, output)), runs.path()),
+                 0);
+        QCOMPARE(codecsOf(output.toLocalFile()), u"dts"_s);
+    }
+
+private:
+    /// h264 (0), aac (1) and mov_text (2).
+    static QString film() { return textMp4(); }
+
+    static ConversionLists singleTrack(Trial &trial)
+    {
+        keepStreams(*trial.selection, {u"0"_s});
+        trial.selection->setUserPassNumber(u"2"_s);
+        return singleTrackLists(*trial.selection, *trial.selection->trackList().first(), trial.request.output,
+                                QUrl::fromLocalFile(trial.path(u"log"_s)));
+    }
+};
+
+QTEST_GUILESS_MAIN(LaunchRulesTest)
+#include "LaunchRulesTest.moc"
