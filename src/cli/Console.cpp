@@ -74,6 +74,7 @@ void Console::progress(const QString &text)
     if (errorIsTerminal())
         return showLive(text);
     const bool isDue = !m_sinceLine.isValid() || m_sinceLine.elapsed() >= sparseMs;
+    m_heldBack = isDue ? QString() : text;
     if (!isDue)
         return;
     m_lastProgress = text;
@@ -93,7 +94,10 @@ void Console::endProgress()
 {
     if (m_liveLineShown)
         write(stderr, "\n");
+    else if (!m_heldBack.isNull())
+        write(stderr, printable(m_heldBack).toUtf8() + '\n');
     m_liveLineShown = false;
+    m_heldBack.clear();
     m_lastProgress.clear();
     m_sinceLine.invalidate();
 }

@@ -24,7 +24,7 @@ public:
     void say(const QString &sentence);
     /// How far a step is. On a terminal one line that changes, else a line now and then.
     void progress(const QString &text);
-    /// Ends the live line, if one is shown.
+    /// Ends the live line, if one is shown, and says what was held back.
     void endProgress();
 
 private:
@@ -34,6 +34,7 @@ private:
     bool m_quiet = false;
     bool m_liveLineShown = false;
     QString m_lastProgress;
+    QString m_heldBack; ///< what was not due yet; the last of it is said at the end
     QElapsedTimer m_sinceLine;
 };
 
