@@ -213,6 +213,8 @@ void KXConvertWithFfmpegJob::startPass2SelectorFor(KXFfmpegConverter &converter)
     const auto first = converter.converterTask();
     removeTask(first);
     const bool mayGoOn = !first || first->exitStatus() == 0;
+    if (!mayGoOn && converter.asksForTimestamps())
+        return retryForTimeStampError(converter); // else a copied picture would never come through
     const auto task = mayGoOn ? converter.startSecondPass() : nullptr;
     if (task)
         addTask(task);

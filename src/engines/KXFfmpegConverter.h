@@ -36,6 +36,8 @@ public:
     void handleNewTaskResult(const step::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     step::Outcome outcome() const override;
+    /// True when the run failed for packets without timestamps.
+    bool asksForTimestamps() const;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
@@ -47,7 +49,6 @@ private:
     bool fontCacheIsThere() const;
     void checkFontCache();
     void postProgress(const step::FfmpegReading &reading);
-    bool asksForTimestamps() const;
     void removeInterruptedStatistics();
 
     step::FfmpegProgressReader m_progress;

@@ -158,6 +158,31 @@ private Q_SLOTS:
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
+    /// A picture that is copied in two passes meets its missing timestamps in pass 1 already.
+    void aRetryOfPassOneGoesOnToPassTwo()
+    {
+        ConversionBench bench(QStringList{u"when genpts"_s} + ConversionBench::wellDone() +
+                              QStringList({u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
+        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
+        QVERIFY(bench.run(job));
+        const auto calls = bench.calls();
+        QCOMPARE(calls.size(), 3);
+        QCOMPARE(calls.at(1), pair + calls.at(0));
+        QCOMPARE(calls.at(2).mid(0, 2), pair);
+        QCOMPARE(calls.at(2).last(), bench.path(u"a.mkv.mkv"_s));
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
+    }
+
+    void aPassOneThatNeverHelpsIsGivenUp()
+    {
+        ConversionBench bench({timestampLine, u"exit 1"_s});
+        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
+        QVERIFY(bench.run(job));
+        QCOMPARE(bench.calls().size(), 6);
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+    }
+
     void theLastCompletionEndsItOnce()
     {
         ConversionBench bench({u"hang"_s});
