@@ -197,9 +197,6 @@ bool KXJob::everyStepIsComplete() const
 
 void KXJob::requestJobDone(int afterMilliseconds)
 {
-    if (m_doneRequested || m_ended)
-        return;
-    m_doneRequested = true;
     QTimer::singleShot(afterMilliseconds, this, [this] { jobDone(); });
 }
 

@@ -100,7 +100,7 @@ protected:
     void followNotification(const KXNotification &notification, const QString &monitorName);
     void completeStep(qsizetype index, const QString &label);
     bool everyStepIsComplete() const;
-    /// Asks for jobDone() once, from the event loop.
+    /// Asks for jobDone() from the event loop; however often that is asked, a job ends once.
     void requestJobDone(int afterMilliseconds = 0);
     /// A job of which nothing runs would never end: it ends after 0.1 s.
     void endIfNothingRuns();
@@ -131,7 +131,6 @@ private:
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_outputs;
     QString m_temporaryFolder;
-    bool m_doneRequested = false;
     bool m_ended = false;
 };
 

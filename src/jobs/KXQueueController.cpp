@@ -154,7 +154,6 @@ int KXQueueController::addOnePerFile(const SelectionPointer &selection, const QS
         const SelectionPointer own = jobsOwnCopy(selection);
         job->initJobWithSelectionAndPreferences(own, m_context.preferences);
         own->setVideoTrackFileURL(file);
-        job->setJobSelection(own); // again: its inputs are others now
         job->setJobFileName(file.fileName());
         Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
         ++added;

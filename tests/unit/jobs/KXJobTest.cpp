@@ -159,6 +159,17 @@ private Q_SLOTS:
         QVERIFY(!steps.isDone());
     }
 
+    void queuedJobDoesNotEndWithAnotherJobsSteps()
+    {
+        JobOfSteps queued({});
+        const auto other = support::makeTestJob(queued.world.jobContext());
+        const auto converter = other->addStep(u"one"_s, queued.world.scratch.url(u"one"_s));
+        converter->post(u"taskCompletion"_s, u"Complete"_s);
+        QVERIFY(support::waitFor([&] { return other->hasEnded(); }));
+        QCOMPARE(queued.job->heard, 1);
+        QVERIFY(!support::waitFor([&] { return queued.job->hasEnded(); }, 200));
+    }
+
     void jobIsDoneExactlyOnceWhenEveryStepIsComplete()
     {
         JobOfSteps steps({u"one"_s, u"two"_s});

@@ -295,6 +295,19 @@ private Q_SLOTS:
         QCOMPARE(step.converter.durationIsAssumed(), isAssumed);
     }
 
+    void durationInANameWithLineFeedsDoesNotCount()
+    {
+        Step step;
+        const QString name = u"a\n  Duration: 00:00:09.00, b.mkv"_s;
+        step.world.installTool(
+            u"ffmpeg/ffprobe"_s,
+            {u"err Input #0, from '%1':"_s.arg(step.world.scratch.path(name)).replace(u"\n"_s, u"\\n"_s),
+             u"err   Duration: 00:00:40.00, start: 0"_s});
+        step.converter.setInputFileURL(step.world.scratch.url(name));
+        step.converter.findDurationInSeconds();
+        QCOMPARE(step.converter.durationInSeconds(), u"40"_s);
+    }
+
     void missingProbeGivesThreeHours()
     {
         Step step;

@@ -65,6 +65,8 @@ private Q_SLOTS:
         QVERIFY(registry.isTaken(scratch.url(u"real//a.m4v"_s), nullptr));
         QVERIFY(registry.isTaken(scratch.url(u"real/../real/a.m4v"_s), nullptr));
         QVERIFY(registry.isTaken(scratch.url(u"link/a.m4v"_s), nullptr));
+        registry.add(&one, scratch.url(u"link//b.m4v"_s));
+        QVERIFY(registry.isTaken(scratch.url(u"real/b.m4v"_s), nullptr));
     }
 };
 
