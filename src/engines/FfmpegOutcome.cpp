@@ -14,6 +14,16 @@ namespace {
 constexpr qint64 toleratedSeconds = 2;
 constexpr qint64 toleratedPercent = 90;
 
+step::ToolLog saidIn(const FfmpegRun &run)
+{
+    QString log = run.log;
+    for (const QString &file : run.files) {
+        if (!file.isEmpty())
+            log.replace(file, u"the file"_s);
+    }
+    return step::ToolLog(log);
+}
+
 bool isShort(const FfmpegRun &run)
 {
     const qint64 duration = tools::leadingInteger(run.durationInSeconds);
@@ -26,13 +36,15 @@ bool isShort(const FfmpegRun &run)
 
 Outcome outcomeOfMessages(const FfmpegRun &run)
 {
-    const step::ToolLog log(run.log);
+    const step::ToolLog log = saidIn(run);
     if (log.hasLineContaining(u"No space left on device"_s))
         return Outcome::failed(u"There was no space left for the output."_s);
     Outcome outcome = Outcome::ok();
-    const QString damage = log.firstLineContaining({u"File ended prematurely"_s, u"partial file"_s,
-                                                    u"Error while decoding stream"_s,
-                                                    u"Invalid data found when processing input"_s});
+    const QString damage = log.firstLineContaining(
+        {u"File ended prematurely"_s, u"partial file"_s, u"Error while decoding stream"_s,
+         u"error while decoding MB"_s, u"corrupt decoded frame"_s, u"corrupt input packet"_s,
+         u"invalid as first byte of an EBML number"_s, u"exceeds containing master element"_s,
+         u"Invalid data found when processing input"_s});
     if (!damage.isNull())
         outcome = outcome.joinedWith(Outcome::warnings(u"The source seems damaged: %1."_s.arg(damage)));
     if (isShort(run)) {
@@ -41,6 +53,13 @@ Outcome outcomeOfMessages(const FfmpegRun &run)
         outcome = outcome.joinedWith(Outcome::warnings(sentence.arg(done, run.durationInSeconds)));
     }
     return outcome;
+}
+
+bool hasWriteError(const FfmpegRun &run)
+{
+    const step::ToolLog log = saidIn(run);
+    return !log.hasLineContaining(u"frame="_s) ||
+           log.hasLineContaining(u"av_interleaved_write_frame(): Invalid argument"_s);
 }
 
 bool hasTimestampError(const QString &log)

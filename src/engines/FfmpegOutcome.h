@@ -3,6 +3,7 @@
 #include "tools/step/Outcome.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace engines {
 
@@ -10,6 +11,7 @@ namespace engines {
 struct FfmpegRun
 {
     QString log;
+    QStringList files;         ///< paths that stand in the log; what their names say never counts
     QString lastTime;          ///< last progress time, H:M:S
     QString durationInSeconds; ///< of the input; "0" or assumed: absent
     bool hasVideo = false;
@@ -18,6 +20,9 @@ struct FfmpegRun
 /// Failed when the disk was full, done with warnings when the source was damaged or the result is
 /// shorter than it, else Ok.
 step::Outcome outcomeOfMessages(const FfmpegRun &run);
+
+/// True when no frame was written, or the container refused a packet.
+bool hasWriteError(const FfmpegRun &run);
 
 /// True when the log asks for generated timestamps.
 bool hasTimestampError(const QString &log);

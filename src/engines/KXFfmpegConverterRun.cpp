@@ -113,15 +113,21 @@ step::Outcome KXFfmpegConverter::outcome() const
         return step::Outcome::failed(refusal());
     engines::FfmpegRun run;
     run.log = logString();
+    run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
     run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
     run.hasVideo = converterSelection() && hasVideo(*converterSelection());
     step::Outcome ended = outcomeOfTool();
-    if (ended.verdict != step::Verdict::Failed && run.hasVideo && conversionError())
+    // The mark counts words anywhere in the log, also in names and titles, so it is looked at again.
+    if (ended.verdict != step::Verdict::Failed && run.hasVideo && conversionError() &&
+        engines::hasWriteError(run))
         ended = step::Outcome::failed(u"ffmpeg wrote no picture."_s);
+    const step::Outcome said = engines::outcomeOfMessages(run);
+    if (said.verdict == step::Verdict::Failed)
+        return said; // tells why, whatever the exit status is
     if (ended.verdict == step::Verdict::Failed)
         return ended;
-    ended = ended.joinedWith(engines::outcomeOfMessages(run));
+    ended = ended.joinedWith(said);
     for (const QString &warning : m_warnings)
         ended = ended.joinedWith(step::Outcome::warnings(warning));
     return ended;

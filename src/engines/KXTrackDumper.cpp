@@ -163,20 +163,27 @@ QString KXTrackDumper::pollMkvextract()
     return oldProgress();
 }
 
+/// What ffmpeg's lines say of a run that ended so; a full disk is the reason, whatever the exit status.
+step::Outcome KXTrackDumper::outcomeBeside(const step::Outcome &ended, const KXVideoTrack &source) const
+{
+    engines::FfmpegRun run;
+    run.log = logString();
+    run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
+    run.lastTime = oldProgress();
+    run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
+    run.hasVideo = source.trackType() == u"Video"_s && doShell_ID().isEmpty();
+    const step::Outcome said = engines::outcomeOfMessages(run);
+    return ended.verdict == step::Verdict::Ok || said.verdict == step::Verdict::Failed ? said : ended;
+}
+
 step::Outcome KXTrackDumper::outcome() const
 {
     if (extractorName() == u"mp4box"_s)
         return step::Outcome::failed(u"No tool here writes that kind of subtitle out of this container."_s);
-    const step::Outcome ended = KXConverter::outcome();
+    step::Outcome ended = KXConverter::outcome();
     const KXVideoTrack *source = converterSelection() ? track() : nullptr;
-    if (ended.verdict == step::Verdict::Ok && extractorName() == u"ffmpeg"_s && source != nullptr) {
-        engines::FfmpegRun run;
-        run.log = logString();
-        run.lastTime = oldProgress();
-        run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
-        run.hasVideo = source->trackType() == u"Video"_s && doShell_ID().isEmpty();
-        return engines::outcomeOfMessages(run);
-    }
+    if (source != nullptr && refusal().isNull() && extractorName() == u"ffmpeg"_s)
+        ended = outcomeBeside(ended, *source);
     if (ended.verdict != step::Verdict::Failed || source == nullptr)
         return ended;
     return step::Outcome::failed(u"Track %1, %2, was not written. %3"_s.arg(

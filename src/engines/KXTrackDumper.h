@@ -39,6 +39,7 @@ private:
     QString pollFfmpeg();
     QString pollMkvextract();
     QString lastLogLine() const;
+    step::Outcome outcomeBeside(const step::Outcome &ended, const KXVideoTrack &source) const;
 
     step::FfmpegProgressReader m_progress;
 };

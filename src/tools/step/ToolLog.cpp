@@ -17,6 +17,14 @@ bool repeatsTheFile(const QString &line)
     return line.startsWith(u' ') || line.startsWith(u"Input #"_s) || line.startsWith(u"Output #"_s);
 }
 
+/// Encoders close with their figures, also when the run failed.
+bool isClosingFigure(const QString &line)
+{
+    static const QRegularExpression figures(
+        u"^video:|^\\[libx264 @ \\w+\\] (frame [IPB]:|mb [IPB] |consecutive|8x8|coded|i\\d+ |Weighted|ref [PB]|kb/s:)|\\] Qavg:"_s);
+    return figures.match(line).hasMatch();
+}
+
 } // namespace
 
 ToolLog::ToolLog(const QString &text)
@@ -65,7 +73,7 @@ QString ToolLog::firstLineContaining(const QStringList &parts) const
 QString ToolLog::lastMessage() const
 {
     const auto saysMore = [](const QString &line) {
-        return !isStatusLine(line) && !line.startsWith(u"Conversion failed"_s) &&
+        return !isStatusLine(line) && !isClosingFigure(line) && !line.startsWith(u"Conversion failed"_s) &&
                !line.startsWith(u"Exiting normally"_s) && !line.startsWith(u"Stream mapping"_s) &&
                !line.startsWith(u"Press [q]"_s);
     };

@@ -46,10 +46,16 @@ private Q_SLOTS:
     void aDamagedSourceIsAWarning_data()
     {
         QTest::addColumn<QString>("line");
-        for (const QString &line : {u"[matroska,webm @ 0x1] File ended prematurely"_s,
-                                    u"/v/a.mp4: stream 0, offset 0x1: partial file"_s,
-                                    u"Error while decoding stream #0:0: Invalid data"_s,
-                                    u"/v/a.mkv: Invalid data found when processing input"_s})
+        for (
+            const QString &line :
+            {u"[matroska,webm @ 0x1] File ended prematurely"_s,
+             u"/v/a.mp4: stream 0, offset 0x1: partial file"_s,
+             u"Error while decoding stream #0:0: Invalid data"_s,
+             u"/v/a.mkv: Invalid data found when processing input"_s,
+             u"[h264 @ 0x1] error while decoding MB 7 0, bytestream 4353"_s,
+             u"/v/a.mkv: corrupt decoded frame in stream 0"_s, u"/v/a.ts: corrupt input packet in stream 0"_s,
+             u"[matroska,webm @ 0x1] 0x00 at pos 9 (0x9) invalid as first byte of an EBML number"_s,
+             u"[matroska,webm @ 0x1] Element at 0x9 ending at 0x99 exceeds containing master element ending at 0x9"_s})
             QTest::newRow(qPrintable(line)) << line;
     }
 
@@ -69,6 +75,41 @@ private Q_SLOTS:
                                "    comment         : packet with unknown timestamp\n"_s;
         QCOMPARE(outcomeOfMessages(whole(banner + usual)).verdict, Verdict::Ok);
         QVERIFY(!hasTimestampError(banner));
+    }
+
+    void namesNeverCount_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("full disk") << u"No space left on device"_s;
+        QTest::newRow("damage") << u"File ended prematurely"_s;
+        QTest::newRow("refused packet") << u"av_interleaved_write_frame(): Invalid argument"_s;
+        QTest::newRow("a line of its own") << u"a\nNo space left on device"_s;
+    }
+
+    void namesNeverCount()
+    {
+        QFETCH(QString, name);
+        const QString source = u"/v/"_s + name + u".mkv"_s;
+        const QString output = u"/v/"_s + name + u".m4v"_s;
+        const QString opening =
+            u"[mov @ 0x1] Opening '%1' for reading\n[mp4 @ 0x2] Opening '%2' for writing\n"_s;
+        auto run = whole(opening.arg(source, output) + usual);
+        QVERIFY(outcomeOfMessages(run).verdict != Verdict::Ok || hasWriteError(run)); // the trap works
+        run.files = {source, output};
+        QCOMPARE(outcomeOfMessages(run).verdict, Verdict::Ok);
+        QVERIFY(!hasWriteError(run));
+        run.log += u"\n%1: Invalid data found when processing input\n"_s.arg(source);
+        QCOMPARE(outcomeOfMessages(run).sentence,
+                 u"The source seems damaged: the file: Invalid data found when processing input."_s);
+    }
+
+    void aWriteErrorIsSeen()
+    {
+        QVERIFY(!hasWriteError(whole(usual)));
+        QVERIFY(hasWriteError(whole(QString())));
+        QVERIFY(hasWriteError(whole(usual + u"\nav_interleaved_write_frame(): Invalid argument\n"_s)));
+        QVERIFY(!hasWriteError(
+            whole(usual + u"\n    title : av_interleaved_write_frame(): Invalid argument\n"_s)));
     }
 
     void aShortResultIsAWarning_data()

@@ -261,6 +261,9 @@ private Q_SLOTS:
             u"no picture"_s);
         row("full disk", {done, u"err x: No space left on device"_s, u"write 10 last"_s},
             step::Verdict::Failed, u"no space left"_s);
+        row("full disk, exit status",
+            {done, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s},
+            step::Verdict::Failed, u"There was no space left for the output."_s);
         row("damaged", {u"err [matroska @ 0x1] File ended prematurely"_s, done, u"write 10 last"_s},
             step::Verdict::Warnings, u"seems damaged"_s);
         row("short", {u"err frame=9 time=00:00:10.00 "_s, u"write 10 last"_s}, step::Verdict::Warnings,

@@ -336,6 +336,10 @@ private Q_SLOTS:
             u"Track 0, Video: (h264), was not written. ffmpeg"_s);
         row("nothing written", {end}, step::Verdict::Failed,
             u"Track 0, Video: (h264), was not written. ffmpeg"_s);
+        QTest::newRow("process, full disk")
+            << QStringList{end, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s} << false
+            << static_cast<int>(step::Verdict::Failed)
+            << u"Track 0, Video: (h264), was not written. There was no space left for the output."_s;
         row("empty", {end, u"write 0 last"_s}, step::Verdict::Failed, u"wrote nothing"_s);
     }
 

@@ -62,6 +62,15 @@ private Q_SLOTS:
                "[libx264 @ 0x1] width not divisible by 2 (321x241)\nframe= 0 time=00:00:00.00 \r"
                "Conversion failed!\n"_s
             << u"[libx264 @ 0x1] width not divisible by 2 (321x241)"_s;
+        QTest::newRow("encoders close with figures")
+            << u"av_interleaved_write_frame(): Broken pipe\n"
+               "video:1kB audio:1kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: 1%\n"
+               "[libx264 @ 0x5a] frame I:2     Avg QP:20.00  size:  9000\n[libx264 @ 0x5a] mb I  I16..4: 1%\n"
+               "[libx264 @ 0x5a] 8x8 transform intra:50%\n[libx264 @ 0x5a] coded y,uvDC,uvAC intra: 9%\n"
+               "[libx264 @ 0x5a] i16 v,h,dc,p: 90%\n[libx264 @ 0x5a] Weighted P-Frames: Y:0.0% UV:0.0%\n"
+               "[libx264 @ 0x5a] ref P L0: 60%\n[libx264 @ 0x5a] consecutive B-frames: 10%\n"
+               "[libx264 @ 0x5a] kb/s:476.35\n[aac @ 0x5b] Qavg: 2098.709\nConversion failed!\n"_s
+            << u"av_interleaved_write_frame(): Broken pipe"_s;
         QTest::newRow("interrupted") << u"What it did\nExiting normally, received signal 15.\n"_s
                                      << u"What it did"_s;
         QTest::newRow("only that") << u"Conversion failed!\n"_s << QString();
