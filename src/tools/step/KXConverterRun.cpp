@@ -201,8 +201,8 @@ QString KXConverter::monitorConversion()
 
 void KXConverter::findDurationInSeconds()
 {
-    const QString answer =
-        doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s});
+    const QString answer = withoutNames(
+        doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s}));
     QString time = u"0"_s;
     for (const QString &line : answer.split(u'\n')) {
         if (!line.trimmed().startsWith(u"Duration:"_s))
