@@ -61,6 +61,7 @@ public:
     QString program() const { return m_program; }
     QString resources() const;
     void setEnvironment(const QString &name, const QString &value) { m_environment.insert(name, value); }
+    const QProcessEnvironment &environment() const { return m_environment; }
     /// Every process that came from this program and runs, the program itself included.
     QList<qint64> processes() const;
     /// The command lines of those processes, words joined by blanks.
