@@ -26,6 +26,14 @@ void catchOnce(int number)
     ::sigaction(number, &action, nullptr);
 }
 
+/// A signal that is ignored stays so: that is how "nohup" works.
+void catchUnlessIgnored(int number)
+{
+    struct sigaction current = {};
+    if (::sigaction(number, nullptr, &current) == 0 && current.sa_handler != SIG_IGN)
+        catchOnce(number);
+}
+
 } // namespace
 
 Interrupts::Interrupts()
@@ -38,6 +46,7 @@ Interrupts::Interrupts()
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { wake(); });
     catchOnce(SIGINT);
     catchOnce(SIGTERM);
+    catchUnlessIgnored(SIGHUP); // a closed terminal would leave the tools behind in their groups
     ::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not end a conversion half-way
 }
 

@@ -9,8 +9,8 @@
 
 namespace cli {
 
-/// Turns the first interrupt or terminate signal into a Qt signal; the second one ends the program at
-/// once. One per program.
+/// Turns the first interrupt, terminate or hang-up signal into a Qt signal; the second one ends the program
+/// at once. One per program.
 class Interrupts final : public QObject
 {
     Q_OBJECT

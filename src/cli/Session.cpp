@@ -60,7 +60,7 @@ ExitStatus Session::unlessInterrupted(ExitStatus status) const
 {
     if (!isInterrupted())
         return status;
-    return m_interrupts.signalNumber() == SIGTERM ? ExitStatus::Terminated : ExitStatus::Interrupted;
+    return m_interrupts.signalNumber() == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated;
 }
 
 QString Session::saveFolderProblem()

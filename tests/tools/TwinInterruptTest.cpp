@@ -217,6 +217,30 @@ private Q_SLOTS:
         QVERIFY(toolsAfter(SIGINT).isEmpty());
     }
 
+    void aClosedTerminalStopsIt()
+    {
+        m_twin->clip(support::longMkv(120), u"long.mkv"_s);
+        start(words(u"convert long.mkv --video 1pass"_s));
+        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        QVERIFY(toolsAfter(SIGHUP).isEmpty());
+        QCOMPARE(end().status, 143);
+        QCOMPARE(m_twin->mediaNames(), QStringList({u"long.mkv"_s}));
+    }
+
+    void aClosedTerminalMayBeIgnored()
+    {
+        m_twin->clip(support::longMkv(120), u"long.mkv"_s);
+        const auto before = ::signal(SIGHUP, SIG_IGN); // what "nohup" hands on
+        start(words(u"convert long.mkv --video 1pass"_s));
+        ::signal(SIGHUP, before);
+        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        ::kill(static_cast<pid_t>(m_process->processId()), SIGHUP);
+        QTest::qWait(300);
+        QCOMPARE(m_process->state(), QProcess::Running);
+        QVERIFY(toolsAfter(SIGINT).isEmpty());
+        QCOMPARE(end().status, 130);
+    }
+
     void theSecondInterruptEndsAtOnce_data()
     {
         QTest::addColumn<int>("first");
