@@ -41,6 +41,14 @@ QUrl extractionOutput(const QString &base, const KXVideoTrack &track)
     return QUrl::fromLocalFile(u"%1.stream"_s.arg(base) + track.trackFfmpegID() + u'.' + extension);
 }
 
+QUrl extractionCompanion(const QUrl &output, const KXVideoTrack &track)
+{
+    const QString path = output.toLocalFile();
+    if (!isForMkvextract(track) || track.trackCodec() != u"vobsub"_s || !path.endsWith(u".idx"_s))
+        return {};
+    return QUrl::fromLocalFile(path.chopped(3) + u"sub"_s);
+}
+
 bool isForMkvextract(const KXVideoTrack &track)
 {
     return isPictureSubtitle(track) && track.trackFileExtension().toLower() == u"mkv"_s;

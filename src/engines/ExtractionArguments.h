@@ -10,6 +10,8 @@ namespace engines {
 
 /// The output's path: "BASE.streamN.EXTENSION", with ".ass" for MP4's text subtitles.
 QUrl extractionOutput(const QString &base, const KXVideoTrack &track);
+/// A second file that the tool writes beside the output, a VobSub's ".sub"; without a path: none.
+QUrl extractionCompanion(const QUrl &output, const KXVideoTrack &track);
 /// True for a picture subtitle in an MKV file, which mkvextract writes; ffmpeg writes all else.
 bool isForMkvextract(const KXVideoTrack &track);
 /// True for a picture subtitle in a file of the MP4 family, for which a background run starts no tool.

@@ -3,6 +3,7 @@
 #include "engines/ExtractionArguments.h"
 #include "engines/FfmpegOutcome.h"
 #include "media/KXVideoTrack.h"
+#include "platform/FileIdentity.h"
 #include "prefs/KXPreferences.h"
 #include "tools/Numbers.h"
 #include "tools/step/OutputGuard.h"
@@ -35,6 +36,11 @@ bool KXTrackDumper::prepare(const QString &base, Naming naming)
         setOutputFileURL(context().guard.claimFree(wanted));
     else if (!claimOutput(wanted))
         return false;
+    const QUrl companion = engines::extractionCompanion(outputFileURL(), *track());
+    if (!isEmpty(companion) && platform::isTakenName(companion)) {
+        refuse(u"%1 exists already, so nothing was started."_s.arg(companion.toLocalFile()));
+        return false;
+    }
     claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
     setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
     return true;

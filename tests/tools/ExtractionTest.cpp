@@ -147,6 +147,20 @@ private Q_SLOTS:
         QVERIFY(contentOf(runs.path(u"a.mkv.stream6.idx"_s)).contains("VobSub index file"));
     }
 
+    /// mkvextract writes two files, and asks for neither.
+    void aVobSubNeverOverwritesItsSecondFile()
+    {
+        RealRuns runs;
+        runs.world.scratch.write(u"a.mkv.stream6.sub"_s, "mine");
+        const auto job = runs.extract(withPicture(runs, vobsubMkv(), u"6"_s, u"vobsub"_s, u"idx"_s));
+        QVERIFY(runs.run(job));
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QVERIFY2(job->outcome().sentence.contains(u"a.mkv.stream6.sub exists already"_s),
+                 qPrintable(job->outcome().sentence));
+        QCOMPARE(contentOf(runs.path(u"a.mkv.stream6.sub"_s)), QByteArray("mine"));
+        QVERIFY(!QFile::exists(runs.path(u"a.mkv.stream6.idx"_s)));
+    }
+
     void inTheBackground_data()
     {
         QTest::addColumn<QString>("clip");

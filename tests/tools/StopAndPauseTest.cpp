@@ -131,6 +131,7 @@ class StopAndPauseTest final : public QObject
 private Q_SLOTS:
     void init()
     {
+        m_slow.reset(); // it holds the folder for temporary files
         m_slow = std::make_unique<SlowRuns>();
         m_source = m_slow->runs.film(fullMkv());
     }

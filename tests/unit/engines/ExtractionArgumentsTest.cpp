@@ -95,6 +95,17 @@ private Q_SLOTS:
         QCOMPARE(isForMp4box(*track), mp4box);
     }
 
+    void aVobSubHasASecondFile()
+    {
+        const QUrl index = QUrl::fromLocalFile(u"/o/a.idx"_s);
+        QCOMPARE(extractionCompanion(index, *subtitleTrack(u"2"_s, u"vobsub"_s)),
+                 QUrl::fromLocalFile(u"/o/a.sub"_s));
+        QVERIFY(extractionCompanion(index, *subtitleTrack(u"2"_s, u"pgs"_s)).isEmpty());
+        QVERIFY(extractionCompanion(output, *subtitleTrack(u"2"_s, u"vobsub"_s)).isEmpty());
+        QVERIFY(extractionCompanion(index, *external(subtitleTrack(u"2"_s, u"vobsub"_s), u"/v/a.mp4"_s))
+                    .isEmpty());
+    }
+
     void aPgsSubtitleByItsMkvmergeNumber()
     {
         const auto track = subtitleTrack(u"5"_s, u"pgs"_s);
