@@ -145,7 +145,7 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
     waitForBackground(pid);
     if (context().launcher.isRehearsal() || jobIsCancelled())
         return dumper.outputFileURL();
-    const step::Outcome outcome = dumper.outcome();
+    const step::Outcome outcome = outcomeOfStep(dumper);
     if (outcome.verdict == step::Verdict::Failed)
         addOutcome(outcome);
     else if (keeping == KXConverter::Keeping::TheOutput)

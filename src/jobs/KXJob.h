@@ -105,11 +105,12 @@ protected:
     /// A job of which nothing runs would never end: it ends after 0.1 s.
     void endIfNothingRuns();
     void addOutcome(const step::Outcome &outcome);
+    /// The outcome of a step that has ended; the log of a failed one is kept and named.
+    step::Outcome outcomeOfStep(KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
 
 private:
     void settleOutcome();
-    step::Outcome outcomeOfStep(KXConverter &converter);
     void writeOutcomeToLogs();
     void deleteFiles(const QList<QUrl> &files);
     void deleteUnfinishedOutputs();
