@@ -201,6 +201,20 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(bench.path(u"a.mkv.stream3 (2).srt"_s)));
     }
 
+    /// An intermediate file takes a free name also where a taken output is refused.
+    void aTakenIntermediateNameIsNoRefusal()
+    {
+        ConversionBench bench;
+        bench.world.scratch.write(u"a.mkv.stream3.srt"_s, "mine");
+        const auto job =
+            std::make_shared<KXConvertWithFfmpegJob>(bench.world.jobContext(step::WhenTaken::Refuse));
+        job->initJobWithSelectionAndPreferences(bench.selection(u"General"_s, {videoTrack(), burned(u"3"_s)}),
+                                                bench.world.preferences);
+        QVERIFY(bench.run(job));
+        QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY(behind(bench.calls().at(1), u"-vf"_s).endsWith(u"a.mkv.stream3 (2).srt"_s));
+    }
+
     void aFailedExtractionStillConverts()
     {
         ConversionBench bench(QStringList{u"when 0:3"_s, u"err Cannot find it"_s, u"exit 1"_s, u"end"_s} +

@@ -101,6 +101,24 @@ private Q_SLOTS:
                               u"3:passthru:6"_s}));
     }
 
+    void alsoWhenThereAreMany()
+    {
+        TrackList tracks;
+        QStringList expected;
+        for (int stream = 1; stream <= 40; ++stream) {
+            const bool isFirst = stream % 3 == 0;
+            tracks << audioTrack(QString::number(stream), u"dts"_s, u"6"_s,
+                                 audioSettings(isFirst ? u"aac"_s : u"mp3"_s, u"2"_s));
+            if (isFirst)
+                expected << QString::number(stream) + u":aac:2"_s;
+        }
+        for (int stream = 1; stream <= 40; ++stream) {
+            if (stream % 3 != 0)
+                expected << QString::number(stream) + u":mp3:2"_s;
+        }
+        QCOMPARE(orderOf(tracks), expected);
+    }
+
     void onlyAudioTracksCount()
     {
         const auto video = videoTrack();
