@@ -287,6 +287,8 @@ private Q_SLOTS:
         QVERIFY(second.said().contains(u"gone.mkv: not a video"_s));
         QVERIFY(second.said().contains(u"exactly one video"_s));
         QVERIFY(QFile::exists(m_twin->media(u"a.m4v"_s)));
+        QCOMPARE(m_twin->run(words(u"convert two.mkv"_s)).status, 0); // of itself it takes the first only
+        QCOMPARE(codecsOf(m_twin->media(u"two.m4v"_s)), u"h264"_s);
         const auto third = m_twin->run(words(u"convert two.mkv --tracks 0,1"_s));
         QCOMPARE(third.status, 2);
         QVERIFY2(third.said().contains(u"2 are chosen"_s), qPrintable(third.said()));
