@@ -98,7 +98,7 @@ QString KXVideoFile::createTrackListForSelf()
     deriveVideoBitRates(builder.tracks());
     if (isStopped())
         return notAVideo;
-    builder.nameUntitledTracks();
+    media::nameUntitledTracks(builder.tracks());
     takeTracksFrom(builder);
     return ok;
 }

@@ -10,8 +10,17 @@
 #include <memory>
 
 namespace media {
+
 class TrackBuilder;
-}
+
+/// What a separate file gives: its tracks (more than one can't be added), or a refusal and no track.
+struct AddedTracks
+{
+    TrackList tracks;
+    QString refusal; ///< "video track", "too many tracks", "track not identified" or "not a video"
+};
+
+} // namespace media
 
 class KXVideoFile;
 using VideoFilePointer = std::shared_ptr<KXVideoFile>;
@@ -93,6 +102,17 @@ public:
     /// Fills the file's own properties; "OK" also without a video stream.
     QString createFilePropertiesForSelf();
 
+    // Separate files that are added to this one (KXVideoFileAdded.cpp).
+
+    /// What a file that comes in is good for: "replace file" (load it as a new video), "add file" (a
+    /// single audio stream or subtitle) or "not a video file". With no file open always "replace file".
+    QString whatToDoWithFile(const QUrl &url) const;
+    /// The track that such a file holds, or why it holds none.
+    media::AddedTracks createAddedTrackForURL(const QUrl &url) const;
+    /// Puts it behind the file's own tracks and counts anew: "OK", "adding video track", "too many tracks",
+    /// "track not identified" or "not a video"; anything but "OK" leaves the track list as it was.
+    QString addTrack(const QUrl &url);
+
     /// A file with the same values of propertiesKeysList() and the same tracks.
     VideoFilePointer copy() const;
     /// Takes the same over from another file.
@@ -126,5 +146,7 @@ private:
     QString refuse(const QString &status, const QString &reason) const;
     void deriveVideoBitRates(const TrackList &tracks) const;
     void takeTracksFrom(const media::TrackBuilder &builder);
+    QString refuseAdded(const QUrl &url, const QString &reason) const;
+    void countTracksAnew();
     void takeVideoStream(const QVariantMap &stream);
 };

@@ -161,9 +161,9 @@ TrackList TrackBuilder::tracksOf(TrackKind kind) const
     return tracks;
 }
 
-void TrackBuilder::nameUntitledTracks() const
+void nameUntitledTracks(const TrackList &tracks)
 {
-    for (const TrackPointer &track : m_tracks) {
+    for (const TrackPointer &track : tracks) {
         if (track->trackTitle().startsWith(u"none"_s))
             track->setTrackTitle(track->trackType() + u" Track"_s);
     }

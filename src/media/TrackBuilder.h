@@ -30,8 +30,6 @@ public:
     /// The tracks of one kind, in stream order.
     TrackList tracksOf(TrackKind kind) const;
     qsizetype count(TrackKind kind) const { return tracksOf(kind).size(); }
-    /// Gives tracks without a title one: "Audio Track". A title that begins with "none" counts as none.
-    void nameUntitledTracks() const;
     /// The codec that was not identified, possibly empty.
     QString problemCodec() const { return m_problemCodec; }
 
@@ -55,5 +53,7 @@ void setKindFields(KXVideoTrack &track, TrackKind kind, const QVariantMap &strea
 bool setCodecFields(KXVideoTrack &track, TrackKind kind, const QString &codecName);
 /// Title, language and bit rate, each only where the stream tells it.
 void setDescription(KXVideoTrack &track, const QVariantMap &stream);
+/// Gives tracks without a title one: "Audio Track". A title that begins with "none" counts as none.
+void nameUntitledTracks(const TrackList &tracks);
 
 } // namespace media

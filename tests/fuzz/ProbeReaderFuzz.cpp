@@ -22,7 +22,7 @@ void buildTracks(const QList<QVariantMap> &streams)
     media::TrackBuilder builder(file, streams.size());
     for (const QVariantMap &stream : streams)
         builder.add(stream, u"h264"_s);
-    builder.nameUntitledTracks();
+    media::nameUntitledTracks(builder.tracks());
     require(builder.tracks().size() <= streams.size());
     for (const TrackPointer &track : builder.tracks())
         require(!track->trackTitle().startsWith(u"none"_s) && track->trackCodec() != u"none"_s);

@@ -268,7 +268,7 @@ private Q_SLOTS:
         builder.add(stream(u"subtitle"_s, u"ass"_s), {});
         builder.add(tagged({{u"title"_s, u"nonesuch"_s}}), {}); // begins with "none"
         builder.add(tagged({{u"title"_s, u"None"_s}}), {});
-        builder.nameUntitledTracks();
+        media::nameUntitledTracks(builder.tracks());
         QStringList titles;
         for (const TrackPointer &track : builder.tracks())
             titles.append(track->trackTitle());
