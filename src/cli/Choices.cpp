@@ -4,6 +4,7 @@
 #include "engines/FfmpegDevices.h"
 #include "engines/FfmpegSubtitles.h"
 #include "selection/KXSelection.h"
+#include "selection/Targets.h"
 #include "tools/Numbers.h"
 
 #include <algorithm>
@@ -77,9 +78,9 @@ void Choices::readTarget(const CommandLine &line)
         return fail(u"There is no kind \"%1\"; there are mp4, mkv and avi."_s.arg(kind));
     if (line.has(u"device"_s)) {
         m_device = line.value(u"device"_s);
-        if (!engines::targetNames().contains(m_device))
+        if (!selection::targetNames().contains(m_device))
             return fail(u"There is no device \"%1\". The devices are: %2."_s.arg(
-                m_device, engines::targetNames().join(u", "_s)));
+                m_device, selection::targetNames().join(u", "_s)));
     }
     const bool isMp4 =
         engines::outputKindNamed(engines::appNameForDevice(m_device)) == engines::OutputKind::Pollenta;

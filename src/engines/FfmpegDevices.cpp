@@ -65,22 +65,6 @@ QString appNameForDevice(const QString &device)
     return u"Pollenta"_s;
 }
 
-const QStringList &deviceNames()
-{
-    static const QStringList names = [] {
-        QStringList list;
-        for (const Device &device : devices)
-            list.append(QString::fromUtf16(device.name));
-        return list;
-    }();
-    return names;
-}
-
-QStringList targetNames()
-{
-    return QStringList{u"General"_s} + deviceNames() + QStringList{u"MKV"_s, u"AVI"_s};
-}
-
 QStringList applyDeviceRule(KXSelection &selection)
 {
     const auto device = std::find_if(devices.begin(), devices.end(), [&](const Device &row) {

@@ -20,11 +20,6 @@ OutputKind outputKindNamed(const QString &appName);
 /// The kind's name for a target: "MKV" and "AVI" have kinds of their own, everything else is MP4.
 QString appNameForDevice(const QString &device);
 
-/// The 13 devices that have levels and caps, in table order.
-const QStringList &deviceNames();
-/// What a target popup offers: "General", the devices, "MKV", "AVI".
-QStringList targetNames();
-
 /// The level arguments of a device (none for others), and its caps written into the selection:
 /// "userVideoBitRate" in kb/s and "userWidth" in pixels.
 QStringList applyDeviceRule(KXSelection &selection);

@@ -8,8 +8,59 @@
 #define KX_FIELD(TYPE, NAME, SETTER, INITIAL)                                                                \
     Q_PROPERTY(TYPE NAME READ NAME WRITE SETTER)                                                             \
 public:                                                                                                      \
-    TYPE NAME() const { return m_##NAME; }                                                                   \
-    void SETTER(const TYPE &value) { m_##NAME = value; }                                                     \
+    TYPE NAME() const                                                                                        \
+    {                                                                                                        \
+        return m_##NAME;                                                                                     \
+    }                                                                                                        \
+    void SETTER(const TYPE &value)                                                                           \
+    {                                                                                                        \
+        m_##NAME = value;                                                                                    \
+    }                                                                                                        \
+                                                                                                             \
+private:                                                                                                     \
+    TYPE m_##NAME = INITIAL;
+
+/// A field whose setter does more and is written out by the class.
+#define KX_RULED_FIELD(TYPE, NAME, SETTER, INITIAL)                                                          \
+    Q_PROPERTY(TYPE NAME READ NAME WRITE SETTER)                                                             \
+public:                                                                                                      \
+    TYPE NAME() const                                                                                        \
+    {                                                                                                        \
+        return m_##NAME;                                                                                     \
+    }                                                                                                        \
+    void SETTER(const TYPE &value);                                                                          \
+                                                                                                             \
+private:                                                                                                     \
+    TYPE m_##NAME = INITIAL;
+
+/// A field that a window shows: the setter announces a change by the class's signal stateChanged().
+#define KX_STATE(TYPE, NAME, SETTER, INITIAL)                                                                \
+    Q_PROPERTY(TYPE NAME READ NAME WRITE SETTER NOTIFY stateChanged)                                         \
+public:                                                                                                      \
+    TYPE NAME() const                                                                                        \
+    {                                                                                                        \
+        return m_##NAME;                                                                                     \
+    }                                                                                                        \
+    void SETTER(const TYPE &value)                                                                           \
+    {                                                                                                        \
+        if (m_##NAME == value)                                                                               \
+            return;                                                                                          \
+        m_##NAME = value;                                                                                    \
+        Q_EMIT stateChanged();                                                                               \
+    }                                                                                                        \
+                                                                                                             \
+private:                                                                                                     \
+    TYPE m_##NAME = INITIAL;
+
+/// Both: the class writes out the setter and announces the change there.
+#define KX_RULED_STATE(TYPE, NAME, SETTER, INITIAL)                                                          \
+    Q_PROPERTY(TYPE NAME READ NAME WRITE SETTER NOTIFY stateChanged)                                         \
+public:                                                                                                      \
+    TYPE NAME() const                                                                                        \
+    {                                                                                                        \
+        return m_##NAME;                                                                                     \
+    }                                                                                                        \
+    void SETTER(const TYPE &value);                                                                          \
                                                                                                              \
 private:                                                                                                     \
     TYPE m_##NAME = INITIAL;

@@ -186,6 +186,10 @@ std::shared_ptr<KXVideoTrack> stereoCopyOf(const KXVideoTrack &source)
     track->setUserCodec(u"aac"_s);
     track->setUserNumberOfChannels(u"2"_s);
     track->setUserBitRate(u"160"_s);
+    track->setUserAudioSettingsDictionaryArray(
+        {{{u"userCodec"_s, track->userCodec()},
+          {u"userBitRate"_s, track->userBitRate()},
+          {u"userNumberOfChannels"_s, track->userNumberOfChannels()}}});
     track->setIsStereoCopyFlag(true);
     track->setCreateStereoCopyFlag(false);
     return track;

@@ -3,6 +3,7 @@
 #include "support/ClipKitchen.h"
 #include "support/RealRuns.h"
 #include "support/Twin.h"
+#include "selection/Targets.h"
 
 #include <QTest>
 
@@ -107,7 +108,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("passes");
-        for (const QString &device : engines::targetNames()) {
+        for (const QString &device : selection::targetNames()) {
             QTest::addRow("%s, one pass", qPrintable(device)) << device << u"1"_s;
             QTest::addRow("%s, two passes", qPrintable(device)) << device << u"2"_s;
         }
@@ -143,7 +144,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("passes");
-        for (const QString &device : engines::targetNames()) {
+        for (const QString &device : selection::targetNames()) {
             QTest::addRow("%s", qPrintable(device)) << device << u"1"_s;
         }
         QTest::newRow("MKV, two passes asked for") << u"MKV"_s << u"2"_s;

@@ -1,6 +1,7 @@
 #include "engines/FfmpegArguments.h"
 #include "engines/FfmpegDevices.h"
 #include "support/HandMade.h"
+#include "selection/Targets.h"
 
 #include <QTest>
 
@@ -114,7 +115,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("path");
-        for (const QString &device : deviceNames()) {
+        for (const QString &device : selection::deviceNames()) {
             if (device != u"Xbox"_s)
                 QTest::newRow(qPrintable(device)) << device << u"/v/a.b.m4v"_s;
         }

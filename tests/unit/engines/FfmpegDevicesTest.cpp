@@ -1,5 +1,6 @@
 #include "engines/FfmpegDevices.h"
 #include "support/HandMade.h"
+#include "selection/Targets.h"
 
 #include <QTest>
 
@@ -54,8 +55,8 @@ private Q_SLOTS:
                                   u"iPhone (4S and Later)"_s,
                                   u"PS3"_s,
                                   u"Xbox"_s};
-        QCOMPARE(deviceNames(), devices);
-        QCOMPARE(targetNames(), QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
+        QCOMPARE(selection::deviceNames(), devices);
+        QCOMPARE(selection::targetNames(), QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
     }
 
     void levels_data()

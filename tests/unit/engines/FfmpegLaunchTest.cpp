@@ -3,6 +3,7 @@
 #include "engines/FfmpegDevices.h"
 #include "engines/FfmpegSingleTrack.h"
 #include "support/HandMade.h"
+#include "selection/Targets.h"
 
 #include <QTest>
 
@@ -93,7 +94,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("videoCodec");
         QTest::addColumn<QString>("passes");
-        for (const QString &device : targetNames()) {
+        for (const QString &device : selection::targetNames()) {
             for (const QString &codec : {u"passthru"_s, u"h264"_s}) {
                 for (const QString &passes : {u"1"_s, u"2"_s})
                     QTest::addRow("%s, %s, %s", qPrintable(device), qPrintable(codec), qPrintable(passes))
