@@ -130,6 +130,20 @@ QString KXPreferences::saveUserPresetSettingsListFor(const QVariantList &list)
     return saveChanged({settingsKey});
 }
 
+QString KXPreferences::saveUserPresetListsFor(const QVariantList &selections, const QVariantList &settings)
+{
+    const QVariantList selectionsBefore = userPresetSelectionsList();
+    const QVariantList settingsBefore = userPresetSettingsList();
+    setUserPresetSelectionsList(selections);
+    setUserPresetSettingsList(settings);
+    const QString problem = saveChanged({selectionsKey, settingsKey});
+    if (!problem.isNull()) {
+        setUserPresetSelectionsList(selectionsBefore);
+        setUserPresetSettingsList(settingsBefore);
+    }
+    return problem;
+}
+
 void KXPreferences::modifyToolTips()
 {
     const bool shown = panelFlag(u"showToolTipsFlag"_s);

@@ -60,6 +60,8 @@ public:
     /// Both replace the list and store it at once; they answer like savePreferencesToDefaults().
     QString saveUserPresetSelectionsListFor(const QVariantList &list);
     QString saveUserPresetSettingsListFor(const QVariantList &list);
+    /// Both at once, or, on failure, neither.
+    QString saveUserPresetListsFor(const QVariantList &selections, const QVariantList &settings);
     /// Every tool tip's text and the menu item's title, after "showToolTipsFlag".
     void modifyToolTips();
     /// Fixes the tools folder and unpacks the tool archives there.

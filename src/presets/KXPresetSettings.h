@@ -1,0 +1,88 @@
+#pragma once
+
+#include "media/KXVideoFile.h"
+#include "platform/Fields.h"
+
+#include <QVariantMap>
+
+#include <memory>
+
+class KXPresetSettings;
+class KXSelectionController;
+
+using PresetSettingsPointer = std::shared_ptr<KXPresetSettings>;
+
+/// A named bundle of conversion choices: target, video, audio, subtitles. Owned by the presets'
+/// controller; user presets are stored as records. It fills in the main window's controls and the outputs
+/// of the selected audio tracks, and touches no other track.
+class KXPresetSettings final : public QObject
+{
+    Q_OBJECT
+    // Until an initializer or a record fills them, texts are absent and numbers 0. Indices count in the
+    // lists of presets/ChoiceLists.h; bit rates in kb/s, the width in pixels.
+    KX_FIELD(QString, pName, setPName, {})
+    KX_FIELD(QString, pDevice, setPDevice, {})
+    KX_RULED_FIELD(int, pVideoActionIndex, setPVideoActionIndex, 0)
+    /// Follows from pVideoActionIndex and is not stored: 3 and 4 guess, and leave the video controls alone.
+    KX_FIELD(bool, pVideoActionIsBestGuess, setPVideoActionIsBestGuess, false)
+    KX_FIELD(QString, pVideoBitRate, setPVideoBitRate, {})
+    KX_FIELD(int, pVideoBitRateIndex, setPVideoBitRateIndex, 0)
+    KX_FIELD(QString, pWidth, setPWidth, {})
+    KX_FIELD(int, pWidthIndex, setPWidthIndex, 0)
+    KX_FIELD(QString, pFPS, setPFPS, {})
+    KX_FIELD(int, pFPSIndex, setPFPSIndex, 0)
+    /// For audio tracks of up to 2 channels.
+    KX_FIELD(int, pStereoActionIndex, setPStereoActionIndex, 0)
+    /// "Original" counts as "160", on purpose.
+    KX_FIELD(QString, pStereoBitRate, setPStereoBitRate, {})
+    /// For audio tracks of 3 or more channels.
+    KX_FIELD(int, pSurroundActionIndex, setPSurroundActionIndex, 0)
+    /// "Original" counts as the track's own.
+    KX_FIELD(QString, pSurroundBitRate, setPSurroundBitRate, {})
+    /// Also make AAC stereo of a surround track.
+    KX_FIELD(bool, pAudioAddStereo, setPAudioAddStereo, false)
+    /// Also pass the source through. Both act alike, whatever the track's channels.
+    KX_FIELD(bool, pKeepStereoTrack, setPKeepStereoTrack, false)
+    KX_FIELD(bool, pKeepSurroundTrack, setPKeepSurroundTrack, false)
+    KX_FIELD(QString, pSubAction, setPSubAction, {})
+    /// User presets only; the others are never stored.
+    KX_FIELD(bool, isEditable, setIsEditable, false)
+
+public:
+    /// The current file, whose contents change; the controller must outlive the preset.
+    KXPresetSettings(const VideoFilePointer &currentVideoFile, KXSelectionController &selectionController);
+
+    /// The words of a record, in its order.
+    static const QStringList &recordWords();
+    QVariantMap makeRecord() const;
+    /// The record is trusted: what it lacks becomes empty, 0 or false.
+    void initFromRecord(const QVariantMap &record);
+
+    // Each for an object that was just made. These three set nothing but the name and that they are not
+    // editable.
+    void initializeAsByID();
+    void initializeAsExtract();
+    void initializeAsRemove();
+    void initializeAsNewUserPreset();
+
+    /// A bit rate scaled to a smaller width, rounded down; for any other width the text as it was given.
+    static QString quickBitRateCalcForForNewWidthFromOldWidth(const QString &bitRate, const QString &newWidth,
+                                                              const QString &oldWidth);
+
+    /// Fills in the settings. "Manual" changes nothing.
+    void makeSettings();
+
+private:
+    void takeVideoSettings();
+    QString widthToEnter() const;
+    void takeAudioSettings();
+    void takeSubtitleSettings();
+    QVariantMap stereoEntry() const;
+    QVariantMap surroundEntry(const QString &codec, const KXVideoTrack &track) const;
+    AudioSettingsList outputsFor(const KXVideoTrack &track) const;
+    AudioSettingsList stereoOutputs(const KXVideoTrack &track) const;
+    AudioSettingsList surroundOutputs(const KXVideoTrack &track) const;
+
+    VideoFilePointer m_currentVideoFile;
+    KXSelectionController &m_selectionController;
+};

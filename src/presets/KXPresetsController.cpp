@@ -1,0 +1,187 @@
+// The lists, what is chosen and what is stored; the sheets are in KXPresetsControllerSheets.cpp.
+#include "presets/KXPresetsController.h"
+
+#include "prefs/KXPreferences.h"
+#include "selection/KXSelectionController.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+template <typename List>
+QStringList namesOf(const List &presets)
+{
+    QStringList names;
+    for (const auto &preset : presets)
+        names.append(preset->pName());
+    return names;
+}
+
+template <typename List>
+QVariantList recordsOf(const List &presets)
+{
+    QVariantList records;
+    for (const auto &preset : presets) {
+        if (preset->isEditable())
+            records.append(preset->makeRecord());
+    }
+    return records;
+}
+
+/// The place of a preset once the built-ins that were removed are back in front of the user's.
+template <typename List>
+int indexAtNextStart(const List &presets, int index, const QStringList &builtIn)
+{
+    if (index < 0 || index >= presets.size())
+        return 0;
+    if (!presets.at(index)->isEditable())
+        return std::max(0, static_cast<int>(builtIn.indexOf(presets.at(index)->pName())));
+    const auto before = std::count_if(presets.begin(), presets.begin() + index,
+                                      [](const auto &preset) { return preset->isEditable(); });
+    return static_cast<int>(builtIn.size() + before);
+}
+
+} // namespace
+
+KXPresetsController::KXPresetsController(KXPreferences &preferences, const VideoFilePointer &currentVideoFile,
+                                         KXSelectionController &selectionController)
+    : m_preferences(preferences)
+    , m_currentVideoFile(currentVideoFile)
+    , m_selectionController(selectionController)
+{
+}
+
+void KXPresetsController::initialize()
+{
+    initializeSelectionsList();
+    initializeSettingsList();
+    setSettingMethodIndex(m_settingMethodIndex);
+}
+
+PresetSelectionsPointer KXPresetsController::newSelections() const
+{
+    return std::make_shared<KXPresetSelections>(m_currentVideoFile, m_selectionController);
+}
+
+PresetSettingsPointer KXPresetsController::newSettings() const
+{
+    return std::make_shared<KXPresetSettings>(m_currentVideoFile, m_selectionController);
+}
+
+void KXPresetsController::initializeSelectionsList()
+{
+    m_selections = {newSelections(), newSelections(), newSelections()};
+    m_selections.at(0)->initializeAsByID();
+    m_selections.at(1)->initializeAsFirst();
+    m_selections.at(2)->initializeAsAll();
+    for (const QVariant &record : m_preferences.userPresetSelectionsList()) {
+        m_selections.append(newSelections());
+        m_selections.constLast()->initFromRecord(record.toMap());
+    }
+    creatSelectionsNamesList();
+}
+
+void KXPresetsController::initializeSettingsList()
+{
+    m_settings = {newSettings(), newSettings()};
+    m_settings.at(0)->initializeAsByID();
+    m_settings.at(1)->initializeAsExtract();
+    for (const QVariant &record : m_preferences.userPresetSettingsList()) {
+        m_settings.append(newSettings());
+        m_settings.constLast()->initFromRecord(record.toMap());
+    }
+    creatSettingsNamesList();
+}
+
+void KXPresetsController::creatSelectionsNamesList()
+{
+    m_selectionsNames = namesOf(m_selections);
+    Q_EMIT listsChanged();
+}
+
+void KXPresetsController::creatSettingsNamesList()
+{
+    m_settingsNames = namesOf(m_settings);
+    Q_EMIT listsChanged();
+}
+
+QString KXPresetsController::savePresetSelectionsListToUserDefaults()
+{
+    return m_preferences.saveUserPresetSelectionsListFor(recordsOf(m_selections));
+}
+
+QString KXPresetsController::savePresetSettingsListToUserDefaults()
+{
+    return m_preferences.saveUserPresetSettingsListFor(recordsOf(m_settings));
+}
+
+void KXPresetsController::setSelectionMethodIndex(int index)
+{
+    m_selectionMethodIndex = index >= 0 && index < m_selections.size() ? index : 0;
+    Q_EMIT methodsChanged();
+    if (m_selectionMethodIndex != 0)
+        m_selections.at(m_selectionMethodIndex)->makeSelections();
+}
+
+void KXPresetsController::setSettingMethodIndex(int index)
+{
+    m_settingMethodIndex = index >= 0 && index < m_settings.size() ? index : 0;
+    Q_EMIT methodsChanged();
+    if (m_settingMethodIndex == 0)
+        return;
+    const QScopedValueRollback changing(m_changingPresetSetting, true);
+    applyCurrentPresetSettings();
+}
+
+void KXPresetsController::applyCurrentPresetSelections()
+{
+    if (m_selectionMethodIndex < m_selections.size())
+        m_selections.at(m_selectionMethodIndex)->makeSelections();
+}
+
+void KXPresetsController::applyCurrentPresetSettings()
+{
+    if (m_settingMethodIndex < m_settings.size())
+        m_settings.at(m_settingMethodIndex)->makeSettings();
+    m_selectionController.updateTabs();
+}
+
+QString KXPresetsController::currentPresetSettingName() const
+{
+    return m_settingMethodIndex < m_settings.size() ? m_settings.at(m_settingMethodIndex)->pName()
+                                                    : QString();
+}
+
+int KXPresetsController::selectionMethodIndexToStore() const
+{
+    return indexAtNextStart(m_selections, m_selectionMethodIndex,
+                            {u"Manual"_s, u"First Track"_s, u"All Tracks"_s});
+}
+
+int KXPresetsController::settingMethodIndexToStore() const
+{
+    return indexAtNextStart(m_settings, m_settingMethodIndex, {u"Manual"_s, u"Extract Tracks"_s});
+}
+
+QString KXPresetsController::addUserPresets(const QVariantList &selections, const QVariantList &settings)
+{
+    const QString problem = m_preferences.saveUserPresetListsFor(recordsOf(m_selections) + selections,
+                                                                 recordsOf(m_settings) + settings);
+    if (!problem.isNull())
+        return problem;
+    for (const QVariant &record : selections) {
+        m_selections.append(newSelections());
+        m_selections.constLast()->initFromRecord(record.toMap());
+    }
+    for (const QVariant &record : settings) {
+        m_settings.append(newSettings());
+        m_settings.constLast()->initFromRecord(record.toMap());
+    }
+    creatSelectionsNamesList();
+    creatSettingsNamesList();
+    return {};
+}

@@ -1,0 +1,180 @@
+#include "presets/PresetExchange.h"
+
+#include "presets/KXPresetsController.h"
+#include "presets/PresetRecord.h"
+#include "presets/TrackFilters.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QMetaProperty>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace presets {
+
+namespace {
+
+constexpr int version = 1;
+const QString selectionsKey = u"presetSelectionsArray"_s;
+const QString settingsKey = u"presetSettingsArray"_s;
+
+template <typename List>
+QJsonArray recordsOf(const List &presets)
+{
+    QJsonArray records;
+    for (const auto &preset : presets) {
+        if (preset->isEditable())
+            records.append(QJsonObject::fromVariantMap(preset->makeRecord()));
+    }
+    return records;
+}
+
+bool isFilter(const QJsonValue &value, FilterKind kind)
+{
+    const QJsonObject filter = value.toObject();
+    const QStringList &words = filterWords(kind);
+    return value.isObject() && std::all_of(words.begin(), words.end(), [&](const QString &word) {
+               return filter.value(word).isString();
+           });
+}
+
+bool isFilterList(const QJsonValue &value, FilterKind kind)
+{
+    const QJsonArray filters = value.toArray();
+    return value.isArray() && std::all_of(filters.begin(), filters.end(), [kind](const QJsonValue &filter) {
+               return isFilter(filter, kind);
+           });
+}
+
+bool isWholeNumber(const QJsonValue &value)
+{
+    return value.isDouble() && std::trunc(value.toDouble()) == value.toDouble() &&
+           std::abs(value.toDouble()) < 1e6;
+}
+
+/// Whether a value is of the kind in which the property is stored.
+bool fits(const QJsonValue &value, const QMetaProperty &property)
+{
+    switch (property.typeId()) {
+    case QMetaType::Bool:
+        return value.isBool();
+    case QMetaType::Int:
+        return isWholeNumber(value);
+    case QMetaType::QVariantList: {
+        const bool isAudio = QByteArrayView(property.name()) == "pAudioFilterArray";
+        return isFilterList(value, isAudio ? FilterKind::Audio : FilterKind::Subtitle);
+    }
+    default:
+        return value.isString();
+    }
+}
+
+/// A null text, or what is wrong with the record.
+QString problemOf(const QJsonValue &value, const QStringList &words, const QMetaObject &meta)
+{
+    if (!value.isObject())
+        return u"it is no record"_s;
+    const QJsonObject record = value.toObject();
+    for (const QString &word : words) {
+        if (!record.contains(word))
+            return u"it lacks \"%1\""_s.arg(word);
+        if (!fits(record.value(word), meta.property(meta.indexOfProperty(word.toLatin1().constData()))))
+            return u"its \"%1\" is not what a preset holds there"_s.arg(word);
+    }
+    for (const QString &word : record.keys()) {
+        if (!words.contains(word))
+            return u"it holds \"%1\", which no preset has"_s.arg(word);
+    }
+    if (!isFreeName(record.value(u"pName"_s).toString()))
+        return u"the name \"%1\" can't be a user's preset's"_s.arg(record.value(u"pName"_s).toString());
+    return record.value(u"isEditable"_s).toBool() ? QString() : u"it is no user's preset"_s;
+}
+
+QString problemOfList(const QJsonValue &list, const QString &key, const QStringList &words,
+                      const QMetaObject &meta)
+{
+    if (!list.isArray())
+        return u"It has no list \"%1\"."_s.arg(key);
+    const QJsonArray records = list.toArray();
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        const QString problem = problemOf(records.at(i), words, meta);
+        if (!problem.isNull())
+            return u"Entry %1 of \"%2\" does not fit: %3."_s.arg(QString::number(i + 1), key, problem);
+    }
+    return {};
+}
+
+QString freeName(const QString &name, const QStringList &taken)
+{
+    QString candidate = name;
+    for (int number = 2; taken.contains(candidate); ++number)
+        candidate = u"%1 (%2)"_s.arg(name).arg(number);
+    return candidate;
+}
+
+/// The records with names that nobody has yet.
+QVariantList renamed(const QJsonArray &records, QStringList taken)
+{
+    QVariantList list;
+    for (const QJsonValue &value : records) {
+        QVariantMap record = value.toObject().toVariantMap();
+        const QString name = freeName(record.value(u"pName"_s).toString(), taken);
+        record.insert(u"pName"_s, name);
+        taken.append(name);
+        list.append(record);
+    }
+    return list;
+}
+
+QString problemOfFile(const QByteArray &contents, QJsonObject &file)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(contents, &error);
+    if (error.error != QJsonParseError::NoError)
+        return u"It is damaged, or no preset file at all: %1."_s.arg(error.errorString());
+    file = document.object();
+    if (!document.isObject() || !file.contains(u"version"_s))
+        return u"It is no preset file."_s;
+    if (file.value(u"version"_s) != QJsonValue(version))
+        return u"It has a version that this program does not know."_s;
+    const QString problem =
+        problemOfList(file.value(selectionsKey), selectionsKey, KXPresetSelections::recordWords(),
+                      KXPresetSelections::staticMetaObject);
+    if (!problem.isNull())
+        return problem;
+    return problemOfList(file.value(settingsKey), settingsKey, KXPresetSettings::recordWords(),
+                         KXPresetSettings::staticMetaObject);
+}
+
+} // namespace
+
+QJsonObject exported(const KXPresetsController &presets)
+{
+    return {{u"version"_s, version},
+            {selectionsKey, recordsOf(presets.presetSelectionsList())},
+            {settingsKey, recordsOf(presets.presetSettingsList())}};
+}
+
+Import importInto(KXPresetsController &presets, const QByteArray &contents)
+{
+    QJsonObject file;
+    Import result;
+    result.problem = problemOfFile(contents, file);
+    if (!result.problem.isNull())
+        return result;
+    const QVariantList selections =
+        renamed(file.value(selectionsKey).toArray(), presets.presetSelectionsNamesList());
+    const QVariantList settings =
+        renamed(file.value(settingsKey).toArray(), presets.presetSettingsNamesList());
+    result.problem = presets.addUserPresets(selections, settings);
+    if (result.problem.isNull()) {
+        result.selections = selections.size();
+        result.settings = settings.size();
+    }
+    return result;
+}
+
+} // namespace presets
