@@ -11,8 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace app
-{
+namespace app {
 
 void ensureUtf8Locale()
 {

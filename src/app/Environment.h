@@ -2,8 +2,7 @@
 
 #include <QString>
 
-namespace app
-{
+namespace app {
 
 /// Makes sure that texts are UTF-8, whatever the environment says: Qt needs such a locale. Called
 /// before the application object is made.

@@ -3,11 +3,11 @@
 #include "app/Environment.h"
 #include "engines/EngineJobs.h"
 
-namespace app
-{
+using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace app {
+
+namespace {
 
 jobs::JobFactory makeFactory()
 {
@@ -21,8 +21,14 @@ jobs::JobFactory makeFactory()
 Program::Program(const Options &options, platform::AlertPresenter &alerts)
     : m_whenTaken(options.whenTaken)
     , m_alerts(alerts)
-    , m_defaults(options.defaultsPath.isEmpty() ? platform::JsonDefaultsStore::standardPath() : options.defaultsPath)
+    , m_defaults(options.defaultsPath.isEmpty() ? platform::JsonDefaultsStore::standardPath()
+                                                : options.defaultsPath)
     , m_preferences(m_defaults, {resourcesFolder(), workingFolder()})
+    , m_currentVideoFile(std::make_shared<KXVideoFile>(&m_preferences))
+    , m_currentSelection(std::make_shared<KXSelection>())
+    , m_selectionController(m_notifications, m_currentVideoFile, m_currentSelection)
+    , m_presets(m_preferences, m_currentVideoFile, m_selectionController)
+    , m_currentFile(m_currentVideoFile, m_selectionController, m_presets)
     , m_factory(makeFactory())
     , m_queue(context(), m_factory, &m_watchMode)
 {
@@ -43,7 +49,15 @@ jobs::JobContext Program::contextFor(step::StepLauncher &launcher, step::OutputR
 
 QString Program::initialize()
 {
-    return m_preferences.initialize();
+    const QString problem = m_preferences.initialize();
+    m_currentSelection->initialize();
+    m_selectionController.initialize();
+    m_selectionController.setPresetsController(&m_presets);
+    // Nothing can be burned into a video that passes through, and it starts as one.
+    m_selectionController.setSubtitleMatrixIndex(1);
+    m_selectionController.setCurrentTab(u"MKV"_s);
+    m_presets.initialize();
+    return problem;
 }
 
 } // namespace app

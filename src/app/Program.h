@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/CurrentFile.h"
 #include "jobs/JobContext.h"
 #include "jobs/JobFactory.h"
 #include "jobs/KXQueueController.h"
@@ -9,6 +10,8 @@
 #include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/KXWatchModeController.h"
+#include "presets/KXPresetsController.h"
+#include "selection/KXSelectionController.h"
 #include "tools/step/OutputRegistry.h"
 #include "tools/step/ScratchFolder.h"
 #include "tools/step/StepLauncher.h"
@@ -38,6 +41,10 @@ public:
     KXPreferences &preferences() { return m_preferences; }
     KXNotificationCenter &notifications() { return m_notifications; }
     KXQueueController &queue() { return m_queue; }
+    KXSelectionController &selectionController() { return m_selectionController; }
+    KXPresetsController &presets() { return m_presets; }
+    /// The file that is worked on.
+    CurrentFile &currentFile() { return m_currentFile; }
     const jobs::JobFactory &factory() const { return m_factory; }
     /// Where names are kept that no job may write to.
     step::OutputRegistry &outputs() { return m_outputs; }
@@ -54,6 +61,12 @@ private:
     KXNotificationCenter m_notifications;
     KXPreferences m_preferences;
     KXWatchModeController m_watchMode;
+    // Made before the presets that look at them; their contents change, the objects stay.
+    VideoFilePointer m_currentVideoFile;
+    SelectionPointer m_currentSelection;
+    KXSelectionController m_selectionController;
+    KXPresetsController m_presets;
+    CurrentFile m_currentFile;
     step::StepLauncher m_launcher;
     step::OutputRegistry m_outputs;
     step::ScratchFolder m_scratch;

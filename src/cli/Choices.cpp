@@ -34,6 +34,30 @@ bool isVideo(const KXVideoTrack &track)
     return track.trackType() == u"Video"_s;
 }
 
+bool isBurned(const KXVideoTrack &track)
+{
+    return engines::isSubtitle(track) && track.userCodec() == u"burn"_s;
+}
+
+bool isReencoded(const KXVideoTrack &track)
+{
+    return isVideo(track) && track.userCodec() != u"passthru"_s;
+}
+
+/// The track that a word of --audio means: a stream of the file, or "+1", the first added file.
+TrackPointer trackNamed(const QString &word, const TrackList &tracks)
+{
+    const bool isAdded = word.startsWith(u'+');
+    qsizetype added = 0;
+    for (const TrackPointer &track : tracks) {
+        added += track->externalTrackFlag() ? 1 : 0;
+        const QString name = isAdded ? u'+' + QString::number(added) : track->trackFfmpegID();
+        if (track->externalTrackFlag() == isAdded && name == word)
+            return track;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 std::optional<QStringList> trackIndexes(const QString &list, QString &error)
@@ -51,8 +75,23 @@ std::optional<QStringList> trackIndexes(const QString &list, QString &error)
     return indexes;
 }
 
+bool leavesOutSubtitles(const KXSelection &selection)
+{
+    return selection.theDevice() == u"AVI"_s && countOf(selection, isBurned) == 0;
+}
+
 Choices::Choices(const CommandLine &line)
 {
+    for (const QString &option : {u"device"_s, u"kind"_s, u"video"_s, u"video-bitrate"_s, u"width"_s,
+                                  u"audio"_s, u"subtitles"_s, u"add"_s}) {
+        if (line.has(option))
+            m_given.append(u"--"_s + option);
+    }
+    if (!line.has(u"settings-preset"_s)) {
+        m_device = u"General"_s;
+        m_video = u"passthru"_s;
+        m_subtitles = u"mux"_s;
+    }
     readTarget(line);
     readVideo(line);
     readAudio(line.values(u"audio"_s));
@@ -88,20 +127,22 @@ void Choices::readTarget(const CommandLine &line)
         return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(m_device, kind));
     if (kind == u"mkv"_s || kind == u"avi"_s)
         m_device = kind.toUpper();
+    else if (kind == u"mp4"_s && m_device.isNull())
+        m_device = u"General"_s;
 }
 
 void Choices::readVideo(const CommandLine &line)
 {
     if (line.has(u"video"_s))
         m_video = line.value(u"video"_s);
-    if (!QStringList{u"passthru"_s, u"1pass"_s, u"2pass"_s}.contains(m_video))
+    if (!m_video.isNull() && !QStringList{u"passthru"_s, u"1pass"_s, u"2pass"_s}.contains(m_video))
         fail(u"--video takes passthru, 1pass or 2pass, not \"%1\"."_s.arg(m_video));
     for (const QString &option : {u"width"_s, u"video-bitrate"_s}) {
         if (!line.has(option))
             continue;
         if (!isPositiveNumber(line.value(option)))
             fail(u"--%1 takes a whole number above 0, not \"%2\"."_s.arg(option, line.value(option)));
-        else if (!reencodes())
+        else if (passesThru())
             m_note = u"--%1 changes nothing: the video passes through as it is."_s.arg(option);
     }
     m_videoBitRate = line.value(u"video-bitrate"_s);
@@ -132,8 +173,10 @@ void Choices::readAudio(const QStringList &values)
 {
     for (const QString &value : values) {
         const QString track = value.section(u'=', 0, 0);
-        if (!value.contains(u'=') || !tools::isAllDigits(track))
-            return fail(u"--audio takes TRACK=SETTINGS with a stream index, not \"%1\"."_s.arg(value));
+        const bool isAdded = track.startsWith(u'+') && tools::isAllDigits(track.mid(1));
+        if (!value.contains(u'=') || (!isAdded && !tools::isAllDigits(track)))
+            return fail(u"--audio takes TRACK=SETTINGS with a stream index, or +1 for the first added file, "
+                        "not \"%1\"."_s.arg(value));
         for (const QString &word : value.section(u'=', 1).split(u',')) {
             QVariantMap setting;
             const QString error = readAudioSetting(word, setting);
@@ -148,20 +191,17 @@ void Choices::readSubtitles(const CommandLine &line)
 {
     if (line.has(u"subtitles"_s))
         m_subtitles = line.value(u"subtitles"_s);
-    if (m_subtitles != u"mux"_s && m_subtitles != u"burn"_s)
+    if (!m_subtitles.isNull() && m_subtitles != u"mux"_s && m_subtitles != u"burn"_s)
         fail(u"--subtitles takes mux or burn, not \"%1\"."_s.arg(m_subtitles));
-    if (m_subtitles == u"burn"_s && !reencodes())
+    if (m_subtitles == u"burn"_s && passesThru())
         fail(u"--subtitles burn needs --video 1pass or 2pass: a subtitle is drawn into the picture."_s);
 }
 
 QString Choices::errorFor(const KXSelection &selection) const
 {
-    const TrackList tracks = selection.trackList();
     for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
-        const auto found = std::find_if(tracks.begin(), tracks.end(), [&](const TrackPointer &track) {
-            return track->trackFfmpegID() == audio.key() && track->trackType() == u"Audio"_s;
-        });
-        if (found == tracks.end())
+        const TrackPointer track = trackNamed(audio.key(), selection.trackList());
+        if (!track || track->trackType() != u"Audio"_s)
             return u"%1: --audio names track %2, which is no chosen audio track."_s.arg(
                 selection.videoTrackFilePath(), audio.key());
     }
@@ -173,34 +213,40 @@ QString Choices::refusalFor(const KXSelection &selection) const
     const qsizetype videos = countOf(selection, isVideo);
     if (videos != 1)
         return u"A conversion needs exactly one video track; %1 are chosen."_s.arg(videos);
-    if (m_subtitles == u"burn"_s && countOf(selection, engines::isSubtitle) != 1)
-        return u"Burning needs exactly one chosen subtitle track; %1 are chosen."_s.arg(
-            countOf(selection, engines::isSubtitle));
+    const qsizetype subtitles = countOf(selection, engines::isSubtitle);
+    const bool burns = m_subtitles == u"burn"_s || countOf(selection, isBurned) > 0;
+    if (burns && subtitles != 1)
+        return u"Burning needs exactly one chosen subtitle track; %1 are chosen."_s.arg(subtitles);
+    if (burns && countOf(selection, isReencoded) == 0)
+        return u"A subtitle can only be burned into a video that is re-encoded."_s;
     return {};
 }
 
 void Choices::applyTo(KXSelection &selection) const
 {
-    selection.setTheDevice(m_device);
-    selection.setUserPassNumber(m_video == u"2pass"_s ? u"2"_s : u"1"_s);
+    if (!m_device.isNull())
+        selection.setTheDevice(m_device);
+    if (!m_video.isNull())
+        selection.setUserPassNumber(m_video == u"2pass"_s ? u"2"_s : u"1"_s);
     if (!m_videoBitRate.isNull())
         selection.setUserVideoBitRate(QString::number(tools::leadingInteger(m_videoBitRate)));
     if (!m_width.isNull())
         selection.setUserWidth(QString::number(tools::leadingInteger(m_width)));
     for (const TrackPointer &track : selection.trackList()) {
-        if (isVideo(*track))
-            track->setUserCodec(reencodes() ? u"h264"_s : u"passthru"_s);
-        else if (engines::isSubtitle(*track))
+        if (isVideo(*track) && !m_video.isNull())
+            track->setUserCodec(passesThru() ? u"passthru"_s : u"h264"_s);
+        else if (engines::isSubtitle(*track) && !m_subtitles.isNull())
             track->setUserCodec(m_subtitles);
-        else if (m_audio.contains(track->trackFfmpegID()))
-            track->setUserAudioSettingsDictionaryArray(settingsFor(*track));
+    }
+    for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
+        if (const TrackPointer track = trackNamed(audio.key(), selection.trackList()))
+            track->setUserAudioSettingsDictionaryArray(settingsFor(*track, *audio));
     }
 }
 
 /// A stream that passes through keeps its channels; the order of the outputs depends on them.
-AudioSettingsList Choices::settingsFor(const KXVideoTrack &track) const
+AudioSettingsList Choices::settingsFor(const KXVideoTrack &track, AudioSettingsList settings)
 {
-    AudioSettingsList settings = m_audio.value(track.trackFfmpegID());
     for (QVariantMap &setting : settings) {
         if (setting.value(u"userCodec"_s) == u"passthru"_s)
             setting.insert(u"userNumberOfChannels"_s, track.trackNumberOfChannels());

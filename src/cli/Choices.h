@@ -13,7 +13,8 @@ namespace cli {
 
 class CommandLine;
 
-/// The choices of "convert" that were given by hand, checked as far as that goes without a file.
+/// The choices of "convert" that were given by hand, checked as far as that goes without a file. What was
+/// not given has a default, or, with a settings preset, is the preset's.
 class Choices final
 {
 public:
@@ -27,15 +28,13 @@ public:
     const std::optional<QStringList> &tracks() const { return m_tracks; }
     /// What is wrong with them for this selection: tracks that it does not hold.
     QString errorFor(const KXSelection &selection) const;
-    /// Why this file can't be converted although the choices are sound; a null text when it can.
-    QString refusalFor(const KXSelection &selection) const;
     /// Writes them into a selection whose tracks are already chosen.
     void applyTo(KXSelection &selection) const;
-    /// True when the target carries no subtitles and none is to be drawn into the picture.
-    bool leavesOutSubtitles() const
-    {
-        return m_device == QStringLiteral("AVI") && m_subtitles == QStringLiteral("mux");
-    }
+    /// Why this file can't be converted although the choices are sound; a null text when it can. Asked
+    /// when they have been applied.
+    QString refusalFor(const KXSelection &selection) const;
+    /// The options given that say how a conversion is to be made: "--device".
+    const QStringList &given() const { return m_given; }
 
 private:
     void readTarget(const CommandLine &line);
@@ -43,20 +42,25 @@ private:
     void readAudio(const QStringList &values);
     QString readAudioSetting(const QString &word, QVariantMap &setting) const;
     void readSubtitles(const CommandLine &line);
-    AudioSettingsList settingsFor(const KXVideoTrack &track) const;
-    bool reencodes() const { return m_video != QStringLiteral("passthru"); }
+    static AudioSettingsList settingsFor(const KXVideoTrack &track, AudioSettingsList settings);
+    bool passesThru() const { return m_video == QStringLiteral("passthru"); }
     void fail(const QString &sentence);
 
     QString m_error;
     QString m_note;
-    QString m_device = QStringLiteral("General");
-    QString m_video = QStringLiteral("passthru");
-    QString m_videoBitRate; ///< null: the source's
-    QString m_width;        ///< null: the source's
-    QString m_subtitles = QStringLiteral("mux");
-    QHash<QString, AudioSettingsList> m_audio; ///< by stream index
+    // Null: the preset's, or the source's.
+    QString m_device;
+    QString m_video;
+    QString m_videoBitRate;
+    QString m_width;
+    QString m_subtitles;
+    QHash<QString, AudioSettingsList> m_audio; ///< by stream index, or "+1" for the first added file
+    QStringList m_given;
     std::optional<QStringList> m_tracks;
 };
+
+/// True when the target carries no subtitles and none is to be drawn into the picture.
+bool leavesOutSubtitles(const KXSelection &selection);
 
 /// "0,2,5" as a list; no value (and a sentence) when a piece is no stream index.
 std::optional<QStringList> trackIndexes(const QString &list, QString &error);

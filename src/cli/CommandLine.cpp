@@ -26,6 +26,10 @@ const QList<OptionSpec> &allOptions()
         {u"audio"_s, u"TRACK=SETTINGS"_s,
          u"passthru or CODEC:CHANNELS:KBPS (aac, ac3, mp3), several by commas; repeatable."_s},
         {u"subtitles"_s, u"mux|burn"_s, u"Carry subtitles as tracks, or draw one into the picture."_s},
+        {u"add"_s, u"FILE"_s, u"A subtitle or audio file to take in as a further track; repeatable."_s},
+        {u"track-preset"_s, u"NAME"_s, u"Let this preset choose the tracks."_s},
+        {u"settings-preset"_s, u"NAME"_s,
+         u"Let this preset choose the settings; what is given by hand wins."_s},
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until all went well."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, and run none of them."_s},
     };

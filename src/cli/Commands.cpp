@@ -4,6 +4,7 @@
 #include "cli/ExtractCommand.h"
 #include "cli/Help.h"
 #include "cli/PrefsCommand.h"
+#include "cli/PresetsCommand.h"
 #include "cli/ProbeCommand.h"
 #include "cli/Session.h"
 #include "cli/ToolsCommand.h"
@@ -35,6 +36,7 @@ const std::vector<std::unique_ptr<Command>> &allCommands()
         list.push_back(std::make_unique<ProbeCommand>());
         list.push_back(std::make_unique<ConvertCommand>());
         list.push_back(std::make_unique<ExtractCommand>());
+        list.push_back(std::make_unique<PresetsCommand>());
         list.push_back(std::make_unique<PrefsCommand>());
         list.push_back(std::make_unique<ToolsCommand>());
         return list;

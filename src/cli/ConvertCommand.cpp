@@ -3,11 +3,48 @@
 #include "cli/Choices.h"
 #include "cli/FileSelection.h"
 #include "cli/JobSubmission.h"
+#include "cli/PresetChoice.h"
 #include "cli/Session.h"
 
 using namespace Qt::StringLiterals;
 
 namespace cli {
+
+namespace {
+
+TrackChoice trackChoiceOf(const CommandLine &line, const Choices &choices)
+{
+    TrackChoice choice{TrackChoice::Way::Preset, {}, {}};
+    if (choices.tracks())
+        choice = {TrackChoice::Way::ByHand, *choices.tracks(), {}};
+    for (const QString &path : line.values(u"add"_s))
+        choice.addedPaths.append(absolutePath(path));
+    return choice;
+}
+
+bool extracts(Session &session)
+{
+    return app::jobTypeFor(session.program().presets()) == u"MKV Track Extraction"_s;
+}
+
+/// Null when the file can be extracted from by a preset that says so.
+QString extractionRefusal(Session &session)
+{
+    return session.program().selectionController().canEditTracks()
+               ? QString()
+               : u"Tracks can only be extracted from an MKV file of which at least one track is chosen."_s;
+}
+
+/// What the choices make of the selection; a null text, or why that can't be converted.
+QString apply(const Choices &choices, bool leavesOut, KXSelection &selection)
+{
+    choices.applyTo(selection);
+    if (leavesOut && leavesOutSubtitles(selection))
+        leaveOutSubtitles(selection); // an AVI carries none; nobody asked for one by name
+    return choices.refusalFor(selection);
+}
+
+} // namespace
 
 QString ConvertCommand::example() const
 {
@@ -17,37 +54,34 @@ QString ConvertCommand::example() const
 
 QStringList ConvertCommand::options() const
 {
-    return {u"device"_s, u"kind"_s,      u"video"_s,  u"video-bitrate"_s, u"width"_s,
-            u"audio"_s,  u"subtitles"_s, u"tracks"_s, u"force"_s,         u"dry-run"_s};
+    return {u"device"_s,          u"kind"_s,      u"video"_s,  u"video-bitrate"_s, u"width"_s,
+            u"audio"_s,           u"subtitles"_s, u"tracks"_s, u"add"_s,           u"track-preset"_s,
+            u"settings-preset"_s, u"force"_s,     u"dry-run"_s};
 }
 
 SelectionPointer ConvertCommand::prepared(Session &session, const QString &path, const Choices &choices,
-                                          ExitStatus &status) const
+                                          const TrackChoice &tracks, ExitStatus &status) const
 {
-    const FileSelection file = selectFile(session, path, choices.tracks(), DefaultTracks::FirstOfEachKind);
+    const FileSelection file = selectFile(session, path, tracks);
     if (!file.selection) {
-        status = session.failed(u"%1: %2"_s.arg(path, file.status));
+        status = session.failed(u"%1: %2"_s.arg(path, file.problem));
         return nullptr;
     }
-    if (choices.leavesOutSubtitles() && !choices.tracks())
-        leaveOutSubtitles(*file.selection); // an AVI carries none; nobody asked for one by name
-    const QStringList missing = missingTracks(*file.selection, choices.tracks());
-    if (!missing.isEmpty()) {
-        status = session.wrongUsage(u"%1 has no track %2."_s.arg(path, missing.join(u", "_s)));
-        return nullptr;
-    }
-    const QString error = choices.errorFor(*file.selection);
+    const QStringList missing = missingTracks(*file.selection, tracks);
+    const QString error = missing.isEmpty() ? choices.errorFor(*file.selection)
+                                            : u"%1 has no track %2."_s.arg(path, missing.join(u", "_s));
     if (!error.isNull()) {
         status = session.wrongUsage(error);
         return nullptr;
     }
-    const QString refusal = choices.refusalFor(*file.selection);
+    const bool leavesOut = tracks.way != TrackChoice::Way::ByHand;
+    const QString refusal =
+        extracts(session) ? extractionRefusal(session) : apply(choices, leavesOut, *file.selection);
     if (!refusal.isNull()) {
         status = session.failed(u"%1: %2"_s.arg(path, refusal));
         return nullptr;
     }
-    choices.applyTo(*file.selection);
-    file.selection->setJobType(u"MKV Conversion"_s);
+    file.selection->setJobType(app::jobTypeFor(session.program().presets()));
     return file.selection;
 }
 
@@ -56,10 +90,18 @@ ExitStatus ConvertCommand::execute(Session &session) const
     const Choices choices(session.line());
     if (!choices.error().isNull())
         return session.wrongUsage(choices.error());
+    const QString problem = choosePresets(session);
+    if (!problem.isNull())
+        return session.wrongUsage(problem);
+    if (extracts(session) && !choices.given().isEmpty())
+        return session.wrongUsage(
+            u"The preset \"Extract Tracks\" converts nothing, so %1 has no place beside "
+            "it."_s.arg(choices.given().join(u", "_s)));
     if (!choices.note().isNull())
         session.console().say(choices.note());
+    const TrackChoice tracks = trackChoiceOf(session.line(), choices);
     return submitEachFile(session, [&](const QString &path, ExitStatus &status) {
-        return prepared(session, path, choices, status);
+        return prepared(session, path, choices, tracks, status);
     });
 }
 

@@ -6,6 +6,7 @@
 namespace cli {
 
 class Choices;
+struct TrackChoice;
 
 /// Converts each file for a target.
 class ConvertCommand final : public Command
@@ -25,7 +26,7 @@ private:
     /// The file's selection with the choices in it. Null when the file fails; usage says whether the
     /// command line was wrong for it.
     SelectionPointer prepared(Session &session, const QString &path, const Choices &choices,
-                              ExitStatus &status) const;
+                              const TrackChoice &tracks, ExitStatus &status) const;
 };
 
 } // namespace cli

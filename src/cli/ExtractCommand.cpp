@@ -16,19 +16,21 @@ QStringList ExtractCommand::options() const
 
 ExitStatus ExtractCommand::execute(Session &session) const
 {
-    std::optional<QStringList> tracks;
-    QString error;
-    if (session.line().has(u"tracks"_s))
-        tracks = trackIndexes(session.line().value(u"tracks"_s), error);
-    if (!error.isNull())
-        return session.wrongUsage(error);
+    TrackChoice choice;
+    if (session.line().has(u"tracks"_s)) {
+        QString error;
+        const auto tracks = trackIndexes(session.line().value(u"tracks"_s), error);
+        if (!tracks)
+            return session.wrongUsage(error);
+        choice = {TrackChoice::Way::ByHand, *tracks, {}};
+    }
     return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
-        const FileSelection file = selectFile(session, path, tracks, DefaultTracks::All);
+        const FileSelection file = selectFile(session, path, choice);
         if (!file.selection) {
-            status = session.failed(u"%1: %2"_s.arg(path, file.status));
+            status = session.failed(u"%1: %2"_s.arg(path, file.problem));
             return nullptr;
         }
-        const QStringList missing = missingTracks(*file.selection, tracks);
+        const QStringList missing = missingTracks(*file.selection, choice);
         if (!missing.isEmpty()) {
             status = session.wrongUsage(u"%1 has no track %2."_s.arg(path, missing.join(u", "_s)));
             return nullptr;

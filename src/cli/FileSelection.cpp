@@ -3,10 +3,7 @@
 #include "cli/Session.h"
 #include "engines/FfmpegSubtitles.h"
 #include "media/KXVideoFile.h"
-
-#include <QFileInfo>
-
-#include <algorithm>
+#include "tools/Numbers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,51 +11,37 @@ namespace cli {
 
 namespace {
 
-/// The first track when it is video, and the first audio track and subtitle.
-QStringList firstOfEachKind(const TrackList &tracks)
+/// Null when all went in.
+QString addAll(Session &session, const QStringList &paths)
 {
-    QStringList indexes;
-    bool hasAudio = false;
-    bool hasSubtitle = false;
-    for (qsizetype i = 0; i < tracks.size(); ++i) {
-        const KXVideoTrack &track = *tracks.at(i);
-        bool takes = i == 0 && track.trackType() == u"Video"_s;
-        if (track.trackType() == u"Audio"_s && !hasAudio)
-            takes = hasAudio = true;
-        if (engines::isSubtitle(track) && !hasSubtitle)
-            takes = hasSubtitle = true;
-        if (takes)
-            indexes.append(track.trackFfmpegID());
+    for (const QString &path : paths) {
+        const QString status = session.program().currentFile().addTrack(QUrl::fromLocalFile(path));
+        if (status != u"OK"_s)
+            return u"%1 can't be added: %2"_s.arg(path, status);
     }
-    return indexes;
+    return {};
 }
 
-void count(KXSelection &selection)
+bool isTicked(const KXVideoTrack &track, const TrackChoice &choice)
 {
-    qsizetype videos = 0;
-    qsizetype audios = 0;
-    qsizetype subtitles = 0;
-    for (const TrackPointer &track : selection.trackList()) {
-        videos += track->trackType() == u"Video"_s ? 1 : 0;
-        audios += track->trackType() == u"Audio"_s ? 1 : 0;
-        subtitles += engines::isSubtitle(*track) ? 1 : 0;
+    switch (choice.way) {
+    case TrackChoice::Way::All:
+        return true;
+    case TrackChoice::Way::Preset:
+        return track.trackSelected() || track.externalTrackFlag();
+    case TrackChoice::Way::ByHand:
+        break;
     }
-    selection.setVidCount(QString::number(videos));
-    selection.setAudCount(QString::number(audios));
-    selection.setSubCount(QString::number(subtitles));
+    return track.externalTrackFlag() || choice.indexes.contains(track.trackFfmpegID());
 }
 
-void divide(KXSelection &selection, const TrackList &tracks, const std::optional<QStringList> &taken)
+void selectTracks(app::Program &program, const TrackChoice &choice)
 {
-    TrackList chosen;
-    TrackList kept;
-    for (const TrackPointer &track : tracks) {
-        track->setTrackSelected(!taken || taken->contains(track->trackFfmpegID()));
-        (track->trackSelected() ? chosen : kept).append(track);
-    }
-    selection.setTrackList(chosen);
-    selection.setKeepTracksList(kept);
-    count(selection);
+    if (choice.way == TrackChoice::Way::Preset)
+        program.currentFile().applyPresets();
+    for (const TrackPointer &track : program.currentFile().file()->trackList())
+        track->setTrackSelected(isTicked(*track, choice));
+    program.selectionController().trackTableSelectionChanged(KXSelectionController::Sender::Other);
 }
 
 } // namespace
@@ -71,38 +54,42 @@ std::shared_ptr<KXVideoFile> probed(Session &session, const QString &path, QStri
     return file;
 }
 
-FileSelection selectFile(Session &session, const QString &path, const std::optional<QStringList> &tracks,
-                         DefaultTracks otherwise)
+FileSelection selectFile(Session &session, const QString &path, const TrackChoice &choice)
 {
     FileSelection result;
     result.path = path;
-    const auto file = probed(session, path, result.status);
-    if (result.status != u"OK"_s)
+    app::Program &program = session.program();
+    program.currentFile().file()->setStopFlag(session.interrupts().flag());
+    const QString status = program.currentFile().load(QUrl::fromLocalFile(path));
+    if (status != u"OK"_s) {
+        result.problem = status;
         return result;
-    result.selection = std::make_shared<KXSelection>();
-    result.selection->initialize();
-    result.selection->initializeFrom(*file);
-    std::optional<QStringList> taken = tracks;
-    if (!taken && otherwise == DefaultTracks::FirstOfEachKind)
-        taken = firstOfEachKind(file->trackList());
-    divide(*result.selection, file->trackList(), taken);
+    }
+    result.problem = addAll(session, choice.addedPaths);
+    if (!result.problem.isNull())
+        return result;
+    selectTracks(program, choice);
+    result.selection = program.selectionController().currentSelection()->copy();
     return result;
 }
 
-QStringList missingTracks(const KXSelection &selection, const std::optional<QStringList> &tracks)
+QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice)
 {
-    QStringList missing = tracks.value_or(QStringList());
-    for (const TrackPointer &track : selection.trackList())
-        missing.removeAll(track->trackFfmpegID());
+    QStringList missing = choice.indexes;
+    for (const TrackPointer &track : selection.trackList()) {
+        if (!track->externalTrackFlag())
+            missing.removeAll(track->trackFfmpegID());
+    }
     return missing;
 }
 
 void leaveOutSubtitles(KXSelection &selection)
 {
     TrackList chosen = selection.trackList();
-    chosen.removeIf([](const TrackPointer &track) { return engines::isSubtitle(*track); });
+    const auto left = chosen.removeIf(
+        [](const TrackPointer &track) { return engines::isSubtitle(*track) && !track->externalTrackFlag(); });
     selection.setTrackList(chosen);
-    count(selection);
+    selection.setSubCount(QString::number(tools::leadingInteger(selection.subCount()) - left));
 }
 
 } // namespace cli

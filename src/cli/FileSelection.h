@@ -16,24 +16,28 @@ class Session;
 struct FileSelection
 {
     QString path;
-    QString status; ///< the probe's answer: "OK", "not a video", "track not identified"
+    QString problem; ///< a null text when there is a selection
     SelectionPointer selection;
 };
 
-/// What is taken when no tracks are named.
-enum class DefaultTracks { FirstOfEachKind, All };
+/// Which tracks are taken: all, what the current track preset chooses, or a list of stream indexes.
+struct TrackChoice
+{
+    enum class Way { All, Preset, ByHand } way = Way::All;
+    QStringList indexes;    ///< for ByHand
+    QStringList addedPaths; ///< files that are taken in as further tracks
+};
 
-/// Probes a file; an interrupt ends it.
+/// Probes a file by itself; an interrupt ends it.
 std::shared_ptr<KXVideoFile> probed(Session &session, const QString &path, QString &status);
 
-/// Probes a file and selects its tracks: those of the list, or the default ones.
-FileSelection selectFile(Session &session, const QString &path, const std::optional<QStringList> &tracks,
-                         DefaultTracks otherwise);
+/// Makes a file the program's current one, takes added files in and selects tracks.
+FileSelection selectFile(Session &session, const QString &path, const TrackChoice &choice);
 
-/// The stream indexes of the list that the file does not have.
-QStringList missingTracks(const KXSelection &selection, const std::optional<QStringList> &tracks);
+/// The stream indexes of the choice that the file does not have.
+QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice);
 
-/// Takes the selected subtitles out again.
+/// Takes the selected subtitles of the file itself out again.
 void leaveOutSubtitles(KXSelection &selection);
 
 } // namespace cli

@@ -374,11 +374,11 @@ private Q_SLOTS:
 
     void onlyAnAviThatGetsNoPictureLeavesSubtitlesOut()
     {
-        QVERIFY(choicesOf(u"--kind avi"_s).leavesOutSubtitles());
-        QVERIFY(choicesOf(u"--device AVI"_s).leavesOutSubtitles());
-        QVERIFY(!choicesOf(u"--kind avi --subtitles burn --video 1pass"_s).leavesOutSubtitles());
-        QVERIFY(!choicesOf(u"--kind mkv"_s).leavesOutSubtitles());
-        QVERIFY(!choicesOf(QString()).leavesOutSubtitles());
+        QVERIFY(cli::leavesOutSubtitles(*filmWith(u"--kind avi"_s)));
+        QVERIFY(cli::leavesOutSubtitles(*filmWith(u"--device AVI"_s)));
+        QVERIFY(!cli::leavesOutSubtitles(*filmWith(u"--kind avi --subtitles burn --video 1pass"_s)));
+        QVERIFY(!cli::leavesOutSubtitles(*filmWith(u"--kind mkv"_s)));
+        QVERIFY(!cli::leavesOutSubtitles(*filmWith(QString())));
     }
 
     void theFirstFaultIsTold()

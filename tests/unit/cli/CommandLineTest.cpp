@@ -151,8 +151,8 @@ private Q_SLOTS:
             QTest::newRow(name) << false << true;
         for (const auto &name : {"save-dir", "defaults"})
             QTest::newRow(name) << true << true;
-        for (const auto &name :
-             {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles"})
+        for (const auto &name : {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio",
+                                 "subtitles", "add", "track-preset", "settings-preset"})
             QTest::newRow(name) << true << false;
         for (const auto &name : {"force", "dry-run"})
             QTest::newRow(name) << false << false;
@@ -175,7 +175,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 8 + 2); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 11 + 2); }
 };
 
 QTEST_GUILESS_MAIN(CommandLineTest)

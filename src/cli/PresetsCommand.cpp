@@ -1,0 +1,139 @@
+#include "cli/PresetsCommand.h"
+
+#include "cli/Session.h"
+#include "presets/PresetExchange.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+namespace {
+
+const QString trackKind = u"tracks"_s;
+const QString settingsKind = u"settings"_s;
+constexpr qint64 mostBytes = 16 * 1024 * 1024; // a preset file is some kilobytes
+
+QString shown(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QVariantList:
+        return QString::fromUtf8(QJsonDocument::fromVariant(value.toList()).toJson(QJsonDocument::Compact));
+    default:
+        return value.toString();
+    }
+}
+
+template <typename List>
+void listKind(Console &console, const QString &kind, const List &presets)
+{
+    for (const auto &preset : presets) {
+        console.object(
+            {{u"kind"_s, kind}, {u"name"_s, preset->pName()}, {u"isEditable"_s, preset->isEditable()}});
+        console.result(printable(kind + u": "_s + preset->pName()));
+    }
+}
+
+/// Answers how many presets of that name there were.
+template <typename List>
+int showNamed(Console &console, const QString &kind, const List &presets, const QString &name)
+{
+    int count = 0;
+    for (const auto &preset : presets) {
+        if (preset->pName() != name)
+            continue;
+        ++count;
+        const QVariantMap record = preset->makeRecord();
+        console.object({{u"kind"_s, kind}, {u"record"_s, QJsonObject::fromVariantMap(record)}});
+        console.result(printable(kind + u": "_s + name));
+        for (const QString &word : preset->recordWords())
+            console.result(printable(u"  "_s + word + u" = "_s + shown(record.value(word))));
+    }
+    return count;
+}
+
+/// Writes a file that was not there; a null text, or why it could not.
+QString writeNew(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return QFileInfo::exists(path) ? u"%1 exists already."_s.arg(path)
+                                       : u"%1 can't be written: %2"_s.arg(path, file.errorString());
+    if (file.write(contents) == contents.size() && file.flush())
+        return {};
+    const QString problem = u"%1 can't be written: %2"_s.arg(path, file.errorString());
+    file.remove();
+    return problem;
+}
+
+} // namespace
+
+ExitStatus PresetsCommand::execute(Session &session) const
+{
+    const QStringList words = session.line().arguments();
+    const QString verb = words.value(0);
+    if (verb == u"list"_s && words.size() == 1)
+        return list(session);
+    if (verb == u"show"_s && words.size() == 2)
+        return show(session, words.at(1));
+    if (verb == u"export"_s && words.size() <= 2)
+        return exportTo(session, absolutePath(words.value(1)));
+    if (verb == u"import"_s && words.size() == 2)
+        return importFrom(session, absolutePath(words.at(1)));
+    return session.wrongUsage(u"Usage: tessaray-cli presets "_s + arguments());
+}
+
+ExitStatus PresetsCommand::list(Session &session) const
+{
+    const KXPresetsController &presets = session.program().presets();
+    listKind(session.console(), trackKind, presets.presetSelectionsList());
+    listKind(session.console(), settingsKind, presets.presetSettingsList());
+    return ExitStatus::AllWell;
+}
+
+ExitStatus PresetsCommand::show(Session &session, const QString &name) const
+{
+    const KXPresetsController &presets = session.program().presets();
+    const int count = showNamed(session.console(), trackKind, presets.presetSelectionsList(), name) +
+                      showNamed(session.console(), settingsKind, presets.presetSettingsList(), name);
+    return count > 0 ? ExitStatus::AllWell : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
+}
+
+ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
+{
+    const QJsonObject presets = presets::exported(session.program().presets());
+    if (path.isEmpty()) {
+        session.console().object(presets);
+        session.console().result(
+            QString::fromUtf8(QJsonDocument(presets).toJson(QJsonDocument::Indented)).chopped(1));
+        return ExitStatus::AllWell;
+    }
+    const QString problem = writeNew(path, QJsonDocument(presets).toJson(QJsonDocument::Indented));
+    if (!problem.isNull())
+        return session.failed(problem);
+    session.console().object({{u"exported"_s, path}});
+    session.console().result(path);
+    return ExitStatus::AllWell;
+}
+
+ExitStatus PresetsCommand::importFrom(Session &session, const QString &path) const
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return session.failed(u"%1 can't be read."_s.arg(path));
+    if (file.size() > mostBytes)
+        return session.failed(u"%1 is too large for a preset file."_s.arg(path));
+    const presets::Import import = presets::importInto(session.program().presets(), file.readAll());
+    if (!import.problem.isNull())
+        return session.failed(u"%1 was not imported. %2"_s.arg(path, import.problem));
+    session.console().object(
+        {{u"imported"_s, path}, {trackKind, import.selections}, {settingsKind, import.settings}});
+    session.console().result(u"%1 track presets and %2 settings presets were imported."_s.arg(
+        QString::number(import.selections), QString::number(import.settings)));
+    return ExitStatus::AllWell;
+}
+
+} // namespace cli
