@@ -20,6 +20,8 @@ int convert(const QString &twin, const QString &clip, int rounds);
 int probe(const QString &resources, const QString &clip, int rounds);
 /// Progress reading in MB/s on recorded output of several sizes.
 int reading();
+/// A tick, toggling and applying presets on files of many tracks.
+int selection();
 /// Start-up time and peak memory of the command-line program.
 int start(const QString &twin, const QString &clip, int rounds);
 

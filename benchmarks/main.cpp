@@ -15,9 +15,11 @@ int main(int argc, char *argv[])
         return bench::probe(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"reading"_s && words.size() == 1)
         return bench::reading();
+    if (what == u"selection"_s && words.size() == 1)
+        return bench::selection();
     if (what == u"start"_s && words.size() == 4)
         return bench::start(words.at(1), words.at(2), words.at(3).toInt());
     bench::say(u"usage: tessaray-bench convert TWIN CLIP ROUNDS | probe RESOURCES CLIP ROUNDS | reading | "
-               "start TWIN CLIP ROUNDS"_s);
+               "selection | start TWIN CLIP ROUNDS"_s);
     return 64;
 }
