@@ -65,6 +65,23 @@ void KXSelectionController::initialize()
         m_subscriptions.push_back(m_center.subscribe(
             name, [this](const KXNotification &notification) { notificationHub(notification); }));
     }
+    setDefaultFlags();
+    setDefaultEntries();
+    Q_EMIT stateChanged();
+}
+
+/// What the tracks or the window decide has no default and stays.
+void KXSelectionController::setDefaultFlags()
+{
+    m_hideTrackTogglesFlag = m_hideTrackTable = false;
+    m_hideFileTable = m_hideAudioTrackPopupFlag = true;
+    m_subtitleSelected = m_canMuxSubtitles = m_canBurnSubtitles = m_oneSubSelected = false;
+    m_mustConvertVideoTrack = m_mustConvertAudioTrack = m_canAddStereoTrack = false;
+    m_canEditTracks = m_canEditPAR = m_canSplit = m_canJoin = m_userMadeAudioSelection = false;
+}
+
+void KXSelectionController::setDefaultEntries()
+{
     m_mp4Device = deviceList().constFirst();
     m_enteredSplitStartTime = m_enteredSplitEndTime = m_enteredSplitDuration = zeroTime;
     m_enteredSplitSize = u"0"_s;
@@ -77,7 +94,8 @@ void KXSelectionController::initialize()
     m_audioTrackLabels = {u""_s};
     // Shorter than what choosing the first action says: nothing was opened yet.
     m_editTrackLabel = u"Tessaray will extract the tracks selected above into separate files."_s;
-    Q_EMIT stateChanged();
+    m_addStereoTrackButton = m_videoMatrixIndex = m_audioMatrixIndex = m_subtitleMatrixIndex = 0;
+    m_editTrackMatrixIndex = m_audioTrackPopupIndex = 0;
 }
 
 void KXSelectionController::notificationHub(const KXNotification &notification)
@@ -304,7 +322,7 @@ void KXSelectionController::tickAudioAction(const QString &action, bool ticked)
 void KXSelectionController::setAddStereoTrackButton(const int &state)
 {
     const TrackPointer track = popupTrack();
-    const bool may = track && popupAudioIsSurround();
+    const bool may = track && canAddStereoTrack();
     m_addStereoTrackButton = may && state != 0 ? 1 : 0;
     if (may)
         track->setCreateStereoCopyFlag(m_addStereoTrackButton == 1);

@@ -20,6 +20,12 @@ struct OpenedFile;
 class KXSelectionController final : public KXHelpers
 {
     Q_OBJECT
+    Q_MOC_INCLUDE("selection/PresetDriver.h")
+
+    Q_PROPERTY(VideoFilePointer currentVideoFile READ currentVideoFile CONSTANT)
+    Q_PROPERTY(SelectionPointer currentSelection READ currentSelection CONSTANT)
+    Q_PROPERTY(PresetDriver *presetsController READ presetsController WRITE setPresetsController)
+    Q_PROPERTY(bool appIsUpdatingTabs READ appIsUpdatingTabs)
 
     // What is shown.
     KX_STATE(bool, hideTrackTogglesFlag, setHideTrackTogglesFlag, false)
@@ -114,6 +120,7 @@ public:
     void setPresetsController(PresetDriver *presets) { m_presets = presets; }
     void setOpenFiles(OpenFiles *files) { m_openFiles = files; }
 
+    PresetDriver *presetsController() const { return m_presets; }
     VideoFilePointer currentVideoFile() const { return m_file; }
     SelectionPointer currentSelection() const { return m_selection; }
 
@@ -178,6 +185,8 @@ Q_SIGNALS:
     void editingEndWanted();
 
 private:
+    void setDefaultFlags();
+    void setDefaultEntries();
     void updateMkvTab();
     void updateEditFilesTab();
     void updateSubtitleRules();
