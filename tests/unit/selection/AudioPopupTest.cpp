@@ -1,0 +1,330 @@
+#include "support/ControllerBench.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::ControllerBench;
+using support::outputsOf;
+using support::probedAudio;
+using support::probedSubtitle;
+using support::probedVideo;
+using support::setOutputs;
+
+namespace {
+
+TrackPointer audioWith(const QString &outputs)
+{
+    const TrackPointer track = probedAudio(u"dts"_s, u"6"_s);
+    setOutputs(*track, outputs);
+    return track;
+}
+
+/// A video and one stereo track for each language; the audio tracks start at row 1.
+struct Languages : ControllerBench
+{
+    explicit Languages(const QStringList &languages)
+        : ControllerBench(tracks(languages))
+    {
+        selectAll();
+    }
+    static TrackList tracks(const QStringList &languages)
+    {
+        TrackList list{probedVideo()};
+        for (const QString &language : languages)
+            list.append(probedAudio(u"aac"_s, u"2"_s, language));
+        return list;
+    }
+    /// Ticks nothing but these rows.
+    void selectRows(const QList<int> &rows)
+    {
+        for (int row = 0; row < file->trackList().size(); ++row)
+            file->trackList().at(row)->setTrackSelected(rows.contains(row));
+        controller.trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
+    }
+    QString shown() const { return controller.audioTrackLabels().value(controller.audioTrackPopupIndex()); }
+};
+
+QString ticks(const KXSelectionController &controller)
+{
+    return controller.audioMatrixSelections().join(u", "_s);
+}
+
+QString states(const KXSelectionController &controller)
+{
+    QString text;
+    for (const char *name : {"passthruState", "aac2State", "aac51State", "ac351State"})
+        text += controller.property(name).toBool() ? u'1' : u'0';
+    return text;
+}
+
+QString rates(const KXSelectionController &controller)
+{
+    return controller.enteredAAC2BitRate() + u" | "_s + controller.enteredAAC51BitRate() + u" | "_s +
+           controller.enteredAC351BitRate();
+}
+
+} // namespace
+
+/// The popup of selected audio tracks, and the four actions of the track that it shows.
+class AudioPopupTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void labelsSayChannelsCodecAndLanguage()
+    {
+        ControllerBench bench({probedVideo(), probedAudio(u"dtshd"_s, u"8"_s, u"German"_s),
+                               probedAudio(u"aac"_s, u"2"_s, u"undetermined"_s), probedSubtitle()});
+        bench.selectAll();
+        QCOMPARE(bench.controller.audioTrackLabels(),
+                 QStringList({u"8 Ch. DTSHD - German"_s, u"2 Ch. AAC - undetermined"_s}));
+    }
+
+    void popupIsShownFromTwoTracksOn()
+    {
+        Languages bench({u"English"_s, u"French"_s});
+        QVERIFY(!bench.controller.hideAudioTrackPopupFlag());
+        bench.tick(1, false);
+        QCOMPARE(bench.controller.audioTrackLabels(), QStringList{u"2 Ch. AAC - French"_s});
+        QVERIFY(bench.controller.hideAudioTrackPopupFlag());
+        bench.tick(1);
+        QVERIFY(!bench.controller.hideAudioTrackPopupFlag());
+        bench.selectRows({0});
+        QVERIFY(bench.controller.audioTrackLabels().isEmpty());
+        QVERIFY(bench.controller.hideAudioTrackPopupFlag());
+    }
+
+    void shownTrackStaysShownWhenTheListGrows()
+    {
+        Languages bench({u"English"_s, u"French"_s, u"German"_s});
+        bench.selectRows({0, 2, 3});
+        bench.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+        bench.tick(1);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 2);
+        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+    }
+
+    void firstTrackIsShownWhenTheGrownListLacksTheShownOne()
+    {
+        Languages bench({u"English"_s, u"French"_s});
+        bench.controller.setAudioTrackPopupIndex(1);
+        bench.setFile(u"/v/b.mkv"_s, Languages::tracks({u"Greek"_s, u"Latin"_s, u"Welsh"_s}));
+        bench.selectAll();
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+    }
+
+    /// Meant: labels are all that is compared, so the first of the tracks that are alike is shown.
+    void tracksWithOneLabelAreNotToldApart()
+    {
+        Languages bench({u"English"_s, u"English"_s, u"French"_s});
+        bench.selectRows({0, 1, 2});
+        bench.controller.setAudioTrackPopupIndex(1);
+        bench.tick(3);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+    }
+
+    /// Meant: only a list that grew moves the index.
+    void indexStaysWhenTheListShrinks()
+    {
+        Languages bench({u"English"_s, u"French"_s, u"German"_s});
+        bench.controller.setAudioTrackPopupIndex(1);
+        bench.tick(1, false);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+    }
+
+    /// Meant: the same.
+    void indexStaysWhenTheListIsAsLong()
+    {
+        Languages bench({u"English"_s, u"French"_s, u"German"_s});
+        bench.selectRows({1, 2});
+        bench.controller.setAudioTrackPopupIndex(1);
+        bench.selectRows({2, 3});
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+    }
+
+    void indexOutsideTheListIsTheFirst()
+    {
+        Languages bench({u"English"_s, u"French"_s, u"German"_s});
+        bench.controller.setAudioTrackPopupIndex(2);
+        bench.tick(1, false);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        for (const int outside : {-1, 2, 99}) {
+            bench.controller.setAudioTrackPopupIndex(1);
+            QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
+            bench.controller.setAudioTrackPopupIndex(outside);
+            QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        }
+    }
+
+    void controlsAreLoadedFromTheShownTrack_data()
+    {
+        QTest::addColumn<QString>("outputs");
+        QTest::addColumn<QString>("actions");
+        QTest::addColumn<QString>("boxes"); // pass through, AAC stereo, AAC surround, AC3
+        QTest::addColumn<QString>("bitRates");
+        const QString entered = u"128 kbps | 384 kbps | 448 kbps"_s;
+        QTest::newRow("none") << u""_s << u""_s << u"0000"_s << entered;
+        QTest::newRow("pass through") << u"passthru 6 0"_s << u"Pass Thru"_s << u"1000"_s << entered;
+        QTest::newRow("aac stereo") << u"aac 2 192"_s << u"AAC (2-Ch.)"_s << u"0100"_s
+                                    << u"192 kbps | 384 kbps | 448 kbps"_s;
+        QTest::newRow("aac surround")
+            << u"aac 6 512"_s << u"AAC (5.1)"_s << u"0010"_s << u"128 kbps | 512 kbps | 448 kbps"_s;
+        QTest::newRow("ac3") << u"ac3 6 640"_s << u"AC3 (5.1)"_s << u"0001"_s
+                             << u"128 kbps | 384 kbps | 640 kbps"_s;
+        QTest::newRow("all") << u"passthru 6 0, aac 2 160, aac 6 320, ac3 6 512"_s
+                             << u"Pass Thru, AAC (2-Ch.), AAC (5.1), AC3 (5.1)"_s << u"1111"_s
+                             << u"160 kbps | 320 kbps | 512 kbps"_s;
+        QTest::newRow("in their own order") << u"ac3 6 640, passthru 6 0"_s << u"AC3 (5.1), Pass Thru"_s
+                                            << u"1001"_s << u"128 kbps | 384 kbps | 640 kbps"_s;
+    }
+
+    void controlsAreLoadedFromTheShownTrack()
+    {
+        QFETCH(QString, outputs);
+        QFETCH(QString, actions);
+        QFETCH(QString, boxes);
+        QFETCH(QString, bitRates);
+        const TrackPointer first = audioWith(u""_s);
+        const TrackPointer second = audioWith(outputs);
+        ControllerBench bench({probedVideo(), first, second});
+        bench.selectAll();
+        bench.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(ticks(bench.controller), actions);
+        QCOMPARE(states(bench.controller), boxes);
+        QCOMPARE(rates(bench.controller), bitRates);
+        QCOMPARE(outputsOf(*second), outputs); // looking at a track does not change it
+        QCOMPARE(outputsOf(*first), u""_s);
+    }
+
+    void ticksOfTheTrackBeforeAreCleared()
+    {
+        ControllerBench bench({probedVideo(), audioWith(u"passthru 6 0, ac3 6 640"_s), audioWith(u""_s)});
+        bench.selectAll();
+        QCOMPARE(states(bench.controller), u"1001"_s);
+        bench.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(states(bench.controller), u"0000"_s);
+        bench.controller.setAudioTrackPopupIndex(0);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru, AC3 (5.1)"_s);
+    }
+
+    void withoutAnAudioTrackNothingIsTicked()
+    {
+        Languages bench({u"English"_s});
+        QCOMPARE(states(bench.controller), u"1000"_s);
+        bench.selectRows({0});
+        QCOMPARE(states(bench.controller), u"0000"_s);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+    }
+
+    void anotherTrackInThePopupUpdatesTheTabs()
+    {
+        ControllerBench bench({probedVideo(), probedAudio(), probedAudio(u"dts"_s, u"6"_s)});
+        bench.selectAll();
+        QVERIFY(!bench.controller.popupAudioIsSurround());
+        bench.controller.setAudioTrackPopupIndex(1);
+        QVERIFY(bench.controller.popupAudioIsSurround());
+        QCOMPARE(bench.controller.mkvAudioPassThruColor(), u"red"_s);
+        QCOMPARE(bench.openFiles.calls.size(), 1);
+    }
+
+    void popupDoesNotCallBackWhileTheTabsAreUpdated()
+    {
+        Languages bench({u"English"_s, u"French"_s});
+        int calls = 0;
+        connect(&bench.controller, &KXSelectionController::stateChanged, this, [&] {
+            if (bench.controller.appIsUpdatingTabs() && ++calls == 1)
+                bench.controller.setAudioTrackPopupIndex(1);
+        });
+        bench.controller.setCanAddTrack(false); // so that the update has something to say
+        bench.forgetCalls();
+        bench.controller.updateTabs();
+        QVERIFY(calls > 0);
+        QCOMPARE(bench.openFiles.calls.size(), 1);
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
+        QVERIFY(!bench.controller.appIsUpdatingTabs());
+    }
+
+    void sameLabelsLoadTheControlsAgain()
+    {
+        Languages bench({u"English"_s});
+        setOutputs(*bench.file->trackList().at(1), u"aac 2 256"_s);
+        bench.controller.upddateAudioTrackPopupFor();
+        QCOMPARE(ticks(bench.controller), u"AAC (2-Ch.)"_s);
+        QCOMPARE(bench.controller.enteredAAC2BitRate(), u"256 kbps"_s);
+    }
+
+    void otherLabelsLoadTheControlsAgain()
+    {
+        Languages bench({u"English"_s, u"French"_s});
+        bench.controller.setAudioTrackPopupIndex(1);
+        setOutputs(*bench.file->trackList().at(2), u"aac 2 256"_s);
+        bench.controller.setAudioTrackLabels({u"one"_s, u"two"_s});
+        QCOMPARE(bench.controller.audioTrackLabels(), QStringList({u"one"_s, u"two"_s}));
+        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(ticks(bench.controller), u"AAC (2-Ch.)"_s);
+    }
+
+    void labelsThatAreSetAgainChangeNothing()
+    {
+        Languages bench({u"English"_s});
+        setOutputs(*bench.file->trackList().at(1), u"aac 2 256"_s);
+        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
+        bench.controller.setAudioTrackLabels({u"2 Ch. AAC - English"_s});
+        QCOMPARE(changes.count(), 0);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru"_s);
+    }
+
+    void tickingAacSurroundForTheSecondTrackGivesThatTrackTheOutput()
+    {
+        const TrackPointer first = probedAudio(u"dts"_s, u"6"_s, u"English"_s);
+        const TrackPointer second = probedAudio(u"dts"_s, u"6"_s, u"French"_s);
+        ControllerBench bench({probedVideo(), first, second});
+        bench.selectAll();
+        bench.controller.setAudioTrackPopupIndex(1);
+        bench.controller.tickAudioAction(u"Pass Thru"_s, false);
+        bench.controller.setEnteredAAC51BitRate(u"384 kbps"_s);
+        bench.controller.tickAudioAction(u"AAC (5.1)"_s, true);
+        const QVariantMap expected{
+            {u"userCodec"_s, u"aac"_s}, {u"userBitRate"_s, u"384"_s}, {u"userNumberOfChannels"_s, u"6"_s}};
+        QCOMPARE(second->userAudioSettingsDictionaryArray(), AudioSettingsList{expected});
+        QCOMPARE(outputsOf(*first), u"passthru 6 0"_s);
+    }
+
+    void tickedActionsStandInTheOfferedOrder()
+    {
+        ControllerBench bench({probedVideo(), audioWith(u""_s)});
+        bench.selectAll();
+        for (const QString &action :
+             {u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s, u"AAC (5.1)"_s, u"Pass Thru"_s, u"AAC (2-Ch.)"_s})
+            bench.controller.tickAudioAction(action, true);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AAC (5.1), AC3 (5.1)"_s);
+        bench.controller.tickAudioAction(u"AAC (5.1)"_s, false);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
+        QCOMPARE(outputsOf(*bench.file->trackList().at(1)), u"passthru 6 0, aac 2 128, ac3 6 448"_s);
+    }
+
+    void tickPutsLoadedActionsIntoTheOfferedOrder()
+    {
+        const TrackPointer track = audioWith(u"ac3 6 640, passthru 6 0"_s);
+        ControllerBench bench({probedVideo(), track});
+        bench.selectAll();
+        QCOMPARE(ticks(bench.controller), u"AC3 (5.1), Pass Thru"_s);
+        bench.controller.tickAudioAction(u"AAC (2-Ch.)"_s, true);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
+        QCOMPARE(outputsOf(*track), u"passthru 6 0, aac 2 128, ac3 6 640"_s);
+    }
+
+    void unknownActionIsNotTicked()
+    {
+        Languages bench({u"English"_s});
+        bench.controller.tickAudioAction(u"MP3"_s, true);
+        QCOMPARE(ticks(bench.controller), u"Pass Thru"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(AudioPopupTest)
+#include "AudioPopupTest.moc"
