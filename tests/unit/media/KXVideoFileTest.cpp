@@ -2,6 +2,7 @@
 
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
+#include "support/ProbeJson.h"
 #include "support/Scratch.h"
 
 #include <QDir>
@@ -15,6 +16,7 @@
 
 using namespace Qt::StringLiterals;
 using support::FakeTool;
+using support::probeJson;
 
 namespace {
 
@@ -96,21 +98,6 @@ void fill(KXVideoFile &file)
 {
     for (const Field &field : fields())
         file.setProperty(qPrintable(field.name), anotherValue(field));
-}
-
-/// ffprobe's JSON for streams that are given as lists of "key=value".
-QByteArray json(const QList<QByteArrayList> &streams)
-{
-    QByteArrayList texts;
-    for (const QByteArrayList &stream : streams) {
-        QByteArrayList lines;
-        for (const QByteArray &pair : stream) {
-            const qsizetype cut = pair.indexOf('=');
-            lines.append("            \"" + pair.left(cut) + "\": \"" + pair.mid(cut + 1) + '"');
-        }
-        texts.append("        {\n" + lines.join(",\n") + "\n        }");
-    }
-    return "{\n    \"streams\": [\n" + texts.join(",\n") + "\n    ]\n}\n";
 }
 
 const QByteArrayList h264{"index=0", "codec_type=video", "codec_name=h264"};
@@ -296,7 +283,7 @@ private Q_SLOTS:
 
     void runsOnlyWhatItNeeds()
     {
-        Probe probe(json({h264 + QByteArrayList{"bit_rate=800000"}, aac}));
+        Probe probe(probeJson({h264 + QByteArrayList{"bit_rate=800000"}, aac}));
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.runs(), QStringList({jsonRun, linesRun}));
         QVERIFY(!probe.leftAnErrorFile());
@@ -304,7 +291,7 @@ private Q_SLOTS:
 
     void asksForTheBitRateOfEachSilentVideoTrack()
     {
-        Probe probe(json({h264, h264 + QByteArrayList{"bit_rate=100000"}, h264, aac}), {},
+        Probe probe(probeJson({h264, h264 + QByteArrayList{"bit_rate=100000"}, h264, aac}), {},
                     "  Duration: 00:00:08.00, start: 0.0, bitrate: 1000 kb/s\n");
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.runs(), QStringList({jsonRun, linesRun, bitRateRun, bitRateRun}));
@@ -317,17 +304,17 @@ private Q_SLOTS:
 
     void aDerivedBitRateMayBeNegative()
     {
-        Probe probe(json({h264, aac}), {}, "  Duration: 00:00:08.00, bitrate: 28 kb/s\n");
+        Probe probe(probeJson({h264, aac}), {}, "  Duration: 00:00:08.00, bitrate: 28 kb/s\n");
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.file().theVideoBitRate(), u"-100"_s);
     }
 
     void aBitRateThatIsNotToldStaysUnknown()
     {
-        Probe twoLines(json({h264}), {}, "Duration: 1, bitrate: 2\n title: Duration: 3\n");
+        Probe twoLines(probeJson({h264}), {}, "Duration: 1, bitrate: 2\n title: Duration: 3\n");
         QCOMPARE(twoLines.run(), u"OK"_s);
         QCOMPARE(twoLines.file().theVideoBitRate(), u"0"_s);
-        Probe notUtf8(json({h264}), {}, "title : Caf\xe9\n  Duration: 1, bitrate: 500 kb/s\n");
+        Probe notUtf8(probeJson({h264}), {}, "title : Caf\xe9\n  Duration: 1, bitrate: 500 kb/s\n");
         QCOMPARE(notUtf8.run(), u"OK"_s);
         QCOMPARE(notUtf8.file().theVideoBitRate(), u"0"_s);
     }
@@ -335,7 +322,7 @@ private Q_SLOTS:
     void takesMissingCodecsFromTheStreamLines()
     {
         Probe probe(
-            json({{"index=0", "codec_type=video", "bit_rate=800000"}, {"index=1", "codec_type=audio"}}),
+            probeJson({{"index=0", "codec_type=video", "bit_rate=800000"}, {"index=1", "codec_type=audio"}}),
             "  Stream #0:0: Video: h264 (High), yuv420p\n  Stream #0:1(eng): Audio: ac3, 48000 Hz\n");
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.file().trackList().at(0)->trackCodec(), u"h264"_s);
@@ -344,7 +331,7 @@ private Q_SLOTS:
 
     void otherStreamsCountForTheFallback()
     {
-        Probe probe(json({{"index=0", "codec_type=data"}, {"index=1", "codec_type=audio"}}),
+        Probe probe(probeJson({{"index=0", "codec_type=data"}, {"index=1", "codec_type=audio"}}),
                     "  Stream #0:0: Data: bin_data\n  Stream #0:1: Audio: mp3\n");
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.file().trackList().constFirst()->trackCodec(), u"mp3"_s);
@@ -352,7 +339,7 @@ private Q_SLOTS:
 
     void refusesAnUnknownCodec()
     {
-        const QByteArray streams = json({h264, {"index=1", "codec_type=audio", "codec_name=opus"}});
+        const QByteArray streams = probeJson({h264, {"index=1", "codec_type=audio", "codec_name=opus"}});
         Probe probe(streams);
         QCOMPARE(probe.run(), u"track not identified"_s);
         QCOMPARE(probe.runs(), QStringList({jsonRun, linesRun, jsonRun}));
@@ -364,7 +351,7 @@ private Q_SLOTS:
 
     void refusesAMissingCodec()
     {
-        const QByteArray streams = json({{"index=0", "codec_type=video"}});
+        const QByteArray streams = probeJson({{"index=0", "codec_type=video"}});
         Probe probe(streams);
         QCOMPARE(probe.run(), u"track not identified"_s);
         QCOMPARE(probe.errorFile(), streams.trimmed() + "\n\nProblem Codec: ");
@@ -372,7 +359,7 @@ private Q_SLOTS:
 
     void refusesAFileWithoutUsableStreams()
     {
-        const QByteArray streams = json({{"index=0", "codec_type=data", "codec_name=bin_data"}});
+        const QByteArray streams = probeJson({{"index=0", "codec_type=data", "codec_name=bin_data"}});
         Probe probe(streams);
         QCOMPARE(probe.run(), u"not a video"_s);
         QCOMPARE(probe.runs(), QStringList({jsonRun, linesRun, jsonRun}));
@@ -389,14 +376,14 @@ private Q_SLOTS:
 
     void refusesATitleThatSpeaksOfInvalidData()
     {
-        Probe probe(json({h264 + QByteArrayList{"title=Invalid data found"}}));
+        Probe probe(probeJson({h264 + QByteArrayList{"title=Invalid data found"}}));
         QCOMPARE(probe.run(), u"not a video"_s);
         QVERIFY(probe.errorFile().contains("Invalid data found"));
     }
 
     void refusesWithoutTheTool()
     {
-        Probe probe(json({h264}));
+        Probe probe(probeJson({h264}));
         QFile::remove(probe.tool());
         QCOMPARE(probe.run(), u"not a video"_s);
         QVERIFY(probe.errorFile().contains("ffprobe"));
@@ -406,7 +393,7 @@ private Q_SLOTS:
 
     void probesOnlyPlainFiles()
     {
-        Probe probe(json({h264, aac}));
+        Probe probe(probeJson({h264, aac}));
         const support::Scratch &scratch = probe.scratch();
         QCOMPARE(::mkfifo(qPrintable(scratch.path(u"pipe.mkv"_s)), 0600), 0);
         QDir().mkpath(scratch.path(u"folder.mkv"_s));
@@ -423,7 +410,7 @@ private Q_SLOTS:
 
     void oneObjectServesFileAfterFile()
     {
-        Probe probe(json({h264 + QByteArrayList{"width=320", "bit_rate=800000"}, aac}));
+        Probe probe(probeJson({h264 + QByteArrayList{"width=320", "bit_rate=800000"}, aac}));
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.file().trackList().size(), 2);
@@ -446,10 +433,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("hangsAt");
         QTest::addColumn<QByteArray>("streams");
-        QTest::newRow("the first run") << u"-show_streams"_s << json({h264});
-        QTest::newRow("the stream lines") << u"lines"_s << json({h264});
-        QTest::newRow("the stream lines of an unknown codec") << u"lines"_s << json({{"codec_type=video"}});
-        QTest::newRow("the bit rate") << u"-print_format"_s << json({h264, aac});
+        QTest::newRow("the first run") << u"-show_streams"_s << probeJson({h264});
+        QTest::newRow("the stream lines") << u"lines"_s << probeJson({h264});
+        QTest::newRow("the stream lines of an unknown codec")
+            << u"lines"_s << probeJson({{"codec_type=video"}});
+        QTest::newRow("the bit rate") << u"-print_format"_s << probeJson({h264, aac});
     }
 
     void aStopEndsAProbe()
@@ -480,7 +468,7 @@ private Q_SLOTS:
 
     void aFileThatVanishesOnTheWayLeavesNothing()
     {
-        Probe probe(json({{"index=0", "codec_type=video", "codec_name=hevc"}}));
+        Probe probe(probeJson({{"index=0", "codec_type=video", "codec_name=hevc"}}));
         const QString film = probe.scratch().path(u"film.mkv"_s);
         QTimer::singleShot(0, this, [&] { QFile::remove(film); });
         QCOMPARE(probe.run(), u"track not identified"_s);
@@ -490,11 +478,11 @@ private Q_SLOTS:
 
     void sortsTracksByKind()
     {
-        Probe probe(json({{"index=0", "codec_type=subtitle", "codec_name=ass"},
-                          {"index=1", "codec_type=audio", "codec_name=aac"},
-                          {"index=2", "codec_type=video", "codec_name=mjpeg", "bit_rate=50000"},
-                          {"index=3", "codec_type=audio", "codec_name=mp3"},
-                          {"index=4", "codec_type=video", "codec_name=h264", "bit_rate=90000"}}));
+        Probe probe(probeJson({{"index=0", "codec_type=subtitle", "codec_name=ass"},
+                               {"index=1", "codec_type=audio", "codec_name=aac"},
+                               {"index=2", "codec_type=video", "codec_name=mjpeg", "bit_rate=50000"},
+                               {"index=3", "codec_type=audio", "codec_name=mp3"},
+                               {"index=4", "codec_type=video", "codec_name=h264", "bit_rate=90000"}}));
         QCOMPARE(probe.run(), u"OK"_s);
         QStringList indexes;
         for (const TrackPointer &track : probe.file().trackList())
@@ -510,12 +498,12 @@ private Q_SLOTS:
     void aTrackListGrowsByManyAndIsReplacedByOne()
     {
         // A second reading of the same streams comes behind the first; a lone track stands alone.
-        Probe many(json({h264, aac}));
+        Probe many(probeJson({h264, aac}));
         QCOMPARE(many.run(), u"OK"_s);
         QCOMPARE(many.file().createTrackListForSelf(), u"OK"_s);
         QCOMPARE(many.file().trackList().size(), 4);
         QCOMPARE(many.file().theNumberOfAudioTracks(), u"1"_s);
-        Probe one(json({aac}));
+        Probe one(probeJson({aac}));
         QCOMPARE(one.run(), u"OK"_s);
         QCOMPARE(one.file().createTrackListForSelf(), u"OK"_s);
         QCOMPARE(one.file().trackList().size(), 1);
@@ -554,7 +542,7 @@ private Q_SLOTS:
         QFETCH(QString, word);
         QFETCH(QString, expected);
         const QByteArrayList second = h264 + QByteArrayList{"width=9", "height=9", "profile=X", "level=99"};
-        Probe probe(json({aac, h264 + values, second}));
+        Probe probe(probeJson({aac, h264 + values, second}));
         QCOMPARE(probe.run(), u"OK"_s);
         QCOMPARE(probe.file().property(qPrintable(word)).toString(), expected);
     }
@@ -575,7 +563,7 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, extension);
         QFETCH(QString, shortName);
-        Probe probe(json({aac}));
+        Probe probe(probeJson({aac}));
         probe.scratch().write(u"films/"_s + name, "film");
         QCOMPARE(probe.run(u"films/"_s + name), u"OK"_s);
         const KXVideoFile &file = probe.file();
@@ -596,7 +584,7 @@ private Q_SLOTS:
 
     void keepsTheParsedProbe()
     {
-        Probe probe(json({aac}));
+        Probe probe(probeJson({aac}));
         QCOMPARE(probe.run(), u"OK"_s);
         const QVariantMap stream{{u"index"_s, u"1"_s},
                                  {u"codec_type"_s, u"audio"_s},
