@@ -51,9 +51,7 @@ bool KXTimeValidator::controlIsValidObject(const QVariant &field, const QString 
 
 qint64 KXTimeValidator::convertTimeInSecondsFrom(const QString &time)
 {
-    QStringList pieces = time.split(u':');
-    pieces.last() = pieces.last().section(u',', 0, 0);
-    return KXHelpers::convertToTimeInSecondsFrom(pieces.join(u':'));
+    return KXHelpers::convertToTimeInSecondsFrom(time); // a comma ends its seconds just as a point does
 }
 
 QString KXTimeValidator::convertToTextTimeFrom(qint64 seconds)

@@ -1,6 +1,7 @@
 #include "prefs/KXTimeValidator.h"
 
 #include "platform/KXNotificationCenter.h"
+#include "support/ControllerBench.h"
 
 #include <QTest>
 
@@ -214,6 +215,26 @@ private Q_SLOTS:
         QCOMPARE(left.object, QVariant(u"00:10:00"_s));
         QCOMPARE(left.userInfo, (QVariantMap{{u"theTextField"_s, theField}, {u"textFieldID"_s, u"1002"_s}}));
         QCOMPARE(left.userInfo.value(u"theTextField"_s).value<QObject *>(), &widget);
+    }
+
+    void selectionFollowsWhatIsTypedIntoItsFields()
+    {
+        support::ControllerBench bench({support::probedVideo()});
+        KXTimeValidator start(bench.center, 1001);
+        KXTimeValidator end(bench.center, 1002);
+        KXTimeValidator duration(bench.center, 1003);
+        for (KXTimeValidator *field : {&start, &end, &duration})
+            field->controlTextShouldBeginEditing(u"00:00:00"_s, {});
+        start.controlTextDidChange(u"00:00:500"_s, 7);
+        end.controlTextDidChange(u"00:700:00"_s, 4);
+        end.controlTextDidChange(u"00:7x0:00"_s, 5);
+        duration.controlTextDidChange(u"100:00:00"_s, 1);
+        duration.controlIsValidObject({}, u"10:00:00"_s);
+        QCOMPARE(bench.controller.enteredSplitStartTime(), u"00:00:50"_s);
+        QCOMPARE(bench.controller.enteredSplitEndTime(), u"00:70:00"_s);
+        QCOMPARE(bench.controller.enteredSplitDuration(), u"10:00:00"_s);
+        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"50"_s);
+        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"4200"_s);
     }
 
     void secondsOfATime_data()

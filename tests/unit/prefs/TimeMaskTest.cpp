@@ -280,6 +280,7 @@ private Q_SLOTS:
         QCOMPARE(written(mask.edited(u"00:10:00"_s, u"500:10:00"_s, -5)), u"5|0:10:00"_s);
         QCOMPARE(written(mask.edited(u"00:10:00"_s, u"00:10:005"_s, 99)), u"00:10:00|"_s);
         QCOMPARE(written(mask.edited(u"00:10:00"_s, u"00:10:0"_s, 99)), u"00:10:0|0"_s);
+        QCOMPARE(written(mask.edited(u"00:10:00"_s, u"0:00"_s, -1)), u"|00:00:00"_s);
         QCOMPARE(written(mask.edited(u"00:10:00"_s, u"x"_s, -1)), u"|00:10:00 beep"_s);
         QCOMPARE(written(mask.edited(u"00:10:00"_s, QString(), 1)), u"|00:00:00"_s);
     }
