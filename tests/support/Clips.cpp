@@ -92,7 +92,8 @@ QString withCover(const QString &name, const QString &image, const QString &kind
 QString mpeg2(const QString &name)
 {
     return clip(name, [](const QString &path) {
-        ffmpeg(picture(u"320x240"_s, 4) + u' ' + sound(4) + u" -c:v mpeg2video -bf 2 -b:v 800k -c:a mp2 -ac 2"_s,
+        ffmpeg(picture(u"320x240"_s, 4) + u' ' + sound(4) +
+                   u" -c:v mpeg2video -bf 2 -b:v 800k -c:a mp2 -ac 2"_s,
                path);
     });
 }
@@ -143,6 +144,32 @@ QString film1920()
     return clip(u"film1920.mkv"_s, [](const QString &path) {
         mkvmerge(path, {h264(u"film-video.mkv"_s, u"1920x1080"_s, 4), u"--language"_s, u"0:eng"_s,
                         stereoAac(u"stereo4.m4a"_s, 4), u"--language"_s, u"0:eng"_s, srtFile()});
+    });
+}
+
+QString manyTracksMkv()
+{
+    const QString picture = clip(u"many-video.mkv"_s, [](const QString &path) {
+        ffmpeg(u"-f lavfi -i testsrc2=s=2048x1152:r=5:d=4 -c:v libx264 -preset veryfast -g 5 -bf 2 "
+               "-pix_fmt yuv420p"_s,
+               path);
+    });
+    const auto audio = [](const QString &name, const QString &arguments) {
+        return clip(name, [&](const QString &path) { ffmpeg(sound(4) + arguments, path); });
+    };
+    return clip(u"many-tracks.mkv"_s, [&](const QString &path) {
+        const QStringList tracks{u"0:eng"_s, audio(u"surround4.ac3"_s, u" -ac 6 -c:a ac3 -b:a 384k"_s),
+                                 u"0:ger"_s, stereoAac(u"stereo4.m4a"_s, 4),
+                                 u"0:eng"_s, audio(u"mono4.m4a"_s, u" -ac 1 -c:a aac"_s),
+                                 u"0:fre"_s, audio(u"stereo4.ac3"_s, u" -ac 2 -c:a ac3 -b:a 192k"_s),
+                                 u"0:und"_s, audio(u"surround4.flac"_s, u" -ac 6 -c:a flac"_s),
+                                 u"0:eng"_s, srtFile(),
+                                 u"0:ger"_s, assFile(),
+                                 u"0:fre"_s, srtFile()};
+        QStringList arguments{picture};
+        for (qsizetype i = 0; i < tracks.size(); i += 2)
+            arguments << u"--language"_s << tracks.at(i) << tracks.at(i + 1);
+        mkvmerge(path, arguments);
     });
 }
 

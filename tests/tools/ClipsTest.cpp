@@ -49,6 +49,9 @@ private Q_SLOTS:
         row("full", fullMkv(), u"h264/video ac3/audio aac/audio subrip/subtitle ass/subtitle dts/audio"_s);
         row("wide", wideMkv(), u"h264/video aac/audio ac3/audio subrip/subtitle"_s);
         row("film", film1920(), u"h264/video aac/audio subrip/subtitle"_s);
+        row("many tracks", manyTracksMkv(),
+            u"h264/video ac3/audio aac/audio aac/audio ac3/audio flac/audio subrip/subtitle ass/subtitle "
+            "subrip/subtitle"_s);
         row("long", longMkv(10), u"h264/video aac/audio"_s);
         row("black", blackMkv(), u"h264/video aac/audio subrip/subtitle ass/subtitle"_s);
         row("pgs", pgsMkv(), u"h264/video aac/audio hdmv_pgs_subtitle/subtitle"_s);
