@@ -64,7 +64,7 @@ SelectionPointer ConvertCommand::prepared(Session &session, const QString &path,
 {
     const FileSelection file = selectFile(session, path, tracks);
     if (!file.selection) {
-        status = session.failed(u"%1: %2"_s.arg(path, file.problem));
+        status = refused(session, file);
         return nullptr;
     }
     const QStringList missing = missingTracks(*file.selection, tracks);

@@ -27,7 +27,7 @@ ExitStatus ExtractCommand::execute(Session &session) const
     return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
         const FileSelection file = selectFile(session, path, choice);
         if (!file.selection) {
-            status = session.failed(u"%1: %2"_s.arg(path, file.problem));
+            status = refused(session, file);
             return nullptr;
         }
         const QStringList missing = missingTracks(*file.selection, choice);

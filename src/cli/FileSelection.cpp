@@ -73,6 +73,12 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
     return result;
 }
 
+ExitStatus refused(Session &session, const FileSelection &file)
+{
+    return session.isInterrupted() ? ExitStatus::Failed
+                                   : session.failed(u"%1: %2"_s.arg(file.path, file.problem));
+}
+
 QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice)
 {
     QStringList missing = choice.indexes;

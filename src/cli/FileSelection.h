@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/Command.h"
 #include "selection/KXSelection.h"
 
 #include <QString>
@@ -33,6 +34,9 @@ std::shared_ptr<KXVideoFile> probed(Session &session, const QString &path, QStri
 
 /// Makes a file the program's current one, takes added files in and selects tracks.
 FileSelection selectFile(Session &session, const QString &path, const TrackChoice &choice);
+
+/// Says why there is no selection, unless an interrupt is the reason; answers Failed.
+ExitStatus refused(Session &session, const FileSelection &file);
 
 /// The stream indexes of the choice that the file does not have.
 QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice);

@@ -109,7 +109,9 @@ private Q_SLOTS:
         QVERIFY2(isBusyWith(isBusy, isSaid), qPrintable(m_twin->commandLines().join(u'\n') + said()));
         const QString left = toolsAfter(signal);
         QVERIFY2(left.isEmpty(), qPrintable(left));
-        QCOMPARE(end().status, status);
+        const auto run = end();
+        QCOMPARE(run.status, status);
+        QVERIFY2(!run.said().contains(u"not a video"_s), qPrintable(run.said())); // nobody looked to the end
         QCOMPARE(m_twin->mediaNames(), QStringList({u"full.mkv"_s, u"long.mkv"_s}));
         QVERIFY2(m_twin->temporaryNames().isEmpty(), qPrintable(m_twin->temporaryNames().join(u' ')));
         QVERIFY(content(u"long.mkv"_s) + content(u"full.mkv"_s) == sources);
