@@ -34,7 +34,7 @@ prefs::FieldEdit KXTimeValidator::controlTextDidChange(const QString &newText, q
 {
     if (kind != prefs::FieldKind::TextField)
         return {newText, caret};
-    const prefs::FieldEdit edit = maskFor(m_srtTimeFormat).edited(m_oldText, newText, caret);
+    prefs::FieldEdit edit = maskFor(m_srtTimeFormat).edited(m_oldText, newText, caret);
     if (edit.beep)
         return edit;
     m_oldText = edit.text;
