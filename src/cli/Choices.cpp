@@ -29,6 +29,11 @@ qsizetype countOf(const KXSelection &selection, bool (*isIt)(const KXVideoTrack 
                          [&](const TrackPointer &track) { return isIt(*track); });
 }
 
+bool isMp4(const QString &device)
+{
+    return engines::outputKindNamed(engines::appNameForDevice(device)) == engines::OutputKind::Pollenta;
+}
+
 bool isVideo(const KXVideoTrack &track)
 {
     return track.trackType() == u"Video"_s;
@@ -121,14 +126,11 @@ void Choices::readTarget(const CommandLine &line)
             return fail(u"There is no device \"%1\". The devices are: %2."_s.arg(
                 m_device, selection::targetNames().join(u", "_s)));
     }
-    const bool isMp4 =
-        engines::outputKindNamed(engines::appNameForDevice(m_device)) == engines::OutputKind::Pollenta;
-    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4))
+    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4(m_device)))
         return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(m_device, kind));
     if (kind == u"mkv"_s || kind == u"avi"_s)
         m_device = kind.toUpper();
-    else if (kind == u"mp4"_s && m_device.isNull())
-        m_device = u"General"_s;
+    m_wantsMp4 = kind == u"mp4"_s;
 }
 
 void Choices::readVideo(const CommandLine &line)
@@ -222,10 +224,17 @@ QString Choices::refusalFor(const KXSelection &selection) const
     return {};
 }
 
-void Choices::applyTo(KXSelection &selection) const
+void Choices::applyTarget(KXSelection &selection) const
 {
     if (!m_device.isNull())
         selection.setTheDevice(m_device);
+    else if (m_wantsMp4 && !isMp4(selection.theDevice()))
+        selection.setTheDevice(u"General"_s); // else the preset's device agrees, and its limits stay
+}
+
+void Choices::applyTo(KXSelection &selection) const
+{
+    applyTarget(selection);
     if (!m_video.isNull())
         selection.setUserPassNumber(m_video == u"2pass"_s ? u"2"_s : u"1"_s);
     if (!m_videoBitRate.isNull())

@@ -43,6 +43,7 @@ private:
     QString readAudioSetting(const QString &word, QVariantMap &setting) const;
     void readSubtitles(const CommandLine &line);
     static AudioSettingsList settingsFor(const KXVideoTrack &track, AudioSettingsList settings);
+    void applyTarget(KXSelection &selection) const;
     bool passesThru() const { return m_video == QStringLiteral("passthru"); }
     void fail(const QString &sentence);
 
@@ -54,6 +55,7 @@ private:
     QString m_videoBitRate;
     QString m_width;
     QString m_subtitles;
+    bool m_wantsMp4 = false;                   ///< of whichever device the preset says
     QHash<QString, AudioSettingsList> m_audio; ///< by stream index, or "+1" for the first added file
     QStringList m_given;
     std::optional<QStringList> m_tracks;

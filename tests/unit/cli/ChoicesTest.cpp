@@ -1,34 +1,10 @@
-#include "cli/Choices.h"
-#include "cli/CommandLine.h"
-#include "support/HandMade.h"
+#include "unit/cli/ChoicesFilm.h"
 
 #include <QTest>
 
-using namespace Qt::StringLiterals;
 using cli::Choices;
-using cli::CommandLine;
 
 namespace {
-
-/// A film of a video track (0), two audio tracks (1, 2) and a subtitle (3).
-SelectionPointer film()
-{
-    using namespace support;
-    return handMadeSelection({}, {videoTrack(u"none"_s), audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}),
-                                  audioTrack(u"2"_s, u"aac"_s, u"2"_s, audioSettings(u"passthru"_s, u"2"_s)),
-                                  subtitleTrack(u"3"_s, u"srt"_s, u"none"_s)});
-}
-
-Choices choicesOf(const QStringList &options)
-{
-    const CommandLine line(QStringList{u"convert"_s, u"a.mkv"_s} + options);
-    return Choices(line);
-}
-
-Choices choicesOf(const QString &options)
-{
-    return choicesOf(options.split(u' ', Qt::SkipEmptyParts));
-}
 
 SelectionPointer filmWith(const QStringList &options)
 {
@@ -254,8 +230,18 @@ private Q_SLOTS:
                                   "1=aac:2:160 ",
                                   " 1=aac:2:160",
                                   "1=aac:2:160;ac3:6:448",
-                                  "1==passthru"})
-            QTest::newRow(value) << QString::fromLatin1(value);
+                                  "1==passthru",
+                                  "+=passthru",
+                                  "+x=passthru",
+                                  "++1=passthru",
+                                  "+-1=passthru",
+                                  "1+=passthru",
+                                  "+1",
+                                  "+1=",
+                                  "+1=opus:2:96",
+                                  "+ 1=passthru",
+                                  "+٣=passthru"})
+            QTest::newRow(value) << QString::fromUtf8(value);
     }
 
     void wrongAudioIsNamed()
