@@ -1,6 +1,7 @@
 #include "support/Clips.h"
 #include "support/ClipKitchen.h"
 #include "support/TestPlaces.h"
+#include "support/TrackClips.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -75,6 +76,21 @@ private Q_SLOTS:
         row("sup", supFile(), u"hdmv_pgs_subtitle/subtitle"_s);
         row("vp9", vp9Mkv(), u"vp9/video"_s);
         row("opus", opusMkv(), u"h264/video opus/audio"_s);
+        row("surround in Matroska", surroundMka(), u"ac3/audio"_s);
+        row("mp3", mp3File(), u"mp3/audio"_s);
+        row("ssa", ssaFile(), u"ass/subtitle"_s);
+        row("French", frenchSrt(), u"subrip/subtitle"_s);
+        row("text only", textOnlyMp4(), u"mov_text/subtitle"_s);
+        row("sound and text", soundAndTextMka(), u"aac/audio subrip/subtitle"_s);
+        row("two sounds", twoSoundsMka(), u"aac/audio ac3/audio"_s);
+        row("two texts", twoTextsMks(), u"subrip/subtitle ass/subtitle"_s);
+        row("attachment", attachmentMks(), u"subrip/subtitle /attachment"_s);
+        row("chapters", chaptersM4a(), u"aac/audio bin_data/data"_s);
+        row("mp3 with a cover", coverMp3(), u"mp3/audio mjpeg/video"_s);
+        row("m4a with a cover", coverM4a(), u"aac/audio png/video"_s);
+        row("opus alone", opusFile(), u"opus/audio"_s);
+        row("webvtt", webvttFile(), u"webvtt/subtitle"_s);
+        row("data only", dataOnlyMov(), u"/data"_s);
     }
 
     void holdsWhatItSays()

@@ -3,7 +3,7 @@
 #include "support/ClipKitchen.h"
 #include "support/Clips.h"
 #include "support/Scratch.h"
-#include "support/TestPlaces.h"
+#include "support/WatchedPlaces.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,26 +13,9 @@
 
 using namespace Qt::StringLiterals;
 using support::Scratch;
+using support::WatchedPlaces;
 
 namespace {
-
-/// The installed tools, working in the test's own folder: a name that the shell took for a command
-/// would leave its traces there.
-class WatchedPlaces final : public tools::ToolPlaces
-{
-public:
-    explicit WatchedPlaces(const Scratch &scratch)
-        : m_folder(scratch.path())
-    {
-    }
-    QUrl toolsLocation() const override { return m_tools.toolsLocation(); }
-    QUrl resourcesLocation() const override { return m_tools.resourcesLocation(); }
-    QString workingFolder() const override { return m_folder; }
-
-private:
-    support::TestPlaces m_tools;
-    QString m_folder;
-};
 
 /// The container's bit rate in kb/s, asked for another way than the program does.
 qint64 containerRateOf(const QString &path)
