@@ -43,6 +43,14 @@ QString printable(QString text)
     return text;
 }
 
+QString inOneLine(const QString &text)
+{
+    QString line = printable(text);
+    for (const QChar lineBreak : u"\n\u2028\u2029"_s)
+        line.replace(lineBreak, u'?');
+    return line;
+}
+
 void Console::print(const QString &text)
 {
     write(stdout, text.toUtf8());
@@ -85,7 +93,7 @@ void Console::progress(const QString &text)
 void Console::showLive(const QString &text)
 {
     m_lastProgress = text;
-    const QString line = printable(text).replace(u'\n', u'?').left(terminalColumns() - 1);
+    const QString line = inOneLine(text).left(terminalColumns() - 1);
     write(stderr, u"\r\x1b[K"_s.toUtf8() + line.toUtf8());
     m_liveLineShown = true;
 }

@@ -41,5 +41,7 @@ private:
 /// Names and titles may hold anything, and a terminal must not obey them: control characters but line
 /// feed and tab become "?".
 QString printable(QString text);
+/// The same in one line, so that no name passes for a line of the program's.
+QString inOneLine(const QString &text);
 
 } // namespace cli

@@ -33,7 +33,7 @@ void listKind(Console &console, const QString &kind, const List &presets)
     for (const auto &preset : presets) {
         console.object(
             {{u"kind"_s, kind}, {u"name"_s, preset->pName()}, {u"isEditable"_s, preset->isEditable()}});
-        console.result(printable(kind + u": "_s + preset->pName()));
+        console.result(inOneLine(kind + u": "_s + preset->pName()));
     }
 }
 
@@ -48,9 +48,9 @@ int showNamed(Console &console, const QString &kind, const List &presets, const 
         ++count;
         const QVariantMap record = preset->makeRecord();
         console.object({{u"kind"_s, kind}, {u"record"_s, QJsonObject::fromVariantMap(record)}});
-        console.result(printable(kind + u": "_s + name));
+        console.result(inOneLine(kind + u": "_s + name));
         for (const QString &word : preset->recordWords())
-            console.result(printable(u"  "_s + word + u" = "_s + shown(record.value(word))));
+            console.result(inOneLine(u"  "_s + word + u" = "_s + shown(record.value(word))));
     }
     return count;
 }
@@ -61,11 +61,12 @@ QString writeNew(const QString &path, const QByteArray &contents)
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return QFileInfo::exists(path) ? u"%1 exists already."_s.arg(path)
-                                       : u"%1 can't be written: %2"_s.arg(path, file.errorString());
+                                       : u"%1 can't be written: %2."_s.arg(path, file.errorString());
     if (file.write(contents) == contents.size() && file.flush())
         return {};
-    const QString problem = u"%1 can't be written: %2"_s.arg(path, file.errorString());
-    file.remove();
+    const QString problem = u"%1 can't be written: %2."_s.arg(path, file.errorString());
+    file.close();
+    QFile::remove(path); // its own remove() gives up when what is left can't be written either
     return problem;
 }
 
@@ -99,7 +100,8 @@ ExitStatus PresetsCommand::show(Session &session, const QString &name) const
     const KXPresetsController &presets = session.program().presets();
     const int count = showNamed(session.console(), trackKind, presets.presetSelectionsList(), name) +
                       showNamed(session.console(), settingsKind, presets.presetSettingsList(), name);
-    return count > 0 ? ExitStatus::AllWell : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
+    return count > 0 ? ExitStatus::AllWell
+                     : session.wrongUsage(inOneLine(u"There is no preset \"%1\"."_s.arg(name)));
 }
 
 ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
@@ -128,7 +130,7 @@ ExitStatus PresetsCommand::importFrom(Session &session, const QString &path) con
         return session.failed(u"%1 is too large for a preset file."_s.arg(path));
     const presets::Import import = presets::importInto(session.program().presets(), file.readAll());
     if (!import.problem.isNull())
-        return session.failed(u"%1 was not imported. %2"_s.arg(path, import.problem));
+        return session.failed(inOneLine(u"%1 was not imported. %2"_s.arg(path, import.problem)));
     session.console().object(
         {{u"imported"_s, path}, {trackKind, import.selections}, {settingsKind, import.settings}});
     session.console().result(u"%1 track presets and %2 settings presets were imported."_s.arg(
