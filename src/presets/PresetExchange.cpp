@@ -111,7 +111,7 @@ QString freeName(const QString &name, const QStringList &taken)
 {
     QString candidate = name;
     for (int number = 2; taken.contains(candidate); ++number)
-        candidate = u"%1 (%2)"_s.arg(name).arg(number);
+        candidate = u"%1 (%2)"_s.arg(name, QString::number(number));
     return candidate;
 }
 
@@ -140,6 +140,10 @@ QString problemOfFile(const QByteArray &contents, QJsonObject &file)
         return u"It is no preset file."_s;
     if (file.value(u"version"_s) != QJsonValue(version))
         return u"It has a version that this program does not know."_s;
+    for (const QString &key : file.keys()) {
+        if (!QStringList{u"version"_s, selectionsKey, settingsKey}.contains(key))
+            return u"It holds \"%1\", which no preset file has."_s.arg(key);
+    }
     const QString problem =
         problemOfList(file.value(selectionsKey), selectionsKey, KXPresetSelections::recordWords(),
                       KXPresetSelections::staticMetaObject);
