@@ -23,6 +23,8 @@ public:
         QByteArray error;
 
         QString said() const { return QString::fromUtf8(error); }
+        /// Nothing but one line that ends with a full stop.
+        bool saidOneSentence() const { return error.count('\n') == 1 && error.endsWith(".\n"); }
         QStringList lines() const;
         /// One object a line; a line that is no object fails the test at once.
         QList<QJsonObject> objects() const;
