@@ -184,6 +184,8 @@ void FilterEditor::writeBack(int tag)
 
 void FilterEditor::startEditingFiltersForButton(int tag)
 {
+    if (m_panelTag != tag)
+        openFilterPanelForButton(tag); // since the pointer came, the panel was with another filter
     sideOf(tag).rows.startEditing(numberOf(tag));
     m_panelTag = tag;
     Q_EMIT changed();

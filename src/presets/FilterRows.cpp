@@ -39,7 +39,8 @@ void FilterRows::adjustTo(qsizetype filterCount)
 void FilterRows::setEnabled(bool enabled)
 {
     m_enabled = enabled;
-    enableAll(enabled && edited() == 0);
+    for (int position = 1; position <= mostFilters; ++position)
+        stopEditing(position);
 }
 
 void FilterRows::enableAll(bool enabled)

@@ -31,7 +31,7 @@ public:
 
     /// The rows as they are for so many filters; more than three show as three.
     void adjustTo(qsizetype filterCount);
-    /// Buttons that are off show their filters but open nothing.
+    /// All buttons, at rest. Those that are off show their filters but open nothing.
     void setEnabled(bool enabled);
     void setHovered(int position, bool hovered);
     /// The button becomes "Done", and all others of the kind are off, until the editing stops.

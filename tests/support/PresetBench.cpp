@@ -30,6 +30,9 @@ QString textOfFilter(const QVariantMap &filter)
 
 } // namespace
 
+const QString secondSound = u"Audio Track Number|2|Any Language|Any Codec|Any Type"_s;
+const QString firstSubtitle = u"Subtitle Track Number|1|Any Language|Any Codec"_s;
+
 PresetBench::PresetBench(const Scratch &scratch)
     : store(scratch.path(u"defaults.json"_s))
     , preferences(store, {scratch.path(u"Resources"_s), scratch.path()})
@@ -77,6 +80,12 @@ QString ticksOf(const TrackList &tracks)
             places.append(QString::number(i + 1));
     }
     return places.join(u' ');
+}
+
+TrackList probedFilm()
+{
+    return {probedVideo(), probedAudio(u"aac"_s, u"2"_s, u"English"_s),
+            probedAudio(u"ac3"_s, u"6"_s, u"German"_s), probedSubtitle()};
 }
 
 TrackPointer probedSubtitleOf(const QString &codec, const QString &language)
@@ -132,6 +141,13 @@ void storePresets(const Scratch &scratch, const QVariantList &selections, const 
 {
     const QVariantMap file{{u"presetSelectionsArray"_s, selections}, {u"presetSettingsArray"_s, settings}};
     scratch.write(u"defaults.json"_s, QJsonDocument::fromVariant(file).toJson());
+}
+
+void storeTwoOfEach(const Scratch &scratch)
+{
+    storePresets(scratch,
+                 {selectionsRecord(u"Second"_s, secondSound, firstSubtitle), selectionsRecord(u"Own"_s)},
+                 {settingsRecord(u"For PS3"_s), settingsRecord(u"For Xbox"_s, u"Xbox"_s)});
 }
 
 QString namesIn(const QVariant &records)

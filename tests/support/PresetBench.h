@@ -29,6 +29,9 @@ struct PresetBench
     KXPresetsController presets;
 };
 
+extern const QString secondSound;
+extern const QString firstSubtitle;
+
 /// A filter written "Audio Track Number|1|Any Language|Any Codec|Any Type"; without the channels it is one
 /// of subtitles.
 QVariantMap filterOf(const QString &text);
@@ -37,6 +40,8 @@ QString textOf(const QVariantList &filters);
 
 /// The places of the ticked tracks, counted from 1: "1 3".
 QString ticksOf(const TrackList &tracks);
+/// Video, English aac stereo, German ac3 5.1, a subtitle.
+TrackList probedFilm();
 TrackPointer probedSubtitleOf(const QString &codec, const QString &language);
 
 /// A user's preset as it is stored: it takes the video and what its one filter of each kind chooses.
@@ -49,6 +54,9 @@ QVariantMap settingsRecord(const QString &name, const QString &device = QStringL
 
 /// Makes the file of the settings, as another program left it.
 void storePresets(const Scratch &scratch, const QVariantList &selections, const QVariantList &settings);
+/// Two of each kind: "Second", which takes the second sound and the first subtitle, and "Own"; "For PS3" and
+/// "For Xbox".
+void storeTwoOfEach(const Scratch &scratch);
 /// What the file of the settings holds.
 QVariantMap storedSettings(const Scratch &scratch);
 /// The names in a list of records: "one, two".
