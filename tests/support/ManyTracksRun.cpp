@@ -1,5 +1,8 @@
 #include "support/ManyTracksRun.h"
 
+#include "support/Clips.h"
+#include "support/PresetLists.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMap>
@@ -113,6 +116,24 @@ QStringList format(const QString &device)
     return {u"-f"_s, device == u"MKV"_s ? u"matroska"_s : u"mp4"_s};
 }
 
+QStringList argumentsOf(const QJsonObject &step)
+{
+    QStringList list;
+    for (const QJsonValue &value : step.value(u"arguments"_s).toArray())
+        list.append(list.isEmpty() || list.constLast() != u"-passlogfile"_s ? value.toString() : u"P"_s);
+    return list;
+}
+
+QString videoRateOf(const QString &film)
+{
+    QProcess ffprobe;
+    ffprobe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_format"_s, u"-of"_s, u"json"_s, film});
+    ffprobe.waitForFinished(60000);
+    const QJsonObject answer = QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object();
+    const int whole = answer.value(u"format"_s).toObject().value(u"bit_rate"_s).toString().toInt() / 1000;
+    return QString::number(whole - 384 - 192); // what the AC-3 tracks take
+}
+
 } // namespace
 
 QString ManyTracksRun::outputName() const
@@ -149,22 +170,47 @@ QList<QStringList> ManyTracksRun::lists(const QString &film, const QString &outp
     return {first, last};
 }
 
-QStringList argumentsOf(const QJsonObject &step)
+ManyTracksBench::ManyTracksBench()
+    : m_film(m_twin.clip(manyTracksMkv(), u"film.mkv"_s))
+    , m_videoRate(videoRateOf(m_film))
 {
-    QStringList list;
-    for (const QJsonValue &value : step.value(u"arguments"_s).toArray())
-        list.append(list.isEmpty() || list.constLast() != u"-passlogfile"_s ? value.toString() : u"P"_s);
-    return list;
 }
 
-QString videoRateOf(const QString &film)
+QString ManyTracksBench::difference(const QJsonObject &rule, const QJsonObject &settings,
+                                    const ManyTracksRun &expected, const QStringList &options) const
 {
-    QProcess ffprobe;
-    ffprobe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_format"_s, u"-of"_s, u"json"_s, film});
-    ffprobe.waitForFinished(60000);
-    const QJsonObject answer = QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object();
-    const int whole = answer.value(u"format"_s).toObject().value(u"bit_rate"_s).toString().toInt() / 1000;
-    return QString::number(whole - 384 - 192); // what the AC-3 tracks take
+    storePresets(m_twin, {rule}, {settings});
+    const auto run =
+        m_twin.run(QStringList{u"convert"_s, u"film.mkv"_s, u"--track-preset"_s,
+                               rule.value(u"pName"_s).toString(), u"--settings-preset"_s,
+                               settings.value(u"pName"_s).toString(), u"--dry-run"_s, u"--json"_s} +
+                   options);
+    if (run.status != 0 || !run.error.isEmpty())
+        return u"%1: %2"_s.arg(QString::number(run.status), run.said());
+    QList<QJsonObject> steps = run.objects();
+    const bool burns = expected.subtitles.startsWith(u"burn "_s);
+    const QString extraction = burns ? steps.takeFirst().value(u"line"_s).toString() : QString();
+    if (burns && !extraction.contains(u" -map 0:%1 "_s.arg(expected.subtitles.mid(5))))
+        return u"no extraction: "_s + extraction;
+    const QString output = m_twin.media(expected.outputName());
+    const auto lists = expected.lists(m_film, output);
+    if (steps.size() != lists.size())
+        return u"%1 steps instead of %2"_s.arg(QString::number(steps.size()), QString::number(lists.size()));
+    QString all;
+    for (qsizetype i = 0; i < lists.size(); ++i)
+        all += differenceOf(steps.at(i), lists.at(i), output);
+    return all;
+}
+
+QString ManyTracksBench::differenceOf(const QJsonObject &step, const QStringList &list,
+                                      const QString &output) const
+{
+    const QString meant = step.value(u"jobType"_s).toString() + u" to "_s +
+                          step.value(u"output"_s).toString() + u": "_s + argumentsOf(step).join(u' ');
+    const QString expected = u"MKV Conversion to %1: "_s.arg(output) + list.join(u' ');
+    return argumentsOf(step) == list && meant == expected
+               ? QString()
+               : u"\n  it would run: %1\n  expected:     %2"_s.arg(meant, expected);
 }
 
 } // namespace support

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QJsonObject>
-#include <QStringList>
+#include "support/Twin.h"
 
 namespace support {
 
@@ -19,9 +18,26 @@ struct ManyTracksRun
     QList<QStringList> lists(const QString &film, const QString &output) const;
 };
 
-/// The argument list of a step of a dry run, to be compared with one of those.
-QStringList argumentsOf(const QJsonObject &step);
-/// What the film's own bit rate leaves to its video, in kb/s.
-QString videoRateOf(const QString &film);
+/// The film, and the program that is asked what it would run.
+class ManyTracksBench final
+{
+public:
+    ManyTracksBench();
+
+    /// What differs from the run that is expected when these presets are stored and chosen and the options
+    /// given; a null text when nothing does.
+    QString difference(const QJsonObject &rule, const QJsonObject &settings, const ManyTracksRun &expected,
+                       const QStringList &options = {}) const;
+    /// What the film's own bit rate leaves to its video, in kb/s.
+    const QString &videoRate() const { return m_videoRate; }
+    const Twin &twin() const { return m_twin; }
+
+private:
+    QString differenceOf(const QJsonObject &step, const QStringList &list, const QString &output) const;
+
+    Twin m_twin;
+    QString m_film;
+    QString m_videoRate;
+};
 
 } // namespace support

@@ -1,36 +1,17 @@
 // What stored presets make of one film of many tracks: the exact commands of "convert --dry-run", row by row.
-#include "support/Clips.h"
 #include "support/ManyTracksRun.h"
 #include "support/PresetRecords.h"
-#include "support/Twin.h"
 
-#include <QJsonArray>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ManyTracksRun;
-using support::Twin;
-
-namespace {
-
-QStringList blankSeparated(const QString &text)
-{
-    return text.split(u' ', Qt::SkipEmptyParts);
-}
-
-} // namespace
 
 class TwinPresetTableTest final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_film = m_twin.clip(support::manyTracksMkv(), u"film.mkv"_s);
-        m_sourceRate = support::videoRateOf(m_film);
-        QVERIFY(m_sourceRate.toInt() > 0);
-    }
+    void initTestCase() { QVERIFY(m_bench.videoRate().toInt() > 0); }
 
     /// Every row passes video and audio through, muxes subtitles and is for no device in particular.
     void trackPresets_data()
@@ -90,12 +71,14 @@ private Q_SLOTS:
         QFETCH(QString, subtitleRule);
         QFETCH(QString, audio);
         QFETCH(QString, subtitles);
-        store(support::trackPreset(u"Rule"_s, audioRule, subtitleRule),
-              support::settingsPreset(u"Bundle"_s, u"General"_s));
         QStringList copies;
-        for (const QString &stream : blankSeparated(audio))
+        for (const QString &stream : audio.split(u' ', Qt::SkipEmptyParts))
             copies.append(stream + u":copy"_s);
-        compare({u"General"_s, 1, u"copy"_s, copies.join(u' '), subtitles});
+        const QString difference =
+            m_bench.difference(support::trackPreset(u"Rule"_s, audioRule, subtitleRule),
+                               support::settingsPreset(u"Bundle"_s, u"General"_s),
+                               {u"General"_s, 1, u"copy"_s, copies.join(u' '), subtitles});
+        QVERIFY2(difference.isNull(), qPrintable(difference));
     }
 
     void audioActions_data()
@@ -151,9 +134,11 @@ private Q_SLOTS:
         QFETCH(QString, tracks);
         QFETCH(QString, settings);
         QFETCH(QString, audio);
-        store(support::trackPreset(u"Rule"_s, tracks),
-              support::settingsPreset(u"Bundle"_s, u"General"_s, settings));
-        compare({u"General"_s, 1, u"copy"_s, audio, {}});
+        const QString difference =
+            m_bench.difference(support::trackPreset(u"Rule"_s, tracks),
+                               support::settingsPreset(u"Bundle"_s, u"General"_s, settings),
+                               {u"General"_s, 1, u"copy"_s, audio, {}});
+        QVERIFY2(difference.isNull(), qPrintable(difference));
     }
 
     /// Every row takes the first stereo track and, where it says one, a subtitle.
@@ -230,59 +215,35 @@ private Q_SLOTS:
         QFETCH(QString, subtitleRule);
         QFETCH(QString, video);
         QFETCH(QString, subtitles);
-        store(support::trackPreset(u"Rule"_s, u"#2"_s, subtitleRule),
-              support::settingsPreset(u"Bundle"_s, device, settings));
         const int passes = video.startsWith(u"twice "_s) ? 2 : 1;
-        compare({device, passes, video.remove(u"twice "_s).replace(u"SOURCE"_s, m_sourceRate), u"2:copy"_s,
-                 subtitles});
+        const QString difference = m_bench.difference(
+            support::trackPreset(u"Rule"_s, u"#2"_s, subtitleRule),
+            support::settingsPreset(u"Bundle"_s, device, settings),
+            {device, passes, video.remove(u"twice "_s).replace(u"SOURCE"_s, m_bench.videoRate()), u"2:copy"_s,
+             subtitles});
+        QVERIFY2(difference.isNull(), qPrintable(difference));
     }
 
     void everyRuleTogether()
     {
-        store(
+        const QString difference = m_bench.difference(
             support::trackPreset(u"Rule"_s, u"first of: Italian/*/*; English/*/*; #2"_s, u"*/srt; #2"_s),
             support::settingsPreset(u"Bundle"_s, u"iPad (3 and Later)"_s,
                                     u"video=2 rate=20001 width=2000 stereo=1 stereoRate=Original surround=2 "
-                                    "surroundRate=Original addStereo keepSurround"_s));
-        compare({u"iPad (3 and Later)"_s, 2, u"L41 w1920 20000k"_s,
-                 u"1:aac:2:160 3:aac:2:160 3:copy 1:aac:6:384 1:copy"_s, u"6 7 8"_s});
+                                    "surroundRate=Original addStereo keepSurround"_s),
+            {u"iPad (3 and Later)"_s, 2, u"L41 w1920 20000k"_s,
+             u"1:aac:2:160 3:aac:2:160 3:copy 1:aac:6:384 1:copy"_s, u"6 7 8"_s});
+        QVERIFY2(difference.isNull(), qPrintable(difference));
     }
 
     void nothingWasWritten()
     {
-        QCOMPARE(m_twin.mediaNames(), QStringList({u"film.mkv"_s}));
-        QVERIFY(m_twin.temporaryNames().isEmpty());
+        QCOMPARE(m_bench.twin().mediaNames(), QStringList({u"film.mkv"_s}));
+        QVERIFY(m_bench.twin().temporaryNames().isEmpty());
     }
 
 private:
-    void store(const QJsonObject &selections, const QJsonObject &settings) const
-    {
-        m_twin.scratch().write(u"defaults.json"_s, support::storedPresets({selections}, {settings}));
-    }
-
-    void compare(const ManyTracksRun &expected) const
-    {
-        const auto run = m_twin.run({u"convert"_s, u"film.mkv"_s, u"--track-preset"_s, u"Rule"_s,
-                                     u"--settings-preset"_s, u"Bundle"_s, u"--dry-run"_s, u"--json"_s});
-        QVERIFY2(run.status == 0 && run.error.isEmpty(), run.error.constData());
-        QList<QJsonObject> steps = run.objects();
-        if (expected.subtitles.startsWith(u"burn "_s)) {
-            const QString line = steps.takeFirst().value(u"line"_s).toString();
-            QVERIFY2(line.contains(u" -map 0:%1 "_s.arg(expected.subtitles.mid(5))), qPrintable(line));
-        }
-        const QString output = m_twin.media(expected.outputName());
-        const auto lists = expected.lists(m_film, output);
-        QCOMPARE(steps.size(), lists.size());
-        for (qsizetype i = 0; i < lists.size(); ++i) {
-            QCOMPARE(support::argumentsOf(steps.at(i)).join(u'\n'), lists.at(i).join(u'\n'));
-            QCOMPARE(steps.at(i).value(u"output"_s).toString(), output);
-            QCOMPARE(steps.at(i).value(u"jobType"_s).toString(), u"MKV Conversion"_s);
-        }
-    }
-
-    Twin m_twin;
-    QString m_film;
-    QString m_sourceRate;
+    support::ManyTracksBench m_bench;
 };
 
 QTEST_GUILESS_MAIN(TwinPresetTableTest)
