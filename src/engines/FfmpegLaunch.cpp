@@ -33,14 +33,25 @@ constexpr std::array rules = {
     Rule{u"MP4 text copied into Matroska becomes SRT", launchrules::textForMatroska},
     Rule{u"pass 2 into MP4 says so", launchrules::nameMp4Format},
     Rule{u"a retried pass 2 makes timestamps too", launchrules::generateTimestamps},
+    // The last: the others know streams by what the list maps.
+    Rule{u"of an added file only the track is taken", launchrules::pickAddedTracks},
 };
+
+/// Every added file has a stream 0, so these are told by the file's name.
+QString labelOf(const KXVideoTrack &track)
+{
+    const QString codec = track.probedCodecName().isNull() ? track.trackCodec() : track.probedCodecName();
+    const QString number = u"track "_s + track.trackFfmpegID();
+    return u"%1 %2 (%3)"_s.arg(track.trackType().toLower(),
+                               track.externalTrackFlag() ? track.trackFileURL().fileName() : number, codec);
+}
 
 void addStream(LaunchFacts &facts, const KXVideoTrack &track, const TrackList &tracks)
 {
-    const QString label = u"%1 track %2 (%3)"_s.arg(
-        track.trackType().toLower(), track.trackFfmpegID(),
-        track.probedCodecName().isNull() ? track.trackCodec() : track.probedCodecName());
-    facts.streams.insert(mapArgument(track, tracks, 0), {track.trackCodec(), track.probedCodecName(), label});
+    MappedStream stream{track.trackCodec(), track.probedCodecName(), labelOf(track), {}};
+    if (track.externalTrackFlag() && track.hasCompany())
+        stream.picked = track.trackFfmpegID();
+    facts.streams.insert(mapArgument(track, tracks, 0), stream);
 }
 
 LaunchForm appliedExcept(const QString &left, const tools::OptionList &meant, const LaunchFacts &facts)

@@ -17,6 +17,7 @@ struct MappedStream
     QString codec;       ///< short codec word of the vocabulary
     QString probedCodec; ///< the probe's own word; absent when it was not probed
     QString label;       ///< for a sentence: "subtitle track 3"
+    QString picked;      ///< its index in an added file that holds other streams too; else absent
 };
 
 /// What the launch rules must know beside the list.

@@ -252,4 +252,16 @@ void generateTimestamps(LaunchForm &form, const LaunchFacts &facts)
     form.list.prepend(u"-fflags"_s);
 }
 
+void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts)
+{
+    for (qsizetype i = 1; i < form.list.size(); ++i) {
+        if (!isOption(form.list.at(i - 1), u"-map"_s))
+            continue;
+        const QString mapped = form.list.at(i).text();
+        const QString picked = facts.streams.value(mapped).picked;
+        if (!picked.isNull())
+            form.list[i] = OptionItem(QString(mapped + u':' + picked));
+    }
+}
+
 } // namespace engines::launchrules

@@ -27,5 +27,8 @@ void textForMatroska(LaunchForm &form, const LaunchFacts &facts);
 void nameMp4Format(LaunchForm &form, const LaunchFacts &facts);
 /// Else pass 2 fails just as it did before the retry.
 void generateTimestamps(LaunchForm &form, const LaunchFacts &facts);
+/// An added file is mapped whole, so what else it holds (a font, chapter texts) would come along; a
+/// container that has no place for that fails the run.
+void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts);
 
 } // namespace engines::launchrules

@@ -120,13 +120,24 @@ void KXConvertWithFfmpegJob::prepareBurning(KXFfmpegConverter &converter, qsizet
     setSubWasBurned(true);
     if (!isText(track)) {
         converter.setSubToBurnURL(track.trackFileURL());
-        return;
+        return noteUnlessDrawn(converter, track);
     }
     const QUrl file =
         track.externalTrackFlag() ? track.trackFileURL() : extracted(index, KXConverter::Keeping::Temporary);
     converter.prepSubtitleForBurning(file);
+    noteUnlessDrawn(converter, track);
     if (!isEmpty(converter.tempFileToDeleteURL()))
         setTempFilesToDeleteList(tempFilesToDeleteList() << converter.tempFileToDeleteURL());
+}
+
+/// Of added files only plain text is drawn; whoever chose another one to be burned should hear of it.
+void KXConvertWithFfmpegJob::noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track)
+{
+    const bool isDrawn = isText(track) && !isEmpty(converter.subToBurnURL());
+    if (track.externalTrackFlag() && !isDrawn)
+        addOutcome(step::Outcome::warnings(
+            u"The subtitle %1 can't be drawn into the picture and was left out."_s.arg(
+                track.trackFileURL().fileName())));
 }
 
 /// Extracts a subtitle of the source into a file beside the output and answers where it is. One that is

@@ -46,6 +46,7 @@ private:
 
     void prepareSubtitles(KXFfmpegConverter &converter);
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
+    void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
     void keepFile(const QUrl &file);
     void waitForBackground(const QString &pid);

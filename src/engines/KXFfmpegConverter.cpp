@@ -99,9 +99,12 @@ void KXFfmpegConverter::noteSubtitlesWithoutPlace()
     if (engines::outputKindNamed(appName()) != OutputKind::Marbleon || !isEmpty(subToBurnURL()))
         return;
     for (const TrackPointer &track : converterSelection()->trackList()) {
-        if (engines::isSubtitle(*track) && track->userCodec() == u"mux"_s)
-            m_warnings.append(
-                u"An AVI carries no subtitles, so track %1 was left out."_s.arg(track->trackFfmpegID()));
+        if (!engines::isSubtitle(*track) || track->userCodec() != u"mux"_s)
+            continue;
+        const QString name = track->externalTrackFlag()
+                                 ? u"the subtitle "_s + track->trackFileURL().fileName()
+                                 : u"track "_s + track->trackFfmpegID();
+        m_warnings.append(QString(u"An AVI carries no subtitles, so "_s + name + u" was left out."_s));
     }
 }
 

@@ -95,6 +95,7 @@ AddedTracks KXVideoFile::createAddedTrackForURL(const QUrl &url) const
         if (countOf(tracks, kind) > 0)
             return {{}, u"too many tracks"_s};
         media::setDescription(*track, stream);
+        track->setHasCompany(streams.size() > 1);
         tracks.append(track);
     }
     if (tracks.isEmpty())

@@ -70,6 +70,7 @@ TrackPointer KXVideoTrack::copy() const
     for (const QString &name : fieldNames())
         track->setProperty(qPrintable(name), property(qPrintable(name)));
     track->setProbedCodecName(probedCodecName());
+    track->setHasCompany(hasCompany());
     return track;
 }
 

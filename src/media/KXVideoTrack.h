@@ -108,9 +108,14 @@ public:
     /// what a container can hold. Absent when the track was not probed. Copied, but in no text form.
     QString probedCodecName() const { return m_probedCodecName; }
     void setProbedCodecName(const QString &name) { m_probedCodecName = name; }
+    /// Its file holds further streams that are no tracks (fonts, chapter texts), so a tool that is handed an
+    /// added file must be told which one is meant. Copied, but in no text form.
+    bool hasCompany() const { return m_hasCompany; }
+    void setHasCompany(bool company) { m_hasCompany = company; }
 
 private:
     void logFields(const QStringList &names) const;
 
     QString m_probedCodecName;
+    bool m_hasCompany = false;
 };

@@ -62,7 +62,7 @@ QString RealRuns::film(const QString &clip, const QString &name) const
     return copyOf(clip, world.scratch, name);
 }
 
-SelectionPointer RealRuns::probed(const QString &path, const QString &device)
+SelectionPointer RealRuns::probed(const QString &path, const QString &device, const QStringList &added)
 {
     KXVideoFile file(&world.preferences);
     if (file.initializeForURL(QUrl::fromLocalFile(path)) != u"OK"_s)
@@ -72,15 +72,20 @@ SelectionPointer RealRuns::probed(const QString &path, const QString &device)
     selection->initializeFrom(file);
     selection->setJobType(u"MKV Conversion"_s);
     selection->setTheDevice(device);
-    selection->setTrackList(file.trackList());
     passAudioThrough(file.trackList());
+    for (const QString &track : added) {
+        if (file.addTrack(QUrl::fromLocalFile(track)) != u"OK"_s)
+            qFatal("%s can't be added", qPrintable(track));
+    }
+    selection->setTrackList(file.trackList());
     count(*selection);
     return selection;
 }
 
-SelectionPointer RealRuns::reencoded(const QString &path, const QString &device, const QString &passes)
+SelectionPointer RealRuns::reencoded(const QString &path, const QString &device, const QString &passes,
+                                     const QStringList &added)
 {
-    const auto selection = probed(path, device);
+    const auto selection = probed(path, device, added);
     for (const TrackPointer &track : selection->trackList()) {
         if (track->trackType() == u"Video"_s)
             track->setUserCodec(u"h264"_s);

@@ -17,10 +17,13 @@ public:
 
     /// A copy of a clip in the scratch folder; answers its path.
     QString film(const QString &clip, const QString &name = QStringLiteral("a.mkv")) const;
-    /// The probed file with all its tracks: video and audio pass through, subtitles are muxed.
-    SelectionPointer probed(const QString &path, const QString &device = QStringLiteral("General"));
+    /// The probed file with all its tracks and the files added to it: video and audio pass through,
+    /// subtitles are muxed.
+    SelectionPointer probed(const QString &path, const QString &device = QStringLiteral("General"),
+                            const QStringList &added = {});
     /// The same with the video re-encoded in one pass or two.
-    SelectionPointer reencoded(const QString &path, const QString &device, const QString &passes);
+    SelectionPointer reencoded(const QString &path, const QString &device, const QString &passes,
+                               const QStringList &added = {});
 
     std::shared_ptr<KXConvertWithFfmpegJob>
     convert(const SelectionPointer &selection, step::WhenTaken whenTaken = step::WhenTaken::NextFreeName);

@@ -8,6 +8,7 @@
 #include "support/ClipKitchen.h"
 #include "support/Clips.h"
 #include "support/RealRuns.h"
+#include "support/TrackClips.h"
 #include "support/Twin.h"
 
 #include <QDir>
@@ -27,8 +28,8 @@ enum class Pass { Only, First, Second };
 class Trial final
 {
 public:
-    Trial(const QString &clip, const QString &device)
-        : selection(m_runs.reencoded(clip, device, u"1"_s))
+    Trial(const QString &clip, const QString &device, const QStringList &added = {})
+        : selection(m_runs.reencoded(clip, device, u"1"_s, added))
     {
         QDir().mkpath(m_runs.path(u"work"_s));
         selection->setUserVideoBitRate(u"300"_s);
@@ -101,7 +102,8 @@ private Q_SLOTS:
                               u"libx264 gets an even size"_s,
                               u"a subtitle that the container can't hold is left out"_s,
                               u"MP4 text copied into Matroska becomes SRT"_s, u"pass 2 into MP4 says so"_s,
-                              u"a retried pass 2 makes timestamps too"_s}));
+                              u"a retried pass 2 makes timestamps too"_s,
+                              u"of an added file only the track is taken"_s}));
     }
 
     void shellWords()
@@ -251,6 +253,30 @@ private Q_SLOTS:
         QVERIFY(trial.statusWithout(rule(9), list, Pass::Second) > 0);
         QCOMPARE(trial.statusWith(list, Pass::Second), 0);
         QCOMPARE(codecsOf(trial.output()), u"mpeg4"_s);
+    }
+
+    void addedFilesWithOtherStreams_data()
+    {
+        QTest::addColumn<QString>("clip");
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("codecs");
+        QTest::newRow("an attachment in MP4") << attachmentMks() << u"General"_s << u"h264 mov_text"_s;
+        QTest::newRow("chapter texts in MKV") << chaptersM4a() << u"MKV"_s << u"h264 aac"_s;
+    }
+
+    void addedFilesWithOtherStreams()
+    {
+        QFETCH(QString, clip);
+        QFETCH(QString, device);
+        QFETCH(QString, codecs);
+        Trial trial(longMkv(8), device, {clip});
+        TrackList tracks = trial.selection->trackList();
+        tracks.removeAt(1);
+        trial.selection->setTrackList(tracks);
+        const auto list = trial.meant(Pass::Only);
+        QVERIFY(trial.statusWithout(rule(10), list, Pass::Only) > 0);
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), codecs);
     }
 
     /// The one rule of extractions.

@@ -159,6 +159,37 @@ private Q_SLOTS:
         const QString line = bench.calls().first().join(u' ');
         QVERIFY(!line.contains(u"-vf"_s) && !line.contains(u"-filter_complex"_s) &&
                 !line.contains(u"-codec:s"_s));
+        QCOMPARE(bench.job->outcome().verdict, Verdict::Warnings);
+        QCOMPARE(bench.job->outcome().sentence,
+                 u"The subtitle b.idx can't be drawn into the picture and was left out."_s);
+    }
+
+    /// Who chose an added subtitle to be burned hears where that can't be.
+    void onlyWhatIsNotDrawnIsAWarning_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("codec");
+        QTest::addColumn<bool>("isDrawn");
+        QTest::newRow("text") << u"b.srt"_s << u"srt"_s << true;
+        QTest::newRow("text of a hard name") << u"b [1], 100%1.ASS"_s << u"ass"_s << true;
+        QTest::newRow("text in a container") << u"b 100%1.mks"_s << u"srt"_s << false;
+        QTest::newRow("pictures") << u"b.sup"_s << u"teletext"_s << false;
+    }
+
+    void onlyWhatIsNotDrawnIsAWarning()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, codec);
+        QFETCH(bool, isDrawn);
+        ConversionBench bench;
+        const QString file = bench.world.scratch.write(u"s/"_s + name, "words");
+        const auto job = bench.make(u"General"_s, {videoTrack(), external(burned({}, codec), file)});
+        QVERIFY(bench.run(job));
+        QCOMPARE(job->outcome().verdict, isDrawn ? Verdict::Ok : Verdict::Warnings);
+        QCOMPARE(job->outcome().sentence,
+                 isDrawn
+                     ? QString()
+                     : u"The subtitle "_s + name + u" can't be drawn into the picture and was left out."_s);
     }
 
     /// The user wants to have it: it stays, only its log goes.

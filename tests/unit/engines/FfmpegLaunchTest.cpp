@@ -2,8 +2,8 @@
 #include "engines/FfmpegArguments.h"
 #include "engines/FfmpegDevices.h"
 #include "engines/FfmpegSingleTrack.h"
-#include "support/HandMade.h"
 #include "selection/Targets.h"
+#include "support/HandMade.h"
 
 #include <QTest>
 
@@ -24,6 +24,7 @@ const QString subtitleLeftOut = u"a subtitle that the container can't hold is le
 const QString textToSrt = u"MP4 text copied into Matroska becomes SRT"_s;
 const QString formatNamed = u"pass 2 into MP4 says so"_s;
 const QString retriedPass2 = u"a retried pass 2 makes timestamps too"_s;
+const QString trackPicked = u"of an added file only the track is taken"_s;
 
 /// The words of a line as items; what begins with "/" is a file.
 OptionList listOf(const QString &line)
@@ -55,7 +56,7 @@ QString launched(const QString &line, const LaunchFacts &facts)
 
 MappedStream stream(const QString &codec, const QString &probed = {}, const QString &label = {})
 {
-    return {codec, probed, label};
+    return {codec, probed, label, {}};
 }
 
 /// Both items of that list compare equal, item by item, and say nothing.
@@ -85,7 +86,7 @@ private Q_SLOTS:
     {
         QCOMPARE(ffmpegLaunchRuleNames(),
                  QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter,
-                              evenSize, subtitleLeftOut, textToSrt, formatNamed, retriedPass2}));
+                              evenSize, subtitleLeftOut, textToSrt, formatNamed, retriedPass2, trackPicked}));
     }
 
     /// Every kind of ordinary list, as the rules for lists give it.
@@ -146,6 +147,7 @@ private Q_SLOTS:
         QCOMPARE(facts.streams.value(u"0:3"_s).probedCodec, u"hdmv_pgs_subtitle"_s);
         QCOMPARE(facts.streams.value(u"0:3"_s).label, u"subtitle track 3 (hdmv_pgs_subtitle)"_s);
         QCOMPARE(facts.streams.value(u"0:0"_s).label, u"video track 0 (h264)"_s);
+        QCOMPARE(facts.streams.value(u"1"_s).label, u"subtitle g.srt (srt)"_s);
     }
 
     // A single track's pass 2 runs as a process, though its list was written for a shell line.
@@ -477,6 +479,65 @@ private Q_SLOTS:
         const QString line = u"-i /v/a -pass 2 -passlogfile P -y /o/a.mkv"_s;
         QCOMPARE(launched(line, facts),
                  (isSecondPass && wasRetried ? u"-fflags genpts "_s : QString()) + line);
+    }
+
+    // Added files.
+
+    void onlyAddedTracksWithCompanyArePicked_data()
+    {
+        QTest::addColumn<bool>("isAdded");
+        QTest::addColumn<bool>("hasCompany");
+        QTest::addColumn<QString>("mapped");
+        QTest::addColumn<QString>("picked");
+        QTest::newRow("added, beside others") << true << true << u"1"_s << u"2"_s;
+        QTest::newRow("added, alone") << true << false << u"1"_s << QString();
+        QTest::newRow("of the source") << false << true << u"0:2"_s << QString();
+    }
+
+    void onlyAddedTracksWithCompanyArePicked()
+    {
+        QFETCH(bool, isAdded);
+        QFETCH(bool, hasCompany);
+        QFETCH(QString, mapped);
+        QFETCH(QString, picked);
+        const auto text = subtitleTrack(u"2"_s, u"srt"_s);
+        if (isAdded)
+            external(text, u"/s/b.mks"_s);
+        text->setTrackFfmpegID(u"2"_s);
+        text->setHasCompany(hasCompany);
+        const auto facts =
+            launchFactsOf(*handMadeSelection(u"MKV"_s, {videoTrack(), text}), OutputKind::Tessaray);
+        QVERIFY(facts.streams.contains(mapped));
+        QCOMPARE(facts.streams.value(mapped).picked, picked);
+    }
+
+    void aPickedTrackIsMappedAlone()
+    {
+        LaunchFacts facts = factsFor();
+        facts.streams.insert(u"0:1"_s, stream(u"aac"_s));
+        facts.streams.insert(u"1"_s, {u"mp3"_s, u"mp3"_s, {}, u"0"_s});
+        facts.streams.insert(u"2"_s, {u"srt"_s, u"subrip"_s, {}, u"3"_s});
+        facts.streams.insert(u"3"_s, stream(u"srt"_s));
+        const QString line = u"-i /v/a -i /s/b -map 0:1 -codec:a:0 copy -map %1 -codec:a:1 copy "
+                             "-map %2 -codec:s:0 mov_text -map 3 -codec:s:1 mov_text -level 1 -y /o"_s;
+        QCOMPARE(launched(line.arg(u"1"_s, u"2"_s), facts), line.arg(u"1:0"_s, u"2:3"_s));
+    }
+
+    /// The other rules find their streams all the same.
+    void aPickedTrackIsLeftOutLikeAnyOther()
+    {
+        LaunchFacts facts = factsFor();
+        facts.streams.insert(u"1"_s, {u"teletext"_s, u"hdmv_pgs_subtitle"_s, u"subtitle b.mks"_s, u"0"_s});
+        facts.streams.insert(u"2"_s, {u"mp3"_s, u"mp3"_s, {}, u"1"_s});
+        facts.isSecondPass = true;
+        QCOMPARE(launched(u"-i /v/a -map 2 -codec:a:0 copy -map 1 -codec:s:0 mov_text -passlogfile P "
+                          "-y /o/a.m4v"_s,
+                          facts),
+                 u"-i /v/a -map 2:1 -codec:a:0 copy -passlogfile P -f mp4 -y /o/a.m4v"_s);
+        facts.kind = OutputKind::Tessaray;
+        facts.streams.insert(u"1"_s, {u"ttxt"_s, u"mov_text"_s, {}, u"4"_s});
+        QCOMPARE(launched(u"-i /v/a -map 1 -codec:s:0 copy -y /o"_s, facts),
+                 u"-i /v/a -map 1:4 -codec:s:0 srt -y /o"_s);
     }
 
     void aRuleCanBeLeftOut()

@@ -325,6 +325,16 @@ private Q_SLOTS:
                  u"An AVI carries no subtitles, so track 3 was left out."_s);
     }
 
+    /// Their stream is always 0: the file's name tells them.
+    void anAviNamesTheAddedFilesItLeavesOut()
+    {
+        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        const auto text = external(subtitleTrack(u"0"_s, u"srt"_s), bench.path(u"100% new.srt"_s));
+        QVERIFY(bench.convert(bench.selection(u"AVI"_s, {videoTrack(), text})));
+        QCOMPARE(bench.converter.outcome().sentence,
+                 u"An AVI carries no subtitles, so the subtitle 100% new.srt was left out."_s);
+    }
+
     void anOutputThatIsASourceIsNotStarted()
     {
         FfmpegBench bench;

@@ -189,6 +189,28 @@ private Q_SLOTS:
         QCOMPARE(track->property(qPrintable(word)).toString(), expected);
     }
 
+    void aTrackKnowsWhetherItIsAloneInItsFile_data()
+    {
+        QTest::addColumn<QList<QByteArrayList>>("streams");
+        QTest::addColumn<bool>("hasCompany");
+        using Streams = QList<QByteArrayList>;
+        const QByteArrayList data{"index=1", "codec_type=data", "codec_name=bin_data"};
+        QTest::newRow("alone") << Streams{srt} << false;
+        QTest::newRow("with data") << Streams{srt, data} << true;
+        QTest::newRow("behind data") << Streams{data, aac} << true;
+        QTest::newRow("with a stream of no type") << Streams{aac, {"index=1"}} << true;
+    }
+
+    void aTrackKnowsWhetherItIsAloneInItsFile()
+    {
+        QFETCH(QList<QByteArrayList>, streams);
+        QFETCH(bool, hasCompany);
+        AddingDesk desk;
+        desk.playStreams(streams);
+        QCOMPARE(desk.add(), u"OK"_s);
+        QCOMPARE(desk.file().trackList().constLast()->hasCompany(), hasCompany);
+    }
+
     /// Each stands first among its kind in the added file.
     void oneTrackOfEachKindIsNumberedAlone()
     {

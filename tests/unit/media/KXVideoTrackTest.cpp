@@ -139,16 +139,20 @@ private Q_SLOTS:
     {
         const TrackPointer track = filledTrack();
         track->setProbedCodecName(u"hdmv_pgs_subtitle"_s);
+        track->setHasCompany(true);
         const TrackPointer copy = track->copy();
         for (const QString &name : KXVideoTrack::fieldNames())
             QCOMPARE(copy->property(qPrintable(name)), track->property(qPrintable(name)));
         QCOMPARE(copy->probedCodecName(), u"hdmv_pgs_subtitle"_s);
+        QVERIFY(copy->hasCompany());
         copy->setUserCodec(u"aac"_s);
         copy->setUserAudioSettingsDictionaryArray({});
         copy->setProbedCodecName({});
+        copy->setHasCompany(false);
         QCOMPARE(track->userCodec(), u"new userCodec"_s);
         QCOMPARE(track->userAudioSettingsDictionaryArray().size(), 1);
         QCOMPARE(track->probedCodecName(), u"hdmv_pgs_subtitle"_s);
+        QVERIFY(track->hasCompany());
     }
 
     void aCopyKeepsWhatIsAbsent()
@@ -157,6 +161,7 @@ private Q_SLOTS:
         track.setTrackMkvmergeID({});
         QVERIFY(track.copy()->trackMkvmergeID().isNull());
         QVERIFY(track.copy()->probedCodecName().isNull());
+        QVERIFY(!track.copy()->hasCompany());
     }
 
     void takesTheMuxingSnapshot()

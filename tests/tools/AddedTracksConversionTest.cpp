@@ -1,0 +1,475 @@
+// Films to which separate files were added, converted with the real tools: the output holds exactly what it
+// should, and nothing that was added is ever lost.
+#include "support/AddingDesk.h"
+#include "support/ClipKitchen.h"
+#include "support/Clips.h"
+#include "support/RealRuns.h"
+#include "support/TrackClips.h"
+#include "support/Twin.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+
+namespace {
+
+AudioSettingsList outputs(const QList<QStringList> &words)
+{
+    AudioSettingsList list;
+    for (const QStringList &word : words)
+        list.append({{u"userCodec"_s, word.at(0)},
+                     {u"userNumberOfChannels"_s, word.at(1)},
+                     {u"userBitRate"_s, word.value(2, u"0"_s)}});
+    return list;
+}
+
+/// One value of each stream, joined by blanks; "-" where there is none.
+QString valuesOf(const QString &path, const QString &key)
+{
+    QStringList values;
+    for (const QJsonObject &stream : streamsOf(path)) {
+        const QJsonObject tags = stream.value(u"tags"_s).toObject();
+        const QString value = (stream.contains(key) ? stream : tags).value(key).toVariant().toString();
+        values.append(value.isEmpty() ? u"-"_s : value);
+    }
+    return values.join(u' ');
+}
+
+/// The words of a text stream, as SRT.
+QString wordsOf(const QString &path, int subtitle)
+{
+    QProcess ffmpeg;
+    ffmpeg.start(u"ffmpeg"_s, {u"-nostdin"_s, u"-v"_s, u"error"_s, u"-i"_s, path, u"-map"_s,
+                               u"0:s:%1"_s.arg(subtitle), u"-f"_s, u"srt"_s, u"-"_s});
+    ffmpeg.waitForFinished(60000);
+    return QString::fromUtf8(ffmpeg.readAllStandardOutput());
+}
+
+/// The names of the tracks of an MP4, which ffprobe doesn't show: user data that begins with a name.
+QStringList mp4Names(const QString &path)
+{
+    const QByteArray content = contentOf(path);
+    QStringList names;
+    for (qsizetype at = content.indexOf("udta"); at >= 0; at = content.indexOf("udta", at + 4)) {
+        const QByteArray box = content.mid(at + 4, 8); // its length, big end first, and its name
+        if (!box.endsWith("name"))
+            continue;
+        const int length = quint8(box.at(2)) * 256 + quint8(box.at(3)) - 8;
+        names.append(QString::fromUtf8(content.mid(at + 12, length)));
+    }
+    return names;
+}
+
+/// h264 (0), aac 2ch (1), srt (2); 320x240, 8 s.
+QString filmClip()
+{
+    return clip(u"film-with-text.mkv"_s, [](const QString &path) {
+        runProgram(u"mkvmerge"_s, {u"-o"_s, path, u"--language"_s, u"0:eng"_s, longMkv(8), u"--language"_s,
+                                   u"0:eng"_s, srtFile()});
+    });
+}
+
+} // namespace
+
+class AddedTracksConversionTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_runs = std::make_unique<RealRuns>();
+        m_runs->world.scratch.write(u"out/x"_s, {});
+    }
+
+    void everyAddedTrackIsInTheOutput_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("passes");
+        QTest::newRow("MP4, one pass") << u"General"_s << u"1"_s;
+        QTest::newRow("MP4, two passes") << u"General"_s << u"2"_s;
+        QTest::newRow("MP4, the picture as it is") << u"PS3"_s << u""_s;
+        QTest::newRow("MKV, one pass") << u"MKV"_s << u"1"_s;
+        QTest::newRow("MKV, two passes") << u"MKV"_s << u"2"_s;
+        QTest::newRow("MKV, the picture as it is") << u"MKV"_s << u""_s;
+    }
+
+    void everyAddedTrackIsInTheOutput()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, passes);
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const QStringList added = addedFiles();
+        const QString film = m_runs->film(filmClip());
+        const auto selection = passes.isEmpty() ? m_runs->probed(film, device, added)
+                                                : m_runs->reencoded(film, device, passes, added);
+        const TrackPointer mp3 = selection->trackList().at(4);
+        QCOMPARE(mp3->trackFileName(), u"second.mp3"_s);
+        mp3->setTrackLanguage(u"French"_s);
+        mp3->setTrackTitle(u"Commentaire"_s);
+        const TrackPointer french = selection->trackList().at(7);
+        QCOMPARE(french->trackFileName(), u"french.srt"_s);
+        french->setTrackLanguage(u"French"_s);
+        french->setTrackTitle(u"Sous-titres"_s);
+        const QString output = converted(selection);
+
+        const bool isMkv = device == u"MKV"_s;
+        QCOMPARE(codecsOf(output), isMkv ? u"h264 aac ac3 mp3 subrip subrip ass subrip"_s
+                                         : u"h264 aac ac3 mp3 mov_text mov_text mov_text mov_text"_s);
+        QCOMPARE(valuesOf(output, u"channels"_s), u"- 2 6 2 - - - -"_s);
+        // Of what no probe told, Matroska says nothing and MP4 that it is undetermined.
+        QCOMPARE(valuesOf(output, u"language"_s).replace(u"und"_s, u"-"_s), u"eng - deu fra eng - - fra"_s);
+        compareTitles(output, isMkv);
+        QVERIFY(wordsOf(output, 0).contains(u"Hello, world"_s));
+        QVERIFY(wordsOf(output, 1).contains(u"Hello, world"_s));
+        QVERIFY(wordsOf(output, 2).contains(u"Second line"_s));
+        QVERIFY(wordsOf(output, 3).contains(u"Ça, c'est l'été"_s));
+        QVERIFY(qAbs(secondsOf(output) - 8) < 0.5);
+        compareUntouched(added);
+    }
+
+    /// One file can give several streams; the stereo one comes first of all sounds.
+    void addedSoundIsEncoded_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("passes");
+        QTest::newRow("MP4") << u"General"_s << u"1"_s;
+        QTest::newRow("MP4, two passes") << u"General"_s << u"2"_s;
+        QTest::newRow("MKV, two passes") << u"MKV"_s << u"2"_s;
+        QTest::newRow("AVI") << u"AVI"_s << u"1"_s;
+    }
+
+    void addedSoundIsEncoded()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, passes);
+        const QString sound = m_runs->film(surroundMka(), u"sound.mka"_s);
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), device, passes, {sound});
+        selection->trackList().at(2)->setUserAudioSettingsDictionaryArray(
+            outputs({{u"passthru"_s, u"6"_s}, {u"mp3"_s, u"2"_s, u"128"_s}, {u"aac"_s, u"2"_s, u"96"_s}}));
+        streamOf(*selection, u"1"_s)
+            ->setUserAudioSettingsDictionaryArray(outputs({{u"ac3"_s, u"2"_s, u"192"_s}}));
+        const QString output = converted(selection);
+        // In stereo AAC, then AC-3, then the rest.
+        QCOMPARE(codecsOf(output), (device == u"AVI"_s ? u"mpeg4"_s : u"h264"_s) + u" aac ac3 ac3 mp3"_s);
+        QCOMPARE(valuesOf(output, u"channels"_s), u"- 2 2 6 2"_s);
+        QVERIFY(qAbs(secondsOf(output) - 8) < 0.5);
+    }
+
+    void anAddedTextIsBurned_data()
+    {
+        QTest::addColumn<QString>("clip");
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("passes");
+        QTest::newRow("srt into MP4") << srtFile() << u"General"_s << u"1"_s;
+        QTest::newRow("srt into MP4, two passes") << srtFile() << u"PS3"_s << u"2"_s;
+        QTest::newRow("srt into MKV, two passes") << srtFile() << u"MKV"_s << u"2"_s;
+        QTest::newRow("srt into AVI") << srtFile() << u"AVI"_s << u"1"_s;
+        QTest::newRow("ass into MKV") << assFile() << u"MKV"_s << u"1"_s;
+        QTest::newRow("ssa into MP4") << ssaFile() << u"General"_s << u"1"_s;
+    }
+
+    void anAddedTextIsBurned()
+    {
+        QFETCH(QString, clip);
+        QFETCH(QString, device);
+        QFETCH(QString, passes);
+        const QString text = m_runs->film(clip, u"it's [new]: a, b."_s + QFileInfo(clip).suffix());
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const auto selection = m_runs->reencoded(m_runs->film(blackMkv()), device, passes, {text});
+        TrackList tracks = selection->trackList();
+        tracks.remove(2, 2); // the film's own subtitles
+        tracks.last()->setUserCodec(u"burn"_s);
+        selection->setTrackList(tracks);
+        selection->setSubCount(u"1"_s);
+        const QString output = converted(selection);
+        QCOMPARE(streamsOf(output).size(), 2);
+        QVERIFY(brightestAt(output, 2) > 160);
+        QCOMPARE(brightestAt(output, 7), 16);
+        QCOMPARE(contentOf(text), contentOf(clip));
+    }
+
+    void whatTheContainerCantHoldIsLeftOut_data()
+    {
+        QTest::addColumn<QString>("clip");
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("codecs");
+        QTest::addColumn<QString>("warning");
+        QTest::newRow("pictures in MP4") << supFile() << u"General"_s << u"h264 aac"_s
+                                         << u"The subtitle new.sup (hdmv_pgs_subtitle) can't be held by the "
+                                            "output and was left out."_s;
+        QTest::newRow("pictures in MKV")
+            << supFile() << u"MKV"_s << u"h264 aac hdmv_pgs_subtitle"_s << QString();
+        QTest::newRow("MP4 text in MKV") << textOnlyMp4() << u"MKV"_s << u"h264 aac subrip"_s << QString();
+        QTest::newRow("MP4 text in MP4")
+            << textOnlyMp4() << u"General"_s << u"h264 aac mov_text"_s << QString();
+    }
+
+    void whatTheContainerCantHoldIsLeftOut()
+    {
+        QFETCH(QString, clip);
+        QFETCH(QString, device);
+        QFETCH(QString, codecs);
+        QFETCH(QString, warning);
+        const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        for (const QString &passes : {QString(), u"2"_s}) {
+            const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
+            const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
+                                                    : m_runs->reencoded(film, device, passes, {track});
+            QCOMPARE(codecsOf(converted(selection, warning)), codecs);
+        }
+    }
+
+    void anAviCarriesNoAddedSubtitle()
+    {
+        const QString text = m_runs->film(srtFile(), u"new.srt"_s);
+        const QString sound = m_runs->film(surroundAc3(), u"new.ac3"_s);
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), u"AVI"_s, u"1"_s, {text, sound});
+        const QString output =
+            converted(selection, u"An AVI carries no subtitles, so the subtitle new.srt was left out."_s);
+        QCOMPARE(codecsOf(output), u"mpeg4 aac ac3"_s);
+    }
+
+    /// Fonts, chapter texts and their like in an added file are no tracks, and do not come along.
+    void ofAnAddedFileOnlyTheTrackIsTaken_data()
+    {
+        QTest::addColumn<QString>("clip");
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("codecs");
+        QTest::newRow("an attachment, MP4") << attachmentMks() << u"General"_s << u"h264 aac mov_text"_s;
+        QTest::newRow("an attachment, MKV") << attachmentMks() << u"MKV"_s << u"h264 aac subrip"_s;
+        QTest::newRow("chapters, MKV") << chaptersM4a() << u"MKV"_s << u"h264 aac aac"_s;
+        // The chapters themselves are the container's: they come as those of the whole film.
+        QTest::newRow("chapters, MP4") << chaptersM4a() << u"General"_s << u"h264 aac aac bin_data"_s;
+    }
+
+    void ofAnAddedFileOnlyTheTrackIsTaken()
+    {
+        QFETCH(QString, clip);
+        QFETCH(QString, device);
+        QFETCH(QString, codecs);
+        const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        for (const QString &passes : {QString(), u"1"_s, u"2"_s}) {
+            const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
+            const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
+                                                    : m_runs->reencoded(film, device, passes, {track});
+            QCOMPARE(codecsOf(converted(selection)), codecs);
+        }
+    }
+
+    void aFileThatWasAddedTwiceGivesTwoTracks()
+    {
+        const QString text = m_runs->film(srtFile(), u"new.srt"_s);
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, {text, text});
+        QCOMPARE(codecsOf(converted(selection)), u"h264 aac subrip subrip"_s);
+    }
+
+    /// What can't be drawn is not drawn, and whoever asked for it hears of it.
+    void whatCantBeBurnedIsLeftOut_data()
+    {
+        QTest::addColumn<QString>("clip");
+        QTest::newRow("pictures") << supFile();
+        QTest::newRow("text in a container") << textOnlyMp4();
+        QTest::newRow("text in Matroska") << attachmentMks();
+    }
+
+    void whatCantBeBurnedIsLeftOut()
+    {
+        QFETCH(QString, clip);
+        const QString name = u"new."_s + QFileInfo(clip).suffix();
+        const QString text = m_runs->film(clip, name);
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        const auto selection = m_runs->reencoded(m_runs->film(pgsMkv()), u"General"_s, u"1"_s, {text});
+        TrackList tracks = selection->trackList();
+        tracks.removeAt(2);
+        tracks.last()->setUserCodec(u"burn"_s);
+        selection->setTrackList(tracks);
+        selection->setSubCount(u"1"_s);
+        const QString output = converted(
+            selection, u"The subtitle %1 can't be drawn into the picture and was left out."_s.arg(name));
+        QCOMPARE(codecsOf(output), u"h264 aac"_s);
+        QCOMPARE(brightestAt(output, 2), 16);
+    }
+
+    // Added files are sources like the film.
+
+    void noOutputReplacesAnAddedFile_data()
+    {
+        QTest::addColumn<bool>("isForced");
+        QTest::newRow("the next free name") << false;
+        QTest::newRow("replacing is allowed") << true;
+    }
+
+    /// The film "a.mkv" would give "a.m4v", which is the name of the sound.
+    void noOutputReplacesAnAddedFile()
+    {
+        QFETCH(bool, isForced);
+        const QString sound = m_runs->film(audioOnly(), u"a.m4v"_s);
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound});
+        const auto job =
+            m_runs->convert(selection, isForced ? step::WhenTaken::Replace : step::WhenTaken::NextFreeName);
+        QVERIFY(m_runs->run(job));
+        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QCOMPARE(job->outputs(), QList<QUrl>{m_runs->world.scratch.url(u"a.mkv.m4v"_s)});
+        QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
+        QCOMPARE(contentOf(sound), contentOf(audioOnly()));
+        QCOMPARE(m_runs->names(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a.mkv.m4v"_s, u"out"_s}));
+    }
+
+    void noOutputReplacesTheSecondNameOfAnAddedFile_data()
+    {
+        QTest::addColumn<bool>("isHardLink");
+        QTest::newRow("a link") << false;
+        QTest::newRow("a hard link") << true;
+    }
+
+    void noOutputReplacesTheSecondNameOfAnAddedFile()
+    {
+        QFETCH(bool, isHardLink);
+        const QString sound = m_runs->film(audioOnly(), u"far/sound.m4a"_s);
+        const QString link = m_runs->path(u"a.m4v"_s);
+        QCOMPARE(isHardLink ? ::link(qPrintable(sound), qPrintable(link))
+                            : ::symlink(qPrintable(sound), qPrintable(link)),
+                 0);
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound});
+        const auto job = m_runs->convert(selection, step::WhenTaken::Replace);
+        QVERIFY(m_runs->run(job));
+        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
+        QCOMPARE(contentOf(sound), contentOf(audioOnly()));
+        QCOMPARE(contentOf(link), contentOf(audioOnly()));
+        QCOMPARE(QFileInfo(link).isSymLink(), !isHardLink);
+    }
+
+    /// Both names that the output could have are sources.
+    void whereEveryNameIsASourceNothingStarts()
+    {
+        const QString sound = m_runs->film(audioOnly(), u"a.m4v"_s);
+        const QString second = m_runs->film(surroundAc3(), u"a.mkv.m4v"_s);
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound, second});
+        const auto job = m_runs->convert(selection, step::WhenTaken::Replace);
+        QVERIFY(m_runs->run(job));
+        QVERIFY(job->outcome().verdict == step::Verdict::Failed);
+        QVERIFY2(job->outcome().sentence.contains(u"one of the job's own sources"_s),
+                 qPrintable(job->outcome().sentence));
+        QCOMPARE(contentOf(sound), contentOf(audioOnly()));
+        QCOMPARE(contentOf(second), contentOf(surroundAc3()));
+        const auto other = m_runs->convert(selection);
+        QVERIFY(m_runs->run(other));
+        QCOMPARE(other->outputs(), QList<QUrl>{m_runs->world.scratch.url(u"a.mkv (2).m4v"_s)});
+        QCOMPARE(codecsOf(m_runs->path(u"a.mkv (2).m4v"_s)), u"h264 aac aac ac3"_s);
+    }
+
+    /// Another job's output would be the file that this one still waits to read.
+    void anotherJobDoesNotReplaceAnAddedFile()
+    {
+        const QString sound = m_runs->film(audioOnly(), u"b.m4v"_s);
+        const auto waiting = m_runs->convert(m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound}));
+        const auto other = m_runs->convert(m_runs->probed(m_runs->film(longMkv(8), u"b.mkv"_s), u"General"_s),
+                                           step::WhenTaken::Replace);
+        QVERIFY(m_runs->run(other));
+        QVERIFY(other->outcome().verdict == step::Verdict::Failed);
+        QVERIFY2(other->outcome().sentence.contains(u"belongs to another job"_s),
+                 qPrintable(other->outcome().sentence));
+        QCOMPARE(contentOf(sound), contentOf(audioOnly()));
+        waiting->stopJob();
+    }
+
+    /// An added file may have the name of what a job writes beside its output and removes in the end.
+    void noIntermediateFileReplacesAnAddedFile()
+    {
+        const QString text = m_runs->film(frenchSrt(), u"a.mkv.stream2.srt"_s);
+        const QString log = m_runs->film(srtFile(), u"a.mkv.log"_s);
+        const auto selection = m_runs->reencoded(m_runs->film(blackMkv()), u"General"_s, u"1"_s, {text, log});
+        streamOf(*selection, u"2"_s)->setUserCodec(u"burn"_s);
+        QVERIFY(brightestAt(converted(selection), 2) > 160);
+        QCOMPARE(contentOf(text), contentOf(frenchSrt()));
+        QCOMPARE(contentOf(log), contentOf(srtFile()));
+        QCOMPARE(m_runs->names(),
+                 QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a.mkv.log"_s, u"a.mkv.stream2.srt"_s, u"out"_s}));
+    }
+
+    void aStoppedJobLeavesAddedFilesAlone()
+    {
+        const QStringList added = addedFiles();
+        const auto selection = m_runs->reencoded(m_runs->film(longMkv(60)), u"General"_s, u"2"_s, added);
+        const auto job = m_runs->convert(selection);
+        job->startJob();
+        QVERIFY(!job->hasEnded());
+        job->stopJob();
+        compareUntouched(added);
+        QVERIFY(!QFile::exists(m_runs->path(u"a.m4v"_s)));
+    }
+
+    /// A file that has gone since it was added makes the job fail, with a reason.
+    void anAddedFileThatIsGoneIsMissed()
+    {
+        const QString text = m_runs->film(srtFile(), u"new.srt"_s);
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, {text});
+        selection->setVideoTrackFileURL(m_runs->world.scratch.url(u"a.mkv"_s));
+        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        QVERIFY(QFile::remove(text));
+        const auto job = m_runs->convert(selection);
+        QVERIFY(m_runs->run(job));
+        QVERIFY(job->outcome().verdict == step::Verdict::Failed);
+        QVERIFY2(job->outcome().sentence.contains(u"new.srt"_s), qPrintable(job->outcome().sentence));
+        QVERIFY(job->outputs().isEmpty());
+    }
+
+private:
+    /// An AC-3 that tells its language, an MP3, an SRT, an ASS and a second SRT.
+    QStringList addedFiles() const
+    {
+        return {m_runs->film(surroundMka(), u"sound.mka"_s), m_runs->film(mp3File(), u"second.mp3"_s),
+                m_runs->film(srtFile(), u"lines.srt"_s), m_runs->film(assFile(), u"lines.ass"_s),
+                m_runs->film(frenchSrt(), u"french.srt"_s)};
+    }
+
+    static void compareUntouched(const QStringList &added)
+    {
+        const QStringList clips{surroundMka(), mp3File(), srtFile(), assFile(), frenchSrt()};
+        for (qsizetype i = 0; i < clips.size(); ++i)
+            QCOMPARE(contentOf(added.at(i)), contentOf(clips.at(i)));
+    }
+
+    /// The output of a conversion that goes well, or with that warning.
+    QString converted(const SelectionPointer &selection, const QString &warning = {})
+    {
+        const auto job = m_runs->convert(selection);
+        const bool ended = m_runs->run(job);
+        const auto verdict = warning.isNull() ? step::Verdict::Ok : step::Verdict::Warnings;
+        if (!ended || job->outcome().verdict != verdict || job->outputs().size() != 1)
+            qWarning("%s", qPrintable(job->outcome().sentence));
+        else if (warning.isNull() || job->outcome().sentence == warning)
+            return job->outputs().constFirst().toLocalFile();
+        return {};
+    }
+
+    /// MP4 keeps titles where the probe doesn't look.
+    static void compareTitles(const QString &output, bool isMkv)
+    {
+        const QStringList titles{u"Video Track"_s,    u"Audio Track"_s,    u"Raumklang"_s,
+                                 u"Commentaire"_s,    u"Subtitle Track"_s, u"Subtitle Track"_s,
+                                 u"Subtitle Track"_s, u"Sous-titres"_s};
+        if (isMkv)
+            QCOMPARE(valuesOf(output, u"title"_s), titles.join(u' '));
+        else
+            QCOMPARE(mp4Names(output), titles);
+    }
+
+    std::unique_ptr<RealRuns> m_runs;
+};
+
+QTEST_GUILESS_MAIN(AddedTracksConversionTest)
+#include "AddedTracksConversionTest.moc"
