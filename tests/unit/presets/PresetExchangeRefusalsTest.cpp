@@ -61,6 +61,10 @@ private Q_SLOTS:
         QTest::newRow("no version") << QByteArray(
                                            R"({"presetSelectionsArray": [], "presetSettingsArray": []})")
                                     << foreign;
+        QTest::newRow("one key more")
+            << QByteArray(
+                   R"({"version": 1, "presetSelectionsArray": [], "presetSettingsArray": [], "by": 1})")
+            << u"It holds \"by\", which no preset file has."_s;
         versions();
         lists();
         records();

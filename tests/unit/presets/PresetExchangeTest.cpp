@@ -150,6 +150,15 @@ private Q_SLOTS:
         QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, Own (2), Own (3), Own (2) (2)"_s);
     }
 
+    void namesAreTextsAndNotPatterns()
+    {
+        ExchangeBench bench;
+        const QByteArray file =
+            presetFile({selectionsRecord(u"%2 of %1"_s), selectionsRecord(u"%2 of %1"_s)}, {});
+        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
+        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, %2 of %1, %2 of %1 (2)"_s);
+    }
+
     void sameFileTwiceComesTwice()
     {
         ExchangeBench bench;
