@@ -149,20 +149,20 @@ QString film1920()
 
 QString manyTracksMkv()
 {
-    const QString picture = clip(u"many-video.mkv"_s, [](const QString &path) {
-        ffmpeg(u"-f lavfi -i testsrc2=s=2048x1152:r=5:d=4 -c:v libx264 -preset veryfast -g 5 -bf 2 "
+    const QString picture = clip(u"huge-video.mkv"_s, [](const QString &path) {
+        ffmpeg(u"-f lavfi -i testsrc2=s=2048x1152:r=5:d=8 -c:v libx264 -preset veryfast -g 5 -bf 2 "
                "-pix_fmt yuv420p"_s,
                path);
     });
     const auto audio = [](const QString &name, const QString &arguments) {
-        return clip(name, [&](const QString &path) { ffmpeg(sound(4) + arguments, path); });
+        return clip(name, [&](const QString &path) { ffmpeg(sound(8) + arguments, path); });
     };
-    return clip(u"many-tracks.mkv"_s, [&](const QString &path) {
-        const QStringList tracks{u"0:eng"_s, audio(u"surround4.ac3"_s, u" -ac 6 -c:a ac3 -b:a 384k"_s),
-                                 u"0:ger"_s, stereoAac(u"stereo4.m4a"_s, 4),
-                                 u"0:eng"_s, audio(u"mono4.m4a"_s, u" -ac 1 -c:a aac"_s),
-                                 u"0:fre"_s, audio(u"stereo4.ac3"_s, u" -ac 2 -c:a ac3 -b:a 192k"_s),
-                                 u"0:und"_s, audio(u"surround4.flac"_s, u" -ac 6 -c:a flac"_s),
+    return clip(u"many.mkv"_s, [&](const QString &path) {
+        const QStringList tracks{u"0:eng"_s, surroundAc3(),
+                                 u"0:ger"_s, audioOnly(),
+                                 u"0:eng"_s, audio(u"mono.m4a"_s, u" -ac 1 -c:a aac"_s),
+                                 u"0:fre"_s, audio(u"stereo.ac3"_s, u" -ac 2 -c:a ac3 -b:a 192k"_s),
+                                 u"0:und"_s, audio(u"surround.flac"_s, u" -ac 6 -c:a flac"_s),
                                  u"0:eng"_s, srtFile(),
                                  u"0:ger"_s, assFile(),
                                  u"0:fre"_s, srtFile()};

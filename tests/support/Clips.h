@@ -23,7 +23,7 @@ QString fullMkv();
 QString wideMkv();
 /// 1920x1080, 4 s: h264 (0), aac 2ch English (1), srt English (2).
 QString film1920();
-/// 2048x1152, 5 frames a second, 4 s: h264 (0), ac3 6ch English (1), aac 2ch German (2), aac 1ch English (3),
+/// 2048x1152, 5 frames a second: h264 (0), ac3 6ch English (1), aac 2ch German (2), aac 1ch English (3),
 /// ac3 2ch French (4), flac 6ch of no language (5), srt English (6), ass German (7), srt French (8). Only the
 /// AC-3 tracks tell a bit rate: 384 and 192 kb/s.
 QString manyTracksMkv();
