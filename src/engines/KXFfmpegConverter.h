@@ -46,6 +46,7 @@ private:
     void noteSubtitlesWithoutPlace();
     void prepareNames(const QUrl &wantedOutput);
     QUrl wantedOutput() const;
+    QStringList namesInLog() const;
     bool fontCacheIsThere() const;
     void checkFontCache();
     void postProgress(const step::FfmpegReading &reading);

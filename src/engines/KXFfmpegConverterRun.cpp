@@ -2,6 +2,7 @@
 #include "engines/KXFfmpegConverter.h"
 
 #include "engines/FfmpegOutcome.h"
+#include "engines/FfmpegSubtitles.h"
 #include "media/KXVideoTrack.h"
 
 #include <algorithm>
@@ -107,13 +108,23 @@ void KXFfmpegConverter::backgroundReadingCompleted()
     post(u"taskCompletion"_s, u"Complete"_s);
 }
 
+QStringList KXFfmpegConverter::namesInLog() const
+{
+    QStringList names{inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
+    if (converterSelection()) {
+        for (const QUrl &file : engines::externalFiles(converterSelection()->trackList()))
+            names.append(file.toLocalFile());
+    }
+    return names;
+}
+
 step::Outcome KXFfmpegConverter::outcome() const
 {
     if (!refusal().isNull())
         return step::Outcome::failed(refusal());
     engines::FfmpegRun run;
     run.log = logString();
-    run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
+    run.files = namesInLog();
     run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
     run.hasVideo = converterSelection() && hasVideo(*converterSelection());

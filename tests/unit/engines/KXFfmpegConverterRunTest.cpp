@@ -325,6 +325,29 @@ private Q_SLOTS:
                  u"An AVI carries no subtitles, so track 3 was left out."_s);
     }
 
+    /// ffmpeg repeats them in its log, and a line feed makes a line of its own of what stands behind it.
+    void namesOfAddedFilesSayNothing_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("a full disk") << u"a\nNo space left on device.srt"_s;
+        QTest::newRow("damage") << u"a\nError while decoding stream #0:0.srt"_s;
+    }
+
+    void namesOfAddedFilesSayNothing()
+    {
+        QFETCH(QString, name);
+        FfmpegBench bench;
+        const QString path = bench.path(name);
+        const QString shown = QString(path).replace(u'\n', u"\\n"_s);
+        bench.world.installTool(u"ffmpeg/ffmpeg"_s, {u"err Input #1, srt, from '%1':"_s.arg(shown),
+                                                     u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        QVERIFY(bench.convert(
+            bench.selection(u"MKV"_s, {videoTrack(), external(subtitleTrack(u"0"_s, u"srt"_s), path)})));
+        QVERIFY(bench.converter.logString().contains(path));
+        QCOMPARE(bench.converter.outcome().sentence, QString());
+        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+    }
+
     /// Their stream is always 0: the file's name tells them.
     void anAviNamesTheAddedFilesItLeavesOut()
     {
