@@ -249,7 +249,7 @@ void KXSelectionController::upddateAudioTrackPopupFor()
             labels.append(labelOf(*track));
     }
     const QStringList before = m_audioTrackLabels;
-    if (labels != before && labels.size() > before.size() && m_audioTrackPopupIndex < before.size())
+    if (labels.size() > before.size() && m_audioTrackPopupIndex < before.size())
         m_audioTrackPopupIndex =
             std::max(0, static_cast<int>(labels.indexOf(before.at(m_audioTrackPopupIndex))));
     m_audioTrackLabels = labels;

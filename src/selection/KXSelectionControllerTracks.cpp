@@ -120,8 +120,6 @@ void KXSelectionController::takeLoadedFile()
 {
     m_selection->initializeFrom(*m_file);
     takeNumbersFromSource();
-    updateTabs();
-    setAudioMatrixSelections({selection::audioActions().constFirst()});
     // Also without a preset: the tracks of the file before must not stay in the selection.
     trackTableSelectionChanged(Sender::Other);
 }

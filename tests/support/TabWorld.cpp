@@ -29,7 +29,7 @@ TrackPointer trackFor(const QString &word)
     return track;
 }
 
-QList<QMetaProperty> shownFields()
+QList<QMetaProperty> findShownFields()
 {
     QList<QMetaProperty> fields;
     const QMetaObject &meta = KXSelectionController::staticMetaObject;
@@ -37,6 +37,12 @@ QList<QMetaProperty> shownFields()
         if (meta.property(i).isWritable() && meta.property(i).hasNotifySignal())
             fields.append(meta.property(i));
     }
+    return fields;
+}
+
+const QList<QMetaProperty> &shownFields()
+{
+    static const QList<QMetaProperty> fields = findShownFields();
     return fields;
 }
 
@@ -72,7 +78,7 @@ TabWorld::TabWorld(const TabCase &tabCase)
     selection->setAudCount(QString::number(audio));
     selection->setSubCount(
         QString::number(tabCase.words().count(u"srt"_s) + tabCase.words().count(u"external"_s)));
-    setFile(tabCase.path, tabCase.fileIsEmpty ? TrackList() : tracks);
+    setFile(tabCase.path, tabCase.fileIsEmpty ? TrackList() : tracks + TrackList{probedVideo()});
     openFiles.count = tabCase.openFiles;
     setMarks(tabCase.before);
     forgetCalls();

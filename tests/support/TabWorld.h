@@ -5,7 +5,7 @@
 namespace support {
 
 /// What updateTabs() finds. Tracks are words: "video", "srt", "external", or an audio track as "dtshd:6";
-/// all of them are selected.
+/// all of them are selected. The file has another video that is not.
 struct TabCase
 {
     QString tab = QStringLiteral("MKV");

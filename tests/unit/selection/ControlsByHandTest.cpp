@@ -124,6 +124,21 @@ private Q_SLOTS:
         QCOMPARE(ticked(bench), u"001100"_s);
     }
 
+    void togglesCompareWithTheNumberOfTheirOwnKind()
+    {
+        ControllerBench bench({probedVideo(), probedVideo(), probedAudio(), probedAudio(), probedAudio(),
+                               probedSubtitle(), probedSubtitle(), probedSubtitle(), probedSubtitle()});
+        setTicked(bench, u"100110111"_s); // one of each is missing
+        bench.controller.toggleAllVideo();
+        bench.controller.toggleAllAudio();
+        bench.controller.toggleAllSubtitle();
+        QCOMPARE(ticked(bench), u"111111111"_s);
+        bench.controller.toggleAllVideo();
+        bench.controller.toggleAllAudio();
+        bench.controller.toggleAllSubtitle();
+        QCOMPARE(ticked(bench), u"000000000"_s);
+    }
+
     void togglingLeavesTheTrackPreset_data()
     {
         QTest::addColumn<Toggle>("toggle");

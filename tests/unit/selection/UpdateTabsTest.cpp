@@ -57,7 +57,7 @@ private Q_SLOTS:
     void fileLine_data()
     {
         columns();
-        row("no file", {.tracks = {}},
+        row("no file", {.tracks = {}, .fileIsEmpty = true},
             {{u"currentFileText"_s, u"Drop Video File(s) in the Table Below"_s},
              {u"currentFileTextColor"_s, u"black"_s},
              {u"canAddTrack"_s, false},
@@ -124,6 +124,8 @@ private Q_SLOTS:
             {{u"canConvert"_s, false}, {u"canEditTracks"_s, true}});
         row("two videos", {.tracks = u"video video"_s, .before = true},
             {{u"canConvert"_s, false}, {u"canEditTracks"_s, true}});
+        row("nothing", {.tracks = {}, .before = true},
+            {{u"canConvert"_s, false}, {u"canEditTracks"_s, false}, {u"subtitleSelected"_s, false}});
         row("an mp4", {.path = u"/v/a.mp4"_s, .before = true}, {{u"canEditTracks"_s, false}});
         row("capital letters", {.path = u"/v/a.MKV"_s}, {{u"canEditTracks"_s, true}});
         row("a name that merely ends like that", {.path = u"/v/mkv"_s, .before = true},
