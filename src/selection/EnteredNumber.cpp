@@ -8,17 +8,14 @@ namespace selection {
 
 namespace {
 
-/// Adds 1 to a text of digits: "199" is "200", "9" is "10".
+/// Adds 1 to digits that begin with a 0: "0199" is "0200".
 QString incremented(QString digits)
 {
-    for (qsizetype i = digits.size() - 1; i >= 0; --i) {
-        if (digits.at(i) != u'9') {
-            digits[i] = QChar(digits.at(i).unicode() + 1);
-            return digits;
-        }
+    qsizetype i = digits.size() - 1;
+    for (; digits.at(i) == u'9'; --i)
         digits[i] = u'0';
-    }
-    return u'1' + digits;
+    digits[i] = QChar(digits.at(i).unicode() + 1);
+    return digits;
 }
 
 QString withoutLeadingZeros(const QString &digits)
