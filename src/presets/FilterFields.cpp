@@ -32,7 +32,6 @@ int FilterFields::panelHeight() const
 
 void FilterFields::load(const QVariantMap &filter)
 {
-    m_values.clear();
     for (const QString &word : filterWords(m_kind))
         m_values.insert(word, filter.value(word).toString());
 }

@@ -53,9 +53,7 @@ void FilterRows::enableAll(bool enabled)
 
 void FilterRows::setHovered(int position, bool hovered)
 {
-    RowButton &button = m_filters[position - 1];
-    if (button.enabled && !button.isInEditMode)
-        button.title = hovered ? edit : restingTitle(position);
+    m_filters[position - 1].title = hovered ? edit : restingTitle(position);
 }
 
 void FilterRows::startEditing(int position)

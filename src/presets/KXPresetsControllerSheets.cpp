@@ -131,8 +131,7 @@ QString KXPresetsController::renamePresetSettings(int row, const QString &name)
 
 QString KXPresetsController::okPresetSelectionPanel()
 {
-    m_filterEditor.windowDidResignKey(); // the sheet is gone: what was being edited counts
-    m_filterEditor.setPreset(nullptr);
+    m_filterEditor.setPreset(nullptr); // the sheet is gone, and what was being edited counts
     creatSelectionsNamesList();
     const QString problem = savePresetSelectionsListToUserDefaults();
     setSelectionMethodIndex(m_selectionRow + hidden);

@@ -36,9 +36,8 @@ bool isFilter(const QJsonValue &value, FilterKind kind)
 {
     const QJsonObject filter = value.toObject();
     const QStringList &words = filterWords(kind);
-    return value.isObject() && std::all_of(words.begin(), words.end(), [&](const QString &word) {
-               return filter.value(word).isString();
-           });
+    return std::all_of(words.begin(), words.end(),
+                       [&](const QString &word) { return filter.value(word).isString(); });
 }
 
 bool isFilterList(const QJsonValue &value, FilterKind kind)
