@@ -115,6 +115,8 @@ private Q_SLOTS:
         QCOMPARE(bench.editor.panelTag(), 102);
         bench.edit(203);
         QCOMPARE(bench.editor.panelTag(), 203);
+        bench.editor.pointerLeft(203);
+        QCOMPARE(bench.editor.panelTag(), 203); // the last edit has it, and the pointer goes there
         QVERIFY(bench.editor.isEditingAudioFilter());
         QVERIFY(bench.editor.isEditingSubtitleFilter());
         bench.setNumber(203, u"7"_s);
@@ -224,7 +226,8 @@ private Q_SLOTS:
         other->setPAudioFilterArray(support::filtersOf({u"All|5|Latin|mp3|Any Type"_s}));
         bench.editor.pointerEntered(101);
         bench.editor.setPreset(other);
-        QCOMPARE(bench.title(101), u"Filter #1"_s); // the panel is hidden
+        QCOMPARE(bench.title(101), u"Filter #1"_s);
+        QCOMPARE(bench.editor.panelTag(), 0); // the panel is hidden
         bench.edit(101);
         bench.editor.editFilterPanel(101);
         QCOMPARE(textOf(other->pAudioFilterArray()), u"All|5|Latin|mp3|Any Type"_s);

@@ -381,6 +381,7 @@ private Q_SLOTS:
         record.insert(u"isEditable"_s, QVariantList{1});
         record.insert(u"pAudioFilterArray"_s, 7);
         Bench bench;
+        bench.preset.initFromRecord(ownRecord()); // nothing of it may stay
         bench.preset.initFromRecord(record);
         QCOMPARE(bench.preset.pName(), u""_s);
         QVERIFY(!bench.preset.isEditable());

@@ -116,11 +116,13 @@ private Q_SLOTS:
         row("half a language", byProperties + u"Engl|Any Codec|Any Type"_s, u""_s);
         row("code of a language", byProperties + u"eng|Any Codec|Any Type"_s, u""_s);
         row("empty language", byProperties + u"|Any Codec|Any Type"_s, u""_s);
+        row("empty language and a codec", byProperties + u"|ac3|Any Type"_s, u""_s);
         row("language with an apostrophe", byProperties + u"English' OR 'a' = 'a|Any Codec|Any Type"_s,
             u""_s);
         row("codec", byProperties + u"Any Language|ac3|Any Type"_s, u"2 3"_s);
         row("codec in capitals", byProperties + u"Any Language|AC3|Any Type"_s, u""_s);
         row("empty codec", byProperties + u"Any Language||Any Type"_s, u""_s);
+        row("empty codec and a language", byProperties + u"English||Any Type"_s, u""_s);
         row("stereo", byProperties + u"Any Language|Any Codec|Stereo Only"_s, u"1 4"_s);
         row("surround", byProperties + u"Any Language|Any Codec|Surround Only"_s, u"2 3 5"_s);
         row("language and codec", byProperties + u"English|ac3|Any Type"_s, u"3"_s);
