@@ -125,6 +125,7 @@ private Q_SLOTS:
         QCOMPARE(converter->subToBurnURL(), bench.source);
         QVERIFY(
             behind(bench.calls().first(), u"-filter_complex"_s).startsWith(u"[0:3]scale=1920:1080[sub];"_s));
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void anExternalTextIsBurnedWhereItLies()
