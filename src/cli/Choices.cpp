@@ -101,6 +101,8 @@ Choices::Choices(const CommandLine &line)
     readVideo(line);
     readAudio(line.values(u"audio"_s));
     readSubtitles(line);
+    if (line.values(u"add"_s).contains(QString()))
+        fail(u"--add takes the name of a file, not an empty one."_s);
     if (line.has(u"tracks"_s)) {
         QString error;
         m_tracks = trackIndexes(line.value(u"tracks"_s), error);

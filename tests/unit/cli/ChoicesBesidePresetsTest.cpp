@@ -215,6 +215,13 @@ private Q_SLOTS:
         QVERIFY(!choices.errorFor(*film()).isNull());
     }
 
+    void anAddedFileHasAName()
+    {
+        QVERIFY(choicesOf(QStringList{u"--add"_s, u""_s}).error().contains(u"--add"_s));
+        QVERIFY(choicesOf(QStringList{u"--add"_s, u"b.srt"_s, u"--add="_s}).error().contains(u"--add"_s));
+        QVERIFY(choicesOf(QStringList{u"--add"_s, u" "_s}).error().isNull());
+    }
+
     void onlyAFilmsOwnSubtitlesAreLeftOutOfAnAvi()
     {
         const SelectionPointer selection = film();
