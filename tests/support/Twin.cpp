@@ -46,6 +46,17 @@ QJsonObject probeOf(const QString &path)
     return QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object();
 }
 
+QString shown(const QJsonObject &stream)
+{
+    const QString codec = stream.value(u"codec_name"_s).toString();
+    if (stream.value(u"codec_type"_s) == QJsonValue(u"video"_s))
+        return codec + u' ' + QString::number(stream.value(u"width"_s).toInt());
+    const QString language = stream.value(u"tags"_s).toObject().value(u"language"_s).toString(u"und"_s);
+    if (stream.value(u"codec_type"_s) == QJsonValue(u"audio"_s))
+        return codec + u' ' + QString::number(stream.value(u"channels"_s).toInt()) + u' ' + language;
+    return codec + u' ' + language;
+}
+
 void link(const QString &target, const QString &path)
 {
     QDir().mkpath(QFileInfo(path).path());
@@ -255,6 +266,14 @@ QString codecsOf(const QString &path)
     for (const QJsonObject &stream : streamsOf(path))
         codecs.append(stream.value(u"codec_name"_s).toString());
     return codecs.join(u' ');
+}
+
+QStringList shownStreams(const QString &path)
+{
+    QStringList streams;
+    for (const QJsonObject &stream : streamsOf(path))
+        streams.append(shown(stream));
+    return streams;
 }
 
 double secondsOf(const QString &path)

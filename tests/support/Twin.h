@@ -82,6 +82,9 @@ private:
 QList<QJsonObject> streamsOf(const QString &path);
 /// "h264 aac mov_text": the codecs of a file in stream order.
 QString codecsOf(const QString &path);
+/// "h264 320", "aac 2 eng", "mov_text deu": codec, width or channels, language of each stream. A language
+/// that nobody wrote is "und".
+QStringList shownStreams(const QString &path);
 /// Seconds of a file by its container; negative when it can't be told.
 double secondsOf(const QString &path);
 

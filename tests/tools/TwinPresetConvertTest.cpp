@@ -11,6 +11,7 @@
 
 using namespace Qt::StringLiterals;
 using support::settingsPreset;
+using support::shownStreams;
 using support::storePresets;
 using support::trackPreset;
 using support::Twin;
@@ -20,26 +21,6 @@ namespace {
 QStringList words(const QString &line)
 {
     return line.split(u' ');
-}
-
-/// "h264 320", "aac 2 eng", "mov_text deu": a language that nobody wrote is "und".
-QString shown(const QJsonObject &stream)
-{
-    const QString codec = stream.value(u"codec_name"_s).toString();
-    if (stream.value(u"codec_type"_s) == QJsonValue(u"video"_s))
-        return codec + u' ' + QString::number(stream.value(u"width"_s).toInt());
-    const QString language = stream.value(u"tags"_s).toObject().value(u"language"_s).toString(u"und"_s);
-    if (stream.value(u"codec_type"_s) == QJsonValue(u"audio"_s))
-        return codec + u' ' + QString::number(stream.value(u"channels"_s).toInt()) + u' ' + language;
-    return codec + u' ' + language;
-}
-
-QStringList shownStreams(const QString &path)
-{
-    QStringList streams;
-    for (const QJsonObject &stream : support::streamsOf(path))
-        streams.append(shown(stream));
-    return streams;
 }
 
 /// The words of each job's commands, by the output; the statistics' place is another in every run.
