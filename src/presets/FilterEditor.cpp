@@ -43,6 +43,7 @@ FilterEditor::FilterEditor()
     : m_audio{presets::FilterFields(FilterKind::Audio), FilterRows(audioTags)}
     , m_subtitle{presets::FilterFields(FilterKind::Subtitle), FilterRows(subtitleTags)}
 {
+    setPreset(nullptr);
 }
 
 FilterEditor::Side &FilterEditor::sideOf(int tag)
@@ -69,9 +70,9 @@ QVariantList FilterEditor::filtersOf(FilterKind kind) const
 
 void FilterEditor::setFilters(FilterKind kind, const QVariantList &filters)
 {
-    if (m_preset && kind == FilterKind::Audio)
+    if (kind == FilterKind::Audio)
         m_preset->setPAudioFilterArray(filters);
-    else if (m_preset)
+    else
         m_preset->setPSubtitleFilterArray(filters);
 }
 
@@ -105,7 +106,7 @@ void FilterEditor::adjustFilterButtonsCount()
 
 void FilterEditor::addFilterButtonClicked(int tag)
 {
-    if (!isAddButton(tag) || !m_preset)
+    if (!isAddButton(tag))
         return;
     const FilterKind kind = kindOf(tag);
     const presets::RowButton &button = rows(kind).addButton(rowOf(tag));
@@ -177,7 +178,7 @@ void FilterEditor::writeBack(int tag)
     QVariantList filters = filtersOf(kindOf(tag));
     const qsizetype position = numberOf(tag) - 1;
     if (position >= filters.size())
-        return;
+        return; // a button without a filter
     filters[position] = sideOf(tag).fields.filter();
     setFilters(kindOf(tag), filters);
 }

@@ -19,7 +19,6 @@ FilterRows::FilterRows(int tagBase)
         m_filters.append({tagBase + position, restingTitle(position)});
     for (int row = 2; row <= mostFilters; ++row)
         m_adds.append({tagBase + addTagOffset + row, u"+"_s});
-    adjustTo(1);
 }
 
 QString FilterRows::restingTitle(int position)

@@ -205,16 +205,33 @@ private Q_SLOTS:
         QCOMPARE(bench.subtitle(), subtitles.join(u"; "_s));
     }
 
-    void withoutAPresetNothingCanBeAdded()
+    void withoutAPresetNothingCanBeDone()
     {
         FilterEditor editor;
+        QVERIFY(!editor.af2Visibility());
+        QVERIFY(!editor.sf3Visibility());
         for (const int tag : {192, 193, 292, 293})
             editor.addFilterButtonClicked(tag);
-        editor.pointerEntered(101);
-        editor.editFilterPanel(101);
-        editor.editFilterPanel(101);
+        for (const int tag : {101, 201}) {
+            editor.pointerEntered(tag);
+            editor.editFilterPanel(tag);
+        }
+        QVERIFY(!editor.isEditingAudioFilter());
+        QVERIFY(!editor.isEditingSubtitleFilter());
         QVERIFY(editor.currentAudioFilterArray().isEmpty());
         QVERIFY(editor.currentSubtitleFilterArray().isEmpty());
+    }
+
+    void buttonWithoutAFilterWritesNoneBack()
+    {
+        FilterBench bench(0, 1);
+        bench.edit(101);
+        bench.setNumber(101, u"2"_s);
+        bench.editor.editFilterPanel(101);
+        bench.edit(202);
+        bench.editor.editFilterPanel(202);
+        QCOMPARE(bench.audio(), u""_s);
+        QCOMPARE(bench.subtitle(), subtitles.at(0));
     }
 
     /// The pointer rests on a button while the keyboard goes to another row of the sheet.
