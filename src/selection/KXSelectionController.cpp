@@ -248,13 +248,12 @@ void KXSelectionController::upddateAudioTrackPopupFor()
         if (track->trackType() == u"Audio"_s)
             labels.append(labelOf(*track));
     }
-    const QStringList before = m_audioTrackLabels;
-    if (labels.size() > before.size() && m_audioTrackPopupIndex < before.size())
-        m_audioTrackPopupIndex =
-            std::max(0, static_cast<int>(labels.indexOf(before.at(m_audioTrackPopupIndex))));
+    int index = m_audioTrackPopupIndex;
+    if (labels.size() > m_audioTrackLabels.size() && index < m_audioTrackLabels.size())
+        index = static_cast<int>(labels.indexOf(m_audioTrackLabels.at(index))); // -1 shows the first
     m_audioTrackLabels = labels;
-    setHideAudioTrackPopupFlag(labels.size() <= 1);
-    setAudioTrackPopupIndex(m_audioTrackPopupIndex);
+    m_hideAudioTrackPopupFlag = labels.size() <= 1; // announced with the index that fits the labels
+    setAudioTrackPopupIndex(index);
 }
 
 void KXSelectionController::setAudioTrackLabels(const QStringList &labels)

@@ -3,6 +3,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using support::ControllerBench;
 using support::outputsOf;
@@ -158,6 +160,27 @@ private Q_SLOTS:
             bench.controller.setAudioTrackPopupIndex(outside);
             QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
         }
+    }
+
+    void nobodyEverSeesAnIndexOutsideTheLabels()
+    {
+        Languages bench({u"English"_s, u"French"_s, u"German"_s});
+        bench.controller.setAudioTrackPopupIndex(2);
+        QStringList wrong;
+        int announced = 0;
+        connect(&bench.controller, &KXSelectionController::stateChanged, this, [&] {
+            ++announced;
+            const int index = bench.controller.audioTrackPopupIndex();
+            const qsizetype labels = bench.controller.audioTrackLabels().size();
+            if (index < 0 || index >= std::max<qsizetype>(labels, 1))
+                wrong.append(u"%1 of %2"_s.arg(index).arg(labels));
+        });
+        bench.selectRows({0, 2});
+        bench.selectRows({1, 3});
+        bench.selectRows({});
+        bench.selectRows({1, 2, 3});
+        QCOMPARE(wrong, QStringList());
+        QVERIFY(announced > 0);
     }
 
     void controlsAreLoadedFromTheShownTrack_data()

@@ -237,10 +237,12 @@ private Q_SLOTS:
     {
         ControllerBench bench;
         bench.controller.setHideTrackTable(true);
-        bench.controller.setHideTrackTogglesFlag(true);
-        bench.controller.setHideFileTable(false);
-        bench.controller.setCurrentTab(u"Queue"_s);
-        QCOMPARE(hidden(bench.controller), QList<bool>({true, true, false}));
+        bench.controller.setHideTrackTogglesFlag(false);
+        bench.controller.setHideFileTable(false); // neither tab leaves them like that
+        for (const QString &tab : {u"Queue"_s, u"edit files"_s, u"MKV"_s}) {
+            bench.controller.setCurrentTab(tab);
+            QCOMPARE(hidden(bench.controller), QList<bool>({true, false, false}));
+        }
     }
 
     void tabThatIsSetDuringAnUpdateDoesNotUpdateAgain()

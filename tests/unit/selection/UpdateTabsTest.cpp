@@ -245,6 +245,15 @@ private Q_SLOTS:
     }
     void audio() { checkRow(); }
 
+    void onlyOutputsOfAudioTracksCount()
+    {
+        TabWorld world({.tracks = u"video srt"_s});
+        for (const TrackPointer &track : world.selection->trackList())
+            support::setOutputs(*track, u"passthru 2 0"_s);
+        world.controller.updateTabs();
+        QVERIFY(!world.controller.userMadeAudioSelection());
+    }
+
     void enteredNumbersReachTheSelection_data()
     {
         columns();
