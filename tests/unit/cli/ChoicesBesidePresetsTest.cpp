@@ -190,7 +190,11 @@ private Q_SLOTS:
 
     void aStreamIndexNeverMeansAnAddedFile()
     {
-        // Each added file has a stream 0 of its own.
+        // Each added file has a stream 0 of its own; the film's own may be none of the chosen.
+        const SelectionPointer selection = filmWithAdded();
+        selection->setTrackList(selection->trackList().mid(1));
+        QVERIFY(choicesOf(u"--audio 0=passthru"_s).errorFor(*selection).contains(u"track 0,"_s));
+        QVERIFY(choicesOf(u"--audio +0=passthru"_s).errorFor(*selection).contains(u"track +0,"_s));
         const Choices choices = choicesOf(u"--audio 0=passthru"_s);
         QVERIFY(choices.errorFor(*filmWithAdded()).contains(u"track 0,"_s));
     }

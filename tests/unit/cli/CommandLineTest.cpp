@@ -105,6 +105,28 @@ private Q_SLOTS:
         QCOMPARE(line.values(u"audio"_s), words(u"1=passthru 2=aac:2:160"_s));
     }
 
+    void addedFilesKeepTheirOrderWhateverTheirNames()
+    {
+        const CommandLine line({u"convert"_s, u"--add"_s, u"+2"_s, u"a.mkv"_s, u"--add=-b=c.srt"_s,
+                                u"--add"_s, u"--add"_s, u"--audio=+1=aac:2:96,passthru"_s, u"--audio"_s,
+                                u"+2=passthru"_s});
+        QCOMPARE(line.error(), QString());
+        QCOMPARE(line.arguments(), QStringList{u"a.mkv"_s});
+        QCOMPARE(line.values(u"add"_s), QStringList({u"+2"_s, u"-b=c.srt"_s, u"--add"_s}));
+        QCOMPARE(line.values(u"audio"_s), QStringList({u"+1=aac:2:96,passthru"_s, u"+2=passthru"_s}));
+    }
+
+    void aPresetIsNamedAsItIsCalled()
+    {
+        const QString name = u" it's \"mine\"\n--video=1pass "_s;
+        const CommandLine line({u"convert"_s, u"--track-preset"_s, name, u"--settings-preset=First"_s,
+                                u"--settings-preset="_s + name});
+        QCOMPARE(line.error(), QString());
+        QCOMPARE(line.value(u"track-preset"_s), name);
+        QCOMPARE(line.value(u"settings-preset"_s), name); // the last one counts
+        QVERIFY(!line.has(u"video"_s));
+    }
+
     void anOptionThatWasNotGivenHasNoValue()
     {
         const CommandLine line(words(u"probe a.mkv"_s));
