@@ -158,6 +158,20 @@ private Q_SLOTS:
         QVERIFY2(byHand.said().contains(u"track 3 was left out"_s), byHand.error.constData());
     }
 
+    void aPresetThatTakesNoVideoConvertsNothing()
+    {
+        m_twin->clip(support::fullMkv(), u"full.mkv"_s);
+        QJsonObject rule = trackPreset(u"Rule"_s, u"#1"_s);
+        rule.insert(u"pSelectedVideoTrack"_s, u"0"_s);
+        storePresets(*m_twin, {rule}, {});
+        const auto run = m_twin->run(words(u"convert full.mkv --track-preset Rule"_s));
+        QCOMPARE(run.status, 2);
+        QVERIFY2(run.saidOneSentence() && run.said().contains(u"0 are chosen"_s), run.error.constData());
+        const auto extraction = m_twin->run({u"convert"_s, u"full.mkv"_s, u"--track-preset"_s, u"Rule"_s,
+                                             u"--settings-preset"_s, u"Extract Tracks"_s, u"--quiet"_s});
+        QCOMPARE(extraction.lines(), QStringList{m_twin->media(u"full.mkv.stream1.ac3"_s)});
+    }
+
     void extractTracksExtracts()
     {
         m_twin->clip(support::fullMkv(), u"full.mkv"_s);
