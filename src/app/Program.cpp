@@ -44,7 +44,7 @@ jobs::JobContext Program::context()
 
 jobs::JobContext Program::contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs)
 {
-    return {m_preferences, m_notifications, m_alerts, m_volumes, launcher, outputs, m_scratch, m_whenTaken};
+    return {m_preferences, m_notifications, m_alerts, m_volumes, m_workspace, launcher, outputs, m_scratch, m_whenTaken};
 }
 
 QString Program::initialize()

@@ -8,6 +8,7 @@
 #include "platform/DefaultsStore.h"
 #include "platform/KXNotificationCenter.h"
 #include "platform/Volumes.h"
+#include "platform/Workspace.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/KXWatchModeController.h"
 #include "presets/KXPresetsController.h"
@@ -58,6 +59,7 @@ private:
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
     platform::Volumes m_volumes;
+    platform::Workspace m_workspace;
     KXNotificationCenter m_notifications;
     KXPreferences m_preferences;
     KXWatchModeController m_watchMode;

@@ -8,6 +8,7 @@ class KXPreferences;
 namespace platform {
 class AlertPresenter;
 class Volumes;
+class Workspace;
 } // namespace platform
 
 namespace step {
@@ -25,6 +26,7 @@ struct JobContext
     KXNotificationCenter &notifications;
     platform::AlertPresenter &alerts;
     const platform::Volumes &volumes;
+    platform::Workspace &workspace;
     step::StepLauncher &launcher;
     step::OutputRegistry &outputs;
     step::ScratchFolder &scratch;

@@ -46,7 +46,7 @@ KXJob::KXJob(const jobs::JobContext &context)
 
 KXJob::~KXJob()
 {
-    m_cancelled = true;
+    *m_cancelled = true;
     m_monitorQueue.waitForDone();
     m_context.scratch.removeJobFolder(m_temporaryFolder);
 }
@@ -91,7 +91,8 @@ const QString &KXJob::temporaryFolder()
 
 step::ConverterContext KXJob::converterContext()
 {
-    return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard, temporaryFolder()};
+    return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard,
+            temporaryFolder(),     &m_context.alerts};
 }
 
 void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
@@ -100,8 +101,30 @@ void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProc
     if (task)
         addTask(task);
     m_progressList.append({converter->stepName(), mayRun ? u"0%"_s : u"Complete"_s});
-    if (!isEmpty(converter->tempFileToDeleteURL()))
-        m_tempFilesToDeleteList.append(converter->tempFileToDeleteURL());
+    m_tempFilesToDeleteList += converter->temporaryFiles();
+    m_logFilesToDeleteList.append(converter->logFileURL());
+}
+
+void KXJob::startSingleStep(const ConverterPointer &converter,
+                            const std::function<tools::ToolProcessPointer()> &start)
+{
+    setStepTaskList({});
+    setProgressList({});
+    setStepConverterList({converter});
+    const auto task = start();
+    if (jobIsCancelled())
+        return;
+    stepStarted(converter, task);
+    postProgress(m_progressList);
+    endIfNothingRuns();
+}
+
+void KXJob::backgroundStepStarted(const ConverterPointer &converter, const QString &pid)
+{
+    if (!pid.isEmpty())
+        addTask(pid);
+    m_progressList.append({converter->stepName(), u"0%"_s});
+    m_tempFilesToDeleteList += converter->temporaryFiles();
     m_logFilesToDeleteList.append(converter->logFileURL());
 }
 

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <variant>
 
@@ -52,7 +53,7 @@ public:
     /// Also tells the guard which files are inputs from now on.
     void setJobSelection(const SelectionPointer &selection);
     KXPreferences &appPreferences() const { return m_context.preferences; }
-    bool jobIsCancelled() const { return m_cancelled; }
+    bool jobIsCancelled() const { return *m_cancelled; }
     QThreadPool *monitorQueue() { return &m_monitorQueue; }
 
     void initJobWithSelectionAndPreferences(const SelectionPointer &selection,
@@ -90,6 +91,7 @@ protected:
     void observe(const QString &name);
     step::ConverterContext converterContext();
     const QString &temporaryFolder();
+    const tools::StopFlag &cancelFlag() const { return m_cancelled; }
     /// Takes a converter whose step was just started (or refused) into the lists.
     void stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task);
     void addTask(const jobs::StepTask &task);
@@ -108,6 +110,28 @@ protected:
     /// The outcome of a step that has ended; the log of a failed one is kept and named.
     step::Outcome outcomeOfStep(KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
+    /// The start of a job of one step: the converter joins the lists, and is started there.
+    void startSingleStep(const ConverterPointer &converter,
+                         const std::function<tools::ToolProcessPointer()> &start);
+    /// Takes a background run that was just started (or refused) into the lists.
+    void backgroundStepStarted(const ConverterPointer &converter, const QString &pid);
+
+    // Following runs by polling; the loop runs on the monitor queue and holds the job alive.
+    /// One cycle: the items that are shown from now on, made from those of the cycle before; answers
+    /// whether every step has finished.
+    using Cycle = std::function<bool(const jobs::ProgressList &previous, jobs::ProgressList &current)>;
+    /// Runs cycles until one has finished or the job is cancelled; after that, unless cancelled,
+    /// finished is called on the main thread.
+    void poll(const jobs::ProgressList &first, const Cycle &cycle, const std::function<void()> &finished);
+    /// Runs work on the main thread, from whichever thread. Blocking waits for it, but never for a stop.
+    void runOnMain(const std::function<void()> &work, Qt::ConnectionType how);
+    /// "0%" for every converter that is there.
+    jobs::ProgressList firstProgress() const;
+    /// The item that stood at a position in the cycle before, or one without progress.
+    static jobs::ProgressItem itemBefore(const jobs::ProgressList &previous, qsizetype position,
+                                         const QString &step);
+
+    static constexpr int pollMilliseconds = 500;
 
 private:
     void settleOutcome();
@@ -115,6 +139,7 @@ private:
     void deleteFiles(const QList<QUrl> &files);
     void deleteUnfinishedOutputs();
     bool isOurs(const QUrl &output) const;
+    QString remainsOf(const KXConverter &converter) const;
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
     void checkFreeSpace();
@@ -124,7 +149,8 @@ private:
     step::OutputGuard m_guard;
     SelectionPointer m_jobSelection;
     QThreadPool m_monitorQueue;
-    std::atomic_bool m_cancelled = false;
+    /// Set when the job is stopped; handed to whatever waits inside it.
+    tools::StopFlag m_cancelled = std::make_shared<std::atomic_bool>(false);
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;
     QTimer m_flashProgressTimer;
     std::optional<jobs::ProgressUpdate> m_flashing;

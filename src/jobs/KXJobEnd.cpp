@@ -75,7 +75,7 @@ void KXJob::stopJob()
     const auto self = shared_from_this(); // an observer may let go of us
     unsubscribe();
     m_ended = true;
-    m_cancelled = true;
+    *m_cancelled = true;
     m_monitorQueue.clear();
     stopFlashing();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
@@ -119,6 +119,20 @@ void KXJob::addOutcome(const step::Outcome &outcome)
     m_outcome = m_outcome.joinedWith(outcome);
 }
 
+/// What a failed step leaves of its output, as sentences. What is empty goes.
+QString KXJob::remainsOf(const KXConverter &converter) const
+{
+    QString sentences;
+    for (const QUrl &file : converter.outputFiles()) {
+        const QFileInfo output(file.toLocalFile());
+        if (output.exists() && output.size() == 0 && isOurs(file))
+            QFile::remove(output.filePath());
+        else if (output.exists() && !converter.isTemporaryOutput())
+            sentences += keptSentence(file);
+    }
+    return sentences;
+}
+
 /// A failed step's empty output goes; any other stays and is named: a wrong verdict must never cost
 /// anybody a film.
 step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
@@ -129,13 +143,10 @@ step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
         m_logsToKeep.append(converter.logFileURL());
         if (wasStarted && QFileInfo::exists(converter.logFileURL().toLocalFile()))
             outcome.sentence += u" The log is %1."_s.arg(converter.logFileURL().toLocalFile());
-        const QFileInfo output(converter.outputFileURL().toLocalFile());
-        if (wasStarted && output.exists() && output.size() == 0 && isOurs(converter.outputFileURL()))
-            QFile::remove(output.filePath());
-        else if (wasStarted && output.exists() && !converter.isTemporaryOutput())
-            outcome.sentence += keptSentence(converter.outputFileURL());
+        if (wasStarted)
+            outcome.sentence += remainsOf(converter);
     } else if (!converter.isTemporaryOutput()) {
-        m_outputs.append(converter.outputFileURL());
+        m_outputs += converter.outputFiles();
     }
     return outcome;
 }
@@ -188,8 +199,12 @@ void KXJob::deleteUnfinishedOutputs()
         const auto &converter = m_stepConverterList.at(i);
         const bool finished = i < m_progressList.size() && m_progressList.at(i).isComplete();
         const bool started = converter && (converter->converterTask() || !converter->doShell_ID().isEmpty());
-        if (started && !finished && isOurs(converter->outputFileURL()))
-            QFile::remove(converter->outputFileURL().toLocalFile());
+        if (!started || finished)
+            continue;
+        for (const QUrl &file : converter->outputFiles()) {
+            if (isOurs(file))
+                QFile::remove(file.toLocalFile());
+        }
     }
 }
 

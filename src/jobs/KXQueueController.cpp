@@ -1,6 +1,7 @@
 // How selections become jobs and jobs run; what the user does is in KXQueueControllerActions.cpp.
 #include "jobs/KXQueueController.h"
 
+#include "jobs/MuxingTracks.h"
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/KXWatchModeController.h"
@@ -82,12 +83,17 @@ void KXQueueController::initialize()
     }
 }
 
+void KXQueueController::openForJobs()
+{
+    if (!m_jobList.isEmpty())
+        return;
+    Q_EMIT drawerWanted(true);
+    m_timer.start(tickMilliseconds);
+}
+
 int KXQueueController::addToQueue(const SelectionPointer &selection)
 {
-    if (m_jobList.isEmpty()) {
-        Q_EMIT drawerWanted(true);
-        m_timer.start(tickMilliseconds);
-    }
+    openForJobs();
     const QString type = selection->jobType();
     if (type == u"MKV Conversion"_s)
         return addConversion(selection, conversionClassFor(*selection));
@@ -126,12 +132,20 @@ int KXQueueController::addConversion(const SelectionPointer &selection, const QS
         return 0;
     const SelectionPointer own = jobsOwnCopy(selection);
     own->setTrackList(own->trackList() + own->addedAudioTrackList());
+    if (className == u"KXConvertToMkvJob"_s)
+        own->setTrackList(jobs::tracksForMuxing(own->trackList()));
     job->setJobType(selection->jobType());
     job->setJobStatus(u"Queued"_s);
     job->setJobFileName(selection->videoTrackFileName());
     job->setJobSelection(own);
     Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
     return 1;
+}
+
+int KXQueueController::addJob(const SelectionPointer &selection, const QString &className)
+{
+    openForJobs();
+    return addOne(selection, className);
 }
 
 int KXQueueController::addOne(const SelectionPointer &selection, const QString &className)

@@ -26,6 +26,8 @@ public:
     void initialize();
     /// Turns a selection into its jobs. Answers how many were added: 0 for a job type without a class.
     int addToQueue(const SelectionPointer &selection);
+    /// Adds a job of that class for a selection whose job type has none by itself: a track removal.
+    int addJob(const SelectionPointer &selection, const QString &className);
     void theQueueLoop();
     void manageQueue();
     /// Starts the current job from elsewhere; the scheduler does it itself.
@@ -62,6 +64,7 @@ private:
     int addOne(const SelectionPointer &selection, const QString &className);
     int addOnePerFile(const SelectionPointer &selection, const QString &className);
     JobPointer append(const QString &className);
+    void openForJobs();
     void removeRow(qsizetype row);
     void setPauseButtonTitle(const QString &title);
     void jobEnded(const KXNotification &notification);

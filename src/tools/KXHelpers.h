@@ -86,6 +86,7 @@ class KXHelpers : public QObject
     const tools::ToolPlaces *places() const { return m_places; }
     platform::AlertPresenter *presenter() const { return m_presenter; }
     tools::Waiting waiting() const { return m_waiting; }
+    const tools::StopFlag &stopFlag() const { return m_stop; }
     /// Whether the stop flag is set: what a run answered then is no answer.
     bool isStopped() const { return m_stop && *m_stop; }
 

@@ -28,6 +28,18 @@ std::optional<qint64> FakeVolumes::freeSize(const QUrl &folder) const
     return m_free;
 }
 
+bool FakeWorkspace::launch(const QUrl &application)
+{
+    m_asked.append(u"launch "_s + application.toLocalFile());
+    return launches;
+}
+
+bool FakeWorkspace::open(const QUrl &document, const QUrl &application)
+{
+    m_asked.append(u"open %1 with %2"_s.arg(document.toLocalFile(), application.toLocalFile()));
+    return opens;
+}
+
 JobWorld::JobWorld(Tools tools)
     : store(scratch.path(u"defaults.json"_s))
     , preferences(store, {resourcesFor(tools, scratch), scratch.path()})
@@ -44,7 +56,7 @@ jobs::JobContext JobWorld::jobContext(step::WhenTaken whenTaken)
 
 jobs::JobContext JobWorld::jobContext(step::WhenTaken whenTaken, step::StepLauncher &other)
 {
-    return {preferences, notifications, alerts, volumes, other, outputs, scratchFolder, whenTaken};
+    return {preferences, notifications, alerts, volumes, workspace, other, outputs, scratchFolder, whenTaken};
 }
 
 step::ConverterContext JobWorld::converterContext(step::OutputGuard &guard)

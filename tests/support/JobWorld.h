@@ -4,6 +4,7 @@
 #include "platform/DefaultsStore.h"
 #include "platform/KXNotificationCenter.h"
 #include "platform/Volumes.h"
+#include "platform/Workspace.h"
 #include "prefs/KXPreferences.h"
 #include "selection/KXSelection.h"
 #include "support/Scratch.h"
@@ -29,6 +30,22 @@ public:
 private:
     std::optional<qint64> m_free = 1'000'000'000'000;
     mutable QList<QUrl> m_asked;
+};
+
+/// A desktop that starts nothing: it keeps what it was asked, and answers what a test says.
+class FakeWorkspace final : public platform::Workspace
+{
+public:
+    bool launch(const QUrl &application) override;
+    bool open(const QUrl &document, const QUrl &application) override;
+    /// "launch APPLICATION" and "open DOCUMENT with APPLICATION", in order.
+    const QStringList &asked() const { return m_asked; }
+
+    bool launches = true;
+    bool opens = true;
+
+private:
+    QStringList m_asked;
 };
 
 /// Everything a job, a converter or the queue is handed, in a scratch folder of its own and with the
@@ -65,6 +82,7 @@ struct JobWorld
     KXNotificationCenter notifications;
     ScriptedAlerts alerts;
     FakeVolumes volumes;
+    FakeWorkspace workspace;
     step::StepLauncher launcher;
     step::OutputRegistry outputs;
     step::ScratchFolder scratchFolder;

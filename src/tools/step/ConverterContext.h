@@ -5,6 +5,10 @@
 class KXNotificationCenter;
 class KXPreferences;
 
+namespace platform {
+class AlertPresenter;
+}
+
 namespace step {
 
 class OutputGuard;
@@ -17,7 +21,8 @@ struct ConverterContext
     KXNotificationCenter &notifications;
     StepLauncher &launcher;
     OutputGuard &guard;
-    QString temporaryFolder; ///< the job's own; ends in "/"
+    QString temporaryFolder;                    ///< the job's own; ends in "/"
+    platform::AlertPresenter *alerts = nullptr; ///< may be absent: then nothing is shown
 };
 
 } // namespace step

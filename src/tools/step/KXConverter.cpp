@@ -60,7 +60,7 @@ bool hasMkvToolFinished(const step::ToolLog &log, const QString &name)
 } // namespace
 
 KXConverter::KXConverter(const step::ConverterContext &context)
-    : KXHelpers(&context.preferences)
+    : KXHelpers(&context.preferences, context.alerts)
     , m_context(context)
 {
     // Reading must stay in order, so nothing in here may let further chunks arrive while it waits.
@@ -125,9 +125,9 @@ QString KXConverter::checkForErrorsInOutputURLAndLogURL(const QUrl &, const QUrl
     return u""_s;
 }
 
-bool KXConverter::claimOutput(const QUrl &wanted)
+bool KXConverter::claimOutput(const QUrl &wanted, step::OutputForm form)
 {
-    const auto claim = m_context.guard.claimOutput(wanted);
+    const auto claim = m_context.guard.claimOutput(wanted, form);
     setOutputFileURL(claim.url);
     m_refusal = claim.refusal;
     return m_refusal.isNull();
@@ -167,6 +167,11 @@ QString KXConverter::withoutNames(QString log) const
     return log;
 }
 
+QList<QUrl> KXConverter::temporaryFiles() const
+{
+    return isEmpty(tempFileToDeleteURL()) ? QList<QUrl>() : QList<QUrl>{tempFileToDeleteURL()};
+}
+
 step::Outcome KXConverter::outcome() const
 {
     return m_refusal.isNull() ? outcomeOfTool() : step::Outcome::failed(m_refusal);
@@ -174,16 +179,24 @@ step::Outcome KXConverter::outcome() const
 
 step::Outcome KXConverter::outcomeOfTool() const
 {
-    const step::Outcome ended = doShell_ID().isEmpty() ? outcomeOfProcess() : outcomeOfBackground();
+    const bool wasProcess = doShell_ID().isEmpty() || converterTask();
+    const step::Outcome ended = wasProcess ? outcomeOfProcess() : outcomeOfBackground();
     if (ended.verdict == step::Verdict::Failed)
         return ended;
-    const QFileInfo output(outputFileURL().toLocalFile());
-    const auto lacks = [&](const QString &sentence) {
-        return step::Outcome::failed(sentence.arg(m_tool.fileName(), output.fileName()));
+    const QList<QUrl> outputs = outputFiles();
+    const auto lacks = [&](const QString &sentence, const QUrl &file) {
+        return step::Outcome::failed(sentence.arg(m_tool.fileName(), file.fileName()));
     };
-    if (!output.exists())
-        return lacks(u"%1 ended without writing %2."_s);
-    return output.size() == 0 ? lacks(u"%1 wrote nothing into %2."_s) : ended;
+    if (outputs.isEmpty())
+        return lacks(u"%1 ended without writing %2."_s, outputFileURL());
+    for (const QUrl &file : outputs) {
+        const QFileInfo output(file.toLocalFile());
+        if (!output.exists())
+            return lacks(u"%1 ended without writing %2."_s, file);
+        if (output.size() == 0)
+            return lacks(u"%1 wrote nothing into %2."_s, file);
+    }
+    return ended;
 }
 
 step::Outcome KXConverter::outcomeOfProcess() const

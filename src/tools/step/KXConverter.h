@@ -7,6 +7,7 @@
 #include "tools/ToolProcess.h"
 #include "tools/step/ConverterContext.h"
 #include "tools/step/Outcome.h"
+#include "tools/step/OutputGuard.h"
 #include "tools/step/StepLauncher.h"
 
 #include <QStringDecoder>
@@ -103,13 +104,17 @@ public:
     QString refusal() const { return m_refusal; }
     /// How the step ended, once it has.
     virtual step::Outcome outcome() const;
+    /// What the step writes: its output, or the parts that are there of one that comes in parts.
+    virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
+    /// What goes with the job.
+    virtual QList<QUrl> temporaryFiles() const;
 
 protected:
     const step::ConverterContext &context() const { return m_context; }
     void post(const QString &name, const QString &text) const;
     void postConversionStarted() const;
     /// Names for output and log; false (with a refusal) when the output must not be written.
-    bool claimOutput(const QUrl &wanted);
+    bool claimOutput(const QUrl &wanted, step::OutputForm form = step::OutputForm::OneFile);
     void claimLog(const QUrl &wanted);
     void refuse(const QString &sentence) { m_refusal = sentence; }
     /// The launch form of a list: what has to differ for the installed tool to succeed.
@@ -119,6 +124,13 @@ protected:
     /// The folder of the preferences when one is set, else the given one.
     QUrl saveFolderOr(const QUrl &folder) const;
     bool durationIsAssumed() const { return m_durationIsAssumed; }
+    /// The log's last line, where a carriage return ends a line too.
+    QString lastLogLine() const;
+    /// The poll of a tool that prints "Progress: 45%": "45%", "error" where the last line holds no
+    /// percentage, "Complete" when the background run has ended.
+    QString pollPercentage() const;
+    /// Shows an alert that closes itself; in a rehearsal nobody is told.
+    void warn(const platform::AlertPointer &alert);
     /// The outcome of a finished run by exit status, messages and output.
     step::Outcome outcomeOfTool() const;
 

@@ -10,6 +10,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QTimer>
 
 #include <utility>
 
@@ -179,6 +180,27 @@ QString KXConverter::lastTimeInLog() const
     const QString line =
         doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s, u"| grep time="_s});
     return step::isStatusLine(line) ? step::timeInStatusLine(line) : QString();
+}
+
+QString KXConverter::lastLogLine() const
+{
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s});
+}
+
+QString KXConverter::pollPercentage() const
+{
+    if (!processIsRunningWithPID(doShell_ID()))
+        return u"Complete"_s;
+    const QString piece = lastLogLine().section(u": "_s, -1);
+    return piece.endsWith(u'%') ? piece : u"error"_s;
+}
+
+void KXConverter::warn(const platform::AlertPointer &alert)
+{
+    if (presenter() == nullptr || m_context.launcher.isRehearsal())
+        return;
+    openAlertSheet(alert);
+    QTimer::singleShot(alert->closesAfter, this, [this, alert] { alertTimedOut(alert); });
 }
 
 QString KXConverter::monitorConversion()

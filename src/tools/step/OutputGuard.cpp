@@ -3,8 +3,11 @@
 #include "platform/FileIdentity.h"
 #include "tools/step/OutputRegistry.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -31,7 +34,32 @@ QUrl withMark(const QUrl &location, const QString &mark)
     return QUrl::fromLocalFile(info.absolutePath() + u'/' + stem + mark + suffix);
 }
 
+/// Matches the names of an output's parts and captures their numbers.
+QRegularExpression partPattern(const QUrl &output)
+{
+    const QFileInfo info(output.toLocalFile());
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    const QString stem = info.fileName().chopped(suffix.size());
+    return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(stem) +
+                                                                  u"-([0-9]+)"_s +
+                                                                  QRegularExpression::escape(suffix)),
+                              QRegularExpression::DotMatchesEverythingOption);
+}
+
 } // namespace
+
+QList<QUrl> partsOf(const QUrl &output)
+{
+    const QRegularExpression pattern = partPattern(output);
+    const QDir folder = QFileInfo(output.toLocalFile()).absoluteDir();
+    QMap<qint64, QUrl> parts;
+    for (const QString &name : folder.entryList(QDir::Files | QDir::System | QDir::Hidden)) {
+        const auto match = pattern.match(name);
+        if (match.hasMatch())
+            parts.insert(match.captured(1).toLongLong(), QUrl::fromLocalFile(folder.filePath(name)));
+    }
+    return parts.values();
+}
 
 OutputGuard::OutputGuard(OutputRegistry &registry, WhenTaken whenTaken)
     : m_registry(registry)
@@ -57,18 +85,20 @@ bool OutputGuard::isInput(const QUrl &location) const
                        [&](const QUrl &input) { return platform::isSameFile(input, location); });
 }
 
-bool OutputGuard::isFree(const QUrl &location) const
+bool OutputGuard::isFree(const QUrl &location, OutputForm form) const
 {
-    return !platform::isTakenName(location) && !hasClaimed(location) && !m_registry.isTaken(location, this);
+    const bool stands =
+        form == OutputForm::NumberedParts ? !partsOf(location).isEmpty() : platform::isTakenName(location);
+    return !stands && !hasClaimed(location) && !m_registry.isTaken(location, this);
 }
 
-QUrl OutputGuard::nextFree(const QUrl &wanted) const
+QUrl OutputGuard::nextFree(const QUrl &wanted, OutputForm form) const
 {
-    if (isFree(wanted))
+    if (isFree(wanted, form))
         return wanted;
     for (int number = 2;; ++number) {
         const QUrl candidate = withMark(wanted, u" (%1)"_s.arg(number));
-        if (isFree(candidate))
+        if (isFree(candidate, form))
             return candidate;
     }
 }
@@ -80,8 +110,11 @@ QString OutputGuard::refusalFor(const QUrl &wanted) const
         return u"The output %1 would be one of the job's own sources, so nothing was started."_s.arg(path);
     if (hasClaimed(wanted) || m_registry.isTaken(wanted, this))
         return u"The output %1 belongs to another job or open file, so nothing was started."_s.arg(path);
-    if (!platform::isTakenName(wanted))
-        return {};
+    return platform::isTakenName(wanted) ? refusalForTaken(path) : QString();
+}
+
+QString OutputGuard::refusalForTaken(const QString &path) const
+{
     if (m_whenTaken == WhenTaken::Refuse)
         return u"The output %1 exists already, so nothing was started."_s.arg(path);
     if (!QFileInfo(path).isFile())
@@ -89,13 +122,31 @@ QString OutputGuard::refusalFor(const QUrl &wanted) const
     return {};
 }
 
-OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted)
+/// The plain name is never written, but it is the place of this job's parts.
+QString OutputGuard::refusalForParts(const QUrl &wanted) const
+{
+    const bool isOthers = hasClaimed(wanted) || m_registry.isTaken(wanted, this);
+    if (isOthers)
+        return u"The output %1 belongs to another job or open file, so nothing was started."_s.arg(
+            wanted.toLocalFile());
+    for (const QUrl &part : partsOf(wanted)) {
+        const QString refusal = refusalFor(part);
+        if (!refusal.isNull())
+            return refusal;
+    }
+    return {};
+}
+
+OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted, OutputForm form)
 {
     Claim claim;
-    claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted) : wanted;
-    claim.refusal = refusalFor(claim.url);
-    if (claim.refusal.isNull())
-        take(claim.url);
+    claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted, form) : wanted;
+    claim.refusal = form == OutputForm::NumberedParts ? refusalForParts(claim.url) : refusalFor(claim.url);
+    if (!claim.refusal.isNull())
+        return claim;
+    take(claim.url);
+    if (form == OutputForm::NumberedParts)
+        m_inParts.append(claim.url);
     return claim;
 }
 
@@ -114,7 +165,16 @@ QUrl OutputGuard::claimFree(const QUrl &wanted)
 
 bool OutputGuard::hasClaimed(const QUrl &location) const
 {
-    return m_claimed.contains(placeKey(location));
+    return m_claimed.contains(placeKey(location)) || isPartOfOurs(location);
+}
+
+bool OutputGuard::isPartOfOurs(const QUrl &location) const
+{
+    const QFileInfo info(location.toLocalFile());
+    return std::any_of(m_inParts.begin(), m_inParts.end(), [&](const QUrl &output) {
+        return QFileInfo(output.toLocalFile()).absolutePath() == info.absolutePath() &&
+               partPattern(output).match(info.fileName()).hasMatch();
+    });
 }
 
 bool OutputGuard::mayDelete(const QUrl &location) const
@@ -123,6 +183,17 @@ bool OutputGuard::mayDelete(const QUrl &location) const
 }
 
 QString OutputGuard::makeWayFor(const QUrl &output)
+{
+    const QList<QUrl> places = m_inParts.contains(output) ? partsOf(output) : QList<QUrl>{output};
+    for (const QUrl &place : places) {
+        const QString problem = setAside(place);
+        if (!problem.isNull())
+            return problem;
+    }
+    return {};
+}
+
+QString OutputGuard::setAside(const QUrl &output)
 {
     if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !hasClaimed(output))
         return {};
@@ -168,6 +239,7 @@ void OutputGuard::release()
 {
     m_registry.release(this);
     m_claimed.clear();
+    m_inParts.clear();
 }
 
 } // namespace step

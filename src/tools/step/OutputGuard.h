@@ -15,6 +15,12 @@ enum class WhenTaken {
     Replace       ///< the old file is set aside, and put back unless the job ends well
 };
 
+/// Whether a tool writes its output under that name, or numbers it in parts: "a-001.mkv", "a-002.mkv".
+enum class OutputForm { OneFile, NumberedParts };
+
+/// The parts of an output that are there, in the order of their numbers.
+QList<QUrl> partsOf(const QUrl &output);
+
 /// Keeps one job from ever harming a file: it gives names that are free, refuses outputs that are
 /// inputs, sets replaced files aside and puts them back. Owned by its job; main thread only.
 class OutputGuard final
@@ -34,7 +40,7 @@ public:
     void setInputs(const QList<QUrl> &inputs);
     bool isInput(const QUrl &location) const;
     /// A name for an output of the job, by the rule for taken names.
-    Claim claimOutput(const QUrl &wanted);
+    Claim claimOutput(const QUrl &wanted, OutputForm form = OutputForm::OneFile);
     /// A name for a log or an intermediate file: always one where nothing stands.
     QUrl claimFree(const QUrl &wanted);
     /// False for inputs and for no place at all. Logs and intermediate files have names from
@@ -60,15 +66,20 @@ private:
         QUrl place;
         QUrl aside;
     };
-    bool isFree(const QUrl &location) const;
-    QUrl nextFree(const QUrl &wanted) const;
+    bool isFree(const QUrl &location, OutputForm form) const;
+    QUrl nextFree(const QUrl &wanted, OutputForm form = OutputForm::OneFile) const;
     QString refusalFor(const QUrl &wanted) const;
+    QString refusalForTaken(const QString &path) const;
+    QString refusalForParts(const QUrl &wanted) const;
+    bool isPartOfOurs(const QUrl &location) const;
+    QString setAside(const QUrl &output);
     void take(const QUrl &location);
 
     OutputRegistry &m_registry;
     WhenTaken m_whenTaken;
     QList<QUrl> m_inputs;
     QSet<QString> m_claimed; // by canonical folder and name
+    QList<QUrl> m_inParts;   // outputs that come in numbered parts
     QList<Replaced> m_replaced;
 };
 

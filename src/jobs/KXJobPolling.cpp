@@ -1,0 +1,71 @@
+// How a job follows tools that run in the shell's background.
+#include "jobs/KXJob.h"
+
+#include <QThread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int sliceMs = 20;
+
+} // namespace
+
+/// A stop is not waited for, as it may be waiting for us.
+void KXJob::runOnMain(const std::function<void()> &work, Qt::ConnectionType how)
+{
+    if (jobIsCancelled())
+        return;
+    const auto self = shared_from_this();
+    const auto guarded = [self, work] {
+        if (!self->jobIsCancelled())
+            work();
+    };
+    if (how == Qt::QueuedConnection || QThread::currentThread() == thread()) {
+        QMetaObject::invokeMethod(this, guarded, how == Qt::QueuedConnection ? how : Qt::DirectConnection);
+        return;
+    }
+    const auto done = std::make_shared<std::atomic_bool>(false);
+    QMetaObject::invokeMethod(
+        this,
+        [guarded, done] {
+            guarded();
+            *done = true;
+        },
+        Qt::QueuedConnection);
+    while (!*done && !jobIsCancelled())
+        QThread::msleep(sliceMs);
+}
+
+jobs::ProgressList KXJob::firstProgress() const
+{
+    jobs::ProgressList first;
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        if (converter)
+            first.append({converter->stepName(), u"0%"_s});
+    }
+    return first;
+}
+
+jobs::ProgressItem KXJob::itemBefore(const jobs::ProgressList &previous, qsizetype position,
+                                     const QString &step)
+{
+    return position < previous.size() ? previous.at(position) : jobs::ProgressItem{step, u""_s};
+}
+
+void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std::function<void()> &finished)
+{
+    monitorQueue()->start([this, self = shared_from_this(), cycle, finished, previous = first]() mutable {
+        bool isFinished = false;
+        while (!isFinished && !jobIsCancelled()) {
+            jobs::ProgressList current;
+            isFinished = cycle(previous, current);
+            runOnMain([this, current] { setProgressList(current); }, Qt::BlockingQueuedConnection);
+            runOnMain([this, current] { updateProgressWithProgressList(current); }, Qt::QueuedConnection);
+            previous = current;
+            for (int waited = 0; waited < pollMilliseconds && !jobIsCancelled(); waited += sliceMs)
+                QThread::msleep(sliceMs);
+        }
+        runOnMain(finished, Qt::QueuedConnection);
+    });
+}
