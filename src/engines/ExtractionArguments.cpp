@@ -35,6 +35,13 @@ QStringList codecGroups(const KXVideoTrack &track)
 
 } // namespace
 
+QString extractionLabel(const KXVideoTrack &track)
+{
+    static const QStringList kinds{u"Video"_s, u"Audio"_s, u"Subtitle"_s};
+    return kinds.contains(track.trackType()) ? u"Extracting %1 Track"_s.arg(track.trackType())
+                                             : u"Extracting"_s;
+}
+
 QUrl extractionOutput(const QString &base, const KXVideoTrack &track)
 {
     const QString extension = track.trackCodec() == u"ttxt"_s ? u"ass"_s : track.trackExtension();

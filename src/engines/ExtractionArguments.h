@@ -8,6 +8,8 @@ class KXVideoTrack;
 
 namespace engines {
 
+/// How the step is called in the queue.
+QString extractionLabel(const KXVideoTrack &track);
 /// The output's path: "BASE.streamN.EXTENSION", with ".ass" for MP4's text subtitles.
 QUrl extractionOutput(const QString &base, const KXVideoTrack &track);
 /// A second file that the tool writes beside the output, a VobSub's ".sub"; without a path: none.

@@ -35,14 +35,12 @@ public:
     void handleConversionErrorReturnCode(int returnCode);
 
     static constexpr int mostRetries = 5;
-    static constexpr int pollMilliseconds = 500;
 
 private:
     /// One cycle of the polling monitor; true when every converter has finished.
     bool pollOnce(const jobs::ProgressList &previous, jobs::ProgressList &current);
     jobs::ProgressItem itemFor(KXConverter &converter, const QString &answer,
                                const jobs::ProgressItem *previous, bool &adds);
-    void runOnMain(const std::function<void()> &work, Qt::ConnectionType how);
 
     void prepareSubtitles(KXFfmpegConverter &converter);
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);

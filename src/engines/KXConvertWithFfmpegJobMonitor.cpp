@@ -1,14 +1,11 @@
 // The polling monitor of the conversion job, and the error alert that only it leads to.
 #include "engines/KXConvertWithFfmpegJob.h"
 
-#include <QThread>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int errorDelayMs = 100;
-constexpr int sliceMs = 20;
 
 /// Phase answers and how they are shown.
 struct Phase
@@ -26,32 +23,6 @@ constexpr Phase phases[] = {
 };
 
 } // namespace
-
-/// Runs work on the main thread; a stop is not waited for, as it may be waiting for us.
-void KXConvertWithFfmpegJob::runOnMain(const std::function<void()> &work, Qt::ConnectionType how)
-{
-    if (jobIsCancelled())
-        return;
-    const auto self = shared_from_this();
-    const auto guarded = [self, work] {
-        if (!self->jobIsCancelled())
-            work();
-    };
-    if (how == Qt::QueuedConnection || QThread::currentThread() == thread()) {
-        QMetaObject::invokeMethod(this, guarded, how == Qt::QueuedConnection ? how : Qt::DirectConnection);
-        return;
-    }
-    const auto done = std::make_shared<std::atomic_bool>(false);
-    QMetaObject::invokeMethod(
-        this,
-        [guarded, done] {
-            guarded();
-            *done = true;
-        },
-        Qt::QueuedConnection);
-    while (!*done && !jobIsCancelled())
-        QThread::msleep(sliceMs);
-}
 
 jobs::ProgressItem KXConvertWithFfmpegJob::itemFor(KXConverter &converter, const QString &answer,
                                                    const jobs::ProgressItem *previous, bool &adds)
@@ -97,24 +68,10 @@ bool KXConvertWithFfmpegJob::pollOnce(const jobs::ProgressList &previous, jobs::
 
 void KXConvertWithFfmpegJob::monitorStartJob()
 {
-    jobs::ProgressList first;
-    for (const ConverterPointer &converter : stepConverterList()) {
-        if (converter)
-            first.append({converter->stepName(), u"0%"_s});
-    }
-    monitorQueue()->start([this, self = shared_from_this(), previous = first]() mutable {
-        bool finished = false;
-        while (!finished && !jobIsCancelled()) {
-            jobs::ProgressList current;
-            finished = pollOnce(previous, current);
-            runOnMain([this, current] { setProgressList(current); }, Qt::BlockingQueuedConnection);
-            runOnMain([this, current] { updateProgressWithProgressList(current); }, Qt::QueuedConnection);
-            previous = current;
-            for (int waited = 0; waited < pollMilliseconds && !jobIsCancelled(); waited += sliceMs)
-                QThread::msleep(sliceMs);
-        }
-        runOnMain([this] { errorCheck(); }, Qt::QueuedConnection);
-    });
+    const auto cycle = [this](const jobs::ProgressList &previous, jobs::ProgressList &current) {
+        return pollOnce(previous, current);
+    };
+    poll(firstProgress(), cycle, [this] { errorCheck(); });
 }
 
 void KXConvertWithFfmpegJob::errorCheck()

@@ -1,5 +1,6 @@
 #include "engines/KXExtractTracksJob.h"
 
+#include "engines/ExtractionArguments.h"
 #include "engines/KXTrackDumper.h"
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
@@ -9,17 +10,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString monitorName = u"monitorExtractionUpdate"_s;
-
-QString labelFor(const KXVideoTrack &track)
-{
-    if (track.trackType() == u"Video"_s)
-        return u"Extracting Video Track"_s;
-    if (track.trackType() == u"Audio"_s)
-        return u"Extracting Audio Track"_s;
-    if (track.trackType() == u"Subtitle"_s)
-        return u"Extracting Subtitle Track"_s;
-    return u"Extracting"_s;
-}
 
 } // namespace
 
@@ -38,8 +28,8 @@ void KXExtractTracksJob::startJob()
     QList<ConverterPointer> converters;
     for (qsizetype index = 0; index < tracks.size(); ++index) {
         const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
-        dumper->inititializeForTrackWithStepLabelKeepingTheOutput(index, labelFor(*tracks.at(index)),
-                                                                  KXConverter::Keeping::TheOutput);
+        dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
+            index, engines::extractionLabel(*tracks.at(index)), KXConverter::Keeping::TheOutput);
         converters.append(dumper);
     }
     setStepConverterList(converters);

@@ -5,6 +5,7 @@
 #include "engines/FfmpegDevices.h"
 #include "engines/FfmpegSingleTrack.h"
 #include "engines/FfmpegSubtitles.h"
+#include "engines/OutputBase.h"
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
 #include "tools/step/OutputGuard.h"
@@ -13,18 +14,6 @@
 
 using namespace Qt::StringLiterals;
 using engines::OutputKind;
-
-namespace {
-
-/// The path without its last extension; a name that is all extension (".mkv") stays.
-QString withoutExtension(const QUrl &file)
-{
-    const QFileInfo info(file.toLocalFile());
-    const bool has = !info.suffix().isEmpty() && !info.completeBaseName().isEmpty();
-    return has ? file.toLocalFile().chopped(info.suffix().size() + 1) : file.toLocalFile();
-}
-
-} // namespace
 
 KXFfmpegConverter::KXFfmpegConverter(const step::ConverterContext &context)
     : KXConverter(context)
@@ -47,7 +36,7 @@ QUrl KXFfmpegConverter::wantedOutput() const
 {
     const OutputKind kind = engines::outputKindNamed(appName());
     const QString device = converterSelection()->theDevice();
-    const QUrl wanted = engines::outputForBase(withoutExtension(outputFileURL()), kind, device);
+    const QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device);
     if (!context().guard.isInput(wanted))
         return wanted;
     return engines::outputForBase(outputFileURL().toLocalFile(), kind, device);
@@ -56,13 +45,15 @@ QUrl KXFfmpegConverter::wantedOutput() const
 void KXFfmpegConverter::prepareNames(const QUrl &wanted)
 {
     const QUrl log = QUrl::fromLocalFile(logFileURL().toLocalFile() + u".log"_s);
-    if (!claimOutput(wanted))
+    if (isTemporaryOutput())
+        setOutputFileURL(context().guard.claimFree(wanted));
+    else if (!claimOutput(wanted))
         return;
     postConversionStarted();
     setPasslogfileString(context().temporaryFolder + u"passLog"_s);
     claimLog(log);
     setLogModifiedDateOld(QDateTime::currentDateTime());
-    setTempFileToDeleteURL(QUrl());
+    setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
     setMonitorCounter(0);
 }
 
@@ -116,7 +107,10 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
     m_startsSecondPass = true;
     m_progress.clear();
     m_lastTime.clear();
-    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
+    const auto task =
+        runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
+    m_secondPassRuns = task != nullptr;
+    return task;
 }
 
 tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
@@ -146,7 +140,7 @@ QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPoin
     const QString suffix = engines::singleTrackSuffix(track);
     // No device has a file extension of its own here, "Xbox" included.
     const OutputKind kind = engines::outputKindNamed(appName());
-    QUrl wanted = engines::outputForBase(withoutExtension(outputFileURL()) + suffix, kind, {});
+    QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()) + suffix, kind, {});
     if (context().guard.isInput(wanted))
         wanted = engines::outputForBase(outputFileURL().toLocalFile() + suffix, kind, {});
     prepareNames(wanted);

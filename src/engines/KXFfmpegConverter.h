@@ -6,6 +6,8 @@
 
 #include <QDateTime>
 
+#include <atomic>
+
 /// Turns a selection into ffmpeg's argument lists and runs them: a whole file in one pass or two, or
 /// one track into a file of its own. It follows ffmpeg's error stream and classifies the end of a run;
 /// what comes next is the job's to decide. Not final, so that a test can answer for it.
@@ -35,6 +37,7 @@ public:
     void prepSubtitleForBurning(const QUrl &subtitle);
     void handleNewTaskResult(const step::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
+    QString monitorConversion() override;
     step::Outcome outcome() const override;
     /// True when the run failed for packets without timestamps.
     bool asksForTimestamps() const;
@@ -51,6 +54,7 @@ private:
     void checkFontCache();
     void postProgress(const step::FfmpegReading &reading);
     void removeInterruptedStatistics();
+    QString wholeLog() const;
 
     step::FfmpegProgressReader m_progress;
     QString m_lastTime; ///< of the run, also while the fonts are being prepared
@@ -60,4 +64,5 @@ private:
     bool m_generatesTimestamps = false;
     bool m_isShellLine = false;
     bool m_startsSecondPass = false;
+    std::atomic_bool m_secondPassRuns = false; ///< read by a job's monitor thread
 };

@@ -5,6 +5,8 @@
 #include "engines/FfmpegSubtitles.h"
 #include "media/KXVideoTrack.h"
 
+#include <QFile>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -87,6 +89,7 @@ void KXFfmpegConverter::removeInterruptedStatistics()
 void KXFfmpegConverter::backgroundReadingCompleted()
 {
     KXConverter::backgroundReadingCompleted();
+    m_secondPassRuns = false;
     if (currentPass() == 1) {
         setOldProgress(u"00:00:00"_s);
         post(u"taskCompletion"_s, u"Pass 1 Complete"_s);
@@ -118,16 +121,35 @@ QStringList KXFfmpegConverter::namesInLog() const
     return names;
 }
 
+/// The second pass of a single track is a process of ours: the id that the first one left is history.
+QString KXFfmpegConverter::monitorConversion()
+{
+    if (currentPass() != 2 || doShell_ID().isEmpty())
+        return KXConverter::monitorConversion();
+    if (!m_secondPassRuns)
+        return u"Complete"_s;
+    return QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+/// Everything that the run printed: that of a background line stands in its log.
+QString KXFfmpegConverter::wholeLog() const
+{
+    if (doShell_ID().isEmpty() || converterTask())
+        return logString();
+    QFile file(logFileURL().toLocalFile());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
 step::Outcome KXFfmpegConverter::outcome() const
 {
     if (!refusal().isNull())
         return step::Outcome::failed(refusal());
     engines::FfmpegRun run;
-    run.log = logString();
+    run.log = wholeLog();
     run.files = namesInLog();
     run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
-    run.hasVideo = converterSelection() && hasVideo(*converterSelection());
+    run.hasVideo = converterSelection() && hasVideo(*converterSelection()) && doShell_ID().isEmpty();
     step::Outcome ended = outcomeOfTool();
     // The mark counts words anywhere in the log, also in names and titles, so it is looked at again.
     if (ended.verdict != step::Verdict::Failed && run.hasVideo && conversionError() &&

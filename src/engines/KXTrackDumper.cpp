@@ -41,6 +41,8 @@ bool KXTrackDumper::prepare(const QString &base, Naming naming)
         refuse(u"%1 exists already, so nothing was started."_s.arg(companion.toLocalFile()));
         return false;
     }
+    if (!isEmpty(companion))
+        context().guard.claimFree(companion); // ours from here on
     claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
     setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
     return true;
@@ -122,8 +124,25 @@ void KXTrackDumper::handleNewTaskResult(const step::ReadEvent &event)
         findDurationInSeconds();
     if (!reading.time.isNull())
         setOldProgress(reading.time);
-    post(u"monitorExtractionUpdate"_s,
-         QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds())));
+    const QString text =
+        QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
+    post(u"monitorExtractionUpdate"_s, text);
+    if (converterSelection()->jobType() == u"Send To Lintwick"_s)
+        post(u"monitorSendToLintwickUpdate"_s, text);
+}
+
+/// A VobSub is two files.
+QList<QUrl> KXTrackDumper::outputFiles() const
+{
+    const KXVideoTrack *source = converterSelection() ? track() : nullptr;
+    const QUrl companion =
+        source != nullptr ? engines::extractionCompanion(outputFileURL(), *source) : QUrl();
+    return isEmpty(companion) ? QList<QUrl>{outputFileURL()} : QList<QUrl>{outputFileURL(), companion};
+}
+
+QList<QUrl> KXTrackDumper::temporaryFiles() const
+{
+    return isEmpty(tempFileToDeleteURL()) ? QList<QUrl>() : outputFiles();
 }
 
 void KXTrackDumper::backgroundReadingCompleted()
@@ -142,11 +161,6 @@ QString KXTrackDumper::monitorConversion()
         return pollMkvextract();
     const QString line = lastLogLine();
     return isStringInteger(line) ? u"%1%"_s.arg(tools::leadingInteger(line)) : u"error"_s;
-}
-
-QString KXTrackDumper::lastLogLine() const
-{
-    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s});
 }
 
 QString KXTrackDumper::pollFfmpeg()

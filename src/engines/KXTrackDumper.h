@@ -26,6 +26,8 @@ public:
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
     step::Outcome outcome() const override;
+    QList<QUrl> outputFiles() const override;
+    QList<QUrl> temporaryFiles() const override;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
@@ -38,7 +40,6 @@ private:
     tools::ToolProcessPointer start();
     QString pollFfmpeg();
     QString pollMkvextract();
-    QString lastLogLine() const;
     step::Outcome outcomeBeside(const step::Outcome &ended, const KXVideoTrack &source) const;
 
     step::FfmpegProgressReader m_progress;

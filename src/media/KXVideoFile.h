@@ -113,6 +113,13 @@ public:
     /// "track not identified" or "not a video"; anything but "OK" leaves the track list as it was.
     QString addTrack(const QUrl &url);
 
+    /// The probe marks no track as default or forced; this takes over how the source marks its own.
+    void takeFlagsOfSource() const;
+
+    /// Whether an MKV file uses header-removal compression, which some players can't read. What the answer
+    /// leads to, and headerRemovalFlag(), is the caller's business.
+    bool checkForHeaderRemovalFor(const QUrl &url) const;
+
     /// A file with the same values of propertiesKeysList() and the same tracks.
     VideoFilePointer copy() const;
     /// Takes the same over from another file.

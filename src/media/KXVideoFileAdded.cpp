@@ -130,6 +130,27 @@ QString KXVideoFile::addTrack(const QUrl &url)
     return u"OK"_s;
 }
 
+void KXVideoFile::takeFlagsOfSource() const
+{
+    for (const QVariant &value : ffprobeResultsDictionaryArray()) {
+        const QVariantMap stream = value.toMap();
+        const QVariantMap flags = stream.value(u"disposition"_s).toMap();
+        for (const TrackPointer &track : trackList()) {
+            if (track->externalTrackFlag() || track->trackFfmpegID() != media::textIn(stream, u"index"_s))
+                continue;
+            track->setTrackDefaultFlag(media::textIn(flags, u"default"_s) == u"1"_s);
+            track->setTrackForcedFlag(media::textIn(flags, u"forced"_s) == u"1"_s);
+        }
+    }
+}
+
+bool KXVideoFile::checkForHeaderRemovalFor(const QUrl &url) const
+{
+    if (places() == nullptr || !media::isRegularFile(url))
+        return false;
+    return doShellScriptForWithOptions(urlOfApp(u"mkvinfo"_s), {url}).contains(u"header removal"_s);
+}
+
 void KXVideoFile::countTracksAnew()
 {
     int videos = 0;

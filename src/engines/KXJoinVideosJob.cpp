@@ -1,0 +1,42 @@
+#include "engines/KXJoinVideosJob.h"
+
+#include "engines/JoinArguments.h"
+#include "engines/KXVideoJoiner.h"
+#include "prefs/KXPreferences.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString monitorName = u"monitorJoinUpdate"_s;
+
+} // namespace
+
+KXJoinVideosJob::KXJoinVideosJob(const jobs::JobContext &context)
+    : KXJob(context)
+{
+    observe(monitorName);
+}
+
+void KXJoinVideosJob::startJob()
+{
+    const auto self = shared_from_this(); // looking at the files serves timers, and our row may go
+    const auto joiner = std::make_shared<KXVideoJoiner>(converterContext());
+    joiner->setStepName(u"Joining Videos"_s);
+    joiner->setStopFlag(cancelFlag());
+    joiner->setJoinerName(
+        engines::joinerFor(jobSelection()->editFilesURLsList(), fileExistsAtURL(urlOfApp(u"mp4box"_s))));
+    startSingleStep(joiner, [&] {
+        return joiner->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
+                                                                       appPreferences().saveDirectoryURL());
+    });
+    if (jobIsCancelled() || progressList().isEmpty() || progressList().constFirst().isComplete())
+        return;
+    setProgressList({{u"Joining Videos"_s, u"Joining"_s}}); // a word until the first number comes
+    postProgress(progressList());
+}
+
+void KXJoinVideosJob::monitorNotifications(const KXNotification &notification)
+{
+    followNotification(notification, monitorName);
+}

@@ -1,0 +1,183 @@
+#include "engines/KXVideoJoiner.h"
+
+#include "engines/FfmpegOutcome.h"
+#include "engines/JoinArguments.h"
+#include "engines/JoinCheck.h"
+#include "engines/MkvArguments.h"
+#include "engines/OutputBase.h"
+#include "prefs/KXPreferences.h"
+#include "tools/Numbers.h"
+#include "tools/step/ToolLog.h"
+
+#include <QRegularExpression>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool writeWhole(const QString &path, const QString &text)
+{
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit();
+}
+
+} // namespace
+
+KXVideoJoiner::KXVideoJoiner(const step::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"videoJoiner"_s);
+    setIsTemporaryOutput(false);
+    setMonitorCounter(0);
+}
+
+QStringList KXVideoJoiner::findMismatchedProperetiesFor(const QList<QUrl> &files)
+{
+    return engines::mismatchedProperties(engines::probedForJoining(files, appPreferences(), stopFlag()));
+}
+
+tools::ToolProcessPointer
+KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                               const QUrl &folder)
+{
+    setConverterSelection(selection);
+    const QList<QUrl> files = selection->editFilesURLsList();
+    if (files.isEmpty()) {
+        refuse(u"There are no files to join."_s);
+        return nullptr;
+    }
+    setInputFileURL(files.constFirst());
+    const QStringList mismatched = findMismatchedProperetiesFor(files);
+    if (isStopped())
+        return nullptr;
+    if (!mismatched.isEmpty())
+        warn(engines::mismatchAlert(mismatched));
+    setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
+    setTempFileToDeleteURL(QUrl());
+    const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
+    if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
+        return nullptr;
+    claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
+    return start(files);
+}
+
+tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
+{
+    m_mkvProgress.clear();
+    m_ffmpegProgress.clear();
+    if (joinerName() == u"ffmpeg"_s)
+        return startConcat(files);
+    tools::OptionList list;
+    if (joinerName() == u"mkvmerge"_s) {
+        list = engines::joinArguments(files, outputFileURL());
+    } else if (joinerName() == u"mp4box"_s) {
+        list = engines::mp4boxJoinArguments(files, saveDirectoryURL(), outputFileURL());
+    } else {
+        refuse(u"There is no tool \"%1\" to join with, so nothing was started."_s.arg(joinerName()));
+        return nullptr;
+    }
+    postConversionStarted();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(joinerName()), list, ShouldWait::No);
+}
+
+tools::ToolProcessPointer KXVideoJoiner::startConcat(const QList<QUrl> &files)
+{
+    const QUrl listFile = QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
+    if (!context().launcher.isRehearsal() &&
+        !writeWhole(listFile.toLocalFile(), engines::concatListLaunched(files))) {
+        refuse(u"The list of files to join can't be written to %1."_s.arg(listFile.toLocalFile()));
+        return nullptr;
+    }
+    postConversionStarted();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(
+        urlOfApp(u"ffmpeg"_s), engines::concatArguments(listFile, outputFileURL()), ShouldWait::No);
+}
+
+tools::OptionList KXVideoJoiner::launchForm(const tools::OptionList &meant)
+{
+    return joinerName() == u"ffmpeg"_s ? engines::concatLaunchForm(meant) : meant;
+}
+
+/// Seconds of all files together: ffmpeg tells none for its list.
+QString KXVideoJoiner::ffmpegPercentage(const QByteArray &bytes)
+{
+    const step::FfmpegReading reading = m_ffmpegProgress.feed(bytes);
+    if (reading.time.isNull())
+        return {};
+    if (m_wholeSeconds == 0) {
+        const QUrl first = inputFileURL();
+        for (const QUrl &file : converterSelection()->editFilesURLsList()) {
+            setInputFileURL(file);
+            findDurationInSeconds();
+            m_wholeSeconds += tools::leadingInteger(durationInSeconds());
+        }
+        setInputFileURL(first);
+    }
+    setOldProgress(reading.time);
+    return QString::number(step::percentOfDuration(reading.time, QString::number(m_wholeSeconds)));
+}
+
+/// "Appending: |==  | (10/100)"
+QString KXVideoJoiner::mp4boxPercentage() const
+{
+    static const QRegularExpression share(u"\\(([0-9]+)/([0-9]+)\\)"_s);
+    QString last;
+    for (auto matches = share.globalMatch(monitorOutputString()); matches.hasNext();) {
+        const auto match = matches.next();
+        last =
+            QString::number(tools::percentOf(match.captured(1).toLongLong(), match.captured(2).toLongLong()));
+    }
+    return last;
+}
+
+QString KXVideoJoiner::percentageIn(const step::ReadEvent &event)
+{
+    if (joinerName() == u"mkvmerge"_s)
+        return m_mkvProgress.feed(event.data);
+    const bool isError = event.channel == tools::ToolProcess::Channel::Error;
+    if (joinerName() == u"ffmpeg"_s)
+        return isError ? ffmpegPercentage(event.data) : QString();
+    return mp4boxPercentage();
+}
+
+void KXVideoJoiner::handleNewTaskResult(const step::ReadEvent &event)
+{
+    KXConverter::handleNewTaskResult(event);
+    const QString number = percentageIn(event);
+    if (!number.isNull())
+        post(u"monitorJoinUpdate"_s, number + u'%');
+}
+
+void KXVideoJoiner::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    post(u"taskCompletion"_s, u"Complete"_s);
+}
+
+/// The concat reader leaves out a file that it can't open, and ends well all the same.
+step::Outcome KXVideoJoiner::outcomeOfConcat(const step::Outcome &ended) const
+{
+    const QString missing = step::ToolLog(logString()).firstLineContaining({u"Impossible to open"_s});
+    if (!missing.isNull())
+        return step::Outcome::failed(
+            u"A file could not be opened, so it is not in the output: %1."_s.arg(missing));
+    engines::FfmpegRun run;
+    run.log = logString();
+    for (const QUrl &file : converterSelection()->editFilesURLsList())
+        run.files.append(file.toLocalFile());
+    run.files.append(outputFileURL().toLocalFile());
+    run.lastTime = oldProgress();
+    run.durationInSeconds = m_wholeSeconds > 0 ? QString::number(m_wholeSeconds) : QString();
+    run.hasVideo = true;
+    const step::Outcome said = engines::outcomeOfMessages(run);
+    if (said.verdict == step::Verdict::Failed)
+        return said; // tells why, whatever the exit status is
+    return ended.verdict == step::Verdict::Failed ? ended : ended.joinedWith(said);
+}
+
+step::Outcome KXVideoJoiner::outcome() const
+{
+    const step::Outcome ended = KXConverter::outcome();
+    return joinerName() == u"ffmpeg"_s && refusal().isNull() ? outcomeOfConcat(ended) : ended;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "tools/step/FfmpegProgress.h"
+#include "tools/step/KXConverter.h"
+#include "tools/step/MkvProgress.h"
+
+/// Appends several files to one with mkvmerge, with ffmpeg's concat reader or with mp4box, and warns when
+/// they differ in what a join needs to be alike. Runs one tool once.
+class KXVideoJoiner final : public KXConverter
+{
+    Q_OBJECT
+    /// "mkvmerge", "ffmpeg" or "mp4box".
+    KX_FIELD(QString, joinerName, setJoinerName, QStringLiteral("mkvmerge"))
+
+public:
+    explicit KXVideoJoiner(const step::ConverterContext &context);
+
+    tools::ToolProcessPointer
+    startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                    const QUrl &folder) override;
+    /// What differs; the misspelling is meant.
+    QStringList findMismatchedProperetiesFor(const QList<QUrl> &files);
+    void handleNewTaskResult(const step::ReadEvent &event) override;
+    void backgroundReadingCompleted() override;
+    step::Outcome outcome() const override;
+
+protected:
+    tools::OptionList launchForm(const tools::OptionList &meant) override;
+
+private:
+    tools::ToolProcessPointer start(const QList<QUrl> &files);
+    tools::ToolProcessPointer startConcat(const QList<QUrl> &files);
+    QString percentageIn(const step::ReadEvent &event);
+    QString ffmpegPercentage(const QByteArray &bytes);
+    QString mp4boxPercentage() const;
+    step::Outcome outcomeOfConcat(const step::Outcome &ended) const;
+
+    step::MkvProgressReader m_mkvProgress;
+    step::FfmpegProgressReader m_ffmpegProgress;
+    qint64 m_wholeSeconds = 0; ///< of all files together
+};
