@@ -30,6 +30,9 @@ const QList<OptionSpec> &allOptions()
         {u"track-preset"_s, u"NAME"_s, u"Let this preset choose the tracks."_s},
         {u"settings-preset"_s, u"NAME"_s,
          u"Let this preset choose the settings; what is given by hand wins."_s},
+        {u"time"_s, u"START-END"_s, u"Take this stretch, as HH:MM:SS-HH:MM:SS."_s},
+        {u"size"_s, u"MB"_s, u"Parts of at most so many megabytes."_s},
+        {u"duration"_s, u"HH:MM:SS"_s, u"Parts of this length."_s},
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until all went well."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, and run none of them."_s},
     };

@@ -3,10 +3,15 @@
 #include "cli/ConvertCommand.h"
 #include "cli/ExtractCommand.h"
 #include "cli/Help.h"
+#include "cli/JoinCommand.h"
 #include "cli/PrefsCommand.h"
 #include "cli/PresetsCommand.h"
 #include "cli/ProbeCommand.h"
+#include "cli/RemoveCommand.h"
+#include "cli/RemuxCommand.h"
+#include "cli/SendCommand.h"
 #include "cli/Session.h"
+#include "cli/SplitCommand.h"
 #include "cli/ToolsCommand.h"
 
 using namespace Qt::StringLiterals;
@@ -36,6 +41,11 @@ const std::vector<std::unique_ptr<Command>> &allCommands()
         list.push_back(std::make_unique<ProbeCommand>());
         list.push_back(std::make_unique<ConvertCommand>());
         list.push_back(std::make_unique<ExtractCommand>());
+        list.push_back(std::make_unique<JoinCommand>());
+        list.push_back(std::make_unique<SplitCommand>());
+        list.push_back(std::make_unique<RemuxCommand>());
+        list.push_back(std::make_unique<RemoveCommand>());
+        list.push_back(std::make_unique<SendCommand>());
         list.push_back(std::make_unique<PresetsCommand>());
         list.push_back(std::make_unique<PrefsCommand>());
         list.push_back(std::make_unique<ToolsCommand>());

@@ -1,5 +1,6 @@
 #include "cli/JobRun.h"
 
+#include "cli/FileJobs.h"
 #include "cli/Session.h"
 
 #include <QEventLoop>
@@ -78,9 +79,10 @@ JobRun::~JobRun()
 bool JobRun::add(const SelectionPointer &selection)
 {
     // A job gives its inputs free when it ends; what was named here stays safe from those behind it.
-    m_session.program().outputs().add(this, selection->videoTrackFileURL());
+    for (const QUrl &input : QList<QUrl>{selection->videoTrackFileURL()} + selection->editFilesURLsList())
+        m_session.program().outputs().add(this, input);
     const qsizetype before = m_queue.qJobList().size();
-    m_queue.addToQueue(selection);
+    enqueue(m_queue, selection);
     for (qsizetype row = before; row < m_queue.qJobList().size(); ++row) {
         const JobPointer job = m_queue.qJobList().at(row);
         m_jobs.append(job);

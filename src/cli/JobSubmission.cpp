@@ -24,27 +24,34 @@ QString folderProblem(Session &session, const KXSelection &selection)
            "Either move the file, change the save location, or edit the permissions for the output folder."_s;
 }
 
-QList<SelectionPointer> makeSelections(Session &session, const SelectionMaker &makeSelection,
-                                       ExitStatus &worst)
+QList<SelectionPointer> makeEachSelection(Session &session, const SelectionMaker &makeSelection,
+                                          ExitStatus &worst)
 {
     QList<SelectionPointer> selections;
     for (const QString &argument : session.line().arguments()) {
         ExitStatus status = ExitStatus::AllWell;
-        SelectionPointer selection = makeSelection(absolutePath(argument), status);
+        const SelectionPointer selection = makeSelection(absolutePath(argument), status);
         if (session.isInterrupted())
             return {};
-        if (selection) {
-            const QString problem = folderProblem(session, *selection);
-            if (!problem.isNull()) {
-                status = session.failed(u"%1: %2"_s.arg(selection->videoTrackFilePath(), problem));
-                selection.reset();
-            }
-        }
         if (selection)
             selections.append(selection);
         worst = worse(worst, status);
     }
     return selections;
+}
+
+QList<SelectionPointer> withWritableFolders(Session &session, const QList<SelectionPointer> &selections,
+                                            ExitStatus &worst)
+{
+    QList<SelectionPointer> writable;
+    for (const SelectionPointer &selection : selections) {
+        const QString problem = folderProblem(session, *selection);
+        if (problem.isNull())
+            writable.append(selection);
+        else
+            worst = worse(worst, session.failed(u"%1: %2"_s.arg(selection->videoTrackFilePath(), problem)));
+    }
+    return writable;
 }
 
 ExitStatus runAll(Session &session, const QList<SelectionPointer> &selections)
@@ -67,15 +74,21 @@ ExitStatus submitEachFile(Session &session, const SelectionMaker &makeSelection)
     if (session.line().arguments().isEmpty())
         return session.wrongUsage(
             u"No file was named. See tessaray-cli %1 --help."_s.arg(session.line().command()));
+    return submit(session,
+                  [&](ExitStatus &worst) { return makeEachSelection(session, makeSelection, worst); });
+}
+
+ExitStatus submit(Session &session, const SelectionsMaker &makeSelections)
+{
     const QString problem = session.saveFolderProblem();
     if (!problem.isNull())
         return session.failed(problem);
     ExitStatus worst = ExitStatus::AllWell;
-    const QList<SelectionPointer> selections = makeSelections(session, makeSelection, worst);
+    const QList<SelectionPointer> selections = withWritableFolders(session, makeSelections(worst), worst);
     if (worst == ExitStatus::WrongUsage || session.isInterrupted())
         return worst;
     RehearsalRun rehearsal(session);
-    const QString clash = rehearsal.clash(selections);
+    const QString clash = selections.size() > 1 ? rehearsal.clash(selections) : QString();
     if (!clash.isNull())
         return session.wrongUsage(clash);
     if (session.line().has(u"dry-run"_s))

@@ -17,4 +17,10 @@ using SelectionMaker = std::function<SelectionPointer(const QString &path, ExitS
 /// printed). A wrong command line stops everything; a file that fails lets the others go on.
 ExitStatus submitEachFile(Session &session, const SelectionMaker &makeSelection);
 
+/// Makes all selections of a command at once.
+using SelectionsMaker = std::function<QList<SelectionPointer>(ExitStatus &worst)>;
+
+/// The same way for selections that are not one per file.
+ExitStatus submit(Session &session, const SelectionsMaker &makeSelections);
+
 } // namespace cli

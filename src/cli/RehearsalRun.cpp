@@ -1,5 +1,6 @@
 #include "cli/RehearsalRun.h"
 
+#include "cli/FileJobs.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
 #include "tools/step/Rehearsal.h"
@@ -95,7 +96,7 @@ bool RehearsalRun::print(const QList<SelectionPointer> &selections)
 {
     Stage stage(m_session);
     for (const SelectionPointer &selection : selections)
-        stage.queue.addToQueue(selection);
+        enqueue(stage.queue, selection);
     bool allStart = true;
     int number = 0;
     for (const JobPointer &job : stage.queue.qJobList()) {
@@ -119,7 +120,7 @@ QString RehearsalRun::clash(const QList<SelectionPointer> &selections)
 {
     Stage stage(m_session);
     for (const SelectionPointer &selection : selections)
-        stage.queue.addToQueue(selection);
+        enqueue(stage.queue, selection);
     QHash<QString, JobPointer> owners;
     for (const JobPointer &job : stage.queue.qJobList()) {
         job->startJob();

@@ -173,8 +173,9 @@ private Q_SLOTS:
             QTest::newRow(name) << false << true;
         for (const auto &name : {"save-dir", "defaults"})
             QTest::newRow(name) << true << true;
-        for (const auto &name : {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio",
-                                 "subtitles", "add", "track-preset", "settings-preset"})
+        for (const auto &name :
+             {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles", "add",
+              "track-preset", "settings-preset", "time", "size", "duration"})
             QTest::newRow(name) << true << false;
         for (const auto &name : {"force", "dry-run"})
             QTest::newRow(name) << false << false;
@@ -197,7 +198,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 11 + 2); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 14 + 2); }
 };
 
 QTEST_GUILESS_MAIN(CommandLineTest)

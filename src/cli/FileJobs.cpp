@@ -1,0 +1,47 @@
+#include "cli/FileJobs.h"
+
+#include "jobs/KXQueueController.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+SelectionPointer selectionOfFiles(const QStringList &paths, const QString &jobType)
+{
+    const auto selection = std::make_shared<KXSelection>();
+    selection->initialize();
+    const QFileInfo first(paths.value(0));
+    selection->setVideoTrackFilePath(paths.value(0));
+    selection->setVideoTrackFileURL(QUrl::fromLocalFile(paths.value(0)));
+    selection->setVideoTrackFileName(first.fileName());
+    selection->setVideoTrackFileShortName(first.completeBaseName());
+    selection->setVideoTrackFileExtension(first.suffix());
+    QList<QUrl> files;
+    for (const QString &path : paths)
+        files.append(QUrl::fromLocalFile(path));
+    selection->setEditFilesURLsList(files);
+    selection->setJobType(jobType);
+    return selection;
+}
+
+QString problemWithFile(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return u"There is no such file."_s;
+    if (!info.isFile())
+        return u"It is no ordinary file."_s;
+    return info.isReadable() ? QString() : u"It can't be read."_s;
+}
+
+void enqueue(KXQueueController &queue, const SelectionPointer &selection)
+{
+    if (selection->jobType() == u"MKV Track Removal"_s)
+        queue.addJob(selection, u"KXEditMkvJob"_s);
+    else
+        queue.addToQueue(selection);
+}
+
+} // namespace cli

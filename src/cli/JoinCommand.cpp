@@ -1,0 +1,32 @@
+#include "cli/JoinCommand.h"
+
+#include "cli/FileJobs.h"
+#include "cli/JobSubmission.h"
+#include "cli/Session.h"
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+QStringList JoinCommand::options() const
+{
+    return {u"force"_s, u"dry-run"_s};
+}
+
+ExitStatus JoinCommand::execute(Session &session) const
+{
+    if (session.line().arguments().size() < 2)
+        return session.wrongUsage(u"A join needs at least two files. See tessaray-cli join --help."_s);
+    QStringList paths;
+    for (const QString &argument : session.line().arguments()) {
+        paths.append(absolutePath(argument));
+        const QString problem = problemWithFile(paths.constLast());
+        if (!problem.isNull())
+            return session.failed(u"%1: %2"_s.arg(paths.constLast(), problem));
+    }
+    return submit(session, [&](ExitStatus &) {
+        return QList<SelectionPointer>{selectionOfFiles(paths, u"MKV Joining"_s)};
+    });
+}
+
+} // namespace cli

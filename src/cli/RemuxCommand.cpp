@@ -1,0 +1,27 @@
+#include "cli/RemuxCommand.h"
+
+#include "cli/FileJobs.h"
+#include "cli/JobSubmission.h"
+#include "cli/Session.h"
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+QStringList RemuxCommand::options() const
+{
+    return {u"force"_s, u"dry-run"_s};
+}
+
+ExitStatus RemuxCommand::execute(Session &session) const
+{
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
+        const QString problem = problemWithFile(path);
+        if (problem.isNull())
+            return selectionOfFiles({path}, u"MKV Remux"_s);
+        status = session.failed(u"%1: %2"_s.arg(path, problem));
+        return nullptr;
+    });
+}
+
+} // namespace cli

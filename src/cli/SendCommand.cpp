@@ -1,0 +1,31 @@
+#include "cli/SendCommand.h"
+
+#include "cli/FileSelection.h"
+#include "cli/JobSubmission.h"
+#include "cli/Session.h"
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+QStringList SendCommand::options() const
+{
+    return {u"force"_s, u"dry-run"_s};
+}
+
+ExitStatus SendCommand::execute(Session &session) const
+{
+    if (session.line().arguments().size() != 1)
+        return session.wrongUsage(u"One file is sent at a time. See tessaray-cli send --help."_s);
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
+        const FileSelection file = selectFile(session, path, {});
+        if (!file.selection) {
+            status = session.failed(u"%1: %2"_s.arg(path, file.problem));
+            return nullptr;
+        }
+        file.selection->setJobType(u"Send To Lintwick"_s);
+        return file.selection;
+    });
+}
+
+} // namespace cli
