@@ -120,9 +120,10 @@ void KXMkvEditor::handleNewTaskResult(const step::ReadEvent &event)
     KXConverter::handleNewTaskResult(event);
     if (event.channel != tools::ToolProcess::Channel::Error)
         return;
-    const QStringList lines = m_errorLines.feed(event.data) + QStringList{m_errorLines.rest()};
+    QStringList lines = m_errorLines.feed(event.data);
+    lines.append(m_errorLines.rest());
     QString last;
-    for (const QString &line : lines) {
+    for (const QString &line : std::as_const(lines)) {
         const QString piece = line.section(u": "_s, -1).trimmed();
         if (piece.contains(u'%'))
             last = piece;

@@ -127,7 +127,7 @@ void KXTrackDumper::handleNewTaskResult(const step::ReadEvent &event)
     const QString text =
         QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
     post(u"monitorExtractionUpdate"_s, text);
-    if (converterSelection()->jobType() == u"Send To Lintwick"_s)
+    if (converterSelection() && converterSelection()->jobType() == u"Send To Lintwick"_s)
         post(u"monitorSendToLintwickUpdate"_s, text);
 }
 

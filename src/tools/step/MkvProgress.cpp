@@ -21,9 +21,10 @@ QString percentageOf(const QString &line)
 
 QString MkvProgressReader::feed(const QByteArray &chunk)
 {
-    const QStringList lines = m_lines.feed(chunk) + QStringList{m_lines.rest()};
+    QStringList lines = m_lines.feed(chunk);
+    lines.append(m_lines.rest());
     QString last;
-    for (const QString &line : lines) {
+    for (const QString &line : std::as_const(lines)) {
         const QString percentage = percentageOf(line);
         if (!percentage.isNull())
             last = percentage;

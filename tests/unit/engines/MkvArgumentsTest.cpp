@@ -1,0 +1,208 @@
+// What mkvmerge is told, list by list.
+#include "engines/MkvArguments.h"
+#include "engines/MkvTrackNumbers.h"
+#include "support/HandMade.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::words;
+using tools::OptionList;
+
+namespace {
+
+const QUrl output = QUrl::fromLocalFile(u"/v/out.mkv"_s);
+const QUrl logFile = QUrl::fromLocalFile(u"/v/out.log"_s);
+
+/// A track as it is right before a mux.
+TrackPointer muxed(const TrackPointer &track, const QString &id, const QString &title = u""_s)
+{
+    track->setTrackMkvmergeID(id);
+    track->setTrackTitle(title);
+    track->initializeForMuxing();
+    track->setTrackMkvmergeID(id);
+    return track;
+}
+
+QString shown(const OptionList &list)
+{
+    QStringList texts;
+    for (const tools::OptionItem &item : list)
+        texts.append(item.text());
+    return texts.join(u'|');
+}
+
+SelectionPointer splitting(const QString &type)
+{
+    const auto selection = std::make_shared<KXSelection>();
+    selection->initialize();
+    selection->setSplitType(type);
+    selection->initializeSplitForStartTimeAndEndTime(u"00:10:00"_s, u"00:20:00"_s);
+    selection->initializeSplitDurationForTimeText(u"00:01:30"_s);
+    selection->setSplitSize(u"700"_s);
+    return selection;
+}
+
+} // namespace
+
+class MkvArgumentsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aMuxOfTwoFiles()
+    {
+        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
+        video->setTrackDefaultFlag(true);
+        const TrackPointer audio =
+            muxed(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), u"1"_s, u"it's"_s);
+        audio->setMuxingTrackLanguage(u"German"_s);
+        audio->setTrackForcedFlag(true);
+        const TrackPointer added = muxed(
+            support::external(support::subtitleTrack(u"0"_s, u"srt"_s), u"/v/s.srt"_s), u"0"_s, u"a b"_s);
+        QCOMPARE(
+            shown(engines::muxShellItems({video, audio, added}, output, logFile)),
+            u"-o|/v/out.mkv|--language 0:eng|--track-name 0:''|--default-track 0:1|--forced-track 0:0|"
+            "--compression 0:none|--language 1:deu|--track-name 1:'it\\'s'|--default-track 1:0|"
+            "--forced-track 1:1|--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'|--language 0:eng|"
+            "--track-name 0:'a b'|--default-track 0:0|--forced-track 0:0|--compression 0:none|-D|-A|-s 0|"
+            "'/v/s.srt'|&>|/v/out.log|& echo $!"_s);
+    }
+
+    void tracksAreListedFileByFileInTheirOrder()
+    {
+        const TrackPointer sub = muxed(support::subtitleTrack(u"3"_s, u"srt"_s), u"3"_s);
+        const TrackPointer added = muxed(
+            support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"0"_s);
+        const TrackPointer one = muxed(support::audioTrack(u"1"_s, u"aac"_s, u"2"_s, {}), u"1"_s);
+        const TrackPointer two = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
+        const QString list = shown(engines::muxShellItems({sub, added, one, two}, output, logFile));
+        QVERIFY2(list.contains(u"|-D|-a 1,2|-s 3|'/v/a.mkv'|"_s), qPrintable(list));
+        QVERIFY2(list.contains(u"|-D|-a 0|-S|'/v/b.ac3'|&>"_s), qPrintable(list));
+        QVERIFY(list.indexOf(u"'/v/a.mkv'"_s) < list.indexOf(u"'/v/b.ac3'"_s));
+    }
+
+    void aTrackWithoutANumberIsLeftOut_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::newRow("absent") << QString();
+        QTest::newRow("empty") << u""_s;
+        QTest::newRow("no number") << u"1; touch x"_s;
+    }
+
+    void aTrackWithoutANumberIsLeftOut()
+    {
+        QFETCH(QString, id);
+        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
+        const TrackPointer audio = muxed(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), id);
+        const QString list = shown(engines::muxShellItems({video, audio}, output, logFile));
+        QVERIFY2(list.contains(u"|-d 0|-A|-S|'/v/a.mkv'|"_s), qPrintable(list));
+        QCOMPARE(list.count(u"--language"_s), 1);
+    }
+
+    void anotherTypeHasItsOptionsAndStandsInNoList()
+    {
+        const TrackPointer odd = muxed(support::videoTrack(), u"4"_s);
+        odd->setMuxingTrackType(u"Button"_s);
+        const QString list = shown(engines::muxShellItems({odd}, output, logFile));
+        QVERIFY2(list.contains(u"--compression 4:none|-D|-A|-S|'/v/a.mkv'"_s), qPrintable(list));
+    }
+
+    void joins()
+    {
+        const QList<QUrl> files{QUrl::fromLocalFile(u"/v/1.mkv"_s), QUrl::fromLocalFile(u"/v/2 b.mkv"_s),
+                                QUrl::fromLocalFile(u"/v/3.mkv"_s)};
+        QCOMPARE(shown(engines::joinArguments(files, output)),
+                 u"-o|/v/out.mkv|/v/1.mkv|+|/v/2 b.mkv|+|/v/3.mkv"_s);
+        QCOMPARE(shown(engines::joinShellItems(files, output, logFile)),
+                 u"-o|/v/out.mkv|/v/1.mkv|+'/v/2 b.mkv'|+'/v/3.mkv'|&>|/v/out.log|& echo $!"_s);
+    }
+
+    void splits_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<QString>("item");
+        QTest::newRow("time") << u"time"_s << u"parts:00:10:00-00:20:00"_s
+                              << u"--split parts:00:10:00-00:20:00"_s;
+        QTest::newRow("size") << u"size"_s << u"700000k"_s << u"--split  700000k"_s; // two blanks: meant
+        QTest::newRow("duration") << u"duration"_s << u"90s"_s << u"--split 90s"_s;
+    }
+
+    void splits()
+    {
+        QFETCH(QString, type);
+        QFETCH(QString, word);
+        QFETCH(QString, item);
+        const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
+        QCOMPARE(engines::splitWord(*splitting(type)), word);
+        QCOMPARE(shown(engines::splitArguments(word, input, output)),
+                 u"-o|/v/out.mkv|--split|"_s + word + u"|--compression|-1:none|/v/a.mkv"_s);
+        QCOMPARE(shown(engines::splitShellItems(*splitting(type), input, output, logFile)),
+                 u"-o|/v/out.mkv|"_s + item + u"|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
+    }
+
+    void anUnknownSplitTypeHasNoWord()
+    {
+        for (const QString &type : {u"none"_s, u""_s, u"Time"_s})
+            QVERIFY(engines::splitWord(*splitting(type)).isNull());
+    }
+
+    void sizesAreMegabytes()
+    {
+        const SelectionPointer selection = splitting(u"size"_s);
+        selection->setSplitSize(u"0.25"_s);
+        QCOMPARE(engines::splitWord(*selection), u"250k"_s);
+        selection->setSplitSize(u"1"_s);
+        QCOMPARE(engines::splitWord(*selection), u"1000k"_s);
+    }
+
+    void remuxes()
+    {
+        const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
+        QCOMPARE(shown(engines::remuxArguments(input, output)),
+                 u"-o|/v/out.mkv|--compression|-1:none|/v/a.mkv"_s);
+        QCOMPARE(shown(engines::remuxShellItems(input, output, logFile)),
+                 u"-o|/v/out.mkv|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
+    }
+
+    void mkvmergesOwnNumbersAreLaunched()
+    {
+        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
+        const TrackPointer audio = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
+        const TrackPointer added = muxed(
+            support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"2"_s);
+        const OptionList meant = engines::muxShellItems({video, audio, added}, output, logFile);
+        const QString json =
+            u"{\"tracks\": [{\"id\": 0, \"type\": \"video\"}, {\"id\": 1, \"type\": \"audio\"}]}"_s;
+        const engines::TrackNumbers numbers = engines::trackNumbersIn(json, {video, audio});
+        QCOMPARE(numbers, engines::TrackNumbers({{u"2"_s, u"1"_s}}));
+        const QString list = shown(engines::withTrackNumbers(meant, {{u"/v/a.mkv"_s, numbers}}));
+        QVERIFY2(list.contains(u"--language 1:eng|--track-name 1:''|--default-track 1:0|--forced-track 1:0|"
+                               "--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'"_s),
+                 qPrintable(list));
+        QVERIFY2(list.contains(u"--language 2:eng"_s) && list.contains(u"-D|-a 2|-S|'/v/b.ac3'"_s),
+                 qPrintable(list));
+        QCOMPARE(engines::withTrackNumbers(meant, {}), meant);
+    }
+
+    void aKindThatIsCountedOtherwiseTellsNothing()
+    {
+        const TrackPointer one = muxed(support::subtitleTrack(u"1"_s, u"srt"_s), u"1"_s);
+        const TrackPointer two = muxed(support::subtitleTrack(u"2"_s, u"srt"_s), u"2"_s);
+        const QString json = u"{\"tracks\": [{\"id\": 7, \"type\": \"subtitles\"}]}"_s;
+        QVERIFY(engines::trackNumbersIn(json, {one, two}).isEmpty());
+        QVERIFY(engines::trackNumbersIn(u"no json"_s, {one}).isEmpty());
+    }
+
+    void onlyMkvAndAviNeedNoQuestion()
+    {
+        for (const QString &name : {u"a.mkv"_s, u"a.MKV"_s, u"a.avi"_s})
+            QVERIFY(!engines::needsIdentification(QUrl::fromLocalFile(u"/v/"_s + name)));
+        for (const QString &name : {u"a.mp4"_s, u"a.h264"_s, u"a.srt"_s, u"mkv"_s})
+            QVERIFY(engines::needsIdentification(QUrl::fromLocalFile(u"/v/"_s + name)));
+    }
+};
+
+QTEST_GUILESS_MAIN(MkvArgumentsTest)
+#include "MkvArgumentsTest.moc"
