@@ -327,16 +327,13 @@ private Q_SLOTS:
         QCOMPARE(failing.status, 2);
     }
 
-    void aRawStreamThatPassesThroughHasNoJobYet()
+    void aRawStreamThatPassesThroughIsMuxed()
     {
-        m_twin->clip(support::rawH264(), u"raw.h264"_s);
-        const auto run = m_twin->run(words(u"convert raw.h264 --json"_s));
-        QCOMPARE(run.status, 2);
-        QVERIFY(run.output.isEmpty());
-        QVERIFY2(run.said().contains(u"no job for it"_s), qPrintable(run.said()));
-        QCOMPARE(m_twin->mediaNames(), QStringList({u"raw.h264"_s}));
-        QCOMPARE(m_twin->run(words(u"convert raw.h264 --video 1pass --video-bitrate 300"_s)).status, 0);
-        QCOMPARE(codecsOf(m_twin->media(u"raw.m4v"_s)), u"h264"_s);
+        m_twin->clip(support::rawH264(), u"a.h264"_s);
+        const auto run = m_twin->run(words(u"convert a.h264"_s));
+        QVERIFY2(run.status == 0, run.error.constData());
+        QCOMPARE(run.lines(), QStringList{m_twin->media(u"a.muxed.mkv"_s)});
+        QCOMPARE(codecsOf(m_twin->media(u"a.muxed.mkv"_s)), u"h264"_s);
     }
 
     void resultsGoIntoTheSaveFolder()
