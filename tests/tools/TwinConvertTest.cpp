@@ -334,6 +334,8 @@ private Q_SLOTS:
         QVERIFY2(run.status == 0, run.error.constData());
         QCOMPARE(run.lines(), QStringList{m_twin->media(u"a.muxed.mkv"_s)});
         QCOMPARE(codecsOf(m_twin->media(u"a.muxed.mkv"_s)), u"h264"_s);
+        QCOMPARE(m_twin->run(words(u"convert a.h264 --video 1pass --video-bitrate 300"_s)).status, 0);
+        QCOMPARE(codecsOf(m_twin->media(u"a.m4v"_s)), u"h264"_s);
     }
 
     void resultsGoIntoTheSaveFolder()
