@@ -1,0 +1,387 @@
+#include "engines/KXConvertToMkvJob.h"
+#include "jobs/MuxingTracks.h"
+#include "support/HandMade.h"
+#include "support/MkvBench.h"
+#include "support/Waiting.h"
+
+#include <QFileInfo>
+#include <QTest>
+
+#include <algorithm>
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+using step::Verdict;
+
+namespace {
+
+const QString conversion = u"MKV Conversion"_s;
+
+TrackPointer picture(const QString &userCodec = u"passthru"_s)
+{
+    return videoTrack(userCodec);
+}
+
+/// As the queue makes it: with the choices of its first output.
+TrackPointer sound(const QString &userCodec = u"passthru"_s, const QString &id = u"1"_s)
+{
+    return jobs::tracksForMuxing(
+               {audioTrack(id, u"ac3"_s, u"6"_s, audioSettings(userCodec, u"2"_s, u"160"_s))})
+        .first();
+}
+
+class MkvJobBench final : public MkvBench
+{
+public:
+    using MkvBench::MkvBench;
+
+    std::shared_ptr<KXConvertToMkvJob> begin(const TrackList &tracks, const QString &passes = u"1"_s)
+    {
+        return start<KXConvertToMkvJob>(selection(conversion, tracks, passes));
+    }
+    KXConverter &converter(qsizetype place) const { return *job->stepConverterList().at(place); }
+    QString outputOf(qsizetype place) const { return shown(converter(place).outputFileURL().toLocalFile()); }
+    bool waitForStep(const QString &text) const
+    {
+        return waitFor([&] { return progressTexts().contains(text); }, 20000);
+    }
+    QString taskOf(qsizetype n) const { return std::get<QString>(job->stepTaskList().at(n)); }
+};
+
+QString options(const QString &id, const QString &title)
+{
+    return u"--language %1:eng|--track-name %1:'%2'|--default-track %1:0|--forced-track %1:0|"
+           "--compression %1:none|"_s.arg(id, title);
+}
+
+} // namespace
+
+class KXConvertToMkvJobTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aFileOfTracksThatPassGoesStraightToTheMux()
+    {
+        MkvJobBench bench;
+        const auto job = bench.begin({picture(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        QCOMPARE(job->stepConverterList(), QList<ConverterPointer>({nullptr, nullptr, nullptr}));
+        QVERIFY(job->stepTaskList().isEmpty());
+        QVERIFY(job->progressList().isEmpty());
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.calls(u"ffmpeg"_s).isEmpty());
+        QCOMPARE(bench.calls().size(), 1);
+        const auto updates = bench.record.named(u"progressUpdate"_s);
+        const auto empty = [](const KXNotification &update) {
+            return update.object.value<jobs::ProgressList>().isEmpty();
+        };
+        // One at the start, and one of the only cycle in which the conversions were polled.
+        QCOMPARE(std::count_if(updates.begin(), updates.end(), empty), 2);
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
+        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.muxed.mkv"_s)});
+    }
+
+    // The steps.
+
+    void eachTrackHasItsPlace()
+    {
+        MkvJobBench bench;
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const TrackPointer video = picture(u"h264"_s);
+        const TrackPointer capitals = picture(u"PassThru"_s);
+        const TrackPointer converted = sound(u"aac"_s);
+        const TrackPointer passed = sound(u"passthru"_s, u"2"_s);
+        const TrackPointer subtitle = subtitleTrack(u"3"_s, u"srt"_s, u"MUX"_s);
+        const TrackPointer other = subtitleTrack(u"4"_s, u"srt"_s, u"srt"_s);
+        const TrackPointer foreign = subtitleTrack(u"5"_s, u"srt"_s);
+        foreign->setTrackType(u"External Subtitle"_s);
+        const TrackPointer button = subtitleTrack(u"6"_s, u"srt"_s);
+        button->setTrackType(u"Button"_s);
+        const auto job = bench.begin({video, capitals, other, converted, passed, button, subtitle, foreign});
+        // Neither a subtitle that is not muxed nor another type has a place.
+        const auto places = job->stepConverterList();
+        QCOMPARE(places.size(), 6);
+        QVERIFY(places.at(0) && !places.at(1) && places.at(2) && !places.at(3));
+        QVERIFY(!places.at(4) && !places.at(5));
+        QCOMPARE(job->progressList(),
+                 jobs::ProgressList({{u"Converting Video"_s, u"0%"_s}, {u"Converting Audio"_s, u"0%"_s}}));
+        QCOMPARE(places.at(0)->trackItemToProcess(), 0);
+        QCOMPARE(places.at(2)->trackItemToProcess(), 3);
+        QVERIFY(places.at(0)->isTemporaryOutput() && places.at(2)->isTemporaryOutput());
+        QVERIFY(video->wasReEncoded() && converted->wasReEncoded());
+        QVERIFY(!capitals->wasReEncoded() && !passed->wasReEncoded() && !subtitle->wasReEncoded());
+        QCOMPARE(video->muxingTrackCodec(), u"h264"_s);
+        QCOMPARE(converted->muxingTrackCodec(), u"aac"_s);
+        QCOMPARE(passed->muxingTrackCodec(), u"ac3"_s); // as in the source
+        // What has no place was looked at, or not at all.
+        QCOMPARE(other->muxingTrackType(), u"Subtitle"_s);
+        QCOMPARE(foreign->muxingTrackType(), u"External Subtitle"_s);
+        QCOMPARE(button->muxingTrackType(), u"none"_s);
+        QCOMPARE(job->stepTaskList().size(), 2);
+    }
+
+    void theConversionsRunTogether()
+    {
+        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        QVERIFY(waitFor([&] { return bench.calls(u"ffmpeg"_s).size() == 3; }, 20000));
+        // None shares its output or its log.
+        QSet<QString> names;
+        for (int i = 0; i < 3; ++i) {
+            names << bench.outputOf(i) << bench.converter(i).logFileURL().toLocalFile();
+            QCOMPARE(bench.taskOf(i), bench.converter(i).doShell_ID());
+        }
+        QCOMPARE(names.size(), 6);
+        QCOMPARE(bench.outputOf(0), u"/v/a.mkv"_s);
+        QCOMPARE(bench.outputOf(1), u"/v/a (2).mkv"_s);
+        QCOMPARE(bench.outputOf(2), u"/v/a (3).mkv"_s);
+        QCOMPARE(bench.posted(u"conversionStarted"_s),
+                 QStringList({u"/v/a.mkv"_s, u"/v/a (2).mkv"_s, u"/v/a (3).mkv"_s}));
+        QCOMPARE(job->tempFilesToDeleteList().size(), 3);
+        QCOMPARE(job->logFilesToDeleteList().size(), 3);
+        QVERIFY(bench.calls().isEmpty());
+    }
+
+    void theyAreTemporaryAndNeverTakeAnExistingFile()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        for (const QString &name : {u"a.mkv"_s, u"a.added.mkv"_s, u"a.avi.log"_s})
+            bench.world.scratch.write(name, "of another");
+        const TrackList tracks = jobs::tracksForMuxing(
+            {picture(u"h264"_s),
+             audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s))});
+        const TrackPointer copy = tracks.at(1)->copy();
+        copy->setIsStereoCopyFlag(true);
+        const auto job = bench.begin(tracks + TrackList{copy});
+        QCOMPARE(bench.outputOf(0), u"/v/a (2).mkv"_s);
+        QCOMPARE(bench.outputOf(1), u"/v/a (3).mkv"_s);
+        QCOMPARE(bench.outputOf(2), u"/v/a.added (2).mkv"_s);
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
+        for (const QString &name : {u"a.mkv"_s, u"a.added.mkv"_s, u"a.avi.log"_s})
+            QCOMPARE(bench.world.scratch.read(name), QByteArray("of another"));
+        QCOMPARE(bench.world.scratch.names().filter(u"a."_s) + bench.world.scratch.names().filter(u"a ("_s),
+                 QStringList({u"a.added.mkv"_s, u"a.avi"_s, u"a.avi.log"_s, u"a.mkv"_s, u"a.muxed.mkv"_s}));
+    }
+
+    void aSourceIsNeverTheConvertedFile()
+    {
+        MkvJobBench bench;
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        bench.begin({picture(u"h264"_s)});
+        QVERIFY(bench.outputOf(0) != u"/v/a.mkv"_s);
+        QVERIFY(bench.outputOf(0).endsWith(u".mkv"_s));
+    }
+
+    // Redirection: a converted track is muxed from its own file, in which it is alone.
+
+    void aConvertedTrackIsTakenFromItsFile()
+    {
+        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const TrackPointer video = picture();
+        const TrackPointer audio = sound(u"aac"_s);
+        bench.begin({video, audio});
+        QCOMPARE(bench.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
+        QCOMPARE(audio->muxingTrackMp4boxID(), u"one track"_s);
+        QCOMPARE(audio->muxingTrackMencoderID(), u"one track"_s);
+        QCOMPARE(audio->muxingTrackExtension(), u"mkv"_s);
+        QCOMPARE(audio->muxingTrackFileExtension(), u"mkv"_s);
+        QCOMPARE(audio->trackMkvmergeID(), u"0"_s);
+        QCOMPARE(bench.shown(video->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
+        QCOMPARE(video->trackMkvmergeID(), u"0"_s);
+        QVERIFY(video->muxingTrackMp4boxID() != u"one track"_s);
+    }
+
+    /// The subtitle has no place, so that the converter stands at the first place and not at its track's.
+    void redirectionGoesByTheTrackOfTheConverter()
+    {
+        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const TrackPointer subtitle = subtitleTrack(u"2"_s, u"srt"_s, u"srt"_s);
+        const TrackPointer audio = sound(u"aac"_s);
+        const auto job = bench.begin({subtitle, audio});
+        QCOMPARE(job->stepConverterList().size(), 1);
+        QCOMPARE(bench.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
+        QCOMPARE(audio->trackMkvmergeID(), u"0"_s);
+        QCOMPARE(bench.shown(subtitle->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
+        QCOMPARE(subtitle->trackMkvmergeID(), u"2"_s);
+    }
+
+    // The mux.
+
+    void aStereoCopyIsOneMoreTrackOfItsOwnFile()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        const TrackPointer audio =
+            audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s));
+        audio->setUserAudioSettingsDictionaryArray(
+            {audioSettings(u"aac"_s, u"2"_s, u"160"_s), audioSettings(u"ac3"_s, u"6"_s, u"448"_s)});
+        const auto job = bench.begin(jobs::tracksForMuxing({picture(), audio}));
+        QCOMPARE(bench.outputOf(1), u"/v/a.mkv"_s);
+        QCOMPARE(bench.outputOf(2), u"/v/a.added.mkv"_s);
+        QVERIFY(bench.waitForEnd());
+        const QString end = u"-metadata:s:a:0|language=eng|-metadata:s:a:0|title=Audio1|-y|"_s;
+        QCOMPARE(
+            bench.meant(0, u"ffmpeg"_s),
+            u"-i|/v/a.avi|-map 0:0|-c:a aac -strict experimental|-ab:a:0 160k|-ac:a:0 2|-ar:a:0 48000|"_s +
+                end + u"/v/a.mkv|&>|/v/a.avi.log|& echo $!"_s);
+        QCOMPARE(bench.meant(1, u"ffmpeg"_s),
+                 u"-i|/v/a.avi|-map 0:0|-c:a ac3|-ab:a:0 448k|-ac:a:0 6|-ar:a:0 48000|"_s + end +
+                     u"/v/a.added.mkv|&>|/v/a.avi (2).log|& echo $!"_s);
+        QCOMPARE(bench.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"0"_s, u"Video0"_s) +
+                                    u"-d 0|-A|-S|'/v/a.avi'|"_s + options(u"0"_s, u"Audio1"_s) +
+                                    u"-D|-a 0|-S|'/v/a.mkv'|"_s + options(u"0"_s, u"Audio1"_s) +
+                                    u"-D|-a 0|-S|'/v/a.added.mkv'|&>|/v/a.avi.muxed.log|& echo $!"_s);
+        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.muxed.mkv"_s)}); // and no converted one
+    }
+
+    void theMuxWaitsForEveryConversion()
+    {
+        MkvJobBench bench;
+        bench.setScript(u"ffmpeg/ffmpeg"_s,
+                        QStringList{u"when aac"_s, u"hang"_s, u"end"_s} + MkvBench::wellConverted());
+        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s)});
+        // The hanging one has printed no time: it is at its beginning.
+        QVERIFY(bench.waitForStep(u"Converting Video=Complete,Converting Audio=0%"_s));
+        QVERIFY(!waitFor([&] { return !bench.calls().isEmpty(); }, 1200));
+        ::kill(bench.taskOf(1).toInt(), SIGKILL);
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete,Converting Audio=Complete"_s));
+    }
+
+    void aFallingPercentageIsTheNextStepOfTheMux()
+    {
+        MkvJobBench bench({u"hang"_s});
+        const auto job = bench.begin({picture()});
+        const QString muxLog = u"a.mkv.muxed.log"_s;
+        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }, 20000));
+        QVERIFY(waitFor([&] { return job->progressList().size() == 1; }));
+        bench.world.scratch.write(muxLog, "Progress: 90%\rProgress: 100%\r");
+        QVERIFY(bench.waitForStep(u"Muxing Tracks Step #1=100%"_s));
+        bench.world.scratch.write(muxLog, "The cue entries (the index) are being written...\n");
+        bench.world.scratch.write(muxLog, "Progress: 100%\rProgress: 3%\r");
+        QVERIFY(bench.waitForStep(u"Muxing Tracks Step #2=3%"_s));
+        QCOMPARE(job->progressStepCounter(), 2);
+        bench.world.scratch.write(muxLog, "Progress: 4%\rProgress: 100%\nMultiplexing took 0 seconds.\n");
+        ::kill(bench.taskOf(0).toInt(), SIGKILL);
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.progressTexts().contains(u"Muxing Tracks Step #2=Complete"_s));
+        for (const QString &text : bench.progressTexts())
+            QVERIFY2(!text.contains(u"%%"_s) && !text.contains(u'\r'), qPrintable(text));
+    }
+
+    void theMuxStepStartsItsListsAnew()
+    {
+        MkvJobBench bench({u"hang"_s});
+        const auto job = bench.begin({picture(), sound(u"aac"_s)});
+        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }, 20000));
+        QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; }));
+        QCOMPARE(job->stepConverterList().size(), 1);
+        QCOMPARE(bench.converter(0).stepName(), u"Muxing Tracks"_s);
+        QCOMPARE(bench.converter(0).converterName(), u"MkvMuxer"_s);
+        QCOMPARE(bench.taskOf(0), bench.converter(0).doShell_ID());
+        QCOMPARE(job->muxStepCounter(), 1);
+        QCOMPARE(job->oldMuxProgress(), 0);
+        QCOMPARE(job->logFilesToDeleteList().size(), 2);  // the conversion's and the muxer's
+        QCOMPARE(job->tempFilesToDeleteList().size(), 1); // what is muxed stays
+    }
+
+    void conversionStartedIsPostedForEachToolThenForTheMux()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        bench.begin({picture(u"h264"_s), sound()});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
+    }
+
+    // Two passes of one track.
+
+    void theSecondPassFollowsTheFirst()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        const auto job = bench.begin({picture(u"h264"_s), sound()}, u"2"_s);
+        QVERIFY(bench.waitForEnd());
+        QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
+        const auto calls = bench.calls(u"ffmpeg"_s);
+        QCOMPARE(calls.size(), 2);
+        const auto behind = [](const QStringList &call, const QString &option) {
+            return call.value(call.indexOf(option) + 1);
+        };
+        QCOMPARE(behind(calls.at(0), u"-pass"_s), u"1"_s);
+        QCOMPARE(behind(calls.at(1), u"-pass"_s), u"2"_s);
+        QCOMPARE(calls.at(1).last(), u"/v/a.mkv"_s); // no redirection among its arguments
+        // The statistics lie in the job's own folder, and both passes mean the same.
+        const QString statistics = behind(calls.at(0), u"-passlogfile"_s);
+        QCOMPARE(behind(calls.at(1), u"-passlogfile"_s), statistics);
+        QVERIFY2(statistics.endsWith(u"/passLog"_s) && !statistics.startsWith(u"/v/"_s),
+                 qPrintable(statistics));
+        QVERIFY(!QFileInfo::exists(QFileInfo(statistics).path())); // gone with the job
+        // Between the passes nothing is shown of the step.
+        QVERIFY(bench.progressTexts().filter(u"Pass 1"_s).isEmpty());
+        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete"_s));
+        QCOMPARE(bench.calls().size(), 1);
+    }
+
+    void theSecondPassIsATaskOfTheJob()
+    {
+        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"when 2"_s, u"hang"_s, u"end"_s});
+        const auto job = bench.begin({picture(u"h264"_s)}, u"2"_s);
+        QVERIFY(waitFor([&] { return !job->stepTaskList().isEmpty(); }));
+        auto *converter = dynamic_cast<KXFfmpegConverter *>(job->stepConverterList().first().get());
+        QVERIFY(converter != nullptr);
+        job->startPass2SelectorFor(*converter);
+        QCOMPARE(converter->currentPass(), 2);
+        QVERIFY(std::any_of(job->stepTaskList().begin(), job->stepTaskList().end(), [](const auto &task) {
+            return std::holds_alternative<tools::ToolProcessPointer>(task);
+        }));
+    }
+
+    // Ends.
+
+    void aCancelledJobNeitherMuxesNorIsDone()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
+        const auto job = bench.begin({picture(u"h264"_s), sound()});
+        QVERIFY(bench.waitForStep(u"Converting Video=0%"_s));
+        QVERIFY(waitFor([&] { return bench.world.scratch.names().contains(u"a.mkv"_s); }, 20000));
+        const qint64 tool = bench.taskOf(0).toLongLong();
+        job->stopJob();
+        QVERIFY(waitFor([&] { return !runs(tool); }));
+        QVERIFY(
+            !waitFor([&] { return !bench.calls().isEmpty() || bench.record.count(u"jobDone"_s) > 0; }, 1200));
+        QCOMPARE(bench.world.scratch.names().filter(u"a."_s), QStringList{u"a.avi"_s});
+    }
+
+    void aFailedMuxIsCompleteAndKeepsItsLog()
+    {
+        MkvJobBench bench({u"out Error: The file could not be opened for writing."_s, u"exit 2"_s});
+        const auto job = bench.begin({picture()});
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.progressTexts().contains(u"Muxing Tracks Step #1=Complete"_s));
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QVERIFY2(job->outcome().sentence.contains(u"The file could not be opened for writing."_s),
+                 qPrintable(job->outcome().sentence));
+        QVERIFY(bench.world.scratch.read(u"a.mkv.muxed.log"_s).contains("Error: The file"));
+        QVERIFY(bench.world.alerts.shown().isEmpty()); // no error text is shown by this job
+    }
+
+    void aFileOfWhichATrackIsMissingIsNotMuxed()
+    {
+        MkvJobBench bench;
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
+        const auto job = bench.begin({picture(u"h264"_s), sound()});
+        QVERIFY(bench.waitForEnd());
+        QVERIFY(bench.calls().isEmpty());
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QVERIFY(job->outputs().isEmpty());
+        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(KXConvertToMkvJobTest)
+#include "KXConvertToMkvJobTest.moc"
