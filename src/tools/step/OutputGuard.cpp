@@ -48,6 +48,7 @@ QRegularExpression partPattern(const QUrl &output)
 
 } // namespace
 
+/// No QDir::filePath(): it takes a name that begins with a colon for a resource.
 QList<QUrl> partsOf(const QUrl &output)
 {
     const QRegularExpression pattern = partPattern(output);
@@ -56,7 +57,7 @@ QList<QUrl> partsOf(const QUrl &output)
     for (const QString &name : folder.entryList(QDir::Files | QDir::System | QDir::Hidden)) {
         const auto match = pattern.match(name);
         if (match.hasMatch())
-            parts.insert(match.captured(1).toLongLong(), QUrl::fromLocalFile(folder.filePath(name)));
+            parts.insert(match.captured(1).toLongLong(), QUrl::fromLocalFile(folder.path() + u'/' + name));
     }
     return parts.values();
 }

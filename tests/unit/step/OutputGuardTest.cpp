@@ -328,6 +328,29 @@ private Q_SLOTS:
         QVERIFY(job.refusalOf(u"dangling.m4v"_s).contains(u"no ordinary file"_s));
     }
 
+    void partsAreFoundUnderAnyName_data()
+    {
+        QTest::addColumn<QString>("stem");
+        QTest::newRow("plain") << u"a"_s;
+        QTest::newRow("begins with a colon") << u":a"_s; // no resource
+        QTest::newRow("pattern characters") << u"a[b]*(c)"_s;
+        QTest::newRow("begins with a dot") << u".a"_s;
+    }
+
+    void partsAreFoundUnderAnyName()
+    {
+        QFETCH(QString, stem);
+        const support::Scratch scratch;
+        const QUrl output = scratch.url(u"v/"_s + stem + u".mkv"_s);
+        QList<QUrl> parts;
+        for (const QString &number : {u"-001.mkv"_s, u"-002.mkv"_s}) {
+            scratch.write(u"v/"_s + stem + number, "x");
+            parts.append(scratch.url(u"v/"_s + stem + number));
+        }
+        scratch.write(u"v/"_s + stem + u"-x.mkv"_s, "x");
+        QCOMPARE(step::partsOf(output), parts);
+    }
+
     void nobodyMakesWayForANameThatWasNotClaimed()
     {
         for (const WhenTaken whenTaken : {WhenTaken::NextFreeName, WhenTaken::Refuse, WhenTaken::Replace}) {
