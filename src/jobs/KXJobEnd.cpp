@@ -7,6 +7,8 @@
 #include "tools/ProcessGroup.h"
 #include "tools/step/ScratchFolder.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFile>
 #include <QFileInfo>
 
@@ -19,10 +21,18 @@ namespace {
 constexpr qint64 almostFull = 999'999;
 constexpr auto freeSpaceAlertTime = std::chrono::seconds(10);
 constexpr int endOfKilledToolMs = 1000;
+constexpr int endOfLoopMs = 2000;
 
 QString keptSentence(const QUrl &output)
 {
     return u" The incomplete output %1 was kept."_s.arg(output.toLocalFile());
+}
+
+/// The loop of a cancelled job, which no longer waits for us, must not outlive what the job was handed.
+void endLoop(QThreadPool &loop, QObject *job)
+{
+    loop.waitForDone(endOfLoopMs);
+    QCoreApplication::removePostedEvents(job, QEvent::MetaCall);
 }
 
 } // namespace
@@ -81,6 +91,7 @@ void KXJob::stopJob()
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
         stopTask(task);
     m_stepTaskList.clear();
+    endLoop(m_monitorQueue, this);
     postProgress({});
     deleteUnfinishedOutputs();
     m_guard.putBackReplaced();

@@ -16,9 +16,10 @@ void KXJob::runOnMain(const std::function<void()> &work, Qt::ConnectionType how)
 {
     if (jobIsCancelled())
         return;
-    const auto self = shared_from_this();
-    const auto guarded = [self, work] {
-        if (!self->jobIsCancelled())
+    // Work that waits to be done does not keep the job: it might be dropped when nothing else is left.
+    const auto guarded = [weak = weak_from_this(), work] {
+        const auto self = weak.lock();
+        if (self && !self->jobIsCancelled())
             work();
     };
     if (how == Qt::QueuedConnection || QThread::currentThread() == thread()) {
@@ -66,6 +67,13 @@ void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std:
             for (int waited = 0; waited < pollMilliseconds && !jobIsCancelled(); waited += sliceMs)
                 QThread::msleep(sliceMs);
         }
-        runOnMain(finished, Qt::QueuedConnection);
+        // The hold goes to the main thread: where the loop runs, its end can't be waited for.
+        QMetaObject::invokeMethod(
+            this,
+            [self = std::move(self), finished] {
+                if (!self->jobIsCancelled())
+                    finished();
+            },
+            Qt::QueuedConnection);
     });
 }
