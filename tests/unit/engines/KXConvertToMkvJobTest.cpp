@@ -335,7 +335,8 @@ private Q_SLOTS:
         QVERIFY(converter != nullptr);
         job->startPass2SelectorFor(*converter);
         QCOMPARE(converter->currentPass(), 2);
-        QVERIFY(std::any_of(job->stepTaskList().begin(), job->stepTaskList().end(), [](const auto &task) {
+        const auto tasks = job->stepTaskList();
+        QVERIFY(std::any_of(tasks.begin(), tasks.end(), [](const auto &task) {
             return std::holds_alternative<tools::ToolProcessPointer>(task);
         }));
     }
