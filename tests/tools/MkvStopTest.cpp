@@ -1,0 +1,178 @@
+// Operations on Matroska files that are stopped, paused and resumed while mkvmerge works.
+#include "support/MkvFaults.h"
+#include "support/Waiting.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+using step::Verdict;
+using step::WhenTaken;
+
+namespace {
+
+const QStringList everything{mkv::join, mkv::split,    mkv::remux,     mkv::remove,
+                             mkv::mux,  mkv::editJoin, mkv::editSplit, mkv::editRemux};
+
+bool allAre(const QList<qint64> &pids, bool stopped)
+{
+    return std::all_of(pids.begin(), pids.end(),
+                       [&](qint64 pid) { return (stateOf(pid) == 'T') == stopped; });
+}
+
+} // namespace
+
+class MkvStopTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { manyPacketsBeginMkv(); }
+
+    void init() { make(WhenTaken::NextFreeName); }
+
+    void stopped_data() { rowsFor(everything); }
+
+    void stopped()
+    {
+        QFETCH(QString, operation);
+        startAndMeet(operation);
+        const QStringList others = otherNames();
+        const auto processes = m_fault->runs.processes();
+        QVERIFY(!processes.isEmpty());
+        const JobPointer job = queue().currentJob();
+        queue().stopCurrentJob();
+        QVERIFY(waitFor(
+            [&] {
+                return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
+            },
+            1000));
+        QCOMPARE(m_fault->runs.names(), others);
+        QVERIFY(job->outcome().verdict == Verdict::Stopped);
+        QVERIFY(m_fault->runs.waitForEnd());
+        compareVerdict(*m_fault->another, Verdict::Ok, {});
+        compareFiles();
+    }
+
+    void stoppedWhilePaused_data() { rowsFor({mkv::join, mkv::split, mkv::remove}); }
+
+    void stoppedWhilePaused()
+    {
+        QFETCH(QString, operation);
+        startAndMeet(operation);
+        const QStringList others = otherNames();
+        const auto processes = m_fault->runs.processes();
+        queue().pauseQueueButton(u"Pause"_s);
+        QVERIFY(waitFor([&] { return allAre(processes, true); }, 1000));
+        queue().stopCurrentJob();
+        QVERIFY(waitFor(
+            [&] {
+                return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
+            },
+            1000));
+        QCOMPARE(m_fault->runs.names(), others);
+        QVERIFY(m_fault->runs.waitForEnd());
+        compareFiles();
+    }
+
+    void whatWasReplacedReturns_data() { rowsFor({mkv::join, mkv::split, mkv::remux, mkv::remove}); }
+
+    void whatWasReplacedReturns()
+    {
+        QFETCH(QString, operation);
+        make(WhenTaken::Replace);
+        const QString output = m_fault->output(operation);
+        writeContent(output, "mine");
+        m_fault->before[output] = "mine";
+        startAndMeet(operation);
+        QVERIFY(contentOf(output) != "mine");
+        queue().stopCurrentJob();
+        QCOMPARE(contentOf(output), "mine");
+        QVERIFY(m_fault->runs.names().filter(u"(replaced)"_s).isEmpty());
+        QVERIFY(m_fault->runs.waitForEnd());
+        compareFiles();
+    }
+
+    void pausedAndResumed_data() { rowsFor(everything); }
+
+    void pausedAndResumed()
+    {
+        QFETCH(QString, operation);
+        startAndMeet(operation);
+        const JobPointer job = queue().currentJob();
+        const auto processes = m_fault->runs.processes();
+        QVERIFY(!processes.isEmpty());
+        queue().pauseQueueButton(u"Pause"_s);
+        QVERIFY(waitFor([&] { return allAre(processes, true); }, 1000));
+        const qint64 written = bytesWritten(operation);
+        QVERIFY(!waitFor(
+            [&] { return !allAre(processes, true) || m_fault->runs.record.count(u"jobDone"_s) > 0; }, 700));
+        QCOMPARE(bytesWritten(operation), written);
+        queue().pauseQueueButton(u"Resume"_s);
+        QVERIFY(waitFor([&] { return allAre(processes, false); }, 1000));
+        QVERIFY(m_fault->runs.waitForEnd());
+        compareVerdict(*job, Verdict::Ok, {});
+        m_fault->compareAnotherAndFiles();
+        const double hours = secondsOf(job->outputs().constLast().toLocalFile()) / 3600;
+        const double atLeast =
+            operation.endsWith(mkv::split) ? 3 : 13; // the last part ends where the film does
+        QVERIFY2(hours > atLeast, qPrintable(QString::number(hours)));
+    }
+
+private:
+    void make(WhenTaken taken)
+    {
+        m_fault.reset();
+        m_fault = std::make_unique<MkvFaultRun>(taken);
+        m_fault->runs.splitSeconds = u"18000"_s;
+        m_fault->runs.partnerClip = manyPacketsBeginMkv();
+        m_fault->runs.soundClip = manyPacketsAac();
+    }
+
+    KXQueueController &queue() const { return m_fault->runs.queue(); }
+
+    /// Starts a job that takes seconds, with another behind it, and comes back when it has written something.
+    void startAndMeet(const QString &operation)
+    {
+        const bool isRaw = operation == mkv::mux;
+        const QString source =
+            isRaw ? m_fault->sourceFor(operation) : m_fault->film(manyPacketsMkv(), u"a.mkv"_s);
+        m_fault->runs.add(operation, source);
+        m_fault->addAnother();
+        m_fault->runs.queue().theQueueLoop();
+        QVERIFY(waitFor([&] { return bytesWritten(operation) > 10; }, 60000));
+    }
+
+    qint64 bytesWritten(const QString &operation) const
+    {
+        const QString first = m_fault->output(operation);
+        qint64 bytes = QFileInfo(first).size();
+        if (operation.endsWith(mkv::split))
+            bytes += QFileInfo(QString(first).replace(u"-001."_s, u"-002."_s)).size();
+        return bytes;
+    }
+
+    /// What is there besides outputs and logs of the first job.
+    QStringList otherNames() const
+    {
+        QStringList names = m_fault->runs.names();
+        names.removeIf([](const QString &name) {
+            return name.endsWith(u".log"_s) || name.contains(u".joined"_s) || name.contains(u".split"_s) ||
+                   name.contains(u".remux"_s) || name.contains(u".removed"_s) || name.contains(u".muxed"_s);
+        });
+        return names;
+    }
+
+    void compareFiles() const
+    {
+        for (auto file = m_fault->before.cbegin(); file != m_fault->before.cend(); ++file)
+            QVERIFY2(contentOf(file.key()) == file.value(), qPrintable(file.key()));
+    }
+
+    std::unique_ptr<MkvFaultRun> m_fault;
+};
+
+QTEST_GUILESS_MAIN(MkvStopTest)
+#include "MkvStopTest.moc"
