@@ -53,11 +53,12 @@ QList<QUrl> partsOf(const QUrl &output)
 {
     const QRegularExpression pattern = partPattern(output);
     const QDir folder = QFileInfo(output.toLocalFile()).absoluteDir();
-    QMap<qint64, QUrl> parts;
+    QMap<std::pair<qint64, QString>, QUrl> parts; // "a-1" and "a-001" are two
     for (const QString &name : folder.entryList(QDir::Files | QDir::System | QDir::Hidden)) {
         const auto match = pattern.match(name);
         if (match.hasMatch())
-            parts.insert(match.captured(1).toLongLong(), QUrl::fromLocalFile(folder.path() + u'/' + name));
+            parts.insert({match.captured(1).toLongLong(), name},
+                         QUrl::fromLocalFile(folder.path() + u'/' + name));
     }
     return parts.values();
 }
