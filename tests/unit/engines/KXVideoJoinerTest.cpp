@@ -1,0 +1,411 @@
+// The join of several files: the step, and the job around it.
+#include "engines/KXVideoJoiner.h"
+#include "engines/KXJoinVideosJob.h"
+#include "support/MkvBench.h"
+#include "support/Waiting.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+using step::Verdict;
+using tools::ToolProcess;
+
+namespace {
+
+const QString joining = u"MKV Joining"_s;
+const QString ffmpegEnd = u"err frame=9 Lsize=9kB time=00:04:00.00 bitrate"_s;
+
+/// A joiner alone in its world; each of its three tools records how it is called.
+class JoinBench final : public MkvBench
+{
+public:
+    explicit JoinBench(const QString &tool, const QStringList &mkvmerge = wellMuxed())
+        : MkvBench(mkvmerge)
+    {
+        world.scratch.write(u"temp/x"_s, {});
+        setScript(u"mp4box/mp4box"_s, {u"write 10 last"_s});
+        setScript(u"ffmpeg/ffmpeg"_s, {ffmpegEnd, u"write 10 last"_s});
+        joiner.setJoinerName(tool);
+    }
+
+    SelectionPointer joined(const QStringList &names) const
+    {
+        const auto made = selection(joining, {});
+        QList<QUrl> files;
+        for (const QString &name : names) {
+            world.scratch.write(name, "film");
+            files.append(url(name));
+        }
+        made->setEditFilesURLsList(files);
+        return made;
+    }
+    tools::ToolProcessPointer start(const QStringList &names, const QUrl &folder = {})
+    {
+        return joiner.startConversionForSelectionWithSaveDirectoryURL(joined(names), folder);
+    }
+    std::shared_ptr<KXJoinVideosJob> startJob(const QStringList &names)
+    {
+        return MkvBench::start<KXJoinVideosJob>(joined(names));
+    }
+    bool waitForTool() const
+    {
+        return waitFor([&] { return record.count(u"taskCompletion"_s) > 0; }, 20000) &&
+               waitFor([&] { return !joiner.converterTask()->isRunning(); });
+    }
+    QString output() const { return shown(joiner.outputFileURL().toLocalFile()); }
+    QString log() const { return shown(joiner.logFileURL().toLocalFile()); }
+    void read(const QByteArray &bytes, ToolProcess::Channel channel)
+    {
+        joiner.handleNewTaskResult({channel, bytes, nullptr});
+    }
+    QStringList updates() const
+    {
+        QStringList texts;
+        for (const KXNotification &update : joins.all())
+            texts << update.object.toString();
+        return texts;
+    }
+    void announce(const QString &name, const QString &text)
+    {
+        auto *converter = job->stepConverterList().constFirst().get();
+        world.notifications.post(name, text,
+                                 {{u"stepName"_s, converter->stepName()},
+                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+    }
+
+    KXVideoJoiner joiner{context()};
+    NotificationRecord joins{world.notifications, {u"monitorJoinUpdate"_s}};
+};
+
+} // namespace
+
+class KXVideoJoinerTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aNewJoinerJoinsWithMkvmerge()
+    {
+        MkvBench bench;
+        KXVideoJoiner joiner(bench.context());
+        QCOMPARE(joiner.converterName(), u"videoJoiner"_s);
+        QCOMPARE(joiner.joinerName(), u"mkvmerge"_s);
+        QVERIFY(!joiner.isTemporaryOutput());
+        QCOMPARE(joiner.monitorCounter(), 0);
+    }
+
+    // The lists.
+
+    void eachToolGetsItsList_data()
+    {
+        QTest::addColumn<QString>("joiner");
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<QString>("meant");
+        QTest::addColumn<QString>("launched");
+        const QString two = u"-o|/v/a.mkv.joined.mkv|/v/a.mkv|+|/v/b.mkv"_s;
+        QTest::newRow("mkvmerge, two") << u"mkvmerge"_s << QStringList{u"a.mkv"_s, u"b.mkv"_s} << two << two;
+        const QString three = u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+|/v/a.mkv|+|/v/b.mkv"_s;
+        QTest::newRow("mkvmerge, three in their order")
+            << u"mkvmerge"_s << QStringList{u"c.mkv"_s, u"a.mkv"_s, u"b.mkv"_s} << three << three;
+        const QString boxed = u"-cat|/v/a.mp4|-cat|/v/b.mp4|-tmp|/v|-new|/v/a.mp4.joined.mp4"_s;
+        QTest::newRow("mp4box, two") << u"mp4box"_s << QStringList{u"a.mp4"_s, u"b.mp4"_s} << boxed << boxed;
+        const QString more =
+            u"-cat|/v/c.m4v|-cat|/v/it's a.mp4|-cat|/v/b.mov|-tmp|/v|-new|/v/c.m4v.joined.m4v"_s;
+        QTest::newRow("mp4box, three in their order")
+            << u"mp4box"_s << QStringList{u"c.m4v"_s, u"it's a.mp4"_s, u"b.mov"_s} << more << more;
+        QTest::newRow("ffmpeg") << u"ffmpeg"_s << QStringList{u"a.mp4"_s, u"b.mp4"_s}
+                                << u"-f|concat|-i|/v/temp/mylist.txt|-c|copy|-y|/v/a.mp4.joined.mp4"_s
+                                << u"-f|concat|-safe|0|-i|/v/temp/mylist.txt|-map|0|-c|copy|-y|"
+                                   "/v/a.mp4.joined.mp4"_s;
+    }
+
+    void eachToolGetsItsList()
+    {
+        QFETCH(QString, joiner);
+        QFETCH(QStringList, names);
+        QFETCH(QString, launched);
+        JoinBench bench(joiner);
+        const auto task = bench.start(names);
+        QVERIFY(task);
+        QCOMPARE(bench.joiner.converterTask(), task);
+        QTEST(bench.meant(0, joiner), "meant");
+        QCOMPARE(bench.launched(0, joiner), launched);
+        QVERIFY(bench.waitForTool());
+        QCOMPARE(bench.calls(joiner), QList<QStringList>{launched.split(u'|')});
+    }
+
+    void joiningTwoFilesWithFfmpegWritesMylistWithALineForEachAndTheJoinedOutput()
+    {
+        JoinBench bench(u"ffmpeg"_s);
+        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(bench.shown(QString::fromUtf8(bench.world.scratch.read(u"temp/mylist.txt"_s))),
+                 u"file '/v/a.mp4'\nfile '/v/b.mp4'\n"_s);
+        QCOMPARE(bench.output(), u"/v/a.mp4.joined.mp4"_s);
+        QCOMPARE(bench.log(), u"/v/a.mp4.joined.log"_s);
+        QVERIFY(bench.waitForTool());
+    }
+
+    /// An apostrophe ends the quotes, stands behind a backslash, and begins them anew.
+    void apostrophesAreEscapedInTheListFile()
+    {
+        JoinBench bench(u"ffmpeg"_s);
+        QVERIFY(bench.start({u"it's 'a'.mp4"_s, u"Élise \"b\" $(x).mp4"_s}));
+        QCOMPARE(bench.shown(QString::fromUtf8(bench.world.scratch.read(u"temp/mylist.txt"_s))),
+                 u"file '/v/it'\\''s '\\''a'\\''.mp4'\nfile '/v/Élise \"b\" $(x).mp4'\n"_s);
+        QVERIFY(bench.waitForTool());
+    }
+
+    void aListFileThatCantBeWrittenIsTold()
+    {
+        JoinBench bench(u"ffmpeg"_s);
+        bench.world.scratch.write(u"temp/mylist.txt/x"_s, {}); // a folder in its place
+        QVERIFY(!bench.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(bench.shown(bench.joiner.outcome().sentence),
+                 u"The list of files to join can't be written to /v/temp/mylist.txt."_s);
+        QVERIFY(bench.launches.of(u"ffmpeg"_s).isEmpty());
+        QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
+    }
+
+    void anUnknownToolStartsNothing()
+    {
+        JoinBench bench(u"cat"_s);
+        QVERIFY(!bench.start({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(!bench.joiner.converterTask());
+        QCOMPARE(bench.joiner.outcome().verdict, Verdict::Failed);
+        QCOMPARE(bench.joiner.outcome().sentence,
+                 u"There is no tool \"cat\" to join with, so nothing was started."_s);
+        QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
+    }
+
+    void withoutFilesNothingIsJoined()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        QVERIFY(!bench.start({}));
+        QCOMPARE(bench.joiner.outcome().sentence, u"There are no files to join."_s);
+    }
+
+    // Names.
+
+    void theGivenFolderTakesOutputAndLog()
+    {
+        for (const QString &tool : {u"mkvmerge"_s, u"mp4box"_s, u"ffmpeg"_s}) {
+            JoinBench bench(tool);
+            bench.world.scratch.write(u"s/x"_s, {});
+            QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}, bench.url(u"s"_s)));
+            QCOMPARE(bench.output(), u"/v/s/a.mp4.joined.mp4"_s);
+            QCOMPARE(bench.log(), u"/v/s/a.mp4.joined.log"_s);
+            QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/s/a.mp4.joined.mp4"_s});
+            if (tool == u"mp4box"_s)
+                QVERIFY(bench.meant(0, tool).contains(u"|-tmp|/v/s|"_s));
+            QVERIFY(bench.waitForTool());
+        }
+    }
+
+    void namesThatAreTakenGetANumber()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        bench.world.scratch.write(u"a.mkv.joined.mkv"_s, "another film");
+        bench.world.scratch.write(u"a.mkv.joined.log"_s, "another log");
+        QVERIFY(bench.start({u"a.mkv"_s, u"b.mkv"_s}));
+        QCOMPARE(bench.output(), u"/v/a.mkv.joined (2).mkv"_s);
+        QCOMPARE(bench.log(), u"/v/a.mkv.joined (2).log"_s);
+        QVERIFY(bench.waitForTool());
+        QCOMPARE(bench.world.scratch.read(u"a.mkv.joined.mkv"_s), QByteArray("another film"));
+        QCOMPARE(bench.world.scratch.read(u"a.mkv.joined.log"_s), QByteArray("another log"));
+    }
+
+    // Progress.
+
+    /// The whole number with one percent sign: never "45%%".
+    void aPercentageOfMkvmergeIsAnnouncedWithOnePercentSign()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        bench.joiner.setStepName(u"Joining Videos"_s);
+        bench.read("Progress: 0%\rProgress: 45%\r", ToolProcess::Channel::Output);
+        bench.read("Progress: 4", ToolProcess::Channel::Output);
+        bench.read("6%\r", ToolProcess::Channel::Output);
+        bench.read("'/v/a: 99%.mkv': Using the demultiplexer\n", ToolProcess::Channel::Output);
+        QCOMPARE(bench.updates(), QStringList({u"45%"_s, u"46%"_s}));
+        const auto info = bench.joins.all().constFirst().userInfo;
+        QCOMPARE(info.value(u"stepName"_s).toString(), u"Joining Videos"_s);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.joiner);
+        QVERIFY(info.contains(u"theTask"_s));
+    }
+
+    void aPercentageOfMp4boxIsItsShareOfTheLast()
+    {
+        JoinBench bench(u"mp4box"_s);
+        bench.read("Appending: |=         | (10/100)\rAppending: |==    | (45/100)\r",
+                   ToolProcess::Channel::Error);
+        bench.read("Adding fragment\n", ToolProcess::Channel::Error);
+        bench.read("Writing: |====| (3/4)\n", ToolProcess::Channel::Output);
+        QCOMPARE(bench.updates(), QStringList({u"45%"_s, u"75%"_s}));
+    }
+
+    /// Two files of two minutes each: one minute is a quarter.
+    void aPercentageOfFfmpegCountsAllFilesTogether()
+    {
+        JoinBench bench(u"ffmpeg"_s, {});
+        bench.setScript(u"ffmpeg/ffmpeg"_s,
+                        {u"err frame=1 time=00:01:00.00 bitrate"_s, ffmpegEnd, u"write 10 last"_s});
+        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QVERIFY(bench.waitForTool());
+        QVERIFY(!bench.updates().isEmpty());
+        QCOMPARE(bench.updates().constLast(), u"100%"_s);
+        JoinBench quarter(u"ffmpeg"_s);
+        quarter.setScript(u"ffmpeg/ffmpeg"_s, {u"err frame=1 time=00:01:00.00 bitrate"_s, u"hang"_s});
+        QVERIFY(quarter.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QVERIFY(waitFor([&] { return !quarter.updates().isEmpty(); }, 20000));
+        QCOMPARE(quarter.updates(), QStringList{u"25%"_s});
+        QCOMPARE(quarter.joiner.inputFileURL(), quarter.url(u"a.mp4"_s)); // as it was
+        quarter.joiner.converterTask()->terminate();
+        QVERIFY(quarter.waitForTool());
+    }
+
+    // How it ended.
+
+    void howAJoinEnded_data()
+    {
+        QTest::addColumn<QString>("joiner");
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<Verdict>("verdict");
+        QTest::addColumn<QString>("says");
+        QTest::newRow("mkvmerge, well") << u"mkvmerge"_s << MkvBench::wellMuxed() << Verdict::Ok << u""_s;
+        QTest::newRow("mkvmerge, with warnings")
+            << u"mkvmerge"_s
+            << QStringList{u"out Warning: They differ."_s, u"write 9 after:-o"_s, u"exit 1"_s}
+            << Verdict::Warnings << u"They differ."_s;
+        QTest::newRow("mkvmerge, not") << u"mkvmerge"_s << QStringList{u"out Error: No."_s, u"exit 2"_s}
+                                       << Verdict::Failed << u"Error: No."_s;
+        QTest::newRow("ffmpeg, well")
+            << u"ffmpeg"_s << QStringList{ffmpegEnd, u"write 9 last"_s} << Verdict::Ok << u""_s;
+        QTest::newRow("ffmpeg, a file left out")
+            << u"ffmpeg"_s
+            << QStringList{u"err [concat @ 0x1] Impossible to open '/v/b.mp4'"_s, ffmpegEnd,
+                           u"write 9 last"_s}
+            << Verdict::Failed << u"A file could not be opened, so it is not in the output"_s;
+        QTest::newRow("ffmpeg, not") << u"ffmpeg"_s << QStringList{u"err No such file"_s, u"exit 1"_s}
+                                     << Verdict::Failed << u"No such file"_s;
+        QTest::newRow("mp4box, well")
+            << u"mp4box"_s << QStringList{u"write 9 last"_s} << Verdict::Ok << u""_s;
+        QTest::newRow("mp4box, not") << u"mp4box"_s << QStringList{u"err Error appending"_s, u"exit 1"_s}
+                                     << Verdict::Failed << u"Error appending"_s;
+        QTest::newRow("mp4box, nothing written") << u"mp4box"_s << QStringList{u"exit 0"_s} << Verdict::Failed
+                                                 << u"mp4box ended without writing a.mp4.joined.mp4"_s;
+    }
+
+    void howAJoinEnded()
+    {
+        QFETCH(QString, joiner);
+        QFETCH(QStringList, script);
+        QFETCH(QString, says);
+        JoinBench bench(joiner);
+        const QHash<QString, QString> places{{u"mkvmerge"_s, u"mkvtoolnix/mkvmerge"_s},
+                                             {u"ffmpeg"_s, u"ffmpeg/ffmpeg"_s},
+                                             {u"mp4box"_s, u"mp4box/mp4box"_s}};
+        bench.setScript(places.value(joiner), script);
+        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QVERIFY(bench.waitForTool());
+        const step::Outcome outcome = bench.joiner.outcome();
+        QTEST(outcome.verdict, "verdict");
+        QVERIFY2(outcome.sentence.contains(says), qPrintable(outcome.sentence));
+        QCOMPARE(outcome.sentence.isEmpty(), says.isEmpty());
+        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s}); // whatever came of it
+    }
+
+    // The job.
+
+    /// A word comes first, on purpose: a number stands there when the tool tells one.
+    void theJobShowsJoiningUntilTheFirstPercentage()
+    {
+        JoinBench bench(u"mkvmerge"_s, {u"hang"_s});
+        const auto job = bench.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        QCOMPARE(job->progressList(), jobs::ProgressList({{u"Joining Videos"_s, u"Joining"_s}}));
+        QCOMPARE(bench.progressTexts().constLast(), u"Joining Videos=Joining"_s);
+        QCOMPARE(job->stepConverterList().size(), 1);
+        QCOMPARE(job->stepTaskList().size(), 1);
+        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{bench.url(u"a.mkv.joined.log"_s)});
+        QVERIFY(job->tempFilesToDeleteList().isEmpty());
+        bench.announce(u"monitorJoinUpdate"_s, u"no percentage"_s);
+        bench.announce(u"monitorSplitUpdate"_s, u"44%"_s);
+        QCOMPARE(job->progressList().constFirst().progress, u"Joining"_s);
+        bench.announce(u"monitorJoinUpdate"_s, u"45%"_s);
+        QCOMPARE(job->progressList().constFirst(), (jobs::ProgressItem{u"Joining Videos"_s, u"45%"_s}));
+        bench.announce(u"taskCompletion"_s, u"Complete"_s);
+        QCOMPARE(job->progressList().constFirst().progress, u"Complete"_s);
+        QVERIFY(bench.waitForEnd());
+    }
+
+    void theJobTakesTheToolThatFitsTheFiles_data()
+    {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("hasMp4box");
+        QTest::addColumn<QString>("tool");
+        QTest::newRow("mkv") << QStringList{u"a.mkv"_s, u"b.MKV"_s} << true << u"mkvmerge"_s;
+        QTest::newRow("mp4 where mp4box is") << QStringList{u"a.mp4"_s, u"b.m4v"_s} << true << u"mp4box"_s;
+        QTest::newRow("mp4 where it isn't") << QStringList{u"a.mp4"_s, u"b.m4v"_s} << false << u"ffmpeg"_s;
+        QTest::newRow("both") << QStringList{u"a.mkv"_s, u"b.mp4"_s} << true << u"ffmpeg"_s;
+        QTest::newRow("avi") << QStringList{u"a.avi"_s, u"b.avi"_s} << true << u"ffmpeg"_s;
+    }
+
+    void theJobTakesTheToolThatFitsTheFiles()
+    {
+        QFETCH(QStringList, names);
+        QFETCH(bool, hasMp4box);
+        QFETCH(QString, tool);
+        JoinBench bench(u"mkvmerge"_s);
+        if (!hasMp4box)
+            QVERIFY(
+                QFile::remove(bench.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        const auto job = bench.startJob(names);
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
+        for (const QString &other : {u"mkvmerge"_s, u"ffmpeg"_s, u"mp4box"_s})
+            QCOMPARE(bench.calls(other).size(), other == tool ? 1 : 0);
+    }
+
+    /// Two joins that run after each other share no list.
+    void theListFileLiesInTheJobsOwnFolderAndGoesWithIt()
+    {
+        JoinBench bench(u"ffmpeg"_s);
+        QVERIFY(QFile::remove(bench.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        const auto job = bench.startJob({u"a.mp4"_s, u"b.mp4"_s});
+        QVERIFY(bench.waitForEnd());
+        const QStringList call = bench.calls(u"ffmpeg"_s).constFirst();
+        const QString list = call.value(call.indexOf(u"-i"_s) + 1);
+        QVERIFY2(list.endsWith(u"/mylist.txt"_s), qPrintable(list));
+        QVERIFY(!list.startsWith(u"/v/mylist"_s)); // not beside the films
+        QVERIFY(!bench.world.scratch.names().contains(u"mylist.txt"_s));
+        JoinBench other(u"ffmpeg"_s);
+        QVERIFY(QFile::remove(other.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        const auto next = other.startJob({u"a.mp4"_s, u"b.mp4"_s});
+        QVERIFY(other.waitForEnd());
+        const QStringList second = other.calls(u"ffmpeg"_s).constFirst();
+        QVERIFY(second.value(second.indexOf(u"-i"_s) + 1) != list);
+        QVERIFY(!QFile::exists(list));
+    }
+
+    void theJobWritesIntoTheSaveFolder()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        bench.world.scratch.write(u"s/x"_s, {});
+        bench.world.setSaveFolder(bench.path(u"s"_s));
+        const auto job = bench.startJob({u"b.mkv"_s, u"c.mkv"_s});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"s/b.mkv.joined.mkv"_s)});
+    }
+
+    void aJobWithoutFilesEndsAsFailed()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        const auto job = bench.startJob({});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QVERIFY(!bench.progressTexts().contains(u"Joining Videos=Joining"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(KXVideoJoinerTest)
+#include "KXVideoJoinerTest.moc"
