@@ -43,25 +43,46 @@ qint64 idOf(const jobs::StepTask &task)
 
 } // namespace
 
-QString manyPacketsAac()
+namespace {
+
+/// Ten hours of silence.
+QString silence(const QString &name, const QString &rate)
 {
-    return clip(u"many-packets.aac"_s, [](const QString &path) {
+    return clip(name, [&](const QString &path) {
         const QString minutes = path + u".minutes.aac"_s;
         runProgram(u"ffmpeg"_s,
-                   u"-nostdin -y -v error -f lavfi -i anullsrc=r=48000:cl=mono -t 600 -c:a aac"_s.split(u' ')
-                       << minutes);
-        runProgram(u"ffmpeg"_s,
-                   u"-nostdin -y -v error -stream_loop 79 -i IN -c copy"_s.split(u' ').replaceInStrings(
-                       u"IN"_s, minutes)
-                       << path);
+                   {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                    u"anullsrc=cl=mono:r="_s + rate, u"-t"_s, u"600"_s, u"-c:a"_s, u"aac"_s, minutes});
+        runProgram(u"ffmpeg"_s, {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-stream_loop"_s, u"59"_s,
+                                 u"-i"_s, minutes, u"-c"_s, u"copy"_s, path});
         QFile::remove(minutes);
     });
+}
+
+/// As long, a picture every ten seconds: mkvmerge reads ahead to the end of a file for a track that has
+/// ended before, and tells nothing meanwhile.
+QString slowPictures()
+{
+    return clip(u"slow-pictures.mkv"_s, [](const QString &path) {
+        runProgram(u"ffmpeg"_s,
+                   u"-nostdin -y -v error -f lavfi -i color=black:s=64x48:r=1/10 -t 36000 -c:v libx264 "
+                   "-preset ultrafast"_s.split(u' ')
+                       << path);
+    });
+}
+
+} // namespace
+
+QString manyPacketsAac()
+{
+    return silence(u"many-packets.aac"_s, u"48000"_s);
 }
 
 QString manyPacketsMkv()
 {
     return clip(u"many-packets.mkv"_s, [](const QString &path) {
-        runProgram(u"mkvmerge"_s, {u"-q"_s, u"-o"_s, path, longMkv(8), manyPacketsAac()});
+        runProgram(u"mkvmerge"_s, {u"-q"_s, u"-o"_s, path, slowPictures(),
+                                   silence(u"fewer-packets.aac"_s, u"8000"_s), manyPacketsAac()});
     });
 }
 
@@ -69,7 +90,7 @@ QString manyPacketsBeginMkv()
 {
     return clip(u"many-packets-begin.mkv"_s, [](const QString &path) {
         runProgram(u"mkvmerge"_s,
-                   {u"-q"_s, u"-o"_s, path, u"--split"_s, u"parts:00:00:00-00:00:08"_s, manyPacketsMkv()});
+                   {u"-q"_s, u"-o"_s, path, u"--split"_s, u"parts:00:00:00-00:00:20"_s, manyPacketsMkv()});
     });
 }
 

@@ -8,12 +8,12 @@
 
 namespace support {
 
-/// Thirteen hours of silence in 1.7 million packets: a small file on which mkvmerge works for seconds.
-/// h264 of 8 s (0), aac 2ch of 8 s (1), aac 1ch of silence (2).
+/// Ten hours of black and silence in two million packets: a small file on which mkvmerge works for seconds.
+/// h264 (0), aac 1ch of 8 kHz (1), aac 1ch (2).
 QString manyPacketsMkv();
-/// Its first 8 s, which can be joined to it.
+/// Its first 20 s, which can be joined to it.
 QString manyPacketsBeginMkv();
-/// The silence alone, as adts.
+/// The larger of the two silences alone.
 QString manyPacketsAac();
 
 /// What each operation on Matroska files is called in data rows. The "edit" ones are those of the one job
