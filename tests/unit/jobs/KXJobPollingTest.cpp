@@ -172,9 +172,25 @@ private Q_SLOTS:
     void aFinishedJobIsDestroyedOnTheMainThread()
     {
         PollBench bench;
-        bench.poll(1); // from now on the loop is the only one to hold the job
+        // The loop takes its time after its last words, while the main thread goes on.
+        std::shared_ptr<int> slow(new int, [](const int *number) {
+            QThread::msleep(300);
+            delete number;
+        });
+        bench.job->poll(
+            {}, [slow](const auto &, auto &) { return true; }, [&] { ++bench.finished; });
+        slow.reset();
+        QVERIFY(waitFor([&] { return bench.finished == 1; }));
         QCOMPARE(bench.threadOfItsEnd(), QThread::currentThread());
-        QCOMPARE(bench.finished, 1);
+    }
+
+    void waitingWorkDoesNotKeepTheJob()
+    {
+        PollBench bench;
+        bench.job->runOnMain([] {}, Qt::QueuedConnection);
+        const std::weak_ptr<KXJob> forgotten = bench.job;
+        bench.job.reset();
+        QVERIFY(forgotten.expired());
     }
 
     void blockingFromTheMainThreadIsDoneAtOnce()
