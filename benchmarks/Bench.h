@@ -16,6 +16,9 @@ void say(const QString &line);
 
 /// `convert` beside the bare ffmpeg command that it launched, alternating.
 int convert(const QString &twin, const QString &clip, int rounds);
+/// `remux` of a film and `join` of a half with itself beside the mkvmerge commands that they launched,
+/// alternating; and what the program's memory does meanwhile.
+int mkv(const QString &twin, const QString &film, const QString &half, int rounds);
 /// A probe beside the same ffprobe lines run by hand, alternating.
 int probe(const QString &resources, const QString &clip, int rounds);
 /// Progress reading in MB/s on recorded output of several sizes.

@@ -11,6 +11,8 @@ int main(int argc, char *argv[])
     const QString what = words.value(0);
     if (what == u"convert"_s && words.size() == 4)
         return bench::convert(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"mkv"_s && words.size() == 5)
+        return bench::mkv(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
     if (what == u"probe"_s && words.size() == 4)
         return bench::probe(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"reading"_s && words.size() == 1)
@@ -19,7 +21,8 @@ int main(int argc, char *argv[])
         return bench::selection();
     if (what == u"start"_s && words.size() == 4)
         return bench::start(words.at(1), words.at(2), words.at(3).toInt());
-    bench::say(u"usage: tessaray-bench convert TWIN CLIP ROUNDS | probe RESOURCES CLIP ROUNDS | reading | "
+    bench::say(u"usage: tessaray-bench convert TWIN CLIP ROUNDS | mkv TWIN FILM HALF ROUNDS | probe "
+               u"RESOURCES CLIP ROUNDS | reading | "
                "selection | start TWIN CLIP ROUNDS"_s);
     return 64;
 }
