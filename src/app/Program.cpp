@@ -2,6 +2,8 @@
 
 #include "app/Environment.h"
 #include "engines/EngineJobs.h"
+#include "engines/KXMoviePlayer.h"
+#include "tools/step/OutputGuard.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,7 +46,8 @@ jobs::JobContext Program::context()
 
 jobs::JobContext Program::contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs)
 {
-    return {m_preferences, m_notifications, m_alerts, m_volumes, m_workspace, launcher, outputs, m_scratch, m_whenTaken};
+    return {m_preferences, m_notifications, m_alerts,  m_volumes,  m_workspace,
+            launcher,      outputs,         m_scratch, m_whenTaken};
 }
 
 QString Program::initialize()
@@ -58,6 +61,15 @@ QString Program::initialize()
     m_selectionController.setCurrentTab(u"MKV"_s);
     m_presets.initialize();
     return problem;
+}
+
+void Program::playMovie(const SelectionPointer &selection)
+{
+    if (m_playerFolder.isEmpty())
+        m_playerFolder = m_scratch.makeJobFolder();
+    step::OutputGuard guard(m_outputs, m_whenTaken);
+    KXMoviePlayer player({m_preferences, m_notifications, m_launcher, guard, m_playerFolder, &m_alerts});
+    player.playMovie(selection);
 }
 
 } // namespace app

@@ -49,6 +49,9 @@ public:
     const jobs::JobFactory &factory() const { return m_factory; }
     /// Where names are kept that no job may write to.
     step::OutputRegistry &outputs() { return m_outputs; }
+    KXWatchModeController &watchMode() { return m_watchMode; }
+    /// Starts the player with the selection's tracks, and forgets it.
+    void playMovie(const SelectionPointer &selection);
     /// What jobs are handed, with another launcher and registry where only the commands are wanted.
     jobs::JobContext contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs);
 
@@ -74,6 +77,7 @@ private:
     step::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
+    QString m_playerFolder; // for links the player needs; made when it first does
 };
 
 } // namespace app

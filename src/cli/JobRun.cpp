@@ -96,7 +96,7 @@ bool JobRun::add(const SelectionPointer &selection)
 ExitStatus JobRun::run()
 {
     QEventLoop loop;
-    connect(&m_session.interrupts(), &Interrupts::interrupted, &loop, [&] {
+    connect(&m_session.interrupts(), &app::Interrupts::interrupted, &loop, [&] {
         stop();
         loop.quit();
     });

@@ -5,7 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Console.h"
 #include "cli/ConsoleAlerts.h"
-#include "cli/Interrupts.h"
+#include "app/Interrupts.h"
 
 #include <memory>
 
@@ -20,7 +20,7 @@ public:
 
     const CommandLine &line() const { return m_line; }
     Console &console() { return m_console; }
-    Interrupts &interrupts() { return m_interrupts; }
+    app::Interrupts &interrupts() { return m_interrupts; }
     app::Program &program();
     /// Said on standard error; answers WrongUsage.
     ExitStatus wrongUsage(const QString &sentence);
@@ -38,7 +38,7 @@ private:
     CommandLine m_line;
     Console m_console;
     ConsoleAlerts m_alerts;
-    Interrupts m_interrupts;
+    app::Interrupts m_interrupts;
     std::unique_ptr<app::Program> m_program;
 };
 

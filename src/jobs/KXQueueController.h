@@ -40,6 +40,8 @@ public:
     void quitJobAlertClosedReturnCode(int returnCode);
     /// Stops the running job and takes its row away, without a question.
     void stopCurrentJob();
+    /// Takes every row away and stops the running job, when the program ends.
+    void removeAllJobs();
 
     const QList<JobPointer> &qJobList() const { return m_jobList; }
     const jobs::ProgressList &jobProgressList() const { return m_progressList; }

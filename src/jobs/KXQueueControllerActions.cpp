@@ -103,3 +103,12 @@ void KXQueueController::stopCurrentJob()
     if (m_currentJobRowIndex < m_jobList.size() && m_jobList.at(m_currentJobRowIndex) == job)
         removeRow(m_currentJobRowIndex);
 }
+
+void KXQueueController::removeAllJobs()
+{
+    for (qsizetype row = m_jobList.size() - 1; row >= 0; --row) {
+        if (!m_jobIsRunning || m_jobList.at(row) != m_currentJob)
+            removeRow(row);
+    }
+    stopCurrentJob();
+}

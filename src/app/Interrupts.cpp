@@ -1,10 +1,10 @@
-#include "cli/Interrupts.h"
+#include "app/Interrupts.h"
 
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace cli {
+namespace app {
 
 namespace {
 
@@ -72,4 +72,4 @@ void Interrupts::wake()
     Q_EMIT interrupted();
 }
 
-} // namespace cli
+} // namespace app

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-namespace cli {
+namespace app {
 
 /// Turns the first interrupt, terminate or hang-up signal into a Qt signal; the second one ends the program
 /// at once. One per program.
@@ -35,4 +35,4 @@ private:
     int m_signal = 0;
 };
 
-} // namespace cli
+} // namespace app

@@ -1,0 +1,52 @@
+#include "app/FileInfoWriter.h"
+
+#include "prefs/KXPreferences.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace app {
+
+namespace {
+
+bool replaceFile(const QUrl &file, const QString &text)
+{
+    QSaveFile target(file.toLocalFile());
+    if (!target.open(QIODevice::WriteOnly))
+        return false;
+    target.write(text.toUtf8());
+    return target.commit();
+}
+
+} // namespace
+
+FileInfoWriter::FileInfoWriter(const KXPreferences &preferences)
+    : KXHelpers(&preferences)
+    , m_preferences(preferences)
+{
+}
+
+QUrl FileInfoWriter::infoFileFor(const QUrl &file) const
+{
+    const QFileInfo info(file.toLocalFile());
+    const QString chosen = m_preferences.saveDirectoryPath();
+    const QDir folder(chosen.isEmpty() ? info.absolutePath() : chosen);
+    return QUrl::fromLocalFile(folder.filePath(info.fileName()) + u".info.txt"_s);
+}
+
+QString FileInfoWriter::write(const QList<QUrl> &files) const
+{
+    QStringList failed;
+    for (const QUrl &file : files) {
+        const QString output = doShellScriptForWithOptions(
+            urlOfApp(u"ffprobe"_s), {u"-i"_s, file, u"-show_streams -print_format json"_s});
+        if (!replaceFile(infoFileFor(file), output))
+            failed.append(infoFileFor(file).toLocalFile());
+    }
+    return failed.isEmpty() ? QString() : tr("Not written: %1").arg(failed.join(u", "_s));
+}
+
+} // namespace app

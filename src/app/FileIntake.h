@@ -1,0 +1,113 @@
+#pragma once
+
+#include "selection/OpenFiles.h"
+#include "tools/ShellRunner.h"
+
+#include <QObject>
+
+class KXQueueController;
+class KXSelectionController;
+
+namespace platform {
+class AlertPresenter;
+}
+
+namespace app {
+
+class CurrentFile;
+class OpenQueue;
+
+/// The single entry of every file that reaches the program. It decides whether a file becomes the current
+/// video, is added to it as a track, joins the MKV files to edit, or is refused. Owned by the program.
+/// Files are probed while the event loop runs; what comes in meanwhile waits for its turn.
+class FileIntake final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What the intake works on; all of it outlives it.
+    struct Parts
+    {
+        KXSelectionController &selectionController;
+        CurrentFile &currentFile;
+        OpenQueue &openQueue;
+        KXQueueController &queue;
+        platform::AlertPresenter &alerts;
+    };
+    enum class Alerts { Off, Shown };
+
+    explicit FileIntake(const Parts &parts);
+
+    /// "open", "add", "drag" or "watch"; it stays until the next intake.
+    QString openingFileMode() const { return m_openingFileMode; }
+    void setOpeningFileMode(const QString &mode) { m_openingFileMode = mode; }
+    const QList<QUrl> &openedURLsArray() const { return m_openedURLsArray; }
+    const QList<QUrl> &editFilesURLsArray() const { return m_editFilesURLsArray; }
+    const QStringList &editFilesPathsArray() const { return m_editFilesPathsArray; }
+
+    /// Takes files in by the opening mode and the tab.
+    void openedFileHubForFiles(const QList<QUrl> &files);
+    /// "new file added" when the file is the current video now, else an empty text.
+    QString testNewFileURLWithAlerts(const QUrl &url, Alerts alerts);
+    /// Makes the file the current video; answers like KXVideoFile::initializeForURL(). A file that is
+    /// refused leaves what was current as it was.
+    QString loadNewFileTracksFromWithAlerts(const QUrl &url, Alerts alerts);
+    /// Adds a separate track file to the current video, or says that it can't be added.
+    void addFileTrackFrom(const QUrl &url);
+    /// A subtitle that comes back from the subtitle application.
+    bool applicationOpenFile(const QString &path);
+    /// The answer to whether files with header removal should be rewritten: 1000 queues them.
+    void handleHeaderCompressionReturnCode(int returnCode);
+
+    /// While files are probed.
+    bool isBusy() const { return m_busy; }
+    /// Ends the probing; what was probed until then stays.
+    void stopProbing();
+
+    static constexpr int alertMilliseconds = 5000;
+    static constexpr int handOverAlertMilliseconds = 10000;
+
+Q_SIGNALS:
+    void busyChanged();
+    /// How far it is: so many files of so many are done, and this one is being looked at.
+    void probing(int done, int total, const QString &fileName);
+    /// The current file has other tracks than before.
+    void tracksChanged();
+    /// Watch mode's files are in the open queue now and can be started.
+    void watchedFilesOpened();
+    /// A file that came in through watch mode was refused.
+    void watchedFileRefused(const QUrl &url);
+
+private:
+    class Busy;
+
+    void takeIn(const QList<QUrl> &files);
+    void takeWatchedFiles();
+    void takeVideos();
+    void gatherEditFiles(Alerts alerts);
+    void askAboutHeaderRemoval();
+    /// What to do with a file whose answer is known.
+    QString handle(const QUrl &url, const QString &answer, Alerts alerts);
+    QString handleReplacing(const QUrl &url, Alerts alerts);
+    /// The new video, with the presets applied; false when it was refused.
+    bool loadWithPresets(const QUrl &url, Alerts alerts);
+    QString modeInForce() const { return m_busy ? m_busyMode : m_openingFileMode; }
+    void refuse(const QUrl &url, const QString &text);
+    void showProgress(qsizetype done, const QUrl &url);
+    bool isStopped() const { return *m_stop; }
+    OpenedFile entryOfCurrent() const;
+    void takeNextWaiting();
+
+    Parts m_parts;
+    QString m_openingFileMode = QStringLiteral("open");
+    QList<QUrl> m_openedURLsArray;
+    QList<QUrl> m_editFilesURLsArray;
+    QStringList m_editFilesPathsArray;
+    QList<QUrl> m_headerRemovalFiles;
+    QList<std::pair<QString, QList<QUrl>>> m_waiting; // mode and files
+    QString m_busyMode;
+    tools::StopFlag m_stop = std::make_shared<std::atomic_bool>(false);
+    bool m_busy = false;
+};
+
+} // namespace app

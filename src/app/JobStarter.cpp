@@ -1,0 +1,195 @@
+#include "app/JobStarter.h"
+
+#include "app/CurrentFile.h"
+#include "app/OpenQueue.h"
+#include "app/TrackEditing.h"
+#include "jobs/KXQueueController.h"
+#include "platform/AlertPresenter.h"
+#include "prefs/KXPreferences.h"
+#include "presets/KXPresetsController.h"
+#include "selection/KXSelectionController.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace app {
+
+namespace {
+
+const QString conversion = u"MKV Conversion"_s;
+const QString extraction = u"MKV Track Extraction"_s;
+
+/// A null text where the title starts nothing: the job type then stays as it is.
+QString fileJobTypeFor(const QString &title)
+{
+    if (title == u"Join"_s)
+        return u"MKV Joining"_s;
+    if (title == u"Split"_s)
+        return u"MKV Splitting"_s;
+    return title == u"Re-Mux"_s ? u"MKV Remux"_s : QString();
+}
+
+} // namespace
+
+JobStarter::JobStarter(const Parts &parts)
+    : m_parts(parts)
+{
+    m_finish.setSingleShot(true);
+    m_finish.setInterval(finishMilliseconds);
+    connect(&m_finish, &QTimer::timeout, this, [this] {
+        finishStartProcess(m_finishJobType);
+        Q_EMIT finishingChanged();
+    });
+}
+
+void JobStarter::startProcess(const QString &title)
+{
+    if (isFinishing())
+        return;
+    Q_EMIT editingEndWanted();
+    if (!saveFolderIsWritable())
+        return;
+    if (m_parts.selectionController.currentTab() == u"Edit Files"_s)
+        startEditingFiles(title);
+    else
+        startFile(title);
+}
+
+/// The folder that is set, else that of the first file the job works on.
+QUrl JobStarter::saveFolder() const
+{
+    const QUrl chosen = m_parts.preferences.saveDirectoryURL();
+    if (!chosen.toLocalFile().isEmpty())
+        return chosen;
+    const SelectionPointer selection = m_parts.selectionController.currentSelection();
+    const bool editsFiles = m_parts.selectionController.currentTab() == u"Edit Files"_s;
+    const QUrl file = editsFiles ? selection->editFilesURLsList().value(0) : selection->videoTrackFileURL();
+    return QUrl::fromLocalFile(QFileInfo(file.toLocalFile()).absolutePath());
+}
+
+bool JobStarter::saveFolderIsWritable()
+{
+    const QFileInfo folder(saveFolder().toLocalFile());
+    if (folder.isDir() && folder.isWritable())
+        return true;
+    platform::Alert alert;
+    // "permision" is meant.
+    alert.message = u"The application does not have permision to write to the save folder for this job."_s;
+    alert.informativeText = u"Either move the file, change the save location, or edit the permissions for "
+                            "the output folder."_s;
+    alert.style = platform::AlertStyle::Informational;
+    alert.closesAfter = std::chrono::milliseconds(alertMilliseconds);
+    m_parts.alerts.show(std::make_shared<const platform::Alert>(alert), {});
+    return false;
+}
+
+void JobStarter::startEditingFiles(const QString &title)
+{
+    const SelectionPointer selection = m_parts.selectionController.currentSelection();
+    if (const QString type = fileJobTypeFor(title); !type.isNull())
+        selection->setJobType(type);
+    m_parts.queue.addToQueue(selection);
+}
+
+void JobStarter::startFile(const QString &title)
+{
+    const SelectionPointer selection = m_parts.selectionController.currentSelection();
+    if (title == u"Send"_s) {
+        selection->setJobType(u"Send To Lintwick"_s);
+        m_parts.queue.addToQueue(selection);
+        return;
+    }
+    const QString jobType = title == u"Extract"_s ? extraction : jobTypeFor(m_parts.presets);
+    if (title == u"Extract"_s || jobType == conversion)
+        selection->setJobType(jobType);
+    startCurrent(jobType);
+}
+
+void JobStarter::startCurrent(const QString &jobType)
+{
+    const int files = m_parts.openQueue.openFileCount();
+    if (files == 0)
+        return;
+    if (mayStart(jobType)) {
+        // The preset named "Extract Tracks" leaves the type of the selection as it is; the job needs it.
+        const SelectionPointer job = m_parts.selectionController.currentSelection()->copy();
+        job->setJobType(jobType);
+        m_parts.queue.addToQueue(job);
+        if (files >= 2)
+            m_parts.openQueue.takeSelected();
+    }
+    if (files < 2)
+        return;
+    m_finishJobType = jobType;
+    m_finish.start();
+    Q_EMIT finishingChanged();
+}
+
+bool JobStarter::mayStart(const QString &jobType) const
+{
+    const KXSelectionController &controller = m_parts.selectionController;
+    return (jobType == conversion && controller.canConvert()) ||
+           (jobType == extraction && controller.canEditTracks());
+}
+
+bool JobStarter::queueEntry(int row, const QString &jobType)
+{
+    m_parts.openQueue.select(row);
+    if (m_parts.selectionController.openQueueMatrixIndex() == 0)
+        m_parts.currentFile.applyPresets();
+    m_parts.selectionController.updateTabs();
+    const SelectionPointer selection = m_parts.selectionController.currentSelection();
+    selection->setJobType(jobType);
+    if (!mayStart(jobType))
+        return false;
+    m_parts.queue.addToQueue(selection);
+    Q_EMIT jobQueued();
+    return true;
+}
+
+/// What became a job leaves the list; the first that did not is shown, or, when all did, the last one.
+void JobStarter::finishStartProcess(const QString &jobType)
+{
+    QList<int> queued;
+    const int count = m_parts.openQueue.openFileCount();
+    for (int row = 0; row < count; ++row) {
+        if (queueEntry(row, jobType))
+            queued.append(row);
+    }
+    if (queued.size() == count && count > 0)
+        queued.removeLast();
+    int shown = 0;
+    while (queued.contains(shown))
+        ++shown;
+    m_parts.openQueue.select(shown);
+    m_parts.openQueue.removeRows(queued);
+}
+
+QString JobStarter::trackEditingProblem() const
+{
+    const KXSelectionController &controller = m_parts.selectionController;
+    if (!controller.canEditTracks())
+        return tr("Tracks of MKV files can be edited, and at least one has to be ticked.");
+    return app::trackEditingProblem(*controller.currentSelection(), controller.editTrackMatrixIndex());
+}
+
+void JobStarter::startTrackEditing()
+{
+    Q_EMIT editingEndWanted();
+    if (isFinishing() || !trackEditingProblem().isNull())
+        return;
+    const int index = m_parts.selectionController.editTrackMatrixIndex();
+    if (index == 0)
+        return startProcess(u"Extract"_s);
+    if (!saveFolderIsWritable())
+        return;
+    const KXSelection &selection = *m_parts.selectionController.currentSelection();
+    if (index == 1)
+        m_parts.queue.addJob(selectionForRemoval(selection), u"KXEditMkvJob"_s);
+    else
+        m_parts.queue.addJob(selectionForAdding(*m_parts.currentFile.file(), selection),
+                             u"KXConvertToMkvJob"_s);
+}
+
+} // namespace app

@@ -1,0 +1,233 @@
+#include "app/KXAppDelegate.h"
+
+#include "app/Program.h"
+#include "engines/KXMoviePlayer.h"
+#include "platform/Chooser.h"
+#include "platform/Desktop.h"
+#include "tools/step/OutputGuard.h"
+
+#include <QFileInfo>
+#include <QPointer>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString tipsKey = u"showToolTipsFlag"_s;
+
+/// A stored index counts only where it lies in the list as it is now.
+int indexIn(const QVariant &stored, qsizetype count)
+{
+    const int index = stored.toInt();
+    return index >= 0 && index < count ? index : 0;
+}
+
+bool isSubtitleFile(const QString &path)
+{
+    static const QStringList extensions{u"srt"_s, u"ass"_s, u"ssa"_s, u"ttxt"_s,
+                                        u"idx"_s, u"sub"_s, u"sup"_s};
+    return extensions.contains(QFileInfo(path).suffix().toLower());
+}
+
+} // namespace
+
+KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
+    : m_around(surroundings)
+    , m_openQueue(surroundings.program.selectionController())
+    , m_intake({surroundings.program.selectionController(), surroundings.program.currentFile(), m_openQueue,
+                surroundings.program.queue(), surroundings.alerts})
+    , m_starter({surroundings.program.preferences(), surroundings.program.selectionController(),
+                 surroundings.program.presets(), surroundings.program.currentFile(), m_openQueue,
+                 surroundings.program.queue(), surroundings.alerts})
+    , m_infoWriter(surroundings.program.preferences())
+    , m_queueWatch(surroundings.program.queue(), surroundings.desktop)
+{
+    connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
+            &KXAppDelegate::fileTextFieldChanged);
+    connect(&m_intake, &app::FileIntake::watchedFilesOpened, this, [this] {
+        QTimer::singleShot(watchStartMilliseconds, this, [this] { m_starter.startProcess(u"Convert"_s); });
+    });
+}
+
+KXAppDelegate::~KXAppDelegate() = default;
+
+void KXAppDelegate::applicationDidFinishLaunching()
+{
+    program().preferences().modifyToolTips();
+    initGuiSettingsFrom(program().preferences().guiSettingsDictionary());
+    program().selectionController().updateTabs();
+}
+
+QString KXAppDelegate::fileTextField() const
+{
+    return m_around.program.selectionController().currentFileText();
+}
+
+QVariantMap KXAppDelegate::createGuiSettingsDictionary() const
+{
+    app::Program &program = m_around.program;
+    return {{u"settingMethodIndex"_s, program.presets().settingMethodIndexToStore()},
+            {u"selectionMethodIndex"_s, program.presets().selectionMethodIndexToStore()},
+            {u"currentTab"_s, program.selectionController().currentTab()}};
+}
+
+/// The tab comes first, because another tab leaves the settings preset.
+void KXAppDelegate::initGuiSettingsFrom(const QVariantMap &settings)
+{
+    const QString tab = settings.value(u"currentTab"_s).toString();
+    // "Edit Tracks" is meant, though the tab bears another name.
+    const bool known = !tab.isEmpty() && tab != u"Edit Tracks"_s;
+    program().selectionController().setCurrentTab(known ? tab : u"MKV"_s);
+    KXPresetsController &presets = program().presets();
+    presets.setSelectionMethodIndex(
+        indexIn(settings.value(u"selectionMethodIndex"_s), presets.presetSelectionsNamesList().size()));
+    presets.setSettingMethodIndex(
+        indexIn(settings.value(u"settingMethodIndex"_s), presets.presetSettingsNamesList().size()));
+}
+
+bool KXAppDelegate::applicationShouldTerminate()
+{
+    m_intake.stopProbing();
+    if (m_askingToQuit)
+        return false;
+    KXQueueController &queue = program().queue();
+    if (!queue.qJobIsRunning()) {
+        rememberAndSave();
+        return true;
+    }
+    queue.pauseQueueButton(u"Pause"_s);
+    platform::Alert question;
+    question.message = u"Videos are still being processed.  Quit anyways?"_s; // two blanks are meant
+    question.buttons = {u"OK"_s, u"Cancel"_s};
+    m_askingToQuit = true;
+    m_around.alerts.show(std::make_shared<const platform::Alert>(question),
+                         [self = QPointer(this)](int returnCode) {
+                             if (self)
+                                 self->quitAnswered(returnCode);
+                         });
+    return false;
+}
+
+/// After "Cancel" the job stays paused: meant.
+void KXAppDelegate::quitAnswered(int returnCode)
+{
+    m_askingToQuit = false;
+    if (returnCode != platform::firstButtonReturn)
+        return;
+    program().queue().removeAllJobs();
+    rememberAndSave();
+    Q_EMIT terminationAllowed();
+}
+
+void KXAppDelegate::rememberAndSave()
+{
+    program().preferences().setGuiSettingsDictionary(createGuiSettingsDictionary());
+    const QString problem = program().preferences().savePreferencesToDefaults();
+    if (!problem.isNull())
+        Q_EMIT noteWorthy(problem);
+}
+
+void KXAppDelegate::openFilePanel(const QString &title)
+{
+    const bool adds = title.toLower().startsWith(u"add"_s);
+    m_intake.setOpeningFileMode(adds ? u"add"_s : u"open"_s);
+    openFilePanelContinued();
+}
+
+void KXAppDelegate::openFilePanelContinued()
+{
+    using platform::ChooserRequest;
+    const bool one = m_intake.openingFileMode() == u"add"_s;
+    const ChooserRequest request{u"Select video file to open:"_s,
+                                 one ? ChooserRequest::What::OneFile : ChooserRequest::What::Files,
+                                 {}};
+    m_around.chooser.choose(request, [self = QPointer(this)](const QList<QUrl> &chosen) {
+        if (self)
+            self->takeInLater(chosen);
+    });
+}
+
+/// After a moment, so that a panel or a drag is gone before files are probed.
+void KXAppDelegate::takeInLater(const QList<QUrl> &files)
+{
+    QTimer::singleShot(hubMilliseconds, this, [this, files, mode = m_intake.openingFileMode()] {
+        m_intake.setOpeningFileMode(mode);
+        m_intake.openedFileHubForFiles(files);
+    });
+    Q_EMIT windowWanted();
+}
+
+void KXAppDelegate::filesDropped(const QList<QUrl> &files)
+{
+    m_intake.setOpeningFileMode(u"drag"_s);
+    takeInLater(files);
+}
+
+void KXAppDelegate::filesRequested(const QStringList &paths)
+{
+    QList<QUrl> films;
+    for (const QString &path : paths) {
+        if (isSubtitleFile(path))
+            m_intake.applicationOpenFile(path);
+        else
+            films.append(QUrl::fromLocalFile(path));
+    }
+    m_intake.setOpeningFileMode(u"open"_s);
+    if (!films.isEmpty())
+        takeInLater(films);
+    else
+        Q_EMIT windowWanted();
+}
+
+void KXAppDelegate::helpMenuItemSelected(const QString &title)
+{
+    if (title == u"Online Guide"_s)
+        Q_EMIT documentWanted(u"guide"_s);
+    else if (title == u"Online Troubleshooting"_s)
+        Q_EMIT documentWanted(u"troubleshooting"_s);
+    else if (title == u"Show Tool Tips"_s || title == u"Hide Tool Tips"_s)
+        switchToolTips(title == u"Show Tool Tips"_s);
+    else if (title == u"Save File Info"_s)
+        saveFileInfo();
+}
+
+void KXAppDelegate::switchToolTips(bool shown)
+{
+    KXPreferences &preferences = program().preferences();
+    QVariantMap panel = preferences.preferencePanelDictionary();
+    panel.insert(tipsKey, shown);
+    preferences.setPreferencePanelDictionary(panel);
+    preferences.modifyToolTips();
+    preferences.savePreferencesToDefaults();
+}
+
+/// The tab that gathers files is compared with a name it does not bear: meant, and so what came in last is
+/// written, which there are the gathered files too.
+void KXAppDelegate::saveFileInfo()
+{
+    const bool gathered = program().selectionController().currentTab() == u"Edit Tracks"_s;
+    const QList<QUrl> files = gathered ? m_intake.editFilesURLsArray() : m_intake.openedURLsArray();
+    const QString problem = m_infoWriter.write(files);
+    if (!problem.isNull())
+        Q_EMIT noteWorthy(problem);
+    else if (!files.isEmpty())
+        Q_EMIT noteWorthy(
+            tr("File info saved: %1").arg(m_infoWriter.infoFileFor(files.constFirst()).toLocalFile()));
+}
+
+QString KXAppDelegate::playingProblem() const
+{
+    app::Program &program = m_around.program;
+    const QUrl player = program.queue().urlOfApp(u"mplayer"_s);
+    return QFileInfo(player.toLocalFile()).isExecutable()
+               ? QString()
+               : tr("mplayer is not installed, so nothing can be played.");
+}
+
+void KXAppDelegate::playButton()
+{
+    Q_EMIT m_starter.editingEndWanted();
+    program().selectionController().deselectAllTrackRows();
+    program().playMovie(program().selectionController().currentSelection());
+}

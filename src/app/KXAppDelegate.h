@@ -1,0 +1,100 @@
+#pragma once
+
+#include "app/FileInfoWriter.h"
+#include "app/FileIntake.h"
+#include "app/JobStarter.h"
+#include "app/OpenQueue.h"
+#include "app/QueueWatch.h"
+
+#include <QObject>
+#include <QVariantMap>
+
+namespace platform {
+class Chooser;
+class Desktop;
+class Workspace;
+} // namespace platform
+
+namespace app {
+class Program;
+}
+
+/// What the window program is without its widgets: it starts and ends it, keeps what the main window
+/// remembers, and carries out the commands of menus and buttons. Made once, with a program that it does not
+/// own; intake, open files and starting are parts of its own. A window shows its properties and calls it.
+class KXAppDelegate final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString fileTextField READ fileTextField NOTIFY fileTextFieldChanged)
+
+public:
+    /// All of it outlives the delegate.
+    struct Surroundings
+    {
+        app::Program &program;
+        platform::AlertPresenter &alerts;
+        platform::Chooser &chooser;
+        platform::Desktop &desktop;
+    };
+
+    explicit KXAppDelegate(const Surroundings &surroundings);
+    ~KXAppDelegate() override;
+
+    app::Program &program() { return m_around.program; }
+    app::FileIntake &intake() { return m_intake; }
+    app::OpenQueue &openQueue() { return m_openQueue; }
+    app::JobStarter &starter() { return m_starter; }
+    app::QueueWatch &queueWatch() { return m_queueWatch; }
+
+    /// After the program was initialised: tool tips, and tab and presets as they were.
+    void applicationDidFinishLaunching();
+    /// True when the program may end now. With a running job it asks, and terminationAllowed() follows when
+    /// the answer is yes; otherwise the job stays paused.
+    bool applicationShouldTerminate();
+
+    /// What is remembered until the next start, see initGuiSettingsFrom().
+    QVariantMap createGuiSettingsDictionary() const;
+    void initGuiSettingsFrom(const QVariantMap &settings);
+
+    QString fileTextField() const;
+    /// "Open..." and "Add..." of menus and buttons, told apart by their title.
+    void openFilePanel(const QString &title);
+    void openFilePanelContinued();
+    /// Files that were dropped on the window.
+    void filesDropped(const QList<QUrl> &files);
+    /// Files that came with the command line, from the desktop or from a second start.
+    void filesRequested(const QStringList &paths);
+    /// The items of the help menu, told apart by their titles.
+    void helpMenuItemSelected(const QString &title);
+    void playButton();
+    /// Null when films can be shown, else why not.
+    QString playingProblem() const;
+
+    static constexpr int hubMilliseconds = 100;
+    static constexpr int watchStartMilliseconds = 500;
+
+Q_SIGNALS:
+    void terminationAllowed();
+    void fileTextFieldChanged();
+    /// A document for users is to be opened in the browser: "guide" or "troubleshooting".
+    void documentWanted(const QString &name);
+    /// The main window should come to the front, with its tables ready for the keyboard.
+    void windowWanted();
+    /// A sentence for the line at the bottom of the window.
+    void noteWorthy(const QString &sentence);
+
+private:
+    void quitAnswered(int returnCode);
+    void rememberAndSave();
+    void takeInLater(const QList<QUrl> &files);
+    void switchToolTips(bool shown);
+    void saveFileInfo();
+
+    Surroundings m_around;
+    app::OpenQueue m_openQueue;
+    app::FileIntake m_intake;
+    app::JobStarter m_starter;
+    app::FileInfoWriter m_infoWriter;
+    app::QueueWatch m_queueWatch;
+    bool m_askingToQuit = false;
+};

@@ -1,0 +1,111 @@
+#include "app/OpenQueue.h"
+
+#include "selection/KXSelectionController.h"
+
+#include <algorithm>
+
+namespace app {
+
+OpenQueue::OpenQueue(KXSelectionController &controller)
+    : m_controller(controller)
+{
+    m_controller.setOpenFiles(this);
+}
+
+OpenQueue::~OpenQueue()
+{
+    m_controller.setOpenFiles(nullptr);
+}
+
+void OpenQueue::replaceAll(const QList<OpenedFile> &entries)
+{
+    m_entries = entries;
+    m_selectedRow = -1; // what is current belongs to none of them
+    Q_EMIT entriesChanged();
+    if (!m_entries.isEmpty())
+        makeCurrent(0);
+    updatePopover();
+}
+
+void OpenQueue::select(int row)
+{
+    if (row < 0 || row >= m_entries.size() || row == m_selectedRow)
+        return;
+    makeCurrent(row);
+}
+
+void OpenQueue::makeCurrent(int row)
+{
+    m_controller.makeCurrent(m_entries.at(row)); // keeps what was current in the row that is still selected
+    m_selectedRow = row;
+    Q_EMIT selectedRowChanged();
+}
+
+void OpenQueue::removeSelecetedItemFromOpenQ()
+{
+    if (m_entries.size() >= 2 && m_selectedRow >= 0) {
+        const int removed = m_selectedRow;
+        takeSelected();
+        makeCurrent(std::max(removed - 1, 0));
+    }
+    updatePopover();
+}
+
+void OpenQueue::takeSelected()
+{
+    if (m_selectedRow < 0 || m_selectedRow >= m_entries.size())
+        return;
+    m_entries.removeAt(m_selectedRow);
+    m_selectedRow = -1;
+    Q_EMIT entriesChanged();
+}
+
+void OpenQueue::removeRows(const QList<int> &rows)
+{
+    QList<int> fromTheEnd = rows;
+    std::sort(fromTheEnd.begin(), fromTheEnd.end(), std::greater<>());
+    for (const int row : fromTheEnd) {
+        m_entries.removeAt(row);
+        if (row < m_selectedRow)
+            --m_selectedRow;
+    }
+    if (!rows.isEmpty())
+        Q_EMIT entriesChanged();
+    updatePopover();
+}
+
+void OpenQueue::updatePopover()
+{
+    const bool several = m_entries.size() >= 2;
+    if (!several)
+        closeOpenQ();
+    setCanOpenQueuePopover(several);
+}
+
+void OpenQueue::showOpenQ()
+{
+    Q_EMIT popoverWanted(true);
+}
+
+void OpenQueue::closeOpenQ()
+{
+    Q_EMIT popoverWanted(false);
+}
+
+void OpenQueue::setCanOpenQueuePopover(bool can)
+{
+    if (m_canOpenQueuePopover == can)
+        return;
+    m_canOpenQueuePopover = can;
+    Q_EMIT canOpenQueuePopoverChanged();
+}
+
+void OpenQueue::storeCurrent(const VideoFilePointer &file, const SelectionPointer &selection)
+{
+    if (m_selectedRow < 0 || m_selectedRow >= m_entries.size())
+        return;
+    m_entries[m_selectedRow].videoFile = file;
+    m_entries[m_selectedRow].videoSelection = selection;
+}
+
+} // namespace app

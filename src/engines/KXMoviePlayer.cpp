@@ -1,0 +1,93 @@
+#include "engines/KXMoviePlayer.h"
+
+#include "media/KXVideoTrack.h"
+#include "tools/Numbers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString subtitleFileOption = u"-sub"_s;
+
+QString numbered(const QString &option, const KXVideoTrack &track)
+{
+    return u"%1 %2"_s.arg(option).arg(tools::leadingInteger(track.trackMencoderID()));
+}
+
+/// The track by its number where it lives in the film, else its file.
+tools::OptionList placeOf(const KXVideoTrack &track, const KXSelection &selection, const QString &inside,
+                          const QString &outside)
+{
+    if (track.trackFilePath() == selection.videoTrackFilePath())
+        return {numbered(inside, track)};
+    return {outside, track.trackFileURL()};
+}
+
+tools::OptionList optionsOf(const KXVideoTrack &track, const KXSelection &selection)
+{
+    const QString type = track.trackType();
+    if (type == u"Video"_s)
+        return {numbered(u"-vid"_s, track)};
+    if (type == u"Audio"_s)
+        return placeOf(track, selection, u"-aid"_s, u"-audiofile"_s);
+    if (type == u"Subtitle"_s || type == u"External Subtitle"_s)
+        return placeOf(track, selection, u"-sid"_s, subtitleFileOption);
+    return {};
+}
+
+} // namespace
+
+KXMoviePlayer::KXMoviePlayer(const step::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"moviePlayer"_s);
+}
+
+void KXMoviePlayer::playMovie(const SelectionPointer &selection)
+{
+    setSubtitleFontURL(QUrl::fromLocalFile(u"/Library/Fonts/Arial Unicode.ttf"_s));
+    doShellScriptForWithOptions(urlOfApp(u"mplayer"_s), launchForm(playerOptions(*selection)));
+}
+
+tools::OptionList KXMoviePlayer::playerOptions(const KXSelection &selection) const
+{
+    tools::OptionList options{selection.videoTrackFileURL()};
+    for (const TrackPointer &track : selection.trackList())
+        options += optionsOf(*track, selection);
+    if (tools::leadingInteger(selection.subCount()) > 0) {
+        // Where the font is missing the player takes its own.
+        options += {u"-font"_s, QUrl::fromLocalFile(u"/Library/Fonts/Arial Unicode.ttf"_s),
+                    u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00"_s};
+    }
+    options.append(u"&> /dev/null & echo $!"_s);
+    return options;
+}
+
+tools::OptionList KXMoviePlayer::launchForm(const tools::OptionList &meant)
+{
+    tools::OptionList launched = meant;
+    for (qsizetype i = 1; i < launched.size(); ++i) {
+        if (launched.at(i).isFile() && launched.at(i - 1).text() == subtitleFileOption)
+            launched[i] = withoutComma(launched.at(i).url());
+    }
+    return launched;
+}
+
+QUrl KXMoviePlayer::withoutComma(const QUrl &file) const
+{
+    if (!file.toLocalFile().contains(u','))
+        return file;
+    const QDir folder(context().temporaryFolder);
+    for (int number = 1;; ++number) {
+        const QString suffix = QFileInfo(file.toLocalFile()).suffix().remove(u',');
+        const QString link = folder.filePath(u"subtitle%1.%2"_s.arg(number).arg(suffix));
+        if (QFile::link(file.toLocalFile(), link))
+            return QUrl::fromLocalFile(link);
+        if (!QFileInfo(link).isSymLink())
+            return file; // no folder to put it in: the player does without the subtitle
+    }
+}
