@@ -1,0 +1,116 @@
+#include "window/AudioBox.h"
+
+#include "selection/AudioActions.h"
+#include "selection/KXSelectionController.h"
+#include "window/Controls.h"
+#include "window/ToolTipBinder.h"
+
+#include <QGridLayout>
+#include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
+
+namespace window {
+
+AudioBox::AudioBox(KXSelectionController &controller, ToolTipBinder &tips, QWidget *parent)
+    : QGroupBox(tr("Audio"), parent)
+    , m_controller(controller)
+    , m_tips(tips)
+    , m_tracks(named(new QComboBox, "MultipleAudioTrackPopUp", tr("Audio track that is shown")))
+    , m_stereo(named(new QCheckBox(tr("Add a stereo copy")), "AddStereoCheckBox", tr("Add a stereo copy")))
+{
+    m_tracks->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    QSizePolicy keepsPlace = m_tracks->sizePolicy();
+    keepsPlace.setRetainSizeWhenHidden(true);
+    m_tracks->setSizePolicy(keepsPlace);
+    auto *layout = new QGridLayout(this);
+    layout->addWidget(m_tracks, 0, 0, 1, 2);
+    addActions(layout);
+    layout->addWidget(m_stereo, 5, 0, 1, 2);
+    layout->setRowStretch(6, 1);
+    layout->setColumnStretch(0, 1);
+    tips.bind(m_tracks, "ttMultipleAudioTrackPopUp");
+    tips.bind(m_stereo, "ttAddStereoCheckBox");
+    connect(m_tracks, &QComboBox::activated, &m_controller,
+            [this](int index) { m_controller.setAudioTrackPopupIndex(index); });
+    connect(m_stereo, &QCheckBox::clicked, this, [this](bool on) {
+        m_controller.byHand(&KXSelectionController::setAddStereoTrackButton, on ? 1 : 0);
+    });
+    refresh();
+}
+
+void AudioBox::addActions(QGridLayout *layout)
+{
+    const QStringList actions = selection::audioActions();
+    for (int i = 0; i < actions.size(); ++i) {
+        auto *box = new QCheckBox(actions.at(i));
+        box->setObjectName(u"TheAudioMatrix%1"_s.arg(i));
+        m_tips.bind(box, "ttTheAudioMatrix");
+        connect(box, &QCheckBox::clicked, this,
+                [this, action = actions.at(i)](bool on) { m_controller.tickAudioAction(action, on); });
+        m_actions.append(box);
+        layout->addWidget(box, i + 1, 0);
+    }
+    m_rates = {rateButton("AudioBitRateButtonAac2", tr("Bit rate of AAC stereo"),
+                          &KXSelectionController::setEnteredAAC2BitRate),
+               rateButton("AudioBitRateButtonAac51", tr("Bit rate of AAC surround"),
+                          &KXSelectionController::setEnteredAAC51BitRate),
+               rateButton("AudioBitRateButtonAc351", tr("Bit rate of AC3 surround"),
+                          &KXSelectionController::setEnteredAC351BitRate)};
+    for (int i = 0; i < m_rates.size(); ++i)
+        layout->addWidget(m_rates.at(i), i + 2, 1);
+}
+
+QComboBox *AudioBox::rateButton(const char *word, const QString &accessibleName, RateSetter setter)
+{
+    auto *button = named(new QComboBox, word, accessibleName);
+    button->addItems(m_controller.audioBitRateContent());
+    m_tips.bind(button, "ttAudioBitRateButton");
+    connect(button, &QComboBox::activated, this,
+            [this, button, setter] { m_controller.byHand(setter, button->currentText()); });
+    return button;
+}
+
+void AudioBox::refreshTracks()
+{
+    const QSignalBlocker quiet(m_tracks);
+    const QStringList labels = m_controller.audioTrackLabels();
+    m_tracks->clear();
+    m_tracks->addItems(labels);
+    m_tracks->setCurrentIndex(m_controller.audioTrackPopupIndex());
+    m_tracks->setVisible(!m_controller.hideAudioTrackPopupFlag());
+}
+
+/// A bit rate that is not in the list is shown all the same.
+void AudioBox::refreshRates()
+{
+    const QStringList rates{m_controller.enteredAAC2BitRate(), m_controller.enteredAAC51BitRate(),
+                            m_controller.enteredAC351BitRate()};
+    const QList<bool> ticked{m_controller.aac2State(), m_controller.aac51State(), m_controller.ac351State()};
+    for (int i = 0; i < m_rates.size(); ++i) {
+        if (m_rates.at(i)->findText(rates.at(i)) < 0)
+            m_rates.at(i)->addItem(rates.at(i));
+        m_rates.at(i)->setCurrentText(rates.at(i));
+        m_rates.at(i)->setEnabled(ticked.at(i));
+    }
+}
+
+void AudioBox::refresh()
+{
+    const bool hasAudio = m_controller.currentSelection()->audCount().toInt() > 0;
+    setEnabled(m_controller.canConvert() && hasAudio);
+    refreshTracks();
+    refreshRates();
+    const QList<bool> ticked{m_controller.passthruState(), m_controller.aac2State(),
+                             m_controller.aac51State(), m_controller.ac351State()};
+    for (int i = 0; i < m_actions.size(); ++i)
+        m_actions.at(i)->setChecked(ticked.at(i));
+    const bool red = m_controller.mkvAudioPassThruColor() == u"red"_s;
+    setReddened(m_actions.constFirst(), red);
+    m_tips.setReason(m_actions.constFirst(),
+                     red ? tr("Most devices play only AAC and AC3; this track is neither.") : QString());
+    m_stereo->setEnabled(m_controller.canAddStereoTrack());
+    m_stereo->setChecked(m_controller.addStereoTrackButton() != 0);
+}
+
+} // namespace window

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+class KXPreferences;
+class KXPreferencesController;
+class QFormLayout;
+
+namespace window {
+
+class ToolTipBinder;
+
+/// The preferences panel. What is entered waits in its controller for OK; only the tool tips switch at once.
+/// It is deleted when it closes.
+class PreferencesPanel final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// All must outlive it.
+    PreferencesPanel(KXPreferencesController &controller, KXPreferences &preferences, ToolTipBinder &tips,
+                     QWidget *parent);
+
+    void accept() override;
+    void reject() override;
+
+private:
+    /// A check box and the controller's property that it shows.
+    struct Switch
+    {
+        QCheckBox *box;
+        const char *property;
+    };
+
+    void addFolders(QFormLayout *layout);
+    void addSwitches(QFormLayout *layout);
+    QWidget *endRow();
+    QPushButton *button(const QString &title, const char *word, const QString &name);
+    QCheckBox *checkBox(const QString &title, const char *word, const char *property);
+    void offerPadding(QCheckBox *padding, QLabel *reason);
+    void refresh();
+
+    KXPreferencesController &m_controller;
+    KXPreferences &m_preferences;
+    ToolTipBinder &m_tips;
+    QLineEdit *m_saveFolder;
+    QPushButton *m_clear = nullptr;
+    QLineEdit *m_lintwick;
+    QList<Switch> m_switches;
+    QLabel *m_problem;
+};
+
+} // namespace window

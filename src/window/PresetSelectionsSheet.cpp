@@ -1,0 +1,158 @@
+#include "window/PresetSelectionsSheet.h"
+
+#include "presets/KXPresetsController.h"
+#include "window/Controls.h"
+#include "window/FilterBox.h"
+#include "window/FilterPanel.h"
+#include "window/ToolTipBinder.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFormLayout>
+#include <QGridLayout>
+
+using namespace Qt::StringLiterals;
+using presets::FilterKind;
+
+namespace window {
+
+namespace {
+
+/// "Manual" has no row.
+constexpr int hiddenPresets = 1;
+
+// What the video rule stores.
+const QString firstTrack = u"First Track"_s;
+const QString noTrack = u"0"_s;
+
+} // namespace
+
+PresetSelectionsSheet::PresetSelectionsSheet(KXPresetsController &presets, ToolTipBinder &tips,
+                                             QWidget *parent)
+    : PresetSheet(tips, tr("Track Presets"), parent)
+    , m_presets(presets)
+    , m_video(named(new QComboBox, "VideoTrackSelectionPopUp", tr("Video track")))
+    , m_panelPlace(new QWidget)
+    , m_panelHint(hint(tr("Point at a filter to see it, and press it to edit it.")))
+    , m_audioPanel(new FilterPanel(presets.filterEditor(), FilterKind::Audio, m_panelPlace))
+    , m_subtitlePanel(new FilterPanel(presets.filterEditor(), FilterKind::Subtitle, m_panelPlace))
+    , m_audio(new FilterBox(presets.filterEditor(), *m_audioPanel, tips))
+    , m_subtitles(new FilterBox(presets.filterEditor(), *m_subtitlePanel, tips))
+{
+    setObjectName(u"PresetSelectionsSheet"_s);
+    m_video->addItem(tr("First track, if it is video"), firstTrack);
+    m_video->addItem(tr("None"), noTrack);
+    tips.bind(m_video, "ttVideoTrackSelectionPopUp");
+    form()->addRow(tr("&Video:"), m_video);
+    addBelowForm(makeFilters());
+    m_presets.openPresetSelectionPanel();
+    connectFields();
+    refresh();
+}
+
+QWidget *PresetSelectionsSheet::makeFilters()
+{
+    auto *filters = new QWidget;
+    auto *layout = new QGridLayout(filters);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_audio, 0, 0);
+    layout->addWidget(m_subtitles, 1, 0);
+    layout->setRowStretch(2, 1);
+    layout->addWidget(makePanelPlace(), 0, 1, 3, 1);
+    layout->setColumnStretch(1, 1);
+    return filters;
+}
+
+/// The panels float in a space of their own, so that they cover nothing.
+QWidget *PresetSelectionsSheet::makePanelPlace()
+{
+    auto *layout = new QVBoxLayout(m_panelPlace);
+    layout->addStretch(1);
+    layout->addWidget(m_panelHint);
+    layout->addStretch(1);
+    m_panelPlace->setMinimumSize(m_audioPanel->largestSize());
+    return m_panelPlace;
+}
+
+void PresetSelectionsSheet::connectFields()
+{
+    connect(&m_presets, &KXPresetsController::listsChanged, this, &PresetSelectionsSheet::refresh);
+    connect(&m_presets, &KXPresetsController::panelRowsChanged, this, &PresetSelectionsSheet::refresh);
+    connect(&m_presets.filterEditor(), &FilterEditor::changed, this, &PresetSelectionsSheet::showPanelHint);
+    connect(m_video, &QComboBox::activated, this,
+            [this] { preset()->setPSelectedVideoTrack(m_video->currentData().toString()); });
+    connect(m_audio, &FilterBox::modeChosen, this,
+            [this](const QString &mode) { preset()->setPAudioFilterMode(mode); });
+    connect(m_subtitles, &FilterBox::modeChosen, this,
+            [this](const QString &mode) { preset()->setPSubtitleFilterMode(mode); });
+}
+
+void PresetSelectionsSheet::showPanelHint()
+{
+    const bool canEdit = preset() != nullptr && preset()->isEditable();
+    m_panelHint->setVisible(canEdit && m_presets.filterEditor().panelTag() == 0);
+}
+
+/// A filter that is being edited is finished when the person goes elsewhere.
+void PresetSelectionsSheet::changeEvent(QEvent *event)
+{
+    PresetSheet::changeEvent(event);
+    const bool left = event->type() == QEvent::ActivationChange && !isActiveWindow();
+    if (left && QApplication::activePopupWidget() == nullptr)
+        m_presets.filterEditor().windowDidResignKey();
+}
+
+KXPresetSelections *PresetSelectionsSheet::preset() const
+{
+    return row() < 0 ? nullptr : m_presets.presetSelectionsList().value(row() + hiddenPresets).get();
+}
+
+QList<PresetTable::Row> PresetSelectionsSheet::rows() const
+{
+    QList<PresetTable::Row> rows;
+    for (const PresetSelectionsPointer &preset : m_presets.presetSelectionsList())
+        rows.append({preset->pName(), preset->isEditable()});
+    return rows.mid(hiddenPresets);
+}
+
+int PresetSelectionsSheet::row() const
+{
+    return m_presets.selectionPanelRow();
+}
+
+void PresetSelectionsSheet::choose(int row)
+{
+    m_presets.selectionListTableClicked(row);
+}
+
+void PresetSelectionsSheet::add()
+{
+    m_presets.addPresetSelection();
+}
+
+void PresetSelectionsSheet::remove()
+{
+    m_presets.removePresetSelection();
+}
+
+QString PresetSelectionsSheet::rename(int row, const QString &name)
+{
+    return m_presets.renamePresetSelection(row, name);
+}
+
+QString PresetSelectionsSheet::store()
+{
+    return m_presets.okPresetSelectionPanel();
+}
+
+void PresetSelectionsSheet::showPreset(bool isEditable)
+{
+    const KXPresetSelections *shown = preset();
+    m_video->setEnabled(isEditable);
+    m_video->setCurrentIndex(shown == nullptr ? -1 : shown->pSelectedVideoTrack() == firstTrack ? 0 : 1);
+    m_audio->showMode(shown == nullptr ? QString() : shown->pAudioFilterMode(), isEditable);
+    m_subtitles->showMode(shown == nullptr ? QString() : shown->pSubtitleFilterMode(), isEditable);
+    showPanelHint();
+}
+
+} // namespace window

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "window/PresetTable.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+
+class QFormLayout;
+class QVBoxLayout;
+
+namespace window {
+
+/// What the two sheets of presets share: the table, the name, a line that says what was refused, and the end.
+/// A sheet can't be cancelled: however it is closed, Escape too, what was typed counts and is stored, so that
+/// nothing gets lost. It is deleted when it closes.
+class PresetSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    void accept() override { finish(); }
+    void reject() override { finish(); }
+
+protected:
+    PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent);
+
+    /// Starts with the name; the preset's other fields go below it.
+    QFormLayout *form() const { return m_form; }
+    /// What needs more room than a row stands below the form.
+    void addBelowForm(QWidget *widget);
+    /// Shows everything as it is now. To be called at the end of construction, and whenever it changed.
+    void refresh();
+
+    virtual QList<PresetTable::Row> rows() const = 0;
+    /// The selected one; -1 is none.
+    virtual int row() const = 0;
+    virtual void choose(int row) = 0;
+    virtual void add() = 0;
+    virtual void remove() = 0;
+    /// Answers a null text, or says why the preset can't have that name.
+    virtual QString rename(int row, const QString &name) = 0;
+    /// Answers a null text, or a sentence when saving failed.
+    virtual QString store() = 0;
+    virtual void showPreset(bool isEditable) = 0;
+
+private:
+    void buildFrame();
+    void connectTable();
+    void addAndName();
+    bool commitName();
+    bool say(const QString &refusal);
+    void finish();
+
+    PresetTable *m_table;
+    QLineEdit *m_name;
+    QLabel *m_hint;
+    QLabel *m_refusal;
+    QPushButton *m_ok;
+    QFormLayout *m_form;
+    QVBoxLayout *m_side;
+    bool m_closesUnsaved = false;
+};
+
+} // namespace window

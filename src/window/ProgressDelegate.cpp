@@ -1,0 +1,51 @@
+#include "window/ProgressDelegate.h"
+
+#include "tools/Numbers.h"
+
+#include <QApplication>
+#include <QStyleOptionProgressBar>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace window {
+
+int ProgressDelegate::percentageOf(const QString &text)
+{
+    if (text == u"Complete"_s)
+        return 100;
+    if (!text.endsWith(u'%'))
+        return -1;
+    return static_cast<int>(std::clamp<qint64>(tools::leadingInteger(text), 0, 100));
+}
+
+void ProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                             const QModelIndex &index) const
+{
+    const QString text = index.data().toString();
+    const int percentage = percentageOf(text);
+    if (percentage < 0)
+        return QStyledItemDelegate::paint(painter, option, index);
+    QStyleOptionProgressBar bar;
+    bar.rect = option.rect.adjusted(4, 3, -4, -3);
+    bar.state = option.state | QStyle::State_Horizontal;
+    bar.direction = option.direction;
+    bar.fontMetrics = option.fontMetrics;
+    bar.palette = option.palette;
+    bar.minimum = 0;
+    bar.maximum = 100;
+    bar.progress = percentage;
+    bar.text = text;
+    bar.textVisible = true;
+    bar.textAlignment = Qt::AlignCenter;
+    QApplication::style()->drawControl(QStyle::CE_ProgressBar, &bar, painter);
+}
+
+QSize ProgressDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const QSize base = QStyledItemDelegate::sizeHint(option, index);
+    return {base.width(), std::max(base.height(), option.fontMetrics.height() + 10)};
+}
+
+} // namespace window

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace window {
+
+/// Draws a percentage as a bar, and any other text ("Initializing") as it is. Owned by the table.
+class ProgressDelegate final : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+    /// 0 to 100; -1 where the text is no percentage.
+    static int percentageOf(const QString &text);
+};
+
+} // namespace window

@@ -1,0 +1,67 @@
+#include "window/WindowProgram.h"
+
+#include <QApplication>
+#include <QFileOpenEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace window {
+
+WindowProgram::WindowProgram(const app::Program::Options &options)
+    : m_program(options, m_alerts)
+    , m_delegate({m_program, m_alerts, m_chooser, m_desktop})
+    , m_preferencesController(m_program.preferences(), m_chooser)
+    , m_window(m_delegate, m_preferencesController)
+{
+    m_alerts.setParentWindow(&m_window);
+    m_chooser.setParentWindow(&m_window);
+    QApplication::setQuitOnLastWindowClosed(false); // the delegate says when it ends
+    qApp->installEventFilter(this);
+    connect(&m_window, &MainWindow::quitWanted, this, &WindowProgram::quit);
+    connect(&m_delegate, &KXAppDelegate::terminationAllowed, qApp, &QApplication::quit, Qt::QueuedConnection);
+    // Nobody can be asked then: the running job is stopped and its unfinished output removed.
+    connect(&m_interrupts, &app::Interrupts::interrupted, qApp, &QApplication::quit, Qt::QueuedConnection);
+}
+
+WindowProgram::~WindowProgram()
+{
+    m_delegate.intake().stopProbing();
+}
+
+void WindowProgram::start(const QStringList &paths)
+{
+    const QString problem = m_program.initialize();
+    m_delegate.applicationDidFinishLaunching();
+    m_window.show();
+    sayProblem(problem);
+    sayProblem(m_program.preferences().toolsProblem());
+    if (!paths.isEmpty())
+        m_delegate.filesRequested(paths);
+}
+
+void WindowProgram::sayProblem(const QString &problem)
+{
+    if (problem.isEmpty())
+        return;
+    platform::Alert alert;
+    alert.message = tr("Something is not as it should be");
+    alert.informativeText = problem;
+    alert.style = platform::AlertStyle::Warning;
+    m_alerts.show(std::make_shared<const platform::Alert>(alert), {});
+}
+
+void WindowProgram::quit()
+{
+    if (m_delegate.applicationShouldTerminate())
+        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
+}
+
+bool WindowProgram::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::FileOpen)
+        return QObject::eventFilter(watched, event);
+    m_delegate.filesRequested({static_cast<QFileOpenEvent *>(event)->file()}); // NOLINT
+    return true;
+}
+
+} // namespace window

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/Interrupts.h"
+#include "app/KXAppDelegate.h"
+#include "app/Program.h"
+#include "prefs/KXPreferencesController.h"
+#include "window/FileChooser.h"
+#include "window/MainWindow.h"
+#include "window/NativeDesktop.h"
+#include "window/SheetAlerts.h"
+
+#include <QObject>
+
+namespace window {
+
+/// Makes everything of the window program once and ties it together: the program, its delegate, the windows,
+/// and how all of it ends.
+class WindowProgram final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit WindowProgram(const app::Program::Options &options);
+    ~WindowProgram() override;
+
+    /// Loads the settings, shows the window and takes the files in.
+    void start(const QStringList &paths);
+    void quit();
+    KXAppDelegate &delegate() { return m_delegate; }
+    MainWindow &mainWindow() { return m_window; }
+    SheetAlerts &alerts() { return m_alerts; }
+
+protected:
+    /// Files that the desktop opens while we run.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void sayProblem(const QString &problem);
+
+    SheetAlerts m_alerts;
+    FileChooser m_chooser;
+    NativeDesktop m_desktop;
+    app::Program m_program;
+    KXAppDelegate m_delegate;
+    KXPreferencesController m_preferencesController;
+    MainWindow m_window;
+    app::Interrupts m_interrupts;
+};
+
+} // namespace window
