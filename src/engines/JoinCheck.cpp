@@ -1,6 +1,13 @@
 #include "engines/JoinCheck.h"
 
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QThread>
+#include <QThreadPool>
+
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -38,6 +45,22 @@ Properties::Properties(const KXVideoFile &file)
     }
 }
 
+/// On the main thread the window goes on meanwhile.
+void waitForAll(QThreadPool &pool)
+{
+    const auto *application = QCoreApplication::instance();
+    if (application == nullptr || QThread::currentThread() != application->thread()) {
+        pool.waitForDone();
+        return;
+    }
+    QEventLoop loop;
+    const std::unique_ptr<QThread> waiter(QThread::create([&pool] { pool.waitForDone(); }));
+    QObject::connect(waiter.get(), &QThread::finished, &loop, &QEventLoop::quit);
+    waiter->start();
+    loop.exec();
+    waiter->wait();
+}
+
 } // namespace
 
 QStringList mismatchedProperties(const QList<VideoFilePointer> &files)
@@ -67,17 +90,25 @@ QStringList mismatchedProperties(const QList<VideoFilePointer> &files)
     return names;
 }
 
+/// All at once: a join waits for the slowest file only.
 QList<VideoFilePointer> probedForJoining(const QList<QUrl> &files, const tools::ToolPlaces &places,
                                          const tools::StopFlag &stop)
 {
-    QList<VideoFilePointer> probed;
-    for (const QUrl &url : files) {
-        const auto file = std::make_shared<KXVideoFile>(&places);
-        file->setStopFlag(stop);
-        if (file->initializeForURL(url) == u"OK"_s)
-            probed.append(file);
+    std::vector<VideoFilePointer> probed(static_cast<std::size_t>(files.size()));
+    QThreadPool pool;
+    for (std::size_t i = 0; i < probed.size(); ++i) {
+        pool.start([&probed, &places, &stop, i, url = files.at(static_cast<qsizetype>(i))] {
+            const auto file = std::make_shared<KXVideoFile>(&places);
+            file->setStopFlag(stop);
+            if (file->initializeForURL(url) == u"OK"_s)
+                probed[i] = file;
+        });
     }
-    return probed;
+    waitForAll(pool);
+    QList<VideoFilePointer> identified;
+    std::copy_if(probed.begin(), probed.end(), std::back_inserter(identified),
+                 [](const VideoFilePointer &file) { return file != nullptr; });
+    return identified;
 }
 
 platform::AlertPointer mismatchAlert(const QStringList &names)
