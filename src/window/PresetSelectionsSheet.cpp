@@ -50,6 +50,13 @@ PresetSelectionsSheet::PresetSelectionsSheet(KXPresetsController &presets, ToolT
     refresh();
 }
 
+PresetSelectionsSheet::~PresetSelectionsSheet()
+{
+    detach();
+    m_presets.disconnect(this);
+    m_presets.filterEditor().disconnect(this);
+}
+
 QWidget *PresetSelectionsSheet::makeFilters()
 {
     auto *filters = new QWidget;

@@ -71,6 +71,12 @@ void PresetSheet::connectTable()
     connect(m_ok, &QPushButton::clicked, this, &PresetSheet::finish);
 }
 
+void PresetSheet::detach()
+{
+    m_table->disconnect(this);
+    m_name->disconnect(this);
+}
+
 void PresetSheet::addBelowForm(QWidget *widget)
 {
     m_side->addWidget(widget, 1);

@@ -25,6 +25,8 @@ public:
 protected:
     PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent);
 
+    /// To be called by the destructors: what children still tell while they go finds nobody any more.
+    void detach();
     /// Starts with the name; the preset's other fields go below it.
     QFormLayout *form() const { return m_form; }
     /// What needs more room than a row stands below the form.
