@@ -5,7 +5,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTest>
-#include <QWindow>
 
 /// A person's hand on a sheet: mouse and keys. A control that is not found fails the test.
 class SheetHand final
@@ -16,7 +15,8 @@ public:
     {
     }
 
-    template <typename Control = QWidget> Control *find(const char *word) const
+    template <typename Control = QWidget>
+    Control *find(const char *word) const
     {
         auto *found = m_sheet.findChild<Control *>(QString::fromLatin1(word));
         if (found == nullptr)
@@ -37,10 +37,10 @@ public:
     void click(const char *button) const { QTest::mouseClick(find(button), Qt::LeftButton); }
     void pointAt(const char *word) const
     {
-        QWidget *widget = find(word);
-        QTest::mouseMove(m_sheet.windowHandle(), widget->mapTo(&m_sheet, widget->rect().center()));
+        pointAtNothing();
+        QTest::mouseMove(find(word));
     }
-    void pointAtNothing() const { QTest::mouseMove(m_sheet.windowHandle(), QPoint(1, 1)); }
+    void pointAtNothing() const { QTest::mouseMove(&m_sheet, QPoint(1, 1)); }
     /// Types in the place of what the field holds.
     void type(const char *field, const QString &text) const
     {
