@@ -65,10 +65,8 @@ QString Program::initialize()
 
 void Program::playMovie(const SelectionPointer &selection)
 {
-    if (m_playerFolder.isEmpty())
-        m_playerFolder = m_scratch.makeJobFolder();
     step::OutputGuard guard(m_outputs, m_whenTaken);
-    KXMoviePlayer player({m_preferences, m_notifications, m_launcher, guard, m_playerFolder, &m_alerts});
+    KXMoviePlayer player({m_preferences, m_notifications, m_launcher, guard, {}, &m_alerts});
     player.playMovie(selection);
 }
 

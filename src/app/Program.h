@@ -77,7 +77,6 @@ private:
     step::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
-    QString m_playerFolder; // for links the player needs; made when it first does
 };
 
 } // namespace app

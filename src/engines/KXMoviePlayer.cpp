@@ -3,10 +3,6 @@
 #include "media/KXVideoTrack.h"
 #include "tools/Numbers.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -37,6 +33,13 @@ tools::OptionList optionsOf(const KXVideoTrack &track, const KXSelection &select
     if (type == u"Subtitle"_s || type == u"External Subtitle"_s)
         return placeOf(track, selection, u"-sid"_s, subtitleFileOption);
     return {};
+}
+
+/// What the player reads as this one file: its "-sub" takes a list, divided by commas, in which only a
+/// comma is escaped.
+QUrl withEscapedCommas(const QUrl &file)
+{
+    return QUrl::fromLocalFile(file.toLocalFile().replace(u","_s, u"\\,"_s));
 }
 
 } // namespace
@@ -72,22 +75,7 @@ tools::OptionList KXMoviePlayer::launchForm(const tools::OptionList &meant)
     tools::OptionList launched = meant;
     for (qsizetype i = 1; i < launched.size(); ++i) {
         if (launched.at(i).isFile() && launched.at(i - 1).text() == subtitleFileOption)
-            launched[i] = withoutComma(launched.at(i).url());
+            launched[i] = withEscapedCommas(launched.at(i).url());
     }
     return launched;
-}
-
-QUrl KXMoviePlayer::withoutComma(const QUrl &file) const
-{
-    if (!file.toLocalFile().contains(u','))
-        return file;
-    const QDir folder(context().temporaryFolder);
-    for (int number = 1;; ++number) {
-        const QString suffix = QFileInfo(file.toLocalFile()).suffix().remove(u',');
-        const QString link = folder.filePath(u"subtitle%1.%2"_s.arg(number).arg(suffix));
-        if (QFile::link(file.toLocalFile(), link))
-            return QUrl::fromLocalFile(link);
-        if (!QFileInfo(link).isSymLink())
-            return file; // no folder to put it in: the player does without the subtitle
-    }
 }

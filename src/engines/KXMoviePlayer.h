@@ -15,10 +15,6 @@ public:
     /// What playMovie() means to run: mplayer's options, with the shell's redirection at their end.
     tools::OptionList playerOptions(const KXSelection &selection) const;
 
-protected:
-    /// A comma would end a subtitle's name: such a file is shown through a link beside our own files.
+    /// What it runs: a comma would end the name of a subtitle's file, so it is escaped.
     tools::OptionList launchForm(const tools::OptionList &meant) override;
-
-private:
-    QUrl withoutComma(const QUrl &file) const;
 };

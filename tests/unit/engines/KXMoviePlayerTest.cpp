@@ -1,0 +1,192 @@
+// The player's options, and what becomes of them on the shell line. The player itself is a fake tool.
+#include "engines/KXMoviePlayer.h"
+#include "support/FakeTool.h"
+#include "support/JobWorld.h"
+#include "support/Waiting.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+using tools::OptionItem;
+using tools::OptionList;
+
+namespace {
+
+const QString film = u"/v/a.mkv"_s;
+const QString inBackground = u"&> /dev/null & echo $!"_s;
+const QString drawing = u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00"_s;
+
+QUrl file(const QString &path)
+{
+    return QUrl::fromLocalFile(path);
+}
+
+TrackPointer track(const QString &type, const QString &number, const QString &source = film)
+{
+    const auto made = JobWorld::track(type, source);
+    made->setTrackMencoderID(number);
+    return made;
+}
+
+} // namespace
+
+class KXMoviePlayerTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_world = std::make_unique<JobWorld>(JobWorld::Tools::Fake);
+        m_guard = std::make_unique<step::OutputGuard>(m_world->outputs, step::WhenTaken::NextFreeName);
+        m_player = std::make_unique<KXMoviePlayer>(m_world->converterContext(*m_guard));
+    }
+    void cleanup()
+    {
+        m_player.reset();
+        m_guard.reset();
+        m_world.reset();
+    }
+
+    void itsNameIsMoviePlayer() { QCOMPARE(m_player->converterName(), u"moviePlayer"_s); }
+
+    void videoAudioAndAnExternalSubtitle()
+    {
+        QCOMPARE(
+            options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s),
+                     track(u"Subtitle"_s, u"0"_s, u"/v/words.srt"_s)},
+                    u"1"_s),
+            OptionList({file(film), u"-vid 0"_s, u"-aid 1"_s, u"-sub"_s, file(u"/v/words.srt"_s), u"-font"_s,
+                        file(u"/Library/Fonts/Arial Unicode.ttf"_s), drawing, inBackground}));
+    }
+
+    void withoutSubtitlesNoFontIsNamed()
+    {
+        QCOMPARE(options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s)}, u"0"_s),
+                 OptionList({file(film), u"-vid 0"_s, u"-aid 1"_s, inBackground}));
+    }
+
+    void oneTrack_data()
+    {
+        QTest::addColumn<TrackPointer>("made");
+        QTest::addColumn<OptionList>("expected");
+        const QString other = u"/v/other.mka"_s;
+        QTest::newRow("video") << track(u"Video"_s, u"2"_s) << OptionList{u"-vid 2"_s};
+        QTest::newRow("video of another file") << track(u"Video"_s, u"2"_s, other) << OptionList{u"-vid 2"_s};
+        QTest::newRow("audio of the film") << track(u"Audio"_s, u"3"_s) << OptionList{u"-aid 3"_s};
+        QTest::newRow("audio of another file")
+            << track(u"Audio"_s, u"3"_s, other) << OptionList{u"-audiofile"_s, file(other)};
+        QTest::newRow("subtitle of the film") << track(u"Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"_s};
+        QTest::newRow("subtitle of another file")
+            << track(u"Subtitle"_s, u"4"_s, other) << OptionList{u"-sub"_s, file(other)};
+        QTest::newRow("external subtitle of the film")
+            << track(u"External Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"_s};
+        QTest::newRow("external subtitle of another file")
+            << track(u"External Subtitle"_s, u"4"_s, other) << OptionList{u"-sub"_s, file(other)};
+        QTest::newRow("any other type") << track(u"Attachment"_s, u"5"_s) << OptionList{};
+        QTest::newRow("types are compared exactly") << track(u"audio"_s, u"5"_s) << OptionList{};
+        QTest::newRow("a number with words behind it")
+            << track(u"Audio"_s, u"12abc"_s) << OptionList{u"-aid 12"_s};
+        QTest::newRow("no number") << track(u"Video"_s, {}) << OptionList{u"-vid 0"_s};
+    }
+
+    void oneTrack()
+    {
+        QFETCH(TrackPointer, made);
+        QFETCH(OptionList, expected);
+        QCOMPARE(options({made}, u"0"_s), OptionList{file(film)} + expected + OptionList{inBackground});
+    }
+
+    /// Of several options of a kind the player takes the last: that is left to it.
+    void everyTrackAddsItsOwnOptionInOrder()
+    {
+        QCOMPARE(options({track(u"Subtitle"_s, u"1"_s), track(u"Audio"_s, u"1"_s), track(u"Video"_s, u"0"_s),
+                          track(u"Audio"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s)},
+                         u"0"_s),
+                 OptionList({file(film), u"-sid 1"_s, u"-aid 1"_s, u"-vid 0"_s, u"-aid 0"_s, u"-sid 0"_s,
+                             inBackground}));
+    }
+
+    /// The font goes by the selection's count, not by its tracks; that is meant.
+    void theCountOfSubtitlesDecidesAboutTheFont()
+    {
+        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, u"0"_s).contains(OptionItem(u"-font"_s)));
+        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, {}).contains(OptionItem(u"-font"_s)));
+        QVERIFY(options({}, u"2"_s).contains(OptionItem(u"-font"_s)));
+    }
+
+    void commasInASubtitlesPathAreEscapedWhenItRuns()
+    {
+        const OptionList meant =
+            options({track(u"Subtitle"_s, u"0"_s, u"/v,w/a,b\\,c.srt"_s), track(u"Video"_s, u"0"_s)}, u"0"_s);
+        QCOMPARE(meant,
+                 OptionList({file(film), u"-sub"_s, file(u"/v,w/a,b\\,c.srt"_s), u"-vid 0"_s, inBackground}));
+        QCOMPARE(m_player->launchForm(meant),
+                 OptionList(
+                     {file(film), u"-sub"_s, file(u"/v\\,w/a\\,b\\\\,c.srt"_s), u"-vid 0"_s, inBackground}));
+    }
+
+    void otherPathsRunAsTheyAreMeant()
+    {
+        const QString comma = u"/v/a,b.mkv"_s;
+        const auto selection = m_world->selectionFor(comma);
+        selection->setTrackList(
+            {track(u"Audio"_s, u"0"_s, u"/v/c,d.mka"_s), track(u"Subtitle"_s, u"0"_s, u"/v/e.srt"_s)});
+        const OptionList expected{file(comma), u"-audiofile"_s,     file(u"/v/c,d.mka"_s),
+                                  u"-sub"_s,   file(u"/v/e.srt"_s), inBackground};
+        QCOMPARE(m_player->playerOptions(*selection), expected);
+        QCOMPARE(m_player->launchForm(expected), expected);
+    }
+
+    void thePlayerIsStartedAndNotWaitedFor()
+    {
+        const QString runs = m_world->scratch.path(u"runs"_s);
+        const QString pid = m_world->scratch.path(u"pid"_s);
+        m_world->installTool(u"mplayer/mplayer"_s, {u"record "_s + runs, u"pid "_s + pid, u"hang"_s});
+        m_player->playMovie(selection(
+            {track(u"Video"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s, u"/v/it's,$(x) \"`.srt"_s)}, u"1"_s));
+        QVERIFY(waitFor([&] { return m_world->scratch.read(u"pid"_s).endsWith('\n'); }));
+        const qint64 player = m_world->scratch.read(u"pid"_s).trimmed().toLongLong();
+        QVERIFY(support::runs(player));
+        const auto recorded = FakeTool::recordedRuns(runs);
+        QCOMPARE(recorded.size(), 1);
+        QCOMPARE(recorded.first().arguments,
+                 QByteArrayList({"/v/a.mkv", "-vid", "0", "-sub", "/v/it's\\,$(x) \"`.srt", "-font",
+                                 "/Library/Fonts/Arial Unicode.ttf", "-ass", "-ass-font-scale", "1.0",
+                                 "-ass-color", "FFFFFF00"}));
+        QCOMPARE(m_player->subtitleFontURL(), file(u"/Library/Fonts/Arial Unicode.ttf"_s));
+        m_player.reset();
+        QVERIFY(support::runs(player)); // it is nobody's any more
+        ::kill(static_cast<pid_t>(player), SIGKILL);
+    }
+
+    void aMissingPlayerShowsNothing()
+    {
+        m_player->playMovie(selection({track(u"Video"_s, u"0"_s)}, u"0"_s));
+        QVERIFY(m_world->alerts.shown().isEmpty());
+    }
+
+private:
+    SelectionPointer selection(const TrackList &tracks, const QString &subtitles) const
+    {
+        const auto made = m_world->selectionFor(film);
+        made->setTrackList(tracks);
+        made->setSubCount(subtitles);
+        return made;
+    }
+    OptionList options(const TrackList &tracks, const QString &subtitles) const
+    {
+        return m_player->playerOptions(*selection(tracks, subtitles));
+    }
+
+    std::unique_ptr<JobWorld> m_world;
+    std::unique_ptr<step::OutputGuard> m_guard;
+    std::unique_ptr<KXMoviePlayer> m_player;
+};
+
+QTEST_GUILESS_MAIN(KXMoviePlayerTest)
+#include "KXMoviePlayerTest.moc"
