@@ -4,6 +4,7 @@
 #include "cli/ExtractCommand.h"
 #include "cli/Help.h"
 #include "cli/JoinCommand.h"
+#include "cli/PlayCommand.h"
 #include "cli/PrefsCommand.h"
 #include "cli/PresetsCommand.h"
 #include "cli/ProbeCommand.h"
@@ -46,6 +47,7 @@ const std::vector<std::unique_ptr<Command>> &allCommands()
         list.push_back(std::make_unique<RemuxCommand>());
         list.push_back(std::make_unique<RemoveCommand>());
         list.push_back(std::make_unique<SendCommand>());
+        list.push_back(std::make_unique<PlayCommand>());
         list.push_back(std::make_unique<PresetsCommand>());
         list.push_back(std::make_unique<PrefsCommand>());
         list.push_back(std::make_unique<ToolsCommand>());
