@@ -42,7 +42,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(u"tessaray"_s);
     QApplication::setApplicationDisplayName(u"Tessaray"_s);
     QApplication::setApplicationVersion(QStringLiteral(TESSARAY_VERSION));
-    QApplication::setDesktopFileName(u"tessaray"_s);
+    QApplication::setDesktopFileName(u"org.tessaray.Tessaray"_s);
     const Wishes wishes = wishesOf(application);
     window::SingleInstance instance(wishes.defaultsPath);
     if (instance.handOver(wishes.paths))
