@@ -81,6 +81,7 @@ bool JobStarter::saveFolderIsWritable()
     alert.style = platform::AlertStyle::Informational;
     alert.closesAfter = std::chrono::milliseconds(alertMilliseconds);
     m_parts.alerts.show(std::make_shared<const platform::Alert>(alert), {});
+    Q_EMIT refused(alert.message);
     return false;
 }
 
@@ -118,6 +119,8 @@ void JobStarter::startCurrent(const QString &jobType)
         m_parts.queue.addToQueue(job);
         if (files >= 2)
             m_parts.openQueue.takeSelected();
+    } else if (files == 1) {
+        Q_EMIT notStarted(m_parts.currentFile.file()->theFileName());
     }
     if (files < 2)
         return;
@@ -141,8 +144,10 @@ bool JobStarter::queueEntry(int row, const QString &jobType)
     m_parts.selectionController.updateTabs();
     const SelectionPointer selection = m_parts.selectionController.currentSelection();
     selection->setJobType(jobType);
-    if (!mayStart(jobType))
+    if (!mayStart(jobType)) {
+        Q_EMIT notStarted(m_parts.currentFile.file()->theFileName());
         return false;
+    }
     m_parts.queue.addToQueue(selection);
     Q_EMIT jobQueued();
     return true;

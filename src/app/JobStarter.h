@@ -60,6 +60,10 @@ Q_SIGNALS:
     void finishingChanged();
     /// Another opened file became a job.
     void jobQueued();
+    /// An opened file did not become a job: nothing of it can be converted as it is.
+    void notStarted(const QString &fileName);
+    /// Nothing was started at all.
+    void refused(const QString &reason);
 
 private:
     QUrl saveFolder() const;

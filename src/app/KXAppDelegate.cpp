@@ -42,12 +42,13 @@ KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
                  surroundings.program.queue(), surroundings.alerts})
     , m_infoWriter(surroundings.program.preferences())
     , m_queueWatch(surroundings.program.queue(), surroundings.desktop)
+    , m_watchSession({surroundings.program.watchMode(), surroundings.program.presets(),
+                      surroundings.program.selectionController(), m_intake, m_starter,
+                      surroundings.program.queue(), surroundings.program.notifications(),
+                      surroundings.program.settingsPath()})
 {
     connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
             &KXAppDelegate::fileTextFieldChanged);
-    connect(&m_intake, &app::FileIntake::watchedFilesOpened, this, [this] {
-        QTimer::singleShot(watchStartMilliseconds, this, [this] { m_starter.startProcess(u"Convert"_s); });
-    });
 }
 
 KXAppDelegate::~KXAppDelegate() = default;
@@ -214,6 +215,11 @@ void KXAppDelegate::saveFileInfo()
     else if (!files.isEmpty())
         Q_EMIT noteWorthy(
             tr("File info saved: %1").arg(m_infoWriter.infoFileFor(files.constFirst()).toLocalFile()));
+}
+
+void KXAppDelegate::chooseWatchFolder()
+{
+    program().watchMode().chooseWatchFolderURL(m_around.chooser);
 }
 
 QString KXAppDelegate::playingProblem() const

@@ -5,6 +5,7 @@
 #include "app/JobStarter.h"
 #include "app/OpenQueue.h"
 #include "app/QueueWatch.h"
+#include "app/WatchSession.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -45,6 +46,7 @@ public:
     app::OpenQueue &openQueue() { return m_openQueue; }
     app::JobStarter &starter() { return m_starter; }
     app::QueueWatch &queueWatch() { return m_queueWatch; }
+    app::WatchSession &watchSession() { return m_watchSession; }
 
     /// After the program was initialised: tool tips, and tab and presets as they were.
     void applicationDidFinishLaunching();
@@ -67,11 +69,11 @@ public:
     /// The items of the help menu, told apart by their titles.
     void helpMenuItemSelected(const QString &title);
     void playButton();
+    void chooseWatchFolder();
     /// Null when films can be shown, else why not.
     QString playingProblem() const;
 
     static constexpr int hubMilliseconds = 100;
-    static constexpr int watchStartMilliseconds = 500;
 
 Q_SIGNALS:
     void terminationAllowed();
@@ -96,5 +98,6 @@ private:
     app::JobStarter m_starter;
     app::FileInfoWriter m_infoWriter;
     app::QueueWatch m_queueWatch;
+    app::WatchSession m_watchSession;
     bool m_askingToQuit = false;
 };

@@ -39,6 +39,8 @@ public:
     /// Loads the settings and unpacks the tools. Answers a null text, or what is wrong with the settings.
     QString initialize();
     platform::DefaultsStore &defaults() { return m_defaults; }
+    /// Where the settings lie; what else is remembered lies beside them.
+    QString settingsPath() const { return m_defaults.path(); }
     KXPreferences &preferences() { return m_preferences; }
     KXNotificationCenter &notifications() { return m_notifications; }
     KXQueueController &queue() { return m_queue; }

@@ -239,7 +239,10 @@ void KXQueueController::jobEnded(const KXNotification &notification)
 
 void KXQueueController::rememberOutput(const QUrl &output)
 {
-    if (m_watchMode == nullptr || !m_watchMode->appIsInWatchMode())
+    if (m_watchMode == nullptr)
+        return;
+    m_watchMode->outputAnnounced(output); // also before watch mode begins
+    if (!m_watchMode->appIsInWatchMode())
         return;
     const QString extension = QFileInfo(output.toLocalFile()).suffix().toLower();
     if (m_watchMode->movieExtensionsList().contains(extension))

@@ -16,6 +16,7 @@
 #include "window/SubtitleBox.h"
 #include "window/ToolTipBinder.h"
 #include "window/VideoBox.h"
+#include "window/WatchRow.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -102,7 +103,9 @@ QWidget *MainWindow::conversionPage()
     m_audio = new AudioBox(controller, *m_tips);
     m_subtitles = new SubtitleBox(controller, *m_tips);
     m_editTracks = new EditTracksBox(controller, m_delegate.starter(), *m_tips);
+    m_watch = new WatchRow(m_delegate, *m_tips);
     layout->addWidget(presets, 0, 0, 1, 3);
+    layout->addWidget(m_watch, 3, 0, 1, 3);
     layout->addWidget(m_video, 1, 0);
     layout->addWidget(m_audio, 1, 1);
     layout->addWidget(m_subtitles, 1, 2);
@@ -158,6 +161,9 @@ void MainWindow::connectParts()
         activateWindow();
         m_filePart->focusTable();
     });
+    connect(&program.watchMode(), &KXWatchModeController::drawerWanted, m_drawer, &QWidget::setVisible);
+    connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, m_drawer,
+            [this] { m_drawer->setVisible(!m_delegate.program().queue().qJobList().isEmpty()); });
     connect(&m_delegate.queueWatch(), &app::QueueWatch::queueEnded, m_status, &StatusLine::say);
     connect(&m_preferences, &KXPreferencesController::panelWanted, this, [this](bool open) {
         if (open)
@@ -198,6 +204,7 @@ void MainWindow::refresh()
     m_audio->refresh();
     m_subtitles->setSendingProblem(sendingProblem());
     m_editTracks->refresh();
+    m_watch->refresh();
     m_editFiles->refresh();
     m_addAction->setEnabled(m_whileIdle->isEnabled() && controller.canAddTrack() && tab == 0);
     m_toolTipsAction->setText(m_delegate.program().preferences().toolTipsMenuItemTitle());

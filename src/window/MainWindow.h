@@ -24,6 +24,7 @@ class StatusLine;
 class SubtitleBox;
 class ToolTipBinder;
 class VideoBox;
+class WatchRow;
 
 /// The main window: file line, tracks, the two tabs' controls, and the queue's drawer. It shows the
 /// properties of the delegate's program and calls its operations; it decides nothing. It does not own them.
@@ -78,6 +79,7 @@ private:
     AudioBox *m_audio = nullptr;
     SubtitleBox *m_subtitles = nullptr;
     EditTracksBox *m_editTracks = nullptr;
+    WatchRow *m_watch = nullptr;
     EditFilesPanel *m_editFiles = nullptr;
     QPushButton *m_convert = nullptr;
     QueueDrawer *m_drawer = nullptr;

@@ -12,12 +12,18 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
     , m_delegate({m_program, m_alerts, m_chooser, m_desktop})
     , m_preferencesController(m_program.preferences(), m_chooser)
     , m_window(m_delegate, m_preferencesController)
+    , m_watchWindow(m_delegate, m_window)
 {
     m_alerts.setParentWindow(&m_window);
     m_chooser.setParentWindow(&m_window);
     QApplication::setQuitOnLastWindowClosed(false); // the delegate says when it ends
     qApp->installEventFilter(this);
     connect(&m_window, &MainWindow::quitWanted, this, &WindowProgram::quit);
+    connect(&m_watchWindow, &WatchWindow::quitWanted, this, &WindowProgram::quit);
+    // A hidden window shows no sheets.
+    connect(&m_program.watchMode(), &KXWatchModeController::windowsSwapped, this, [this](bool watching) {
+        m_alerts.setParentWindow(watching ? static_cast<QWidget *>(&m_watchWindow) : &m_window);
+    });
     connect(&m_delegate, &KXAppDelegate::terminationAllowed, qApp, &QApplication::quit, Qt::QueuedConnection);
     // Nobody can be asked then: the running job is stopped and its unfinished output removed.
     connect(&m_interrupts, &app::Interrupts::interrupted, qApp, &QApplication::quit, Qt::QueuedConnection);

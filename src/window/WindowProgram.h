@@ -8,6 +8,7 @@
 #include "window/MainWindow.h"
 #include "window/NativeDesktop.h"
 #include "window/SheetAlerts.h"
+#include "window/WatchWindow.h"
 
 #include <QObject>
 
@@ -28,6 +29,7 @@ public:
     void quit();
     KXAppDelegate &delegate() { return m_delegate; }
     MainWindow &mainWindow() { return m_window; }
+    WatchWindow &watchWindow() { return m_watchWindow; }
     SheetAlerts &alerts() { return m_alerts; }
 
 protected:
@@ -44,6 +46,7 @@ private:
     KXAppDelegate m_delegate;
     KXPreferencesController m_preferencesController;
     MainWindow m_window;
+    WatchWindow m_watchWindow;
     app::Interrupts m_interrupts;
 };
 

@@ -1,0 +1,201 @@
+#include "app/WatchSession.h"
+
+#include "app/FileIntake.h"
+#include "app/JobStarter.h"
+#include "jobs/KXQueueController.h"
+#include "prefs/KXWatchModeController.h"
+#include "presets/KXPresetsController.h"
+#include "selection/KXSelectionController.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace app {
+
+namespace {
+
+constexpr qsizetype mostNamed = 100;
+
+QString namesOf(const QList<QUrl> &files)
+{
+    QStringList names;
+    for (const QUrl &file : files)
+        names.append(file.toLocalFile());
+    return names.join(u", "_s);
+}
+
+} // namespace
+
+WatchSession::WatchSession(const Parts &parts)
+    : m_parts(parts)
+    , m_journal(QFileInfo(parts.settingsPath).absolutePath())
+{
+    m_start.setSingleShot(true);
+    m_start.setInterval(startMilliseconds);
+    connect(&m_start, &QTimer::timeout, this, &WatchSession::startOpened);
+    connect(&parts.watchMode, &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
+        m_pending.append(files);
+        takeNext();
+    });
+    connect(&parts.intake, &FileIntake::watchedFilesOpened, &m_start, qOverload<>(&QTimer::start));
+    connect(&parts.starter, &JobStarter::finishingChanged, this, [this] {
+        if (m_active && !m_parts.starter.isFinishing() && !m_start.isActive())
+            batchDone();
+    });
+    m_announced =
+        parts.notifications.subscribe(u"conversionStarted"_s, [this](const KXNotification &notification) {
+            if (m_parts.watchMode.appIsInWatchMode())
+                m_journal.started(notification.object.toUrl().toLocalFile());
+        });
+    connectLog();
+}
+
+WatchSession::~WatchSession() = default;
+
+void WatchSession::connectLog()
+{
+    using Watch = KXWatchModeController;
+    connect(&m_parts.watchMode, &Watch::filesFound, this, &WatchSession::filesFound);
+    connect(&m_parts.watchMode, &Watch::fileForgotten, this,
+            [this](const QString &path) { note(WatchLog::Kind::Note, tr("%1 is gone.").arg(path)); });
+    connect(&m_parts.watchMode, &Watch::fileGivenUp, this, [this](const QString &path) {
+        note(WatchLog::Kind::Failed, tr("%1 could not be opened, and is not tried again.").arg(path));
+    });
+    connect(&m_parts.watchMode, &Watch::folderMissing, this, [this] {
+        if (!std::exchange(m_folderWasMissing, true))
+            note(WatchLog::Kind::Failed, tr("The folder is not there. Waiting until it is back."));
+    });
+    connect(&m_parts.intake, &FileIntake::watchedFileRefused, this, [this](const QUrl &url) {
+        note(WatchLog::Kind::Failed,
+             tr("%1 can't be opened; it is tried again when it changes.").arg(url.toLocalFile()));
+        m_parts.watchMode.fileRefused(url);
+    });
+    connect(&m_parts.starter, &JobStarter::notStarted, this, [this](const QString &name) {
+        note(WatchLog::Kind::Failed, tr("%1: the presets choose nothing that can be converted.").arg(name));
+    });
+    connect(&m_parts.starter, &JobStarter::refused, this,
+            [this](const QString &reason) { note(WatchLog::Kind::Failed, reason); });
+    connect(&m_parts.queue, &KXQueueController::jobAdded, this, &WatchSession::jobAdded);
+    connect(&m_parts.queue, &KXQueueController::jobChanged, this, &WatchSession::jobChanged);
+}
+
+void WatchSession::note(WatchLog::Kind kind, const QString &text)
+{
+    if (m_parts.watchMode.appIsInWatchMode())
+        m_log.add(kind, text);
+}
+
+QString WatchSession::startProblem() const
+{
+    if (m_parts.presets.selectionMethodIndex() == 0)
+        return tr("Choose a track preset: with \"Manual\" nothing can be watched.");
+    if (m_parts.presets.settingMethodIndex() == 0)
+        return tr("Choose a settings preset: with \"Manual\" nothing can be watched.");
+    return {};
+}
+
+bool WatchSession::start()
+{
+    const QString problem = startProblem();
+    if (!problem.isNull()) {
+        m_log.add(WatchLog::Kind::Failed, problem);
+        return false;
+    }
+    // Another tab leaves the settings preset, which is what is watched with.
+    const int settings = m_parts.presets.settingMethodIndex();
+    m_parts.selectionController.setCurrentTab(u"MKV"_s);
+    m_parts.presets.setSettingMethodIndex(settings);
+    if (!m_parts.watchMode.startWatchMode()) {
+        m_log.add(WatchLog::Kind::Failed, m_parts.watchMode.watchFolderPath());
+        return false;
+    }
+    m_folderWasMissing = false;
+    note(WatchLog::Kind::Note, tr("Watching %1.").arg(m_parts.watchMode.watchFolderPath()));
+    tellLeftOver();
+    tellWhatIsThere();
+    return true;
+}
+
+/// Half-made by a run that was killed: named, never touched.
+void WatchSession::tellLeftOver()
+{
+    for (const QString &output : m_journal.takeLeftOver())
+        note(WatchLog::Kind::Failed,
+             tr("%1 was not finished when the program ended the last time.").arg(output));
+}
+
+void WatchSession::tellWhatIsThere()
+{
+    const QList<QUrl> there = m_parts.watchMode.baseWatchFolderMovieList();
+    for (const QUrl &file : there.first(std::min(there.size(), mostNamed)))
+        note(WatchLog::Kind::Note, tr("%1 is already there and is not processed.").arg(file.toLocalFile()));
+    if (there.size() > mostNamed)
+        note(WatchLog::Kind::Note,
+             tr("%n more are already there.", nullptr, static_cast<int>(there.size() - mostNamed)));
+}
+
+void WatchSession::end()
+{
+    note(WatchLog::Kind::Note, tr("Watching has ended."));
+    m_pending.clear();
+    m_parts.watchMode.endWatchMode();
+}
+
+void WatchSession::filesFound(const QStringList &paths)
+{
+    m_folderWasMissing = false;
+    for (const QString &path : paths)
+        note(WatchLog::Kind::Waiting, tr("%1: until it has stopped growing.").arg(path));
+}
+
+/// A batch takes the place of what is open, so it has to be started before the next one comes.
+void WatchSession::takeNext()
+{
+    if (m_active || m_pending.isEmpty())
+        return;
+    m_active = true;
+    m_parts.intake.setOpeningFileMode(u"watch"_s);
+    m_parts.intake.openedFileHubForFiles(m_pending.takeFirst());
+    if (!m_start.isActive() && !m_parts.intake.isBusy())
+        batchDone();
+}
+
+void WatchSession::startOpened()
+{
+    m_active = true;
+    m_parts.starter.startProcess(u"Convert"_s);
+    if (!m_parts.starter.isFinishing())
+        batchDone();
+}
+
+void WatchSession::batchDone()
+{
+    m_active = false;
+    QMetaObject::invokeMethod(this, &WatchSession::takeNext, Qt::QueuedConnection);
+}
+
+void WatchSession::jobAdded(int row)
+{
+    const JobPointer job = m_parts.queue.qJobList().value(row);
+    if (job)
+        note(WatchLog::Kind::Started, tr("%1: %2").arg(job->jobFileName(), job->jobType()));
+}
+
+void WatchSession::jobChanged(int row)
+{
+    const JobPointer job = m_parts.queue.qJobList().value(row);
+    if (!job || job->jobStatus() != u"Completed"_s || m_lastEnded.lock() == job)
+        return;
+    m_lastEnded = job;
+    m_journal.finished();
+    const bool failed = job->outcome().verdict == step::Verdict::Failed;
+    QStringList parts{job->jobFileName()};
+    if (!failed && !job->outputs().isEmpty())
+        parts.append(namesOf(job->outputs()));
+    if (!job->outcome().sentence.isEmpty())
+        parts.append(job->outcome().sentence);
+    note(failed ? WatchLog::Kind::Failed : WatchLog::Kind::Done, parts.join(u": "_s));
+}
+
+} // namespace app

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "app/OutputJournal.h"
+#include "app/WatchLog.h"
+#include "platform/KXNotificationCenter.h"
+
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+
+#include <memory>
+
+class KXJob;
+class KXPresetsController;
+class KXQueueController;
+class KXSelectionController;
+class KXWatchModeController;
+
+namespace app {
+
+class FileIntake;
+class JobStarter;
+
+/// Watch mode at work: hands what has arrived to the intake, has it started by the presets, one batch after
+/// the other, and keeps the log. Owned by the delegate. Which files are ready is the controller's to say.
+class WatchSession final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All of it outlives the session.
+    struct Parts
+    {
+        KXWatchModeController &watchMode;
+        KXPresetsController &presets;
+        KXSelectionController &selectionController;
+        FileIntake &intake;
+        JobStarter &starter;
+        KXQueueController &queue;
+        KXNotificationCenter &notifications;
+        QString settingsPath; ///< the journal lies beside it
+    };
+
+    explicit WatchSession(const Parts &parts);
+    ~WatchSession() override;
+
+    /// Why watching can't begin; a null text when it can. Whether there is such a folder is seen at the
+    /// start.
+    QString startProblem() const;
+    /// Begins; false when it could not, and then the log or watchFolderPath() says why.
+    bool start();
+    void end();
+    const WatchLog &log() const { return m_log; }
+
+    static constexpr int startMilliseconds = 500;
+
+private:
+    void tellWhatIsThere();
+    void tellLeftOver();
+    void takeNext();
+    void startOpened();
+    void batchDone();
+    void jobAdded(int row);
+    void jobChanged(int row);
+    void filesFound(const QStringList &paths);
+    void note(WatchLog::Kind kind, const QString &text);
+    void connectLog();
+
+    Parts m_parts;
+    WatchLog m_log;
+    OutputJournal m_journal;
+    KXNotificationCenter::Subscription m_announced;
+    QTimer m_start;
+    QList<QList<QUrl>> m_pending;
+    std::weak_ptr<KXJob> m_lastEnded;
+    bool m_active = false;
+    bool m_folderWasMissing = false;
+};
+
+} // namespace app

@@ -1,0 +1,94 @@
+#include "prefs/WatchedFiles.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace prefs {
+
+namespace {
+
+/// The name that a split was announced under, for one of its numbered parts; else a null text.
+QString splitOutputOf(const QString &path)
+{
+    static const QRegularExpression part(u"^(.*\\.split.*)-\\d+(\\.[^./]*)$"_s,
+                                         QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch match = part.match(path);
+    return match.hasMatch() ? match.captured(1) + match.captured(2) : QString();
+}
+
+/// Without links in its folder; the file itself may not be there yet.
+QString canonical(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    return folder.isEmpty() ? info.absoluteFilePath()
+                            : folder + (folder.endsWith(u'/') ? u""_s : u"/"_s) + info.fileName();
+}
+
+} // namespace
+
+void WatchedFiles::setBase(const QStringList &paths)
+{
+    m_base = paths;
+    m_baseSet = QSet<QString>(paths.begin(), paths.end());
+}
+
+void WatchedFiles::appendToBase(const QString &path)
+{
+    m_base.append(path);
+    m_baseSet.insert(path);
+}
+
+void WatchedFiles::announce(const QString &path)
+{
+    m_announced.insert(canonical(path));
+}
+
+bool WatchedFiles::isAnnounced(const QString &path) const
+{
+    if (m_announced.contains(path))
+        return true;
+    const QString split = splitOutputOf(path);
+    return !split.isNull() && m_announced.contains(split);
+}
+
+QSet<QString> WatchedFiles::growingPaths() const
+{
+    QSet<QString> paths;
+    for (const Growing &file : m_growing)
+        paths.insert(file.path);
+    return paths;
+}
+
+int WatchedFiles::refused(const QString &path, const WatchListing::State &state)
+{
+    Refusal &refusal = m_refusals[path];
+    ++refusal.count;
+    refusal.state = state;
+    refusal.waits = refusal.count < mostAttempts;
+    return refusal.count;
+}
+
+QStringList WatchedFiles::changedSinceRefused(const WatchListing &listing) const
+{
+    QStringList changed;
+    for (auto refusal = m_refusals.begin(); refusal != m_refusals.end(); ++refusal) {
+        if (!refusal->waits)
+            continue;
+        const WatchListing::State now = listing.stateOf(refusal.key());
+        if (now.size >= 0 && now != refusal->state)
+            changed.append(refusal.key());
+    }
+    return changed;
+}
+
+void WatchedFiles::watchAgain(const QString &path)
+{
+    m_refusals[path].waits = false;
+    m_base.removeAll(path);
+    m_baseSet.remove(path);
+}
+
+} // namespace prefs
