@@ -14,6 +14,7 @@
 #include "cli/Session.h"
 #include "cli/SplitCommand.h"
 #include "cli/ToolsCommand.h"
+#include "cli/WatchCommand.h"
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +48,7 @@ const std::vector<std::unique_ptr<Command>> &allCommands()
         list.push_back(std::make_unique<RemuxCommand>());
         list.push_back(std::make_unique<RemoveCommand>());
         list.push_back(std::make_unique<SendCommand>());
+        list.push_back(std::make_unique<WatchCommand>());
         list.push_back(std::make_unique<PlayCommand>());
         list.push_back(std::make_unique<PresetsCommand>());
         list.push_back(std::make_unique<PrefsCommand>());

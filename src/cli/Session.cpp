@@ -9,6 +9,18 @@ using namespace Qt::StringLiterals;
 
 namespace cli {
 
+namespace {
+
+/// Somebody who is there is told; who watches a folder is not there.
+step::WhenTaken whenTakenFor(const CommandLine &line)
+{
+    if (line.command() == u"watch"_s)
+        return step::WhenTaken::NextFreeName;
+    return line.has(u"force"_s) ? step::WhenTaken::Replace : step::WhenTaken::Refuse;
+}
+
+} // namespace
+
 Session::Session(const CommandLine &line)
     : m_line(line)
     , m_alerts(m_console)
@@ -24,7 +36,7 @@ app::Program &Session::program()
     app::Program::Options options;
     if (m_line.has(u"defaults"_s))
         options.defaultsPath = absolutePath(m_line.value(u"defaults"_s));
-    options.whenTaken = m_line.has(u"force"_s) ? step::WhenTaken::Replace : step::WhenTaken::Refuse;
+    options.whenTaken = whenTakenFor(m_line);
     m_program = std::make_unique<app::Program>(options, m_alerts);
     const QString problem = m_program->initialize();
     if (!problem.isNull())

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "app/Interrupts.h"
 #include "app/Program.h"
 #include "cli/Command.h"
 #include "cli/CommandLine.h"
 #include "cli/Console.h"
 #include "cli/ConsoleAlerts.h"
-#include "app/Interrupts.h"
 
 #include <memory>
 
@@ -20,6 +20,7 @@ public:
 
     const CommandLine &line() const { return m_line; }
     Console &console() { return m_console; }
+    platform::AlertPresenter &alerts() { return m_alerts; }
     app::Interrupts &interrupts() { return m_interrupts; }
     app::Program &program();
     /// Said on standard error; answers WrongUsage.

@@ -1,0 +1,95 @@
+#include "cli/WatchCommand.h"
+
+#include "app/KXAppDelegate.h"
+#include "cli/PresetChoice.h"
+#include "cli/Session.h"
+#include "platform/Chooser.h"
+#include "platform/Desktop.h"
+
+#include <QEventLoop>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+namespace {
+
+/// Nobody is there to choose.
+class NoChooser final : public platform::Chooser
+{
+public:
+    void choose(const platform::ChooserRequest & /*request*/, Chosen /*chosen*/) override {}
+};
+
+/// A null text when folder and presets are good to begin with.
+QString problemWith(Session &session)
+{
+    const CommandLine &line = session.line();
+    if (line.arguments().size() != 1)
+        return u"One folder is watched. See tessaray-cli watch --help."_s;
+    if (!line.has(u"track-preset"_s) || !line.has(u"settings-preset"_s))
+        return u"Both --track-preset and --settings-preset are needed: nobody is there to choose by hand."_s;
+    if (line.value(u"track-preset"_s) == u"Manual"_s || line.value(u"settings-preset"_s) == u"Manual"_s)
+        return u"With the preset \"Manual\" nothing can be watched."_s;
+    return choosePresets(session);
+}
+
+void tell(Console &console, const app::WatchLog::Line &line)
+{
+    if (console.isJson())
+        console.object({{u"event"_s, u"watch"_s},
+                        {u"time"_s, line.time.toString(Qt::ISODate)},
+                        {u"kind"_s, app::WatchLog::wordOf(line.kind)},
+                        {u"text"_s, line.text}});
+    else
+        console.result(inOneLine(app::WatchLog::formatted(line)));
+}
+
+void followProgress(Session &session, QObject *context)
+{
+    KXQueueController &queue = session.program().queue();
+    QObject::connect(&queue, &KXQueueController::jobProgressListChanged, context, [&session, &queue] {
+        QStringList steps;
+        for (const jobs::ProgressItem &item : queue.jobProgressList())
+            steps.append(item.step + u' ' + item.progress);
+        if (queue.currentJob() && !steps.isEmpty())
+            session.console().progress(queue.currentJob()->jobFileName() + u": "_s + steps.join(u", "_s));
+        else
+            session.console().endProgress();
+    });
+}
+
+} // namespace
+
+ExitStatus WatchCommand::execute(Session &session) const
+{
+    QString problem = problemWith(session);
+    if (!problem.isNull())
+        return session.wrongUsage(problem);
+    const QString folder = absolutePath(session.line().arguments().constFirst());
+    if (!QFileInfo(folder).isDir())
+        return session.failed(u"There is no folder %1."_s.arg(folder));
+    problem = session.saveFolderProblem();
+    if (!problem.isNull())
+        return session.failed(problem);
+    session.program().preferences().setWatchFolderURL(QUrl::fromLocalFile(folder));
+    NoChooser chooser;
+    platform::Desktop desktop;
+    KXAppDelegate delegate({session.program(), session.alerts(), chooser, desktop});
+    QEventLoop loop;
+    QObject::connect(&delegate.watchSession().log(), &app::WatchLog::added, &loop,
+                     [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });
+    followProgress(session, &loop);
+    if (!delegate.watchSession().start())
+        return session.failed(u"The folder %1 can't be watched."_s.arg(folder));
+    QObject::connect(&session.interrupts(), &app::Interrupts::interrupted, &loop, &QEventLoop::quit);
+    if (!session.isInterrupted())
+        loop.exec();
+    delegate.intake().stopProbing();
+    session.program().queue().removeAllJobs();
+    session.console().endProgress();
+    return session.unlessInterrupted(ExitStatus::AllWell);
+}
+
+} // namespace cli
