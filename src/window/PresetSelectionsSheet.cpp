@@ -52,9 +52,7 @@ PresetSelectionsSheet::PresetSelectionsSheet(KXPresetsController &presets, ToolT
 
 PresetSelectionsSheet::~PresetSelectionsSheet()
 {
-    detach();
-    m_presets.disconnect(this);
-    m_presets.filterEditor().disconnect(this);
+    m_presets.filterEditor().disconnect(this); // its buttons still lose the focus
 }
 
 QWidget *PresetSelectionsSheet::makeFilters()

@@ -21,7 +21,6 @@ class PresetSelectionsSheet final : public PresetSheet
 public:
     PresetSelectionsSheet(KXPresetsController &presets, ToolTipBinder &tips, QWidget *parent);
     ~PresetSelectionsSheet() override;
-    Q_DISABLE_COPY_MOVE(PresetSelectionsSheet)
 
 protected:
     void changeEvent(QEvent *event) override;

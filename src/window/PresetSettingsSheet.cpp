@@ -55,12 +55,6 @@ PresetSettingsSheet::PresetSettingsSheet(KXPresetsController &presets, ToolTipBi
     refresh();
 }
 
-PresetSettingsSheet::~PresetSettingsSheet()
-{
-    detach();
-    m_presets.disconnect(this);
-}
-
 void PresetSettingsSheet::addRows()
 {
     m_device = named(new QComboBox, "PDeviceList", tr("Target"));

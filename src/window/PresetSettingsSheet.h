@@ -20,8 +20,6 @@ class PresetSettingsSheet final : public PresetSheet
 
 public:
     PresetSettingsSheet(KXPresetsController &presets, ToolTipBinder &tips, QWidget *parent);
-    ~PresetSettingsSheet() override;
-    Q_DISABLE_COPY_MOVE(PresetSettingsSheet)
 
 protected:
     QList<PresetTable::Row> rows() const override;

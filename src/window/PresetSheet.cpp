@@ -56,10 +56,7 @@ void PresetSheet::buildFrame()
 
 void PresetSheet::connectTable()
 {
-    connect(m_table, &PresetTable::rowChosen, this, [this](int row) {
-        commitName();
-        choose(row);
-    });
+    connect(m_table, &PresetTable::rowChosen, this, [this](int row) { choose(row); });
     connect(m_table, &PresetTable::nameTyped, this, [this](int row, const QString &name) {
         say(rename(row, name));
         refresh();
@@ -71,7 +68,8 @@ void PresetSheet::connectTable()
     connect(m_ok, &QPushButton::clicked, this, &PresetSheet::finish);
 }
 
-void PresetSheet::detach()
+/// The children end their editing while they go, and tell it to nobody.
+PresetSheet::~PresetSheet()
 {
     m_table->disconnect(this);
     m_name->disconnect(this);

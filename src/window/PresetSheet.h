@@ -19,14 +19,15 @@ class PresetSheet : public QDialog
     Q_OBJECT
 
 public:
+    ~PresetSheet() override;
+    Q_DISABLE_COPY_MOVE(PresetSheet)
+
     void accept() override { finish(); }
     void reject() override { finish(); }
 
 protected:
     PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent);
 
-    /// To be called by the destructors: what children still tell while they go finds nobody any more.
-    void detach();
     /// Starts with the name; the preset's other fields go below it.
     QFormLayout *form() const { return m_form; }
     /// What needs more room than a row stands below the form.

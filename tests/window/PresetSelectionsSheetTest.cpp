@@ -163,6 +163,14 @@ private Q_SLOTS:
         QCOMPARE(desk.bench.presets.selectionMethodIndex(), 5);
     }
 
+    void aNameCountsWhenOneIsAddedByItsKey()
+    {
+        Desk desk;
+        desk.hand().type("PresetName", u"Renamed"_s);
+        QTest::keyClick(desk.hand().find("PresetName"), Qt::Key_A, Qt::AltModifier);
+        QTRY_COMPARE(desk.hand().rows(), u"First Track, All Tracks, Renamed, Own, User Preset"_s);
+    }
+
     void aRemovedPresetIsGone()
     {
         Desk desk;
@@ -471,8 +479,8 @@ private Q_SLOTS:
     void aSheetCanGoWhileSomethingIsEdited()
     {
         Desk desk;
-        desk.hand().click("af1EditButton");
         desk.hand().find("sf1EditButton")->setFocus();
+        QCOMPARE(desk.hand().title("sf1EditButton"), u"Edit"_s);
         delete desk.sheet;
         Desk other;
         other.hand().chooseRow(second);
