@@ -1,7 +1,7 @@
 # Copies Resources to where it is installed, with the tools folder already unpacked: an installed one
 # can usually not be written by who runs the program. Included with SOURCE and TARGET.
 file(MAKE_DIRECTORY "${TARGET}")
-foreach(part IN ITEMS fonts tesseract)
+foreach(part IN ITEMS docs fonts tesseract)
   if(EXISTS "${SOURCE}/${part}")
     file(COPY "${SOURCE}/${part}" DESTINATION "${TARGET}")
   endif()
