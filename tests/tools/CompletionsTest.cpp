@@ -76,6 +76,22 @@ private Q_SLOTS:
         QCOMPARE(sorted(bash({u"--"_s})), sorted(global));
     }
 
+    /// Behind one that takes a value no further option is offered.
+    void bashKnowsWhichOptionsTakeAValue()
+    {
+        static const QRegularExpression option(u"^  (--[a-z-]+)( \\S)?"_s,
+                                               QRegularExpression::MultilineOption);
+        for (const QString &command : std::as_const(m_commands)) {
+            const QString help = m_general + QString::fromUtf8(m_twin.run({command, u"--help"_s}).output);
+            for (auto match = option.globalMatch(help); match.hasNext();) {
+                const auto found = match.next();
+                const QStringList offered = bash({command, found.captured(1), u"--js"_s});
+                const QStringList expected{found.captured(2).isEmpty() ? u"--json"_s : u""_s};
+                QVERIFY2(offered == expected, qPrintable(command + found.captured(1) + offered.join(u' ')));
+            }
+        }
+    }
+
     void bashOffersEveryDevice()
     {
         QStringList devices;
