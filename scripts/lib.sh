@@ -8,9 +8,9 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
 # The compiler, CMake, Ninja and Qt build the programs; ffmpeg, mkvtoolnix and mplayer are the tools they
 # drive; unzip unpacks them (zip is for tests) and procps has the ps that watches them; the font is for
-# burned-in subtitles.
-debian_packages="g++ cmake ninja-build qt6-base-dev ffmpeg mkvtoolnix mplayer unzip zip procps fonts-dejavu-core"
-brew_formulas="cmake ninja qt ffmpeg mkvtoolnix mplayer"
+# burned-in subtitles. The window needs a platform plugin of Qt, and its tests a display of their own.
+debian_packages="g++ cmake ninja-build qt6-base-dev qt6-qpa-plugins ffmpeg mkvtoolnix mplayer atomicparsley unzip zip procps fonts-dejavu-core xvfb xauth"
+brew_formulas="cmake ninja qt ffmpeg mkvtoolnix mplayer atomicparsley"
 needed_commands="c++ cmake ninja ffmpeg ffprobe mkvmerge unzip ps"
 
 say() { printf '==> %s\n' "$*" >&2; }

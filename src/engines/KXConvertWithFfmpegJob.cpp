@@ -1,6 +1,7 @@
 #include "engines/KXConvertWithFfmpegJob.h"
 
 #include "engines/FfmpegSubtitles.h"
+#include "engines/KXMetadataPadder.h"
 #include "engines/KXTrackDumper.h"
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
@@ -215,7 +216,26 @@ void KXConvertWithFfmpegJob::completion(const KXNotification &notification, qsiz
         retryForTimeStampError(*m_converter);
     }
     if (everyStepIsComplete())
-        requestJobDone();
+        conversionCompleted();
+}
+
+/// A film that came out well gets its padding as a last step, where that is asked for.
+void KXConvertWithFfmpegJob::conversionCompleted()
+{
+    if (m_padder)
+        m_padder->finishPadding();
+    const bool pads = !m_padder && m_converter && !m_converter->isTemporaryOutput() &&
+                      KXMetadataPadder::isWantedFor(ffmpegOutputURL(), appPreferences()) &&
+                      m_converter->outcome().verdict == step::Verdict::Ok;
+    if (!pads)
+        return requestJobDone();
+    m_padder = std::make_shared<KXMetadataPadder>(converterContext());
+    setStepConverterList(stepConverterList() << m_padder);
+    const auto task = m_padder->startPadding(ffmpegOutputURL());
+    stepStarted(m_padder, task);
+    postProgress(progressList());
+    if (!task)
+        conversionCompleted();
 }
 
 /// A failed first pass leaves no statistics, or somebody's old ones: pass 2 must not run on them.

@@ -5,6 +5,8 @@
 
 class KXTrackDumper;
 
+class KXMetadataPadder;
+
 /// Converts one file for a target: prepares a subtitle that is to be burned, runs one ffmpeg
 /// converter, and follows it through passes, retries and completion.
 class KXConvertWithFfmpegJob final : public KXJob
@@ -50,7 +52,9 @@ private:
     void waitForBackground(const QString &pid);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);
+    void conversionCompleted();
 
     std::shared_ptr<KXFfmpegConverter> m_converter;
+    std::shared_ptr<KXMetadataPadder> m_padder;
     int m_retries = 0;
 };

@@ -42,7 +42,8 @@ const QList<KnownTool> &knownTools()
         {u"mp4box"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it MP4 files can't be joined."_s},
         {u"mplayer"_s, u"-noconfig all"_s, u"^MPlayer (\\S+)"_s,
          u"Without it there is no preview playback."_s},
-        {u"atomicparsley"_s, u"--version"_s, u"version:? (\\S+)"_s, u"Nothing needs it so far."_s},
+        {u"atomicparsley"_s, u"--version"_s, u"version:?\\s*(\\S+)"_s,
+         u"Padding can't be added to MP4 files."_s},
         {u"mediainfo"_s, u"--Version"_s, u"v(\\d\\S*)"_s, u"Nothing needs it so far."_s},
         {u"tesseract"_s, u"--version"_s, u"tesseract v?(\\S+)"_s, u"Nothing needs it so far."_s},
     };

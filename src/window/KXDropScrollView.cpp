@@ -1,5 +1,7 @@
 #include "window/KXDropScrollView.h"
 
+#include "window/RoomyDelegate.h"
+
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QMimeData>
@@ -36,6 +38,7 @@ KXDropScrollView::KXDropScrollView(QWidget *parent)
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setAlternatingRowColors(true);
+    setItemDelegate(new window::RoomyDelegate(this));
 }
 
 void KXDropScrollView::setEmptyText(const QString &text)

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <QStyledItemDelegate>
+#include "window/RoomyDelegate.h"
+
+#include <QStringList>
 
 namespace window {
 
 /// Offers the program's languages where a track's language is edited; one that is not among them stays
 /// what it is. Owned by the table.
-class LanguageDelegate final : public QStyledItemDelegate
+class LanguageDelegate final : public RoomyDelegate
 {
     Q_OBJECT
 

@@ -52,6 +52,7 @@ MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &prefere
     m_drawer = new QueueDrawer(delegate.program().queue(), *m_tips, this);
     addDockWidget(Qt::RightDockWidgetArea, m_drawer);
     m_status = new StatusLine(delegate.program().queue());
+    statusBar()->setContentsMargins(6, 0, 6, 0);
     statusBar()->addWidget(m_status, 1);
     statusBar()->setSizeGripEnabled(false);
     addMenus();
@@ -65,6 +66,7 @@ MainWindow::~MainWindow() = default;
 QWidget *MainWindow::content()
 {
     auto *central = new QWidget;
+    central->setMinimumWidth(720); // the drawer makes the window wider instead
     auto *layout = new QVBoxLayout(central);
     m_probing = new ProbingRow(m_delegate.intake());
     layout->addWidget(m_probing);

@@ -26,7 +26,7 @@ void ProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     const QString text = index.data().toString();
     const int percentage = percentageOf(text);
     if (percentage < 0)
-        return QStyledItemDelegate::paint(painter, option, index);
+        return RoomyDelegate::paint(painter, option, index);
     QStyleOptionProgressBar bar;
     bar.rect = option.rect.adjusted(4, 3, -4, -3);
     bar.state = option.state | QStyle::State_Horizontal;
@@ -40,12 +40,6 @@ void ProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     bar.textVisible = true;
     bar.textAlignment = Qt::AlignCenter;
     QApplication::style()->drawControl(QStyle::CE_ProgressBar, &bar, painter);
-}
-
-QSize ProgressDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
-{
-    const QSize base = QStyledItemDelegate::sizeHint(option, index);
-    return {base.width(), std::max(base.height(), option.fontMetrics.height() + 10)};
 }
 
 } // namespace window

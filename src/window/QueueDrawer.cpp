@@ -5,6 +5,7 @@
 #include "window/JobModel.h"
 #include "window/ProgressDelegate.h"
 #include "window/ProgressModel.h"
+#include "window/RoomyDelegate.h"
 #include "window/ToolTipBinder.h"
 
 #include <QHeaderView>
@@ -20,7 +21,7 @@ namespace window {
 
 namespace {
 
-constexpr int narrowest = 340;
+constexpr int narrowest = 420;
 
 QTreeView *plainTable(const char *word, const QString &accessibleName)
 {
@@ -30,6 +31,7 @@ QTreeView *plainTable(const char *word, const QString &accessibleName)
     table->setAlternatingRowColors(true);
     table->setAllColumnsShowFocus(true);
     table->setTextElideMode(Qt::ElideMiddle);
+    table->setItemDelegate(new RoomyDelegate(table));
     return table;
 }
 
@@ -83,7 +85,7 @@ QWidget *QueueDrawer::jobTable()
     header->setSectionResizeMode(JobModel::Type, QHeaderView::Interactive);
     header->setSectionResizeMode(JobModel::Status, QHeaderView::Interactive);
     const int letter = fontMetrics().averageCharWidth();
-    header->resizeSection(JobModel::Type, letter * 17);
+    header->resizeSection(JobModel::Type, letter * 19);
     header->resizeSection(JobModel::Status, letter * 18);
     connect(m_jobs, &QTreeView::clicked, this,
             [this](const QModelIndex &index) { m_queue.deleteJobRow(index.column(), index.row()); });

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tools/step/KXConverter.h"
+
+/// Gives a finished MP4 free space behind its index, so that tags can be edited later without rewriting the
+/// film. Writes a hidden neighbour that takes the film's place only when all went well: a failure costs
+/// nothing but the padding.
+class KXMetadataPadder final : public KXConverter
+{
+    Q_OBJECT
+
+public:
+    explicit KXMetadataPadder(const step::ConverterContext &context);
+
+    /// True for a film that can be padded, when that is asked for and the tool is there.
+    static bool isWantedFor(const QUrl &film, const KXPreferences &preferences);
+    tools::ToolProcessPointer startPadding(const QUrl &film);
+    /// The tool has ended: the padded film takes the film's place, or the neighbour goes.
+    void finishPadding();
+
+    /// What it writes is a film that another step names.
+    QList<QUrl> outputFiles() const override { return {}; }
+    QList<QUrl> temporaryFiles() const override;
+    step::Outcome outcome() const override { return m_outcome; }
+    void backgroundReadingCompleted() override;
+
+private:
+    bool replaceFilm() const;
+
+    QUrl m_neighbour;
+    step::Outcome m_outcome;
+};
