@@ -16,6 +16,7 @@ KXMetadataPadder::KXMetadataPadder(const step::ConverterContext &context)
 {
     setConverterName(u"metadataPadder"_s);
     setStepName(u"Adding Padding"_s);
+    setIsTemporaryOutput(true); // the film that it becomes is another step's
 }
 
 bool KXMetadataPadder::isWantedFor(const QUrl &film, const KXPreferences &preferences)
@@ -26,24 +27,19 @@ bool KXMetadataPadder::isWantedFor(const QUrl &film, const KXPreferences &prefer
            QFileInfo(preferences.urlOfApp(u"atomicparsley"_s).toLocalFile()).isExecutable();
 }
 
-/// The tool pads whenever it writes tags; taking out a tag that films don't have changes nothing else. How
-/// much it pads stands in its environment.
+/// The tool pads only when it changes a tag; who wrote the film last is one that harms nobody. How much it
+/// pads stands in its environment.
 tools::ToolProcessPointer KXMetadataPadder::startPadding(const QUrl &film)
 {
     setInputFileURL(film);
     const QUrl folder = engines::folderOf(film);
-    m_neighbour = context().guard.claimFree(
+    const QUrl neighbour = context().guard.claimFree(
         QUrl::fromLocalFile(engines::pathInFolder(folder, u"."_s + film.fileName() + u".padding.m4v"_s)));
-    setOutputFileURL(m_neighbour);
+    setOutputFileURL(neighbour);
     claimLog(QUrl::fromLocalFile(film.toLocalFile() + u".padding.log"_s));
     return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"atomicparsley"_s), {film, u"--podcastGUID"_s, u""_s, u"--output"_s, m_neighbour},
+        urlOfApp(u"atomicparsley"_s), {film, u"--encodingTool"_s, u"Tessaray"_s, u"--output"_s, neighbour},
         ShouldWait::No);
-}
-
-QList<QUrl> KXMetadataPadder::temporaryFiles() const
-{
-    return isEmpty(m_neighbour) ? QList<QUrl>() : QList<QUrl>{m_neighbour};
 }
 
 void KXMetadataPadder::backgroundReadingCompleted()
@@ -55,7 +51,7 @@ void KXMetadataPadder::backgroundReadingCompleted()
 /// A padded film is larger than the film: anything else is no whole one.
 bool KXMetadataPadder::replaceFilm() const
 {
-    const QFileInfo padded(m_neighbour.toLocalFile());
+    const QFileInfo padded(outputFileURL().toLocalFile());
     const QFileInfo film(inputFileURL().toLocalFile());
     return KXConverter::outcome().verdict != step::Verdict::Failed && padded.size() >= film.size() &&
            std::rename(QFile::encodeName(padded.filePath()).constData(),
@@ -68,7 +64,7 @@ void KXMetadataPadder::finishPadding()
         m_outcome = step::Outcome::ok();
         return;
     }
-    QFile::remove(m_neighbour.toLocalFile());
+    QFile::remove(outputFileURL().toLocalFile());
     m_outcome = step::Outcome::warnings(
         u"No padding could be added to %1; the film itself is good."_s.arg(inputFileURL().fileName()));
 }

@@ -18,15 +18,11 @@ public:
     /// The tool has ended: the padded film takes the film's place, or the neighbour goes.
     void finishPadding();
 
-    /// What it writes is a film that another step names.
-    QList<QUrl> outputFiles() const override { return {}; }
-    QList<QUrl> temporaryFiles() const override;
     step::Outcome outcome() const override { return m_outcome; }
     void backgroundReadingCompleted() override;
 
 private:
     bool replaceFilm() const;
 
-    QUrl m_neighbour;
     step::Outcome m_outcome;
 };

@@ -24,9 +24,9 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
     connect(&m_program.watchMode(), &KXWatchModeController::windowsSwapped, this, [this](bool watching) {
         m_alerts.setParentWindow(watching ? static_cast<QWidget *>(&m_watchWindow) : &m_window);
     });
-    connect(&m_delegate, &KXAppDelegate::terminationAllowed, qApp, &QApplication::quit, Qt::QueuedConnection);
+    connect(&m_delegate, &KXAppDelegate::terminationAllowed, this, &WindowProgram::leave, Qt::QueuedConnection);
     // Nobody can be asked then: the running job is stopped and its unfinished output removed.
-    connect(&m_interrupts, &app::Interrupts::interrupted, qApp, &QApplication::quit, Qt::QueuedConnection);
+    connect(&m_interrupts, &app::Interrupts::interrupted, this, &WindowProgram::leave, Qt::QueuedConnection);
 }
 
 WindowProgram::~WindowProgram()
@@ -59,7 +59,13 @@ void WindowProgram::sayProblem(const QString &problem)
 void WindowProgram::quit()
 {
     if (m_delegate.applicationShouldTerminate())
-        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &WindowProgram::leave, Qt::QueuedConnection);
+}
+
+/// Not by quit(): that closes the windows first, which ask whether the program may end.
+void WindowProgram::leave()
+{
+    QCoreApplication::exit(0);
 }
 
 bool WindowProgram::eventFilter(QObject *watched, QEvent *event)

@@ -38,6 +38,7 @@ protected:
 
 private:
     void sayProblem(const QString &problem);
+    void leave();
 
     SheetAlerts m_alerts;
     FileChooser m_chooser;

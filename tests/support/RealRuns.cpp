@@ -41,8 +41,9 @@ void passAudioThrough(const TrackList &tracks)
 
 } // namespace
 
-RealRuns::RealRuns()
-    : record(world.notifications,
+RealRuns::RealRuns(JobWorld::Tools tools)
+    : world(tools)
+    , record(world.notifications,
              {u"jobDone"_s, u"progressUpdate"_s, u"taskCompletion"_s, u"monitorConversionUpdate"_s})
 {
     const QString home = QStringLiteral(TESSARAY_BUILD_DIR) + u"/test-home"_s;

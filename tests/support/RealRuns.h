@@ -11,7 +11,7 @@ namespace support {
 class RealRuns final
 {
 public:
-    RealRuns();
+    explicit RealRuns(JobWorld::Tools tools = JobWorld::Tools::Real);
     ~RealRuns();
     Q_DISABLE_COPY_MOVE(RealRuns)
 
@@ -36,7 +36,7 @@ public:
     /// Names in the scratch folder, without the settings of the world.
     QStringList names() const;
 
-    JobWorld world{JobWorld::Tools::Real};
+    JobWorld world;
     NotificationRecord record;
 
 private:
