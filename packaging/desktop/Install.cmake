@@ -23,7 +23,12 @@ install(CODE "
 
 install(FILES ${here}/completions/tessaray-cli.bash
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tessaray-cli)
-install(FILES ${here}/completions/_tessaray-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+set(zsh_functions site-functions)
+if(EXISTS /etc/debian_version)
+  set(zsh_functions vendor-completions) # where Debian's zsh looks for those of packages
+endif()
+install(FILES ${here}/completions/_tessaray-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_functions})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tessaray RENAME copyright)
 
 if(TARGET tessaray)
   string(TIMESTAMP TESSARAY_RELEASE_DATE "%Y-%m-%d" UTC)
