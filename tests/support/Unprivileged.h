@@ -13,12 +13,12 @@ class Unprivileged final
 public:
     Unprivileged()
     {
-        if (::geteuid() == 0)
-            m_changed = ::seteuid(65534) == 0;
+        if (::geteuid() == 0) // also the real user, whom access() asks
+            m_changed = ::setreuid(65534, 0) == 0 && ::seteuid(65534) == 0;
     }
     ~Unprivileged()
     {
-        if (m_changed && ::seteuid(0) != 0)
+        if (m_changed && (::seteuid(0) != 0 || ::setreuid(0, 0) != 0))
             qFatal("can't be root again");
     }
     Q_DISABLE_COPY_MOVE(Unprivileged)
