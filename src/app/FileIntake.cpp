@@ -88,7 +88,7 @@ void FileIntake::takeNextWaiting()
     while (!m_waiting.isEmpty() && !m_busy) {
         const auto [mode, files] = m_waiting.takeFirst();
         if (mode == handOver) {
-            addFileTrackFrom(files.constFirst());
+            takeHandedOver(files.constFirst());
             continue;
         }
         m_openingFileMode = mode;
@@ -239,7 +239,7 @@ QString FileIntake::loadNewFileTracksFromWithAlerts(const QUrl &url, Alerts aler
 
 void FileIntake::addFileTrackFrom(const QUrl &url)
 {
-    if (m_parts.currentFile.addTrack(url).toLower() != u"ok"_s)
+    if (m_parts.currentFile.addTrack(url).toLower() != u"ok"_s && !isStopped())
         refuse(url, u"The application can't add this track to the current video."_s);
     Q_EMIT tracksChanged();
 }
@@ -249,17 +249,27 @@ bool FileIntake::applicationOpenFile(const QString &path)
     const QUrl url = QUrl::fromLocalFile(path);
     if (m_busy) {
         m_waiting.append({handOver, {url}});
-    } else if (!m_parts.selectionController.currentSelection()->vidCount().isNull()) {
-        addFileTrackFrom(url);
-    } else {
+        return true;
+    }
+    takeHandedOver(url);
+    takeNextWaiting();
+    return true;
+}
+
+/// What comes in while the subtitle is probed waits, else it would be added to another video.
+void FileIntake::takeHandedOver(const QUrl &url)
+{
+    if (m_parts.selectionController.currentSelection()->vidCount().isNull()) {
         // "subitle" is meant.
         show(m_parts.alerts,
              timedAlert(u"Transfer From Lintwick Failed"_s,
                         u"Tessaray must have a video file opened before a subtitle can be transferred from "
                         "Lintwick.  Open video file and resend the subitle."_s,
                         handOverAlertMilliseconds));
+        return;
     }
-    return true;
+    const Busy busy(*this);
+    addFileTrackFrom(url);
 }
 
 void FileIntake::refuse(const QUrl &url, const QString &text)
@@ -306,9 +316,11 @@ void FileIntake::askAboutHeaderRemoval()
     question.style = platform::AlertStyle::Informational;
     question.buttons = {u"Re-Mux"_s, u"Cancel"_s};
     m_parts.alerts.show(std::make_shared<const platform::Alert>(question),
-                        [self = QPointer(this)](int returnCode) {
-                            if (self)
-                                self->handleHeaderCompressionReturnCode(returnCode);
+                        [self = QPointer(this), flagged = m_headerRemovalFiles](int returnCode) {
+                            if (!self)
+                                return;
+                            self->m_headerRemovalFiles = flagged; // others may have been gathered since
+                            self->handleHeaderCompressionReturnCode(returnCode);
                         });
 }
 

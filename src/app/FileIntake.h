@@ -97,6 +97,7 @@ private:
     bool isStopped() const { return *m_stop; }
     OpenedFile entryOfCurrent() const;
     void takeNextWaiting();
+    void takeHandedOver(const QUrl &url);
 
     Parts m_parts;
     QString m_openingFileMode = QStringLiteral("open");
