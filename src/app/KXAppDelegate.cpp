@@ -139,13 +139,16 @@ void KXAppDelegate::openFilePanel(const QString &title)
 void KXAppDelegate::openFilePanelContinued()
 {
     using platform::ChooserRequest;
-    const bool one = m_intake.openingFileMode() == u"add"_s;
+    const QString mode = m_intake.openingFileMode();
+    const bool one = mode == u"add"_s;
     const ChooserRequest request{u"Select video file to open:"_s,
                                  one ? ChooserRequest::What::OneFile : ChooserRequest::What::Files,
                                  {}};
-    m_around.chooser.choose(request, [self = QPointer(this)](const QList<QUrl> &chosen) {
-        if (self)
-            self->takeInLater(chosen);
+    m_around.chooser.choose(request, [self = QPointer(this), mode](const QList<QUrl> &chosen) {
+        if (!self)
+            return;
+        self->m_intake.setOpeningFileMode(mode); // other files may have come in while the panel was open
+        self->takeInLater(chosen);
     });
 }
 

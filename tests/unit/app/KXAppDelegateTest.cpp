@@ -1,0 +1,150 @@
+// The commands of menus and buttons, and the ways on which files reach the intake.
+#include "app/KXAppDelegate.h"
+
+#include "support/AppDesk.h"
+#include "support/Clips.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::AppDesk;
+using What = platform::ChooserRequest::What;
+
+class KXAppDelegateTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_desk = std::make_unique<AppDesk>(); }
+    void cleanup() { m_desk.reset(); }
+
+    /// The title is compared in lower case.
+    void thePanelByTheTitleOfItsCommand_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<bool>("several");
+        QTest::newRow("Open...") << u"Open..."_s << u"open"_s << true;
+        QTest::newRow("OPEN") << u"OPEN"_s << u"open"_s << true;
+        QTest::newRow("Add...") << u"Add..."_s << u"add"_s << false;
+        QTest::newRow("ADD") << u"ADD"_s << u"add"_s << false;
+    }
+
+    void thePanelByTheTitleOfItsCommand()
+    {
+        QFETCH(QString, title);
+        QFETCH(QString, mode);
+        QFETCH(bool, several);
+        delegate().openFilePanel(title);
+        QCOMPARE(m_desk->intake().openingFileMode(), mode);
+        QCOMPARE(m_desk->chooser().asked().size(), 1);
+        QCOMPARE(m_desk->chooser().asked().constFirst().title, u"Select video file to open:"_s);
+        QCOMPARE(m_desk->chooser().asked().constFirst().what, several ? What::Files : What::OneFile);
+    }
+
+    void chosenFilesComeInAfterAMoment()
+    {
+        QSignalSpy window(&delegate(), &KXAppDelegate::windowWanted);
+        delegate().openFilePanel(u"Open..."_s);
+        m_desk->chooser().answer({film(u"a.mp4"_s), film(u"b.mp4"_s)});
+        QCOMPARE(KXAppDelegate::hubMilliseconds, 100);
+        QVERIFY(m_desk->intake().openedURLsArray().isEmpty()); // the panel goes first
+        QCOMPARE(window.size(), 1);
+        QTRY_COMPARE(m_desk->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
+    }
+
+    void aPanelKeepsItsModeWhenOtherFilesComeInMeanwhile()
+    {
+        m_desk->drop({film(u"a.mp4"_s)});
+        delegate().openFilePanel(u"Add..."_s);
+        m_desk->drop({film(u"b.mp4"_s)});
+        m_desk->chooser().answer({film(u"c.mp4"_s)});
+        QTRY_COMPARE(m_desk->alerts().messages(), QStringList{u"Error Opening: c.mp4"_s});
+        QCOMPARE(m_desk->openNames(), QStringList{u"b.mp4"_s});
+    }
+
+    void droppedFilesComeInAfterAMoment()
+    {
+        delegate().filesDropped(support::urlsOf({film(u"a.mp4"_s)}));
+        QVERIFY(m_desk->openNames().isEmpty());
+        QTRY_COMPARE(m_desk->openNames(), QStringList{u"a.mp4"_s});
+        QCOMPARE(m_desk->intake().openingFileMode(), u"drag"_s);
+    }
+
+    void requestedFilmsAreOpened()
+    {
+        m_desk->intake().setOpeningFileMode(u"add"_s);
+        delegate().filesRequested({film(u"a.mp4"_s), film(u"b.mp4"_s)});
+        QTRY_COMPARE(m_desk->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(m_desk->intake().openingFileMode(), u"open"_s);
+    }
+
+    void aRequestedSubtitleIsHandedOver_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name : {"s.srt", "S.SRT", "s.ass", "s.ssa", "s.ttxt", "s.idx", "s.sub", "s.sup"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+
+    void aRequestedSubtitleIsHandedOver()
+    {
+        QFETCH(QString, name);
+        QSignalSpy window(&delegate(), &KXAppDelegate::windowWanted);
+        delegate().filesRequested({m_desk->text(name)});
+        QCOMPARE(m_desk->alerts().messages(), QStringList{u"Transfer From Lintwick Failed"_s});
+        QCOMPARE(window.size(), 1);
+    }
+
+    void helpByTheTitleOfTheItem_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("document");
+        QTest::newRow("guide") << u"Online Guide"_s << u"guide"_s;
+        QTest::newRow("troubleshooting") << u"Online Troubleshooting"_s << u"troubleshooting"_s;
+        QTest::newRow("another title") << u"Offline"_s << QString();
+    }
+
+    void helpByTheTitleOfTheItem()
+    {
+        QFETCH(QString, title);
+        QFETCH(QString, document);
+        QSignalSpy wanted(&delegate(), &KXAppDelegate::documentWanted);
+        delegate().helpMenuItemSelected(title);
+        QCOMPARE(wanted.size(), document.isNull() ? 0 : 1);
+        if (!document.isNull())
+            QCOMPARE(wanted.constFirst().constFirst().toString(), document);
+    }
+
+    void theToolTipsAreSwitchedAndStored()
+    {
+        delegate().helpMenuItemSelected(u"Hide Tool Tips"_s);
+        QVERIFY(!m_desk->program().preferences().panelFlag(u"showToolTipsFlag"_s));
+        QVERIFY(m_desk->scratch().read(u"settings/defaults.json"_s).contains("showToolTipsFlag"));
+        delegate().helpMenuItemSelected(u"Show Tool Tips"_s);
+        QVERIFY(m_desk->program().preferences().panelFlag(u"showToolTipsFlag"_s));
+    }
+
+    void playingCommitsTheFieldAndNeedsThePlayer()
+    {
+        QVERIFY(!delegate().playingProblem().isEmpty());
+        m_desk->fakeTool(u"mplayer/mplayer"_s, {u"record "_s + m_desk->path(u"runs"_s)});
+        QVERIFY(delegate().playingProblem().isNull());
+        QSignalSpy editing(&m_desk->starter(), &app::JobStarter::editingEndWanted);
+        QSignalSpy rows(&m_desk->controller(), &KXSelectionController::trackRowsDeselected);
+        m_desk->drop({film(u"a.mp4"_s)});
+        delegate().playButton();
+        QCOMPARE(editing.size(), 1);
+        QCOMPARE(rows.size(), 1);
+        QTRY_VERIFY(m_desk->scratch().read(u"runs"_s).contains("a.mp4"));
+    }
+
+private:
+    KXAppDelegate &delegate() { return m_desk->delegate(); }
+    QString film(const QString &name) const { return m_desk->film(support::textMp4(), name); }
+
+    std::unique_ptr<AppDesk> m_desk;
+};
+
+QTEST_GUILESS_MAIN(KXAppDelegateTest)
+#include "KXAppDelegateTest.moc"
