@@ -1,0 +1,391 @@
+// Which jobs the start buttons make of the current file and of the open files behind it.
+#include "app/JobStarter.h"
+
+#include "support/AppDesk.h"
+#include "support/ControllerBench.h"
+#include "support/Unprivileged.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::AppDesk;
+using support::convertible;
+using support::soundAlone;
+
+namespace {
+
+constexpr int allTracks = 2;     // the third preset of tracks
+constexpr int extractTracks = 1; // the second preset of settings
+
+} // namespace
+
+class JobStarterTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desk = std::make_unique<AppDesk>();
+        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s}); // whatever starts stays in the queue
+        m_desk->fakeTool(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
+        m_desk->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
+        m_desk->presets().setSelectionMethodIndex(allTracks);
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void jobTypeByTabTitleAndPreset_data()
+    {
+        QTest::addColumn<QString>("tab");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<int>("preset");
+        QTest::addColumn<QString>("jobType"); // of the job
+        QTest::addColumn<QString>("left");    // what the selection has then
+        const auto row = [](const char *name, const char *tab, const char *title, int preset,
+                            const char *jobType, const char *left) {
+            QTest::newRow(name) << QString::fromLatin1(tab) << QString::fromLatin1(title) << preset
+                                << QString::fromLatin1(jobType) << QString::fromLatin1(left);
+        };
+        row("join", "Edit Files", "Join", 0, "MKV Joining", "MKV Joining");
+        row("split", "Edit Files", "Split", 0, "MKV Splitting", "MKV Splitting");
+        row("re-mux", "Edit Files", "Re-Mux", 0, "MKV Remux", "MKV Remux");
+        row("another title leaves the type", "Edit Files", "Convert", 0, "MKV Joining", "MKV Joining");
+        row("convert", "MKV", "Convert", 0, "MKV Conversion", "MKV Conversion");
+        row("any other title converts", "MKV", "Join", 0, "MKV Conversion", "MKV Conversion");
+        row("extract", "MKV", "Extract", 0, "MKV Track Extraction", "MKV Track Extraction");
+        row("send", "MKV", "Send", 0, "Send To Lintwick", "Send To Lintwick");
+        // The selection keeps the type it had before: meant.
+        row("the preset extracts", "MKV", "Convert", extractTracks, "MKV Track Extraction", "MKV Joining");
+        row("extract with that preset", "MKV", "Extract", extractTracks, "MKV Track Extraction",
+            "MKV Track Extraction");
+        row("send with that preset", "MKV", "Send", extractTracks, "Send To Lintwick", "Send To Lintwick");
+        // Both names are compared as they stand: meant.
+        row("a tab in lower case", "edit files", "Join", 0, "MKV Conversion", "MKV Conversion");
+    }
+
+    void jobTypeByTabTitleAndPreset()
+    {
+        QFETCH(QString, tab);
+        QFETCH(QString, title);
+        QFETCH(int, preset);
+        QFETCH(QString, jobType);
+        QFETCH(QString, left);
+        open({convertible(file(u"a.mkv"_s))});
+        m_desk->controller().setCurrentTab(tab);
+        m_desk->presets().setSettingMethodIndex(preset);
+        const SelectionPointer selection = m_desk->controller().currentSelection();
+        selection->setEditFilesURLsList({m_desk->scratch().url(u"a.mkv"_s)});
+        selection->setJobType(u"MKV Joining"_s);
+        m_desk->starter().startProcess(title);
+        QCOMPARE(types(), QStringList{jobType});
+        QCOMPARE(selection->jobType(), left);
+    }
+
+    void aFieldThatIsEditedGivesItsValueFirst()
+    {
+        open({convertible(file(u"a.mkv"_s))});
+        connect(&m_desk->starter(), &app::JobStarter::editingEndWanted, this,
+                [this] { m_desk->controller().currentSelection()->setUserWidth(u"640"_s); });
+        m_desk->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_desk->queue().qJobList().constFirst()->jobSelection()->userWidth(), u"640"_s);
+    }
+
+    void aReadOnlyFolderGivesThePermissionAlertAndQueuesNothing_data()
+    {
+        QTest::addColumn<QString>("title");
+        for (const char *title : {"Convert", "Extract", "Send"})
+            QTest::newRow(title) << QString::fromLatin1(title);
+    }
+
+    void aReadOnlyFolderGivesThePermissionAlertAndQueuesNothing()
+    {
+        QFETCH(QString, title);
+        open({convertible(file(u"locked/a.mkv"_s)), convertible(file(u"b.mkv"_s))});
+        startWithLocked(u"locked"_s, title);
+        // "permision" is meant.
+        QCOMPARE(m_desk->shownAlerts(),
+                 QStringList{u"The application does not have permision to write to the save folder for this "
+                             "job.|Either move the file, change the save location, or edit the permissions "
+                             "for the output folder.|10000"_s});
+        QCOMPARE(m_desk->alerts().shown().constFirst()->style, platform::AlertStyle::Informational);
+        QVERIFY(m_desk->jobs().isEmpty());
+        QVERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->openNames().size(), 2);
+    }
+
+    void onTheEditingTabTheFolderOfTheFirstFileCounts_data()
+    {
+        QTest::addColumn<QString>("locked");
+        QTest::addColumn<int>("alerts");
+        QTest::newRow("that of the first file") << u"one"_s << 1;
+        QTest::newRow("that of the second file") << u"two"_s << 0;
+        QTest::newRow("that of the current video") << u"video"_s << 0;
+    }
+
+    void onTheEditingTabTheFolderOfTheFirstFileCounts()
+    {
+        QFETCH(QString, locked);
+        QFETCH(int, alerts);
+        open({convertible(file(u"video/a.mkv"_s))});
+        m_desk->controller().setCurrentTab(u"Edit Files"_s);
+        m_desk->controller().currentSelection()->setEditFilesURLsList(
+            support::urlsOf({file(u"one/1.mkv"_s), file(u"two/2.mkv"_s)}));
+        startWithLocked(locked, u"Join"_s);
+        QCOMPARE(m_desk->alerts().shown().size(), alerts);
+        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
+    }
+
+    void aSaveFolderThatIsSetTakesTheFilesPlace_data()
+    {
+        QTest::addColumn<QString>("locked");
+        QTest::addColumn<int>("alerts");
+        QTest::newRow("the film's folder is locked") << u"film"_s << 0;
+        QTest::newRow("the save folder is locked") << u"save"_s << 1;
+    }
+
+    void aSaveFolderThatIsSetTakesTheFilesPlace()
+    {
+        QFETCH(QString, locked);
+        QFETCH(int, alerts);
+        open({convertible(file(u"film/a.mkv"_s))});
+        file(u"save/anything"_s);
+        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"save"_s));
+        startWithLocked(locked, u"Convert"_s);
+        QCOMPARE(m_desk->alerts().shown().size(), alerts);
+        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
+    }
+
+    void aSaveFolderThatIsGoneCannotBeWritten()
+    {
+        open({convertible(file(u"a.mkv"_s))});
+        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
+        m_desk->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_desk->alerts().shown().size(), 1);
+        QVERIFY(m_desk->jobs().isEmpty());
+    }
+
+    void aRunningJobIsNoReasonNotToStartAnother()
+    {
+        open({convertible(file(u"a.mkv"_s))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        m_desk->queue().manageQueue();
+        QVERIFY(m_desk->queue().qJobIsRunning());
+        m_desk->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_desk->jobs().size(), 2);
+        QCOMPARE(m_desk->queue().qJobList().constLast()->jobStatus(), u"Queued"_s);
+    }
+
+    void anEmptyOpenQueueStartsNothing_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::newRow("Convert") << u"Convert"_s;
+        QTest::newRow("Extract") << u"Extract"_s;
+    }
+
+    void anEmptyOpenQueueStartsNothing()
+    {
+        QFETCH(QString, title);
+        open({convertible(file(u"a.mkv"_s))});
+        m_desk->openQueue().takeSelected(); // the file is current all the same
+        QVERIFY(m_desk->controller().canConvert());
+        m_desk->starter().startProcess(title);
+        QVERIFY(m_desk->jobs().isEmpty());
+        QVERIFY(!m_desk->starter().isFinishing());
+    }
+
+    void oneVideoHasToPassItsCheck_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("hasVideo");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QStringList>("jobs");
+        const QStringList none;
+        QTest::newRow("convert") << u"a.mp4"_s << true << u"Convert"_s
+                                 << QStringList{u"MKV Conversion a.mp4"_s};
+        QTest::newRow("convert without video") << u"a.mkv"_s << false << u"Convert"_s << none;
+        QTest::newRow("extract of MKV")
+            << u"a.mkv"_s << false << u"Extract"_s << QStringList{u"MKV Track Extraction a.mkv"_s};
+        QTest::newRow("extract of another kind") << u"a.mp4"_s << true << u"Extract"_s << none;
+    }
+
+    void oneVideoHasToPassItsCheck()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, hasVideo);
+        QFETCH(QString, title);
+        QFETCH(QStringList, jobs);
+        const QString path = file(name);
+        open({hasVideo ? convertible(path) : soundAlone(path)});
+        m_desk->starter().startProcess(title);
+        QCOMPARE(m_desk->jobs(), jobs);
+        QCOMPARE(m_desk->openNames(), QStringList{name}); // it stays open
+        QVERIFY(m_desk->alerts().shown().isEmpty());
+        QVERIFY(!m_desk->starter().isFinishing());
+    }
+
+    void sendQueuesExactlyOneJobWhateverTheOpenQueueHolds_data()
+    {
+        QTest::addColumn<int>("files");
+        QTest::newRow("none") << 0;
+        QTest::newRow("one") << 1;
+        QTest::newRow("three") << 3;
+    }
+
+    void sendQueuesExactlyOneJobWhateverTheOpenQueueHolds()
+    {
+        QFETCH(int, files);
+        QList<std::pair<QString, TrackList>> films;
+        for (int i = 0; i < std::max(files, 1); ++i)
+            films.append(convertible(file(u"%1.mkv"_s.arg(i))));
+        open(films);
+        if (files == 0)
+            m_desk->openQueue().takeSelected();
+        m_desk->starter().startProcess(u"Send"_s);
+        QCOMPARE(m_desk->jobs(), QStringList{u"Send To Lintwick 0.mkv"_s});
+        QVERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->openNames().size(), files);
+    }
+
+    void allOfThreeBecomeJobsAndTheLastStaysCurrent()
+    {
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), convertible(file(u"3.mkv"_s))});
+        QSignalSpy queued(&m_desk->starter(), &app::JobStarter::jobQueued);
+        QSignalSpy finishing(&m_desk->starter(), &app::JobStarter::finishingChanged);
+        m_desk->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 1.mkv"_s}); // the others follow
+        QCOMPARE(m_desk->openNames(), (QStringList{u"2.mkv"_s, u"3.mkv"_s}));
+        QVERIFY(m_desk->starter().isFinishing());
+        m_desk->starter().startProcess(u"Convert"_s); // pressed again meanwhile
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 2.mkv"_s,
+                                              u"MKV Conversion 3.mkv"_s}));
+        QCOMPARE(m_desk->openNames(), QStringList{u"3.mkv"_s});
+        QCOMPARE(m_desk->openQueue().selectedRow(), 0);
+        QCOMPARE(m_desk->file().theFileName(), u"3.mkv"_s);
+        QVERIFY(!m_desk->openQueue().canOpenQueuePopover());
+        QCOMPARE(queued.size(), 2);
+        QCOMPARE(finishing.size(), 2);
+    }
+
+    void theOthersFollowAfterTheNamedTime()
+    {
+        QCOMPARE(app::JobStarter::finishMilliseconds, 400);
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QVERIFY(clock.elapsed() >= 350); // a coarse timer may be early by a twentieth
+    }
+
+    void theSecondOfThreeThatCannotBeConvertedStaysAndBecomesCurrent()
+    {
+        open({convertible(file(u"1.mkv"_s)), soundAlone(file(u"2.mkv"_s)), convertible(file(u"3.mkv"_s))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 3.mkv"_s}));
+        QCOMPARE(m_desk->openNames(), QStringList{u"2.mkv"_s});
+        QCOMPARE(m_desk->file().theFileName(), u"2.mkv"_s);
+        QVERIFY(m_desk->alerts().shown().isEmpty()); // left without a message
+    }
+
+    void theCurrentOneThatCannotBeConvertedStaysAndTheOthersFollow()
+    {
+        open({soundAlone(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), soundAlone(file(u"3.mkv"_s))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QVERIFY(m_desk->jobs().isEmpty());
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
+        QCOMPARE(m_desk->openNames(), (QStringList{u"1.mkv"_s, u"3.mkv"_s}));
+        QCOMPARE(m_desk->openQueue().selectedRow(), 0);
+        QCOMPARE(m_desk->file().theFileName(), u"1.mkv"_s);
+        QVERIFY(m_desk->openQueue().canOpenQueuePopover());
+    }
+
+    void theSecondOneIsStartedWhereItIsCurrent()
+    {
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), soundAlone(file(u"3.mkv"_s))});
+        m_desk->openQueue().select(1);
+        m_desk->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 2.mkv"_s, u"MKV Conversion 1.mkv"_s}));
+        QCOMPARE(m_desk->openNames(), QStringList{u"3.mkv"_s});
+    }
+
+    void extractingSeveralAsksWhetherTracksCanBeEdited()
+    {
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mp4"_s)), soundAlone(file(u"3.mkv"_s))});
+        m_desk->starter().startProcess(u"Extract"_s);
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(),
+                 (QStringList{u"MKV Track Extraction 1.mkv"_s, u"MKV Track Extraction 3.mkv"_s}));
+        QCOMPARE(m_desk->openNames(), QStringList{u"2.mp4"_s});
+    }
+
+    void presetsAreAppliedToTheOthersUnlessEachWasChosenByHand_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QStringList>("jobs");
+        QTest::newRow("presets") << 0 << QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 2.mkv"_s};
+        QTest::newRow("by hand") << 1 << QStringList{u"MKV Conversion 1.mkv"_s};
+    }
+
+    void presetsAreAppliedToTheOthersUnlessEachWasChosenByHand()
+    {
+        QFETCH(int, index);
+        QFETCH(QStringList, jobs);
+        m_desk->presets().setSelectionMethodIndex(0);
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
+        m_desk->controller().setOpenQueueMatrixIndex(index);
+        m_desk->presets().setSelectionMethodIndex(allTracks); // ticks those of the current file
+        m_desk->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QCOMPARE(m_desk->jobs(), jobs);
+    }
+
+    void theJobHoldsItsOwnFilesTracks()
+    {
+        open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        const KXSelection &second = *m_desk->queue().qJobList().at(1)->jobSelection();
+        QCOMPARE(second.videoTrackFilePath(), m_desk->path(u"2.mkv"_s));
+        QCOMPARE(second.jobType(), u"MKV Conversion"_s);
+        QCOMPARE(second.trackList().size(), 2);
+    }
+
+private:
+    /// An empty file, in a folder that is made; answers its path.
+    QString file(const QString &name) const { return m_desk->scratch().write(name, "film"); }
+    void open(const QList<std::pair<QString, TrackList>> &films) { m_desk->openByHand(films); }
+    QStringList types() const
+    {
+        QStringList types;
+        for (const JobPointer &job : m_desk->queue().qJobList())
+            types.append(job->jobType());
+        return types;
+    }
+    void startWithLocked(const QString &folder, const QString &title)
+    {
+        // Somebody else has to reach the folders, but may not write where it is locked.
+        QFile::setPermissions(m_desk->path(), QFile::Permissions(0x7777));
+        for (const QString &name : QDir(m_desk->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            QFile::setPermissions(m_desk->path(name), QFile::Permissions(0x7777));
+        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x5555));
+        {
+            const support::Unprivileged nobody;
+            m_desk->starter().startProcess(title);
+        }
+        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x7777));
+    }
+
+    std::unique_ptr<AppDesk> m_desk;
+};
+
+QTEST_GUILESS_MAIN(JobStarterTest)
+#include "JobStarterTest.moc"
