@@ -1,0 +1,131 @@
+// "Save File Info": what ffprobe says of files, in text files.
+#include "app/FileInfoWriter.h"
+
+#include "support/AppDesk.h"
+#include "support/Clips.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::AppDesk;
+
+class FileInfoWriterTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_desk = std::make_unique<AppDesk>(); }
+    void cleanup() { m_desk.reset(); }
+
+    void liesBesideTheFileWithTheFilesWholeName()
+    {
+        QCOMPARE(writer().infoFileFor(QUrl::fromLocalFile(u"/v/My film.mkv"_s)).toLocalFile(),
+                 u"/v/My film.mkv.info.txt"_s);
+    }
+
+    void liesInTheSaveFolderWhereOneIsSet()
+    {
+        m_desk->program().preferences().setSaveDirectoryPath(u"/out"_s);
+        QCOMPARE(writer().infoFileFor(QUrl::fromLocalFile(u"/v/a.mkv"_s)).toLocalFile(),
+                 u"/out/a.mkv.info.txt"_s);
+    }
+
+    void holdsWhatFfprobePrints()
+    {
+        const QString film = m_desk->film(support::fullMkv(), u"Amélie's film.mkv"_s);
+        QVERIFY(writer().write(support::urlsOf({film})).isNull());
+        const QJsonArray streams =
+            QJsonDocument::fromJson(m_desk->scratch().read(u"Amélie's film.mkv.info.txt"_s))
+                .object()
+                .value(u"streams"_s)
+                .toArray();
+        QCOMPARE(streams.size(), 6);
+        QCOMPARE(streams.at(1).toObject().value(u"codec_name"_s).toString(), u"ac3"_s);
+        QCOMPARE(streams.at(1).toObject().value(u"tags"_s).toObject().value(u"title"_s).toString(),
+                 u"Surround, five"_s);
+    }
+
+    void replacesAnOldFile()
+    {
+        const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);
+        m_desk->scratch().write(u"a.mkv.info.txt"_s, QByteArray(100'000, 'x'));
+        QVERIFY(writer().write(support::urlsOf({film})).isNull());
+        QVERIFY(!m_desk->scratch().read(u"a.mkv.info.txt"_s).contains("xxx"));
+        QVERIFY(m_desk->scratch().read(u"a.mkv.info.txt"_s).contains("h264"));
+    }
+
+    void whatCouldNotBeWrittenIsNamedAndTheOthersAreWritten()
+    {
+        const QString first = m_desk->film(support::audioOnly(), u"locked/a.m4a"_s);
+        const QString second = m_desk->film(support::audioOnly(), u"b.m4a"_s);
+        QVERIFY(QDir().mkpath(m_desk->path(u"locked/a.m4a.info.txt"_s))); // a folder bears the name
+        const QString problem = writer().write(support::urlsOf({first, second}));
+        QCOMPARE(problem, u"Not written: "_s + m_desk->path(u"locked/a.m4a.info.txt"_s));
+        QVERIFY(m_desk->scratch().read(u"b.m4a.info.txt"_s).contains("aac"));
+    }
+
+    void aFolderThatMayNotBeWrittenIsToldInTheBottomLine()
+    {
+        m_desk->drop({m_desk->film(support::audioOnly(), u"a.m4a"_s)});
+        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
+        QSignalSpy said(&m_desk->delegate(), &KXAppDelegate::noteWorthy);
+        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        QCOMPARE(said.size(), 1);
+        QCOMPARE(said.constFirst().constFirst().toString(),
+                 u"Not written: "_s + m_desk->path(u"gone/a.m4a.info.txt"_s));
+    }
+
+    void theMenuWritesEveryFileThatCameInLast()
+    {
+        m_desk->drop({m_desk->film(support::audioOnly(), u"old.m4a"_s)});
+        // Also what was refused: it came in.
+        m_desk->drop({m_desk->film(support::fullMkv(), u"a.mkv"_s), m_desk->text(u"b.txt"_s)});
+        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        QVERIFY(exists(u"a.mkv.info.txt"_s));
+        QVERIFY(exists(u"b.txt.info.txt"_s));
+        QVERIFY(!exists(u"old.m4a.info.txt"_s));
+    }
+
+    /// "Edit Tracks" is compared though the tab is named "Edit Files": meant. There, what came in last is
+    /// written, also what was not gathered.
+    void theTabNamesThatTellTheGatheredFiles_data()
+    {
+        QTest::addColumn<QString>("tab");
+        QTest::addColumn<bool>("gatheredOnly");
+        QTest::newRow("Edit Files") << u"Edit Files"_s << false;
+        QTest::newRow("Edit Tracks") << u"Edit Tracks"_s << true;
+        QTest::newRow("MKV") << u"MKV"_s << false;
+    }
+
+    void theTabNamesThatTellTheGatheredFiles()
+    {
+        QFETCH(QString, tab);
+        QFETCH(bool, gatheredOnly);
+        m_desk->controller().setCurrentTab(u"Edit Files"_s);
+        m_desk->drop(
+            {m_desk->film(support::fullMkv(), u"a.mkv"_s), m_desk->film(support::textMp4(), u"b.mp4"_s)});
+        m_desk->controller().setCurrentTab(tab);
+        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        QVERIFY(exists(u"a.mkv.info.txt"_s));
+        QCOMPARE(exists(u"b.mp4.info.txt"_s), !gatheredOnly);
+    }
+
+private:
+    app::FileInfoWriter &writer()
+    {
+        m_writer = std::make_unique<app::FileInfoWriter>(m_desk->program().preferences());
+        return *m_writer;
+    }
+    bool exists(const QString &name) const { return QFile::exists(m_desk->path(name)); }
+
+    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<app::FileInfoWriter> m_writer;
+};
+
+QTEST_GUILESS_MAIN(FileInfoWriterTest)
+#include "FileInfoWriterTest.moc"
