@@ -116,6 +116,8 @@ bool TrackModel::setText(KXVideoTrack &track, int column, const QString &text)
 Qt::ItemFlags TrackModel::flags(const QModelIndex &index) const
 {
     const Qt::ItemFlags base = QAbstractTableModel::flags(index);
+    if (!index.isValid())
+        return base;
     if (index.column() == Language || index.column() == Title)
         return base | Qt::ItemIsEditable;
     return base | Qt::ItemIsUserCheckable;
