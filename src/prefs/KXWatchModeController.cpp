@@ -145,11 +145,11 @@ void KXWatchModeController::fileRefused(const QUrl &file)
 
 void KXWatchModeController::watchLoop()
 {
-    if (m_listing->canonicalFolder(m_folder).isNull()) {
+    const QStringList current = m_listing->movies(m_folder, movieExtensionsList());
+    if (m_listing->canonicalFolder(m_folder).isNull()) { // asked afterwards: it may vanish while it is read
         Q_EMIT folderMissing(); // what is known stays: when the folder is back, its files are no new ones
         return;
     }
-    const QStringList current = m_listing->movies(m_folder, movieExtensionsList());
     if (current.isEmpty()) {
         m_files.setBase({});
         forgetVanished(current);

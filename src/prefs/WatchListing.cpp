@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <filesystem>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -29,25 +30,29 @@ QString WatchListing::canonicalFolder(const QString &path) const
     return !path.isEmpty() && info.isDir() ? info.canonicalFilePath() : QString();
 }
 
-/// Walks by the directory entries alone, without a look at each file: folders can be large. Files that are
-/// still being downloaded end in an extension of their own, so they are no movies; a leading "._" is hidden.
+/// Walks by the directory entries alone, without a look at each file: folders can be large. Each folder is
+/// read on its own, so that one that vanishes meanwhile takes only its own files along. Files that are still
+/// being downloaded end in an extension of their own, so they are no movies; a leading "._" is hidden.
 QStringList WatchListing::movies(const QString &folder, const QStringList &extensions) const
 {
     const QSet<QString> wanted(extensions.begin(), extensions.end());
     QStringList found;
-    std::error_code error;
-    fs::recursive_directory_iterator entry(fs::path(folder.toStdString()),
-                                           fs::directory_options::skip_permission_denied, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        std::error_code gone; // files may vanish while we look
-        const fs::file_status status = entry->symlink_status(gone);
-        if (!name.empty() && name.front() == '.') {
-            entry.disable_recursion_pending();
-            continue;
+    std::vector<fs::path> folders{fs::path(folder.toStdString())};
+    while (!folders.empty()) {
+        std::error_code error;
+        fs::directory_iterator entry(folders.back(), error);
+        folders.pop_back();
+        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+            const std::string name = entry->path().filename().string();
+            std::error_code gone; // files may vanish while we look
+            const fs::file_status status = entry->symlink_status(gone);
+            if (gone || name.starts_with('.'))
+                continue;
+            if (fs::is_directory(status))
+                folders.push_back(entry->path());
+            else if (fs::is_regular_file(status) && wanted.contains(extensionOf(name)))
+                found.append(QString::fromStdString(entry->path().string()));
         }
-        if (!gone && fs::is_regular_file(status) && wanted.contains(extensionOf(name)))
-            found.append(QString::fromStdString(entry->path().string()));
     }
     return found;
 }

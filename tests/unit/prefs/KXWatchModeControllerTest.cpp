@@ -1,14 +1,115 @@
+// Which files of a watched folder are ready, poll after poll. Folder and clock are the test's.
 #include "prefs/KXWatchModeController.h"
 
+#include "platform/Chooser.h"
+#include "prefs/KXPreferences.h"
+#include "support/JobWorld.h"
+
+#include <QSignalSpy>
 #include <QTest>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
+using State = prefs::WatchListing::State;
+
+namespace {
+
+const QString folder = u"/w"_s;
+
+/// A folder "/w" that holds what a test says.
+struct Shelf
+{
+    bool isThere = true;
+    QStringList order;
+    QHash<QString, State> states;
+    bool vanishesWhenListed = false;
+    int listed = 0;
+
+    void put(const QString &path, qint64 size, qint64 changed = 0)
+    {
+        if (!order.contains(path))
+            order.append(path);
+        states[path] = {size, changed};
+    }
+    void take(const QString &path)
+    {
+        order.removeAll(path);
+        states.remove(path);
+    }
+};
+
+class ShelfListing final : public prefs::WatchListing
+{
+public:
+    explicit ShelfListing(Shelf &shelf)
+        : m_shelf(shelf)
+    {
+    }
+    QString canonicalFolder(const QString &path) const override
+    {
+        return m_shelf.isThere && path == folder ? folder : QString();
+    }
+    QStringList movies(const QString &path, const QStringList & /*extensions*/) const override
+    {
+        ++m_shelf.listed;
+        if (m_shelf.vanishesWhenListed)
+            m_shelf.isThere = false;
+        return path == folder ? m_shelf.order : QStringList();
+    }
+    State stateOf(const QString &path) const override { return m_shelf.states.value(path); }
+
+private:
+    Shelf &m_shelf;
+};
+
+/// Keeps what was asked last; the test answers.
+class OpenPanel final : public platform::Chooser
+{
+public:
+    void choose(const platform::ChooserRequest &request, Chosen chosen) override
+    {
+        asked = request;
+        answer = std::move(chosen);
+    }
+    platform::ChooserRequest asked;
+    Chosen answer;
+};
+
+QUrl url(const QString &path)
+{
+    return QUrl::fromLocalFile(path);
+}
+
+} // namespace
 
 class KXWatchModeControllerTest final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        m_shelf = std::make_unique<Shelf>();
+        m_world = std::make_unique<support::JobWorld>();
+        m_world->preferences.setWatchFolderURL(url(folder));
+        m_watch = std::make_unique<KXWatchModeController>(&m_world->preferences);
+        m_watch->setListing(std::make_unique<ShelfListing>(*m_shelf));
+        m_ready.clear();
+        connect(m_watch.get(), &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
+            for (const QUrl &file : files)
+                m_ready.append(file.toLocalFile());
+            ++m_handOvers;
+        });
+        m_handOvers = 0;
+    }
+
+    void cleanup()
+    {
+        m_watch.reset();
+        m_world.reset();
+    }
+
     void knowsMoviesByTheirExtensionsAndStartsOff()
     {
         const KXWatchModeController controller;
@@ -22,12 +123,485 @@ private Q_SLOTS:
     void isReadAndWrittenByName()
     {
         KXWatchModeController controller;
-        const QList<QUrl> known{QUrl::fromLocalFile(u"/w/a.mkv"_s)};
+        const QList<QUrl> known{url(u"/w/a.mkv"_s)};
         QVERIFY(controller.setProperty("appIsInWatchMode", true));
         QVERIFY(controller.setProperty("baseWatchFolderMovieList", QVariant::fromValue(known)));
         QVERIFY(controller.appIsInWatchMode());
         QCOMPARE(controller.baseWatchFolderMovieList(), known);
     }
+
+    void theTimesAreFixed()
+    {
+        QCOMPARE(KXWatchModeController::pollMilliseconds, 5000);
+        QCOMPARE(KXWatchModeController::toggleMilliseconds, 400);
+        QCOMPARE(KXWatchModeController::fadeMilliseconds, 100);
+    }
+
+    // Beginning and ending.
+
+    void startingTakesWhatIsThereAsKnownAndSwapsTheWindowsAMomentLater()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        QSignalSpy swapped(m_watch.get(), &KXWatchModeController::windowsSwapped);
+        QSignalSpy drawer(m_watch.get(), &KXWatchModeController::drawerWanted);
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(m_watch->startWatchMode());
+        QVERIFY(m_watch->appIsInWatchMode());
+        QCOMPARE(m_watch->watchFolderPath(), folder);
+        QCOMPARE(m_watch->watchFolderURL(), url(folder));
+        QCOMPARE(m_watch->baseWatchFolderMovieList(), QList<QUrl>{url(u"/w/old.mkv"_s)});
+        QCOMPARE(drawer.size(), 1);
+        QVERIFY(!drawer.constFirst().constFirst().toBool());
+        QVERIFY(swapped.isEmpty());
+        QTRY_COMPARE(swapped.size(), 1);
+        QVERIFY2(clock.elapsed() >= 380, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(swapped.constFirst().constFirst().toBool());
+    }
+
+    void startingWithNoValidFolderShowsTheMessageAndKeepsTheMainWindow_data()
+    {
+        QTest::addColumn<QUrl>("chosen");
+        QTest::newRow("none chosen") << QUrl();
+        QTest::newRow("not there") << url(u"/elsewhere"_s);
+    }
+
+    void startingWithNoValidFolderShowsTheMessageAndKeepsTheMainWindow()
+    {
+        QFETCH(QUrl, chosen);
+        m_world->preferences.setWatchFolderURL(chosen);
+        QSignalSpy swapped(m_watch.get(), &KXWatchModeController::windowsSwapped);
+        QSignalSpy drawer(m_watch.get(), &KXWatchModeController::drawerWanted);
+        QSignalSpy changed(m_watch.get(), &KXWatchModeController::folderChanged);
+        QVERIFY(!m_watch->startWatchMode());
+        QCOMPARE(m_watch->watchFolderPath(), u"must select a valid directory to start watch mode"_s);
+        QVERIFY(!m_watch->appIsInWatchMode());
+        QVERIFY(!changed.isEmpty());
+        QTest::qWait(600);
+        QVERIFY(swapped.isEmpty());
+        QVERIFY(drawer.isEmpty());
+        QCOMPARE(m_shelf->listed, 0);
+    }
+
+    void withoutPreferencesNothingIsWatched()
+    {
+        KXWatchModeController controller;
+        QVERIFY(!controller.startWatchMode());
+        QVERIFY(!controller.appIsInWatchMode());
+    }
+
+    void theTimerLooksEveryFiveSeconds()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        QVERIFY(m_watch->startWatchMode());
+        QCOMPARE(m_shelf->listed, 1);
+        QVERIFY(!QTest::qWaitFor([this] { return m_shelf->listed > 1; }, 4500));
+        QVERIFY(QTest::qWaitFor([this] { return m_shelf->listed > 1; }, 1500));
+        m_watch->endWatchMode();
+        QVERIFY(!QTest::qWaitFor([this] { return m_shelf->listed > 2; }, 5500));
+    }
+
+    void endingSwapsBackAtOnceAndIsOverAMomentLater()
+    {
+        QVERIFY(m_watch->startWatchMode());
+        QSignalSpy swapped(m_watch.get(), &KXWatchModeController::windowsSwapped);
+        QSignalSpy ended(m_watch.get(), &KXWatchModeController::watchModeEnded);
+        m_watch->endWatchMode();
+        QCOMPARE(swapped.size(), 1);
+        QVERIFY(!swapped.constFirst().constFirst().toBool());
+        QVERIFY(m_watch->appIsInWatchMode()); // until the windows have changed places
+        QVERIFY(ended.isEmpty());
+        QTRY_COMPARE(ended.size(), 1);
+        QVERIFY(!m_watch->appIsInWatchMode());
+        QTest::qWait(500);
+        QCOMPARE(swapped.size(), 1); // and not the other way round once more
+    }
+
+    void startingAgainWhileItEndsStaysOn()
+    {
+        QVERIFY(m_watch->startWatchMode());
+        m_watch->endWatchMode();
+        QVERIFY(m_watch->startWatchMode());
+        QTest::qWait(600);
+        QVERIFY(m_watch->appIsInWatchMode());
+    }
+
+    void startingAgainForgetsWhatWasGrowing()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/new.mkv"_s, 5);
+        poll();
+        QCOMPARE(m_watch->monitorWatchFolderMovieList().size(), 1);
+        QVERIFY(m_watch->startWatchMode());
+        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+        poll(3);
+        QVERIFY(m_ready.isEmpty());
+    }
+
+    void theFolderIsChosenInAPanel()
+    {
+        OpenPanel panel;
+        QSignalSpy changed(m_watch.get(), &KXWatchModeController::folderChanged);
+        m_watch->chooseWatchFolderURL(panel);
+        QCOMPARE(panel.asked.title, u"Select the folder to watch."_s);
+        QVERIFY(panel.asked.what == platform::ChooserRequest::What::Folder);
+        QCOMPARE(panel.asked.startPath, folder);
+        panel.answer({});
+        QCOMPARE(m_world->preferences.watchFolderPath(), folder);
+        QVERIFY(changed.isEmpty());
+        panel.answer({url(u"/other"_s)});
+        QCOMPARE(m_world->preferences.watchFolderPath(), u"/other"_s);
+        QCOMPARE(changed.size(), 1);
+    }
+
+    // One look after the other.
+
+    void filesPresentAtTheStartAreNeverProcessed()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        startAndPoll();
+        m_shelf->put(u"/w/old.mkv"_s, 50, 9); // grows even
+        poll(4);
+        QVERIFY(m_ready.isEmpty());
+        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+    }
+
+    void aFileCopiedOverTwelveSecondsIsTakenAtTheFirstPollAfterItsSizeStopsChanging()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/film.mkv"_s, 100); // seen at 0 s
+        poll();
+        m_shelf->put(u"/w/film.mkv"_s, 600); // 5 s
+        poll();
+        m_shelf->put(u"/w/film.mkv"_s, 1100); // 10 s
+        poll();
+        m_shelf->put(u"/w/film.mkv"_s, 1300); // 15 s; complete since 12 s
+        poll();
+        QVERIFY(m_ready.isEmpty());
+        poll(); // 20 s
+        QCOMPARE(m_ready, QStringList{u"/w/film.mkv"_s});
+        QCOMPARE(m_watch->baseWatchFolderMovieList(), QList<QUrl>{url(u"/w/film.mkv"_s)});
+        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+        poll(10);
+        QCOMPARE(m_ready.size(), 1);
+        QCOMPARE(m_handOvers, 1);
+    }
+
+    void whatGrowsIsKeptWithItsLastSizeAsText()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/film.mkv"_s, 5'000'000'000);
+        poll();
+        const QVariantList expected{
+            QVariantMap{{u"fileURL"_s, url(u"/w/film.mkv"_s)}, {u"oldSize"_s, u"5000000000"_s}}};
+        QCOMPARE(m_watch->monitorWatchFolderMovieList(), expected);
+        m_shelf->put(u"/w/film.mkv"_s, 5'000'000'001);
+        poll();
+        QCOMPARE(m_watch->monitorWatchFolderMovieList().constFirst().toMap().value(u"oldSize"_s),
+                 QVariant(u"5000000001"_s));
+    }
+
+    void anEmptyFileIsNeverTaken()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/empty.mkv"_s, 0);
+        poll(5);
+        QVERIFY(m_ready.isEmpty());
+        m_shelf->put(u"/w/empty.mkv"_s, 7); // and then it is none any more
+        poll();
+        QVERIFY(m_ready.isEmpty());
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/empty.mkv"_s});
+    }
+
+    void aFileThatStopsShrinkingIsTakenToo()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/a.mkv"_s, 9);
+        poll();
+        m_shelf->put(u"/w/a.mkv"_s, 8);
+        poll();
+        QVERIFY(m_ready.isEmpty());
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/a.mkv"_s});
+    }
+
+    void aFileDeletedWhileItIsWatchedIsForgottenWithoutError_data()
+    {
+        QTest::addColumn<bool>("isLast");
+        QTest::newRow("another film stays") << false;
+        QTest::newRow("the folder is empty then") << true;
+    }
+
+    void aFileDeletedWhileItIsWatchedIsForgottenWithoutError()
+    {
+        QFETCH(bool, isLast);
+        if (!isLast)
+            m_shelf->put(u"/w/old.mkv"_s, 1);
+        startAndPoll();
+        m_shelf->put(u"/w/gone.mkv"_s, 5);
+        poll();
+        QSignalSpy forgotten(m_watch.get(), &KXWatchModeController::fileForgotten);
+        m_shelf->take(u"/w/gone.mkv"_s);
+        poll(2);
+        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+        QCOMPARE(forgotten.size(), 1);
+        QCOMPARE(forgotten.constFirst().constFirst().toString(), u"/w/gone.mkv"_s);
+        m_shelf->put(u"/w/gone.mkv"_s, 5); // back: new, and looked at twice again
+        poll();
+        QVERIFY(m_ready.isEmpty());
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/gone.mkv"_s});
+    }
+
+    void aFileInANewSubFolderIsFound()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/sub/deep/film.mkv"_s, 5);
+        poll(2);
+        QCOMPARE(m_ready, QStringList{u"/w/sub/deep/film.mkv"_s});
+    }
+
+    void newFilesAreToldOnce()
+    {
+        startAndPoll();
+        QSignalSpy found(m_watch.get(), &KXWatchModeController::filesFound);
+        m_shelf->put(u"/w/a.mkv"_s, 5);
+        m_shelf->put(u"/w/b.mkv"_s, 5);
+        poll(3);
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.constFirst().constFirst().toStringList(), QStringList({u"/w/a.mkv"_s, u"/w/b.mkv"_s}));
+    }
+
+    void allThatAreFinishedAtOnceComeInOneHandOverInTheirOrder()
+    {
+        startAndPoll();
+        for (const QString &path : {u"/w/c.mkv"_s, u"/w/a.mkv"_s, u"/w/b.mkv"_s})
+            m_shelf->put(path, 5);
+        poll();
+        m_shelf->put(u"/w/a.mkv"_s, 6);
+        poll();
+        QCOMPARE(m_ready, QStringList({u"/w/c.mkv"_s, u"/w/b.mkv"_s}));
+        QCOMPARE(m_handOvers, 1);
+        poll();
+        QCOMPARE(m_ready, QStringList({u"/w/c.mkv"_s, u"/w/b.mkv"_s, u"/w/a.mkv"_s}));
+        QCOMPARE(m_handOvers, 2);
+    }
+
+    void oneThatIsReadyAndOneThatIsNewAreToldApartInTheSamePoll()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/a.mkv"_s, 5);
+        poll();
+        m_shelf->put(u"/w/b.mkv"_s, 5);
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/a.mkv"_s});
+        QCOMPARE(m_watch->monitorWatchFolderMovieList().size(), 1);
+    }
+
+    void aKnownFileThatVanishedMayComeBackAsANewOne()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        m_shelf->put(u"/w/other.mkv"_s, 5);
+        startAndPoll();
+        m_shelf->take(u"/w/old.mkv"_s);
+        poll();
+        QCOMPARE(m_watch->baseWatchFolderMovieList(), QList<QUrl>{url(u"/w/other.mkv"_s)});
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        poll(2);
+        QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
+    }
+
+    void anEmptyFolderForgetsEverything()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        startAndPoll();
+        m_shelf->take(u"/w/old.mkv"_s);
+        poll();
+        QVERIFY(m_watch->baseWatchFolderMovieList().isEmpty());
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        poll(2);
+        QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
+    }
+
+    void aFolderThatVanishesWhileItIsReadKeepsWhatIsKnown()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        startAndPoll();
+        const QStringList content = std::exchange(m_shelf->order, {});
+        m_shelf->vanishesWhenListed = true;
+        poll();
+        m_shelf->vanishesWhenListed = false;
+        m_shelf->isThere = true;
+        m_shelf->order = content;
+        poll(3);
+        QVERIFY(m_ready.isEmpty());
+    }
+
+    void aVanishedFolderKeepsWhatIsKnown()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        startAndPoll();
+        m_shelf->put(u"/w/new.mkv"_s, 5);
+        poll();
+        QSignalSpy missing(m_watch.get(), &KXWatchModeController::folderMissing);
+        m_shelf->isThere = false;
+        const QStringList content = std::exchange(m_shelf->order, {});
+        poll(3);
+        QCOMPARE(missing.size(), 3);
+        m_shelf->isThere = true;
+        m_shelf->order = content;
+        poll(3);
+        QCOMPARE(missing.size(), 3);
+        QCOMPARE(m_ready, QStringList{u"/w/new.mkv"_s}); // the one that was growing, and no other
+    }
+
+    void thePollClosesTheDrawer()
+    {
+        startAndPoll();
+        QSignalSpy drawer(m_watch.get(), &KXWatchModeController::drawerWanted);
+        m_shelf->put(u"/w/a.mkv"_s, 5);
+        poll();
+        QCOMPARE(drawer.size(), 1);
+        QVERIFY(!drawer.constFirst().constFirst().toBool());
+    }
+
+    // Outputs and refusals.
+
+    void anAnnouncedOutputIsNeverTaken_data()
+    {
+        QTest::addColumn<bool>("isBeforeTheStart");
+        QTest::newRow("before watch mode began") << true;
+        QTest::newRow("while watching") << false;
+    }
+
+    void anAnnouncedOutputIsNeverTaken()
+    {
+        QFETCH(bool, isBeforeTheStart);
+        if (isBeforeTheStart)
+            m_watch->outputAnnounced(url(u"/w/out.m4v"_s)); // queued before, written later
+        startAndPoll();
+        if (!isBeforeTheStart)
+            m_watch->outputAnnounced(url(u"/w/out.m4v"_s));
+        poll();
+        m_shelf->put(u"/w/out.m4v"_s, 5);
+        poll(2);
+        m_shelf->put(u"/w/out.m4v"_s, 6);
+        poll(3);
+        QVERIFY(m_ready.isEmpty());
+        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+    }
+
+    void neitherAnEmptyFolderNorAVanishedOutputMakesItForgetAnOutput()
+    {
+        m_watch->outputAnnounced(url(u"/w/out.m4v"_s));
+        startAndPoll(); // empty
+        m_shelf->put(u"/w/out.m4v"_s, 5);
+        m_shelf->put(u"/w/other.mkv"_s, 5);
+        poll(2);
+        m_shelf->take(u"/w/out.m4v"_s);
+        poll();
+        m_shelf->put(u"/w/out.m4v"_s, 5);
+        poll(3);
+        QCOMPARE(m_ready, QStringList{u"/w/other.mkv"_s});
+    }
+
+    void anOutputInTheKnownListIsPrunedButNotForgotten()
+    {
+        startAndPoll();
+        m_watch->outputAnnounced(url(u"/w/out.m4v"_s));
+        m_watch->setBaseWatchFolderMovieList({url(u"/w/out.m4v"_s)}); // as the queue does
+        m_shelf->put(u"/w/a.mkv"_s, 5);
+        poll(); // the output is not yet there
+        QVERIFY(m_watch->baseWatchFolderMovieList().isEmpty());
+        m_shelf->put(u"/w/out.m4v"_s, 5);
+        poll(3);
+        QCOMPARE(m_ready, QStringList{u"/w/a.mkv"_s});
+    }
+
+    void aRefusedFileIsLookedAtAgainOnlyAfterItChanged()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 1);
+        poll(2);
+        QCOMPARE(m_ready.size(), 1);
+        m_watch->fileRefused(url(u"/w/bad.mkv"_s));
+        poll(5);
+        QCOMPARE(m_ready.size(), 1);
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 2); // the time alone
+        poll();
+        QCOMPARE(m_ready.size(), 1);
+        poll();
+        QCOMPARE(m_ready.size(), 2);
+        poll(5);
+        QCOMPARE(m_ready.size(), 2); // it was good this time
+    }
+
+    void aRefusedFileIsTriedFiveTimesAndThenGivenUp()
+    {
+        startAndPoll();
+        QSignalSpy givenUp(m_watch.get(), &KXWatchModeController::fileGivenUp);
+        connect(m_watch.get(), &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
+            QMetaObject::invokeMethod(
+                m_watch.get(), [this, files] { m_watch->fileRefused(files.constFirst()); },
+                Qt::QueuedConnection);
+        });
+        for (int change = 1; change <= 12; ++change) {
+            m_shelf->put(u"/w/bad.mkv"_s, 5 + change, change);
+            poll(3);
+            QCoreApplication::processEvents();
+            QCOMPARE(m_ready.size(), std::min(change, 5));
+            QCOMPARE(givenUp.size(), change < 5 ? 0 : 1);
+        }
+        QCOMPARE(givenUp.constFirst().constFirst().toString(), u"/w/bad.mkv"_s);
+    }
+
+    void aRefusedFileThatIsRefusedAtOnceIsNoDifferent()
+    {
+        startAndPoll();
+        connect(m_watch.get(), &KXWatchModeController::filesReady, m_watch.get(),
+                [this](const QList<QUrl> &files) { m_watch->fileRefused(files.constFirst()); });
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 1);
+        poll(4);
+        QCOMPARE(m_ready.size(), 1);
+        m_shelf->put(u"/w/bad.mkv"_s, 6, 1);
+        poll(4);
+        QCOMPARE(m_ready.size(), 2);
+    }
+
+    void aRefusedFileThatWasDeletedAndReplacedIsANewOne()
+    {
+        m_shelf->put(u"/w/other.mkv"_s, 5);
+        startAndPoll();
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 1);
+        poll(2);
+        m_watch->fileRefused(url(u"/w/bad.mkv"_s));
+        m_shelf->take(u"/w/bad.mkv"_s);
+        poll(2);
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 1);
+        poll(2);
+        QCOMPARE(m_ready.size(), 2);
+    }
+
+private:
+    void startAndPoll()
+    {
+        QVERIFY(m_watch->startWatchMode());
+        poll();
+        QVERIFY(m_ready.isEmpty());
+    }
+
+    void poll(int times = 1)
+    {
+        for (int i = 0; i < times; ++i)
+            m_watch->watchLoop();
+    }
+
+    std::unique_ptr<Shelf> m_shelf;
+    std::unique_ptr<support::JobWorld> m_world;
+    std::unique_ptr<KXWatchModeController> m_watch;
+    QStringList m_ready;
+    int m_handOvers = 0;
 };
 
 QTEST_GUILESS_MAIN(KXWatchModeControllerTest)
