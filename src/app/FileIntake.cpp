@@ -75,7 +75,7 @@ FileIntake::FileIntake(const Parts &parts)
 
 void FileIntake::openedFileHubForFiles(const QList<QUrl> &files)
 {
-    if (m_busy) {
+    if (m_busy || m_held) {
         m_waiting.append({m_openingFileMode, files});
         return;
     }
@@ -83,9 +83,15 @@ void FileIntake::openedFileHubForFiles(const QList<QUrl> &files)
     takeNextWaiting();
 }
 
+void FileIntake::setHeld(bool held)
+{
+    m_held = held;
+    takeNextWaiting();
+}
+
 void FileIntake::takeNextWaiting()
 {
-    while (!m_waiting.isEmpty() && !m_busy) {
+    while (!m_waiting.isEmpty() && !m_busy && !m_held) {
         const auto [mode, files] = m_waiting.takeFirst();
         if (mode == handOver) {
             takeHandedOver(files.constFirst());
@@ -247,7 +253,7 @@ void FileIntake::addFileTrackFrom(const QUrl &url)
 bool FileIntake::applicationOpenFile(const QString &path)
 {
     const QUrl url = QUrl::fromLocalFile(path);
-    if (m_busy) {
+    if (m_busy || m_held) {
         m_waiting.append({handOver, {url}});
         return true;
     }

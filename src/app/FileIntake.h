@@ -59,8 +59,10 @@ public:
     /// The answer to whether files with header removal should be rewritten: 1000 queues them.
     void handleHeaderCompressionReturnCode(int returnCode);
 
-    /// While files are probed.
-    bool isBusy() const { return m_busy; }
+    /// While files are probed, or wait because they are held.
+    bool isBusy() const { return m_busy || (m_held && !m_waiting.isEmpty()); }
+    /// What comes in waits until it is held no longer: the open files are being worked through.
+    void setHeld(bool held);
     /// Ends the probing; what was probed until then stays.
     void stopProbing();
 
@@ -109,6 +111,7 @@ private:
     QString m_busyMode;
     tools::StopFlag m_stop = std::make_shared<std::atomic_bool>(false);
     bool m_busy = false;
+    bool m_held = false;
 };
 
 } // namespace app

@@ -49,6 +49,8 @@ KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
 {
     connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
             &KXAppDelegate::fileTextFieldChanged);
+    connect(&m_starter, &app::JobStarter::finishingChanged, &m_intake,
+            [this] { m_intake.setHeld(m_starter.isFinishing()); });
 }
 
 KXAppDelegate::~KXAppDelegate() = default;

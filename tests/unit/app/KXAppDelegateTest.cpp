@@ -72,6 +72,27 @@ private Q_SLOTS:
         QCOMPARE(m_desk->intake().openingFileMode(), u"drag"_s);
     }
 
+    /// The open files are selected one after the other then: a probe in between would fill one of them.
+    void filesThatComeWhileOthersAreStartedWaitForThat()
+    {
+        m_desk->presets().setSelectionMethodIndex(2);
+        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        m_desk->openByHand({support::convertible(m_desk->scratch().write(u"a.mkv"_s, "film")),
+                            support::convertible(m_desk->scratch().write(u"b.mkv"_s, "film"))});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QVERIFY(m_desk->starter().isFinishing());
+        m_desk->prepend(u"ffmpeg/ffprobe"_s, u"sleep 0.6"_s);
+        m_desk->drop({film(u"c.mp4"_s)});
+        QVERIFY(m_desk->intake().isBusy());
+        QCOMPARE(m_desk->openNames(), QStringList{u"b.mkv"_s});
+        delegate().filesRequested({m_desk->film(support::srtFile(), u"s.srt"_s)});
+        QTRY_VERIFY_WITH_TIMEOUT(!m_desk->intake().isBusy(), 20000);
+        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion a.mkv"_s, u"MKV Conversion b.mkv"_s}));
+        QCOMPARE(m_desk->openNames(), QStringList{u"c.mp4"_s});
+        QCOMPARE(m_desk->file().theFileName(), u"c.mp4"_s);
+        QCOMPARE(m_desk->file().trackList().size(), 4); // three of its own and the subtitle
+    }
+
     void requestedFilmsAreOpened()
     {
         m_desk->intake().setOpeningFileMode(u"add"_s);
