@@ -348,6 +348,15 @@ private Q_SLOTS:
         QCOMPARE(m_desk->jobs(), jobs);
     }
 
+    void theRulesAreAskedAnewForEachFile()
+    {
+        open({soundAlone(file(u"1.mkv"_s)), soundAlone(file(u"2.mkv"_s))});
+        m_desk->controller().setOpenQueueMatrixIndex(1);
+        m_desk->controller().setCanConvert(true); // what an older state said
+        m_desk->starter().finishStartProcess(u"MKV Conversion"_s);
+        QVERIFY(m_desk->jobs().isEmpty());
+    }
+
     void theJobHoldsItsOwnFilesTracks()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});

@@ -7,6 +7,7 @@
 #include "support/ScriptedChooser.h"
 
 #include <QJsonDocument>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -197,6 +198,21 @@ private Q_SLOTS:
         panel.controller.tooltipsCheckboxClicked(true);
         QCOMPARE(panel.preferences.toolTipsMenuItemTitle(), u"Hide Tool Tips"_s);
         QVERIFY(!panel.preferences.ttConvertButton().isEmpty());
+    }
+
+    void withoutToolTipsEveryOneIsTheEmptyText()
+    {
+        Panel panel;
+        panel.controller.tooltipsCheckboxClicked(false);
+        int tips = 0;
+        const QMetaObject &meta = *panel.preferences.metaObject();
+        for (int i = 0; i < meta.propertyCount(); ++i) {
+            if (!QByteArray(meta.property(i).name()).startsWith("tt"))
+                continue;
+            ++tips;
+            QVERIFY2(meta.property(i).read(&panel.preferences).toString().isEmpty(), meta.property(i).name());
+        }
+        QCOMPARE(tips, 58);
     }
 
     void cancelSwitchesTheToolTipsBack()
