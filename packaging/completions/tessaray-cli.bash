@@ -11,6 +11,7 @@ _tessaray_cli_options() {
     extract | remove) echo "$global --tracks --force --dry-run" ;;
     join | remux | send) echo "$global --force --dry-run" ;;
     split) echo "$global --time --size --duration --force --dry-run" ;;
+    watch) echo "$global --track-preset --settings-preset" ;;
     play) echo "$global --tracks" ;;
     *) echo "$global" ;;
     esac
@@ -67,7 +68,7 @@ _tessaray_cli_value() { # PROGRAM OPTION TYPED
 _tessaray_cli_argument() { # PROGRAM COMMAND FIRST-ARGUMENT COUNT TYPED
     case $2 in
     "")
-        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert extract join split remux remove send play presets \
+        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert extract join split remux remove send watch play presets \
             prefs tools help)
         ;;
     tools) ;;
