@@ -1,0 +1,152 @@
+// Takes pictures of the windows and sheets in the states that people see, for the documentation and to be
+// looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
+#include "support/Clips.h"
+#include "support/Waiting.h"
+#include "window/WindowDesk.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QFrame>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::waitFor;
+
+namespace {
+
+QPalette darkPalette()
+{
+    QPalette dark(QColor(0x35, 0x37, 0x3b), QColor(0x2a, 0x2c, 0x30));
+    dark.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
+    dark.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2c));
+    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xc0));
+    dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa4, 0xaa));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        dark.setColor(QPalette::Disabled, role, QColor(0x7c, 0x80, 0x86));
+    return dark;
+}
+
+class Photographer final
+{
+public:
+    Photographer(const QString &folder, const QString &look)
+        : m_folder(folder)
+        , m_look(look)
+    {
+        QDir().mkpath(folder);
+    }
+
+    void take(QWidget &widget, const QString &name) const
+    {
+        QTest::qWait(200);
+        const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", u"1"_s);
+        const QString path = u"%1/%2-%3-%4x.png"_s.arg(m_folder, name, m_look, scale);
+        if (!widget.grab().save(path))
+            qFatal("%s could not be written.", qPrintable(path));
+    }
+
+private:
+    QString m_folder;
+    QString m_look;
+};
+
+void takeFiles(const Photographer &photographer)
+{
+    WindowDesk desk;
+    desk.start();
+    photographer.take(desk.window(), u"empty"_s);
+    desk.open({desk.film(support::fullMkv(), u"Holiday by the sea.mkv"_s)});
+    photographer.take(desk.window(), u"one-file"_s);
+    for (const int row : {0, 1, 3})
+        desk.tick(row);
+    desk.click("TheSubtitleMatrix0");
+    photographer.take(desk.window(), u"red-options"_s);
+    desk.chooseTab(1);
+    desk.open({desk.film(support::fullMkv(), u"a.mkv"_s), desk.film(support::fullMkv(), u"b.mkv"_s)});
+    photographer.take(desk.window(), u"edit-files"_s);
+}
+
+void takeQueue(const Photographer &photographer)
+{
+    WindowDesk desk;
+    desk.start();
+    desk.open({desk.film(support::longMkv(60), u"Holiday by the sea.mkv"_s),
+               desk.film(support::fullMkv(), u"Birthday.mkv"_s),
+               desk.film(support::textMp4(), u"Concert.mp4"_s)});
+    desk.click("OpenFilesQueueButton");
+    photographer.take(*desk.find<QFrame>("OpenFilesPopover"), u"open-files"_s);
+    QTest::keyClick(desk.find<QFrame>("OpenFilesPopover"), Qt::Key_Escape);
+    photographer.take(desk.window(), u"several-files"_s);
+    desk.pick("PresetSelectionsPopUp", u"First Track"_s);
+    desk.click("TheVideoMatrix1");
+    desk.click("ConvertButton");
+    waitFor([&] { return desk.queue().qJobList().size() >= 3; });
+    waitFor([&] { return desk.queue().jobProgressList().value(0).progress.contains(u'%'); }, 20000);
+    QTest::qWait(1500);
+    photographer.take(desk.window(), u"queue"_s);
+}
+
+template <typename Open>
+void takeSheet(const Photographer &photographer, const QString &name, Open open)
+{
+    WindowDesk desk;
+    desk.start();
+    open(desk);
+    QWidget *sheet = nullptr;
+    if (!waitFor([&] { return (sheet = QApplication::activeModalWidget()) != nullptr; }))
+        qFatal("No sheet came.");
+    if (auto *add = sheet->findChild<QAbstractButton *>(u"AddPresetButton"_s))
+        QTest::mouseClick(add, Qt::LeftButton);
+    for (QAbstractButton *button : sheet->findChildren<QAbstractButton *>()) {
+        if (button->text().startsWith(u"Filter #1"_s)) {
+            button->setFocus(Qt::TabFocusReason);
+            break;
+        }
+    }
+    photographer.take(*sheet, name);
+}
+
+void takeWatching(const Photographer &photographer)
+{
+    WindowDesk desk;
+    desk.start();
+    const QString folder = desk.path(u"Incoming"_s);
+    QDir().mkpath(folder);
+    desk.film(support::fullMkv(), u"Incoming/Already there.mkv"_s);
+    desk.pick("PresetSelectionsPopUp", u"First Track"_s);
+    desk.pick("PresetSettingsPopUp", u"Extract Tracks"_s);
+    desk.click("ChooseWatchFolderButton");
+    desk.answerDialog({folder});
+    desk.click("StartWatchingFolderButton");
+    waitFor([&] { return desk.program().watchWindow().isVisible(); });
+    desk.film(support::fullMkv(), u"Incoming/Holiday by the sea.mkv"_s);
+    QTest::qWait(7000);
+    photographer.take(desk.program().watchWindow(), u"watching"_s);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    if (argc < 3)
+        qFatal("ScreenshotsMain FOLDER light|dark");
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    const QString look = QString::fromLocal8Bit(argv[2]);
+    if (look == u"dark"_s)
+        QApplication::setPalette(darkPalette());
+    const Photographer photographer(QString::fromLocal8Bit(argv[1]), look);
+    takeFiles(photographer);
+    takeQueue(photographer);
+    takeSheet(photographer, u"track-presets"_s,
+              [](WindowDesk &desk) { desk.click("EditPresetSelectionsButton"); });
+    takeSheet(photographer, u"settings-presets"_s,
+              [](WindowDesk &desk) { desk.click("EditPresetSettingsButton"); });
+    takeSheet(photographer, u"preferences"_s,
+              [](WindowDesk &desk) { desk.command(u"File"_s, u"Preferences…"_s); });
+    takeWatching(photographer);
+    return 0;
+}
