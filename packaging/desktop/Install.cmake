@@ -30,6 +30,8 @@ endif()
 install(FILES ${here}/completions/_tessaray-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_functions})
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tessaray RENAME copyright)
 
+install(FILES systemd/tessaray-watch@.service DESTINATION lib/systemd/user)
+
 if(TARGET tessaray)
   string(TIMESTAMP TESSARAY_RELEASE_DATE "%Y-%m-%d" UTC)
   configure_file(desktop/${id}.metainfo.xml.in ${id}.metainfo.xml @ONLY)

@@ -1,8 +1,7 @@
 #include "window/ProgressDelegate.h"
 
-#include "tools/Numbers.h"
-
 #include <QApplication>
+#include <QRegularExpression>
 #include <QStyleOptionProgressBar>
 
 #include <algorithm>
@@ -15,9 +14,9 @@ int ProgressDelegate::percentageOf(const QString &text)
 {
     if (text == u"Complete"_s)
         return 100;
-    if (!text.endsWith(u'%'))
-        return -1;
-    return static_cast<int>(std::clamp<qint64>(tools::leadingInteger(text), 0, 100));
+    static const QRegularExpression number(u"(\\d{1,3})%$"_s); // "Pass #1 45%" too
+    const QRegularExpressionMatch match = number.match(text);
+    return match.hasMatch() ? std::min(match.captured(1).toInt(), 100) : -1;
 }
 
 void ProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,

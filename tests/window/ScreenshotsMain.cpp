@@ -2,6 +2,7 @@
 // looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
 #include "support/Clips.h"
 #include "support/Waiting.h"
+#include "window/ProgressDelegate.h"
 #include "window/WindowDesk.h"
 
 #include <QApplication>
@@ -19,9 +20,9 @@ namespace {
 
 QPalette darkPalette()
 {
-    QPalette dark(QColor(0x35, 0x37, 0x3b), QColor(0x2a, 0x2c, 0x30));
-    dark.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
-    dark.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2c));
+    QPalette dark(QColor(0x4c, 0x4f, 0x55), QColor(0x45, 0x48, 0x4e));
+    dark.setColor(QPalette::Base, QColor(0x1b, 0x1d, 0x20));
+    dark.setColor(QPalette::AlternateBase, QColor(0x21, 0x23, 0x27));
     dark.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xc0));
     dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa4, 0xaa));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
@@ -53,6 +54,14 @@ private:
     QString m_look;
 };
 
+/// An option is hit at its button, not in the middle of its row.
+void choose(WindowDesk &desk, const char *option)
+{
+    auto *button = desk.find<QAbstractButton>(option);
+    QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(8, button->height() / 2));
+    QTest::qWait(50);
+}
+
 void takeFiles(const Photographer &photographer)
 {
     WindowDesk desk;
@@ -60,9 +69,9 @@ void takeFiles(const Photographer &photographer)
     photographer.take(desk.window(), u"empty"_s);
     desk.open({desk.film(support::fullMkv(), u"Holiday by the sea.mkv"_s)});
     photographer.take(desk.window(), u"one-file"_s);
-    for (const int row : {0, 1, 3})
+    for (const int row : {0, 3, 4})
         desk.tick(row);
-    desk.click("TheSubtitleMatrix0");
+    choose(desk, "TheSubtitleMatrix0");
     photographer.take(desk.window(), u"red-options"_s);
     desk.chooseTab(1);
     desk.open({desk.film(support::fullMkv(), u"a.mkv"_s), desk.film(support::fullMkv(), u"b.mkv"_s)});
@@ -73,7 +82,7 @@ void takeQueue(const Photographer &photographer)
 {
     WindowDesk desk;
     desk.start();
-    desk.open({desk.film(support::longMkv(60), u"Holiday by the sea.mkv"_s),
+    desk.open({desk.film(support::film1920(), u"Holiday by the sea.mkv"_s),
                desk.film(support::fullMkv(), u"Birthday.mkv"_s),
                desk.film(support::textMp4(), u"Concert.mp4"_s)});
     desk.click("OpenFilesQueueButton");
@@ -81,11 +90,15 @@ void takeQueue(const Photographer &photographer)
     QTest::keyClick(desk.find<QFrame>("OpenFilesPopover"), Qt::Key_Escape);
     photographer.take(desk.window(), u"several-files"_s);
     desk.pick("PresetSelectionsPopUp", u"First Track"_s);
-    desk.click("TheVideoMatrix1");
+    choose(desk, "TheVideoMatrix2");
     desk.click("ConvertButton");
     waitFor([&] { return desk.queue().qJobList().size() >= 3; });
-    waitFor([&] { return desk.queue().jobProgressList().value(0).progress.contains(u'%'); }, 20000);
-    QTest::qWait(1500);
+    waitFor(
+        [&] {
+            const QString progress = desk.queue().jobProgressList().value(0).progress;
+            return progress.startsWith(u"Pass #1"_s) && window::ProgressDelegate::percentageOf(progress) > 30;
+        },
+        20000);
     photographer.take(desk.window(), u"queue"_s);
 }
 
@@ -132,6 +145,7 @@ void takeWatching(const Photographer &photographer)
 int main(int argc, char *argv[])
 {
     QApplication application(argc, argv);
+    QApplication::setApplicationName(u"Videos"_s);
     if (argc < 3)
         qFatal("ScreenshotsMain FOLDER light|dark");
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
