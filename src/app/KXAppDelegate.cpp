@@ -1,10 +1,8 @@
 #include "app/KXAppDelegate.h"
 
 #include "app/Program.h"
-#include "engines/KXMoviePlayer.h"
 #include "platform/Chooser.h"
 #include "platform/Desktop.h"
-#include "tools/step/OutputGuard.h"
 
 #include <QFileInfo>
 #include <QPointer>

@@ -20,6 +20,7 @@
 
 #include <QCloseEvent>
 #include <QGridLayout>
+#include <QMenu>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -197,6 +198,8 @@ void MainWindow::refresh()
     m_refreshScheduled = false;
     const KXSelectionController &controller = m_delegate.program().selectionController();
     m_whileIdle->setEnabled(!m_delegate.intake().isBusy() && !m_delegate.starter().isFinishing());
+    for (QMenu *menu : std::as_const(m_idleMenus))
+        menu->menuAction()->setEnabled(m_whileIdle->isEnabled());
     const int tab = std::max(0, static_cast<int>(tabNames().indexOf(controller.currentTab())));
     const QSignalBlocker quiet(m_tabs);
     m_tabs->setCurrentIndex(tab);

@@ -63,6 +63,7 @@ void MainWindow::addTrackMenu()
 {
     KXSelectionController &controller = m_delegate.program().selectionController();
     QMenu *menu = menuBar()->addMenu(tr("&Tracks"));
+    m_idleMenus.append(menu);
     const auto press = [this](const char *button) {
         if (auto *control = findChild<QAbstractButton *>(QString::fromLatin1(button)))
             control->click(); // off where the button is off
@@ -83,6 +84,7 @@ void MainWindow::addTrackMenu()
 void MainWindow::addPresetsMenu()
 {
     QMenu *menu = menuBar()->addMenu(tr("&Presets"));
+    m_idleMenus.append(menu);
     addCommand(menu, tr("Edit &Track Presets…"), QKeySequence(Qt::CTRL | Qt::Key_T),
                [this] { openSelectionsSheet(); });
     addCommand(menu, tr("Edit &Settings Presets…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T),
