@@ -158,8 +158,9 @@ private Q_SLOTS:
     {
         open(2);
         tick(0);
-        m_desk->openByHand({convertible(u"/v/new.mkv"_s)});
+        m_desk->openByHand({convertible(u"/v/new.mkv"_s), convertible(u"/v/newer.mkv"_s)});
         QCOMPARE(queue().entries().at(0).videoFile->theFileName(), u"new.mkv"_s);
+        QCOMPARE(queue().entries().at(0).videoSelection->videoTrackFileName(), u"new.mkv"_s);
         QCOMPARE(m_desk->file().theFileName(), u"new.mkv"_s);
         QVERIFY(m_desk->selection().trackList().isEmpty());
     }

@@ -109,6 +109,15 @@ private Q_SLOTS:
         QCOMPARE(watched.desktop.told.size(), 1);
     }
 
+    void aJobThatHasEndedIsCountedOnceHoweverOftenItChanges()
+    {
+        Watched watched(2);
+        watched.runOne(Outcome::ok());
+        Q_EMIT watched.queue.currentJob()->outcomeChanged();
+        watched.runOne(Outcome::ok());
+        QCOMPARE(watched.watch.summary(), u"2 done"_s);
+    }
+
     void kindsThatDidNotOccurAreNotNamed()
     {
         Watched watched(1);

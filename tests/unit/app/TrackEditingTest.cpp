@@ -101,9 +101,17 @@ private Q_SLOTS:
         QCOMPARE(m_desk->jobs(), QStringList{u"MKV Track Extraction a.mkv"_s});
     }
 
+    void removingTakesTheTickedTracksOfTheFileAndNoAddedOnes_data()
+    {
+        QTest::addColumn<QList<int>>("ticks");
+        QTest::newRow("the added one is ticked") << QList<int>{1, 3};
+        QTest::newRow("the added one is not ticked") << QList<int>{1};
+    }
+
     void removingTakesTheTickedTracksOfTheFileAndNoAddedOnes()
     {
-        open(u"a.mkv"_s, {1, 3});
+        QFETCH(QList<int>, ticks);
+        open(u"a.mkv"_s, ticks);
         m_desk->controller().setEditTrackMatrixIndex(removes);
         m_desk->starter().startTrackEditing();
         QCOMPARE(m_desk->jobs(), QStringList{u"MKV Track Removal a.mkv"_s});
