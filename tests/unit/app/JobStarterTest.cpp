@@ -3,11 +3,8 @@
 
 #include "support/AppDesk.h"
 #include "support/ControllerBench.h"
-#include "support/Unprivileged.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -92,80 +89,6 @@ private Q_SLOTS:
                 [this] { m_desk->controller().currentSelection()->setUserWidth(u"640"_s); });
         m_desk->starter().startProcess(u"Convert"_s);
         QCOMPARE(m_desk->queue().qJobList().constFirst()->jobSelection()->userWidth(), u"640"_s);
-    }
-
-    void aReadOnlyFolderGivesThePermissionAlertAndQueuesNothing_data()
-    {
-        QTest::addColumn<QString>("title");
-        for (const char *title : {"Convert", "Extract", "Send"})
-            QTest::newRow(title) << QString::fromLatin1(title);
-    }
-
-    void aReadOnlyFolderGivesThePermissionAlertAndQueuesNothing()
-    {
-        QFETCH(QString, title);
-        open({convertible(file(u"locked/a.mkv"_s)), convertible(file(u"b.mkv"_s))});
-        startWithLocked(u"locked"_s, title);
-        // "permision" is meant.
-        QCOMPARE(m_desk->shownAlerts(),
-                 QStringList{u"The application does not have permision to write to the save folder for this "
-                             "job.|Either move the file, change the save location, or edit the permissions "
-                             "for the output folder.|10000"_s});
-        QCOMPARE(m_desk->alerts().shown().constFirst()->style, platform::AlertStyle::Informational);
-        QVERIFY(m_desk->jobs().isEmpty());
-        QVERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->openNames().size(), 2);
-    }
-
-    void onTheEditingTabTheFolderOfTheFirstFileCounts_data()
-    {
-        QTest::addColumn<QString>("locked");
-        QTest::addColumn<int>("alerts");
-        QTest::newRow("that of the first file") << u"one"_s << 1;
-        QTest::newRow("that of the second file") << u"two"_s << 0;
-        QTest::newRow("that of the current video") << u"video"_s << 0;
-    }
-
-    void onTheEditingTabTheFolderOfTheFirstFileCounts()
-    {
-        QFETCH(QString, locked);
-        QFETCH(int, alerts);
-        open({convertible(file(u"video/a.mkv"_s))});
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
-        m_desk->controller().currentSelection()->setEditFilesURLsList(
-            support::urlsOf({file(u"one/1.mkv"_s), file(u"two/2.mkv"_s)}));
-        startWithLocked(locked, u"Join"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), alerts);
-        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
-    }
-
-    void aSaveFolderThatIsSetTakesTheFilesPlace_data()
-    {
-        QTest::addColumn<QString>("locked");
-        QTest::addColumn<int>("alerts");
-        QTest::newRow("the film's folder is locked") << u"film"_s << 0;
-        QTest::newRow("the save folder is locked") << u"save"_s << 1;
-    }
-
-    void aSaveFolderThatIsSetTakesTheFilesPlace()
-    {
-        QFETCH(QString, locked);
-        QFETCH(int, alerts);
-        open({convertible(file(u"film/a.mkv"_s))});
-        file(u"save/anything"_s);
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"save"_s));
-        startWithLocked(locked, u"Convert"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), alerts);
-        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
-    }
-
-    void aSaveFolderThatIsGoneCannotBeWritten()
-    {
-        open({convertible(file(u"a.mkv"_s))});
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), 1);
-        QVERIFY(m_desk->jobs().isEmpty());
     }
 
     void aRunningJobIsNoReasonNotToStartAnother()
@@ -306,6 +229,32 @@ private Q_SLOTS:
         QVERIFY(m_desk->openQueue().canOpenQueuePopover());
     }
 
+    void eachVideoThatIsNotStartedIsNamedOnce_data()
+    {
+        QTest::addColumn<int>("files");
+        QTest::addColumn<QStringList>("names");
+        QTest::newRow("one") << 1 << QStringList{u"0.mkv"_s};
+        QTest::newRow("three") << 3 << QStringList{u"0.mkv"_s, u"1.mkv"_s, u"2.mkv"_s};
+    }
+
+    void eachVideoThatIsNotStartedIsNamedOnce()
+    {
+        QFETCH(int, files);
+        QFETCH(QStringList, names);
+        QList<std::pair<QString, TrackList>> films;
+        for (int i = 0; i < files; ++i)
+            films.append(soundAlone(file(u"%1.mkv"_s.arg(i))));
+        open(films);
+        QStringList named;
+        connect(&m_desk->starter(), &app::JobStarter::notStarted, this,
+                [&named](const QString &name) { named.append(name); });
+        m_desk->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        disconnect(&m_desk->starter(), nullptr, this, nullptr);
+        QCOMPARE(named, names);
+        QCOMPARE(m_desk->openNames().size(), files);
+    }
+
     void theSecondOneIsStartedWhereItIsCurrent()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), soundAlone(file(u"3.mkv"_s))});
@@ -378,19 +327,6 @@ private:
         for (const JobPointer &job : m_desk->queue().qJobList())
             types.append(job->jobType());
         return types;
-    }
-    void startWithLocked(const QString &folder, const QString &title)
-    {
-        // Somebody else has to reach the folders, but may not write where it is locked.
-        QFile::setPermissions(m_desk->path(), QFile::Permissions(0x7777));
-        for (const QString &name : QDir(m_desk->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-            QFile::setPermissions(m_desk->path(name), QFile::Permissions(0x7777));
-        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x5555));
-        {
-            const support::Unprivileged nobody;
-            m_desk->starter().startProcess(title);
-        }
-        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x7777));
     }
 
     std::unique_ptr<AppDesk> m_desk;
