@@ -38,6 +38,7 @@ WatchSession::WatchSession(const Parts &parts)
         m_pending.append(files);
         takeNext();
     });
+    connect(&parts.intake, &FileIntake::busyChanged, this, &WatchSession::takeNext, Qt::QueuedConnection);
     connect(&parts.intake, &FileIntake::watchedFilesOpened, &m_start, qOverload<>(&QTimer::start));
     connect(&parts.starter, &JobStarter::finishingChanged, this, [this] {
         if (m_active && !m_parts.starter.isFinishing() && !m_start.isActive())
@@ -149,15 +150,16 @@ void WatchSession::filesFound(const QStringList &paths)
         note(WatchLog::Kind::Waiting, tr("%1: until it has stopped growing.").arg(path));
 }
 
-/// A batch takes the place of what is open, so it has to be started before the next one comes.
+/// A batch takes the place of what is open, so it has to be started before the next one comes. It also waits
+/// for files that come in otherwise: the intake would keep it, and not say when it was done with it.
 void WatchSession::takeNext()
 {
-    if (m_active || m_pending.isEmpty())
+    if (m_active || m_pending.isEmpty() || m_parts.intake.isBusy())
         return;
     m_active = true;
     m_parts.intake.setOpeningFileMode(u"watch"_s);
     m_parts.intake.openedFileHubForFiles(m_pending.takeFirst());
-    if (!m_start.isActive() && !m_parts.intake.isBusy())
+    if (!m_start.isActive())
         batchDone();
 }
 

@@ -1,0 +1,371 @@
+// Watch mode at work: what arrives is opened, started by the presets and told in the log. Probes and
+// conversions are real; that a film has stopped growing is mostly said by the test.
+#include "app/WatchSession.h"
+
+#include "support/AppDesk.h"
+#include "support/Clips.h"
+#include "support/PresetRecords.h"
+#include "support/Waiting.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using app::WatchLog;
+using support::AppDesk;
+using support::urlsOf;
+using support::waitFor;
+
+namespace {
+
+constexpr int patienceMs = 15000;
+
+} // namespace
+
+class WatchSessionTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desk = std::make_unique<AppDesk>();
+        QDir().mkpath(m_desk->path(u"w"_s));
+        m_desk->program().preferences().setWatchFolderURL(m_desk->scratch().url(u"w"_s));
+        for (const QString &name : {u"One"_s, u"Other"_s}) {
+            const QVariant preset = support::settingsPreset(name, u"General"_s).toVariantMap();
+            QVERIFY(m_desk->presets().addUserPresets({}, {preset}).isNull());
+        }
+        choosePresets(1, 2); // "First Track" and "One"
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void startingNeedsBothPresetsAndAFolder_data()
+    {
+        QTest::addColumn<int>("tracks");
+        QTest::addColumn<int>("settings");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("problem");
+        QTest::addColumn<QString>("told");
+        const QString noTracks = u"Choose a track preset: with \"Manual\" nothing can be watched."_s;
+        const QString noSettings = u"Choose a settings preset: with \"Manual\" nothing can be watched."_s;
+        QTest::newRow("tracks by hand") << 0 << 2 << u"w"_s << noTracks << noTracks;
+        QTest::newRow("settings by hand") << 1 << 0 << u"w"_s << noSettings << noSettings;
+        QTest::newRow("both by hand") << 0 << 0 << u"w"_s << noTracks << noTracks;
+        QTest::newRow("no folder") << 1 << 2 << u"gone"_s << QString()
+                                   << u"must select a valid directory to start watch mode"_s;
+    }
+
+    void startingNeedsBothPresetsAndAFolder()
+    {
+        QFETCH(int, tracks);
+        QFETCH(int, settings);
+        QFETCH(QString, folder);
+        QFETCH(QString, told);
+        choosePresets(tracks, settings);
+        m_desk->program().preferences().setWatchFolderURL(m_desk->scratch().url(folder));
+        QTEST(session().startProblem(), "problem");
+        QVERIFY(!session().start());
+        QVERIFY(!watch().appIsInWatchMode());
+        QCOMPARE(log(), QStringList{u"failed "_s + told});
+    }
+
+    void startingGoesToTheTabWhereFilmsAreConvertedAndKeepsThePresets()
+    {
+        m_desk->controller().setCurrentTab(u"Edit Files"_s);
+        choosePresets(2, 3);
+        QVERIFY(session().start());
+        QCOMPARE(m_desk->controller().currentTab(), u"MKV"_s);
+        QCOMPARE(m_desk->presets().selectionMethodIndex(), 2);
+        QCOMPARE(m_desk->presets().settingMethodIndex(), 3);
+        QVERIFY(watch().appIsInWatchMode());
+        QCOMPARE(log(), QStringList{u"note Watching %1."_s.arg(m_desk->path(u"w"_s))});
+    }
+
+    void filesAlreadyThereAreListedAsNotProcessed()
+    {
+        m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        QVERIFY(session().start());
+        QCOMPARE(log().constLast(),
+                 u"note %1 is already there and is not processed."_s.arg(m_desk->path(u"w/a.mkv"_s)));
+    }
+
+    void ofVeryManyFilesOnlyTheFirstAreNamed()
+    {
+        for (int i = 0; i < 103; ++i)
+            m_desk->scratch().write(u"w/%1.mkv"_s.arg(i), "x");
+        QVERIFY(session().start());
+        QCOMPARE(log().size(), 1 + 100 + 1);
+        QCOMPARE(log().constLast(), u"note 3 more are already there."_s);
+    }
+
+    void whatADeadRunHadStartedIsNamed()
+    {
+        QProcess dead;
+        dead.start(u"/bin/true"_s);
+        dead.waitForStarted();
+        const QString journal = u"settings/started-%1.journal"_s.arg(dead.processId());
+        dead.waitForFinished();
+        m_desk->scratch().write(journal, QByteArray("/w/half.m4v\0", 12));
+        QVERIFY(session().start());
+        QCOMPARE(log().at(1), u"failed /w/half.m4v was not finished when the program ended the last time."_s);
+        QVERIFY(!QFile::exists(m_desk->path(journal)));
+    }
+
+    void aFilmIsToldFromItsArrivalToItsEnd()
+    {
+        QVERIFY(session().start());
+        const QString film = m_desk->film(support::textMp4(), u"w/a.mp4"_s);
+        watch().watchLoop();
+        QCOMPARE(log().constLast(), u"waiting %1: until it has stopped growing."_s.arg(film));
+        watch().watchLoop();
+        QVERIFY(tells(u"started a.mp4: MKV Conversion"_s));
+        QVERIFY(waitFor([this] { return !journals().isEmpty(); }, patienceMs));
+        QVERIFY(tells(u"done a.mp4: "_s + m_desk->path(u"w/a."_s)));
+        QVERIFY(journals().isEmpty());
+        session().end();
+        QCOMPARE(log().constLast(), u"note Watching has ended."_s);
+        QCOMPARE(log().filter(u"a.mp4"_s).size(), 3);
+    }
+
+    void aJobThatFailsIsToldAndTheNextOneRuns()
+    {
+        QVERIFY(session().start());
+        const QString bad = m_desk->film(support::textMp4(), u"bad.mp4"_s);
+        const QString good = m_desk->film(support::textMp4(), u"good.mp4"_s);
+        m_desk->prepend(u"ffmpeg/ffmpeg"_s, u"case \"$*\" in *bad.mp4*) echo broken >&2; exit 1;; esac"_s);
+        arrive({bad});
+        arrive({good});
+        QVERIFY2(tells(u"done good.mp4: "_s), qPrintable(log().join(u'\n')));
+        QCOMPARE(log().filter(u"failed bad.mp4: "_s).size(), 1);
+        QCOMPARE(log().filter(u"started bad.mp4"_s).size(), 1);
+    }
+
+    void aDeletedFilmIsTold()
+    {
+        QVERIFY(session().start());
+        const QString film = m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        watch().watchLoop();
+        QFile::remove(film);
+        watch().watchLoop();
+        QCOMPARE(log().constLast(), u"note %1 is gone."_s.arg(film));
+    }
+
+    void aMissingFolderIsToldOnce()
+    {
+        m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        QVERIFY(session().start());
+        const QString moved = m_desk->path(u"moved"_s);
+        QVERIFY(QDir().rename(m_desk->path(u"w"_s), moved));
+        watch().watchLoop();
+        watch().watchLoop();
+        const QString missing = u"failed The folder is not there. Waiting until it is back."_s;
+        QCOMPARE(log().filter(missing).size(), 1);
+        QVERIFY(QDir().rename(moved, m_desk->path(u"w"_s)));
+        watch().watchLoop();
+        QCOMPARE(log().constLast(), missing); // and the film is no new one
+    }
+
+    void aRefusedFilmIsToldTriedAgainAndGivenUp()
+    {
+        QVERIFY(session().start());
+        const QString film = m_desk->path(u"w/bad.mkv"_s);
+        for (int change = 1; change <= 7; ++change) {
+            m_desk->scratch().write(u"w/bad.mkv"_s, QByteArray(change, 'x'));
+            watch().watchLoop();
+            watch().watchLoop();
+            QTest::qWait(20);
+        }
+        QCOMPARE(
+            log().filter(u"failed %1 can't be opened; it is tried again when it changes."_s.arg(film)).size(),
+            5);
+        QCOMPARE(log().filter(u"failed %1 could not be opened, and is not tried again."_s.arg(film)).size(),
+                 1);
+        QVERIFY(m_desk->jobs().isEmpty());
+        QVERIFY(m_desk->alerts().shown().isEmpty());
+    }
+
+    // Batch after batch.
+
+    void batchesThatComeWhileAnotherIsBeingStartedAreNotLost()
+    {
+        haltFfmpeg();
+        QVERIFY(session().start());
+        QStringList expected;
+        for (const QString &batch : {u"a"_s, u"bc"_s, u"d"_s, u"efg"_s, u"h"_s}) {
+            QStringList films;
+            for (const QChar name : batch) {
+                films.append(m_desk->film(support::textMp4(), QString(name) + u".mp4"_s));
+                expected.append(u"MKV Conversion %1.mp4"_s.arg(name));
+            }
+            arrive(films); // none waits for the one before
+        }
+        QVERIFY2(waitFor([&] { return m_desk->jobs().size() >= expected.size(); }, patienceMs),
+                 qPrintable(log().join(u'\n')));
+        QTest::qWait(1500);
+        QCOMPARE(sorted(m_desk->jobs()), expected);
+    }
+
+    void aRefusedFilmDoesNotStartTheOneBeforeAgain_data()
+    {
+        QTest::addColumn<QString>("second");
+        QTest::newRow("no film at all") << u"no film"_s;
+        QTest::newRow("gone in the meantime") << u"gone"_s;
+        QTest::newRow("sound alone") << u"sound"_s;
+        QTest::newRow("a track, not a film") << u"track"_s;
+    }
+
+    void aRefusedFilmDoesNotStartTheOneBeforeAgain()
+    {
+        QFETCH(QString, second);
+        haltFfmpeg();
+        QVERIFY(session().start());
+        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s}));
+        arrive({madeFor(second)});
+        QTest::qWait(2500); // longer than any start takes
+        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion a.mp4"_s});
+        QCOMPARE(log().filter(QRegularExpression(u"^failed "_s)).size(), 1);
+        arrive({m_desk->film(support::textMp4(), u"c.mp4"_s)});
+        QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s, u"MKV Conversion c.mp4"_s}));
+        QVERIFY(m_desk->alerts().shown().isEmpty());
+    }
+
+    void refusedFilmsAreLeftOutOfTheirBatch()
+    {
+        haltFfmpeg();
+        QVERIFY(session().start());
+        arrive({m_desk->text(u"1.mkv"_s), m_desk->film(support::textMp4(), u"2.mp4"_s),
+                m_desk->text(u"3.mkv"_s), m_desk->film(support::textMp4(), u"4.mp4"_s)});
+        QVERIFY(jobsBecome({u"MKV Conversion 2.mp4"_s, u"MKV Conversion 4.mp4"_s}));
+        QTest::qWait(1000);
+        QCOMPARE(m_desk->jobs().size(), 2);
+        QCOMPARE(log().filter(u"can't be opened"_s).size(), 2);
+    }
+
+    void aMissingSaveFolderIsToldAndDoesNotHoldUpTheNext()
+    {
+        haltFfmpeg();
+        QVERIFY(session().start());
+        m_desk->program().preferences().setSaveDirectoryURL(m_desk->scratch().url(u"gone"_s));
+        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        QVERIFY(tells(u"failed The application does not have permision to write to the save folder"_s));
+        m_desk->program().preferences().setSaveDirectoryURL({});
+        arrive({m_desk->film(support::textMp4(), u"b.mp4"_s)});
+        QVERIFY(jobsBecome({u"MKV Conversion b.mp4"_s}));
+    }
+
+    void aBatchThatComesWhileOthersAreProbedWaitsForThem_data()
+    {
+        QTest::addColumn<bool>("isGood");
+        QTest::newRow("a good film") << true;
+        QTest::newRow("a film that is refused") << false;
+    }
+
+    void aBatchThatComesWhileOthersAreProbedWaitsForThem()
+    {
+        QFETCH(bool, isGood);
+        haltFfmpeg();
+        const QString first =
+            isGood ? m_desk->film(support::textMp4(), u"a.mp4"_s) : m_desk->text(u"a.mp4"_s);
+        const QString by = m_desk->film(support::textMp4(), u"by-hand.mp4"_s);
+        const QString last = m_desk->film(support::textMp4(), u"z.mp4"_s);
+        QVERIFY(session().start());
+        QTimer::singleShot(0, this, [this, &first] {
+            QVERIFY(m_desk->intake().isBusy());
+            arrive({first});
+        });
+        m_desk->drop({by});
+        QTest::qWait(2000);
+        arrive({last});
+        QStringList expected{u"MKV Conversion z.mp4"_s};
+        if (isGood)
+            expected.prepend(u"MKV Conversion a.mp4"_s);
+        QVERIFY2(jobsBecome(expected), qPrintable(m_desk->jobs().join(u'\n') + log().join(u'\n')));
+    }
+
+    void endingLeavesTheQueueRunningAndStartsNoMore()
+    {
+        haltFfmpeg();
+        QVERIFY(session().start());
+        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        QVERIFY(waitFor([this] { return m_desk->queue().qJobIsRunning(); }, patienceMs));
+        session().end();
+        QVERIFY(waitFor([this] { return !watch().appIsInWatchMode(); }));
+        QVERIFY(m_desk->queue().qJobIsRunning());
+        const qsizetype lines = log().size();
+        m_desk->queue().removeAllJobs();
+        QCOMPARE(log().size(), lines); // nothing is told any more
+    }
+
+    void outsideWatchModeNothingIsTold()
+    {
+        haltFfmpeg();
+        m_desk->drop({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        m_desk->starter().startProcess(u"Convert"_s);
+        QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s}));
+        QVERIFY(waitFor([this] { return m_desk->queue().qJobIsRunning(); }, patienceMs));
+        QVERIFY(log().isEmpty());
+        QVERIFY(journals().isEmpty());
+    }
+
+private:
+    app::WatchSession &session() { return m_desk->delegate().watchSession(); }
+    KXWatchModeController &watch() { return m_desk->program().watchMode(); }
+
+    void choosePresets(int tracks, int settings)
+    {
+        m_desk->presets().setSelectionMethodIndex(tracks);
+        m_desk->presets().setSettingMethodIndex(settings);
+    }
+
+    /// Jobs begin, and then stay as they are.
+    void haltFfmpeg() { m_desk->prepend(u"ffmpeg/ffmpeg"_s, u"exec sleep 300"_s); }
+
+    void arrive(const QStringList &films) { Q_EMIT watch().filesReady(urlsOf(films)); }
+
+    QString madeFor(const QString &kind)
+    {
+        if (kind == u"no film"_s)
+            return m_desk->text(u"b.mkv"_s);
+        if (kind == u"sound"_s)
+            return m_desk->film(support::audioOnly(), u"b.mp4"_s);
+        return kind == u"track"_s ? m_desk->film(support::srtFile(), u"b.srt"_s) : m_desk->path(u"b.mkv"_s);
+    }
+
+    QStringList log()
+    {
+        QStringList lines;
+        for (const WatchLog::Line &line : session().log().lines())
+            lines.append(WatchLog::wordOf(line.kind) + u' ' + line.text);
+        return lines;
+    }
+
+    bool tells(const QString &begin)
+    {
+        return waitFor(
+            [&] {
+                return !log().filter(QRegularExpression(u'^' + QRegularExpression::escape(begin))).isEmpty();
+            },
+            patienceMs);
+    }
+
+    bool jobsBecome(const QStringList &jobs)
+    {
+        return waitFor([&] { return sorted(m_desk->jobs()) == jobs; }, patienceMs);
+    }
+
+    static QStringList sorted(QStringList list)
+    {
+        list.sort();
+        return list;
+    }
+
+    QStringList journals() const { return QDir(m_desk->path(u"settings"_s)).entryList({u"*.journal"_s}); }
+
+    std::unique_ptr<AppDesk> m_desk;
+};
+
+QTEST_GUILESS_MAIN(WatchSessionTest)
+#include "WatchSessionTest.moc"
