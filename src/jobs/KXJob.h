@@ -127,9 +127,6 @@ protected:
     void runOnMain(const std::function<void()> &work, Qt::ConnectionType how);
     /// "0%" for every converter that is there.
     jobs::ProgressList firstProgress() const;
-    /// The item that stood at a position in the cycle before, or one without progress.
-    static jobs::ProgressItem itemBefore(const jobs::ProgressList &previous, qsizetype position,
-                                         const QString &step);
 
     static constexpr int pollMilliseconds = 500;
 

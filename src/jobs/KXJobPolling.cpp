@@ -48,12 +48,6 @@ jobs::ProgressList KXJob::firstProgress() const
     return first;
 }
 
-jobs::ProgressItem KXJob::itemBefore(const jobs::ProgressList &previous, qsizetype position,
-                                     const QString &step)
-{
-    return position < previous.size() ? previous.at(position) : jobs::ProgressItem{step, u""_s};
-}
-
 void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std::function<void()> &finished)
 {
     monitorQueue()->start([this, self = shared_from_this(), cycle, finished, previous = first]() mutable {
