@@ -138,7 +138,8 @@ bool SheetAlerts::eventFilter(QObject *watched, QEvent *event)
 {
     const bool escapes = event->type() == QEvent::KeyPress &&
                          static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape; // NOLINT
-    if (watched != m_box || (!escapes && event->type() != QEvent::Close))
+    // The event first: a box that is being destroyed with its window still sends some.
+    if ((!escapes && event->type() != QEvent::Close) || watched != m_box)
         return QObject::eventFilter(watched, event);
     if (closesItself(m_shown.alert))
         closeAllTimed();
