@@ -1,0 +1,289 @@
+// How the program ends, starts again, and how a second start meets the first.
+#include "support/Clips.h"
+#include "support/FakeTool.h"
+#include "support/PresetLists.h"
+#include "support/PresetRecords.h"
+#include "window/QueueHand.h"
+
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTimer>
+
+#include <csignal>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace hand;
+using support::waitFor;
+
+namespace {
+
+/// A program of its own, with no more than this test knows of it.
+class Started final
+{
+public:
+    Started(const QString &program, const QStringList &words, const QProcessEnvironment &environment)
+    {
+        m_process.setProcessEnvironment(environment);
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(program, words);
+        if (!m_process.waitForStarted())
+            qFatal("%s does not start.", qPrintable(program));
+    }
+    ~Started()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(Started)
+
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    bool ends()
+    {
+        return waitFor([this] { return m_process.state() == QProcess::NotRunning; }, 20000);
+    }
+    bool endedWell() const
+    {
+        return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+    }
+    void signal(int number) const { ::kill(static_cast<pid_t>(m_process.processId()), number); }
+
+private:
+    QProcess m_process;
+};
+
+/// Starts a conversion that takes some seconds; answers the process that works on it, 0 when none came.
+qint64 convertSlowly(WindowDesk &desk, const QString &film)
+{
+    desk.pick("PresetSelectionsPopUp", u"All Tracks"_s);
+    if (!desk.open({film}))
+        return 0;
+    desk.pick("DevicePopUp", u"iPhone 4"_s);
+    choose(desk, "TheVideoMatrix2");
+    desk.click("ConvertButton");
+    QList<qint64> found;
+    waitFor(
+        [&] {
+            found = processesOn("ffmpeg", film);
+            return !found.isEmpty();
+        },
+        15000);
+    return found.value(0);
+}
+
+/// Runs the program, lets its user do that, and answers whether it ended then.
+bool endsBy(const std::function<void()> &deed)
+{
+    QTimer::singleShot(0, qApp, deed);
+    QTimer patience;
+    QObject::connect(&patience, &QTimer::timeout, qApp, [] { QCoreApplication::exit(1); });
+    patience.start(20000);
+    return QApplication::exec() == 0;
+}
+
+/// What this test's own program does when it is started to be ended: it converts a film until then.
+int convertUntilTheEnd(const QString &film)
+{
+    WindowDesk desk;
+    desk.start();
+    if (convertSlowly(desk, film) == 0)
+        return 1;
+    const int status = QApplication::exec();
+    desk.restart(); // the program goes as it does at the end of main()
+    return status;
+}
+
+} // namespace
+
+class LifecycleTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desk = std::make_unique<WindowDesk>();
+        storePresets();
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void quittingWhileIdleKeepsTabAndPresets_data()
+    {
+        QTest::addColumn<bool>("byMenu");
+        QTest::newRow("command Quit") << true;
+        QTest::newRow("the window is closed") << false;
+    }
+
+    void quittingWhileIdleKeepsTabAndPresets()
+    {
+        QFETCH(bool, byMenu);
+        m_desk->start();
+        m_desk->chooseTab(1);
+        m_desk->chooseTab(0);
+        m_desk->pick("PresetSelectionsPopUp", u"French AC3"_s);
+        m_desk->pick("PresetSettingsPopUp", u"Archive"_s);
+        QVERIFY(endsBy([&] {
+            if (byMenu)
+                m_desk->command(u"File"_s, u"Quit"_s);
+            else
+                QTest::keyClick(&m_desk->window(), Qt::Key_W, Qt::ControlModifier);
+        }));
+        QVERIFY(!m_desk->hasAlert());
+        m_desk->restart();
+        QCOMPARE(m_desk->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"French AC3"_s);
+        QCOMPARE(m_desk->find<QComboBox>("PresetSettingsPopUp")->currentText(), u"Archive"_s);
+        QCOMPARE(m_desk->find<QTabBar>("Tabs")->currentIndex(), 0);
+    }
+
+    void theOtherTabComesBackToo()
+    {
+        m_desk->start();
+        m_desk->pick("PresetSelectionsPopUp", u"Everything"_s);
+        m_desk->chooseTab(1);
+        QVERIFY(endsBy([&] { m_desk->command(u"File"_s, u"Quit"_s); }));
+        m_desk->restart();
+        QCOMPARE(m_desk->find<QTabBar>("Tabs")->currentIndex(), 1);
+        QVERIFY(m_desk->find<QWidget>("JoinButton")->isVisible());
+        QCOMPARE(m_desk->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"Everything"_s);
+    }
+
+    void toolTipsThatWereSwitchedOffStayOff()
+    {
+        m_desk->start();
+        QVERIFY(!m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        m_desk->command(u"Help"_s, u"Hide Tool Tips"_s);
+        QVERIFY(m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        m_desk->restart();
+        QVERIFY(m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        QVERIFY(m_desk->find<QWidget>("QueueTable")->toolTip().isEmpty());
+        m_desk->command(u"Help"_s, u"Show Tool Tips"_s);
+        QVERIFY(!m_desk->find<QWidget>("QueueTable")->toolTip().isEmpty());
+    }
+
+    void quittingWithARunningJobAsks_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::newRow("OK ends job and program") << 0;
+        QTest::newRow("Cancel leaves the job paused") << 1;
+    }
+
+    void quittingWithARunningJobAsks()
+    {
+        QFETCH(int, button);
+        m_desk->start();
+        QSignalSpy ends(&m_desk->delegate(), &KXAppDelegate::terminationAllowed);
+        const qint64 ffmpeg = convertSlowly(*m_desk, m_desk->film(support::longMkv(120)));
+        QVERIFY(ffmpeg > 0);
+        QTest::keyClick(&m_desk->window(), Qt::Key_Q, Qt::ControlModifier);
+        QVERIFY(m_desk->waitForAlert(u"Videos are still being processed.  Quit anyways?"_s));
+        QTRY_COMPARE(support::stateOf(ffmpeg), 'T');
+        if (button == 0) {
+            QVERIFY(endsBy([&] { m_desk->pressAlertButton(0); }));
+            QTRY_VERIFY(!support::runs(ffmpeg));
+            QTRY_VERIFY(!QFile::exists(m_desk->path(u"a.m4v"_s)));
+            return;
+        }
+        m_desk->pressAlertButton(1);
+        QTest::qWait(500);
+        QCOMPARE(ends.size(), 0);
+        QCOMPARE(support::stateOf(ffmpeg), 'T'); // meant: who wants it to go on says so
+        QCOMPARE(m_desk->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
+        m_desk->click("QueuePauseButton");
+        QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
+    }
+
+    void aSecondStartHandsItsFilesOver()
+    {
+        const QString film = m_desk->film(support::longMkv(2), u"second, it's.mkv"_s);
+        const QString program = programWithRecorders();
+        const QStringList words{u"--defaults"_s, m_desk->path(u"settings/defaults.json"_s)};
+        Started first(program, words, m_environment);
+        QVERIFY(waitFor(
+            [this] {
+                return !QDir(m_desk->path(u"tmp"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
+            },
+            20000));
+        QVERIFY(!wasProbed(film));
+        Started second(program, words + QStringList{film}, m_environment);
+        QVERIFY(second.ends());
+        QVERIFY(second.endedWell());
+        QVERIFY(waitFor([&] { return wasProbed(film); }, 20000));
+        QVERIFY(first.isRunning());
+        first.signal(SIGTERM);
+        QVERIFY(first.ends());
+        QVERIFY(first.endedWell());
+    }
+
+    void aSignalEndsTheProgramAndItsJob_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("terminate") << SIGTERM;
+        QTest::newRow("interrupt") << SIGINT;
+    }
+
+    void aSignalEndsTheProgramAndItsJob()
+    {
+        QFETCH(int, number);
+        const QString film = m_desk->film(support::longMkv(120));
+        Started converting(QCoreApplication::applicationFilePath(), {u"--convert"_s, film},
+                           QProcessEnvironment::systemEnvironment());
+        QVERIFY(waitFor([&] { return !processesOn("ffmpeg", film).isEmpty(); }, 30000));
+        QTest::qWait(1000); // it waits for signals by now
+        converting.signal(number);
+        QVERIFY(converting.ends());
+        QVERIFY(converting.endedWell());
+        QTRY_VERIFY(processesOn("ffmpeg", film).isEmpty());
+        QCOMPARE(QDir(m_desk->path()).entryList({u"a.*"_s}, QDir::Files), QStringList{u"a.mkv"_s});
+    }
+
+private:
+    /// A copy of the finished program whose tools write down how they were started.
+    QString programWithRecorders()
+    {
+        const QString build = QStringLiteral(TESSARAY_BUILD_DIR);
+        for (const QString &folder :
+             {u"app/bin"_s, u"app/Resources/ffmpeg"_s, u"app/Resources/mkvtoolnix"_s, u"tmp"_s})
+            QDir().mkpath(m_desk->path(folder));
+        for (const QString &tool : {u"ffmpeg/ffmpeg"_s, u"ffmpeg/ffprobe"_s, u"mkvtoolnix/mkvmerge"_s,
+                                    u"mkvtoolnix/mkvextract"_s, u"mkvtoolnix/mkvinfo"_s})
+            QFile::link(build + u"/tests/recorder"_s, m_desk->path(u"app/Resources/"_s + tool));
+        const QString program = m_desk->path(u"app/bin/tessaray"_s);
+        if (!QFile::copy(build + u"/bin/tessaray"_s, program))
+            qFatal("The program can't be copied.");
+        m_environment = QProcessEnvironment::systemEnvironment();
+        m_environment.insert(u"RECORDER_FILE"_s, m_desk->path(u"recorded"_s));
+        m_environment.insert(u"TMPDIR"_s, m_desk->path(u"tmp"_s));
+        return program;
+    }
+
+    bool wasProbed(const QString &film) const
+    {
+        const auto runs = support::FakeTool::recordedRuns(m_desk->path(u"recorded"_s));
+        return std::any_of(runs.begin(), runs.end(), [&](const support::FakeTool::Run &run) {
+            return run.program == "ffprobe" && run.arguments.contains(film.toUtf8());
+        });
+    }
+
+    void storePresets()
+    {
+        QDir().mkpath(m_desk->path(u"settings"_s));
+        QFile file(m_desk->path(u"settings/defaults.json"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(support::storedPresets(support::someRules(), support::someSettings()));
+    }
+
+    QProcessEnvironment m_environment;
+    std::unique_ptr<WindowDesk> m_desk;
+};
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments();
+    if (words.value(1) == u"--convert"_s)
+        return convertUntilTheEnd(words.value(2));
+    LifecycleTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "LifecycleTest.moc"
