@@ -42,6 +42,8 @@ FilePart::FilePart(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent
     layout->addWidget(rowOf({m_toggles, nullptr, m_add, m_play}));
     setUpTrackTable();
     setUpFileTable();
+    setTabOrder(m_openFiles, m_trackTable); // as they stand below each other
+    setTabOrder(m_trackTable, m_fileTable);
     tips.bind(m_file, "ttConvertFileField");
     tips.bind(m_add, "ttAddButton");
     tips.bind(m_play, "ttPlayButton");
