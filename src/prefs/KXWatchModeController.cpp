@@ -195,6 +195,8 @@ void KXWatchModeController::watchChangedAgain()
 
 void KXWatchModeController::forgetVanished(const QStringList &current)
 {
+    if (m_files.growing().isEmpty())
+        return;
     const QSet<QString> there(current.begin(), current.end());
     m_files.growing().removeIf([&](const prefs::WatchedFiles::Growing &file) {
         if (there.contains(file.path))

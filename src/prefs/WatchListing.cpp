@@ -1,11 +1,14 @@
 #include "prefs/WatchListing.h"
 
+#include <QByteArrayList>
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 
-#include <filesystem>
-#include <vector>
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -13,13 +16,24 @@ namespace prefs {
 
 namespace {
 
-namespace fs = std::filesystem;
+using Folder = std::unique_ptr<DIR, int (*)(DIR *)>;
+
+/// As in a directory entry; not every file system tells it there.
+int typeOf(const dirent &entry, const QByteArray &path)
+{
+    if (entry.d_type != DT_UNKNOWN)
+        return entry.d_type;
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return DT_UNKNOWN;
+    return S_ISDIR(status.st_mode) ? DT_DIR : S_ISREG(status.st_mode) ? DT_REG : DT_LNK;
+}
 
 /// The lower-case extension of a name; empty for names without one.
-QString extensionOf(const std::string &name)
+QByteArray extensionOf(const QByteArray &name)
 {
-    const auto point = name.rfind('.');
-    return point == std::string::npos ? QString() : QString::fromStdString(name.substr(point + 1)).toLower();
+    const qsizetype point = name.lastIndexOf('.');
+    return point < 0 ? QByteArray() : name.mid(point + 1).toLower();
 }
 
 } // namespace
@@ -35,23 +49,24 @@ QString WatchListing::canonicalFolder(const QString &path) const
 /// being downloaded end in an extension of their own, so they are no movies; a leading "._" is hidden.
 QStringList WatchListing::movies(const QString &folder, const QStringList &extensions) const
 {
-    const QSet<QString> wanted(extensions.begin(), extensions.end());
+    QSet<QByteArray> wanted;
+    for (const QString &extension : extensions)
+        wanted.insert(extension.toUtf8());
     QStringList found;
-    std::vector<fs::path> folders{fs::path(folder.toStdString())};
-    while (!folders.empty()) {
-        std::error_code error;
-        fs::directory_iterator entry(folders.back(), error);
-        folders.pop_back();
-        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-            const std::string name = entry->path().filename().string();
-            std::error_code gone; // files may vanish while we look
-            const fs::file_status status = entry->symlink_status(gone);
-            if (gone || name.starts_with('.'))
+    QByteArrayList folders{QFile::encodeName(folder)};
+    while (!folders.isEmpty()) {
+        const QByteArray place = folders.takeLast();
+        const Folder entries(::opendir(place.constData()), &::closedir);
+        while (const dirent *entry = entries ? ::readdir(entries.get()) : nullptr) {
+            const QByteArray name(entry->d_name);
+            if (name.startsWith('.'))
                 continue;
-            if (fs::is_directory(status))
-                folders.push_back(entry->path());
-            else if (fs::is_regular_file(status) && wanted.contains(extensionOf(name)))
-                found.append(QString::fromStdString(entry->path().string()));
+            const QByteArray path = place.endsWith('/') ? place + name : place + '/' + name;
+            const int type = typeOf(*entry, path);
+            if (type == DT_DIR)
+                folders.append(path);
+            else if (type == DT_REG && wanted.contains(extensionOf(name)))
+                found.append(QFile::decodeName(path));
         }
     }
     return found;
