@@ -27,5 +27,7 @@ int reading();
 int selection();
 /// Start-up time and peak memory of the command-line program.
 int start(const QString &twin, const QString &clip, int rounds);
+/// Looks at real watched folders of several sizes, with new films in them and without.
+int watch();
 
 } // namespace bench
