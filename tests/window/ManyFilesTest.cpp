@@ -1,0 +1,106 @@
+// Hundreds of files at once: the window goes on answering, says how far it is, and can be stopped.
+#include "support/Clips.h"
+#include "window/QueueHand.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QTimer>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace hand;
+using support::waitFor;
+
+class ManyFilesTest final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Hundreds of probes take their time.
+    static void initMain() { qputenv("QTEST_FUNCTION_TIMEOUT", "580000"); }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desk = std::make_unique<WindowDesk>();
+        m_desk->start();
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void theWindowAnswersWhileThreeHundredFilesAreProbed()
+    {
+        const QStringList films = manyFilms(300);
+        QTimer heart;
+        QElapsedTimer clock;
+        qint64 largest = 0;
+        int beats = 0;
+        connect(&heart, &QTimer::timeout, this, [&] {
+            if (!m_desk->delegate().intake().isBusy())
+                return;
+            ++beats;
+            largest = std::max(largest, clock.restart());
+        });
+        QStringList lines;
+        connect(&m_desk->delegate().intake(), &app::FileIntake::probing, this,
+                [&] { lines.append(m_desk->find<QLabel>("ProbingText")->text()); });
+        clock.start();
+        heart.start(20);
+        QVERIFY(m_desk->drop("ConvertTrackTable", films));
+        QVERIFY(waitFor([this] { return m_desk->delegate().openQueue().openFileCount() == 300; }, 500000));
+        heart.stop();
+        qInfo("%d heartbeats while files were probed, the largest gap was %lld ms", beats, largest);
+        QVERIFY(beats >= 300); // a probe takes longer than a beat
+        QCOMPARE(m_desk->delegate().openQueue().openFileCount(), 300);
+        QVERIFY2(lines.contains(u"Opening 300 of 300: 300.mkv"_s), qPrintable(lines.value(lines.size() - 1)));
+        QVERIFY(lines.contains(u"Opening 1 of 300: 001.mkv"_s));
+        QTRY_VERIFY(!m_desk->find<QLabel>("ProbingText")->isVisible());
+        QTRY_COMPARE(m_desk->find<QLabel>("ConvertFileField")->text(), films.constFirst());
+    }
+
+    void stopKeepsWhatIsProbed()
+    {
+        const QStringList films = manyFilms(300);
+        auto *text = m_desk->find<QLabel>("ProbingText");
+        bool stopped = false;
+        bool couldOpen = true;
+        QTimer person; // looks at the line and presses the button, while the program is at work
+        connect(&person, &QTimer::timeout, this, [&] {
+            if (stopped || !text->isVisible() || !text->text().startsWith(u"Opening 6 of 300"_s))
+                return;
+            stopped = true;
+            couldOpen = m_desk->isEnabled("OpenButton");
+            m_desk->click("ProbingStopButton");
+        });
+        person.start(5);
+        QVERIFY(m_desk->drop("ConvertTrackTable", films));
+        QVERIFY(waitFor([&] { return stopped && !m_desk->delegate().intake().isBusy(); }, 200000));
+        QVERIFY(!couldOpen); // one thing after the other
+        const int open = m_desk->delegate().openQueue().openFileCount();
+        QVERIFY2(open >= 5 && open < 20, qPrintable(QString::number(open)));
+        QTRY_VERIFY(!text->isVisible());
+        QTRY_COMPARE(m_desk->find<QLabel>("ConvertFileField")->text(), films.constFirst());
+        QTRY_VERIFY(m_desk->isEnabled("OpenFilesQueueButton"));
+        QVERIFY(!m_desk->hasAlert());
+    }
+
+private:
+    /// The same small film under many names.
+    QStringList manyFilms(int count)
+    {
+        const QString film = m_desk->film(support::longMkv(2), u"001.mkv"_s);
+        QStringList films{film};
+        for (int i = 2; i <= count; ++i) {
+            const QString name = m_desk->path(u"%1.mkv"_s.arg(i, 3, 10, QLatin1Char('0')));
+            if (::link(QFile::encodeName(film).constData(), QFile::encodeName(name).constData()) != 0)
+                qFatal("A film can't be linked.");
+            films.append(name);
+        }
+        return films;
+    }
+
+    std::unique_ptr<WindowDesk> m_desk;
+};
+
+QTEST_MAIN(ManyFilesTest)
+#include "ManyFilesTest.moc"
