@@ -1,0 +1,179 @@
+// Watch mode by mouse: the row in the main window, the window that takes its place, and back.
+#include "support/Clips.h"
+#include "support/PresetRecords.h"
+#include "support/Waiting.h"
+#include "window/WindowDesk.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::waitFor;
+
+class WatchWindowTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desk = std::make_unique<WindowDesk>();
+        m_desk->start();
+        QDir().mkpath(m_desk->path(u"in"_s));
+        const QVariant preset = support::settingsPreset(u"Set"_s, u"General"_s).toVariantMap();
+        QVERIFY(m_desk->delegate().program().presets().addUserPresets({}, {preset}).isNull());
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void theButtonIsOffWithManualAndSaysWhy()
+    {
+        auto *start = m_desk->find<QWidget>("StartWatchingFolderButton");
+        QVERIFY(!start->isEnabled());
+        QVERIFY2(start->toolTip().contains(
+                     u"Choose a track preset: with \"Manual\" nothing can be watched."_s.toHtmlEscaped()),
+                 qPrintable(start->toolTip()));
+        m_desk->pick("PresetSelectionsPopUp", u"First Track"_s);
+        QVERIFY(!start->isEnabled());
+        QVERIFY2(start->toolTip().contains(
+                     u"Choose a settings preset: with \"Manual\" nothing can be watched."_s.toHtmlEscaped()),
+                 qPrintable(start->toolTip()));
+        m_desk->pick("PresetSettingsPopUp", u"Set"_s);
+        QTRY_VERIFY(start->isEnabled());
+        QVERIFY2(!start->toolTip().contains(u"nothing can be watched"_s), qPrintable(start->toolTip()));
+        m_desk->pick("PresetSelectionsPopUp", u"Manual"_s);
+        QTRY_VERIFY(!start->isEnabled());
+        m_desk->click("StartWatchingFolderButton"); // and a click on it does nothing
+        QVERIFY(!watch().appIsInWatchMode());
+    }
+
+    void withoutAFolderTheMessageIsShownAndTheMainWindowStays()
+    {
+        choosePresets();
+        m_desk->click("StartWatchingFolderButton");
+        QCOMPARE(m_desk->find<QLabel>("WatchFolderPath")->text(),
+                 u"must select a valid directory to start watch mode"_s);
+        QTest::qWait(800);
+        QVERIFY(m_desk->window().isVisible());
+        QVERIFY(!watchWindow().isVisible());
+        QVERIFY(!watch().appIsInWatchMode());
+    }
+
+    void theFolderIsChosenWithItsButton()
+    {
+        m_desk->click("ChooseWatchFolderButton");
+        m_desk->answerDialog({m_desk->path(u"in"_s)});
+        QTRY_COMPARE(m_desk->find<QLabel>("WatchFolderPath")->text(), m_desk->path(u"in"_s));
+        QCOMPARE(m_desk->delegate().program().preferences().watchFolderPath(), m_desk->path(u"in"_s));
+    }
+
+    void theWindowsChangePlacesAndBack()
+    {
+        startWatching();
+        QCOMPARE(part<QLabel>("WatchFolderField")->text(), m_desk->path(u"in"_s));
+        const QPoint place = watchWindow().pos();
+        QCOMPARE(place, m_placeBefore);
+        QVERIFY(shown().constFirst().endsWith(u"  note     Watching %1."_s.arg(m_desk->path(u"in"_s))));
+        press("EndWatchingButton");
+        QTRY_VERIFY(m_desk->window().isVisible() && !watchWindow().isVisible());
+        QTRY_COMPARE(m_desk->window().windowOpacity(), 1.0);
+        QCOMPARE(m_desk->window().pos(), place);
+        QTRY_VERIFY(!watch().appIsInWatchMode());
+        QVERIFY(m_desk->isEnabled("StartWatchingFolderButton")); // and once more
+        m_desk->click("StartWatchingFolderButton");
+        QTRY_VERIFY(watchWindow().isVisible() && !m_desk->window().isVisible());
+        QTRY_COMPARE(watchWindow().windowOpacity(), 1.0);
+    }
+
+    void aFilmThatLandsInTheFolderIsConvertedAndTold()
+    {
+        startWatching();
+        const QString film = m_desk->film(support::textMp4(), u"in/a.mp4"_s);
+        watch().watchLoop();
+        QVERIFY(tells(u"  waiting  %1: until it has stopped growing."_s.arg(film)));
+        watch().watchLoop();
+        QVERIFY(tells(u"  started  a.mp4: MKV Conversion"_s));
+        QVERIFY2(tells(u"  done     a.mp4: %1"_s.arg(m_desk->path(u"in/a.m4v"_s))),
+                 qPrintable(shown().join(u'\n')));
+        QVERIFY(!m_desk->window().isVisible()); // the drawer does not bring it back
+    }
+
+    void stoppingLeavesTheQueueAndShowsItInTheMainWindow()
+    {
+        startWatching();
+        m_desk->film(support::textMp4(), u"in/a.mp4"_s);
+        watch().watchLoop();
+        watch().watchLoop();
+        QVERIFY(tells(u"  started  a.mp4: MKV Conversion"_s));
+        press("EndWatchingButton");
+        QTRY_VERIFY(m_desk->window().isVisible());
+        QCOMPARE(m_desk->rows("QueueTable", 0).size(), 1);
+        QTRY_VERIFY(m_desk->find<QWidget>("QueueTable")->isVisible()); // the drawer is open
+        QVERIFY(m_desk->waitForJobs());
+        QVERIFY(QFile::exists(m_desk->path(u"in/a.m4v"_s)));
+    }
+
+    void aNameThatIsMarkupIsShownAsItIs()
+    {
+        startWatching();
+        QVERIFY(!m_desk->film(support::emptyMkv(), u"in/<b>x<b>.mkv"_s).isEmpty());
+        watch().watchLoop();
+        QVERIFY(tells(u"<b>x<b>.mkv: until it has stopped growing."_s));
+    }
+
+private:
+    KXWatchModeController &watch() { return m_desk->delegate().program().watchMode(); }
+    QWidget &watchWindow() { return m_desk->program().watchWindow(); }
+
+    template <typename Control>
+    Control *part(const char *name)
+    {
+        auto *found = watchWindow().findChild<Control *>(QString::fromLatin1(name));
+        if (found == nullptr)
+            qFatal("There is no %s.", name);
+        return found;
+    }
+
+    void press(const char *button) { QTest::mouseClick(part<QAbstractButton>(button), Qt::LeftButton); }
+
+    void choosePresets()
+    {
+        m_desk->pick("PresetSelectionsPopUp", u"First Track"_s);
+        m_desk->pick("PresetSettingsPopUp", u"Set"_s);
+        QTRY_VERIFY(m_desk->isEnabled("StartWatchingFolderButton"));
+    }
+
+    void startWatching()
+    {
+        choosePresets();
+        m_desk->delegate().program().preferences().setWatchFolderURL(
+            QUrl::fromLocalFile(m_desk->path(u"in"_s)));
+        m_placeBefore = m_desk->window().pos();
+        m_desk->click("StartWatchingFolderButton");
+        QVERIFY(m_desk->window().isVisible()); // for a moment still
+        QTRY_VERIFY(watchWindow().isVisible() && !m_desk->window().isVisible());
+        QTRY_COMPARE(watchWindow().windowOpacity(), 1.0);
+    }
+
+    QStringList shown()
+    {
+        QStringList lines;
+        const auto *list = part<QListWidget>("WatchLog");
+        for (int row = 0; row < list->count(); ++row)
+            lines.append(list->item(row)->text());
+        return lines;
+    }
+
+    bool tells(const QString &part)
+    {
+        return waitFor([&] { return !shown().filter(part).isEmpty(); }, 20000);
+    }
+
+    std::unique_ptr<WindowDesk> m_desk;
+    QPoint m_placeBefore;
+};
+
+QTEST_MAIN(WatchWindowTest)
+#include "WatchWindowTest.moc"
