@@ -5,12 +5,15 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTest>
 
@@ -156,7 +159,18 @@ void WindowDesk::answerDialog(const QStringList &paths)
         quoted.append(paths.size() == 1 ? path : u"\"%1\""_s.arg(path));
     QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(name, quoted.join(u' '));
-    QTest::keyClick(name, Qt::Key_Return);
+    // By the button: Return may belong to the list of completions. It is off until the folder is read.
+    auto *open = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
+    const QPointer<QFileDialog> shown(dialog);
+    const bool closed = waitFor(
+        [&] {
+            if (shown && shown->isVisible() && open->isEnabled())
+                QTest::mouseClick(open, Qt::LeftButton);
+            return !shown || !shown->isVisible();
+        },
+        20000);
+    if (!closed)
+        qFatal("The file dialog stayed open.");
     QTest::qWait(0);
 }
 
@@ -189,10 +203,12 @@ bool WindowDesk::hasAlert() const
 
 bool WindowDesk::waitForAlert(const QString &message)
 {
-    return waitFor([&] {
-        auto *box = qobject_cast<QMessageBox *>(alert());
-        return box != nullptr && box->text() == message;
-    });
+    return waitFor(
+        [&] {
+            auto *box = qobject_cast<QMessageBox *>(alert());
+            return box != nullptr && box->text() == message;
+        },
+        20000);
 }
 
 QString WindowDesk::alertText() const
