@@ -39,7 +39,10 @@ WatchSession::WatchSession(const Parts &parts)
         takeNext();
     });
     connect(&parts.intake, &FileIntake::busyChanged, this, &WatchSession::takeNext, Qt::QueuedConnection);
-    connect(&parts.intake, &FileIntake::watchedFilesOpened, &m_start, qOverload<>(&QTimer::start));
+    connect(&parts.intake, &FileIntake::watchedFilesOpened, this, [this] {
+        m_parts.intake.setHeld(true); // what the desktop opens now must not take the films' place
+        m_start.start();
+    });
     connect(&parts.starter, &JobStarter::finishingChanged, this, [this] {
         if (m_active && !m_parts.starter.isFinishing() && !m_start.isActive())
             batchDone();
@@ -174,6 +177,7 @@ void WatchSession::startOpened()
 void WatchSession::batchDone()
 {
     m_active = false;
+    m_parts.intake.setHeld(false);
     QMetaObject::invokeMethod(this, &WatchSession::takeNext, Qt::QueuedConnection);
 }
 

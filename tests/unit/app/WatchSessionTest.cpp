@@ -129,6 +129,27 @@ private Q_SLOTS:
         QCOMPARE(log().filter(u"a.mp4"_s).size(), 3);
     }
 
+    void aFilmThatTheDesktopOpensBeforeTheStartDoesNotTakeTheWatchedOnesPlace()
+    {
+        QVERIFY(session().start());
+        const QString watched = m_desk->film(support::textMp4(), u"watched.mp4"_s);
+        const QString other = m_desk->film(support::textMp4(), u"other.mp4"_s);
+        app::FileIntake &intake = m_desk->delegate().intake();
+        connect(
+            &intake, &app::FileIntake::watchedFilesOpened, &intake,
+            [&] {
+                intake.setOpeningFileMode(u"open"_s);
+                intake.openedFileHubForFiles({QUrl::fromLocalFile(other)});
+            },
+            Qt::QueuedConnection);
+        arrive({watched});
+        QVERIFY(tells(u"done watched.mp4: "_s));
+        QVERIFY(log().filter(u"other.mp4"_s).isEmpty());
+        QVERIFY(
+            waitFor([&] { return m_desk->program().currentFile().file()->theFileName() == u"other.mp4"_s; },
+                    patienceMs));
+    }
+
     void aJobThatFailsIsToldAndTheNextOneRuns()
     {
         QVERIFY(session().start());
