@@ -81,8 +81,9 @@ QString manyPacketsAac()
 QString manyPacketsMkv()
 {
     return clip(u"many-packets.mkv"_s, [](const QString &path) {
-        runProgram(u"mkvmerge"_s, {u"-q"_s, u"-o"_s, path, slowPictures(),
-                                   silence(u"fewer-packets.aac"_s, u"8000"_s), manyPacketsAac()});
+        runProgram(u"mkvmerge"_s,
+                   {u"-q"_s, u"-o"_s, path, slowPictures(), silence(u"fewer-packets.aac"_s, u"8000"_s),
+                    manyPacketsAac(), manyPacketsAac(), manyPacketsAac()});
     });
 }
 
