@@ -45,9 +45,10 @@ private Q_SLOTS:
 
     void severalFilesAreOpenedThroughThePanel()
     {
+        const QStringList films{m_desk->film(support::fullMkv(), u"a.mkv"_s),
+                                m_desk->film(support::textMp4(), u"b.mp4"_s)};
         m_desk->click("OpenButton");
-        m_desk->answerDialog(
-            {m_desk->film(support::fullMkv(), u"a.mkv"_s), m_desk->film(support::textMp4(), u"b.mp4"_s)});
+        m_desk->answerDialog(films);
         QVERIFY(m_desk->waitForFiles());
         QCOMPARE(m_desk->delegate().openQueue().openFileCount(), 2);
     }
@@ -115,9 +116,10 @@ private Q_SLOTS:
 
     void aTrackIsAddedThroughThePanel()
     {
+        const QString sound = m_desk->film(support::surroundAc3(), u"s.ac3"_s);
         QVERIFY(m_desk->open({m_desk->film(support::fullMkv())}));
         m_desk->click("AddButton");
-        m_desk->answerDialog({m_desk->film(support::surroundAc3(), u"s.ac3"_s)});
+        m_desk->answerDialog({sound});
         QVERIFY(m_desk->waitForFiles());
         QCOMPARE(m_desk->rows("ConvertTrackTable", 0).size(), 7);
     }
@@ -125,9 +127,10 @@ private Q_SLOTS:
     void aVideoThatIsToBeAddedIsRefused()
     {
         const QString film = m_desk->film(support::fullMkv());
+        const QString other = m_desk->film(support::textMp4(), u"other.mp4"_s);
         QVERIFY(m_desk->open({film}));
         m_desk->click("AddButton");
-        m_desk->answerDialog({m_desk->film(support::textMp4(), u"other.mp4"_s)});
+        m_desk->answerDialog({other});
         QVERIFY(m_desk->waitForAlert(u"Error Opening: other.mp4"_s));
         QVERIFY(m_desk->alertText().startsWith(u"The application can't add the track from this file."_s));
         QCOMPARE(m_desk->find<QLabel>("ConvertFileField")->text(), film);

@@ -157,14 +157,21 @@ void WindowDesk::answerDialog(const QStringList &paths)
     QStringList quoted;
     for (const QString &path : paths)
         quoted.append(paths.size() == 1 ? path : u"\"%1\""_s.arg(path));
-    QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(name, quoted.join(u' '));
+    const auto enter = [&] {
+        QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(name, quoted.join(u' '));
+    };
+    enter();
     // By the button: Return may belong to the list of completions. It is off until the folder is read.
     auto *open = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
     const QPointer<QFileDialog> shown(dialog);
     const bool closed = waitFor(
         [&] {
-            if (shown && shown->isVisible() && open->isEnabled())
+            if (!shown || !shown->isVisible())
+                return true;
+            if (shown->selectedFiles() != paths)
+                enter();
+            else if (open->isEnabled())
                 QTest::mouseClick(open, Qt::LeftButton);
             return !shown || !shown->isVisible();
         },
