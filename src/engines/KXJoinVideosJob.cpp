@@ -20,7 +20,6 @@ KXJoinVideosJob::KXJoinVideosJob(const jobs::JobContext &context)
 
 void KXJoinVideosJob::startJob()
 {
-    const auto self = shared_from_this(); // looking at the files serves timers, and our row may go
     const auto joiner = std::make_shared<KXVideoJoiner>(converterContext());
     joiner->setStepName(u"Joining Videos"_s);
     joiner->setStopFlag(cancelFlag());

@@ -11,6 +11,7 @@
 
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +33,12 @@ KXVideoJoiner::KXVideoJoiner(const step::ConverterContext &context)
     setMonitorCounter(0);
 }
 
+KXVideoJoiner::~KXVideoJoiner()
+{
+    if (m_look)
+        m_look->wait(); // short: a stop ends its tools
+}
+
 QStringList KXVideoJoiner::findMismatchedProperetiesFor(const QList<QUrl> &files)
 {
     return engines::mismatchedProperties(engines::probedForJoining(files, appPreferences(), stopFlag()));
@@ -48,18 +55,42 @@ KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPo
         return nullptr;
     }
     setInputFileURL(files.constFirst());
-    const QStringList mismatched = findMismatchedProperetiesFor(files);
-    if (isStopped())
-        return nullptr;
-    if (!mismatched.isEmpty())
-        warn(engines::mismatchAlert(mismatched));
     setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
     setTempFileToDeleteURL(QUrl());
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
         return nullptr;
     claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
-    return start(files);
+    const auto task = start(files);
+    if (task)
+        lookAt(files);
+    return task;
+}
+
+/// Beside the tool: a warning holds no join up, and probing several files takes about as long as joining
+/// them.
+void KXVideoJoiner::lookAt(const QList<QUrl> &files)
+{
+    m_look.reset(QThread::create([this, files] { m_mismatched = findMismatchedProperetiesFor(files); }));
+    connect(m_look.get(), &QThread::finished, this, &KXVideoJoiner::looked);
+    m_look->start();
+}
+
+void KXVideoJoiner::looked()
+{
+    m_look->wait();
+    m_look.reset();
+    if (isStopped())
+        return;
+    if (!m_mismatched.isEmpty())
+        warn(engines::mismatchAlert(m_mismatched));
+    completeWhenAllIsDone();
+}
+
+void KXVideoJoiner::completeWhenAllIsDone()
+{
+    if (m_toolIsDone && !m_look)
+        post(u"taskCompletion"_s, u"Complete"_s);
 }
 
 tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
@@ -152,7 +183,8 @@ void KXVideoJoiner::handleNewTaskResult(const step::ReadEvent &event)
 void KXVideoJoiner::backgroundReadingCompleted()
 {
     KXConverter::backgroundReadingCompleted();
-    post(u"taskCompletion"_s, u"Complete"_s);
+    m_toolIsDone = true;
+    completeWhenAllIsDone();
 }
 
 /// The concat reader leaves out a file that it can't open, and ends well all the same.

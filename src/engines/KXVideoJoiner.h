@@ -4,8 +4,11 @@
 #include "tools/step/KXConverter.h"
 #include "tools/step/MkvProgress.h"
 
+class QThread;
+
 /// Appends several files to one with mkvmerge, with ffmpeg's concat reader or with mp4box, and warns when
-/// they differ in what a join needs to be alike. Runs one tool once.
+/// they differ in what a join needs to be alike. Runs one tool once, and looks at the files meanwhile: the
+/// step is complete when both are done.
 class KXVideoJoiner final : public KXConverter
 {
     Q_OBJECT
@@ -14,6 +17,7 @@ class KXVideoJoiner final : public KXConverter
 
 public:
     explicit KXVideoJoiner(const step::ConverterContext &context);
+    ~KXVideoJoiner() override;
 
     tools::ToolProcessPointer
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
@@ -30,6 +34,9 @@ protected:
 private:
     tools::ToolProcessPointer start(const QList<QUrl> &files);
     tools::ToolProcessPointer startConcat(const QList<QUrl> &files);
+    void lookAt(const QList<QUrl> &files);
+    void looked();
+    void completeWhenAllIsDone();
     QString percentageIn(const step::ReadEvent &event);
     QString ffmpegPercentage(const QByteArray &bytes);
     QString mp4boxPercentage() const;
@@ -37,5 +44,8 @@ private:
 
     step::MkvProgressReader m_mkvProgress;
     step::FfmpegProgressReader m_ffmpegProgress;
-    qint64 m_wholeSeconds = 0; ///< of all files together
+    qint64 m_wholeSeconds = 0;       ///< of all files together
+    std::unique_ptr<QThread> m_look; ///< null when nobody looks at the files
+    QStringList m_mismatched;
+    bool m_toolIsDone = false;
 };

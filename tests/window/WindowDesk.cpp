@@ -157,11 +157,14 @@ void WindowDesk::answerDialog(const QStringList &paths)
     QStringList quoted;
     for (const QString &path : paths)
         quoted.append(paths.size() == 1 ? path : u"\"%1\""_s.arg(path));
+    const auto takeTheFocus = [&] {
+        dialog->activateWindow();
+        QTest::mouseClick(name, Qt::LeftButton);
+    };
     const auto enter = [&] {
         QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClicks(name, quoted.join(u' '));
     };
-    enter();
     // By the button: Return may belong to the list of completions. It is off until the folder is read.
     auto *open = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
     const QPointer<QFileDialog> shown(dialog);
@@ -169,7 +172,10 @@ void WindowDesk::answerDialog(const QStringList &paths)
         [&] {
             if (!shown || !shown->isVisible())
                 return true;
-            if (shown->selectedFiles() != paths)
+            // Without the focus the folders on the way stay selected beside what is typed.
+            if (!name->hasFocus())
+                takeTheFocus();
+            else if (shown->selectedFiles() != paths)
                 enter();
             else if (open->isEnabled())
                 QTest::mouseClick(open, Qt::LeftButton);
@@ -177,7 +183,9 @@ void WindowDesk::answerDialog(const QStringList &paths)
         },
         20000);
     if (!closed)
-        qFatal("The file dialog stayed open.");
+        qFatal("The file dialog stayed open: \"%s\" is typed, %s is selected, Open is %s.",
+               qPrintable(name->text()), qPrintable(shown->selectedFiles().join(u", "_s)),
+               open->isEnabled() ? "on" : "off");
     QTest::qWait(0);
 }
 

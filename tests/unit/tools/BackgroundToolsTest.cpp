@@ -200,10 +200,14 @@ private Q_SLOTS:
 
     void zombieOfSomebodyElseHasEnded()
     {
-        QProcess parent; // never waits for its child
-        parent.start(u"bash"_s, {u"-c"_s, u"sleep 0 & echo $!; exec sleep 60"_s});
+        QProcess parent;
+        parent.start(u"bash"_s, {u"-c"_s, u"sleep 60 & echo $!; exec cat"_s});
         QVERIFY(parent.waitForReadyRead());
         const QString pid = QString::fromLatin1(parent.readLine()).trimmed();
+        parent.write("here\n"); // the shell would wait for its child, cat that answers never does
+        QVERIFY(parent.waitForReadyRead());
+        QCOMPARE(parent.readLine(), "here\n");
+        ::kill(pid.toInt(), SIGKILL);
         QVERIFY(support::waitFor([&] { return support::stateOf(pid.toLongLong()) == 'Z'; }));
         QVERIFY(!m_helpers.processIsRunningWithPID(pid));
         QCOMPARE(support::stateOf(pid.toLongLong()), 'Z');
