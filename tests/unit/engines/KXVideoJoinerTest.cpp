@@ -338,6 +338,29 @@ private Q_SLOTS:
         QVERIFY(bench.waitForEnd());
     }
 
+    /// The tool does not wait for the look at the files, the end of the step does; a stop ends both.
+    void filesAreLookedAtWhileTheToolRuns()
+    {
+        JoinBench bench(u"mkvmerge"_s);
+        const QString pids = bench.path(u"pids"_s);
+        bench.setScript(u"ffmpeg/ffprobe"_s, {u"pid "_s + pids, u"hang"_s});
+        const auto job = bench.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        const auto joiner = job->stepConverterList().constFirst();
+        QVERIFY(waitFor([&] { return !joiner->converterTask()->isRunning(); }));
+        QVERIFY(QFile::exists(bench.path(u"a.mkv.joined.mkv"_s)));
+        const auto looks = [&] { return bench.world.scratch.read(u"pids"_s).split('\n').size() - 1; };
+        QVERIFY(waitFor([&] { return looks() == 2; })); // both files at once
+        QTest::qWait(300);
+        QCOMPARE(bench.record.count(u"taskCompletion"_s), 0);
+        QVERIFY(!job->hasEnded());
+        job->stopJob();
+        QCOMPARE(job->outcome().verdict, Verdict::Stopped);
+        QVERIFY(!QFile::exists(bench.path(u"a.mkv.joined.mkv"_s)));
+        for (const QByteArray &pid : bench.world.scratch.read(u"pids"_s).trimmed().split('\n'))
+            QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
+        QVERIFY(bench.world.alerts.shown().isEmpty());
+    }
+
     void theJobTakesTheToolThatFitsTheFiles_data()
     {
         QTest::addColumn<QStringList>("names");
