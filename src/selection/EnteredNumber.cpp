@@ -1,6 +1,6 @@
 #include "selection/EnteredNumber.h"
 
-#include <QRegularExpression>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -26,15 +26,24 @@ QString withoutLeadingZeros(const QString &digits)
     return digits.mid(start);
 }
 
+bool areDigits(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
 } // namespace
 
+/// By hand: a regular expression here would bring its whole engine into every start.
 QString normalizedNumber(const QString &text, qsizetype fractionDigits)
 {
-    static const QRegularExpression number(u"^\\s*([+-]?)([0-9]*)(?:\\.([0-9]*))?\\s*$"_s);
-    const auto match = number.match(text);
-    const QString whole = match.captured(2);
-    const QString fraction = match.captured(3);
-    if (!match.hasMatch() || (whole.isEmpty() && fraction.isEmpty()))
+    QStringView number = QStringView(text).trimmed();
+    const bool isNegative = number.startsWith(u'-');
+    if (isNegative || number.startsWith(u'+'))
+        number = number.mid(1);
+    const qsizetype point = number.indexOf(u'.');
+    const QString whole = number.left(point < 0 ? number.size() : point).toString();
+    const QString fraction = point < 0 ? QString() : number.mid(point + 1).toString();
+    if (!areDigits(whole) || !areDigits(fraction) || (whole.isEmpty() && fraction.isEmpty()))
         return {};
     // In digits, since binary fractions can't tell a half from what is nearly one.
     QString digits = u'0' + whole + fraction.left(fractionDigits).leftJustified(fractionDigits, u'0');
@@ -46,7 +55,7 @@ QString normalizedNumber(const QString &text, qsizetype fractionDigits)
         rest.chop(1);
     if (!rest.isEmpty())
         result += u'.' + rest;
-    return match.captured(1) == u"-"_s && result != u"0"_s ? u'-' + result : result;
+    return isNegative && result != u"0"_s ? u'-' + result : result;
 }
 
 } // namespace selection

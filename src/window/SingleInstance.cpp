@@ -2,8 +2,15 @@
 
 #include <QCryptographicHash>
 #include <QDataStream>
-#include <QLocalSocket>
+#include <QFile>
+#include <QIODevice>
+#include <QStandardPaths>
 
+#include <algorithm>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -13,6 +20,72 @@ namespace window {
 namespace {
 
 constexpr int patience = 2000; // milliseconds
+constexpr char taken = '1';
+constexpr int callersAtOnce = 8;
+#ifdef MSG_NOSIGNAL
+constexpr int quietly = MSG_NOSIGNAL;
+#else
+constexpr int quietly = 0;
+#endif
+
+/// Closes its socket.
+class Socket final
+{
+public:
+    Socket()
+        : m_descriptor(::socket(AF_UNIX, SOCK_STREAM, 0))
+    {
+        ::fcntl(m_descriptor, F_SETFD, FD_CLOEXEC); // a tool must not keep it open
+    }
+    ~Socket()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    Q_DISABLE_COPY_MOVE(Socket)
+    int get() const { return m_descriptor; }
+    int release() { return std::exchange(m_descriptor, -1); }
+
+private:
+    int m_descriptor;
+};
+
+/// False when the path is longer than a socket's may be.
+bool addressOf(const QByteArray &path, sockaddr_un &address)
+{
+    address = {};
+    address.sun_family = AF_UNIX;
+    if (path.isEmpty() || static_cast<std::size_t>(path.size()) >= sizeof(address.sun_path))
+        return false;
+    std::copy(path.cbegin(), path.cend(), address.sun_path);
+    return true;
+}
+
+bool at(const QByteArray &path, const Socket &socket, int (*act)(int, const sockaddr *, socklen_t))
+{
+    sockaddr_un address{};
+    return addressOf(path, address) &&
+           act(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0; // NOLINT
+}
+
+bool sendAll(int descriptor, const QByteArray &bytes)
+{
+    for (qsizetype done = 0; done < bytes.size();) {
+        const auto sent = ::send(descriptor, bytes.constData() + done,
+                                 static_cast<std::size_t>(bytes.size() - done), quietly);
+        if (sent <= 0)
+            return false;
+        done += sent;
+    }
+    return true;
+}
+
+bool answered(int descriptor)
+{
+    pollfd waiting{descriptor, POLLIN, 0};
+    char answer = 0;
+    return ::poll(&waiting, 1, patience) == 1 && ::recv(descriptor, &answer, 1, 0) == 1 && answer == taken;
+}
 
 } // namespace
 
@@ -20,50 +93,90 @@ SingleInstance::SingleInstance(const QString &key)
 {
     const QByteArray hash =
         QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
-    m_name = u"tessaray-%1-%2"_s.arg(::getuid()).arg(QString::fromLatin1(hash));
-    m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    connect(&m_server, &QLocalServer::newConnection, this, &SingleInstance::take);
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (!folder.isEmpty()) // nobody else may write there
+        m_path = QFile::encodeName(folder) + "/tessaray-" + hash;
+}
+
+SingleInstance::~SingleInstance()
+{
+    const QList<int> callers = m_callers.keys();
+    for (const int caller : callers)
+        dismiss(caller);
+    if (m_socket < 0)
+        return;
+    m_notifier.reset();
+    ::unlink(m_path.constData());
+    ::close(m_socket);
 }
 
 bool SingleInstance::handOver(const QStringList &paths) const
 {
-    QLocalSocket socket;
-    socket.connectToServer(m_name);
-    if (!socket.waitForConnected(patience))
+    const Socket socket;
+    if (!at(m_path, socket, ::connect))
         return false;
-    QDataStream stream(&socket);
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream << paths;
-    const bool sent = socket.waitForBytesWritten(patience);
     // The other one answers with a byte when it has read them.
-    return sent && (socket.bytesAvailable() > 0 || socket.waitForReadyRead(patience));
+    return sendAll(socket.get(), bytes) && answered(socket.get());
 }
 
-void SingleInstance::listen()
+bool SingleInstance::listen()
 {
-    if (m_server.listen(m_name))
-        return;
-    QLocalServer::removeServer(m_name); // left by one that crashed: nobody answered there
-    m_server.listen(m_name);
+    Socket socket;
+    if (!at(m_path, socket, ::bind)) {
+        ::unlink(m_path.constData()); // left by one that crashed: nobody answered there
+        if (!at(m_path, socket, ::bind))
+            return false;
+    }
+    if (::listen(socket.get(), callersAtOnce) != 0)
+        return false;
+    m_socket = socket.release();
+    m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { take(); });
+    return true;
 }
 
 void SingleInstance::take()
 {
-    while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        const auto read = [this, socket] {
-            QDataStream stream(socket);
-            stream.startTransaction();
-            QStringList paths;
-            stream >> paths;
-            if (!stream.commitTransaction())
-                return;
-            socket->write("1");
-            Q_EMIT filesHandedOver(paths);
-        };
-        connect(socket, &QLocalSocket::readyRead, this, read);
-        if (socket->bytesAvailable() > 0)
-            read();
-    }
+    const int descriptor = ::accept(m_socket, nullptr, nullptr);
+    if (descriptor < 0)
+        return;
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    const auto caller = std::make_shared<Caller>();
+    caller->notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+    connect(caller->notifier.get(), &QSocketNotifier::activated, this,
+            [this, descriptor] { read(descriptor); });
+    m_callers.insert(descriptor, caller);
+}
+
+void SingleInstance::read(int caller)
+{
+    char chunk[4096];
+    const auto count = ::recv(caller, chunk, sizeof(chunk), MSG_DONTWAIT);
+    if (count < 0 && (errno == EAGAIN || errno == EINTR))
+        return;
+    if (count <= 0)
+        return dismiss(caller); // gone before it had said all
+    const auto known = m_callers.value(caller);
+    known->received.append(chunk, count);
+    QDataStream stream(known->received);
+    QStringList paths;
+    stream >> paths;
+    if (stream.status() != QDataStream::Ok)
+        return; // more is to come
+    sendAll(caller, QByteArray(1, taken));
+    dismiss(caller);
+    Q_EMIT filesHandedOver(paths);
+}
+
+void SingleInstance::dismiss(int caller)
+{
+    const auto known = m_callers.take(caller);
+    known->notifier->setEnabled(false);
+    known->notifier.release()->deleteLater(); // it may be the one that called us
+    ::close(caller);
 }
 
 } // namespace window

@@ -1,11 +1,17 @@
 #pragma once
 
-#include <QLocalServer>
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QSocketNotifier>
 #include <QStringList>
+
+#include <memory>
 
 namespace window {
 
-/// Lets a second start hand its files to the program that runs already. Owned by the window program.
+/// Lets a second start hand its files to the program that runs already. Owned by the window program. A plain
+/// socket in the user's own run-time folder: a network library for it would cost every start memory and time.
 class SingleInstance final : public QObject
 {
     Q_OBJECT
@@ -13,20 +19,32 @@ class SingleInstance final : public QObject
 public:
     /// Programs with the same key, of the same user, are one.
     explicit SingleInstance(const QString &key);
+    ~SingleInstance() override;
 
-    /// True when another one runs and has taken the files.
+    /// True when another one runs and has taken the files. Waits two seconds for it at most.
     bool handOver(const QStringList &paths) const;
-    /// From now on this is the one that takes files.
-    void listen();
+    /// From now on this is the one that takes files; false when it can't be.
+    bool listen();
 
 Q_SIGNALS:
     void filesHandedOver(const QStringList &paths);
 
 private:
-    void take();
+    /// A start that is handing its files over.
+    struct Caller
+    {
+        std::unique_ptr<QSocketNotifier> notifier;
+        QByteArray received;
+    };
 
-    QString m_name;
-    QLocalServer m_server;
+    void take();
+    void read(int caller);
+    void dismiss(int caller);
+
+    QByteArray m_path;
+    int m_socket = -1;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QHash<int, std::shared_ptr<Caller>> m_callers;
 };
 
 } // namespace window
