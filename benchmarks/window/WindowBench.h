@@ -9,7 +9,7 @@ namespace bench {
 int drop(const QString &film, int count);
 /// Progress updates, each until it is painted, while the queue holds that many jobs.
 int queue(int count);
-/// From start to a painted window beside an empty Qt window, alternating.
+/// From start to a painted window beside empty Qt windows, alternating.
 int startWindow(const QString &program, const QString &empty, const QString &plugins, int rounds);
 
 } // namespace bench

@@ -51,9 +51,9 @@ jobs::JobContext Program::contextFor(step::StepLauncher &launcher, step::OutputR
             launcher,      outputs,         m_scratch, m_whenTaken};
 }
 
-QString Program::initialize()
+QString Program::initialize(KXPreferences::Unpack tools)
 {
-    const QString problem = m_preferences.initialize();
+    const QString problem = m_preferences.initialize(tools);
     m_currentSelection->initialize();
     m_selectionController.initialize();
     m_selectionController.setPresetsController(&m_presets);

@@ -37,7 +37,7 @@ public:
     ~Program();
 
     /// Loads the settings and unpacks the tools. Answers a null text, or what is wrong with the settings.
-    QString initialize();
+    QString initialize(KXPreferences::Unpack tools = KXPreferences::Unpack::Now);
     platform::DefaultsStore &defaults() { return m_defaults; }
     /// Where the settings lie; what else is remembered lies beside them.
     QString settingsPath() const { return m_defaults.path(); }

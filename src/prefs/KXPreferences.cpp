@@ -43,14 +43,15 @@ KXPreferences::KXPreferences(platform::DefaultsStore &store, const prefs::Places
     setWaiting(tools::Waiting::Blocking); // it runs at the start only, when nothing could be served yet
 }
 
-QString KXPreferences::initialize()
+QString KXPreferences::initialize(Unpack tools)
 {
     setPreferencePanelPropertiesList({saveDirectoryKey, u"lintwickPath"_s, u"showToolTipsFlag"_s,
                                       u"keepLogsFlag"_s, u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
                                       u"useDpliiFlag"_s});
     setPreferencePanelDefaultsDictionary(panelDefaults());
     const QString problem = loadPreferencesFromDefaults();
-    initializeApplicationSupportFolder();
+    if (tools == Unpack::Now)
+        initializeApplicationSupportFolder();
     return problem;
 }
 
@@ -156,6 +157,7 @@ void KXPreferences::initializeApplicationSupportFolder()
 {
     setToolsLocationURL(resourcesLocation());
     m_toolsProblem = prefs::ToolsUnpacker(*this, *this).unpack();
+    Q_EMIT toolsUnpacked();
 }
 
 QVariant KXPreferences::panelValue(const QString &key) const

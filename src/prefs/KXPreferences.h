@@ -50,9 +50,11 @@ public:
 
     platform::DefaultsStore &preferenceDefaults() const { return m_store; }
 
+    enum class Unpack { Now, Later };
+
     /// Panel keys and defaults, then loadPreferencesFromDefaults(), whose answer is handed on, then the
-    /// tools folder.
-    QString initialize();
+    /// tools folder. Who unpacks later calls initializeApplicationSupportFolder() before any tool is needed.
+    QString initialize(Unpack tools = Unpack::Now);
     /// Answers a null text, or a sentence when the stored settings can't be read (defaults are used).
     QString loadPreferencesFromDefaults();
     /// Answers a null text, or a sentence for the user when nothing could be saved.
@@ -91,6 +93,8 @@ public:
 Q_SIGNALS:
     /// The tool tips or the title of their menu item have other texts now.
     void toolTipsModified();
+    /// The tools are unpacked, as far as they can be.
+    void toolsUnpacked();
 
 private:
     void takePanelFrom(const QVariantMap &stored);

@@ -32,8 +32,6 @@ FilePart::FilePart(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent
     , m_fileTable(named(new KXDropScrollView, "EditFilesTable", tr("Files to edit")))
     , m_trackModel(new TrackModel(delegate.program().selectionController(), this))
     , m_filesModel(new FilesModel(this))
-    , m_popover(
-          new OpenFilesPopover(delegate.openQueue(), delegate.program().selectionController(), tips, this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -52,10 +50,20 @@ FilePart::FilePart(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent
     connect(m_add, &QPushButton::clicked, &delegate, [this] { m_delegate.openFilePanel(u"Add"_s); });
     connect(m_play, &QPushButton::clicked, &delegate, &KXAppDelegate::playButton);
     connect(m_openFiles, &QPushButton::clicked, &delegate.openQueue(), &app::OpenQueue::showOpenQ);
-    connect(&delegate.openQueue(), &app::OpenQueue::popoverWanted, this,
-            [this](bool open) { open ? m_popover->showBelow(m_openFiles) : m_popover->hide(); });
+    connect(&delegate.openQueue(), &app::OpenQueue::popoverWanted, this, &FilePart::showPopover);
     connect(&delegate.openQueue(), &app::OpenQueue::canOpenQueuePopoverChanged, this, &FilePart::refresh);
     refresh();
+}
+
+void FilePart::showPopover(bool open)
+{
+    if (m_popover == nullptr && open)
+        m_popover = new OpenFilesPopover(m_delegate.openQueue(), m_delegate.program().selectionController(),
+                                         m_tips, this);
+    if (open)
+        m_popover->showBelow(m_openFiles);
+    else if (m_popover != nullptr)
+        m_popover->hide();
 }
 
 QWidget *FilePart::fileRow()

@@ -32,6 +32,7 @@ public:
     void focusTable();
 
 private:
+    void showPopover(bool open);
     QWidget *fileRow();
     QWidget *toggleRow();
     QPushButton *toggle(const QString &title, const char *word, const char *tip,
@@ -52,7 +53,7 @@ private:
     KXDropScrollView *m_fileTable;
     TrackModel *m_trackModel;
     FilesModel *m_filesModel;
-    OpenFilesPopover *m_popover;
+    OpenFilesPopover *m_popover = nullptr; ///< made when it is wanted first
 };
 
 } // namespace window

@@ -146,6 +146,7 @@ void MainWindow::connectParts()
     connect(&controller, &KXSelectionController::trackTicksChanged, this, &MainWindow::scheduleRefresh);
     connect(&program.presets(), &KXPresetsController::methodsChanged, this, &MainWindow::scheduleRefresh);
     connect(&program.preferences(), &KXPreferences::toolTipsModified, this, &MainWindow::scheduleRefresh);
+    connect(&program.preferences(), &KXPreferences::toolsUnpacked, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.intake(), &app::FileIntake::busyChanged, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.starter(), &app::JobStarter::finishingChanged, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.starter(), &app::JobStarter::editingEndWanted, this, [this] {

@@ -86,7 +86,7 @@ private:
     StatusLine *m_status = nullptr;
     QAction *m_toolTipsAction = nullptr;
     QAction *m_addAction = nullptr;
-    QList<QMenu *> m_idleMenus; ///< off, with their shortcuts, while files are probed
+    QList<QMenu *> m_idleMenus;     ///< off, with their shortcuts, while files are probed
     QWidget *m_whileIdle = nullptr; ///< what is off while files are probed
     bool m_refreshScheduled = false;
 };

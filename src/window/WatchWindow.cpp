@@ -43,13 +43,14 @@ WatchWindow::WatchWindow(KXAppDelegate &delegate, QWidget &mainWindow)
         animation->setDuration(KXWatchModeController::fadeMilliseconds);
     }
     connect(stop, &QPushButton::clicked, &delegate.watchSession(), &app::WatchSession::end);
-    connect(&delegate.watchSession().log(), &app::WatchLog::added, this, &WatchWindow::addLine);
-    connect(&delegate.watchSession().log(), &app::WatchLog::shortened, this, [this](int count) {
+    const app::WatchLog &log = delegate.watchSession().log();
+    for (const auto &line : log.lines())
+        addLine(line);
+    connect(&log, &app::WatchLog::added, this, [this, &log] { addLine(log.lines().constLast()); });
+    connect(&log, &app::WatchLog::shortened, this, [this](int count) {
         for (int i = 0; i < count; ++i)
             delete m_log->takeItem(0);
     });
-    connect(&delegate.program().watchMode(), &KXWatchModeController::windowsSwapped, this,
-            &WatchWindow::swap);
     connect(&delegate.program().watchMode(), &KXWatchModeController::folderChanged, this,
             &WatchWindow::refresh);
     connect(&m_fadeOut, &QPropertyAnimation::finished, this, [this] {
@@ -94,11 +95,11 @@ void WatchWindow::refresh()
 }
 
 /// Follows the newest line, unless somebody has scrolled up to read.
-void WatchWindow::addLine()
+void WatchWindow::addLine(const app::WatchLog::Line &line)
 {
     const QScrollBar *bar = m_log->verticalScrollBar();
     const bool atEnd = bar->value() == bar->maximum();
-    m_log->addItem(app::WatchLog::formatted(m_delegate.watchSession().log().lines().constLast()));
+    m_log->addItem(app::WatchLog::formatted(line));
     if (atEnd)
         m_log->scrollToBottom();
 }

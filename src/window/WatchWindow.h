@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/WatchLog.h"
+
 #include <QLabel>
 #include <QListWidget>
 #include <QPropertyAnimation>
@@ -20,6 +22,9 @@ public:
     WatchWindow(KXAppDelegate &delegate, QWidget &mainWindow);
     ~WatchWindow() override;
 
+    /// Takes the main window's place, or gives it back.
+    void swap(bool watching);
+
 Q_SIGNALS:
     /// It was closed, as the program would be.
     void quitWanted();
@@ -28,9 +33,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void swap(bool watching);
     void fade(QWidget *from, QWidget *to);
-    void addLine();
+    void addLine(const app::WatchLog::Line &line);
     void refresh();
 
     KXAppDelegate &m_delegate;

@@ -7,24 +7,29 @@ using namespace Qt::StringLiterals;
 
 namespace window {
 
+namespace {
+
+constexpr int longestWaitForPaint = 500; // milliseconds; a window that nobody sees is not painted
+
+} // namespace
+
 WindowProgram::WindowProgram(const app::Program::Options &options)
     : m_program(options, m_alerts)
     , m_delegate({m_program, m_alerts, m_chooser, m_desktop})
     , m_preferencesController(m_program.preferences(), m_chooser)
     , m_window(m_delegate, m_preferencesController)
-    , m_watchWindow(m_delegate, m_window)
 {
     m_alerts.setParentWindow(&m_window);
     m_chooser.setParentWindow(&m_window);
     QApplication::setQuitOnLastWindowClosed(false); // the delegate says when it ends
     qApp->installEventFilter(this);
     connect(&m_window, &MainWindow::quitWanted, this, &WindowProgram::quit);
-    connect(&m_watchWindow, &WatchWindow::quitWanted, this, &WindowProgram::quit);
-    // A hidden window shows no sheets.
-    connect(&m_program.watchMode(), &KXWatchModeController::windowsSwapped, this, [this](bool watching) {
-        m_alerts.setParentWindow(watching ? static_cast<QWidget *>(&m_watchWindow) : &m_window);
-    });
-    connect(&m_delegate, &KXAppDelegate::terminationAllowed, this, &WindowProgram::leave, Qt::QueuedConnection);
+    connect(&m_program.watchMode(), &KXWatchModeController::windowsSwapped, this,
+            &WindowProgram::swapWindows);
+    m_untilReady.setSingleShot(true);
+    connect(&m_untilReady, &QTimer::timeout, this, &WindowProgram::getReady);
+    connect(&m_delegate, &KXAppDelegate::terminationAllowed, this, &WindowProgram::leave,
+            Qt::QueuedConnection);
     // Nobody can be asked then: the running job is stopped and its unfinished output removed.
     connect(&m_interrupts, &app::Interrupts::interrupted, this, &WindowProgram::leave, Qt::QueuedConnection);
 }
@@ -36,13 +41,38 @@ WindowProgram::~WindowProgram()
 
 void WindowProgram::start(const QStringList &paths)
 {
-    const QString problem = m_program.initialize();
+    const QString problem = m_program.initialize(KXPreferences::Unpack::Later);
     m_delegate.applicationDidFinishLaunching();
+    m_delegate.intake().setHeld(true);
     m_window.show();
+    m_untilReady.start(longestWaitForPaint);
     sayProblem(problem);
-    sayProblem(m_program.preferences().toolsProblem());
     if (!paths.isEmpty())
         m_delegate.filesRequested(paths);
+}
+
+void WindowProgram::getReady()
+{
+    m_program.preferences().initializeApplicationSupportFolder();
+    m_isReady = true;
+    sayProblem(m_program.preferences().toolsProblem());
+    m_delegate.intake().setHeld(false);
+}
+
+WatchWindow &WindowProgram::watchWindow()
+{
+    if (!m_watchWindow) {
+        m_watchWindow = std::make_unique<WatchWindow>(m_delegate, m_window);
+        connect(m_watchWindow.get(), &WatchWindow::quitWanted, this, &WindowProgram::quit);
+    }
+    return *m_watchWindow;
+}
+
+void WindowProgram::swapWindows(bool watching)
+{
+    watchWindow().swap(watching);
+    // A hidden window shows no sheets.
+    m_alerts.setParentWindow(watching ? static_cast<QWidget *>(m_watchWindow.get()) : &m_window);
 }
 
 void WindowProgram::sayProblem(const QString &problem)
@@ -70,6 +100,8 @@ void WindowProgram::leave()
 
 bool WindowProgram::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::Paint && m_untilReady.isActive())
+        m_untilReady.start(0);
     if (event->type() != QEvent::FileOpen)
         return QObject::eventFilter(watched, event);
     m_delegate.filesRequested({static_cast<QFileOpenEvent *>(event)->file()}); // NOLINT

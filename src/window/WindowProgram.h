@@ -11,6 +11,9 @@
 #include "window/WatchWindow.h"
 
 #include <QObject>
+#include <QTimer>
+
+#include <memory>
 
 namespace window {
 
@@ -24,12 +27,16 @@ public:
     explicit WindowProgram(const app::Program::Options &options);
     ~WindowProgram() override;
 
-    /// Loads the settings, shows the window and takes the files in.
+    /// Loads the settings, shows the window, unpacks the tools and takes the files in: the window is painted
+    /// first, and files wait for the tools.
     void start(const QStringList &paths);
+    /// The tools are there, as far as they can be.
+    bool isReady() const { return m_isReady; }
     void quit();
     KXAppDelegate &delegate() { return m_delegate; }
     MainWindow &mainWindow() { return m_window; }
-    WatchWindow &watchWindow() { return m_watchWindow; }
+    /// Made when it is wanted first.
+    WatchWindow &watchWindow();
     SheetAlerts &alerts() { return m_alerts; }
 
 protected:
@@ -37,6 +44,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void getReady();
+    void swapWindows(bool watching);
     void sayProblem(const QString &problem);
     void leave();
 
@@ -47,8 +56,10 @@ private:
     KXAppDelegate m_delegate;
     KXPreferencesController m_preferencesController;
     MainWindow m_window;
-    WatchWindow m_watchWindow;
+    std::unique_ptr<WatchWindow> m_watchWindow;
     app::Interrupts m_interrupts;
+    QTimer m_untilReady;
+    bool m_isReady = false;
 };
 
 } // namespace window

@@ -200,7 +200,7 @@ private Q_SLOTS:
         Started first(program, words, m_environment);
         QVERIFY(waitFor(
             [this] {
-                return !QDir(m_desk->path(u"tmp"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
+                return !QDir(m_desk->path(u"run"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
             },
             20000));
         QVERIFY(!wasProbed(film));
@@ -242,7 +242,7 @@ private:
     {
         const QString build = QStringLiteral(TESSARAY_BUILD_DIR);
         for (const QString &folder :
-             {u"app/bin"_s, u"app/Resources/ffmpeg"_s, u"app/Resources/mkvtoolnix"_s, u"tmp"_s})
+             {u"app/bin"_s, u"app/Resources/ffmpeg"_s, u"app/Resources/mkvtoolnix"_s, u"run"_s})
             QDir().mkpath(m_desk->path(folder));
         for (const QString &tool : {u"ffmpeg/ffmpeg"_s, u"ffmpeg/ffprobe"_s, u"mkvtoolnix/mkvmerge"_s,
                                     u"mkvtoolnix/mkvextract"_s, u"mkvtoolnix/mkvinfo"_s})
@@ -252,7 +252,8 @@ private:
             qFatal("The program can't be copied.");
         m_environment = QProcessEnvironment::systemEnvironment();
         m_environment.insert(u"RECORDER_FILE"_s, m_desk->path(u"recorded"_s));
-        m_environment.insert(u"TMPDIR"_s, m_desk->path(u"tmp"_s));
+        QFile::setPermissions(m_desk->path(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_desk->path(u"run"_s));
         return program;
     }
 

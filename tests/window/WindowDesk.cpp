@@ -4,6 +4,7 @@
 #include "support/Waiting.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDropEvent>
@@ -14,6 +15,7 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QSet>
 #include <QTabBar>
 #include <QTest>
 
@@ -41,6 +43,8 @@ void WindowDesk::start(const QStringList &paths)
     m_program->start(paths);
     if (!QTest::qWaitForWindowExposed(&window()))
         qFatal("The window did not come.");
+    if (!waitFor([this] { return m_program->isReady(); }, 60000))
+        qFatal("The tools were not unpacked.");
     window().activateWindow();
     (void)QTest::qWaitForWindowActive(&window(), 500);
 }
@@ -161,9 +165,15 @@ void WindowDesk::answerDialog(const QStringList &paths)
         dialog->activateWindow();
         QTest::mouseClick(name, Qt::LeftButton);
     };
+    // Pasted: the dialog selects whatever the letters on the way happen to name.
     const auto enter = [&] {
+        QApplication::clipboard()->setText(quoted.join(u' '));
         QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(name, quoted.join(u' '));
+        QTest::keyClick(name, Qt::Key_V, Qt::ControlModifier);
+    };
+    const auto isEntered = [&] {
+        const QStringList selected = dialog->selectedFiles();
+        return QSet<QString>(selected.begin(), selected.end()) == QSet<QString>(paths.begin(), paths.end());
     };
     // By the button: Return may belong to the list of completions. It is off until the folder is read.
     auto *open = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open);
@@ -172,10 +182,9 @@ void WindowDesk::answerDialog(const QStringList &paths)
         [&] {
             if (!shown || !shown->isVisible())
                 return true;
-            // Without the focus the folders on the way stay selected beside what is typed.
             if (!name->hasFocus())
                 takeTheFocus();
-            else if (shown->selectedFiles() != paths)
+            else if (!isEntered())
                 enter();
             else if (open->isEnabled())
                 QTest::mouseClick(open, Qt::LeftButton);

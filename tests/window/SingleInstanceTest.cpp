@@ -1,0 +1,152 @@
+// A second start hands its files to the one that runs.
+#include "window/SingleInstance.h"
+#include "support/Scratch.h"
+#include "support/Waiting.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using support::waitFor;
+using window::SingleInstance;
+
+class SingleInstanceTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_scratch = std::make_unique<support::Scratch>();
+        QDir().mkdir(folder());
+        QFile::setPermissions(folder(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder()));
+    }
+
+    void nobodyTakesFilesWhereNobodyRuns()
+    {
+        const SingleInstance second(u"key"_s);
+        QVERIFY(!second.handOver({u"/films/a.mkv"_s}));
+    }
+
+    void theOneThatRunsTakesTheFiles()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        const QStringList paths{u"/films/it's \"a\" $(x)\n.mkv"_s, u"/films/Élise 映画.mkv"_s};
+        QVERIFY(handedOver(u"key"_s, paths));
+        QTRY_COMPARE(taken.size(), 1);
+        QCOMPARE(taken.constFirst().constFirst().toStringList(), paths);
+        QVERIFY(handedOver(u"key"_s, {})); // a start without files brings the window to the front
+        QTRY_COMPARE(taken.size(), 2);
+    }
+
+    /// More than a socket holds at once.
+    void manyFilesArriveWhole()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        QStringList paths;
+        for (int i = 0; i < 5000; ++i)
+            paths.append(u"/films/a folder with a long name/another one/film number %1.mkv"_s.arg(i));
+        QVERIFY(handedOver(u"key"_s, paths));
+        QTRY_COMPARE(taken.size(), 1);
+        QCOMPARE(taken.constFirst().constFirst().toStringList(), paths);
+    }
+
+    void anotherKeyIsAnotherProgram()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QVERIFY(!handedOver(u"other"_s, {u"/films/a.mkv"_s}));
+        SingleInstance other(u"other"_s);
+        QVERIFY(other.listen());
+    }
+
+    void whatACrashedOneLeftIsReplaced()
+    {
+        {
+            SingleInstance first(u"key"_s);
+            QVERIFY(first.listen());
+            const QString name = QDir(folder()).entryList(QDir::System | QDir::Files).value(0);
+            QVERIFY(!name.isEmpty());
+            m_left = QFile::encodeName(folder() + u'/' + name);
+        }
+        QVERIFY(!QFileInfo::exists(QFile::decodeName(m_left))); // a proper end leaves nothing
+        leaveSocketAt(m_left);
+        SingleInstance next(u"key"_s);
+        QVERIFY(!next.handOver({u"/films/a.mkv"_s}));
+        QVERIFY(next.listen());
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+    }
+
+    /// One that hangs must not keep the second from starting.
+    void oneThatDoesNotAnswerIsNotWaitedForForever()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        const SingleInstance second(u"key"_s);
+        QVERIFY(!second.handOver({u"/films/a.mkv"_s})); // our event loop stands still meanwhile
+    }
+
+    void aCallerThatGoesBeforeItHasSaidAllIsForgotten()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        const QString name = QDir(folder()).entryList(QDir::System | QDir::Files).value(0);
+        const int caller = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        const sockaddr_un address = addressOf(QFile::encodeName(folder() + u'/' + name));
+        QCOMPARE(::connect(caller, reinterpret_cast<const sockaddr *>(&address), sizeof(address)), 0);
+        QCOMPARE(::send(caller, "\0\0", 2, 0), 2);
+        ::close(caller);
+        QTest::qWait(100);
+        QCOMPARE(taken.size(), 0);
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+        QTRY_COMPARE(taken.size(), 1);
+    }
+
+private:
+    QString folder() const { return m_scratch->path(u"run"_s); }
+
+    static sockaddr_un addressOf(const QByteArray &path)
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(path.cbegin(), path.cend(), address.sun_path);
+        return address;
+    }
+
+    static void leaveSocketAt(const QByteArray &path)
+    {
+        const int left = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        const sockaddr_un address = addressOf(path);
+        QCOMPARE(::bind(left, reinterpret_cast<const sockaddr *>(&address), sizeof(address)), 0);
+        ::close(left);
+    }
+
+    /// As another program would, while our event loop goes on.
+    static bool handedOver(const QString &key, const QStringList &paths)
+    {
+        bool taken = false;
+        const std::unique_ptr<QThread> other(
+            QThread::create([&] { taken = SingleInstance(key).handOver(paths); }));
+        other->start();
+        return waitFor([&] { return other->isFinished(); }) && taken;
+    }
+
+    std::unique_ptr<support::Scratch> m_scratch;
+    QByteArray m_left;
+};
+
+QTEST_MAIN(SingleInstanceTest)
+#include "SingleInstanceTest.moc"
