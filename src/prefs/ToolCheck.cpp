@@ -39,7 +39,7 @@ const QList<KnownTool> &knownTools()
          u"Without it picture subtitles can't be extracted."_s},
         {u"mkvinfo"_s, u"--version"_s, u"mkvinfo v(\\S+)"_s,
          u"Without it MKV files with header-removal compression are not recognised."_s},
-        {u"mp4box"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it MP4 files can't be joined."_s},
+        {u"mp4box"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it ffmpeg joins MP4 files."_s},
         {u"mplayer"_s, u"-noconfig all"_s, u"^MPlayer (\\S+)"_s,
          u"Without it there is no preview playback."_s},
         {u"atomicparsley"_s, u"--version"_s, u"version:?\\s*(\\S+)"_s,

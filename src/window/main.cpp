@@ -6,6 +6,8 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -16,7 +18,21 @@ struct Wishes
     QStringList paths;
 };
 
-Wishes wishesOf(const QApplication &application)
+/// Somebody who only asks needs no display.
+bool onlyAsks(int argc, char *argv[])
+{
+    static const QStringList questions{u"-h"_s, u"--help"_s, u"--help-all"_s, u"-v"_s, u"--version"_s};
+    return std::any_of(argv + 1, argv + argc,
+                       [](const char *word) { return questions.contains(QString::fromLocal8Bit(word)); });
+}
+
+void introduce()
+{
+    QCoreApplication::setApplicationName(u"tessaray"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TESSARAY_VERSION));
+}
+
+Wishes wishesOf(const QCoreApplication &application)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -38,10 +54,13 @@ Wishes wishesOf(const QApplication &application)
 int main(int argc, char *argv[])
 {
     app::ensureUtf8Locale();
+    introduce();
+    if (onlyAsks(argc, argv)) {
+        const QCoreApplication application(argc, argv);
+        (void)wishesOf(application); // answers and ends
+    }
     QApplication application(argc, argv);
-    QApplication::setApplicationName(u"tessaray"_s);
     QApplication::setApplicationDisplayName(u"Tessaray"_s);
-    QApplication::setApplicationVersion(QStringLiteral(TESSARAY_VERSION));
     QApplication::setDesktopFileName(u"org.tessaray.Tessaray"_s);
     const Wishes wishes = wishesOf(application);
     window::SingleInstance instance(wishes.defaultsPath);

@@ -122,6 +122,12 @@ private Q_SLOTS:
             all(contentOf(source + u"/CMakeLists.txt"_s), u"Tessaray VERSION ([0-9.]+)"_s).value(0);
         QVERIFY(!version.isEmpty());
         QCOMPARE(said(root(u"bin/tessaray-cli"_s), {u"--version"_s}), u"tessaray-cli %1\n"_s.arg(version));
+        QCOMPARE(said(u"env"_s, withoutDisplay(u"--version"_s)), u"tessaray %1\n"_s.arg(version));
+    }
+
+    void theWindowProgramExplainsItselfWithoutADisplay()
+    {
+        QVERIFY(said(u"env"_s, withoutDisplay(u"--help"_s)).contains(u"--defaults <FILE>"_s));
     }
 
     void theDesktopEntryIsValid()
@@ -228,6 +234,11 @@ private Q_SLOTS:
 
 private:
     QString root(const QString &name = {}) const { return m_scratch.path(u"usr/"_s + name); }
+    /// How the window program is asked by somebody who has none.
+    QStringList withoutDisplay(const QString &word) const
+    {
+        return {u"-u"_s, u"DISPLAY"_s, u"-u"_s, u"WAYLAND_DISPLAY"_s, root(u"bin/tessaray"_s), word};
+    }
     static QStringList everything(const QString &folder)
     {
         QStringList paths;
