@@ -61,7 +61,7 @@ KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPo
     if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
         return nullptr;
     claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
-    const auto task = start(files);
+    auto task = start(files);
     if (task)
         lookAt(files);
     return task;
@@ -202,7 +202,7 @@ step::Outcome KXVideoJoiner::outcomeOfConcat(const step::Outcome &ended) const
     run.lastTime = oldProgress();
     run.durationInSeconds = m_wholeSeconds > 0 ? QString::number(m_wholeSeconds) : QString();
     run.hasVideo = true;
-    const step::Outcome said = engines::outcomeOfMessages(run);
+    step::Outcome said = engines::outcomeOfMessages(run);
     if (said.verdict == step::Verdict::Failed)
         return said; // tells why, whatever the exit status is
     return ended.verdict == step::Verdict::Failed ? ended : ended.joinedWith(said);

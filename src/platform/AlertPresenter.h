@@ -7,8 +7,7 @@
 #include <functional>
 #include <memory>
 
-namespace platform
-{
+namespace platform {
 
 enum class AlertStyle { Plain, Informational, Warning };
 
@@ -33,7 +32,7 @@ inline constexpr int secondButtonReturn = 1001;
 /// answers. Owned by the program; nobody waits for an answer in a loop.
 class AlertPresenter
 {
-  public:
+public:
     using Answered = std::function<void(int returnCode)>;
 
     virtual ~AlertPresenter() = default;

@@ -19,20 +19,20 @@ struct KXNotification
 /// Main thread only; an observer subscribes with a handle and is gone when the handle is gone.
 class KXNotificationCenter final
 {
-  public:
+public:
     using Observer = std::function<void(const KXNotification &)>;
 
     /// Ends its subscription when it is destroyed. Safe to outlive the centre.
     class Subscription final
     {
-      public:
+    public:
         Subscription() = default;
         Subscription(Subscription &&) noexcept = default;
         Subscription &operator=(Subscription &&other) noexcept;
         ~Subscription();
         void end();
 
-      private:
+    private:
         friend class KXNotificationCenter;
         std::shared_ptr<bool> m_alive;
     };
@@ -42,7 +42,7 @@ class KXNotificationCenter final
     /// ended while this runs is not called any more; one that is added is called from the next time on.
     void post(const QString &name, const QVariant &object = {}, const QVariantMap &userInfo = {});
 
-  private:
+private:
     struct Entry
     {
         std::weak_ptr<bool> alive;

@@ -3,8 +3,7 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
-namespace platform
-{
+namespace platform {
 
 std::optional<qint64> Volumes::freeSize(const QUrl &folder) const
 {

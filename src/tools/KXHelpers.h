@@ -20,7 +20,7 @@ class KXHelpers : public QObject
     Q_PROPERTY(QStringList languageShortList READ languageShortList WRITE setLanguageShortList)
     Q_PROPERTY(QString appName READ appName WRITE setAppName)
 
-  public:
+public:
     explicit KXHelpers(const tools::ToolPlaces *places = nullptr,
                        platform::AlertPresenter *presenter = nullptr);
 
@@ -82,7 +82,7 @@ class KXHelpers : public QObject
     virtual void logObjectWithString(const QVariant &object, const QString &label) const;
     virtual void logIntegerWithString(qint64 number, const QString &label) const;
 
-  protected:
+protected:
     const tools::ToolPlaces *places() const { return m_places; }
     platform::AlertPresenter *presenter() const { return m_presenter; }
     tools::Waiting waiting() const { return m_waiting; }
@@ -90,7 +90,7 @@ class KXHelpers : public QObject
     /// Whether the stop flag is set: what a run answered then is no answer.
     bool isStopped() const { return m_stop && *m_stop; }
 
-  private:
+private:
     QString m_appName = QStringLiteral("Tessaray");
     QStringList m_languageShortList;
     const tools::ToolPlaces *m_places;

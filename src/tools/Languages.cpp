@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <array>
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 struct Row
 {
@@ -105,7 +103,8 @@ QList<QStringList> makeTable()
 {
     QList<QStringList> table;
     for (const Row &row : rows)
-        table.append({QString::fromUtf8(row.name), QString::fromUtf8(row.code2), QString::fromUtf8(row.code3)});
+        table.append(
+            {QString::fromUtf8(row.name), QString::fromUtf8(row.code2), QString::fromUtf8(row.code3)});
     return table;
 }
 

@@ -3,8 +3,7 @@
 #include <QList>
 #include <QStringList>
 
-namespace tools
-{
+namespace tools {
 
 /// The language table, in order; each row is English name, two-letter code, three-letter code. Built
 /// once per program. Names are the first word of the standard's name, as the user sees them.

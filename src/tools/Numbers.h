@@ -2,8 +2,7 @@
 
 #include <QString>
 
-namespace tools
-{
+namespace tools {
 
 /// The whole number at the head of a text ("45%" is 45, " -3x" is -3, "abc" is 0). Values too large
 /// for 64 bits stop at the largest one.

@@ -6,11 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 /// True where "..." with only double quotes and "$" escaped would not give the text back.
 bool needsFullEscape(const QString &text)
@@ -88,7 +86,8 @@ QString OptionItem::safe() const
         return safelyDoubleQuoted(m_file.toLocalFile());
     if (!m_hasData)
         return m_before;
-    const QString word = m_quoting == Quoting::Double ? safelyDoubleQuoted(m_data) : safelySingleQuoted(m_data);
+    const QString word =
+        m_quoting == Quoting::Double ? safelyDoubleQuoted(m_data) : safelySingleQuoted(m_data);
     return m_before + word + m_after;
 }
 

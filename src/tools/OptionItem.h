@@ -5,12 +5,11 @@
 #include <QString>
 #include <QUrl>
 
-namespace tools
-{
+namespace tools {
 
 /// How a list shows a text that came from a file.
 enum class Quoting {
-    None,  ///< as it stands
+    None,   ///< as it stands
     Double, ///< in its double-quoted form
     Single  ///< in its single-quoted form
 };
@@ -19,9 +18,12 @@ enum class Quoting {
 /// data (a name, a title), so that the step that makes a shell line never has to parse quotes.
 class OptionItem
 {
-  public:
-    OptionItem(const QUrl &file);                         // NOLINT(google-explicit-constructor)
-    OptionItem(const QString &text) : m_before(text) {} // NOLINT(google-explicit-constructor)
+public:
+    OptionItem(const QUrl &file); // NOLINT(google-explicit-constructor)
+    OptionItem(const QString &text)
+        : m_before(text)
+    {
+    } // NOLINT(google-explicit-constructor)
 
     /// A string made of raw shell text around one span of data, shown with the given quoting.
     static OptionItem withData(const QString &before, const QString &data, Quoting quoting,
@@ -46,7 +48,7 @@ class OptionItem
 
     bool operator==(const OptionItem &other) const;
 
-  private:
+private:
     QString m_before;
     QString m_data;
     QString m_after;

@@ -2,8 +2,7 @@
 
 #include "tools/OptionItem.h"
 
-namespace tools
-{
+namespace tools {
 
 class ToolPlaces;
 

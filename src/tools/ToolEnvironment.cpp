@@ -9,11 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace tools
-{
+namespace tools {
 
-namespace
-{
+namespace {
 
 bool localeExists(const char *name)
 {
@@ -57,7 +55,9 @@ QList<std::pair<QString, QString>> addedEnvironment(const QUrl &tool, const QStr
     case ToolFamily::Mkv: {
         // Shell lines point at the resource folder, process objects at the tools folder; both are meant.
         const QString library = places.toolsLocation().toLocalFile() + u"/mkvtoolnix/lib"_s;
-        return {{u"LANG"_s, u"en_US.UTF-8"_s}, {u"DYLD_LIBRARY_PATH"_s, library}, {u"LD_LIBRARY_PATH"_s, library}};
+        return {{u"LANG"_s, u"en_US.UTF-8"_s},
+                {u"DYLD_LIBRARY_PATH"_s, library},
+                {u"LD_LIBRARY_PATH"_s, library}};
     }
     case ToolFamily::Ffmpeg: {
         if (!burnsSubtitles(arguments))
@@ -73,7 +73,8 @@ QList<std::pair<QString, QString>> addedEnvironment(const QUrl &tool, const QStr
     return {};
 }
 
-QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &arguments, const ToolPlaces &places)
+QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &arguments,
+                                       const ToolPlaces &places)
 {
     QProcessEnvironment environment = shellEnvironment(tool);
     for (const auto &[name, value] : addedEnvironment(tool, arguments, places))

@@ -4,8 +4,7 @@
 #include <QStringList>
 #include <QUrl>
 
-namespace tools
-{
+namespace tools {
 
 class ToolPlaces;
 
@@ -21,7 +20,8 @@ QList<std::pair<QString, QString>> addedEnvironment(const QUrl &tool, const QStr
                                                     const ToolPlaces &places);
 /// Our environment, that addition, and for the mkv tools a locale that exists on this machine: they
 /// abort when the one in LANG is not installed, and translate their messages when it is another.
-QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &arguments, const ToolPlaces &places);
+QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &arguments,
+                                       const ToolPlaces &places);
 /// Our environment for a shell line; the line exports the rest itself.
 QProcessEnvironment shellEnvironment(const QUrl &tool);
 

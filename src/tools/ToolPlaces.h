@@ -2,14 +2,13 @@
 
 #include <QUrl>
 
-namespace tools
-{
+namespace tools {
 
 /// Where the programs we run and our own resources are. Implemented by the preferences, handed to
 /// everything that runs a tool.
 class ToolPlaces
 {
-  public:
+public:
     virtual ~ToolPlaces() = default;
     /// The folder that holds "ffmpeg", "mkvtoolnix", ... as unpacked from the tool archives.
     virtual QUrl toolsLocation() const = 0;

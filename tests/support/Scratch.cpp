@@ -6,8 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace support
-{
+namespace support {
 
 Scratch::Scratch()
 {
@@ -38,7 +37,8 @@ QByteArray Scratch::read(const QString &name) const
 
 QStringList Scratch::names() const
 {
-    return QDir(path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System, QDir::Name);
+    return QDir(path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+                                  QDir::Name);
 }
 
 } // namespace support

@@ -3,13 +3,12 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
-namespace support
-{
+namespace support {
 
 /// A folder of one test, gone with it. Paths in it never hold a blank unless the test asks for one.
 class Scratch final
 {
-  public:
+public:
     Scratch();
     QString path(const QString &name = {}) const;
     QUrl url(const QString &name) const { return QUrl::fromLocalFile(path(name)); }
@@ -18,7 +17,7 @@ class Scratch final
     QByteArray read(const QString &name) const;
     QStringList names() const;
 
-  private:
+private:
     QTemporaryDir m_folder;
 };
 

@@ -1,9 +1,9 @@
 // Real conversions of a film of 2560 pixels for every target, by pass-through, in one pass and in two.
 #include "engines/FfmpegDevices.h"
+#include "selection/Targets.h"
 #include "support/ClipKitchen.h"
 #include "support/RealRuns.h"
 #include "support/Twin.h"
-#include "selection/Targets.h"
 
 #include <QTest>
 

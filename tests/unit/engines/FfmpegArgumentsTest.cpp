@@ -1,7 +1,7 @@
 #include "engines/FfmpegArguments.h"
 #include "engines/FfmpegDevices.h"
-#include "support/HandMade.h"
 #include "selection/Targets.h"
+#include "support/HandMade.h"
 
 #include <QTest>
 

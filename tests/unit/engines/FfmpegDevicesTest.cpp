@@ -1,6 +1,6 @@
 #include "engines/FfmpegDevices.h"
-#include "support/HandMade.h"
 #include "selection/Targets.h"
+#include "support/HandMade.h"
 
 #include <QTest>
 
@@ -56,7 +56,8 @@ private Q_SLOTS:
                                   u"PS3"_s,
                                   u"Xbox"_s};
         QCOMPARE(selection::deviceNames(), devices);
-        QCOMPARE(selection::targetNames(), QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
+        QCOMPARE(selection::targetNames(),
+                 QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
     }
 
     void levels_data()
