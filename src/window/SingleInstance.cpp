@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -68,6 +69,13 @@ bool at(const QByteArray &path, const Socket &socket, int (*act)(int, const sock
            act(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0; // NOLINT
 }
 
+/// 0 when nothing is there.
+quint64 inodeOf(const QByteArray &path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 ? quint64(status.st_ino) : 0;
+}
+
 bool sendAll(int descriptor, const QByteArray &bytes)
 {
     for (qsizetype done = 0; done < bytes.size();) {
@@ -106,7 +114,8 @@ SingleInstance::~SingleInstance()
     if (m_socket < 0)
         return;
     m_notifier.reset();
-    ::unlink(m_path.constData());
+    if (inodeOf(m_path) == m_inode)
+        ::unlink(m_path.constData());
     ::close(m_socket);
 }
 
@@ -133,6 +142,7 @@ bool SingleInstance::listen()
     if (::listen(socket.get(), callersAtOnce) != 0)
         return false;
     m_socket = socket.release();
+    m_inode = inodeOf(m_path);
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { take(); });
     return true;

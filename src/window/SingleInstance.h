@@ -43,6 +43,7 @@ private:
 
     QByteArray m_path;
     int m_socket = -1;
+    quint64 m_inode = 0; ///< of the path: another one may have taken it over since
     std::unique_ptr<QSocketNotifier> m_notifier;
     QHash<int, std::shared_ptr<Caller>> m_callers;
 };

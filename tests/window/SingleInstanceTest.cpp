@@ -98,6 +98,19 @@ private Q_SLOTS:
         QVERIFY(!second.handOver({u"/films/a.mkv"_s})); // our event loop stands still meanwhile
     }
 
+    /// It did not answer in time, so another one took its place; its end is not the other's.
+    void oneThatLostItsPlaceLeavesTheOtherAlone()
+    {
+        auto slow = std::make_unique<SingleInstance>(u"key"_s);
+        QVERIFY(slow->listen());
+        SingleInstance other(u"key"_s);
+        QVERIFY(other.listen());
+        QSignalSpy taken(&other, &SingleInstance::filesHandedOver);
+        slow.reset();
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+        QTRY_COMPARE(taken.size(), 1);
+    }
+
     void aCallerThatGoesBeforeItHasSaidAllIsForgotten()
     {
         SingleInstance first(u"key"_s);
