@@ -155,7 +155,8 @@ void KXPreferences::modifyToolTips()
 
 void KXPreferences::initializeApplicationSupportFolder()
 {
-    setToolsLocationURL(resourcesLocation());
+    if (toolsLocationURL() != resourcesLocation()) // a window unpacks beside its main thread, which reads it
+        setToolsLocationURL(resourcesLocation());
     m_toolsProblem = prefs::ToolsUnpacker(*this, *this).unpack();
     Q_EMIT toolsUnpacked();
 }

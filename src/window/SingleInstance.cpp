@@ -7,12 +7,15 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -29,7 +32,7 @@ constexpr int quietly = MSG_NOSIGNAL;
 constexpr int quietly = 0;
 #endif
 
-/// Closes its socket.
+/// Never waits for long, and closes its socket.
 class Socket final
 {
 public:
@@ -37,6 +40,12 @@ public:
         : m_descriptor(::socket(AF_UNIX, SOCK_STREAM, 0))
     {
         ::fcntl(m_descriptor, F_SETFD, FD_CLOEXEC); // a tool must not keep it open
+        const timeval limit{patience / 1000, 0};
+        ::setsockopt(m_descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
+#ifdef SO_NOSIGPIPE
+        const int yes = 1;
+        ::setsockopt(m_descriptor, SOL_SOCKET, SO_NOSIGPIPE, &yes, sizeof(yes));
+#endif
     }
     ~Socket()
     {
@@ -44,8 +53,14 @@ public:
             ::close(m_descriptor);
     }
     Q_DISABLE_COPY_MOVE(Socket)
-    int get() const { return m_descriptor; }
-    int release() { return std::exchange(m_descriptor, -1); }
+    int get() const
+    {
+        return m_descriptor;
+    }
+    int release()
+    {
+        return std::exchange(m_descriptor, -1);
+    }
 
 private:
     int m_descriptor;
@@ -163,7 +178,7 @@ void SingleInstance::take()
 
 void SingleInstance::read(int caller)
 {
-    char chunk[4096];
+    char chunk[65536]; // few pieces: each is looked at together with all before it
     const auto count = ::recv(caller, chunk, sizeof(chunk), MSG_DONTWAIT);
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;

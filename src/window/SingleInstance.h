@@ -21,7 +21,8 @@ public:
     explicit SingleInstance(const QString &key);
     ~SingleInstance() override;
 
-    /// True when another one runs and has taken the files. Waits two seconds for it at most.
+    /// True when another one runs and has taken the files. Waits for it two seconds at each step: it
+    /// may hang.
     bool handOver(const QStringList &paths) const;
     /// From now on this is the one that takes files; false when it can't be.
     bool listen();

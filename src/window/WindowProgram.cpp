@@ -37,6 +37,8 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
 WindowProgram::~WindowProgram()
 {
     m_delegate.intake().stopProbing();
+    if (m_unpacking)
+        m_unpacking->wait();
 }
 
 void WindowProgram::start(const QStringList &paths)
@@ -51,9 +53,19 @@ void WindowProgram::start(const QStringList &paths)
         m_delegate.filesRequested(paths);
 }
 
+/// Beside the main thread: the first unpacking takes its time, and another program may be at it.
 void WindowProgram::getReady()
 {
-    m_program.preferences().initializeApplicationSupportFolder();
+    m_unpacking.reset(
+        QThread::create([this] { m_program.preferences().initializeApplicationSupportFolder(); }));
+    connect(m_unpacking.get(), &QThread::finished, this, &WindowProgram::beReady);
+    m_unpacking->start();
+}
+
+void WindowProgram::beReady()
+{
+    m_unpacking->wait();
+    m_unpacking.reset();
     m_isReady = true;
     sayProblem(m_program.preferences().toolsProblem());
     m_delegate.intake().setHeld(false);

@@ -11,6 +11,7 @@
 #include "window/WatchWindow.h"
 
 #include <QObject>
+#include <QThread>
 #include <QTimer>
 
 #include <memory>
@@ -45,6 +46,7 @@ protected:
 
 private:
     void getReady();
+    void beReady();
     void swapWindows(bool watching);
     void sayProblem(const QString &problem);
     void leave();
@@ -59,6 +61,7 @@ private:
     std::unique_ptr<WatchWindow> m_watchWindow;
     app::Interrupts m_interrupts;
     QTimer m_untilReady;
+    std::unique_ptr<QThread> m_unpacking;
     bool m_isReady = false;
 };
 

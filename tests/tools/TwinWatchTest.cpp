@@ -114,12 +114,7 @@ private Q_SLOTS:
 
     void anInterruptLeavesNoHalfOutput()
     {
-        usePresets(u"video=1 rate=300"_s);
-        slowDown();
-        watch({u"--json"_s});
-        QVERIFY(tells(u"note"_s, u"Watching"_s));
-        moveIn(support::longMkv(120), u"long.mkv"_s);
-        QVERIFY(waitFor([this] { return isBusyWith(u"long.m4v"_s); }, patienceMs));
+        QVERIFY(isMakingALongFilm());
         QVERIFY(QFile::exists(m_twin->media(u"in/long.m4v"_s)));
         QCOMPARE(end(SIGINT).status, 130);
         QVERIFY(m_twin->processes().isEmpty());
@@ -129,12 +124,7 @@ private Q_SLOTS:
 
     void afterAKillTheHalfMadeOutputIsNamedAndNothingIsLost()
     {
-        usePresets(u"video=1 rate=300"_s);
-        slowDown();
-        watch({u"--json"_s});
-        QVERIFY(tells(u"note"_s, u"Watching"_s));
-        moveIn(support::longMkv(120), u"long.mkv"_s);
-        QVERIFY(waitFor([this] { return isBusyWith(u"long.m4v"_s); }, patienceMs));
+        QVERIFY(isMakingALongFilm());
         QCOMPARE(journals().size(), 1);
         const QList<qint64> all = m_twin->processes();
         ::kill(static_cast<pid_t>(m_process->processId()), SIGKILL);
@@ -295,6 +285,18 @@ private:
     bool tells(const QString &kind, const QString &part)
     {
         return waitFor([&] { return count(kind, part) > 0; }, patienceMs);
+    }
+
+    /// Watches, and waits until a film that takes long is half made.
+    bool isMakingALongFilm()
+    {
+        usePresets(u"video=1 rate=300"_s);
+        slowDown();
+        watch({u"--json"_s});
+        if (!tells(u"note"_s, u"Watching"_s))
+            return false;
+        moveIn(support::longMkv(120), u"long.mkv"_s);
+        return waitFor([this] { return isBusyWith(u"long.m4v"_s); }, patienceMs);
     }
 
     bool isBusyWith(const QString &name) const

@@ -5,6 +5,7 @@
 #include "support/PresetRecords.h"
 #include "window/QueueHand.h"
 
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTimer>
@@ -190,6 +191,26 @@ private Q_SLOTS:
         QCOMPARE(m_desk->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
         m_desk->click("QueuePauseButton");
         QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
+    }
+
+    /// Only a start unpacks, and the first one takes seconds.
+    void theWindowAnswersWhileTheToolsAreUnpacked()
+    {
+        QVERIFY(QDir().mkpath(m_desk->path(u"slow"_s)));
+        QFile unzip(m_desk->path(u"slow/unzip"_s));
+        QVERIFY(unzip.open(QIODevice::WriteOnly) && unzip.write("#!/bin/sh\nsleep 0.5\n") > 0);
+        unzip.close();
+        QVERIFY(unzip.setPermissions(unzip.permissions() | QFile::ExeOwner));
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(m_desk->path(u"slow"_s)) + ':' + path);
+        const auto restore = qScopeGuard([&] { qputenv("PATH", path); });
+        int beats = 0;
+        QTimer heart;
+        connect(&heart, &QTimer::timeout, this, [&] { ++beats; });
+        heart.start(10);
+        m_desk->start(); // returns when the tools are there
+        QVERIFY2(beats >= 20, qPrintable(QString::number(beats)));
+        QVERIFY(m_desk->program().isReady());
     }
 
     void aSecondStartHandsItsFilesOver()

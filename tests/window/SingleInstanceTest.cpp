@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QThread>
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -96,6 +97,13 @@ private Q_SLOTS:
         QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
         const SingleInstance second(u"key"_s);
         QVERIFY(!second.handOver({u"/films/a.mkv"_s})); // our event loop stands still meanwhile
+        // More than the socket takes before somebody reads.
+        QVERIFY(!second.handOver(QStringList(20000, u"/films/a folder with a long name/a.mkv"_s)));
+        const QList<int> callers = manyCallers(); // more than may wait to be let in
+        QVERIFY(!second.handOver({u"/films/a.mkv"_s}));
+        for (const int caller : callers)
+            ::close(caller);
+        QCOMPARE(taken.size(), 0);
     }
 
     /// It did not answer in time, so another one took its place; its end is not the other's.
@@ -137,6 +145,20 @@ private:
         address.sun_family = AF_UNIX;
         std::copy(path.cbegin(), path.cend(), address.sun_path);
         return address;
+    }
+
+    QList<int> manyCallers() const
+    {
+        const QString name = QDir(folder()).entryList(QDir::System | QDir::Files).value(0);
+        const sockaddr_un address = addressOf(QFile::encodeName(folder() + u'/' + name));
+        QList<int> callers;
+        for (int i = 0; i < 20; ++i) {
+            callers.append(::socket(AF_UNIX, SOCK_STREAM, 0));
+            ::fcntl(callers.constLast(), F_SETFL, O_NONBLOCK);
+            (void)::connect(callers.constLast(), reinterpret_cast<const sockaddr *>(&address),
+                            sizeof(address));
+        }
+        return callers;
     }
 
     static void leaveSocketAt(const QByteArray &path)
