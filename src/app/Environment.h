@@ -4,6 +4,11 @@
 
 namespace app {
 
+/// What either program does before anything else, and before the application object is made: the three
+/// standard streams are open, folders of the environment are whole paths, texts are UTF-8, and what the
+/// libraries say is printed without anything that a terminal obeys.
+void prepareProcess();
+
 /// Makes sure that texts are UTF-8, whatever the environment says: Qt needs such a locale. Called
 /// before the application object is made.
 void ensureUtf8Locale();

@@ -1,5 +1,6 @@
 #include "app/Interrupts.h"
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,13 +9,22 @@ namespace app {
 
 namespace {
 
-// A signal handler can reach nothing but this.
+// A signal handler can reach nothing but these.
 int pipeEnds[2] = {-1, -1};
+std::atomic_bool stopWanted = false;
+std::atomic_int firstSignal = 0;
+static_assert(std::atomic_bool::is_always_lock_free && std::atomic_int::is_always_lock_free);
 
+/// Whoever waits on the main thread looks at the flag; everybody else is told by the event loop.
 void handle(int number)
 {
+    const int error = errno;
+    int none = 0;
+    firstSignal.compare_exchange_strong(none, number);
+    stopWanted = true;
     const char byte = static_cast<char>(number);
     [[maybe_unused]] const auto written = ::write(pipeEnds[1], &byte, 1);
+    errno = error;
 }
 
 void catchOnce(int number)
@@ -37,7 +47,10 @@ void catchUnlessIgnored(int number)
 } // namespace
 
 Interrupts::Interrupts()
+    : m_flag(tools::StopFlag(), &stopWanted) // lives as long as the process, as the handler may
 {
+    stopWanted = false;
+    firstSignal = 0;
     if (::pipe(pipeEnds) != 0)
         return;
     for (const int end : pipeEnds)
@@ -59,13 +72,16 @@ Interrupts::~Interrupts()
     }
 }
 
+int Interrupts::signalNumber() const
+{
+    return firstSignal;
+}
+
 void Interrupts::wake()
 {
     char byte = 0;
     if (::read(pipeEnds[0], &byte, 1) != 1)
         return;
-    m_signal = byte;
-    *m_flag = true;
     // Whichever comes second, of either kind, ends at once.
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGTERM, SIG_DFL);

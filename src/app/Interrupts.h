@@ -20,8 +20,8 @@ public:
     ~Interrupts() override;
 
     /// 0 until a signal came, then its number.
-    int signalNumber() const { return m_signal; }
-    /// Set when a signal came: ends the waits of whoever holds it.
+    int signalNumber() const;
+    /// Set at the moment a signal comes: ends the waits of whoever holds it, also those on the main thread.
     const tools::StopFlag &flag() const { return m_flag; }
 
 Q_SIGNALS:
@@ -31,8 +31,7 @@ private:
     void wake();
 
     std::unique_ptr<QSocketNotifier> m_notifier;
-    tools::StopFlag m_flag = std::make_shared<std::atomic_bool>(false);
-    int m_signal = 0;
+    tools::StopFlag m_flag;
 };
 
 } // namespace app

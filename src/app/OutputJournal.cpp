@@ -1,5 +1,7 @@
 #include "app/OutputJournal.h"
 
+#include "platform/OrdinaryFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -22,11 +24,8 @@ bool isAlive(qint64 pid)
 /// Names may hold line feeds, so each stands between zero bytes.
 QStringList readJournal(const QString &path)
 {
-    QFile file(path);
     QStringList outputs;
-    if (!file.open(QIODevice::ReadOnly))
-        return outputs;
-    for (const QByteArray &name : file.readAll().split('\0')) {
+    for (const QByteArray &name : platform::readWhole(path).bytes.split('\0')) {
         if (!name.isEmpty())
             outputs.append(QString::fromUtf8(name));
     }

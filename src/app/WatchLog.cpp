@@ -21,12 +21,9 @@ QString WatchLog::wordOf(Kind kind)
     return {};
 }
 
-/// Names may hold line feeds: a line stays one line.
 void WatchLog::add(Kind kind, const QString &text)
 {
-    QString oneLine = text;
-    oneLine.replace(u'\n', u' ').replace(u'\r', u' ');
-    m_lines.append({QDateTime::currentDateTime(), kind, oneLine});
+    m_lines.append({QDateTime::currentDateTime(), kind, text});
     if (m_lines.size() > mostLines) {
         const int surplus = mostLines / 10;
         m_lines.remove(0, surplus);

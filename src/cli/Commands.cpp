@@ -67,10 +67,24 @@ const Command *commandNamed(const QString &name)
     return nullptr;
 }
 
-ExitStatus run(const QStringList &words)
+namespace {
+
+ExitStatus explained(Session &session)
 {
-    const CommandLine line(words);
-    Session session(line);
+    session.console().explain(generalHelp().chopped(1));
+    return ExitStatus::WrongUsage;
+}
+
+/// A null text, or why the settings that were named can be none.
+QString problemWithDefaults(const CommandLine &line)
+{
+    return line.has(u"defaults"_s)
+               ? platform::JsonDefaultsStore::problemWith(absolutePath(line.value(u"defaults"_s)))
+               : QString();
+}
+
+ExitStatus execute(Session &session, const CommandLine &line)
+{
     if (!line.error().isNull())
         return session.wrongUsage(line.error());
     if (line.has(u"version"_s)) {
@@ -84,14 +98,25 @@ ExitStatus run(const QStringList &words)
         return ExitStatus::AllWell;
     }
     if (line.command().isNull())
-        return session.wrongUsage(generalHelp().chopped(1));
+        return explained(session);
     if (command == nullptr)
         return session.wrongUsage(
             u"There is no command \"%1\". See tessaray-cli --help."_s.arg(line.command()));
-    const QString problem = problemWithOptions(line, *command);
-    if (!problem.isNull())
-        return session.wrongUsage(problem);
+    for (const QString &problem : {problemWithOptions(line, *command), problemWithDefaults(line)}) {
+        if (!problem.isNull())
+            return session.wrongUsage(problem);
+    }
     return session.unlessInterrupted(command->execute(session));
+}
+
+} // namespace
+
+ExitStatus run(const QStringList &words)
+{
+    const CommandLine line(words);
+    Session session(line);
+    const ExitStatus status = execute(session, line);
+    return session.console().lostOutput() ? worse(status, ExitStatus::Failed) : status;
 }
 
 } // namespace cli

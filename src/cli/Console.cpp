@@ -1,12 +1,17 @@
 #include "cli/Console.h"
 
+#include "cli/PastableText.h"
+#include "platform/VisibleText.h"
+
 #include <QJsonDocument>
 
-#include <cstdio>
+#include <cerrno>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using platform::visible;
 
 namespace cli {
 
@@ -15,10 +20,27 @@ namespace {
 constexpr int sparseMs = 2000;
 constexpr int defaultColumns = 80;
 
-void write(std::FILE *stream, const QByteArray &bytes)
+/// 0 when all of it went out, else the error that ended it.
+int writeAll(int descriptor, const QByteArray &bytes)
 {
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    for (qsizetype done = 0; done < bytes.size();) {
+        const auto count =
+            ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
+        if (count > 0) {
+            done += count;
+        } else if (count < 0 && errno == EAGAIN) { // whoever shares the terminal has made it so
+            pollfd room{descriptor, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        } else if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+void complain(const QByteArray &bytes)
+{
+    writeAll(STDERR_FILENO, bytes); // where it can't be written, nobody can be told
 }
 
 int terminalColumns()
@@ -34,45 +56,60 @@ bool errorIsTerminal()
 
 } // namespace
 
-QString printable(QString text)
+/// After a failure nothing more is written, so that what is there is whole up to its end.
+void Console::write(const QByteArray &results)
 {
-    for (QChar &c : text) {
-        if (c.category() == QChar::Other_Control && c != u'\n' && c != u'\t')
-            c = u'?';
-    }
-    return text;
-}
-
-QString inOneLine(const QString &text)
-{
-    QString line = printable(text);
-    for (const QChar lineBreak : u"\n\u2028\u2029"_s)
-        line.replace(lineBreak, u'?');
-    return line;
+    if (m_lostOutput)
+        return;
+    const int error = writeAll(STDOUT_FILENO, results);
+    if (error == 0 || error == EPIPE)
+        return;
+    m_lostOutput = true;
+    say(u"Standard output can't be written: %1."_s.arg(qt_error_string(error)));
 }
 
 void Console::print(const QString &text)
 {
-    write(stdout, text.toUtf8());
+    write(platform::visibleInLines(text).toUtf8());
 }
 
 void Console::result(const QString &line)
 {
     endProgress();
     if (!m_json)
-        write(stdout, line.toUtf8() + '\n');
+        write(visible(line).toUtf8() + '\n');
+}
+
+void Console::command(const QString &line)
+{
+    endProgress();
+    if (!m_json)
+        write(pastableLine(line).toUtf8() + '\n');
+}
+
+void Console::document(const QJsonObject &object)
+{
+    endProgress();
+    if (!m_json)
+        write(platform::visibleJson(QJsonDocument(object).toJson(QJsonDocument::Indented)));
 }
 
 void Console::object(const QJsonObject &object)
 {
     if (m_json)
-        write(stdout, QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        write(platform::visibleJson(QJsonDocument(object).toJson(QJsonDocument::Compact)) + '\n');
 }
 
 void Console::say(const QString &sentence)
 {
     endProgress();
-    write(stderr, printable(sentence).toUtf8() + '\n');
+    complain(visible(sentence).toUtf8() + '\n');
+}
+
+void Console::explain(const QString &text)
+{
+    endProgress();
+    complain(platform::visibleInLines(text).toUtf8() + '\n');
 }
 
 void Console::progress(const QString &text)
@@ -87,23 +124,22 @@ void Console::progress(const QString &text)
         return;
     m_lastProgress = text;
     m_sinceLine.start();
-    write(stderr, printable(text).toUtf8() + '\n');
+    complain(visible(text).toUtf8() + '\n');
 }
 
 void Console::showLive(const QString &text)
 {
     m_lastProgress = text;
-    const QString line = inOneLine(text).left(terminalColumns() - 1);
-    write(stderr, u"\r\x1b[K"_s.toUtf8() + line.toUtf8());
+    complain("\r\x1b[K" + visible(text).left(terminalColumns() - 1).toUtf8());
     m_liveLineShown = true;
 }
 
 void Console::endProgress()
 {
     if (m_liveLineShown)
-        write(stderr, "\n");
+        complain("\n");
     else if (!m_heldBack.isNull())
-        write(stderr, printable(m_heldBack).toUtf8() + '\n');
+        complain(visible(m_heldBack).toUtf8() + '\n');
     m_liveLineShown = false;
     m_heldBack.clear();
     m_lastProgress.clear();

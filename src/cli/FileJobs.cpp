@@ -1,6 +1,7 @@
 #include "cli/FileJobs.h"
 
 #include "jobs/KXQueueController.h"
+#include "platform/OrdinaryFile.h"
 
 #include <QFileInfo>
 
@@ -31,7 +32,7 @@ QString problemWithFile(const QString &path)
     const QFileInfo info(path);
     if (!info.exists())
         return u"There is no such file."_s;
-    if (!info.isFile())
+    if (!platform::isOrdinaryFile(path))
         return u"It is no ordinary file."_s;
     return info.isReadable() ? QString() : u"It can't be read."_s;
 }

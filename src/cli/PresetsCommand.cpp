@@ -1,6 +1,7 @@
 #include "cli/PresetsCommand.h"
 
 #include "cli/Session.h"
+#include "platform/OrdinaryFile.h"
 #include "presets/PresetExchange.h"
 
 #include <QFile>
@@ -33,7 +34,7 @@ void listKind(Console &console, const QString &kind, const List &presets)
     for (const auto &preset : presets) {
         console.object(
             {{u"kind"_s, kind}, {u"name"_s, preset->pName()}, {u"isEditable"_s, preset->isEditable()}});
-        console.result(inOneLine(kind + u": "_s + preset->pName()));
+        console.result(kind + u": "_s + preset->pName());
     }
 }
 
@@ -48,9 +49,9 @@ int showNamed(Console &console, const QString &kind, const List &presets, const 
         ++count;
         const QVariantMap record = preset->makeRecord();
         console.object({{u"kind"_s, kind}, {u"record"_s, QJsonObject::fromVariantMap(record)}});
-        console.result(inOneLine(kind + u": "_s + name));
+        console.result(kind + u": "_s + name);
         for (const QString &word : preset->recordWords())
-            console.result(inOneLine(u"  "_s + word + u" = "_s + shown(record.value(word))));
+            console.result(u"  "_s + word + u" = "_s + shown(record.value(word)));
     }
     return count;
 }
@@ -101,7 +102,7 @@ ExitStatus PresetsCommand::show(Session &session, const QString &name) const
     const int count = showNamed(session.console(), trackKind, presets.presetSelectionsList(), name) +
                       showNamed(session.console(), settingsKind, presets.presetSettingsList(), name);
     return count > 0 ? ExitStatus::AllWell
-                     : session.wrongUsage(inOneLine(u"There is no preset \"%1\"."_s.arg(name)));
+                     : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
 }
 
 ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
@@ -109,8 +110,7 @@ ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
     const QJsonObject presets = presets::exported(session.program().presets());
     if (path.isEmpty()) {
         session.console().object(presets);
-        session.console().result(
-            QString::fromUtf8(QJsonDocument(presets).toJson(QJsonDocument::Indented)).chopped(1));
+        session.console().document(presets);
         return ExitStatus::AllWell;
     }
     const QString problem = writeNew(path, QJsonDocument(presets).toJson(QJsonDocument::Indented));
@@ -123,14 +123,12 @@ ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
 
 ExitStatus PresetsCommand::importFrom(Session &session, const QString &path) const
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return session.failed(u"%1 can't be read."_s.arg(path));
-    if (file.size() > mostBytes)
-        return session.failed(u"%1 is too large for a preset file."_s.arg(path));
-    const presets::Import import = presets::importInto(session.program().presets(), file.readAll());
+    const platform::WholeFile file = platform::readWhole(path, mostBytes);
+    if (!file.problem.isNull())
+        return session.failed(u"%1 can't be read: %2."_s.arg(path, file.problem));
+    const presets::Import import = presets::importInto(session.program().presets(), file.bytes);
     if (!import.problem.isNull())
-        return session.failed(inOneLine(u"%1 was not imported. %2"_s.arg(path, import.problem)));
+        return session.failed(u"%1 was not imported. %2"_s.arg(path, import.problem));
     session.console().object(
         {{u"imported"_s, path}, {trackKind, import.selections}, {settingsKind, import.settings}});
     session.console().result(u"%1 track presets and %2 settings presets were imported."_s.arg(

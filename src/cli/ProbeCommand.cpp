@@ -19,7 +19,7 @@ QString trackLine(const KXVideoTrack &track)
                                                  track.trackLanguage(), track.trackTitle());
     if (track.trackBitRate() != u"0"_s)
         line += u"  %1 kb/s"_s.arg(track.trackBitRate());
-    return printable(line);
+    return line;
 }
 
 void show(Console &console, const QString &path, const KXVideoFile &file)

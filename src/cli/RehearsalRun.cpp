@@ -1,6 +1,7 @@
 #include "cli/RehearsalRun.h"
 
 #include "cli/FileJobs.h"
+#include "cli/PastableText.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
 #include "tools/step/Rehearsal.h"
@@ -34,18 +35,12 @@ QJsonObject environmentOf(const step::Launch &launch)
     return environment;
 }
 
-/// The command as it can be pasted into a shell.
-QString pastableCommand(const step::Rehearsal::Entry &entry)
+QString commandOf(const step::Rehearsal::Entry &entry)
 {
     if (entry.isShellLine)
         return entry.line.launched;
-    QStringList words;
-    for (const auto &[name, value] : entry.launch.environment)
-        words.append(name + u'=' + tools::pastable(value));
-    words.append(tools::pastable(entry.launch.tool.toLocalFile()));
-    for (const QString &argument : tools::argumentsOf(entry.launch.launched))
-        words.append(tools::pastable(argument));
-    return words.join(u' ');
+    return pastableCommand(entry.launch.environment, QStringList{entry.launch.tool.toLocalFile()} +
+                                                         tools::argumentsOf(entry.launch.launched));
 }
 
 QJsonObject objectOf(const step::Rehearsal::Entry &entry, const KXJob &job, int number)
@@ -110,7 +105,7 @@ bool RehearsalRun::print(const QList<SelectionPointer> &selections)
         }
         for (const auto &entry : stage.launcher.entries()) {
             m_session.console().object(objectOf(entry, *job, number));
-            m_session.console().result(pastableCommand(entry));
+            m_session.console().command(commandOf(entry));
         }
     }
     return allStart;

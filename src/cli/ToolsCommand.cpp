@@ -42,10 +42,9 @@ ExitStatus ToolsCommand::execute(Session &session) const
         session.console().object(objectOf(report));
         session.console().result(lineOf(report));
     }
-    const QString problem = preferences.toolsProblem();
-    if (!problem.isEmpty())
-        return session.failed(problem);
-    return ExitStatus::AllWell;
+    for (const QString &problem : preferences.toolsProblem().split(u'\n', Qt::SkipEmptyParts))
+        session.console().say(problem);
+    return preferences.toolsProblem().isEmpty() ? ExitStatus::AllWell : ExitStatus::Failed;
 }
 
 } // namespace cli

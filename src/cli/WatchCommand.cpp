@@ -43,7 +43,7 @@ void tell(Console &console, const app::WatchLog::Line &line)
                         {u"kind"_s, app::WatchLog::wordOf(line.kind)},
                         {u"text"_s, line.text}});
     else
-        console.result(inOneLine(app::WatchLog::formatted(line)));
+        console.result(app::WatchLog::formatted(line));
 }
 
 void followProgress(Session &session, QObject *context)

@@ -24,7 +24,7 @@ bool areUtf8(int count, char **words)
 
 int main(int argc, char *argv[])
 {
-    app::ensureUtf8Locale();
+    app::prepareProcess();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tessaray"));
     if (!areUtf8(argc, argv)) {

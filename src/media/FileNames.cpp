@@ -1,6 +1,7 @@
 #include "media/FileNames.h"
 
 #include "platform/FileIdentity.h"
+#include "platform/OrdinaryFile.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
@@ -34,7 +35,7 @@ FileNames fileNamesOf(const QUrl &file)
 
 bool isRegularFile(const QUrl &file)
 {
-    return file.isLocalFile() && QFileInfo(file.toLocalFile()).isFile();
+    return file.isLocalFile() && platform::isOrdinaryFile(file.toLocalFile());
 }
 
 void writeErrorFile(const QUrl &mediaFile, const QString &text)

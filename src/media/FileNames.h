@@ -16,8 +16,8 @@ struct FileNames
 
 FileNames fileNamesOf(const QUrl &file);
 
-/// Whether a plain file stands there (or a link to one). Folders, pipes and devices are never probed: a
-/// tool would read from them for ever.
+/// Whether a plain file stands there (or a link to one). Folders, pipes, devices and what the system shows of
+/// itself are never probed: a tool would read from them for ever.
 bool isRegularFile(const QUrl &file);
 
 /// Writes what a probe printed beside the file that it could not use, as "NAME.error.txt"; an old one is

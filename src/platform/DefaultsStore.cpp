@@ -1,11 +1,13 @@
 #include "platform/DefaultsStore.h"
 
+#include "platform/FileLock.h"
+#include "platform/OrdinaryFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLockFile>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -14,6 +16,13 @@ using namespace Qt::StringLiterals;
 namespace platform {
 
 namespace {
+
+constexpr int lockPatienceMs = 5000;
+
+QString cannotBeRead(const QString &path, const QString &why)
+{
+    return u"The settings in %1 can't be read: %2."_s.arg(path, why);
+}
 
 /// A name beside the damaged file that is still free.
 QString nameForDamaged(const QString &path)
@@ -47,18 +56,23 @@ QString JsonDefaultsStore::standardPath()
     return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + u"/defaults.json"_s;
 }
 
+QString JsonDefaultsStore::problemWith(const QString &path)
+{
+    const QString why = problemOfWholeFile(path);
+    return why.isNull() ? QString() : cannotBeRead(path, why);
+}
+
 QString JsonDefaultsStore::load()
 {
     m_values.clear();
     m_damaged = false;
-    QFile file(m_path);
-    if (!file.exists())
+    if (!QFileInfo::exists(m_path))
         return {};
-    if (!file.open(QIODevice::ReadOnly)) {
-        return u"The settings in %1 can't be read: %2."_s.arg(m_path, file.errorString());
-    }
+    const WholeFile file = readWhole(m_path);
+    if (!file.problem.isNull())
+        return cannotBeRead(m_path, file.problem);
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(file.bytes, &error);
     if (!document.isObject()) {
         m_damaged = true;
         return u"The settings in %1 are damaged (%2); the defaults are used and the file is kept."_s.arg(
@@ -70,10 +84,13 @@ QString JsonDefaultsStore::load()
 
 QString JsonDefaultsStore::update(const Change &change)
 {
+    const QString refusal = problemWith(m_path);
+    if (!refusal.isNull())
+        return refusal; // no lock is made beside a device
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return u"The folder for %1 can't be made."_s.arg(m_path);
-    QLockFile lock(m_path + u".lock"_s);
-    if (!lock.tryLock(5000))
+    FileLock lock(m_path + u".lock"_s);
+    if (!lock.tryLock(lockPatienceMs))
         return u"The settings in %1 are locked by another program."_s.arg(m_path);
     const QString problem = readForWriting(); // what another program stored since we read stays
     if (!problem.isNull())
@@ -97,11 +114,12 @@ QString JsonDefaultsStore::write(const QVariantMap &values)
 {
     if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
         return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);
+    const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(values)).toJson();
+    if (bytes.size() > mostBytesReadWhole) // nobody could read them again
+        return u"The settings can't be saved to %1: they would be too large."_s.arg(m_path);
     QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) ||
-        file.write(QJsonDocument(QJsonObject::fromVariantMap(values)).toJson()) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) < 0 || !file.commit())
         return u"The settings can't be saved to %1: %2."_s.arg(m_path, file.errorString());
-    }
     m_values = values;
     m_damaged = false;
     return {};

@@ -38,7 +38,8 @@ private:
 };
 
 /// The store as one JSON file, written atomically under a lock beside it. A file that can't be read
-/// as JSON is never overwritten: it is kept under another name before the first write.
+/// as JSON is never overwritten: it is kept under another name before the first write. What is no ordinary
+/// file, or far too large, is neither read nor written.
 class JsonDefaultsStore final : public DefaultsStore
 {
 public:
@@ -46,6 +47,9 @@ public:
 
     /// Where the defaults of this user live (respects the test mode of the standard paths).
     static QString standardPath();
+    /// Why what stands at that path can be no settings file (a device, a pipe, far too large); a null text
+    /// when it can, or nothing is there.
+    static QString problemWith(const QString &path);
 
     QString update(const Change &change) override;
     QString load() override;

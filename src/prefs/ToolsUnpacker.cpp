@@ -1,10 +1,10 @@
 #include "prefs/ToolsUnpacker.h"
 
+#include "platform/FileLock.h"
 #include "prefs/ToolArchives.h"
 #include "tools/KXHelpers.h"
 
 #include <QFileInfo>
-#include <QLockFile>
 
 #include <algorithm>
 
@@ -36,7 +36,7 @@ QString ToolsUnpacker::unpack() const
     if (archives.isEmpty())
         return {};
     const QString folder = m_places.toolsLocation().toLocalFile();
-    QLockFile lock(folder + u"/.unpacking.lock"_s);
+    platform::FileLock lock(folder + u"/.unpacking.lock"_s);
     if (lock.tryLock(lockPatienceMs))
         return unpackLocked(archives);
     const bool complete = std::all_of(archives.cbegin(), archives.cend(), [this](const ToolArchive &archive) {

@@ -1,9 +1,7 @@
 #include "window/SingleInstance.h"
 
 #include <QCryptographicHash>
-#include <QDataStream>
 #include <QFile>
-#include <QIODevice>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -26,6 +24,7 @@ namespace {
 constexpr int patience = 2000; // milliseconds
 constexpr char taken = '1';
 constexpr int callersAtOnce = 8;
+constexpr int longestCall = 5000; // milliseconds; whoever calls gives up before
 #ifdef MSG_NOSIGNAL
 constexpr int quietly = MSG_NOSIGNAL;
 #else
@@ -139,11 +138,8 @@ bool SingleInstance::handOver(const QStringList &paths) const
     const Socket socket;
     if (!at(m_path, socket, ::connect))
         return false;
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << paths;
     // The other one answers with a byte when it has read them.
-    return sendAll(socket.get(), bytes) && answered(socket.get());
+    return sendAll(socket.get(), handOverMessage(paths)) && answered(socket.get());
 }
 
 bool SingleInstance::listen()
@@ -157,6 +153,7 @@ bool SingleInstance::listen()
     if (::listen(socket.get(), callersAtOnce) != 0)
         return false;
     m_socket = socket.release();
+    ::fcntl(m_socket, F_SETFL, O_NONBLOCK); // who called may be gone before it is let in
     m_inode = inodeOf(m_path);
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { take(); });
@@ -169,7 +166,13 @@ void SingleInstance::take()
     if (descriptor < 0)
         return;
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    if (m_callers.size() >= callersAtOnce)
+        dismiss(quietest());
     const auto caller = std::make_shared<Caller>();
+    caller->sinceWord.start();
+    caller->timeLeft.setSingleShot(true);
+    connect(&caller->timeLeft, &QTimer::timeout, this, [this, descriptor] { dismiss(descriptor); });
+    caller->timeLeft.start(longestCall);
     caller->notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     connect(caller->notifier.get(), &QSocketNotifier::activated, this,
             [this, descriptor] { read(descriptor); });
@@ -178,27 +181,39 @@ void SingleInstance::take()
 
 void SingleInstance::read(int caller)
 {
-    char chunk[65536]; // few pieces: each is looked at together with all before it
+    char chunk[65536];
     const auto count = ::recv(caller, chunk, sizeof(chunk), MSG_DONTWAIT);
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (count <= 0)
         return dismiss(caller); // gone before it had said all
     const auto known = m_callers.value(caller);
-    known->received.append(chunk, count);
-    QDataStream stream(known->received);
-    QStringList paths;
-    stream >> paths;
-    if (stream.status() != QDataStream::Ok)
+    known->sinceWord.start();
+    known->message.take(QByteArrayView(chunk, count));
+    if (known->message.isRefused())
+        return dismiss(caller);
+    if (!known->message.isComplete())
         return; // more is to come
     sendAll(caller, QByteArray(1, taken));
     dismiss(caller);
-    Q_EMIT filesHandedOver(paths);
+    Q_EMIT filesHandedOver(known->message.paths());
+}
+
+/// Whoever has said nothing for the longest time makes room: a start says all at once.
+int SingleInstance::quietest() const
+{
+    auto found = m_callers.cbegin();
+    for (auto caller = found; caller != m_callers.cend(); ++caller) {
+        if (caller.value()->sinceWord.elapsed() > found.value()->sinceWord.elapsed())
+            found = caller;
+    }
+    return found.key();
 }
 
 void SingleInstance::dismiss(int caller)
 {
     const auto known = m_callers.take(caller);
+    known->timeLeft.stop();
     known->notifier->setEnabled(false);
     known->notifier.release()->deleteLater(); // it may be the one that called us
     ::close(caller);

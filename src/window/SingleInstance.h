@@ -1,10 +1,14 @@
 #pragma once
 
+#include "window/HandOver.h"
+
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QStringList>
+#include <QTimer>
 
 #include <memory>
 
@@ -35,11 +39,14 @@ private:
     struct Caller
     {
         std::unique_ptr<QSocketNotifier> notifier;
-        QByteArray received;
+        HandOver message;
+        QElapsedTimer sinceWord; ///< since it said something
+        QTimer timeLeft;
     };
 
     void take();
     void read(int caller);
+    int quietest() const;
     void dismiss(int caller);
 
     QByteArray m_path;

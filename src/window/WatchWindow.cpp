@@ -2,6 +2,7 @@
 
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
+#include "platform/VisibleText.h"
 #include "window/Controls.h"
 #include "window/StatusLine.h"
 
@@ -99,7 +100,7 @@ void WatchWindow::addLine(const app::WatchLog::Line &line)
 {
     const QScrollBar *bar = m_log->verticalScrollBar();
     const bool atEnd = bar->value() == bar->maximum();
-    m_log->addItem(app::WatchLog::formatted(line));
+    m_log->addItem(platform::visible(app::WatchLog::formatted(line)));
     if (atEnd)
         m_log->scrollToBottom();
 }

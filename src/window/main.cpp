@@ -1,4 +1,5 @@
 #include "app/Environment.h"
+#include "platform/VisibleText.h"
 #include "window/SingleInstance.h"
 #include "window/WindowProgram.h"
 
@@ -7,6 +8,8 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -42,7 +45,12 @@ Wishes wishesOf(const QCoreApplication &application)
     const QCommandLineOption defaults(u"defaults"_s, QObject::tr("Keep the settings in FILE."), u"FILE"_s);
     parser.addOption(defaults);
     parser.addPositionalArgument(u"files"_s, QObject::tr("Files to open."), u"[FILE...]"_s);
-    parser.process(application);
+    if (!parser.parse(QCoreApplication::arguments())) {
+        const QString problem = platform::visible(parser.errorText());
+        std::fputs((problem + u'\n').toUtf8().constData(), stderr);
+        std::exit(EXIT_FAILURE);
+    }
+    parser.process(application); // answers what was asked
     Wishes wishes{parser.value(defaults), {}};
     for (const QString &argument : parser.positionalArguments())
         wishes.paths.append(QFileInfo(argument).absoluteFilePath());
@@ -53,7 +61,7 @@ Wishes wishesOf(const QCoreApplication &application)
 
 int main(int argc, char *argv[])
 {
-    app::ensureUtf8Locale();
+    app::prepareProcess();
     introduce();
     if (onlyAsks(argc, argv)) {
         const QCoreApplication application(argc, argv);
