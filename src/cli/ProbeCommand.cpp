@@ -13,10 +13,18 @@ namespace cli {
 
 namespace {
 
+constexpr qsizetype longestShown = 500;
+
+/// A title may have any length; in the table it stands as far as somebody reads it.
+QString shownTitle(const QString &title)
+{
+    return title.size() <= longestShown ? title : title.left(longestShown) + u'…';
+}
+
 QString trackLine(const KXVideoTrack &track)
 {
     QString line = u"  %1  %2  %3  \"%4\""_s.arg(track.trackFfmpegID().rightJustified(3), track.trackInfo(),
-                                                 track.trackLanguage(), track.trackTitle());
+                                                 track.trackLanguage(), shownTitle(track.trackTitle()));
     if (track.trackBitRate() != u"0"_s)
         line += u"  %1 kb/s"_s.arg(track.trackBitRate());
     return line;

@@ -1,17 +1,26 @@
 #include "prefs/StoredChanges.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonValue>
-
-#include <algorithm>
+#include <QSet>
 
 namespace prefs {
 
 namespace {
 
-bool holds(const QVariantList &list, const QVariant &wanted)
+/// Equal for entries that are stored alike, so that long lists are compared quickly.
+QByteArray storedForm(const QVariant &entry)
 {
-    return std::any_of(list.cbegin(), list.cend(),
-                       [&](const QVariant &entry) { return storedAlike(entry, wanted); });
+    return QJsonDocument(QJsonArray{QJsonValue::fromVariant(entry)}).toJson(QJsonDocument::Compact);
+}
+
+QSet<QByteArray> storedForms(const QVariantList &list)
+{
+    QSet<QByteArray> forms;
+    for (const QVariant &entry : list)
+        forms.insert(storedForm(entry));
+    return forms;
 }
 
 QVariantMap mergedMap(QVariantMap result, const QVariantMap &loaded, const QVariantMap &now)
@@ -30,13 +39,18 @@ QVariantMap mergedMap(QVariantMap result, const QVariantMap &loaded, const QVari
 /// Our order, without what the other one removed, and behind it what the other one added.
 QVariantList mergedList(const QVariantList &stored, const QVariantList &loaded, const QVariantList &now)
 {
+    const QSet<QByteArray> inStored = storedForms(stored);
+    const QSet<QByteArray> inLoaded = storedForms(loaded);
+    const QSet<QByteArray> inNow = storedForms(now);
     QVariantList result;
     for (const QVariant &entry : now) {
-        if (holds(stored, entry) || !holds(loaded, entry))
+        const QByteArray form = storedForm(entry);
+        if (inStored.contains(form) || !inLoaded.contains(form))
             result.append(entry);
     }
     for (const QVariant &entry : stored) {
-        if (!holds(loaded, entry) && !holds(now, entry))
+        const QByteArray form = storedForm(entry);
+        if (!inLoaded.contains(form) && !inNow.contains(form))
             result.append(entry);
     }
     return result;

@@ -5,8 +5,10 @@
 #include "presets/TrackFilters.h"
 
 #include <QJsonArray>
+#include <QHash>
 #include <QJsonDocument>
 #include <QMetaProperty>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +20,11 @@ namespace presets {
 namespace {
 
 constexpr int version = 1;
+// Far more than anybody made or typed.
+constexpr qsizetype mostPresets = 1000;
+constexpr qsizetype mostFilters = 1000;
+constexpr qsizetype longestText = 10000;
+constexpr qsizetype longestNamed = 100; // of a text that a sentence names
 const QString selectionsKey = u"presetSelectionsArray"_s;
 const QString settingsKey = u"presetSettingsArray"_s;
 
@@ -32,18 +39,29 @@ QJsonArray recordsOf(const List &presets)
     return records;
 }
 
+bool isText(const QJsonValue &value)
+{
+    return value.isString() && value.toString().size() <= longestText;
+}
+
+/// A sentence stays one that can be read.
+QString named(const QString &text)
+{
+    return text.size() <= longestNamed ? text : text.left(longestNamed) + u'…';
+}
+
 bool isFilter(const QJsonValue &value, FilterKind kind)
 {
     const QJsonObject filter = value.toObject();
     const QStringList &words = filterWords(kind);
     return std::all_of(words.begin(), words.end(),
-                       [&](const QString &word) { return filter.value(word).isString(); });
+                       [&](const QString &word) { return isText(filter.value(word)); });
 }
 
 bool isFilterList(const QJsonValue &value, FilterKind kind)
 {
     const QJsonArray filters = value.toArray();
-    return value.isArray() && std::all_of(filters.begin(), filters.end(), [kind](const QJsonValue &filter) {
+    return value.isArray() && filters.size() <= mostFilters && std::all_of(filters.begin(), filters.end(), [kind](const QJsonValue &filter) {
                return isFilter(filter, kind);
            });
 }
@@ -67,7 +85,7 @@ bool fits(const QJsonValue &value, const QMetaProperty &property)
         return isFilterList(value, isAudio ? FilterKind::Audio : FilterKind::Subtitle);
     }
     default:
-        return value.isString();
+        return isText(value);
     }
 }
 
@@ -85,10 +103,11 @@ QString problemOf(const QJsonValue &value, const QStringList &words, const QMeta
     }
     for (const QString &word : record.keys()) {
         if (!words.contains(word))
-            return u"it holds \"%1\", which no preset has"_s.arg(word);
+            return u"it holds \"%1\", which no preset has"_s.arg(named(word));
     }
     if (!isFreeName(record.value(u"pName"_s).toString()))
-        return u"the name \"%1\" can't be a user's preset's"_s.arg(record.value(u"pName"_s).toString());
+        return u"the name \"%1\" can't be a user's preset's"_s.arg(
+            named(record.value(u"pName"_s).toString()));
     return record.value(u"isEditable"_s).toBool() ? QString() : u"it is no user's preset"_s;
 }
 
@@ -98,6 +117,8 @@ QString problemOfList(const QJsonValue &list, const QString &key, const QStringL
     if (!list.isArray())
         return u"It has no list \"%1\"."_s.arg(key);
     const QJsonArray records = list.toArray();
+    if (records.size() > mostPresets)
+        return u"Its list \"%1\" holds more than %2 presets."_s.arg(key, QString::number(mostPresets));
     for (qsizetype i = 0; i < records.size(); ++i) {
         const QString problem = problemOf(records.at(i), words, meta);
         if (!problem.isNull())
@@ -106,23 +127,37 @@ QString problemOfList(const QJsonValue &list, const QString &key, const QStringL
     return {};
 }
 
-QString freeName(const QString &name, const QStringList &taken)
+/// Names that are taken, and where the search for a free one goes on.
+struct Names
+{
+    explicit Names(const QStringList &names)
+        : taken(names.begin(), names.end())
+    {
+    }
+    QString freeFor(const QString &name);
+
+    QSet<QString> taken;
+    QHash<QString, int> numbers;
+};
+
+QString Names::freeFor(const QString &name)
 {
     QString candidate = name;
-    for (int number = 2; taken.contains(candidate); ++number)
-        candidate = u"%1 (%2)"_s.arg(name, QString::number(number));
+    int &number = numbers[name];
+    for (number = std::max(number, 1); taken.contains(candidate);)
+        candidate = u"%1 (%2)"_s.arg(name, QString::number(++number));
+    taken.insert(candidate);
     return candidate;
 }
 
 /// The records with names that nobody has yet.
-QVariantList renamed(const QJsonArray &records, QStringList taken)
+QVariantList renamed(const QJsonArray &records, const QStringList &taken)
 {
+    Names names(taken);
     QVariantList list;
     for (const QJsonValue &value : records) {
         QVariantMap record = value.toObject().toVariantMap();
-        const QString name = freeName(record.value(u"pName"_s).toString(), taken);
-        record.insert(u"pName"_s, name);
-        taken.append(name);
+        record.insert(u"pName"_s, names.freeFor(record.value(u"pName"_s).toString()));
         list.append(record);
     }
     return list;
@@ -141,7 +176,7 @@ QString problemOfFile(const QByteArray &contents, QJsonObject &file)
         return u"It has a version that this program does not know."_s;
     for (const QString &key : file.keys()) {
         if (!QStringList{u"version"_s, selectionsKey, settingsKey}.contains(key))
-            return u"It holds \"%1\", which no preset file has."_s.arg(key);
+            return u"It holds \"%1\", which no preset file has."_s.arg(named(key));
     }
     const QString problem =
         problemOfList(file.value(selectionsKey), selectionsKey, KXPresetSelections::recordWords(),
