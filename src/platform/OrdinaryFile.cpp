@@ -70,7 +70,7 @@ bool isOrdinary(const struct stat &status, const struct statfs &volume)
 
 QString tooLarge(qint64 mostBytes)
 {
-    return u"it is larger than %1 MB"_s.arg(mostBytes / (1024 * 1024));
+    return u"it is too large, with more than %1 MB"_s.arg(mostBytes / (1024 * 1024));
 }
 
 const QString notOrdinary = u"it is no ordinary file"_s;

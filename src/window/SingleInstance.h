@@ -1,6 +1,6 @@
 #pragma once
 
-#include "window/HandOver.h"
+#include "window/HandOverMessage.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -39,7 +39,7 @@ private:
     struct Caller
     {
         std::unique_ptr<QSocketNotifier> notifier;
-        HandOver message;
+        HandOverMessage message;
         QElapsedTimer sinceWord; ///< since it said something
         QTimer timeLeft;
     };

@@ -1,3 +1,4 @@
+#include "platform/FileLock.h"
 #include "prefs/ToolArchives.h"
 #include "prefs/ToolsUnpacker.h"
 #include "support/Scratch.h"
@@ -11,7 +12,9 @@
 #include <QLockFile>
 #include <QProcess>
 #include <QTest>
+#include <QThread>
 
+#include <atomic>
 #include <memory>
 #include <sys/stat.h>
 
@@ -352,10 +355,52 @@ private Q_SLOTS:
         QVERIFY2(problem.startsWith(u"ffmpeg.zip did not give ffprobe."_s), qPrintable(problem));
     }
 
-    void programsMayStartTogether()
+    /// A kill at the wrong moment and a full disk leave this.
+    void anEmptyLockHoldsNobodyUp()
     {
         const Site site;
         site.packAll();
+        site.scratch.write(u"site/tools/.unpacking.lock"_s, {});
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(site.unpack().isNull());
+        QVERIFY2(clock.elapsed() < 15000, qPrintable(QString::number(clock.elapsed())));
+        verifyWhole(site);
+    }
+
+    void whoUnpacksIsWaitedFor()
+    {
+        const Site site;
+        site.packAll();
+        auto holder = std::make_unique<platform::FileLock>(site.folder + u"/tools/.unpacking.lock"_s);
+        QVERIFY(holder->tryLock(0));
+        std::atomic_bool isReleased = false;
+        const std::unique_ptr<QThread> other(QThread::create([&] {
+            QThread::msleep(700);
+            isReleased = true;
+            holder.reset();
+        }));
+        other->start();
+        QVERIFY(site.unpack().isNull());
+        QVERIFY(isReleased);
+        other->wait();
+        verifyWhole(site);
+    }
+
+    void programsMayStartTogether_data()
+    {
+        QTest::addColumn<bool>("lockIsLeft");
+        QTest::newRow("a fresh folder") << false;
+        QTest::newRow("an empty lock was left") << true;
+    }
+
+    void programsMayStartTogether()
+    {
+        QFETCH(bool, lockIsLeft);
+        const Site site;
+        site.packAll();
+        if (lockIsLeft)
+            site.scratch.write(u"site/tools/.unpacking.lock"_s, {});
         std::vector<std::unique_ptr<QProcess>> programs;
         for (int number = 0; number < 4; ++number) {
             programs.push_back(std::make_unique<QProcess>());

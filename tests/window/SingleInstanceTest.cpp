@@ -4,10 +4,12 @@
 #include "support/Waiting.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -119,15 +121,99 @@ private Q_SLOTS:
         QTRY_COMPARE(taken.size(), 1);
     }
 
+    /// More than any command line holds: 10 MB.
+    void theLargestHandOverIsTakenInTime()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        QStringList paths;
+        for (int i = 0; i < 50000; ++i)
+            paths.append(u"/films/%1/"_s.arg(i).leftJustified(100, u'x') + u".mkv"_s);
+        QVERIFY(handedOver(u"key"_s, paths));
+        QTRY_COMPARE(taken.size(), 1);
+        QCOMPARE(taken.constFirst().constFirst().toStringList(), paths);
+    }
+
+    void whoeverLiesIsDismissed_data()
+    {
+        QTest::addColumn<QByteArray>("said");
+        const QByteArray many = QByteArray::fromHex("ffffffff");
+        const QByteArray one = QByteArray::fromHex("00000001");
+        QTest::newRow("about the number") << many;
+        QTest::newRow("about a length") << one + QByteArray::fromHex("7ffffffe");
+        QTest::newRow("with half a letter") << one + QByteArray::fromHex("00000003");
+    }
+
+    void whoeverLiesIsDismissed()
+    {
+        QFETCH(QByteArray, said);
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        const int caller = call();
+        QCOMPARE(::send(caller, said.constData(), size_t(said.size()), 0), said.size());
+        char answer = 0;
+        QVERIFY(waitFor([&] { return ::recv(caller, &answer, 1, MSG_DONTWAIT) == 0; }, 3000));
+        ::close(caller);
+        QCOMPARE(taken.size(), 0);
+    }
+
+    /// Says that it hands over as many files as it may, and never comes to an end.
+    void aFloodNeitherFreezesNorGrowsIt()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
+        const int caller = call();
+        qint64 sent = 0;
+        const std::unique_ptr<QThread> other(QThread::create([&] { sent = flood(caller); }));
+        other->start();
+        QElapsedTimer sinceTurn;
+        qint64 longestTurn = 0;
+        sinceTurn.start();
+        QVERIFY(waitFor(
+            [&] {
+                longestTurn = std::max(longestTurn, sinceTurn.restart());
+                return other->isFinished();
+            },
+            60000));
+        ::close(caller);
+        QVERIFY2(sent < 32LL * 1024 * 1024, qPrintable(QString::number(sent)));
+        QVERIFY2(longestTurn < 2000, qPrintable(QString::number(longestTurn)));
+        QCOMPARE(taken.size(), 0);
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+    }
+
+    void slowAndSilentCallersKeepNobodyOut()
+    {
+        SingleInstance first(u"key"_s);
+        QVERIFY(first.listen());
+        QList<int> callers;
+        for (int i = 0; i < 60; ++i) {
+            callers.append(call());
+            QVERIFY(callers.constLast() >= 0);
+            QCOMPARE(::send(callers.constLast(), "\0\0", 2, 0), 2);
+            QTest::qWait(5);
+        }
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+        const auto isDismissed = [](int caller) {
+            char answer = 0;
+            return ::recv(caller, &answer, 1, MSG_DONTWAIT) == 0;
+        };
+        QVERIFY(waitFor([&] { return std::all_of(callers.begin(), callers.end(), isDismissed); }, 15000));
+        for (const int caller : callers)
+            ::close(caller);
+        QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
+    }
+
     void aCallerThatGoesBeforeItHasSaidAllIsForgotten()
     {
         SingleInstance first(u"key"_s);
         QVERIFY(first.listen());
         QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
-        const QString name = QDir(folder()).entryList(QDir::System | QDir::Files).value(0);
-        const int caller = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        const sockaddr_un address = addressOf(QFile::encodeName(folder() + u'/' + name));
-        QCOMPARE(::connect(caller, reinterpret_cast<const sockaddr *>(&address), sizeof(address)), 0);
+        const int caller = call();
+        QVERIFY(caller >= 0);
         QCOMPARE(::send(caller, "\0\0", 2, 0), 2);
         ::close(caller);
         QTest::qWait(100);
@@ -145,6 +231,31 @@ private:
         address.sun_family = AF_UNIX;
         std::copy(path.cbegin(), path.cend(), address.sun_path);
         return address;
+    }
+
+    /// Connected to the one that listens; below 0 when it does not let us in.
+    int call() const
+    {
+        const QString name = QDir(folder()).entryList(QDir::System | QDir::Files).value(0);
+        const int caller = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        const sockaddr_un address = addressOf(QFile::encodeName(folder() + u'/' + name));
+        const int result = ::connect(caller, reinterpret_cast<const sockaddr *>(&address), sizeof(address));
+        return result == 0 ? caller : -1;
+    }
+
+    /// How much it got rid of before it was sent away.
+    static qint64 flood(int caller)
+    {
+        const QByteArray count = QByteArray::fromHex("00010000");
+        const QByteArray path = QByteArray::fromHex("00001000") + QByteArray(4096, '\1');
+        qint64 sent = ::send(caller, count.constData(), size_t(count.size()), MSG_NOSIGNAL);
+        for (int i = 0; i < 16384; ++i) { // 64 MB
+            const auto more = ::send(caller, path.constData(), size_t(path.size()), MSG_NOSIGNAL);
+            if (more < 0)
+                return sent;
+            sent += more;
+        }
+        return sent;
     }
 
     QList<int> manyCallers() const

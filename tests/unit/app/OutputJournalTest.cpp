@@ -45,6 +45,14 @@ private Q_SLOTS:
         QVERIFY(journal.takeLeftOver().isEmpty());
     }
 
+    void whatIsFarTooLargeForAJournalIsNone()
+    {
+        const support::Scratch scratch;
+        scratch.write(journalOf(deadProcess()), QByteArray(64 * 1024 * 1024 + 1, 'x'));
+        const OutputJournal journal(scratch.path());
+        QVERIFY(journal.takeLeftOver().isEmpty());
+    }
+
     void whatALivingProcessStartedIsLeftToIt()
     {
         const support::Scratch scratch;

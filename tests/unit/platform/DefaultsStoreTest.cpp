@@ -11,6 +11,8 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -195,6 +197,53 @@ private Q_SLOTS:
         platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
         QVERIFY(store.store({{u"k"_s, 1}}).contains(u"locked"_s));
         QVERIFY(!scratch.names().contains(u"d.json"_s));
+    }
+
+    /// A kill at the wrong moment and a full disk leave this.
+    void anEmptyLockHoldsNobodyUp()
+    {
+        const support::Scratch scratch;
+        scratch.write(u"d.json.lock"_s, {});
+        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
+        QCOMPARE(store.store({{u"k"_s, 1}}), QString());
+        QVERIFY(scratch.read(u"d.json"_s).contains("\"k\""));
+    }
+
+    void whatIsNoOrdinaryFileIsNeitherReadNorReplaced()
+    {
+        const support::Scratch scratch;
+        const QString path = scratch.path(u"pipe"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        platform::JsonDefaultsStore store(path);
+        const QString sentence = u"The settings in %1 can't be read: it is no ordinary file."_s.arg(path);
+        QCOMPARE(platform::JsonDefaultsStore::problemWith(path), sentence);
+        QCOMPARE(store.load(), sentence);
+        QCOMPARE(store.store({{u"k"_s, 1}}), sentence);
+        QCOMPARE(scratch.names(), QStringList({u"pipe"_s}));
+        QVERIFY(!QFileInfo(path).isFile());
+    }
+
+    void whatWouldBeTooLargeToBeReadIsNotWritten()
+    {
+        const support::Scratch scratch;
+        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
+        QCOMPARE(store.store({{u"k"_s, 1}}), QString());
+        const QByteArray before = scratch.read(u"d.json"_s);
+        QVERIFY(store.store({{u"long"_s, QString(70'000'000, u'x')}}).contains(u"too large"_s));
+        QCOMPARE(scratch.read(u"d.json"_s), before);
+        QCOMPARE(store.value(u"k"_s), QVariant(1));
+    }
+
+    void aFileThatIsTooLargeIsKept()
+    {
+        const support::Scratch scratch;
+        const QString path = scratch.write(u"d.json"_s, "{}");
+        QVERIFY(QFile::resize(path, 64 * 1024 * 1024 + 1));
+        platform::JsonDefaultsStore store(path);
+        QVERIFY(store.load().contains(u"too large"_s));
+        QVERIFY(store.store({{u"k"_s, 1}}).contains(u"too large"_s));
+        QCOMPARE(scratch.names(), QStringList({u"d.json"_s}));
+        QCOMPARE(QFileInfo(path).size(), 64 * 1024 * 1024 + 1);
     }
 
     void standardPathKeepsToTheTestMode()

@@ -29,8 +29,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("path");
         for (const char *path :
-             {"/dev/null", "/dev/zero", "/dev/tty", "/proc", "/proc/self/mem", "/proc/self/maps", "/proc/kmsg",
-              "/proc/version", "/sys/kernel/uevent_seqnum", "/sys/fs/cgroup/cgroup.procs", "/", "", "/none"})
+             {"/dev/null", "/dev/zero", "/dev/tty", "/proc", "/proc/self/mem", "/proc/self/maps",
+              "/proc/kmsg", "/proc/version", "/sys/kernel/uevent_seqnum", "/sys/fs/cgroup/cgroup.procs", "/",
+              "", "/none"})
             QTest::newRow(path) << QString::fromLatin1(path);
     }
 
@@ -66,15 +67,12 @@ private Q_SLOTS:
         QCOMPARE(platform::readWhole(path, 1024 * 1024).bytes.size(), 1024 * 1024);
         QVERIFY(QFile::resize(path, 1024 * 1024 + 1));
         const auto file = platform::readWhole(path, 1024 * 1024);
-        QCOMPARE(file.problem, u"it is larger than 1 MB"_s);
+        QCOMPARE(file.problem, u"it is too large, with more than 1 MB"_s);
         QVERIFY(file.bytes.isEmpty());
         QCOMPARE(platform::problemOfWholeFile(path, 1024 * 1024), file.problem);
     }
 
-    void nobodyWaitsForAPipeOrADevice_data()
-    {
-        nothingElseIs_data();
-    }
+    void nobodyWaitsForAPipeOrADevice_data() { nothingElseIs_data(); }
 
     void nobodyWaitsForAPipeOrADevice()
     {

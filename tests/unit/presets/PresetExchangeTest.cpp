@@ -33,6 +33,18 @@ class PresetExchangeTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void manyOfOneNameGetNumbersInOrder()
+    {
+        ExchangeBench bench;
+        const QVariantList records(1000, selectionsRecord(u"Own"_s));
+        const presets::Import import = presets::importInto(bench.presets, presetFile(records, {}));
+        QVERIFY2(import.problem.isNull(), qPrintable(import.problem));
+        const QStringList names = bench.presets.presetSelectionsNamesList();
+        const qsizetype first = names.indexOf(u"Own"_s);
+        for (int number = 2; number <= 1001; ++number)
+            QCOMPARE(names.at(first + number - 1), u"Own (%1)"_s.arg(number));
+    }
+
     void exportedFileIsLiteral()
     {
         const ExchangeBench bench;

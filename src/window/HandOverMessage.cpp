@@ -1,4 +1,4 @@
-#include "window/HandOver.h"
+#include "window/HandOverMessage.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -22,7 +22,7 @@ QByteArray handOverMessage(const QStringList &paths)
     return bytes;
 }
 
-void HandOver::take(QByteArrayView piece)
+void HandOverMessage::take(QByteArrayView piece)
 {
     m_total += piece.size();
     m_isRefused = m_isRefused || m_total > mostBytes;
@@ -38,7 +38,7 @@ void HandOver::take(QByteArrayView piece)
 }
 
 /// False when it has not come yet.
-bool HandOver::takeNumber(quint32 &number)
+bool HandOverMessage::takeNumber(quint32 &number)
 {
     if (m_received.size() - m_position < numberBytes)
         return false;
@@ -47,7 +47,7 @@ bool HandOver::takeNumber(quint32 &number)
     return true;
 }
 
-bool HandOver::takeCount()
+bool HandOverMessage::takeCount()
 {
     m_hasCount = takeNumber(m_left);
     m_isRefused = m_hasCount && m_left > mostPaths;
@@ -55,7 +55,7 @@ bool HandOver::takeCount()
 }
 
 /// False when it has not come as a whole, or is refused.
-bool HandOver::takePath()
+bool HandOverMessage::takePath()
 {
     const qsizetype before = m_position;
     quint32 length = 0;

@@ -11,7 +11,7 @@ QByteArray handOverMessage(const QStringList &paths);
 
 /// Reads such a message from the pieces in which it comes, each byte once, and believes nobody: one that is
 /// longer than a real one can be is refused before it takes up room.
-class HandOver final
+class HandOverMessage final
 {
 public:
     /// More than a command line holds; a longer path leads nowhere.

@@ -1,0 +1,112 @@
+// Standard streams that are full, closed, or gone: the work is done all the same, and what could not be
+// printed is told.
+#include "support/Clips.h"
+#include "support/Twin.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::Twin;
+
+class TwinStreamsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_twin = std::make_unique<Twin>(); }
+
+    void resultsThatAreLostAreTold_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("status");
+        for (const char *line :
+             {"probe film.mkv", "probe film.mkv --json", "--help", "--version", "convert --help",
+              "prefs list", "prefs get keepLogsFlag", "presets list", "presets export", "tools",
+              "tools --json", "convert film.mkv --dry-run", "remux film.mkv", "remux film.mkv --json",
+              "probe film.mkv film.mkv film.mkv"})
+            QTest::newRow(line) << QString::fromLatin1(line) << 2;
+        QTest::newRow("another problem too") << u"probe none.mkv film.mkv"_s << 2;
+        QTest::newRow("a worse one") << u"probe --loud"_s << 64;
+    }
+
+    void resultsThatAreLostAreTold()
+    {
+        QFETCH(QString, line);
+        QFETCH(int, status);
+        m_twin->clip(support::fullMkv(), u"film.mkv"_s);
+        const auto run = shell(u"tessaray "_s + line + u" --quiet > /dev/full"_s);
+        QCOMPARE(run.status, status);
+        const bool prints = status == 2;
+        QCOMPARE(run.error.count("Standard output can't be written: No space left on device."),
+                 prints ? 1 : 0);
+    }
+
+    void theJobRunsOn()
+    {
+        m_twin->clip(support::fullMkv(), u"film.mkv"_s);
+        const auto run = shell(u"tessaray remux film.mkv --no-keep-logs --json > /dev/full"_s);
+        QCOMPARE(run.status, 2);
+        QCOMPARE(m_twin->mediaNames().size(), 2);
+        for (const QString &name : m_twin->mediaNames())
+            QCOMPARE(support::streamsOf(m_twin->media(name)).size(),
+                     support::streamsOf(support::fullMkv()).size());
+    }
+
+    /// A reader that has seen enough is no failure.
+    void aReaderThatGoesAwayLosesNothing()
+    {
+        m_twin->clip(support::fullMkv(), u"film.mkv"_s);
+        const auto run =
+            shell(u"{ sleep 0.5; tessaray probe film.mkv --json; echo $? > status; } | true; cat status"_s);
+        QCOMPARE(run.output, "0\n");
+        QVERIFY2(run.error.isEmpty(), run.error.constData());
+    }
+
+    void closedStreamsChangeNothing_data()
+    {
+        QTest::addColumn<QString>("closed");
+        for (int which = 0; which < 8; ++which) {
+            const QString closed = QString(which & 1 ? u"<&- "_s : QString()) +
+                                   (which & 2 ? u">&- "_s : QString()) + (which & 4 ? u"2>&- "_s : QString());
+            QTest::newRow(closed.isEmpty() ? "none" : qPrintable(closed)) << closed;
+        }
+    }
+
+    void closedStreamsChangeNothing()
+    {
+        QFETCH(QString, closed);
+        m_twin->clip(support::fullMkv(), u"film.mkv"_s);
+        const auto remuxed = shell(u"tessaray remux film.mkv --no-keep-logs "_s + closed);
+        QCOMPARE(remuxed.status, 0);
+        const auto converted =
+            shell(u"tessaray convert film.mkv --video 1pass --no-keep-logs --json "_s + closed);
+        QCOMPARE(converted.status, 0);
+        QCOMPARE(m_twin->mediaNames().size(), 3);
+        const bool isTold = !closed.contains(u'>') || closed.startsWith(u"<&- 2"_s) || closed == u"2>&- "_s;
+        QCOMPARE(remuxed.output.isEmpty(), !isTold);
+        const auto streams = support::codecsOf(m_twin->media(u"film.m4v"_s));
+        QVERIFY2(streams.startsWith(u"h264 "_s), qPrintable(streams));
+        QVERIFY(m_twin->processes().isEmpty());
+    }
+
+private:
+    /// A shell line in the working folder, in which "tessaray" is the program with settings of its own.
+    Twin::Run shell(const QString &line) const
+    {
+        QProcess process;
+        process.setProcessEnvironment(m_twin->environment());
+        process.setWorkingDirectory(m_twin->media());
+        process.setStandardInputFile(QProcess::nullDevice());
+        const QString function = u"tessaray() { \"%1\" --defaults \"%2\" \"$@\"; }; "_s.arg(
+            m_twin->program(), m_twin->scratch().path(u"defaults.json"_s));
+        process.start(u"/bin/bash"_s, {u"-c"_s, function + line});
+        return Twin::outcomeOf(process);
+    }
+
+    std::unique_ptr<Twin> m_twin;
+};
+
+QTEST_GUILESS_MAIN(TwinStreamsTest)
+#include "TwinStreamsTest.moc"
