@@ -3,6 +3,7 @@
 #include "app/CurrentFile.h"
 #include "app/OpenQueue.h"
 #include "jobs/KXQueueController.h"
+#include "media/FileNames.h"
 #include "platform/AlertPresenter.h"
 #include "selection/KXSelectionController.h"
 
@@ -39,6 +40,17 @@ QString namesOf(const QList<QUrl> &files)
     for (const QUrl &file : files)
         names.append(file.fileName());
     return names.join(u'\n');
+}
+
+/// Why the file can't be edited; a null text when it can.
+QString editProblemOf(const QUrl &url)
+{
+    const QFileInfo file(url.toLocalFile());
+    if (file.suffix().toLower() != u"mkv"_s)
+        return u"The application can only edit MKV files.  If you are trying to convert the file, "
+               "make sure that you are using the MKV tab."_s;
+    // A tool would read from it for ever.
+    return file.exists() && !media::isRegularFile(url) ? u"It is no ordinary file."_s : QString();
 }
 
 } // namespace
@@ -287,11 +299,11 @@ void FileIntake::gatherEditFiles(Alerts alerts)
 {
     m_editFilesURLsArray.clear();
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
-        if (QFileInfo(url.toLocalFile()).suffix().toLower() == u"mkv"_s)
+        const QString problem = editProblemOf(url);
+        if (problem.isNull())
             m_editFilesURLsArray.append(url);
         else if (alerts == Alerts::Shown)
-            refuse(url, u"The application can only edit MKV files.  If you are trying to convert the file, "
-                        "make sure that you are using the MKV tab."_s);
+            refuse(url, problem);
     }
     m_editFilesPathsArray.clear();
     for (const QUrl &url : std::as_const(m_editFilesURLsArray))

@@ -112,11 +112,11 @@ QString JsonDefaultsStore::readForWriting()
 
 QString JsonDefaultsStore::write(const QVariantMap &values)
 {
-    if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
-        return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);
     const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(values)).toJson();
     if (bytes.size() > mostBytesReadWhole) // nobody could read them again
         return u"The settings can't be saved to %1: they would be too large."_s.arg(m_path);
+    if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
+        return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) < 0 || !file.commit())
         return u"The settings can't be saved to %1: %2."_s.arg(m_path, file.errorString());

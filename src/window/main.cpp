@@ -46,7 +46,8 @@ Wishes wishesOf(const QCoreApplication &application)
     parser.addOption(defaults);
     parser.addPositionalArgument(u"files"_s, QObject::tr("Files to open."), u"[FILE...]"_s);
     if (!parser.parse(QCoreApplication::arguments())) {
-        const QString problem = platform::visible(parser.errorText());
+        const QString problem =
+            QCoreApplication::applicationName() + u": "_s + platform::visible(parser.errorText());
         std::fputs((problem + u'\n').toUtf8().constData(), stderr);
         std::exit(EXIT_FAILURE);
     }

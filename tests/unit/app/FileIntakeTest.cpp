@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using app::FileIntake;
 using support::AppDesk;
@@ -120,6 +122,19 @@ private Q_SLOTS:
         QCOMPARE(m_desk->shownAlerts(), alert(u"c.mp4"_s, onlyMkv) + alert(u"d.txt"_s, onlyMkv));
         QCOMPARE(m_desk->openNames(), QStringList{u"film.mp4"_s});
         QCOMPARE(m_desk->file().theFileName(), u"film.mp4"_s);
+    }
+
+    void onTheEditingTabOnlyOrdinaryFilesAreTaken()
+    {
+        m_desk->controller().setCurrentTab(u"Edit Files"_s);
+        const QString pipe = m_desk->path(u"pipe.mkv"_s);
+        const QString memory = m_desk->path(u"memory.mkv"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(QFile::link(u"/proc/self/mem"_s, memory));
+        m_desk->drop({pipe, memory, mkv(u"a.mkv"_s)});
+        QCOMPARE(m_desk->selection().editFilesURLsList(), support::urlsOf({m_desk->path(u"a.mkv"_s)}));
+        const QString sentence = u"It is no ordinary file."_s;
+        QCOMPARE(m_desk->shownAlerts(), alert(u"pipe.mkv"_s, sentence) + alert(u"memory.mkv"_s, sentence));
     }
 
     void eachGatheringStartsAnew()
