@@ -38,8 +38,8 @@ bool isWholePath(const char *path)
 /// Settings must not land in whatever folder we were started from, and tools inherit what is set here.
 void ignoreRelativeFolders()
 {
-    for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME",
-                             "XDG_RUNTIME_DIR"}) {
+    for (const char *name :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
         if (!isWholePath(std::getenv(name)))
             ::unsetenv(name);
     }

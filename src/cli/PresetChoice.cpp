@@ -16,8 +16,7 @@ int indexOf(const CommandLine &line, const QString &option, const QStringList &n
     const QString name = line.has(option) ? line.value(option) : otherwise;
     const int index = static_cast<int>(names.indexOf(name));
     if (index < 0)
-        problem =
-            u"--%1: there is no preset \"%2\". There are: %3."_s.arg(option, name, names.join(u", "_s));
+        problem = u"--%1: there is no preset \"%2\". There are: %3."_s.arg(option, name, names.join(u", "_s));
     return index;
 }
 

@@ -101,8 +101,7 @@ ExitStatus PresetsCommand::show(Session &session, const QString &name) const
     const KXPresetsController &presets = session.program().presets();
     const int count = showNamed(session.console(), trackKind, presets.presetSelectionsList(), name) +
                       showNamed(session.console(), settingsKind, presets.presetSettingsList(), name);
-    return count > 0 ? ExitStatus::AllWell
-                     : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
+    return count > 0 ? ExitStatus::AllWell : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
 }
 
 ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const

@@ -4,8 +4,8 @@
 #include "presets/PresetRecord.h"
 #include "presets/TrackFilters.h"
 
-#include <QJsonArray>
 #include <QHash>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QMetaProperty>
 #include <QSet>
@@ -61,9 +61,9 @@ bool isFilter(const QJsonValue &value, FilterKind kind)
 bool isFilterList(const QJsonValue &value, FilterKind kind)
 {
     const QJsonArray filters = value.toArray();
-    return value.isArray() && filters.size() <= mostFilters && std::all_of(filters.begin(), filters.end(), [kind](const QJsonValue &filter) {
-               return isFilter(filter, kind);
-           });
+    return value.isArray() && filters.size() <= mostFilters &&
+           std::all_of(filters.begin(), filters.end(),
+                       [kind](const QJsonValue &filter) { return isFilter(filter, kind); });
 }
 
 bool isWholeNumber(const QJsonValue &value)

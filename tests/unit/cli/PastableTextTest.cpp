@@ -16,10 +16,11 @@ const QStringList shells{u"dash"_s, u"bash"_s};
 /// What a terminal obeys, and what a shell does, in every order.
 QStringList hostileWords()
 {
-    const QStringList pieces{u"\n"_s,     u"\n\n"_s,   u"\t"_s,    u"\r"_s,     u"\u001b[2J"_s, u"\u007f"_s,
-                             u"\u009b"_s, u"\u202e"_s, u"\u2028"_s, u"\u061c"_s, u"'"_s,         u"\""_s,
-                             u"$(touch X)"_s, u"`touch X`"_s, u"\\"_s, u"\\n"_s, u"%s%n"_s, u"!!"_s,
-                             u"\\033"_s,  u"é"_s,      u"🎬"_s,    u"-"_s,      u" "_s,         u"1"_s};
+    const QStringList pieces{u"\n"_s,     u"\n\n"_s,   u"\t"_s,         u"\r"_s,        u"\u001b[2J"_s,
+                             u"\u007f"_s, u"\u009b"_s, u"\u202e"_s,     u"\u2028"_s,    u"\u061c"_s,
+                             u"'"_s,      u"\""_s,     u"$(touch X)"_s, u"`touch X`"_s, u"\\"_s,
+                             u"\\n"_s,    u"%s%n"_s,   u"!!"_s,         u"\\033"_s,     u"é"_s,
+                             u"🎬"_s,      u"-"_s,      u" "_s,          u"1"_s};
     std::mt19937 random(12); // NOLINT: the same on every run
     QStringList words = support::hostileTexts(120) + pieces;
     while (words.size() < 260) {
@@ -91,10 +92,7 @@ private Q_SLOTS:
         }
     }
 
-    void settingsArriveToTheByte_data()
-    {
-        everyWordArrivesToTheByte_data();
-    }
+    void settingsArriveToTheByte_data() { everyWordArrivesToTheByte_data(); }
 
     void settingsArriveToTheByte()
     {
@@ -107,10 +105,7 @@ private Q_SLOTS:
         }
     }
 
-    void aWholeLineDoesWhatItDid_data()
-    {
-        everyWordArrivesToTheByte_data();
-    }
+    void aWholeLineDoesWhatItDid_data() { everyWordArrivesToTheByte_data(); }
 
     void aWholeLineDoesWhatItDid()
     {
