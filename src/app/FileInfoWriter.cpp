@@ -1,27 +1,14 @@
 #include "app/FileInfoWriter.h"
 
+#include "platform/PlainFiles.h"
 #include "prefs/KXPreferences.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
 namespace app {
-
-namespace {
-
-bool replaceFile(const QUrl &file, const QString &text)
-{
-    QSaveFile target(file.toLocalFile());
-    if (!target.open(QIODevice::WriteOnly))
-        return false;
-    target.write(text.toUtf8());
-    return target.commit();
-}
-
-} // namespace
 
 FileInfoWriter::FileInfoWriter(const KXPreferences &preferences)
     : KXHelpers(&preferences)
@@ -43,7 +30,7 @@ QString FileInfoWriter::write(const QList<QUrl> &files) const
     for (const QUrl &file : files) {
         const QString output = doShellScriptForWithOptions(
             urlOfApp(u"ffprobe"_s), {u"-i"_s, file, u"-show_streams -print_format json"_s});
-        if (!replaceFile(infoFileFor(file), output))
+        if (!platform::replacePlainFile(infoFileFor(file), output.toUtf8()))
             failed.append(infoFileFor(file).toLocalFile());
     }
     return failed.isEmpty() ? QString() : tr("Not written: %1").arg(failed.join(u", "_s));

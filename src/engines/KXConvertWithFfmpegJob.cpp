@@ -151,9 +151,7 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
                                                              KXConverter::Keeping::Temporary);
     dumper.setIsTemporaryOutput(true);
     const QString pid = dumper.startConversionFor(jobSelection());
-    if (!isEmpty(dumper.tempFileToDeleteURL()))
-        setTempFilesToDeleteList(tempFilesToDeleteList() << dumper.tempFileToDeleteURL());
-    setLogFilesToDeleteList(logFilesToDeleteList() << dumper.logFileURL());
+    noteFilesOf(dumper);
     waitForBackground(pid);
     if (context().launcher.isRehearsal() || jobIsCancelled())
         return dumper.outputFileURL();

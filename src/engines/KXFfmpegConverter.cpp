@@ -168,7 +168,7 @@ void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
         return;
     // The copy keeps its content whatever its format; only its name ends in ".ass".
     const QUrl copy = QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
-    if (context().launcher.copyFile(subtitle, copy))
+    if (context().launcher.copyFile(context().guard, subtitle, copy))
         setSubToBurnURL(copy);
 }
 

@@ -4,6 +4,7 @@
 #include "engines/FfmpegOutcome.h"
 #include "engines/FfmpegSubtitles.h"
 #include "media/KXVideoTrack.h"
+#include "tools/step/OutputGuard.h"
 
 #include <QFile>
 
@@ -83,7 +84,7 @@ bool KXFfmpegConverter::asksForTimestamps() const
 void KXFfmpegConverter::removeInterruptedStatistics()
 {
     for (const QString &ending : {u"-0.log.temp"_s, u"-0.log.mbtree.temp"_s})
-        doUnixCommandWithOptions(u"rm"_s, {QUrl::fromLocalFile(passlogfileString() + ending)});
+        context().guard.files().remove(QUrl::fromLocalFile(passlogfileString() + ending));
 }
 
 void KXFfmpegConverter::backgroundReadingCompleted()

@@ -4,10 +4,7 @@
 #include "prefs/KXPreferences.h"
 #include "tools/step/OutputGuard.h"
 
-#include <QFile>
 #include <QFileInfo>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -49,13 +46,12 @@ void KXMetadataPadder::backgroundReadingCompleted()
 }
 
 /// A padded film is larger than the film: anything else is no whole one.
-bool KXMetadataPadder::replaceFilm() const
+bool KXMetadataPadder::replaceFilm()
 {
     const QFileInfo padded(outputFileURL().toLocalFile());
     const QFileInfo film(inputFileURL().toLocalFile());
     return KXConverter::outcome().verdict != step::Verdict::Failed && padded.size() >= film.size() &&
-           std::rename(QFile::encodeName(padded.filePath()).constData(),
-                       QFile::encodeName(film.filePath()).constData()) == 0;
+           context().guard.files().renameOver(outputFileURL(), inputFileURL());
 }
 
 void KXMetadataPadder::finishPadding()
@@ -64,7 +60,7 @@ void KXMetadataPadder::finishPadding()
         m_outcome = step::Outcome::ok();
         return;
     }
-    QFile::remove(outputFileURL().toLocalFile());
+    context().guard.files().remove(outputFileURL());
     m_outcome = step::Outcome::warnings(
         u"No padding could be added to %1; the film itself is good."_s.arg(inputFileURL().fileName()));
 }

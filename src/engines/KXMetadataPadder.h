@@ -22,7 +22,7 @@ public:
     void backgroundReadingCompleted() override;
 
 private:
-    bool replaceFilm() const;
+    bool replaceFilm();
 
     step::Outcome m_outcome;
 };

@@ -27,6 +27,7 @@ public:
     QString monitorConversion() override;
     step::Outcome outcome() const override;
     QList<QUrl> outputFiles() const override;
+    QList<QUrl> namesToWrite() const override { return outputFiles(); }
     QList<QUrl> temporaryFiles() const override;
 
 protected:

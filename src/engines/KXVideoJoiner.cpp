@@ -7,23 +7,13 @@
 #include "engines/OutputBase.h"
 #include "prefs/KXPreferences.h"
 #include "tools/Numbers.h"
+#include "tools/step/OutputGuard.h"
 #include "tools/step/ToolLog.h"
 
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QThread>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-bool writeWhole(const QString &path, const QString &text)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit();
-}
-
-} // namespace
 
 KXVideoJoiner::KXVideoJoiner(const step::ConverterContext &context)
     : KXConverter(context)
@@ -116,7 +106,7 @@ tools::ToolProcessPointer KXVideoJoiner::startConcat(const QList<QUrl> &files)
 {
     const QUrl listFile = QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
     if (!context().launcher.isRehearsal() &&
-        !writeWhole(listFile.toLocalFile(), engines::concatListLaunched(files))) {
+        !context().guard.files().write(listFile, engines::concatListLaunched(files).toUtf8())) {
         refuse(u"The list of files to join can't be written to %1."_s.arg(listFile.toLocalFile()));
         return nullptr;
     }

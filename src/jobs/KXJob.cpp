@@ -84,8 +84,10 @@ void KXJob::unsubscribe()
 
 const QString &KXJob::temporaryFolder()
 {
-    if (m_temporaryFolder.isEmpty())
+    if (m_temporaryFolder.isEmpty()) {
         m_temporaryFolder = m_context.scratch.makeJobFolder();
+        m_guard.files().setPrivateFolder(m_temporaryFolder);
+    }
     return m_temporaryFolder;
 }
 
@@ -101,8 +103,7 @@ void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProc
     if (task)
         addTask(task);
     m_progressList.append({converter->stepName(), mayRun ? u"0%"_s : u"Complete"_s});
-    m_tempFilesToDeleteList += converter->temporaryFiles();
-    m_logFilesToDeleteList.append(converter->logFileURL());
+    noteFilesOf(*converter);
 }
 
 void KXJob::startSingleStep(const ConverterPointer &converter,
@@ -124,8 +125,15 @@ void KXJob::backgroundStepStarted(const ConverterPointer &converter, const QStri
     if (!pid.isEmpty())
         addTask(pid);
     m_progressList.append({converter->stepName(), u"0%"_s});
-    m_tempFilesToDeleteList += converter->temporaryFiles();
-    m_logFilesToDeleteList.append(converter->logFileURL());
+    noteFilesOf(*converter);
+}
+
+/// A step that was refused before it had names of its own has none to note.
+void KXJob::noteFilesOf(const KXConverter &converter)
+{
+    m_tempFilesToDeleteList += converter.temporaryFiles();
+    if (m_guard.hasClaimed(converter.logFileURL()))
+        m_logFilesToDeleteList.append(converter.logFileURL());
 }
 
 void KXJob::addTask(const jobs::StepTask &task)

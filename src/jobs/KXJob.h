@@ -107,6 +107,8 @@ protected:
     /// A job of which nothing runs would never end: it ends after 0.1 s.
     void endIfNothingRuns();
     void addOutcome(const step::Outcome &outcome);
+    /// Takes its logs and intermediate files into the lists of what goes at the end.
+    void noteFilesOf(const KXConverter &converter);
     /// The outcome of a step that has ended; the log of a failed one is kept and named.
     step::Outcome outcomeOfStep(KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
@@ -135,8 +137,7 @@ private:
     void writeOutcomeToLogs();
     void deleteFiles(const QList<QUrl> &files);
     void deleteUnfinishedOutputs();
-    bool isOurs(const QUrl &output) const;
-    QString remainsOf(const KXConverter &converter) const;
+    QString remainsOf(const KXConverter &converter);
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
     void checkFreeSpace();

@@ -9,7 +9,6 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QFile>
 #include <QFileInfo>
 
 #include <csignal>
@@ -131,14 +130,15 @@ void KXJob::addOutcome(const step::Outcome &outcome)
 }
 
 /// What a failed step leaves of its output, as sentences. What is empty goes.
-QString KXJob::remainsOf(const KXConverter &converter) const
+QString KXJob::remainsOf(const KXConverter &converter)
 {
     QString sentences;
     for (const QUrl &file : converter.outputFiles()) {
-        const QFileInfo output(file.toLocalFile());
-        if (output.exists() && output.size() == 0 && isOurs(file))
-            QFile::remove(output.filePath());
-        else if (output.exists() && !converter.isTemporaryOutput())
+        if (!m_guard.files().isOwn(file))
+            continue;
+        if (QFileInfo(file.toLocalFile()).size() == 0)
+            m_guard.files().remove(file);
+        else if (!converter.isTemporaryOutput())
             sentences += keptSentence(file);
     }
     return sentences;
@@ -152,7 +152,7 @@ step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
     const bool wasStarted = converter.converterTask() || !converter.doShell_ID().isEmpty();
     if (outcome.verdict == step::Verdict::Failed) {
         m_logsToKeep.append(converter.logFileURL());
-        if (wasStarted && QFileInfo::exists(converter.logFileURL().toLocalFile()))
+        if (wasStarted && m_guard.files().isOwn(converter.logFileURL()))
             outcome.sentence += u" The log is %1."_s.arg(converter.logFileURL().toLocalFile());
         if (wasStarted)
             outcome.sentence += remainsOf(converter);
@@ -183,25 +183,14 @@ void KXJob::writeOutcomeToLogs()
 {
     const QString line = u"\nTessaray: %1%2\n"_s.arg(
         m_outcome.word(), m_outcome.sentence.isEmpty() ? QString() : u": "_s + m_outcome.sentence);
-    for (const QUrl &log : std::as_const(m_logFilesToDeleteList)) {
-        QFile file(log.toLocalFile());
-        if (m_guard.mayDelete(log) && file.exists() && file.open(QIODevice::WriteOnly | QIODevice::Append))
-            file.write(line.toUtf8());
-    }
+    for (const QUrl &log : std::as_const(m_logFilesToDeleteList))
+        m_guard.files().append(log, line.toUtf8());
 }
 
 void KXJob::deleteFiles(const QList<QUrl> &files)
 {
-    for (const QUrl &file : files) {
-        if (m_guard.mayDelete(file))
-            doUnixCommandWithOptions(u"rm"_s, {file});
-    }
-}
-
-/// A name that was refused is no output of ours, even if the step ran under another name before.
-bool KXJob::isOurs(const QUrl &output) const
-{
-    return m_guard.mayDelete(output) && m_guard.hasClaimed(output);
+    for (const QUrl &file : files)
+        m_guard.files().remove(file);
 }
 
 void KXJob::deleteUnfinishedOutputs()
@@ -212,10 +201,7 @@ void KXJob::deleteUnfinishedOutputs()
         const bool started = converter && (converter->converterTask() || !converter->doShell_ID().isEmpty());
         if (!started || finished)
             continue;
-        for (const QUrl &file : converter->outputFiles()) {
-            if (isOurs(file))
-                QFile::remove(file.toLocalFile());
-        }
+        deleteFiles(converter->outputFiles());
     }
 }
 

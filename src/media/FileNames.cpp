@@ -2,9 +2,9 @@
 
 #include "platform/FileIdentity.h"
 #include "platform/OrdinaryFile.h"
+#include "platform/PlainFiles.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -43,11 +43,7 @@ void writeErrorFile(const QUrl &mediaFile, const QString &text)
     const QString path = mediaFile.toLocalFile() + u".error.txt"_s;
     if (text.isNull() || !isRegularFile(mediaFile) || !mayReplace(QUrl::fromLocalFile(path), mediaFile))
         return;
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.write(text.toUtf8());
-    file.commit();
+    platform::replacePlainFile(QUrl::fromLocalFile(path), text.toUtf8());
 }
 
 } // namespace media

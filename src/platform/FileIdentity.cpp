@@ -41,6 +41,12 @@ bool isSameFile(const QUrl &a, const QUrl &b)
            first.st_ino == second.st_ino;
 }
 
+QString placeKey(const QUrl &location)
+{
+    const QFileInfo info(location.toLocalFile());
+    return canonicalKey(QUrl::fromLocalFile(info.absolutePath())) + u'/' + info.fileName();
+}
+
 bool isTakenName(const QUrl &location)
 {
     const QFileInfo info(location.toLocalFile());

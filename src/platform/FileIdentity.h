@@ -12,6 +12,9 @@ bool isSameFile(const QUrl &a, const QUrl &b);
 /// A text that is equal for two spellings of one path (links in folders resolved), for look-ups.
 QString canonicalKey(const QUrl &location);
 
+/// The same for a name itself: a link that stands there is not followed.
+QString placeKey(const QUrl &location);
+
 /// True when anything stands at that name, a dangling link included.
 bool isTakenName(const QUrl &location);
 

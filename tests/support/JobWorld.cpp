@@ -62,6 +62,7 @@ jobs::JobContext JobWorld::jobContext(step::WhenTaken whenTaken, step::StepLaunc
 step::ConverterContext JobWorld::converterContext(step::OutputGuard &guard)
 {
     QDir().mkpath(scratch.path(u"temp"_s));
+    guard.files().setPrivateFolder(scratch.path(u"temp"_s));
     return {preferences, notifications, launcher, guard, scratch.path(u"temp/"_s)};
 }
 

@@ -106,6 +106,8 @@ public:
     virtual step::Outcome outcome() const;
     /// What the step writes: its output, or the parts that are there of one that comes in parts.
     virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
+    /// What the tool is going to write, by claimed names.
+    virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job.
     virtual QList<QUrl> temporaryFiles() const;
 
@@ -145,6 +147,7 @@ private:
     void endOfStream(tools::ToolProcess::Channel channel);
     void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
+    QString makeWay();
 
     step::ConverterContext m_context;
     QString m_refusal;

@@ -8,8 +8,6 @@
 #include "tools/step/FfmpegProgress.h"
 #include "tools/step/OutputGuard.h"
 
-#include <QFile>
-#include <QSaveFile>
 #include <QTimer>
 
 #include <utility>
@@ -32,16 +30,27 @@ step::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &me
     return launch;
 }
 
+/// Null, or why the tool must not be started.
+QString KXConverter::makeWay()
+{
+    for (const QUrl &name : namesToWrite()) {
+        const QString problem = m_context.launcher.makeWay(m_context.guard, name);
+        if (!problem.isNull())
+            return problem;
+    }
+    return {};
+}
+
 tools::ToolProcessPointer
 KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const tools::OptionList &options,
                                                          ShouldWait wait)
 {
     m_tool = tool;
-    m_refusal = m_context.launcher.makeWay(m_context.guard, outputFileURL());
+    m_refusal = makeWay();
     if (!m_refusal.isNull())
         return nullptr;
-    if (!m_context.launcher.isRehearsal() && m_context.guard.mayDelete(logFileURL()))
-        QFile::remove(logFileURL().toLocalFile());
+    if (!m_context.launcher.isRehearsal())
+        m_context.guard.files().remove(logFileURL()); // that of the run before
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     const tools::OptionList launched = launchForm(options);
@@ -127,29 +136,20 @@ void KXConverter::handleNewTaskResult(const step::ReadEvent &event)
 /// A log that can't be written is no reason to end the tool.
 void KXConverter::appendToLog(const QByteArray &bytes)
 {
-    const QString path = logFileURL().toLocalFile();
-    if (!m_context.guard.mayDelete(logFileURL()))
-        return;
     const bool isFirst = !std::exchange(m_logIsBegun, true);
-    QFile file(path);
-    if (file.exists()) {
-        if (file.open(QIODevice::WriteOnly | QIODevice::Append))
-            file.write(bytes);
-        return;
-    }
+    step::OwnFiles &files = m_context.guard.files();
     // A log that was taken away is written whole again; a new one gets the bytes as they came, which
     // may end within a character.
-    QSaveFile fresh(path);
-    if (fresh.open(QIODevice::WriteOnly)) {
-        fresh.write(isFirst ? bytes : m_logString.toUtf8());
-        fresh.commit();
-    }
+    if (!files.append(logFileURL(), bytes))
+        files.create(logFileURL(), isFirst ? bytes : m_logString.toUtf8());
 }
 
 QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
 {
     m_tool = tool;
-    m_refusal = m_context.launcher.makeWay(m_context.guard, outputFileURL());
+    m_refusal = makeWay();
+    if (m_refusal.isNull())
+        m_refusal = m_context.launcher.makeLog(m_context.guard, logFileURL());
     if (!m_refusal.isNull())
         return {};
     const tools::OptionList launched = launchForm(options);
@@ -160,6 +160,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     // Only a whole number is an id: anything else is the shell's word on why nothing runs.
     if (tools::isAllDigits(pid))
         return pid;
+    m_context.guard.files().remove(logFileURL());
     if (!pid.isNull())
         m_refusal = pid.isEmpty() ? u"%1 could not be started."_s.arg(tool.fileName()) : pid;
     return {};

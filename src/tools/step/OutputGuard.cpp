@@ -3,11 +3,7 @@
 #include "platform/FileIdentity.h"
 #include "tools/step/OutputRegistry.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QMap>
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -17,55 +13,25 @@ namespace step {
 
 namespace {
 
-/// Equal for two spellings of one name; a link that stands there is not followed.
-QString placeKey(const QUrl &location)
+using platform::placeKey;
+
+/// What the tool puts behind the name of a part.
+QString numberOfPart(OutputForm form)
 {
-    const QFileInfo info(location.toLocalFile());
-    const QUrl folder = QUrl::fromLocalFile(info.absolutePath());
-    return platform::canonicalKey(folder) + u'/' + info.fileName();
+    return form == OutputForm::NumberedParts ? u"-001"_s : QString();
 }
 
-/// "a.m4v" with " (2)" gives "a (2).m4v".
-QUrl withMark(const QUrl &location, const QString &mark)
+bool isTooLong(const QUrl &location, OutputForm form)
 {
-    const QFileInfo info(location.toLocalFile());
-    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-    const QString stem = info.fileName().chopped(suffix.size());
-    return QUrl::fromLocalFile(info.absolutePath() + u'/' + stem + mark + suffix);
-}
-
-/// Matches the names of an output's parts and captures their numbers.
-QRegularExpression partPattern(const QUrl &output)
-{
-    const QFileInfo info(output.toLocalFile());
-    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-    const QString stem = info.fileName().chopped(suffix.size());
-    return QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(stem) +
-                                                                  u"-([0-9]+)"_s +
-                                                                  QRegularExpression::escape(suffix)),
-                              QRegularExpression::DotMatchesEverythingOption);
+    return platform::isTooLongName(QUrl::fromLocalFile(location.toLocalFile() + numberOfPart(form)));
 }
 
 } // namespace
 
-/// No QDir::filePath(): it takes a name that begins with a colon for a resource.
-QList<QUrl> partsOf(const QUrl &output)
-{
-    const QRegularExpression pattern = partPattern(output);
-    const QDir folder = QFileInfo(output.toLocalFile()).absoluteDir();
-    QMap<std::pair<qint64, QString>, QUrl> parts; // "a-1" and "a-001" are two
-    for (const QString &name : folder.entryList(QDir::Files | QDir::System | QDir::Hidden)) {
-        const auto match = pattern.match(name);
-        if (match.hasMatch())
-            parts.insert({match.captured(1).toLongLong(), name},
-                         QUrl::fromLocalFile(folder.path() + u'/' + name));
-    }
-    return parts.values();
-}
-
 OutputGuard::OutputGuard(OutputRegistry &registry, WhenTaken whenTaken)
     : m_registry(registry)
     , m_whenTaken(whenTaken)
+    , m_files([this](const QUrl &location) { return claimOf(location); })
 {
 }
 
@@ -76,9 +42,13 @@ OutputGuard::~OutputGuard()
 
 void OutputGuard::setInputs(const QList<QUrl> &inputs)
 {
-    m_inputs = inputs;
-    for (const QUrl &input : inputs)
+    m_inputs.clear();
+    for (const QUrl &input : inputs) {
+        if (m_inputs.contains(input))
+            continue; // most tracks are of one file
+        m_inputs.append(input);
         m_registry.add(this, input);
+    }
 }
 
 bool OutputGuard::isInput(const QUrl &location) const
@@ -96,10 +66,10 @@ bool OutputGuard::isFree(const QUrl &location, OutputForm form) const
 
 QUrl OutputGuard::nextFree(const QUrl &wanted, OutputForm form) const
 {
-    if (isFree(wanted, form))
+    if (isFree(wanted, form) && !isTooLong(wanted, form))
         return wanted;
     for (int number = 2;; ++number) {
-        const QUrl candidate = withMark(wanted, u" (%1)"_s.arg(number));
+        const QUrl candidate = withMark(wanted, u" (%1)"_s.arg(number), numberOfPart(form).size());
         if (isFree(candidate, form))
             return candidate;
     }
@@ -142,6 +112,10 @@ QString OutputGuard::refusalForParts(const QUrl &wanted) const
 OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted, OutputForm form)
 {
     Claim claim;
+    if (isTooLong(wanted, form)) {
+        const QString sentence = u"The name of the output %1 would be too long, so nothing was started."_s;
+        return {wanted, sentence.arg(wanted.toLocalFile())};
+    }
     claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted, form) : wanted;
     claim.refusal = form == OutputForm::NumberedParts ? refusalForParts(claim.url) : refusalFor(claim.url);
     if (!claim.refusal.isNull())
@@ -160,51 +134,70 @@ void OutputGuard::take(const QUrl &location)
 
 QUrl OutputGuard::claimFree(const QUrl &wanted)
 {
-    const QUrl url = nextFree(wanted);
+    const QUrl url = nextFree(platform::isTooLongName(wanted) ? withMark(wanted, {}) : wanted);
     take(url);
     return url;
 }
 
 bool OutputGuard::hasClaimed(const QUrl &location) const
 {
-    return m_claimed.contains(placeKey(location)) || isPartOfOurs(location);
+    return m_claimed.contains(placeKey(location)) || !outputOfPart(location).isEmpty();
 }
 
-bool OutputGuard::isPartOfOurs(const QUrl &location) const
+/// The output in parts to which that name would belong; nothing when there is none.
+QUrl OutputGuard::outputOfPart(const QUrl &location) const
 {
     const QFileInfo info(location.toLocalFile());
-    return std::any_of(m_inParts.begin(), m_inParts.end(), [&](const QUrl &output) {
+    const auto found = std::find_if(m_inParts.begin(), m_inParts.end(), [&](const QUrl &output) {
         return QFileInfo(output.toLocalFile()).absolutePath() == info.absolutePath() &&
                partPattern(output).match(info.fileName()).hasMatch();
     });
+    return found == m_inParts.end() ? QUrl() : *found;
 }
 
-bool OutputGuard::mayDelete(const QUrl &location) const
+/// The plain name of an output in parts is never written.
+QString OutputGuard::claimOf(const QUrl &location) const
 {
-    return !location.toLocalFile().isEmpty() && !isInput(location);
+    if (location.toLocalFile().isEmpty() || isInput(location) || m_inParts.contains(location))
+        return {};
+    if (m_claimed.contains(placeKey(location)))
+        return placeKey(location);
+    const QUrl output = outputOfPart(location);
+    return output.isEmpty() ? QString() : placeKey(output) + u'/';
 }
 
 QString OutputGuard::makeWayFor(const QUrl &output)
 {
-    const QList<QUrl> places = m_inParts.contains(output) ? partsOf(output) : QList<QUrl>{output};
-    for (const QUrl &place : places) {
+    if (!hasClaimed(output))
+        return {};
+    const bool isInParts = m_inParts.contains(output);
+    for (const QUrl &place : isInParts ? partsOf(output) : QList<QUrl>{output}) {
         const QString problem = setAside(place);
         if (!problem.isNull())
             return problem;
     }
-    return {};
+    return isInParts ? beginParts(output) : m_files.begin(output);
+}
+
+/// All parts are begun by one of them.
+QString OutputGuard::beginParts(const QUrl &output)
+{
+    for (const QUrl &part : partsOf(output)) {
+        const QString problem = m_files.begin(part);
+        if (!problem.isNull())
+            return problem;
+    }
+    return m_files.begin(withMark(output, u"-001"_s));
 }
 
 QString OutputGuard::setAside(const QUrl &output)
 {
     if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !hasClaimed(output))
         return {};
-    const bool isOurs = std::any_of(m_replaced.begin(), m_replaced.end(),
-                                    [&](const Replaced &replaced) { return replaced.place == output; });
-    if (isOurs)
+    if (m_files.isOwn(output))
         return {}; // a second pass, or a retry, writes over its own first try
-    const QUrl aside = nextFree(withMark(output, u" (replaced)"_s));
-    if (!QFile::rename(output.toLocalFile(), aside.toLocalFile()))
+    const QUrl aside = claimFree(withMark(output, u" (replaced)"_s));
+    if (!m_files.setAside(output, aside))
         return u"The old %1 can't be set aside, so nothing was started."_s.arg(output.toLocalFile());
     m_replaced.append({output, aside});
     return {};
@@ -214,9 +207,9 @@ void OutputGuard::forgetReplaced()
 {
     for (const Replaced &replaced : std::as_const(m_replaced)) {
         if (platform::isTakenName(replaced.place))
-            QFile::remove(replaced.aside.toLocalFile());
+            m_files.remove(replaced.aside);
         else // nothing came in its place after all
-            QFile::rename(replaced.aside.toLocalFile(), replaced.place.toLocalFile());
+            m_files.giveBack(replaced.aside, replaced.place);
     }
     m_replaced.clear();
 }
@@ -226,12 +219,12 @@ QList<std::pair<QUrl, QUrl>> OutputGuard::putBackReplaced()
     QList<std::pair<QUrl, QUrl>> moved;
     for (const Replaced &replaced : std::as_const(m_replaced)) {
         if (platform::isTakenName(replaced.place)) {
-            const QUrl incomplete = nextFree(withMark(replaced.place, u" (incomplete)"_s));
-            if (!QFile::rename(replaced.place.toLocalFile(), incomplete.toLocalFile()))
+            const QUrl incomplete = claimFree(withMark(replaced.place, u" (incomplete)"_s));
+            if (!m_files.rename(replaced.place, incomplete))
                 continue; // both stay where they are, so nothing is lost
             moved.append({replaced.place, incomplete});
         }
-        QFile::rename(replaced.aside.toLocalFile(), replaced.place.toLocalFile());
+        m_files.giveBack(replaced.aside, replaced.place);
     }
     m_replaced.clear();
     return moved;
@@ -242,6 +235,7 @@ void OutputGuard::release()
     m_registry.release(this);
     m_claimed.clear();
     m_inParts.clear();
+    m_files.clear();
 }
 
 } // namespace step

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "tools/step/FreeNames.h"
+#include "tools/step/OwnFiles.h"
+
 #include <QList>
 #include <QSet>
 #include <QUrl>
@@ -17,9 +20,6 @@ enum class WhenTaken {
 
 /// Whether a tool writes its output under that name, or numbers it in parts: "a-001.mkv", "a-002.mkv".
 enum class OutputForm { OneFile, NumberedParts };
-
-/// The parts of an output that are there, in the order of their numbers.
-QList<QUrl> partsOf(const QUrl &output);
 
 /// Keeps one job from ever harming a file: it gives names that are free, refuses outputs that are
 /// inputs, sets replaced files aside and puts them back. Owned by its job; main thread only.
@@ -43,14 +43,16 @@ public:
     Claim claimOutput(const QUrl &wanted, OutputForm form = OutputForm::OneFile);
     /// A name for a log or an intermediate file: always one where nothing stands.
     QUrl claimFree(const QUrl &wanted);
-    /// False for inputs and for no place at all. Logs and intermediate files have names from
-    /// claimFree(), so nothing stood there before the job.
-    bool mayDelete(const QUrl &location) const;
     /// True when that name is an output, log or intermediate file of this job.
     bool hasClaimed(const QUrl &location) const;
 
-    /// Right before the tool starts: moves a file that is to be replaced out of the way. Answers a
-    /// null text, or why that was not possible.
+    /// What of it the job has made: all its writing, renaming and deleting goes through there.
+    OwnFiles &files() { return m_files; }
+    const OwnFiles &files() const { return m_files; }
+
+    /// Right before the tool starts: moves a file that is to be replaced out of the way, and takes the
+    /// name for the job's own. Answers a null text, or why that was not possible. A name that was not
+    /// claimed is left alone.
     QString makeWayFor(const QUrl &output);
     /// The job ended well: what was set aside goes.
     void forgetReplaced();
@@ -71,8 +73,11 @@ private:
     QString refusalFor(const QUrl &wanted) const;
     QString refusalForTaken(const QString &path) const;
     QString refusalForParts(const QUrl &wanted) const;
-    bool isPartOfOurs(const QUrl &location) const;
+    QUrl outputOfPart(const QUrl &location) const;
+    /// The claim that covers a name that may be written, as a key; empty where there is none.
+    QString claimOf(const QUrl &location) const;
     QString setAside(const QUrl &output);
+    QString beginParts(const QUrl &output);
     void take(const QUrl &location);
 
     OutputRegistry &m_registry;
@@ -81,6 +86,7 @@ private:
     QSet<QString> m_claimed; // by canonical folder and name
     QList<QUrl> m_inParts;   // outputs that come in numbered parts
     QList<Replaced> m_replaced;
+    OwnFiles m_files;
 };
 
 } // namespace step

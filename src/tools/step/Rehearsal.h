@@ -19,8 +19,9 @@ public:
                                            const tools::ToolProcess::Request &request) override;
     QString startShellLine(const Launch &launch, const tools::ShellLine &line,
                            const std::function<QString()> &run) override;
-    bool copyFile(const QUrl &from, const QUrl &to) override;
+    bool copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to) override;
     QString makeWay(OutputGuard &guard, const QUrl &output) override;
+    QString makeLog(OutputGuard &guard, const QUrl &log) override;
     bool isRehearsal() const override { return true; }
 
     const QList<Entry> &entries() const { return m_entries; }

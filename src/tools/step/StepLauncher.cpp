@@ -2,7 +2,7 @@
 
 #include "tools/step/OutputGuard.h"
 
-#include <QFile>
+using namespace Qt::StringLiterals;
 
 namespace step {
 
@@ -18,15 +18,26 @@ QString StepLauncher::startShellLine(const Launch &, const tools::ShellLine &,
     return run();
 }
 
-bool StepLauncher::copyFile(const QUrl &from, const QUrl &to)
+bool StepLauncher::copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to)
 {
-    QFile::remove(to.toLocalFile());
-    return QFile::copy(from.toLocalFile(), to.toLocalFile());
+    return guard.files().copy(from, to);
 }
 
 QString StepLauncher::makeWay(OutputGuard &guard, const QUrl &output)
 {
     return guard.makeWayFor(output);
+}
+
+/// Made here, so that the shell never writes through what somebody put at its name meanwhile. Where it can't
+/// be made for another reason, the shell says why.
+QString StepLauncher::makeLog(OutputGuard &guard, const QUrl &log)
+{
+    if (!guard.hasClaimed(log))
+        return u"The log %1 is not the job's own, so nothing was started."_s.arg(log.toLocalFile());
+    const QString problem = guard.files().begin(log);
+    if (problem.isNull())
+        guard.files().write(log, {});
+    return problem;
 }
 
 } // namespace step

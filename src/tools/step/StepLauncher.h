@@ -36,10 +36,13 @@ public:
     /// run starts the shell line and answers the process id it printed.
     virtual QString startShellLine(const Launch &launch, const tools::ShellLine &line,
                                    const std::function<QString()> &run);
-    /// Copies a file; an old one at the target goes first. False when that failed.
-    virtual bool copyFile(const QUrl &from, const QUrl &to);
-    /// Moves a file that is to be replaced out of the way; null, or why that was not possible.
+    /// Copies a file to a name of the job, over an old copy of it. False when that failed.
+    virtual bool copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to);
+    /// Moves a file that is to be replaced out of the way, and takes the name for the job's own; null, or
+    /// why that was not possible.
     virtual QString makeWay(OutputGuard &guard, const QUrl &output);
+    /// An empty log for a shell line that writes into it; null, or why that was not possible.
+    virtual QString makeLog(OutputGuard &guard, const QUrl &log);
     /// True when nothing is really run.
     virtual bool isRehearsal() const { return false; }
 };

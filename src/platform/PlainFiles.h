@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QByteArray>
+#include <QUrl>
+
+#include <optional>
+
+namespace platform {
+
+/// What stands at a name itself: a link is not followed.
+struct FileId
+{
+    quint64 device = 0;
+    quint64 inode = 0;
+    bool isPlain = false; ///< no link, folder, pipe or device
+
+    bool isSameAs(const FileId &other) const { return device == other.device && inode == other.inode; }
+};
+
+/// Nothing where the name is free.
+std::optional<FileId> fileAt(const QUrl &location);
+
+// None of these ever writes through a link.
+
+/// Writes a new file. Nothing, and nothing written, where anything stands at that name.
+std::optional<FileId> createFile(const QUrl &location, const QByteArray &content);
+/// Appends to that very file; false where another one, or none, stands at its name by now.
+bool appendToFile(const QUrl &location, const FileId &file, const QByteArray &bytes);
+/// Writes the file whole beside its name and puts it there. False, and nothing changed, where that fails or
+/// where something else than a plain file stands.
+bool replacePlainFile(const QUrl &location, const QByteArray &content);
+/// Copies a plain file to a free name; false where there is none or the name is not free.
+std::optional<FileId> copyPlainFile(const QUrl &from, const QUrl &to);
+/// Gives a file another name of its volume; false where that is taken.
+bool renameToFreeName(const QUrl &from, const QUrl &to);
+/// The same, over what stands there.
+bool renameOver(const QUrl &from, const QUrl &to);
+/// Takes a name away; a link goes itself.
+bool removeName(const QUrl &location);
+
+/// How many bytes a name in that folder may have.
+qsizetype longestNameIn(const QString &folder);
+/// Whether a file of that name could not be made, as the name is too long for its folder.
+bool isTooLongName(const QUrl &location);
+
+} // namespace platform
