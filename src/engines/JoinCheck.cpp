@@ -90,14 +90,16 @@ QStringList mismatchedProperties(const QList<VideoFilePointer> &files)
     return names;
 }
 
-/// All at once: a join waits for the slowest file only.
 QList<VideoFilePointer> probedForJoining(const QList<QUrl> &files, const tools::ToolPlaces &places,
-                                         const tools::StopFlag &stop)
+                                         const tools::StopFlag &stop, int atOnce)
 {
     std::vector<VideoFilePointer> probed(static_cast<std::size_t>(files.size()));
     QThreadPool pool;
+    pool.setMaxThreadCount(qMax(atOnce, 1));
     for (std::size_t i = 0; i < probed.size(); ++i) {
         pool.start([&probed, &places, &stop, i, url = files.at(static_cast<qsizetype>(i))] {
+            if (stop && *stop)
+                return;
             const auto file = std::make_shared<KXVideoFile>(&places);
             file->setStopFlag(stop);
             if (file->initializeForURL(url) == u"OK"_s)

@@ -9,10 +9,10 @@ namespace engines {
 /// "Track Count", "Track Types", "Track Codecs".
 QStringList mismatchedProperties(const QList<VideoFilePointer> &files);
 
-/// Probes the files for that; those that can't be probed are left out. Serves the event loop meanwhile; a
-/// set flag ends it.
+/// Probes the files for that, so many at a time; those that can't be probed are left out. Serves the event
+/// loop meanwhile; a set flag ends it.
 QList<VideoFilePointer> probedForJoining(const QList<QUrl> &files, const tools::ToolPlaces &places,
-                                         const tools::StopFlag &stop);
+                                         const tools::StopFlag &stop, int atOnce);
 
 /// The warning that names them; it closes itself after 15 s.
 platform::AlertPointer mismatchAlert(const QStringList &names);

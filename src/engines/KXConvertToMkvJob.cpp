@@ -6,6 +6,8 @@
 #include "engines/StepPolling.h"
 #include "media/KXVideoTrack.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -61,13 +63,26 @@ void KXConvertToMkvJob::startJob()
         if (!converter)
             continue;
         auto *ffmpeg = static_cast<KXFfmpegConverter *>(converter.get());
-        backgroundStepStarted(converter, ffmpeg->startConvertingTrackItemToProcess(jobSelection()));
+        if (ffmpeg->prepareTrackItemToProcess(jobSelection()))
+            m_waiting.append(ffmpeg);
+        backgroundStepStarted(converter, {});
     }
     redirectTracks();
+    const bool isRehearsal = context().launcher.isRehearsal();
+    startWaitingConversions(isRehearsal ? static_cast<int>(m_waiting.size()) : toolsAtOnce());
     postProgress(progressList());
     if (context().launcher.isRehearsal())
         return muxStep();
     QTimer::singleShot(monitorDelayMs, this, [this] { monitorStartJob(); });
+}
+
+void KXConvertToMkvJob::startWaitingConversions(int most)
+{
+    for (int started = 0; started < most && !m_waiting.isEmpty() && !isPaused(); ++started) {
+        const QString pid = m_waiting.takeFirst()->startPreparedTrack();
+        if (!pid.isEmpty())
+            addTask(pid);
+    }
 }
 
 /// A converted track is taken from its own file, where it is alone. By the track that a converter works
@@ -87,12 +102,22 @@ void KXConvertToMkvJob::redirectTracks()
     }
 }
 
+QString KXConvertToMkvJob::answerOf(KXConverter *converter) const
+{
+    if (converter == nullptr)
+        return u"Complete"_s;
+    const bool waits = std::any_of(m_waiting.begin(), m_waiting.end(),
+                                   [&](const KXFfmpegConverter *waiting) { return waiting == converter; });
+    return waits ? u"0%"_s : engines::polled(*converter);
+}
+
 bool KXConvertToMkvJob::pollConversions(const jobs::ProgressList &previous, jobs::ProgressList &current)
 {
     qsizetype finished = 0;
     const auto converters = stepConverterList();
+    const qsizetype waiting = m_waiting.size();
     for (const ConverterPointer &converter : converters) {
-        const QString answer = converter ? engines::polled(*converter) : u"Complete"_s;
+        const QString answer = answerOf(converter.get());
         if (answer == u"Complete"_s)
             ++finished;
         if (!converter)
@@ -104,6 +129,9 @@ bool KXConvertToMkvJob::pollConversions(const jobs::ProgressList &previous, jobs
         }
         current.append(engines::itemFor(converter->stepName(), answer, previous, current.size()));
     }
+    const auto free = toolsAtOnce() - static_cast<int>(converters.size() - finished - waiting);
+    if (waiting > 0 && free > 0)
+        runOnMain([this, free] { startWaitingConversions(free); }, Qt::BlockingQueuedConnection);
     return finished >= converters.size();
 }
 

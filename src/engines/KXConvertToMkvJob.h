@@ -4,7 +4,7 @@
 #include "jobs/KXJob.h"
 
 /// Makes an MKV file of a selection: re-encodes the tracks that do not pass through, each into a file of its
-/// own and all at the same time, and then muxes everything with mkvmerge. Followed by polling.
+/// own and several at the same time, and then muxes everything with mkvmerge. Followed by polling.
 class KXConvertToMkvJob final : public KXJob
 {
     Q_OBJECT
@@ -25,7 +25,12 @@ private:
     /// The converter that a track needs; null for one that goes in as it is.
     ConverterPointer converterFor(KXVideoTrack &track, qsizetype index, const QString &label);
     QList<ConverterPointer> makeConverters();
+    void startWaitingConversions(int most);
     void redirectTracks();
+    QString answerOf(KXConverter *converter) const;
     bool pollConversions(const jobs::ProgressList &previous, jobs::ProgressList &current);
     bool conversionsSucceeded();
+
+    /// Those that have not been started. While the monitor looks, nobody else touches it.
+    QList<KXFfmpegConverter *> m_waiting;
 };

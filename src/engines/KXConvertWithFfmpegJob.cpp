@@ -159,15 +159,15 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
     if (outcome.verdict == step::Verdict::Failed)
         addOutcome(outcome);
     else if (keeping == KXConverter::Keeping::TheOutput)
-        keepFile(dumper.outputFileURL());
+        keepFiles(dumper.outputFiles());
     return dumper.outputFileURL();
 }
 
 /// What was to go with the job if it had been stopped meanwhile now stays.
-void KXConvertWithFfmpegJob::keepFile(const QUrl &file)
+void KXConvertWithFfmpegJob::keepFiles(const QList<QUrl> &kept)
 {
     QList<QUrl> files = tempFilesToDeleteList();
-    files.removeAll(file);
+    files.removeIf([&](const QUrl &file) { return kept.contains(file); });
     setTempFilesToDeleteList(files);
 }
 

@@ -48,7 +48,7 @@ private:
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
     void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
-    void keepFile(const QUrl &file);
+    void keepFiles(const QList<QUrl> &kept);
     void waitForBackground(const QString &pid);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);

@@ -58,13 +58,12 @@ void KXEditMkvJob::startExtraction()
         dumper->setIsTemporaryOutput(false);
         dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
             index, engines::extractionLabel(*theTracks().at(index)), KXConverter::Keeping::TheOutput);
+        dumper->prepareForSelection(jobSelection());
         converters.append(dumper);
     }
-    setStepConverterList(converters);
-    for (const ConverterPointer &converter : std::as_const(converters))
-        stepStarted(converter, converter->startConversionForSelection(jobSelection()));
-    postProgress(progressList());
-    endIfNothingRuns();
+    startInTurn(converters, [](KXConverter &converter) {
+        return static_cast<KXTrackDumper &>(converter).startPrepared();
+    });
 }
 
 void KXEditMkvJob::startJoin()

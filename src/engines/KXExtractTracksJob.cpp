@@ -30,16 +30,12 @@ void KXExtractTracksJob::startJob()
         const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
         dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
             index, engines::extractionLabel(*tracks.at(index)), KXConverter::Keeping::TheOutput);
+        dumper->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
         converters.append(dumper);
     }
-    setStepConverterList(converters);
-    for (const ConverterPointer &converter : std::as_const(converters)) {
-        const auto task = converter->startConversionForSelectionWithSaveDirectoryURL(
-            jobSelection(), appPreferences().saveDirectoryURL());
-        stepStarted(converter, task);
-    }
-    postProgress(progressList());
-    endIfNothingRuns();
+    startInTurn(converters, [](KXConverter &converter) {
+        return static_cast<KXTrackDumper &>(converter).startPrepared();
+    });
 }
 
 void KXExtractTracksJob::monitorNotifications(const KXNotification &notification)

@@ -2,7 +2,7 @@
 
 #include "jobs/KXJob.h"
 
-/// Extracts each track of its selection into a file of its own, all at the same time.
+/// Extracts each track of its selection into a file of its own, several at the same time.
 class KXExtractTracksJob final : public KXJob
 {
     Q_OBJECT

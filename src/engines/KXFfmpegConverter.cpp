@@ -130,11 +130,16 @@ tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
 
 QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPointer &selection)
 {
+    return prepareTrackItemToProcess(selection) ? startPreparedTrack() : QString();
+}
+
+bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &selection)
+{
     initializeFor(selection);
     const TrackList tracks = selection->trackList();
     if (trackItemToProcess() < 0 || trackItemToProcess() >= tracks.size()) {
         refuse(u"The track to convert is not there."_s);
-        return {};
+        return false;
     }
     const KXVideoTrack &track = *tracks.at(trackItemToProcess());
     const QString suffix = engines::singleTrackSuffix(track);
@@ -145,12 +150,17 @@ QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPoin
         wanted = engines::outputForBase(outputFileURL().toLocalFile() + suffix, kind, {});
     prepareNames(wanted);
     if (!refusal().isNull())
-        return {};
+        return false;
     const auto lists = engines::singleTrackLists(*selection, track, outputFileURL(), logFileURL());
     setOptionArray1(lists.first);
     setOptionArray2(lists.second);
     setCurrentPass(lists.currentPass);
     m_isShellLine = true;
+    return true;
+}
+
+QString KXFfmpegConverter::startPreparedTrack()
+{
     setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), optionArray1()));
     setOldProgress(u"00:00:00"_s);
     return doShell_ID();

@@ -34,6 +34,10 @@ public:
     tools::ToolProcessPointer startTimeStampRetry();
     /// Converts the track at trackItemToProcess() in the shell's background; answers the process id.
     QString startConvertingTrackItemToProcess(const SelectionPointer &selection);
+    /// The names and lists of such a run; false, with a refusal, when nothing may be started.
+    /// startPreparedTrack() starts it then.
+    bool prepareTrackItemToProcess(const SelectionPointer &selection);
+    QString startPreparedTrack();
     void prepSubtitleForBurning(const QUrl &subtitle);
     void handleNewTaskResult(const step::ReadEvent &event) override;
     void backgroundReadingCompleted() override;

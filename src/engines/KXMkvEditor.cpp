@@ -24,7 +24,8 @@ KXMkvEditor::KXMkvEditor(const step::ConverterContext &context)
 
 QStringList KXMkvEditor::findMismatchedProperetiesFor(const QList<QUrl> &files)
 {
-    return engines::mismatchedProperties(engines::probedForJoining(files, appPreferences(), stopFlag()));
+    return engines::mismatchedProperties(
+        engines::probedForJoining(files, appPreferences(), stopFlag(), context().toolsAtOnce));
 }
 
 /// Names, and the warning; false when nothing may be started.

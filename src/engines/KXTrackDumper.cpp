@@ -48,9 +48,8 @@ bool KXTrackDumper::prepare(const QString &base, Naming naming)
     return true;
 }
 
-tools::ToolProcessPointer
-KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
-                                                               const QUrl &folder)
+bool KXTrackDumper::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                            const QUrl &folder)
 {
     setConverterSelection(selection);
     if (track() != nullptr)
@@ -58,17 +57,28 @@ KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPo
     const QFileInfo source(selection->videoTrackFileURL().toLocalFile());
     setSaveDirectoryURL(isEmpty(folder) ? QUrl::fromLocalFile(source.absolutePath()) : folder);
     const QString path = saveDirectoryURL().toLocalFile();
-    const QString base = (path.endsWith(u'/') ? path : path + u'/') + inputFileURL().fileName();
-    return prepare(base, Naming::Output) ? start() : nullptr;
+    return prepare((path.endsWith(u'/') ? path : path + u'/') + inputFileURL().fileName(), Naming::Output);
+}
+
+bool KXTrackDumper::prepareForSelection(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    return prepare(outputFileURL().toLocalFile(), Naming::Output);
+}
+
+tools::ToolProcessPointer
+KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                               const QUrl &folder)
+{
+    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
 }
 
 tools::ToolProcessPointer KXTrackDumper::startConversionForSelection(const SelectionPointer &selection)
 {
-    initializeFor(selection);
-    return prepare(outputFileURL().toLocalFile(), Naming::Output) ? start() : nullptr;
+    return prepareForSelection(selection) ? startPrepared() : nullptr;
 }
 
-tools::ToolProcessPointer KXTrackDumper::start()
+tools::ToolProcessPointer KXTrackDumper::startPrepared()
 {
     postConversionStarted();
     if (engines::isForMkvextract(*track())) {

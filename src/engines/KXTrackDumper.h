@@ -21,6 +21,11 @@ public:
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
     tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
+    /// The names of a run, claimed; false, with a refusal, when nothing may be started. startPrepared() starts
+    /// it then.
+    bool prepareForSelection(const SelectionPointer &selection);
+    bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    tools::ToolProcessPointer startPrepared();
     QString startConversionFor(const SelectionPointer &selection) override;
     void handleNewTaskResult(const step::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
@@ -38,7 +43,6 @@ private:
 
     const KXVideoTrack *track() const;
     bool prepare(const QString &base, Naming naming);
-    tools::ToolProcessPointer start();
     QString pollFfmpeg();
     QString pollMkvextract();
     step::Outcome outcomeBeside(const step::Outcome &ended, const KXVideoTrack &source) const;

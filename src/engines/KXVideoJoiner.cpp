@@ -31,7 +31,9 @@ KXVideoJoiner::~KXVideoJoiner()
 
 QStringList KXVideoJoiner::findMismatchedProperetiesFor(const QList<QUrl> &files)
 {
-    return engines::mismatchedProperties(engines::probedForJoining(files, appPreferences(), stopFlag()));
+    const int besideTheTool = context().toolsAtOnce - 1;
+    return engines::mismatchedProperties(
+        engines::probedForJoining(files, appPreferences(), stopFlag(), besideTheTool));
 }
 
 tools::ToolProcessPointer
@@ -52,15 +54,17 @@ KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPo
         return nullptr;
     claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
     auto task = start(files);
-    if (task)
+    m_mustLook = task != nullptr;
+    if (m_mustLook && context().toolsAtOnce > 1)
         lookAt(files);
     return task;
 }
 
-/// Beside the tool: a warning holds no join up, and probing several files takes about as long as joining
-/// them.
+/// Beside the tool, where there is more than one core: a warning holds no join up, and probing several files
+/// takes about as long as joining them.
 void KXVideoJoiner::lookAt(const QList<QUrl> &files)
 {
+    m_mustLook = false;
     m_look.reset(QThread::create([this, files] { m_mismatched = findMismatchedProperetiesFor(files); }));
     connect(m_look.get(), &QThread::finished, this, &KXVideoJoiner::looked);
     m_look->start();
@@ -174,6 +178,8 @@ void KXVideoJoiner::backgroundReadingCompleted()
 {
     KXConverter::backgroundReadingCompleted();
     m_toolIsDone = true;
+    if (m_mustLook && !isStopped())
+        lookAt(converterSelection()->editFilesURLsList());
     completeWhenAllIsDone();
 }
 

@@ -48,4 +48,5 @@ private:
     std::unique_ptr<QThread> m_look; ///< null when nobody looks at the files
     QStringList m_mismatched;
     bool m_toolIsDone = false;
+    bool m_mustLook = false; ///< and nobody has begun to
 };

@@ -2,6 +2,8 @@
 
 #include "tools/step/OutputGuard.h"
 
+#include <QThread>
+
 class KXNotificationCenter;
 class KXPreferences;
 
@@ -31,6 +33,7 @@ struct JobContext
     step::OutputRegistry &outputs;
     step::ScratchFolder &scratch;
     step::WhenTaken whenTaken = step::WhenTaken::NextFreeName;
+    int toolsAtOnce = QThread::idealThreadCount(); ///< of one job
 };
 
 } // namespace jobs

@@ -94,7 +94,7 @@ const QString &KXJob::temporaryFolder()
 step::ConverterContext KXJob::converterContext()
 {
     return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard,
-            temporaryFolder(),     &m_context.alerts};
+            temporaryFolder(),     &m_context.alerts,       toolsAtOnce()};
 }
 
 void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
@@ -118,6 +118,43 @@ void KXJob::startSingleStep(const ConverterPointer &converter,
     stepStarted(converter, task);
     postProgress(m_progressList);
     endIfNothingRuns();
+}
+
+void KXJob::startInTurn(const QList<ConverterPointer> &converters, const StepStart &start)
+{
+    setStepConverterList(converters);
+    m_startStep = start;
+    for (qsizetype index = 0; index < converters.size(); ++index) {
+        const KXConverter &converter = *converters.at(index);
+        const bool isRefused = !converter.refusal().isNull();
+        m_progressList.append({converter.stepName(), isRefused ? u"Complete"_s : u"0%"_s});
+        noteFilesOf(converter);
+        if (!isRefused)
+            m_waitingSteps.append(index);
+    }
+    startWaitingSteps();
+    postProgress(m_progressList);
+    endIfNothingRuns();
+}
+
+void KXJob::startWaitingSteps()
+{
+    const auto mayStart = [this] {
+        return m_context.launcher.isRehearsal() || m_runningSteps.size() < toolsAtOnce();
+    };
+    while (!m_waitingSteps.isEmpty() && !m_isPaused && !jobIsCancelled() && mayStart())
+        startWaitingStep(m_waitingSteps.takeFirst());
+}
+
+void KXJob::startWaitingStep(qsizetype index)
+{
+    const auto task = m_startStep(*m_stepConverterList.at(index));
+    if (task) {
+        addTask(task);
+        m_runningSteps.insert(index);
+    } else if (!m_context.launcher.isRehearsal()) {
+        completeStep(index, m_stepConverterList.at(index)->stepName());
+    }
 }
 
 void KXJob::backgroundStepStarted(const ConverterPointer &converter, const QString &pid)
@@ -209,8 +246,11 @@ void KXJob::followNotification(const KXNotification &notification, const QString
         updateProgressWithProgressItem({index, {label, value}});
     if (notification.name != u"taskCompletion"_s)
         return;
-    if (value == u"Complete"_s)
+    if (value == u"Complete"_s) {
         completeStep(index, label);
+        m_runningSteps.remove(index);
+        startWaitingSteps();
+    }
     if (everyStepIsComplete())
         requestJobDone();
 }

@@ -5,6 +5,7 @@
 #include "platform/Fields.h"
 #include "tools/step/KXConverter.h"
 
+#include <QSet>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -115,6 +116,13 @@ protected:
     /// The start of a job of one step: the converter joins the lists, and is started there.
     void startSingleStep(const ConverterPointer &converter,
                          const std::function<tools::ToolProcessPointer()> &start);
+    /// Starts steps that have their names, as many at once as the job may run tools and the next one when one
+    /// has ended. All are shown from the beginning. What start answers is the step's tool, or null.
+    using StepStart = std::function<tools::ToolProcessPointer(KXConverter &)>;
+    void startInTurn(const QList<ConverterPointer> &converters, const StepStart &start);
+    int toolsAtOnce() const { return qMax(m_context.toolsAtOnce, 1); }
+    bool isPaused() const { return m_isPaused; }
+
     /// Takes a background run that was just started (or refused) into the lists.
     void backgroundStepStarted(const ConverterPointer &converter, const QString &pid);
 
@@ -133,6 +141,8 @@ protected:
     static constexpr int pollMilliseconds = 500;
 
 private:
+    void startWaitingSteps();
+    void startWaitingStep(qsizetype index);
     void settleOutcome();
     void writeOutcomeToLogs();
     void deleteFiles(const QList<QUrl> &files);
@@ -156,6 +166,10 @@ private:
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_outputs;
     QString m_temporaryFolder;
+    StepStart m_startStep;
+    QList<qsizetype> m_waitingSteps;
+    QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
+    std::atomic_bool m_isPaused = false;
     bool m_ended = false;
 };
 

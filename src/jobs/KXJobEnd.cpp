@@ -38,6 +38,7 @@ void endLoop(QThreadPool &loop, QObject *job)
 
 void KXJob::pauseJob()
 {
+    m_isPaused = true;
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)
@@ -50,6 +51,7 @@ void KXJob::pauseJob()
 
 void KXJob::resumeJob()
 {
+    m_isPaused = false;
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)
@@ -58,6 +60,7 @@ void KXJob::resumeJob()
             resumePID(std::get<QString>(task));
         }
     }
+    startWaitingSteps();
 }
 
 void KXJob::stopTask(const jobs::StepTask &task)
@@ -87,6 +90,7 @@ void KXJob::stopJob()
     *m_cancelled = true;
     m_monitorQueue.clear();
     stopFlashing();
+    m_waitingSteps.clear();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
         stopTask(task);
     m_stepTaskList.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QThread>
 
 class KXNotificationCenter;
 class KXPreferences;
@@ -23,6 +24,7 @@ struct ConverterContext
     OutputGuard &guard;
     QString temporaryFolder;                    ///< the job's own; ends in "/"
     platform::AlertPresenter *alerts = nullptr; ///< may be absent: then nothing is shown
+    int toolsAtOnce = QThread::idealThreadCount();
 };
 
 } // namespace step

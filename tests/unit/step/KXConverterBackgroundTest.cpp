@@ -20,6 +20,7 @@ namespace {
 class OpenConverter final : public KXConverter
 {
 public:
+    using KXConverter::claimLog;
     using KXConverter::claimOutput;
     using KXConverter::KXConverter;
     using KXConverter::startInBackground;
@@ -40,7 +41,7 @@ struct Run
         : guard(world.outputs, whenTaken)
         , converter(world.converterContext(guard))
     {
-        converter.setLogFileURL(world.scratch.url(u"step.log"_s));
+        converter.claimLog(world.scratch.url(u"step.log"_s));
         converter.setOutputFileURL(world.scratch.url(u"out.mkv"_s));
         converter.setInputFileURL(world.scratch.url(u"in.mkv"_s));
     }

@@ -52,7 +52,7 @@ struct Run
         : guard(world.outputs, whenTaken)
         , converter(world.converterContext(guard))
     {
-        converter.setLogFileURL(world.scratch.url(u"step.log"_s));
+        converter.claimLog(world.scratch.url(u"step.log"_s));
         converter.setOutputFileURL(world.scratch.url(u"out.mkv"_s));
     }
 
@@ -105,15 +105,36 @@ private Q_SLOTS:
         QVERIFY(!run.converter.monitorOutputString().isEmpty());
     }
 
-    void anOldLogGoesFirst()
+    void theLogOfTheRunBeforeGoesFirst()
     {
         Run run;
-        run.world.scratch.write(u"step.log"_s, "of yesterday");
+        QVERIFY(run.play(u"tool"_s, {u"out yesterday"_s}));
         QVERIFY(run.play(u"tool"_s, {u"out today"_s}));
         QCOMPARE(run.log(), QByteArray("today\n"));
-        run.world.scratch.write(u"step.log"_s, "of yesterday");
         QVERIFY(run.play(u"tool"_s, {}));
         QVERIFY(!QFile::exists(run.world.scratch.path(u"step.log"_s)));
+    }
+
+    void whatSomebodyPutAtTheNameOfTheLogIsLeftAlone_data()
+    {
+        QTest::addColumn<bool>("isLink");
+        QTest::newRow("a file") << false;
+        QTest::newRow("a link") << true;
+    }
+
+    void whatSomebodyPutAtTheNameOfTheLogIsLeftAlone()
+    {
+        QFETCH(bool, isLink);
+        Run run;
+        const QString log = run.world.scratch.path(u"step.log"_s);
+        const QString theirs = isLink ? u"theirs"_s : u"step.log"_s;
+        run.world.scratch.write(theirs, "theirs");
+        if (isLink)
+            QVERIFY(QFile::link(run.world.scratch.path(theirs), log));
+        QVERIFY(run.play(u"tool"_s, {u"out words"_s}));
+        QCOMPARE(run.world.scratch.read(theirs), QByteArray("theirs"));
+        QCOMPARE(QFileInfo(log).isSymLink(), isLink);
+        QCOMPARE(run.converter.logString(), u"words\n"_s);
     }
 
     void logThatIsAnInputIsNeitherDeletedNorWritten()
@@ -133,7 +154,7 @@ private Q_SLOTS:
     void logThatCannotBeWrittenDoesNotEndTheTool()
     {
         Run run;
-        run.converter.setLogFileURL(run.world.scratch.url(u"no folder/step.log"_s));
+        run.converter.claimLog(run.world.scratch.url(u"no folder/step.log"_s));
         QVERIFY(run.play(u"tool"_s, {u"out words"_s}));
         QCOMPARE(run.converter.logString(), u"words\n"_s);
         QCOMPARE(run.converter.converterTask()->exitStatus(), std::optional<int>(0));
@@ -358,7 +379,7 @@ private Q_SLOTS:
         JobWorld world(JobWorld::Tools::Fake);
         step::OutputGuard guard(world.outputs, step::WhenTaken::NextFreeName);
         auto converter = std::make_unique<Listener>(world.converterContext(guard));
-        converter->setLogFileURL(world.scratch.url(u"step.log"_s));
+        converter->claimLog(world.scratch.url(u"step.log"_s));
         const auto task = converter->runAndMonitorBinaryURLWithOptionsShouldWait(
             world.installTool(u"tool"_s, {u"sleep 100"_s, u"out late"_s}), {}, KXConverter::ShouldWait::No);
         converter.reset();

@@ -193,7 +193,8 @@ private Q_SLOTS:
             const auto claim = job.guard.claimOutput(job.url(wanted));
             QVERIFY2(claim.refusal.contains(u"one of the job's own sources"_s), qPrintable(claim.refusal));
             QVERIFY(job.guard.makeWayFor(claim.url).isNull());
-            QVERIFY(!job.guard.mayDelete(claim.url));
+            QVERIFY(!job.guard.files().isOwn(claim.url));
+            QVERIFY(!job.guard.files().remove(claim.url));
             QCOMPARE(job.scratch.read(u"film.m4v"_s), QByteArray("film"));
         }
     }
@@ -224,9 +225,11 @@ private Q_SLOTS:
         QCOMPARE(job.guard.claimFree(job.url(u"film.mkv.log"_s)), job.url(u"film.mkv (2).log"_s));
         QCOMPARE(job.guard.claimFree(job.url(u"film.mkv.log"_s)), job.url(u"film.mkv (3).log"_s));
         QCOMPARE(job.guard.claimFree(job.url(u"film.mkv"_s)), job.url(u"film (2).mkv"_s));
-        QVERIFY(job.guard.mayDelete(job.url(u"film.mkv (2).log"_s)));
-        QVERIFY(!job.guard.mayDelete(job.url(u"film.mkv"_s)));
-        QVERIFY(!job.guard.mayDelete(QUrl()));
+        QVERIFY(job.guard.files().create(job.url(u"film.mkv (2).log"_s)));
+        QVERIFY(job.guard.files().isOwn(job.url(u"film.mkv (2).log"_s)));
+        QVERIFY(!job.guard.files().isOwn(job.url(u"film.mkv.log"_s)));
+        QVERIFY(!job.guard.files().isOwn(job.url(u"film.mkv"_s)));
+        QVERIFY(!job.guard.files().isOwn(QUrl()));
     }
 
     void replacedFileIsSetAsideAndForgottenAtAGoodEnd()

@@ -82,7 +82,7 @@ private Q_SLOTS:
         guard.claimOutput(scratch.url(u"old.m4v"_s));
         step::Rehearsal rehearsal;
         QVERIFY(rehearsal.isRehearsal());
-        QVERIFY(rehearsal.copyFile(scratch.url(u"old.m4v"_s), scratch.url(u"copy.m4v"_s)));
+        QVERIFY(rehearsal.copyFile(guard, scratch.url(u"old.m4v"_s), scratch.url(u"copy.m4v"_s)));
         QVERIFY(rehearsal.makeWay(guard, scratch.url(u"old.m4v"_s)).isNull());
         QCOMPARE(scratch.names(), QStringList{u"old.m4v"_s});
     }
@@ -91,15 +91,19 @@ private Q_SLOTS:
     {
         const support::Scratch scratch;
         scratch.write(u"new.ass"_s, "new");
-        scratch.write(u"temp.ass"_s, "of an earlier try, and longer");
+        scratch.write(u"private/temp.ass"_s, "of an earlier try, and longer");
+        scratch.write(u"others.ass"_s, "another's");
         step::StepLauncher launcher;
         QVERIFY(!launcher.isRehearsal());
-        QVERIFY(launcher.copyFile(scratch.url(u"new.ass"_s), scratch.url(u"temp.ass"_s)));
-        QCOMPARE(scratch.read(u"temp.ass"_s), QByteArray("new"));
-        QVERIFY(!launcher.copyFile(scratch.url(u"missing.ass"_s), scratch.url(u"other.ass"_s)));
-        QCOMPARE(launcher.startShellLine({}, {}, [] { return u"17"_s; }), u"17"_s);
         step::OutputRegistry registry;
         step::OutputGuard guard(registry, step::WhenTaken::Replace);
+        guard.files().setPrivateFolder(scratch.path(u"private"_s));
+        QVERIFY(launcher.copyFile(guard, scratch.url(u"new.ass"_s), scratch.url(u"private/temp.ass"_s)));
+        QCOMPARE(scratch.read(u"private/temp.ass"_s), QByteArray("new"));
+        QVERIFY(!launcher.copyFile(guard, scratch.url(u"missing.ass"_s), scratch.url(u"private/o.ass"_s)));
+        QVERIFY(!launcher.copyFile(guard, scratch.url(u"new.ass"_s), scratch.url(u"others.ass"_s)));
+        QCOMPARE(scratch.read(u"others.ass"_s), QByteArray("another's"));
+        QCOMPARE(launcher.startShellLine({}, {}, [] { return u"17"_s; }), u"17"_s);
         guard.claimOutput(scratch.url(u"new.ass"_s));
         QVERIFY(launcher.makeWay(guard, scratch.url(u"new.ass"_s)).isNull());
         QCOMPARE(scratch.read(u"new (replaced).ass"_s), QByteArray("new"));
