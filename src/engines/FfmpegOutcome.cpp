@@ -39,6 +39,8 @@ Outcome outcomeOfMessages(const FfmpegRun &run)
     const step::ToolLog log = saidIn(run);
     if (log.hasLineContaining(u"No space left on device"_s))
         return Outcome::failed(u"There was no space left for the output."_s);
+    if (log.hasLineContaining(u"Output file is empty, nothing was encoded"_s))
+        return Outcome::failed(u"ffmpeg wrote only headers, and nothing of any track."_s);
     Outcome outcome = Outcome::ok();
     const QString damage = log.firstLineContaining(
         {u"File ended prematurely"_s, u"partial file"_s, u"Error while decoding stream"_s,

@@ -55,6 +55,7 @@ private:
     QUrl wantedOutput() const;
     QStringList namesInLog() const;
     bool fontCacheIsThere() const;
+    bool goesByDuration(const step::ReadEvent &event) const;
     void checkFontCache();
     void postProgress(const step::FfmpegReading &reading);
     void removeInterruptedStatistics();

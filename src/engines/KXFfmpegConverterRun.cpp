@@ -38,8 +38,19 @@ void KXFfmpegConverter::checkFontCache()
     setFontconfigIsRebuilding(!isThere);
 }
 
+bool KXFfmpegConverter::goesByDuration(const step::ReadEvent &event) const
+{
+    return event.channel == tools::ToolProcess::Channel::Error && !event.data.isEmpty() &&
+           durationInSeconds() == u"0"_s && (isEmpty(subToBurnURL()) || fontCacheIsThere());
+}
+
 void KXFfmpegConverter::handleNewTaskResult(const step::ReadEvent &event)
 {
+    if (goesByDuration(event)) {
+        if (holdsUntilDurationsAreKnown(event))
+            return;
+        takeDurationOf(inputFileURL());
+    }
     KXConverter::handleNewTaskResult(event);
     if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty())
         return;
@@ -50,8 +61,6 @@ void KXFfmpegConverter::handleNewTaskResult(const step::ReadEvent &event)
         post(monitorName, u"Initializing Fontconfig"_s);
         return;
     }
-    if (durationInSeconds() == u"0"_s)
-        findDurationInSeconds();
     postProgress(reading);
 }
 

@@ -125,13 +125,17 @@ tools::OptionList KXTrackDumper::launchForm(const tools::OptionList &meant)
 
 void KXTrackDumper::handleNewTaskResult(const step::ReadEvent &event)
 {
+    const bool isProgress = event.channel == tools::ToolProcess::Channel::Error && !event.data.isEmpty() &&
+                            extractorName() == u"ffmpeg"_s;
+    if (isProgress && (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())) {
+        if (holdsUntilDurationsAreKnown(event))
+            return;
+        takeDurationOf(inputFileURL());
+    }
     KXConverter::handleNewTaskResult(event);
-    if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty() ||
-        extractorName() != u"ffmpeg"_s)
+    if (!isProgress)
         return;
     const step::FfmpegReading reading = m_progress.feed(event.data);
-    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
-        findDurationInSeconds();
     if (!reading.time.isNull())
         setOldProgress(reading.time);
     const QString text =

@@ -21,8 +21,8 @@ public:
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
     tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
-    /// The names of a run, claimed; false, with a refusal, when nothing may be started. startPrepared() starts
-    /// it then.
+    /// The names of a run, claimed; false, with a refusal, when nothing may be started. startPrepared()
+    /// starts it then.
     bool prepareForSelection(const SelectionPointer &selection);
     bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
     tools::ToolProcessPointer startPrepared();

@@ -130,15 +130,6 @@ QString KXVideoJoiner::ffmpegPercentage(const QByteArray &bytes)
     const step::FfmpegReading reading = m_ffmpegProgress.feed(bytes);
     if (reading.time.isNull())
         return {};
-    if (m_wholeSeconds == 0) {
-        const QUrl first = inputFileURL();
-        for (const QUrl &file : converterSelection()->editFilesURLsList()) {
-            setInputFileURL(file);
-            findDurationInSeconds();
-            m_wholeSeconds += tools::leadingInteger(durationInSeconds());
-        }
-        setInputFileURL(first);
-    }
     setOldProgress(reading.time);
     return QString::number(step::percentOfDuration(reading.time, QString::number(m_wholeSeconds)));
 }
@@ -166,8 +157,31 @@ QString KXVideoJoiner::percentageIn(const step::ReadEvent &event)
     return mp4boxPercentage();
 }
 
+QList<QUrl> KXVideoJoiner::timedSources() const
+{
+    return converterSelection()->editFilesURLsList();
+}
+
+void KXVideoJoiner::addDurations()
+{
+    const QUrl first = inputFileURL();
+    for (const QUrl &file : timedSources()) {
+        setInputFileURL(file);
+        takeDurationOf(file);
+        m_wholeSeconds += tools::leadingInteger(durationInSeconds());
+    }
+    setInputFileURL(first);
+}
+
 void KXVideoJoiner::handleNewTaskResult(const step::ReadEvent &event)
 {
+    const bool goesByDuration =
+        joinerName() == u"ffmpeg"_s && event.channel == tools::ToolProcess::Channel::Error;
+    if (goesByDuration && !event.data.isEmpty() && m_wholeSeconds == 0) {
+        if (holdsUntilDurationsAreKnown(event))
+            return;
+        addDurations();
+    }
     KXConverter::handleNewTaskResult(event);
     const QString number = percentageIn(event);
     if (!number.isNull())

@@ -24,6 +24,7 @@ public:
                                                     const QUrl &folder) override;
     /// What differs; the misspelling is meant.
     QStringList findMismatchedProperetiesFor(const QList<QUrl> &files);
+    QList<QUrl> timedSources() const override;
     void handleNewTaskResult(const step::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     step::Outcome outcome() const override;
@@ -37,6 +38,7 @@ private:
     void lookAt(const QList<QUrl> &files);
     void looked();
     void completeWhenAllIsDone();
+    void addDurations();
     QString percentageIn(const step::ReadEvent &event);
     QString ffmpegPercentage(const QByteArray &bytes);
     QString mp4boxPercentage() const;

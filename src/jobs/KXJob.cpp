@@ -35,6 +35,7 @@ KXJob::KXJob(const jobs::JobContext &context)
     : KXHelpers(&context.preferences, &context.alerts)
     , m_context(context)
     , m_guard(context.outputs, context.whenTaken)
+    , m_durations(context.preferences)
 {
     m_monitorQueue.setMaxThreadCount(1);
     connect(&m_flashProgressTimer, &QTimer::timeout, this, [this] {
@@ -93,8 +94,8 @@ const QString &KXJob::temporaryFolder()
 
 step::ConverterContext KXJob::converterContext()
 {
-    return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard,
-            temporaryFolder(),     &m_context.alerts,       toolsAtOnce()};
+    return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard,    temporaryFolder(),
+            &m_context.alerts,     toolsAtOnce(),           &m_durations,       m_cancelled};
 }
 
 void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
@@ -132,9 +133,22 @@ void KXJob::startInTurn(const QList<ConverterPointer> &converters, const StepSta
         if (!isRefused)
             m_waitingSteps.append(index);
     }
-    startWaitingSteps();
     postProgress(m_progressList);
-    endIfNothingRuns();
+    startWaitingStepsOnceDurationsAreKnown();
+}
+
+/// All steps go by the same source as a rule, and a look is a tool too.
+void KXJob::startWaitingStepsOnceDurationsAreKnown()
+{
+    const bool asks = !m_waitingSteps.isEmpty() && !m_context.launcher.isRehearsal();
+    const auto begin = [this] {
+        startWaitingSteps();
+        endIfNothingRuns();
+    };
+    if (asks && m_durations.ask(m_stepConverterList.at(m_waitingSteps.constFirst())->timedSources()))
+        connect(&m_durations, &step::DurationLooks::answered, this, begin, Qt::SingleShotConnection);
+    else
+        begin();
 }
 
 void KXJob::startWaitingSteps()

@@ -3,6 +3,7 @@
 #include "jobs/JobContext.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
+#include "tools/step/DurationLooks.h"
 #include "tools/step/KXConverter.h"
 
 #include <QSet>
@@ -142,6 +143,7 @@ protected:
 
 private:
     void startWaitingSteps();
+    void startWaitingStepsOnceDurationsAreKnown();
     void startWaitingStep(qsizetype index);
     void settleOutcome();
     void writeOutcomeToLogs();
@@ -157,6 +159,7 @@ private:
     step::OutputGuard m_guard;
     SelectionPointer m_jobSelection;
     QThreadPool m_monitorQueue;
+    step::DurationLooks m_durations;
     /// Set when the job is stopped; handed to whatever waits inside it.
     tools::StopFlag m_cancelled = std::make_shared<std::atomic_bool>(false);
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;

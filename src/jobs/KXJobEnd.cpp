@@ -91,6 +91,7 @@ void KXJob::stopJob()
     m_monitorQueue.clear();
     stopFlashing();
     m_waitingSteps.clear();
+    m_durations.end();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
         stopTask(task);
     m_stepTaskList.clear();
@@ -113,6 +114,7 @@ void KXJob::jobDone()
     unsubscribe();
     m_ended = true;
     stopFlashing();
+    m_durations.end();
     settleOutcome();
     if (!appPreferences().panelFlag(u"keepLogsFlag"_s)) {
         QList<QUrl> logs = m_logFilesToDeleteList;

@@ -55,8 +55,8 @@ public:
     bool write(const QByteArray &bytes) const
     {
         for (qsizetype done = 0; done < bytes.size();) {
-            const ssize_t count = ::write(m_number, bytes.constData() + done,
-                                          static_cast<size_t>(bytes.size() - done));
+            const ssize_t count =
+                ::write(m_number, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
             if (count < 0 && errno != EINTR)
                 return false;
             done += count > 0 ? count : 0;

@@ -59,6 +59,7 @@ QList<QStringList> FfmpegBench::calls() const
 void FfmpegBench::read(const QString &text, tools::ToolProcess::Channel channel)
 {
     converter.handleNewTaskResult({channel, text.toUtf8(), nullptr});
+    waitFor([&] { return !converter.isHolding(); });
 }
 
 QStringList FfmpegBench::posted(const QString &name) const

@@ -56,14 +56,15 @@ jobs::JobContext JobWorld::jobContext(step::WhenTaken whenTaken)
 
 jobs::JobContext JobWorld::jobContext(step::WhenTaken whenTaken, step::StepLauncher &other)
 {
-    return {preferences, notifications, alerts, volumes, workspace, other, outputs, scratchFolder, whenTaken};
+    return {preferences, notifications, alerts,        volumes,   workspace,
+            other,       outputs,       scratchFolder, whenTaken, toolsAtOnce};
 }
 
 step::ConverterContext JobWorld::converterContext(step::OutputGuard &guard)
 {
     QDir().mkpath(scratch.path(u"temp"_s));
     guard.files().setPrivateFolder(scratch.path(u"temp"_s));
-    return {preferences, notifications, launcher, guard, scratch.path(u"temp/"_s)};
+    return {preferences, notifications, launcher, guard, scratch.path(u"temp/"_s), nullptr, toolsAtOnce};
 }
 
 QUrl JobWorld::installTool(const QString &place, const QStringList &script) const

@@ -86,6 +86,7 @@ struct JobWorld
     step::StepLauncher launcher;
     step::OutputRegistry outputs;
     step::ScratchFolder scratchFolder;
+    int toolsAtOnce = 4; ///< of one job, on whatever machine
 };
 
 /// Keeps every announcement of the given names from its making on.

@@ -102,7 +102,9 @@ SelectionPointer MkvBench::selection(const QString &jobType, const TrackList &tr
 
 step::ConverterContext MkvBench::context()
 {
-    return {world.preferences, world.notifications, launches, guard, path(u"temp/"_s), &world.alerts};
+    guard.files().setPrivateFolder(path(u"temp"_s));
+    return {world.preferences, world.notifications, launches,         guard,
+            path(u"temp/"_s),  &world.alerts,       world.toolsAtOnce};
 }
 
 bool MkvBench::waitForEnd() const

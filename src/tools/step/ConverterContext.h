@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/ShellRunner.h"
+
 #include <QString>
 #include <QThread>
 
@@ -12,6 +14,7 @@ class AlertPresenter;
 
 namespace step {
 
+class DurationLooks;
 class OutputGuard;
 class StepLauncher;
 
@@ -25,6 +28,8 @@ struct ConverterContext
     QString temporaryFolder;                    ///< the job's own; ends in "/"
     platform::AlertPresenter *alerts = nullptr; ///< may be absent: then nothing is shown
     int toolsAtOnce = QThread::idealThreadCount();
+    DurationLooks *durations = nullptr; ///< of the job; without one the converter has its own
+    tools::StopFlag stop;
 };
 
 } // namespace step

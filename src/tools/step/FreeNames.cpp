@@ -17,13 +17,15 @@ namespace {
 /// What is longer is no extension, but a name with a full stop in it.
 constexpr qsizetype longestSuffix = 32;
 
-/// The name in its two halves.
+/// The name in its two halves. A last full stop is one too: the tools put their numbers in front of it.
 struct Name
 {
     explicit Name(const QFileInfo &info)
         : suffix(info.suffix().isEmpty() ? QString() : u'.' + info.suffix())
-        , stem(info.fileName().chopped(suffix.size()))
     {
+        if (info.fileName().endsWith(u'.'))
+            suffix = u"."_s;
+        stem = info.fileName().chopped(suffix.size());
     }
 
     QString suffix;
@@ -52,13 +54,13 @@ QUrl withMark(const QUrl &location, const QString &mark, qsizetype reserved)
         name.stem += name.suffix;
         name.suffix.clear();
     }
-    const qsizetype most = platform::longestNameIn(info.absolutePath()) - bytesOf(mark + name.suffix) - reserved;
+    const qsizetype most =
+        platform::longestNameIn(info.absolutePath()) - bytesOf(mark + name.suffix) - reserved;
     while (!name.stem.isEmpty() && bytesOf(name.stem) > most)
         name.stem = withoutLastCharacter(name.stem);
     return QUrl::fromLocalFile(info.absolutePath() + u'/' + name.stem + mark + name.suffix);
 }
 
-/// Behind a name that ends in a full stop the tool drops it: "film." gives "film-001".
 QRegularExpression partPattern(const QUrl &output)
 {
     const Name name(QFileInfo(output.toLocalFile()));

@@ -2,9 +2,11 @@
 #include "tools/step/KXConverter.h"
 
 #include "media/KXVideoTrack.h"
+#include "media/MatroskaPackets.h"
 #include "prefs/KXPreferences.h"
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
+#include "tools/step/DurationLooks.h"
 #include "tools/step/FfmpegProgress.h"
 #include "tools/step/OutputGuard.h"
 #include "tools/step/ToolLog.h"
@@ -65,7 +67,10 @@ KXConverter::KXConverter(const step::ConverterContext &context)
 {
     // Reading must stay in order, so nothing in here may let further chunks arrive while it waits.
     setWaiting(tools::Waiting::Blocking);
+    setStopFlag(context.stop);
 }
+
+KXConverter::~KXConverter() = default;
 
 QUrl KXConverter::saveFolderOr(const QUrl &folder) const
 {
@@ -195,6 +200,8 @@ step::Outcome KXConverter::outcomeOfTool() const
             return lacks(u"%1 ended without writing %2."_s, file);
         if (output.size() == 0)
             return lacks(u"%1 wrote nothing into %2."_s, file);
+        if (media::isMatroskaWithoutPackets(file))
+            return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
     }
     return ended;
 }

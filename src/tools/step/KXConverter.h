@@ -68,6 +68,7 @@ public:
     enum class ShouldWait { No, Yes };
 
     explicit KXConverter(const step::ConverterContext &context);
+    ~KXConverter() override;
 
     using KXHelpers::logString; // the hook beside the field of the same name
 
@@ -98,7 +99,12 @@ public:
     void determineSaveDirectoryURL();
     /// Always an empty text, on purpose: the base finds no errors.
     QString checkForErrorsInOutputURLAndLogURL(const QUrl &output, const QUrl &log) const;
+    /// Waits for ffprobe, or for the stop flag: never to be called on the main thread.
     void findDurationInSeconds();
+    /// Whether what the tool prints waits until the length of its source is known.
+    bool isHolding() const { return !m_held.isEmpty(); }
+    /// The sources whose lengths the step goes by.
+    virtual QList<QUrl> timedSources() const { return {inputFileURL()}; }
 
     /// Why the step was not started; a null text when it may be or was.
     QString refusal() const { return m_refusal; }
@@ -126,6 +132,11 @@ protected:
     /// The folder of the preferences when one is set, else the given one.
     QUrl saveFolderOr(const QUrl &folder) const;
     bool durationIsAssumed() const { return m_durationIsAssumed; }
+    /// False when the lengths are known. Else they are asked for, and the event, with all that follow it,
+    /// comes again in its order once they are.
+    bool holdsUntilDurationsAreKnown(const step::ReadEvent &event);
+    /// Takes the length of a source that is known.
+    void takeDurationOf(const QUrl &source);
     /// The log's last line, where a carriage return ends a line too.
     QString lastLogLine() const;
     /// The poll of a tool that prints "Progress: 45%": "45%", "error" where the last line holds no
@@ -148,6 +159,11 @@ private:
     void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
     QString makeWay();
+    void takeDuration(const QString &answer);
+    step::DurationLooks &durations();
+    void take(const step::ReadEvent &event);
+    void deliver(const step::ReadEvent &event);
+    void deliverHeld();
 
     step::ConverterContext m_context;
     QString m_refusal;
@@ -156,6 +172,9 @@ private:
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
     bool m_logIsBegun = false;
+    QList<step::ReadEvent> m_held;
+    QMetaObject::Connection m_answered;
+    std::unique_ptr<step::DurationLooks> m_ownDurations;
 };
 
 using ConverterPointer = std::shared_ptr<KXConverter>;

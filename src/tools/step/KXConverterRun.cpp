@@ -1,10 +1,11 @@
 // The half of KXConverter that starts a tool and reads what it prints.
 #include "tools/step/KXConverter.h"
 
-#include "media/KXVideoTrack.h"
+#include "media/FileNames.h"
 #include "prefs/KXPreferences.h"
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
+#include "tools/step/DurationLooks.h"
 #include "tools/step/FfmpegProgress.h"
 #include "tools/step/OutputGuard.h"
 
@@ -93,17 +94,28 @@ void KXConverter::watch(const tools::ToolProcessPointer &task)
 
 void KXConverter::readTaskOutput(const step::ReadEvent &event)
 {
-    if (event.source != converterTask().get() || event.channel != ToolProcess::Channel::Output)
-        return;
-    if (!event.data.isEmpty())
-        return handleNewTaskResult(event);
-    endOfStream(event.channel);
+    if (event.channel == ToolProcess::Channel::Output)
+        take(event);
 }
 
 void KXConverter::readTaskError(const step::ReadEvent &event)
 {
-    if (event.source != converterTask().get() || event.channel != ToolProcess::Channel::Error)
+    if (event.channel == ToolProcess::Channel::Error)
+        take(event);
+}
+
+void KXConverter::take(const step::ReadEvent &event)
+{
+    if (event.source != converterTask().get())
         return;
+    if (isHolding())
+        m_held.append(event);
+    else
+        deliver(event);
+}
+
+void KXConverter::deliver(const step::ReadEvent &event)
+{
     if (!event.data.isEmpty())
         return handleNewTaskResult(event);
     endOfStream(event.channel);
@@ -222,12 +234,59 @@ QString KXConverter::monitorConversion()
     return QString::asprintf("%i%%", step::percentOfDuration(oldProgress(), durationInSeconds()));
 }
 
+step::DurationLooks &KXConverter::durations()
+{
+    if (m_context.durations != nullptr)
+        return *m_context.durations;
+    if (!m_ownDurations)
+        m_ownDurations = std::make_unique<step::DurationLooks>(m_context.preferences);
+    return *m_ownDurations;
+}
+
+bool KXConverter::holdsUntilDurationsAreKnown(const step::ReadEvent &event)
+{
+    if (!durations().ask(timedSources()))
+        return false;
+    m_held.append(event);
+    if (!m_answered)
+        m_answered = connect(&durations(), &step::DurationLooks::answered, this, &KXConverter::deliverHeld);
+    return true;
+}
+
+/// What comes meanwhile is kept behind it.
+void KXConverter::deliverHeld()
+{
+    disconnect(std::exchange(m_answered, {}));
+    while (!m_held.isEmpty()) {
+        const step::ReadEvent event = m_held.constFirst();
+        if (event.source == converterTask().get() || event.source == nullptr)
+            deliver(event);
+        m_held.removeFirst();
+    }
+}
+
 void KXConverter::findDurationInSeconds()
 {
-    const QString answer = withoutNames(
-        doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s}));
+    auto answer = durations().answerFor(inputFileURL());
+    if (!answer) {
+        answer =
+            media::isRegularFile(inputFileURL())
+                ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s})
+                : QString();
+        durations().keep(inputFileURL(), *answer);
+    }
+    takeDuration(*answer);
+}
+
+void KXConverter::takeDurationOf(const QUrl &source)
+{
+    takeDuration(durations().answerFor(source).value_or(QString()));
+}
+
+void KXConverter::takeDuration(const QString &printed)
+{
     QString time = u"0"_s;
-    for (const QString &line : answer.split(u'\n')) {
+    for (const QString &line : withoutNames(printed).split(u'\n')) {
         if (!line.trimmed().startsWith(u"Duration:"_s))
             continue; // a title may say "Duration:" too
         const QString value = line.section(u", "_s, 0, 0).section(u": "_s, 1, 1);

@@ -14,8 +14,7 @@ OwnFiles::OwnFiles(const ClaimOf &claimOf)
 
 void OwnFiles::setPrivateFolder(const QString &path)
 {
-    m_privateFolder =
-        path.isEmpty() ? QString() : platform::canonicalKey(QUrl::fromLocalFile(path)) + u'/';
+    m_privateFolder = path.isEmpty() ? QString() : platform::canonicalKey(QUrl::fromLocalFile(path)) + u'/';
 }
 
 bool OwnFiles::isPrivate(const QUrl &name) const
@@ -122,8 +121,7 @@ bool OwnFiles::renameOver(const QUrl &from, const QUrl &to)
 
 bool OwnFiles::setAside(const QUrl &place, const QUrl &aside)
 {
-    if (m_claimOf(place).isEmpty() || m_claimOf(aside).isEmpty() ||
-        !platform::renameToFreeName(place, aside))
+    if (m_claimOf(place).isEmpty() || m_claimOf(aside).isEmpty() || !platform::renameToFreeName(place, aside))
         return false;
     moveRecord(place, aside);
     return true;

@@ -41,6 +41,7 @@ struct Step
         for (const QString &line : probeLines)
             script.append(u"err "_s + line);
         world.installTool(u"ffmpeg/ffprobe"_s, script);
+        world.scratch.write(u"film.mkv"_s, "film");
         converter.setInputFileURL(world.scratch.url(u"film.mkv"_s));
         converter.findDurationInSeconds();
         return converter.durationInSeconds();
@@ -303,6 +304,7 @@ private Q_SLOTS:
             u"ffmpeg/ffprobe"_s,
             {u"err Input #0, from '%1':"_s.arg(step.world.scratch.path(name)).replace(u"\n"_s, u"\\n"_s),
              u"err   Duration: 00:00:40.00, start: 0"_s});
+        step.world.scratch.write(name, "film");
         step.converter.setInputFileURL(step.world.scratch.url(name));
         step.converter.findDurationInSeconds();
         QCOMPARE(step.converter.durationInSeconds(), u"40"_s);
