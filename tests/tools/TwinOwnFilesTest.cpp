@@ -127,7 +127,8 @@ private Q_SLOTS:
         QByteArray told;
         support::waitFor([&] { return (told += process->readAllStandardOutput()).contains("\"started\""); });
         QTest::qWait(afterMs);
-        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        if (process->state() == QProcess::Running)
+            ::kill(static_cast<pid_t>(process->processId()), SIGINT);
         Twin::outcomeOf(*process, 10000);
         QVERIFY(contentOf(m_twin->media(u"out"_s)) == before);
     }
@@ -167,7 +168,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("source");
         QTest::newRow("remux of a picture subtitle") << u"remux a.sup"_s << u"a.sup"_s;
-        QTest::newRow("join of picture subtitles") << u"join a.sup a.sup"_s << u"a.sup"_s;
         QTest::newRow("split of one") << u"split a.sup --time 00:00:00-00:00:03"_s << u"a.sup"_s;
         QTest::newRow("remux of headers") << u"remux headers.mkv"_s << u"headers.mkv"_s;
         QTest::newRow("split of headers")
@@ -192,9 +192,11 @@ private Q_SLOTS:
 
     void aPictureSubtitleWithPicturesIsWell()
     {
-        m_twin->clip(support::pgsMkv(), u"p.mkv"_s);
-        QCOMPARE(m_twin->run({u"extract"_s, u"p.mkv"_s}).status, 0);
-        const auto run = m_twin->run({u"remux"_s, u"p.mkv.stream2.sup"_s});
+        QProcess mkvextract;
+        mkvextract.start(u"mkvextract"_s,
+                         {u"tracks"_s, support::pgsMkv(), u"2:"_s + m_twin->media(u"p.sup"_s)});
+        QVERIFY(mkvextract.waitForFinished());
+        const auto run = m_twin->run({u"remux"_s, u"p.sup"_s});
         QVERIFY2(run.status == 0, qPrintable(run.said()));
     }
 
@@ -226,14 +228,16 @@ private:
         return film;
     }
 
-    /// A film of which only the headers are there.
+    /// A film of which only the headers are there: it ends where its packets would begin.
     void makeHeaders() const
     {
-        QProcess ffmpeg;
-        ffmpeg.start(u"ffmpeg"_s, {u"-nostdin"_s, u"-v"_s, u"error"_s, u"-i"_s, support::longMkv(4), u"-c"_s,
-                                   u"copy"_s, u"-t"_s, u"0"_s, m_twin->media(u"headers.mkv"_s)});
-        QVERIFY(ffmpeg.waitForFinished());
-        QCOMPARE(ffmpeg.exitCode(), 0);
+        QFile film(support::longMkv(4));
+        QVERIFY(film.open(QIODevice::ReadOnly));
+        QByteArray headers = film.readAll();
+        headers.truncate(headers.indexOf(QByteArray::fromHex("1f43b675")));
+        const qsizetype segment = headers.indexOf(QByteArray::fromHex("18538067"));
+        headers.replace(segment + 4, 8, QByteArray::fromHex("01ffffffffffffff")); // of unknown size
+        m_twin->scratch().write(u"media/headers.mkv"_s, headers);
     }
 
     std::unique_ptr<Twin> m_twin;

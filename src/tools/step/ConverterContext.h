@@ -29,7 +29,7 @@ struct ConverterContext
     platform::AlertPresenter *alerts = nullptr; ///< may be absent: then nothing is shown
     int toolsAtOnce = QThread::idealThreadCount();
     DurationLooks *durations = nullptr; ///< of the job; without one the converter has its own
-    tools::StopFlag stop;
+    tools::StopFlag stop = nullptr;
 };
 
 } // namespace step

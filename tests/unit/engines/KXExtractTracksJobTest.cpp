@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace support;
 using step::Verdict;
@@ -51,6 +53,7 @@ public:
     {
         return waitFor([&] { return record.count(u"jobDone"_s) > 0; });
     }
+    qsizetype runs() const { return FakeTool::recordedRuns(world.scratch.path(u"runs"_s)).size(); }
     void post(const QString &name, const QString &text, qsizetype step)
     {
         auto *converter = job->stepConverterList().at(step).get();
@@ -77,9 +80,19 @@ class KXExtractTracksJobTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyTrackIsAStepAndAllRunAtOnce()
+    void everyTrackIsAStepAndAsManyRunAsMay_data()
     {
+        QTest::addColumn<int>("atOnce");
+        QTest::newRow("one") << 1;
+        QTest::newRow("two") << 2;
+        QTest::newRow("all") << 4;
+    }
+
+    void everyTrackIsAStepAndAsManyRunAsMay()
+    {
+        QFETCH(int, atOnce);
         ExtractionBench bench({u"hang"_s});
+        bench.world.toolsAtOnce = atOnce;
         const auto other = subtitleTrack(u"3"_s, u"srt"_s);
         other->setTrackType(u"External Subtitle"_s);
         bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s), other});
@@ -88,12 +101,71 @@ private Q_SLOTS:
                                                                 {u"Extracting Subtitle Track"_s, u"0%"_s},
                                                                 {u"Extracting"_s, u"0%"_s}}));
         QCOMPARE(bench.job->stepConverterList().size(), 4);
-        QCOMPARE(bench.job->stepTaskList().size(), 4);
+        QVERIFY(waitFor([&] { return bench.job->stepTaskList().size() == atOnce; }));
         QVERIFY(bench.job->tempFilesToDeleteList().isEmpty());
         QCOMPARE(bench.job->logFilesToDeleteList().size(), 4);
         QCOMPARE(bench.record.count(u"progressUpdate"_s), 1);
-        QVERIFY(
-            waitFor([&] { return FakeTool::recordedRuns(bench.world.scratch.path(u"runs"_s)).size() == 4; }));
+        QVERIFY(waitFor([&] { return bench.runs() == atOnce; }));
+        QVERIFY(!waitFor([&] { return bench.runs() > atOnce; }, 300));
+        QVERIFY(!bench.job->hasEnded());
+        bench.job->stopJob();
+        QVERIFY(!waitFor([&] { return bench.runs() > atOnce; }, 300)); // nor does a stop start any
+    }
+
+    void theNextStartsWhenOneEnds()
+    {
+        ExtractionBench bench;
+        bench.world.toolsAtOnce = 1;
+        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.runs(), 3);
+        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
+        QCOMPARE(bench.job->outputs().size(), 3);
+    }
+
+    void nothingStartsWhileTheJobIsPaused()
+    {
+        ExtractionBench bench({u"sleep 300"_s, wellDone, u"write 10 last"_s});
+        bench.world.toolsAtOnce = 1;
+        bench.start({videoTrack(), sound()});
+        QVERIFY(waitFor([&] { return bench.runs() == 1; }));
+        bench.job->pauseJob();
+        bench.post(u"taskCompletion"_s, u"Complete"_s, 0); // as if it had ended before
+        QVERIFY(!waitFor([&] { return bench.runs() > 1; }, 500));
+        bench.job->resumeJob();
+        QVERIFY(waitFor([&] { return bench.runs() == 2; }));
+    }
+
+    void theSourceIsAskedOnceForItsLength()
+    {
+        ExtractionBench bench;
+        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"record "_s + bench.world.scratch.path(u"looks"_s),
+                                                      u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(FakeTool::recordedRuns(bench.world.scratch.path(u"looks"_s)).size(), 1);
+    }
+
+    void aSourceThatIsAPipeByNowIsNotAsked()
+    {
+        ExtractionBench bench;
+        QVERIFY(QFile::remove(bench.source.toLocalFile()));
+        QCOMPARE(::mkfifo(bench.source.toLocalFile().toUtf8().constData(), 0600), 0);
+        bench.start({videoTrack()});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.job->stepConverterList().constFirst()->durationInSeconds(), u"10800"_s);
+    }
+
+    void aStopEndsALookThatHangs()
+    {
+        ExtractionBench bench;
+        const QString pids = bench.world.scratch.path(u"pids"_s);
+        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
+        bench.start({videoTrack()});
+        QVERIFY(waitFor([&] { return !bench.world.scratch.read(u"pids"_s).isEmpty(); }));
+        bench.job->stopJob();
+        QVERIFY(!support::runs(bench.world.scratch.read(u"pids"_s).trimmed().toLongLong()));
+        QCOMPARE(bench.runs(), 0);
     }
 
     void eachTrackIsWritten()

@@ -254,6 +254,7 @@ private Q_SLOTS:
         bench.dumper.setDurationInSeconds({}); // absent counts as not known
         const auto read = [&](const char *text, ToolProcess::Channel channel = ToolProcess::Channel::Error) {
             bench.dumper.handleNewTaskResult({channel, QByteArray(text), nullptr});
+            waitFor([&] { return !bench.dumper.isHolding(); });
         };
         read("frame=1 time=00:00:30.00 bitrate\r", ToolProcess::Channel::Output);
         QVERIFY(bench.progress().isEmpty());
