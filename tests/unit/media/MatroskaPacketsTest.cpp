@@ -1,0 +1,60 @@
+#include "media/MatroskaPackets.h"
+
+#include "support/Scratch.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray header = QByteArray::fromHex("1a45dfa3820000");
+const QByteArray segmentOfUnknownSize = QByteArray::fromHex("1853806701ffffffffffffff");
+const QByteArray info = QByteArray::fromHex("1549a966830a0b0c");
+const QByteArray emptyVoid = QByteArray::fromHex("ec4003000000");
+const QByteArray cluster = QByteArray::fromHex("1f43b67583a30102");
+
+} // namespace
+
+class MatroskaPacketsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyHeadersAreTold_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("isEmpty");
+        const QByteArray begin = header + segmentOfUnknownSize;
+        QTest::newRow("headers") << begin + info + emptyVoid << true;
+        QTest::newRow("nothing in the segment") << begin << true;
+        QTest::newRow("a segment with a size") << header + QByteArray::fromHex("1853806788") + info << true;
+        QTest::newRow("packets") << begin + info + emptyVoid + cluster << false;
+        QTest::newRow("packets of unknown length")
+            << begin + info + QByteArray::fromHex("1f43b675ffa30102") << false;
+        QTest::newRow("an element of unknown length") << begin + QByteArray::fromHex("1549a966ff00") << false;
+        QTest::newRow("cut in an element's id") << begin + info + QByteArray::fromHex("1f43") << false;
+        QTest::newRow("an element of a wild length")
+            << begin + QByteArray::fromHex("1549a96601fffffffffffffe") << false;
+        QTest::newRow("no Matroska") << QByteArray("1\n00:00:01,000 --> 00:00:02,000\nHello\n") << false;
+        QTest::newRow("a header alone") << header << false;
+        QTest::newRow("nothing") << QByteArray() << false;
+    }
+
+    void onlyHeadersAreTold()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, isEmpty);
+        const support::Scratch scratch;
+        scratch.write(u"a.mkv"_s, content);
+        QCOMPARE(media::isMatroskaWithoutPackets(scratch.url(u"a.mkv"_s)), isEmpty);
+    }
+
+    void aMissingFileIsNotTold()
+    {
+        QVERIFY(!media::isMatroskaWithoutPackets(QUrl::fromLocalFile(u"/nowhere/a.mkv"_s)));
+    }
+};
+
+QTEST_GUILESS_MAIN(MatroskaPacketsTest)
+#include "MatroskaPacketsTest.moc"
