@@ -46,7 +46,7 @@ private Q_SLOTS:
         rows(u"convert NAME --video 2pass --video-bitrate 300"_s, true);
         rows(u"convert NAME --video 1pass --subtitles burn"_s, true);
         rows(u"convert NAME --kind mkv"_s, true);
-        rows(u"convert NAME --kind avi"_s, true);
+        rows(u"convert NAME --kind avi --video 1pass"_s, true);
         for (const QString &line :
              {u"remux NAME"_s, u"remove NAME --tracks 1"_s, u"extract NAME"_s, u"join NAME NAME"_s,
               u"split NAME --duration 00:00:02"_s, u"split NAME --time 00:00:01-00:00:03"_s, u"send NAME"_s})

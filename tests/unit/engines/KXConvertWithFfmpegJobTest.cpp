@@ -3,6 +3,7 @@
 #include "support/Waiting.h"
 #include "tools/step/Rehearsal.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
@@ -33,6 +34,23 @@ class KXConvertWithFfmpegJobTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aLookThatHangsHoldsNothingUp()
+    {
+        ConversionBench bench({u"err frame=1 time=00:00:30.00 bitrate"_s, u"hang"_s});
+        const QString pids = bench.path(u"pids"_s);
+        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
+        const auto job = bench.make(u"General"_s, {videoTrack()});
+        job->startJob();
+        QVERIFY(waitFor([&] { return !bench.world.scratch.read(u"pids"_s).isEmpty(); }));
+        const qint64 look = bench.world.scratch.read(u"pids"_s).trimmed().toLongLong();
+        QVERIFY(support::runs(look)); // and we do
+        QElapsedTimer clock;
+        clock.start();
+        job->stopJob();
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(!support::runs(look));
+    }
+
     void startsItsOneStep()
     {
         ConversionBench bench;

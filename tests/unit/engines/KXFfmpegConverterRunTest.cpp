@@ -76,6 +76,28 @@ private Q_SLOTS:
         QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.converter);
     }
 
+    void whatComesDuringTheLookIsReadInItsOrder()
+    {
+        Following bench;
+        bench.world.installTool(u"ffmpeg/ffprobe"_s,
+                                {u"sleep 300"_s, u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        bench.converter.setInputFileURL(bench.source);
+        bench.converter.setDurationInSeconds(u"0"_s);
+        const auto tell = [&](const QByteArray &data) {
+            bench.converter.readTaskError({tools::ToolProcess::Channel::Error, data, nullptr});
+        };
+        tell("frame=1 time=00:00:30.00 bitrate\r");
+        tell("frame=2 time=00:01:00.00 bitrate\r");
+        tell({});
+        bench.converter.readTaskOutput({tools::ToolProcess::Channel::Output, {}, nullptr});
+        QVERIFY(bench.converter.isHolding()); // nobody has waited
+        QVERIFY(bench.record.all().isEmpty());
+        QVERIFY(bench.waitForEnds(1));
+        QCOMPARE(bench.progress(), QStringList({u"25%"_s, u"50%"_s}));
+        QCOMPARE(bench.record.all().last().name, u"taskCompletion"_s);
+        QVERIFY(!bench.converter.isHolding());
+    }
+
     void withoutANewTimeTheOldOneCounts()
     {
         Following bench;
