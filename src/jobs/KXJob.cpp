@@ -29,6 +29,13 @@ QList<QUrl> inputsOf(const KXSelection &selection)
     return inputs;
 }
 
+/// A step that is well needs no words to be judged by; those of hundreds of steps would fill the memory.
+void dropWordsOf(KXConverter &converter)
+{
+    if (converter.outcome().verdict == step::Verdict::Ok)
+        converter.setLogString(u""_s);
+}
+
 } // namespace
 
 KXJob::KXJob(const jobs::JobContext &context)
@@ -262,7 +269,8 @@ void KXJob::followNotification(const KXNotification &notification, const QString
         return;
     if (value == u"Complete"_s) {
         completeStep(index, label);
-        m_runningSteps.remove(index);
+        if (m_runningSteps.remove(index))
+            dropWordsOf(*m_stepConverterList.at(index));
         startWaitingSteps();
     }
     if (everyStepIsComplete())
