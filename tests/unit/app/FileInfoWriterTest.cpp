@@ -50,6 +50,17 @@ private Q_SLOTS:
                  u"Surround, five"_s);
     }
 
+    void nothingIsWrittenThroughALink()
+    {
+        const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);
+        m_desk->scratch().write(u"theirs"_s, "theirs");
+        QVERIFY(
+            QFile::link(m_desk->scratch().path(u"theirs"_s), m_desk->scratch().path(u"a.mkv.info.txt"_s)));
+        QVERIFY(writer().write(support::urlsOf({film})).contains(u"a.mkv.info.txt"_s));
+        QCOMPARE(m_desk->scratch().read(u"theirs"_s), QByteArray("theirs"));
+        QVERIFY(QFileInfo(m_desk->scratch().path(u"a.mkv.info.txt"_s)).isSymLink());
+    }
+
     void replacesAnOldFile()
     {
         const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);

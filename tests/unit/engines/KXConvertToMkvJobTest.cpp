@@ -145,6 +145,33 @@ private Q_SLOTS:
         QVERIFY(bench.calls().isEmpty());
     }
 
+    void noMoreRunThanMay()
+    {
+        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
+        bench.world.toolsAtOnce = 2;
+        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = bench.begin(
+            {picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s), sound(u"aac"_s, u"3"_s)});
+        QVERIFY(waitFor([&] { return bench.calls(u"ffmpeg"_s).size() == 2; }, 20000));
+        QVERIFY(!waitFor([&] { return bench.calls(u"ffmpeg"_s).size() > 2; }, 2000));
+        QCOMPARE(job->progressList().size(), 4); // all are shown
+        QCOMPARE(job->progressList().at(3).progress, u"0%"_s);
+        QVERIFY(bench.calls().isEmpty());
+        job->stopJob();
+        QVERIFY(!waitFor([&] { return bench.calls(u"ffmpeg"_s).size() > 2; }, 1000));
+    }
+
+    void theNextStartsWhenOneHasEnded()
+    {
+        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        bench.world.toolsAtOnce = 1;
+        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.calls(u"ffmpeg"_s).size(), 3);
+        QCOMPARE(bench.calls().size(), 1);
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
+    }
+
     void theyAreTemporaryAndNeverTakeAnExistingFile()
     {
         MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);

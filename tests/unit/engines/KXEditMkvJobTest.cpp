@@ -147,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(bench.progressTexts(), QStringList{steps.join(u',')});
         QCOMPARE(job->theTracks().size(), 3);
         QCOMPARE(job->stepConverterList().size(), steps.size());
-        QCOMPARE(job->stepTaskList().size(), steps.size());
+        QVERIFY(waitFor([&] { return job->stepTaskList().size() == steps.size(); }));
         QCOMPARE(job->progressStepCounter(), 1);
         QCOMPARE(job->muxStepCounter(), 1);
         QCOMPARE(job->oldStepProgress(), 0);

@@ -201,6 +201,7 @@ private Q_SLOTS:
     {
         Run run;
         const QString record = run.world.scratch.path(u"record"_s);
+        run.world.scratch.write(u"in.mkv"_s, "film");
         run.world.installTool(u"ffmpeg/ffprobe"_s,
                               {u"record "_s + record, u"err   Duration: 00:00:40.00, start: 0.0"_s});
         run.start(u"ffmpeg/ffmpeg"_s, {u"err frame= 1 time=00:00:10.00 bitrate=1"_s, u"hang"_s});

@@ -1,0 +1,114 @@
+// A job that is refused touches nothing of what stands in the save folder, whether it ends or is stopped
+// first.
+#include "engines/KXConvertToMkvJob.h"
+#include "engines/KXConvertWithFfmpegJob.h"
+#include "engines/KXEditMkvJob.h"
+#include "engines/KXExtractTracksJob.h"
+#include "engines/KXJoinVideosJob.h"
+#include "engines/KXRemuxVideoJob.h"
+#include "engines/KXSendToLintwickJob.h"
+#include "engines/KXSplitVideosJob.h"
+#include "support/HandMade.h"
+#include "support/MkvBench.h"
+#include "support/Waiting.h"
+
+#include <QDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace support;
+
+namespace {
+
+using Maker = std::shared_ptr<KXJob> (*)(const jobs::JobContext &);
+
+template <class Job>
+std::shared_ptr<KXJob> make(const jobs::JobContext &context)
+{
+    return std::make_shared<Job>(context);
+}
+
+/// What the operations would write, and the name from which theirs are made.
+const QStringList taken{u"a.mkv"_s,
+                        u"a.mkv.mkv"_s,
+                        u"a.m4v"_s,
+                        u"a.muxed.mkv"_s,
+                        u"a.removed.mkv"_s,
+                        u"a.mkv.remux.mkv"_s,
+                        u"a.mkv.joined.mkv"_s,
+                        u"a.mkv.split.mkv"_s,
+                        u"a.mkv.split-001.mkv"_s,
+                        u"a.mkv.stream2.srt"_s};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Maker)
+
+class RefusedJobsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nothingIsTouched_data()
+    {
+        QTest::addColumn<Maker>("maker");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<bool>("isStopped");
+        const auto rows = [](const char *name, Maker maker, const QString &type, const QString &device) {
+            QTest::addRow("%s, ended", name) << maker << type << device << false;
+            QTest::addRow("%s, stopped", name) << maker << type << device << true;
+        };
+        rows("conversion", make<KXConvertWithFfmpegJob>, u"Conversion"_s, u"General"_s);
+        rows("conversion to MKV", make<KXConvertWithFfmpegJob>, u"Conversion"_s, u"MKV"_s);
+        rows("muxing", make<KXConvertToMkvJob>, u"MKV Conversion"_s, u"MKV"_s);
+        rows("removal", make<KXEditMkvJob>, u"MKV Track Removal"_s, u"MKV"_s);
+        rows("remux in the background", make<KXEditMkvJob>, u"MKV Remux"_s, u"MKV"_s);
+        rows("split in the background", make<KXEditMkvJob>, u"MKV Splitting"_s, u"MKV"_s);
+        rows("join by the editor", make<KXEditMkvJob>, u"MKV Joining"_s, u"MKV"_s);
+        rows("extraction by the editor", make<KXEditMkvJob>, u"MKV Track Extraction"_s, u"MKV"_s);
+        rows("extraction", make<KXExtractTracksJob>, u"Track Extraction"_s, u"MKV"_s);
+        rows("join", make<KXJoinVideosJob>, u"Joining"_s, u"MKV"_s);
+        rows("remux", make<KXRemuxVideoJob>, u"Remux"_s, u"MKV"_s);
+        rows("split", make<KXSplitVideosJob>, u"Splitting"_s, u"MKV"_s);
+        rows("sending", make<KXSendToLintwickJob>, u"Send To Lintwick"_s, u"MKV"_s);
+    }
+
+    void nothingIsTouched()
+    {
+        QFETCH(Maker, maker);
+        QFETCH(QString, type);
+        QFETCH(QString, device);
+        QFETCH(bool, isStopped);
+        MkvBench bench;
+        for (const QString &name : taken)
+            bench.world.scratch.write(u"out/"_s + name, "theirs: " + name.toUtf8());
+        bench.world.setSaveFolder(bench.path(u"out"_s));
+        const auto selection = bench.selection(type, {subtitleTrack(u"2"_s, u"srt"_s)});
+        selection->setTheDevice(device);
+        selection->setEditFilesURLsList({bench.source, bench.source});
+        selection->setSplitType(u"duration"_s);
+        selection->setSplitDurationSeconds(u"2"_s);
+        const auto job = maker(bench.world.jobContext(step::WhenTaken::Refuse));
+        bench.job = job;
+        job->initJobWithSelectionAndPreferences(selection, bench.world.preferences);
+        job->startJob();
+        QVERIFY(!job->startProblem().isNull());
+        if (isStopped)
+            job->stopJob();
+        QVERIFY(waitFor([&] { return job->hasEnded(); }, 30000));
+        QStringList names =
+            QDir(bench.path(u"out"_s))
+                .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+        QStringList expected = taken;
+        expected.sort();
+        names.sort();
+        QCOMPARE(names, expected);
+        for (const QString &name : taken)
+            QCOMPARE(bench.world.scratch.read(u"out/"_s + name), "theirs: " + name.toUtf8());
+        QVERIFY(!job->outcome().sentence.contains(u"The log is"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(RefusedJobsTest)
+#include "RefusedJobsTest.moc"
