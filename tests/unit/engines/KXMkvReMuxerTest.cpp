@@ -118,7 +118,7 @@ private Q_SLOTS:
         QFETCH(QByteArrayList, chunks);
         QFETCH(QStringList, texts);
         ReMuxerBench bench;
-        bench.remuxer.setLogFileURL(bench.url(u"x.log"_s));
+        bench.remuxer.setLogFileURL(bench.guard.claimFree(bench.url(u"x.log"_s)));
         for (const QByteArray &chunk : chunks)
             bench.read(chunk);
         QCOMPARE(bench.posted(u"monitorSplitUpdate"_s), texts);
