@@ -295,6 +295,7 @@ void KXJob::requestJobDone(int afterMilliseconds)
 
 void KXJob::endIfNothingRuns()
 {
-    if (m_stepTaskList.isEmpty() || everyStepIsComplete())
+    const bool nothingRuns = m_stepTaskList.isEmpty() && m_waitingSteps.isEmpty();
+    if (nothingRuns || everyStepIsComplete())
         requestJobDone(nothingRunsDelay);
 }

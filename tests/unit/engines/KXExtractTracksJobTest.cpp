@@ -136,6 +136,17 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return bench.runs() == 2; }));
     }
 
+    void aJobThatIsPausedAtItsBeginningWaits()
+    {
+        ExtractionBench bench;
+        bench.start({videoTrack(), sound()});
+        bench.job->pauseJob();
+        QVERIFY(!waitFor([&] { return bench.runs() > 0 || bench.job->hasEnded(); }, 700));
+        bench.job->resumeJob();
+        QVERIFY(bench.waitForEnd());
+        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
+    }
+
     void theSourceIsAskedOnceForItsLength()
     {
         ExtractionBench bench;
