@@ -1,0 +1,135 @@
+#include "support/Canaries.h"
+
+#include "support/ClipKitchen.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace support {
+
+namespace {
+
+QString canaryPicture()
+{
+    return clip(u"canary.png"_s, [](const QString &path) {
+        runProgram(u"ffmpeg"_s, u"-nostdin -y -loglevel error -f lavfi -i color=white:s=16x16 -frames:v 1 "
+                                "-update 1"_s.split(u' ')
+                                    << path);
+    });
+}
+
+/// A listing of the folder itself opens it: that is no touch.
+constexpr uint32_t touches = IN_OPEN | IN_ACCESS | IN_MODIFY | IN_ATTRIB | IN_CREATE | IN_DELETE | IN_MOVE |
+                             IN_DELETE_SELF | IN_MOVE_SELF;
+
+QString wordOf(uint32_t mask)
+{
+    if (mask & (IN_OPEN | IN_ACCESS))
+        return u"opened"_s;
+    if (mask & IN_CREATE)
+        return u"made"_s;
+    return mask & (IN_MODIFY | IN_ATTRIB) ? u"changed"_s : u"removed"_s;
+}
+
+QString tellingOf(const QFileInfo &entry)
+{
+    if (entry.isSymLink())
+        return u"link to "_s + entry.symLinkTarget();
+    if (entry.isDir())
+        return u"folder"_s;
+    QFile file(entry.filePath());
+    if (!entry.isFile() || !file.open(QIODevice::ReadOnly))
+        return u"no file"_s;
+    QCryptographicHash sum(QCryptographicHash::Md5);
+    sum.addData(&file);
+    return QString::number(entry.size()) + u' ' + QString::fromLatin1(sum.result().toHex());
+}
+
+} // namespace
+
+Canaries::Canaries(const QString &folder)
+    : m_folder(folder)
+{
+    if (!QDir().mkpath(folder))
+        qFatal("can't make %s", qPrintable(folder));
+    writeContent(text(), "canary-1f9c7b2d\n");
+    writeContent(subtitle(), "1\n00:00:00,000 --> 00:00:00,900\ncanary-1f9c7b2d\n\n");
+    if (!QFile::copy(canaryPicture(), picture()))
+        qFatal("can't copy the picture");
+}
+
+Canaries::~Canaries()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+void Canaries::arm()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+    m_descriptor = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (m_descriptor < 0 ||
+        ::inotify_add_watch(m_descriptor, QFile::encodeName(m_folder).constData(), touches) < 0)
+        qFatal("can't watch %s", qPrintable(m_folder));
+}
+
+QStringList Canaries::seen()
+{
+    QStringList seen;
+    alignas(inotify_event) char buffer[65536];
+    for (ssize_t size = 0; (size = ::read(m_descriptor, buffer, sizeof buffer)) > 0;) {
+        for (ssize_t at = 0; at < size;) {
+            const auto *event = reinterpret_cast<const inotify_event *>(buffer + at);
+            at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+            if (!(event->mask & IN_ISDIR) && !(event->mask & IN_IGNORED))
+                seen.append(wordOf(event->mask) + u' ' + QFile::decodeName(event->len ? event->name : "."));
+        }
+    }
+    seen.removeDuplicates();
+    return seen;
+}
+
+Listing::Listing(const QString &folder, const QStringList &without)
+{
+    const auto everything = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System;
+    for (const QFileInfo &top : QDir(folder).entryInfoList(everything)) {
+        if (without.contains(top.fileName()))
+            continue;
+        m_entries.insert(top.fileName(), tellingOf(top));
+        if (top.isSymLink() || !top.isDir())
+            continue;
+        QDirIterator all(top.filePath(), everything, QDirIterator::Subdirectories);
+        while (all.hasNext()) {
+            all.next();
+            m_entries.insert(all.filePath().mid(folder.size() + 1), tellingOf(all.fileInfo()));
+        }
+    }
+}
+
+QStringList Listing::changesTo(const Listing &later) const
+{
+    QStringList changes;
+    for (auto entry = later.m_entries.begin(); entry != later.m_entries.end(); ++entry) {
+        if (!m_entries.contains(entry.key()))
+            changes.append(u"new "_s + entry.key());
+        else if (m_entries.value(entry.key()) != entry.value())
+            changes.append(u"changed "_s + entry.key());
+    }
+    for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry) {
+        if (!later.m_entries.contains(entry.key()))
+            changes.append(u"gone "_s + entry.key());
+    }
+    changes.sort();
+    return changes;
+}
+
+} // namespace support

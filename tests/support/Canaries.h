@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+namespace support {
+
+/// A folder that nobody has any business with: a text, a picture and a subtitle lie in it. Once armed, it
+/// tells whatever touches them or the folder, also what merely opens one for reading.
+class Canaries final
+{
+public:
+    explicit Canaries(const QString &folder);
+    ~Canaries();
+    Q_DISABLE_COPY_MOVE(Canaries)
+
+    QString text() const { return m_folder + QStringLiteral("/canary.txt"); }
+    QString picture() const { return m_folder + QStringLiteral("/canary.png"); }
+    QString subtitle() const { return m_folder + QStringLiteral("/canary.srt"); }
+    /// Nothing is there; what writes to it is seen.
+    QString target() const { return m_folder + QStringLiteral("/written"); }
+
+    /// From here on everything counts.
+    void arm();
+    /// What happened since, "opened canary.txt", without repetitions; forgotten with the asking.
+    QStringList seen();
+
+private:
+    QString m_folder;
+    int m_descriptor = -1;
+};
+
+/// Every path under a folder with its size and a sum of its content; links are told by their targets.
+/// Folders in it can be left out by their names.
+class Listing final
+{
+public:
+    explicit Listing(const QString &folder, const QStringList &without = {});
+    /// "new X", "changed X" and "gone X" of the later listing against this one, sorted.
+    QStringList changesTo(const Listing &later) const;
+
+private:
+    QHash<QString, QString> m_entries;
+};
+
+} // namespace support

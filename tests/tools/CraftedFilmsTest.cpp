@@ -1,0 +1,227 @@
+// Films that anybody can make with mkvmerge: behind a tag "}" stand tags that bear the names of a stream's
+// own fields, and in them what a shell or a filter graph would love to read as syntax. Converted with the
+// real tools such a film runs no program, writes nothing but its result and reads nothing but itself.
+#include "support/Canaries.h"
+#include "support/StartedPrograms.h"
+#include "support/TaggedFilms.h"
+#include "support/Twin.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using support::Canaries;
+using support::Listing;
+using support::TagList;
+using support::Twin;
+
+namespace {
+
+QStringList words(const QString &line)
+{
+    return line.split(u' ');
+}
+
+const QString onePass = u"convert film.mkv --video 1pass --video-bitrate 300"_s;
+const QString twoPasses = u"convert film.mkv --video 2pass --video-bitrate 300"_s;
+const QString burned = u" --subtitles burn"_s;
+const QString scaled = u" --width 32"_s;
+
+/// Where FILTER stands in them it becomes a filter of its own between the two halves of
+/// "scale=trunc(32/WIDTH*iw/2)*2:trunc(ow/a/2)*2" and of "[0:2]scale=WIDTH:HEIGHT[sub]".
+const QString inScale = u"64*iw/2)*2:trunc(ow/a/2)*2[a];FILTER[b];[b]scale=trunc(1"_s;
+const QString inOverlayWidth = u"64:48[a];FILTER[b];[b]scale=64"_s;
+const QString inOverlayHeight = u"48[a];FILTER[b];[b]scale=64:48"_s;
+const QString inOverlayIndex = u"2]scale=64:48[a];FILTER[b];[b"_s;
+
+/// What the shell of an extraction reads behind "-map 0:".
+QStringList shellTexts()
+{
+    return {u"2;touch X;#"_s, u"2 -y X.srt;#"_s, u"2$(touch X)"_s,   u"2`touch X`"_s,
+            u"2&touch X;#"_s, u"2|touch X;#"_s,  u"2 -f srt >X;#"_s, u"2\u00a0||touch X;#"_s};
+}
+
+} // namespace
+
+class CraftedFilmsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_twin->useOwnTools();
+        m_twin->recordEverything();
+    }
+    void cleanup();
+    void cleanupTestCase() { m_twin.reset(); }
+
+    void aTouchIsSeen();
+    void anIndexRunsNothing_data();
+    void anIndexRunsNothing();
+    void aSizeWritesNothing_data();
+    void aSizeWritesNothing();
+    void aSizeReadsNothing_data();
+    void aSizeReadsNothing();
+
+private:
+    void cases() const;
+    void convert(const TagList &tags, int track, const QString &film, const QString &line);
+    void compareTouched(const Listing &before, const Twin::Run &run);
+    void compareOutcome(const Twin::Run &run) const;
+
+    QString path(const QString &name) const { return m_twin->scratch().path(name); }
+
+    std::unique_ptr<Twin> m_twin = std::make_unique<Twin>();
+    std::unique_ptr<Canaries> m_canaries = std::make_unique<Canaries>(path(u"canaries"_s));
+};
+
+/// The next film finds everything as the first one did.
+void CraftedFilmsTest::cleanup()
+{
+    m_twin->forgetRecorded();
+    for (const QString &name : m_twin->mediaNames())
+        QFile::remove(m_twin->media(name));
+    for (const auto &name : {u"app/X"_s, u"app/X.srt"_s})
+        QFile::remove(path(name));
+    QFile::remove(m_canaries->target());
+}
+
+/// Without this the other functions would show nothing.
+void CraftedFilmsTest::aTouchIsSeen()
+{
+    const auto happens = [this](const QString &line) {
+        m_canaries->arm();
+        QProcess shell;
+        shell.start(u"/bin/sh"_s, {u"-c"_s, line});
+        shell.waitForFinished();
+        return m_canaries->seen();
+    };
+    QCOMPARE(happens(u"true"_s), QStringList());
+    QCOMPARE(happens(u"exec < "_s + m_canaries->text()), QStringList{u"opened canary.txt"_s});
+    QVERIFY(happens(u": > "_s + m_canaries->target()).contains(u"made written"_s));
+    QCOMPARE(happens(u"rm "_s + m_canaries->target()), QStringList{u"removed written"_s});
+}
+
+void CraftedFilmsTest::anIndexRunsNothing_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("line");
+    for (const QString &text : shellTexts())
+        QTest::newRow(qPrintable(u"burn "_s + text)) << text << onePass + burned;
+    for (const QString &line :
+         {u"extract film.mkv"_s, u"send film.mkv"_s, twoPasses + burned, u"convert film.mkv --kind mkv"_s,
+          u"remove film.mkv --tracks 1"_s, u"convert film.mkv --dry-run --subtitles burn --video 1pass"_s})
+        QTest::newRow(qPrintable(line)) << shellTexts().constFirst() << line;
+}
+
+void CraftedFilmsTest::anIndexRunsNothing()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, line);
+    convert({{u"index"_s, text}}, 2, support::tinyTextMkv(), line);
+}
+
+/// Each place in a filter where a probed field stands.
+void CraftedFilmsTest::cases() const
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("film");
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("line");
+    const QString text = support::tinyTextMkv();
+    const QString picture = support::tinyPictureMkv();
+    QTest::newRow("one pass") << u"width"_s << text << inScale << onePass + scaled;
+    QTest::newRow("two passes") << u"width"_s << text << inScale << twoPasses + scaled;
+    QTest::newRow("text burned") << u"width"_s << text << inScale << onePass + scaled + burned;
+    QTest::newRow("text burned in two passes")
+        << u"width"_s << text << inScale << twoPasses + scaled + burned;
+    QTest::newRow("picture burned, width")
+        << u"width"_s << picture << inOverlayWidth << onePass + u" --width 64"_s + burned;
+    QTest::newRow("picture burned, height") << u"height"_s << picture << inOverlayHeight << onePass + burned;
+    QTest::newRow("picture burned, index") << u"index"_s << picture << inOverlayIndex << onePass + burned;
+    QTest::newRow("picture burned, scaled, height")
+        << u"height"_s << picture << inOverlayHeight << onePass + scaled + burned;
+    QTest::newRow("picture burned in two passes, height")
+        << u"height"_s << picture << inOverlayHeight << twoPasses + burned;
+}
+
+void CraftedFilmsTest::aSizeWritesNothing_data()
+{
+    cases();
+}
+
+void CraftedFilmsTest::aSizeWritesNothing()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, film);
+    QFETCH(QString, pattern);
+    QFETCH(QString, line);
+    const QString filter = u"[a]metadata=print:file="_s + m_canaries->target();
+    convert({{field, pattern.replace(u"FILTER"_s, filter)}}, field == u"index"_s ? 2 : 0, film, line);
+}
+
+void CraftedFilmsTest::aSizeReadsNothing_data()
+{
+    cases();
+}
+
+void CraftedFilmsTest::aSizeReadsNothing()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, film);
+    QFETCH(QString, pattern);
+    QFETCH(QString, line);
+    const QString filter = u"movie=%1[c];[a][c]overlay"_s.arg(m_canaries->picture());
+    convert({{field, pattern.replace(u"FILTER"_s, filter)}}, field == u"index"_s ? 2 : 0, film, line);
+}
+
+void CraftedFilmsTest::convert(const TagList &tags, int track, const QString &film, const QString &line)
+{
+    QList<TagList> lists(3);
+    lists[track] = support::behindABrace(tags);
+    support::writeTagged(film, m_twin->media(u"film.mkv"_s), lists);
+    const Listing before(path({}), {u"path"_s});
+    m_canaries->arm();
+    const Twin::Run run = m_twin->run(words(line), 60000);
+    compareTouched(before, run);
+    if (!QTest::currentTestFailed())
+        compareOutcome(run);
+}
+
+/// No program ran but those that should, and nothing has changed but results and logs beside the film.
+void CraftedFilmsTest::compareTouched(const Listing &before, const Twin::Run &run)
+{
+    const QStringList touched = m_canaries->seen();
+    QVERIFY2(touched.isEmpty(), qPrintable(touched.join(u", "_s) + u'\n' + run.said()));
+    static const QStringList meant{u"ffprobe"_s, u"ffmpeg"_s, u"mkvmerge"_s, u"mkvextract"_s, u"mkvinfo"_s,
+                                   u"grep"_s,    u"ps"_s,     u"awk"_s,      u"rm"_s};
+    for (const QByteArrayList &started : m_twin->recorded())
+        QVERIFY2(meant.contains(QString::fromUtf8(started.constFirst())), started.join('|').constData());
+    static const QRegularExpression results(u"^new (media/film\\.[^/]*|recorded|defaults.json|"
+                                            "home/\\.fontconfig.*|home/\\.cache.*)$"_s);
+    QStringList changes = before.changesTo(Listing(path({}), {u"path"_s}));
+    changes.removeIf([](const QString &change) { return results.match(change).hasMatch(); });
+    QVERIFY2(changes.isEmpty(), qPrintable(changes.join(u'\n')));
+}
+
+/// It is converted as if the tags were not there, or refused in a sentence.
+void CraftedFilmsTest::compareOutcome(const Twin::Run &run) const
+{
+    QVERIFY2(run.status == 0 || run.status == 2, run.error.constData());
+    const QString output = m_twin->media(u"film.m4v"_s);
+    if (run.status == 2) {
+        QVERIFY2(run.said().contains(u"film.mkv: "_s), run.error.constData());
+        QVERIFY(!QFile::exists(output));
+    } else if (QFile::exists(output)) {
+        const auto streams = support::streamsOf(output);
+        QVERIFY(streams.size() >= 2);
+        QCOMPARE(streams.at(0).value(u"codec_name"_s).toString(), u"h264"_s);
+        const int width = streams.at(0).value(u"width"_s).toInt();
+        QVERIFY2(width == 64 || width == 32, qPrintable(QString::number(width)));
+    }
+}
+
+QTEST_GUILESS_MAIN(CraftedFilmsTest)
+#include "CraftedFilmsTest.moc"
