@@ -1,9 +1,12 @@
-// Whatever a media file makes ffprobe print, the readers and the track builder must take it.
+// Whatever a media file makes ffprobe print, the readers and the track builder must take it, and every field
+// that anything is decided by comes out in the form that it can have.
+#include "ProbeReaderCheck.h"
 #include "media/ProbeReader.h"
 #include "media/TrackBuilder.h"
 
 #include <QUrl>
 
+#include <cstdio>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
@@ -37,6 +40,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *bytes, size_t size)
     media::holdsStreamList(output);
     const QList<QVariantMap> streams = media::streamsIn(output);
     require(streams.size() <= output.count(u'{'));
+    const QString offence = fuzz::ProbeReaderCheck::offenceOf(output, streams);
+    if (!offence.isNull())
+        std::fprintf(stderr, "%s\n", qPrintable(offence));
+    require(offence.isNull());
     require(media::streamLineCodecs(output).size() <= output.count(u'\n') + 1);
     media::containerBitRate(output);
     buildTracks(streams);

@@ -1,5 +1,7 @@
 #include "media/ProbeReader.h"
 
+#include "fuzz/ProbeReaderCheck.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -281,6 +283,7 @@ private Q_SLOTS:
         const QString output = QString::fromUtf8(file.readAll());
         const auto streams = media::streamsIn(output);
         QVERIFY(streams.size() <= output.count(u'{'));
+        QCOMPARE(fuzz::ProbeReaderCheck::offenceOf(output, streams), QString());
         for (const QVariantMap &stream : streams) {
             for (const QString &key : stream.keys())
                 QVERIFY2(!key.contains(u'"') && !key.contains(u',') && !key.contains(u'\n'), qPrintable(key));
