@@ -1,0 +1,38 @@
+#include "support/Seeds.h"
+
+#include <QRandomGenerator>
+#include <QString>
+
+namespace support {
+
+namespace {
+
+constexpr quint32 usual = 20240229;
+
+quint32 chosenSeed()
+{
+    bool isGiven = false;
+    const uint given = qEnvironmentVariable("TESSARAY_SEED").toUInt(&isGiven);
+    if (isGiven)
+        return given;
+    return isSoak() ? QRandomGenerator::global()->generate() : usual;
+}
+
+} // namespace
+
+bool isSoak()
+{
+    return qEnvironmentVariableIntValue("TESSARAY_SOAK") == 1;
+}
+
+quint32 seed()
+{
+    static const quint32 chosen = [] {
+        const quint32 made = chosenSeed();
+        qInfo("TESSARAY_SEED=%u", made);
+        return made;
+    }();
+    return chosen;
+}
+
+} // namespace support

@@ -1,0 +1,87 @@
+#include "support/Verdicts.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace support {
+
+namespace {
+
+QJsonArray countedStreams(const QString &path)
+{
+    QProcess ffprobe;
+    ffprobe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-count_packets"_s, u"-show_entries"_s,
+                                 u"stream=index,codec_type,codec_name,nb_read_packets"_s, u"-of"_s, u"json"_s,
+                                 u"-i"_s, path});
+    ffprobe.waitForFinished(60000);
+    return QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object().value(u"streams"_s).toArray();
+}
+
+/// Lines that are no objects are told by their text, not by the end of the test.
+QString offenceOfLine(const QByteArray &line)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(line);
+    if (!document.isObject())
+        return u"no JSON: "_s + QString::fromUtf8(line);
+    const QJsonObject event = document.object();
+    if (event.value(u"event"_s) != u"done"_s || event.value(u"outcome"_s) != u"ok"_s)
+        return {};
+    const QJsonArray outputs = event.value(u"outputs"_s).toArray();
+    if (outputs.isEmpty())
+        return u"\"ok\" without an output"_s;
+    for (const QJsonValue &output : outputs) {
+        const QString offence = outputOffence(output.toString());
+        if (!offence.isNull())
+            return u"\"ok\", but "_s + offence;
+    }
+    return {};
+}
+
+} // namespace
+
+QString outputOffence(const QString &path)
+{
+    if (QFileInfo(path).size() == 0)
+        return path + u" is not there or empty"_s;
+    if (path.endsWith(u".idx"_s)) // its packets are in the file beside it
+        return {};
+    const QJsonArray streams = countedStreams(path);
+    int packets = 0;
+    for (const QJsonValue &value : streams) {
+        const QJsonObject stream = value.toObject();
+        const int inStream = stream.value(u"nb_read_packets"_s).toString().toInt();
+        if (inStream < 1 && !path.contains(u".split-"_s)) {
+            return u"%1 has no packet in its %2 stream %3"_s
+                .arg(path, stream.value(u"codec_type"_s).toString())
+                .arg(stream.value(u"index"_s).toInt());
+        }
+        packets += inStream;
+    }
+    return packets > 0 ? QString() : path + u" holds no packet"_s;
+}
+
+QString untruthOf(const Twin::Run &run)
+{
+    static const QList<int> known{0, 1, 2, 64};
+    if (!known.contains(run.status))
+        return u"it ended with %1: %2"_s.arg(run.status).arg(run.said());
+    for (const char *sign : {"AddressSanitizer", "runtime error:", "ASSERT", "QFATAL"}) {
+        if (run.error.contains(sign))
+            return run.said();
+    }
+    if (run.status != 0 && run.error.trimmed().isEmpty())
+        return u"it ended with %1 and gave no reason"_s.arg(run.status);
+    if (!run.output.isEmpty() && !run.output.endsWith('\n'))
+        return u"the last line has no end"_s;
+    for (const QByteArray &line : run.output.split('\n')) {
+        const QString offence = line.isEmpty() ? QString() : offenceOfLine(line);
+        if (!offence.isNull())
+            return offence;
+    }
+    return {};
+}
+
+} // namespace support
