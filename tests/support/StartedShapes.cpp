@@ -84,7 +84,7 @@ const QHash<QString, QList<Shape>> &programs()
         {u"mkvinfo"_s, {{u"FILM"_s, {}}}},
         {u"mplayer"_s, playing},
         {u"lintwick"_s, {{u"FILM"_s, {}}}},
-        {u"grep"_s, {{u"Stream #|Durations|N"_s, {}}}},
+        {u"grep"_s, {{u"Stream #|Durations|time=|N"_s, {}}}},
         {u"ps"_s, {{u"-p"_s, u"N"_s}}},
         {u"tail"_s, {{u"-1"_s, {}}}},
         {u"tr"_s, {{u"\\\\[rn]"_s, {}}}},

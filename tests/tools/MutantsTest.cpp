@@ -1,0 +1,243 @@
+// Films and subtitles with faults in them, drawn by a seed, through the commands that read most of a file.
+// The program never crashes or hangs, says "ok" only of what is there and can be read, leaves nothing but
+// outputs, logs and error files, and no source is changed. TESSARAY_SOAK=1 takes ten times as many through
+// each command.
+#include "support/Mutants.h"
+#include "support/Canaries.h"
+#include "support/ClipKitchen.h"
+#include "support/Twin.h"
+#include "support/Verdicts.h"
+#include "support/Waiting.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using support::Listing;
+using support::Twin;
+
+namespace {
+
+constexpr int boundMs = 60000;
+constexpr qsizetype batchSize = 5;
+/// They wait more than they work.
+constexpr size_t houseCount = 3;
+
+const QStringList &commands()
+{
+    static const QStringList lines{u"probe"_s, u"convert --kind mkv"_s,
+                                   u"convert --video 1pass --video-bitrate 100"_s, u"remux"_s,
+                                   u"split --duration 00:00:01"_s};
+    return lines;
+}
+
+struct Mutant
+{
+    QString name;
+    QByteArray content;
+};
+
+/// Some mutants and the command that takes them all.
+struct Batch
+{
+    QString command;
+    QList<Mutant> mutants;
+};
+
+/// A world in which one batch after the other is run, while others are in theirs.
+class House
+{
+public:
+    void begin(const Batch &batch)
+    {
+        m_batch = batch;
+        QStringList words = batch.command.split(u' ') + QStringList{u"--json"_s};
+        for (const Mutant &mutant : batch.mutants) {
+            support::writeContent(m_twin.media(mutant.name), mutant.content);
+            words.append(mutant.name);
+        }
+        m_before = std::make_unique<Listing>(m_twin.scratch().path());
+        m_clock.start();
+        m_process = m_twin.start(words);
+    }
+
+    bool isFree() const { return !m_process; }
+
+    /// What was wrong, when the run has ended or its time is over; no value while it goes on.
+    std::optional<QString> look()
+    {
+        const bool hasEnded = m_process->waitForFinished(10);
+        if (!hasEnded && m_clock.elapsed() < boundMs)
+            return {};
+        QString offence = hasEnded ? support::untruthOf(Twin::outcomeOf(*m_process)) : hanging();
+        m_process.reset();
+        const QString left = leftOver();
+        if (offence.isNull())
+            offence = left;
+        if (!offence.isNull())
+            offence = told(offence);
+        clean();
+        return offence;
+    }
+
+private:
+    QString hanging()
+    {
+        const QString tools = m_twin.commandLines().join(u"; "_s);
+        for (const qint64 pid : m_twin.processes())
+            ::kill(static_cast<pid_t>(pid), SIGKILL);
+        m_process->waitForFinished();
+        return u"it did not end: "_s + tools;
+    }
+
+    QString leftOver()
+    {
+        if (!support::waitFor([this] { return m_twin.processes().isEmpty(); }, 5000))
+            return u"left running: "_s + m_twin.commandLines().join(u"; "_s);
+        static const QRegularExpression results(u"^(new media/mutant[0-9]+\\.[^/]*|(new|changed) "
+                                                u"(defaults\\.json|home/\\.(fontconfig|cache)(/.*)?|"
+                                                "home|media|tmp))$"_s);
+        QStringList changes = m_before->changesTo(Listing(m_twin.scratch().path()));
+        changes.removeIf([](const QString &change) { return results.match(change).hasMatch(); });
+        return changes.isEmpty() ? QString() : u"changed: "_s + changes.join(u", "_s);
+    }
+
+    /// With the mutants kept beside the clips, where they can be tried again.
+    QString told(const QString &offence) const
+    {
+        const QString kept = QStringLiteral(TESSARAY_BUILD_DIR) + u"/mutants"_s;
+        QDir().mkpath(kept);
+        QStringList names;
+        for (const Mutant &mutant : m_batch.mutants) {
+            names.append(mutant.name);
+            support::writeContent(kept + u'/' + mutant.name, mutant.content);
+        }
+        return u"%1 %2 (in %3): "_s.arg(m_batch.command, names.join(u' '), kept) + offence;
+    }
+
+    void clean()
+    {
+        for (const auto &name : {u"media"_s, u"tmp"_s}) {
+            QDir(m_twin.scratch().path(name)).removeRecursively();
+            QDir().mkpath(m_twin.scratch().path(name));
+        }
+    }
+
+    Twin m_twin;
+    Batch m_batch;
+    std::unique_ptr<QProcess> m_process;
+    std::unique_ptr<Listing> m_before;
+    QElapsedTimer m_clock;
+};
+
+} // namespace
+
+class MutantsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theMediaThemselvesPass();
+    void theSameSeedMakesTheSame();
+    void mutants();
+
+private:
+    static QList<Batch> batchesOf(QList<Mutant> all, const QStringList &lines);
+    static QList<Batch> drawn();
+    static qsizetype offencesIn(QList<Batch> batches);
+};
+
+qsizetype MutantsTest::offencesIn(QList<Batch> batches)
+{
+    std::vector<std::unique_ptr<House>> houses;
+    for (size_t i = 0; i < houseCount; ++i)
+        houses.push_back(std::make_unique<House>());
+    qsizetype offences = 0;
+    for (bool isBusy = true; isBusy;) {
+        isBusy = false;
+        for (const auto &house : houses) {
+            if (house->isFree() && !batches.isEmpty())
+                house->begin(batches.takeFirst());
+            if (house->isFree())
+                continue;
+            isBusy = true;
+            const std::optional<QString> offence = house->look();
+            if (offence.has_value() && !offence->isNull()) {
+                ++offences;
+                qWarning("%s", qPrintable(*offence));
+            }
+        }
+    }
+    return offences;
+}
+
+QList<Batch> MutantsTest::batchesOf(QList<Mutant> all, const QStringList &lines)
+{
+    QList<Batch> batches;
+    while (!all.isEmpty()) {
+        const QList<Mutant> some = all.first(qMin(batchSize, all.size()));
+        all.remove(0, some.size());
+        for (const QString &line : lines)
+            batches.append({line, some});
+    }
+    return batches;
+}
+
+/// Each kind of medium in turn. In the short form each batch goes through one command, all in turn; in the
+/// long form through all of them.
+QList<Batch> MutantsTest::drawn()
+{
+    const qsizetype count = support::isSoak() ? 3000 : 300;
+    const auto &media = support::smallMedia();
+    support::Chances chances(support::seed());
+    QList<Mutant> mutants;
+    for (qsizetype i = 0; i < count; ++i) {
+        const support::SmallMedium &medium = media.at(i % media.size());
+        mutants.append({u"mutant%1.%2"_s.arg(i).arg(medium.extension),
+                        support::mutated(support::contentOf(medium.path), chances)});
+    }
+    if (support::isSoak())
+        return batchesOf(mutants, commands());
+    QList<Batch> batches = batchesOf(mutants, {QString()});
+    for (qsizetype i = 0; i < batches.size(); ++i)
+        batches[i].command = commands().at((i / 2) % commands().size());
+    return batches;
+}
+
+/// What is wrong here is wrong with the test.
+void MutantsTest::theMediaThemselvesPass()
+{
+    QList<Mutant> media;
+    for (const support::SmallMedium &medium : support::smallMedia())
+        media.append(
+            {u"mutant%1.%2"_s.arg(media.size()).arg(medium.extension), support::contentOf(medium.path)});
+    QCOMPARE(offencesIn(batchesOf(media, commands())), 0);
+}
+
+void MutantsTest::theSameSeedMakesTheSame()
+{
+    const QByteArray content = support::contentOf(support::smallMedia().constFirst().path);
+    support::Chances one(7);
+    support::Chances same(7);
+    int changed = 0;
+    for (int i = 0; i < 50; ++i) {
+        const QByteArray mutant = support::mutated(content, one);
+        QCOMPARE(support::mutated(content, same), mutant);
+        changed += mutant != content;
+    }
+    QVERIFY(changed > 45);
+}
+
+void MutantsTest::mutants()
+{
+    QCOMPARE(offencesIn(drawn()), 0);
+}
+
+QTEST_GUILESS_MAIN(MutantsTest)
+#include "MutantsTest.moc"
