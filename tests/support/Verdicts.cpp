@@ -20,6 +20,43 @@ QJsonArray countedStreams(const QString &path)
     return QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object().value(u"streams"_s).toArray();
 }
 
+int packetsIn(const QJsonObject &stream)
+{
+    return stream.value(u"nb_read_packets"_s).toString().toInt();
+}
+
+/// The kinds of streams that hold nothing, in order.
+QStringList emptyKinds(const QJsonArray &streams)
+{
+    QStringList kinds;
+    for (const QJsonValue &stream : streams) {
+        if (packetsIn(stream.toObject()) < 1)
+            kinds.append(stream[u"codec_type"_s].toString());
+    }
+    return kinds;
+}
+
+/// What is wrong with an output that is said to be well; null when nothing is.
+QString outputOffence(const QString &path, const QString &source)
+{
+    if (QFileInfo(path).size() == 0)
+        return path + u" is not there or empty"_s;
+    if (path.endsWith(u".idx"_s)) // its packets are in the file beside it
+        return {};
+    const QJsonArray streams = countedStreams(path);
+    const QStringList empty = emptyKinds(streams);
+    if (empty.size() == streams.size())
+        return path + u" holds no packet"_s;
+    if (path.contains(u".split-"_s) || empty.isEmpty())
+        return {};
+    const QStringList emptyBefore = emptyKinds(countedStreams(source));
+    for (const QString &kind : empty) {
+        if (!emptyBefore.contains(kind))
+            return u"%1 has no packet in its %2 stream"_s.arg(path, kind);
+    }
+    return {};
+}
+
 /// Lines that are no objects are told by their text, not by the end of the test.
 QString offenceOfLine(const QByteArray &line)
 {
@@ -33,7 +70,9 @@ QString offenceOfLine(const QByteArray &line)
     if (outputs.isEmpty())
         return u"\"ok\" without an output"_s;
     for (const QJsonValue &output : outputs) {
-        const QString offence = outputOffence(output.toString());
+        const QString path = output.toString();
+        const QString source = QFileInfo(path).path() + u'/' + event.value(u"fileName"_s).toString();
+        const QString offence = outputOffence(path, source);
         if (!offence.isNull())
             return u"\"ok\", but "_s + offence;
     }
@@ -41,27 +80,6 @@ QString offenceOfLine(const QByteArray &line)
 }
 
 } // namespace
-
-QString outputOffence(const QString &path)
-{
-    if (QFileInfo(path).size() == 0)
-        return path + u" is not there or empty"_s;
-    if (path.endsWith(u".idx"_s)) // its packets are in the file beside it
-        return {};
-    const QJsonArray streams = countedStreams(path);
-    int packets = 0;
-    for (const QJsonValue &value : streams) {
-        const QJsonObject stream = value.toObject();
-        const int inStream = stream.value(u"nb_read_packets"_s).toString().toInt();
-        if (inStream < 1 && !path.contains(u".split-"_s)) {
-            return u"%1 has no packet in its %2 stream %3"_s
-                .arg(path, stream.value(u"codec_type"_s).toString())
-                .arg(stream.value(u"index"_s).toInt());
-        }
-        packets += inStream;
-    }
-    return packets > 0 ? QString() : path + u" holds no packet"_s;
-}
 
 QString untruthOf(const Twin::Run &run)
 {

@@ -6,11 +6,8 @@ namespace support {
 
 /// Whether a run that was asked for JSON lines said something that is not true, or nothing at all. Null when
 /// all is well: an end by itself with a status that the help names, a reason wherever it is not 0, and for
-/// each job that it calls "ok" outputs that are there and hold packets: in every stream, but for parts of a
-/// film, each of which must hold some.
+/// each job that it calls "ok" outputs that are there and hold packets: in every stream, but for those that
+/// are empty in the source too, and for parts of a film, each of which must hold some.
 QString untruthOf(const Twin::Run &run);
-
-/// What is wrong with an output that is said to be well; null when nothing is.
-QString outputOffence(const QString &path);
 
 } // namespace support
