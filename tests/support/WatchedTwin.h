@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Canaries.h"
+#include "support/Listing.h"
 #include "support/Twin.h"
 
 #include <memory>

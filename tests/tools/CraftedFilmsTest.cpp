@@ -2,6 +2,7 @@
 // own fields, and in them what a shell or a filter graph would love to read as syntax. Converted with the
 // real tools such a film runs no program, writes nothing but its result and reads nothing but itself.
 #include "support/Canaries.h"
+#include "support/Listing.h"
 #include "support/StartedPrograms.h"
 #include "support/TaggedFilms.h"
 #include "support/Twin.h"

@@ -3,8 +3,8 @@
 // outputs, logs and error files, and no source is changed. TESSARAY_SOAK=1 takes ten times as many through
 // each command.
 #include "support/Mutants.h"
-#include "support/Canaries.h"
 #include "support/ClipKitchen.h"
+#include "support/Listing.h"
 #include "support/Twin.h"
 #include "support/Verdicts.h"
 #include "support/Waiting.h"
