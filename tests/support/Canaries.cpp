@@ -1,6 +1,7 @@
 #include "support/Canaries.h"
 
 #include "support/ClipKitchen.h"
+#include "support/Clips.h"
 
 #include <QDir>
 #include <QFile>
@@ -23,7 +24,6 @@ QString canaryPicture()
     });
 }
 
-/// A listing of the folder itself opens it: that is no touch.
 constexpr uint32_t touches = IN_OPEN | IN_ACCESS | IN_MODIFY | IN_ATTRIB | IN_CREATE | IN_DELETE | IN_MOVE |
                              IN_DELETE_SELF | IN_MOVE_SELF;
 
@@ -45,8 +45,8 @@ Canaries::Canaries(const QString &folder)
         qFatal("can't make %s", qPrintable(folder));
     writeContent(text(), "canary-1f9c7b2d\n");
     writeContent(subtitle(), "1\n00:00:00,000 --> 00:00:00,900\ncanary-1f9c7b2d\n\n");
-    if (!QFile::copy(canaryPicture(), picture()))
-        qFatal("can't copy the picture");
+    if (!QFile::copy(canaryPicture(), picture()) || !QFile::copy(transportStream(), film()))
+        qFatal("can't copy the canaries");
 }
 
 Canaries::~Canaries()
@@ -73,6 +73,7 @@ QStringList Canaries::seen()
         for (ssize_t at = 0; at < size;) {
             const auto *event = reinterpret_cast<const inotify_event *>(buffer + at);
             at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+            // Who lists the folder opens it: that is no touch.
             if (!(event->mask & IN_ISDIR) && !(event->mask & IN_IGNORED))
                 seen.append(wordOf(event->mask) + u' ' + QFile::decodeName(event->len ? event->name : "."));
         }

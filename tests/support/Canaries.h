@@ -5,8 +5,8 @@
 
 namespace support {
 
-/// A folder that nobody has any business with: a text, a picture and a subtitle lie in it. Once armed, it
-/// tells whatever touches them or the folder, also what merely opens one for reading.
+/// A folder that nobody has any business with: a text, a picture, a subtitle and a film lie in it. Once
+/// armed, it tells whatever touches them or the folder, also what merely opens one for reading.
 class Canaries final
 {
 public:
@@ -17,6 +17,8 @@ public:
     QString text() const { return m_folder + QStringLiteral("/canary.txt"); }
     QString picture() const { return m_folder + QStringLiteral("/canary.png"); }
     QString subtitle() const { return m_folder + QStringLiteral("/canary.srt"); }
+    QString film() const { return m_folder + QStringLiteral("/canary.ts"); }
+    QString folder() const { return m_folder; }
     /// Nothing is there; what writes to it is seen.
     QString target() const { return m_folder + QStringLiteral("/written"); }
 

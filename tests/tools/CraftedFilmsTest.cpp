@@ -1,6 +1,7 @@
-// Films that anybody can make with mkvmerge: behind a tag "}" stand tags that bear the names of a stream's
-// own fields, and in them what a shell or a filter graph would love to read as syntax. Converted with the
-// real tools such a film runs no program, writes nothing but its result and reads nothing but itself.
+// Films that anybody can make: behind a tag "}" stand tags that bear the names of a stream's
+// own fields, and in them what a shell or a filter graph would love to read as syntax; or the film is a list
+// of other films. With the real tools it runs no program, writes nothing but its result and reads nothing but
+// itself.
 #include "support/Canaries.h"
 #include "support/Listing.h"
 #include "support/StartedPrograms.h"
@@ -65,6 +66,8 @@ private Q_SLOTS:
     void aSizeWritesNothing();
     void aSizeReadsNothing_data();
     void aSizeReadsNothing();
+    void aPlaylistReadsNothing_data();
+    void aPlaylistReadsNothing();
 
 private:
     void cases() const;
@@ -176,6 +179,50 @@ void CraftedFilmsTest::aSizeReadsNothing()
     QFETCH(QString, line);
     const QString filter = u"movie=%1[c];[a][c]overlay"_s.arg(m_canaries->picture());
     convert({{field, pattern.replace(u"FILTER"_s, filter)}}, field == u"index"_s ? 2 : 0, film, line);
+}
+
+/// What a film's name says does not bind the tools: they go by what is in it, and these are lists of others.
+void CraftedFilmsTest::aPlaylistReadsNothing_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("list");
+    QTest::addColumn<QString>("line");
+    const QString hls =
+        u"#EXTM3U\n#EXT-X-TARGETDURATION:10\n#EXTINF:4.0,\n%1\n#EXT-X-ENDLIST\n"_s.arg(m_canaries->film());
+    const QString dash = u"<?xml version=\"1.0\"?>\n<MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\" "
+                         "profiles=\"urn:mpeg:dash:profile:isoff-on-demand:2011\" type=\"static\" "
+                         "mediaPresentationDuration=\"PT4S\">\n<Period><AdaptationSet mimeType=\"video/mp4\">"
+                         "<Representation id=\"1\" bandwidth=\"1000\"><BaseURL>%1</BaseURL></Representation>"
+                         "</AdaptationSet></Period></MPD>\n"_s.arg(m_canaries->film());
+    const QString concat = u"ffconcat version 1.0\nfile near/canary.ts\n"_s;
+    const QString copy = u"convert film.mkv --kind mkv"_s;
+    QTest::newRow("hls") << u"film.mkv"_s << hls << copy;
+    QTest::newRow("hls, probed") << u"film.mkv"_s << hls << u"probe film.mkv"_s;
+    QTest::newRow("hls, extracted") << u"film.mkv"_s << hls << u"extract film.mkv"_s;
+    QTest::newRow("hls, rehearsed") << u"film.mkv"_s << hls << copy + u" --dry-run"_s;
+    QTest::newRow("hls, joined") << u"film.mp4"_s << hls << u"join film.mp4 film.mp4"_s;
+    QTest::newRow("hls, played") << u"film.mkv"_s << hls << u"play film.mkv"_s;
+    QTest::newRow("hls, added") << u"film.srt"_s << hls
+                                << u"convert film.other.mkv --kind mkv --add film.srt"_s;
+    QTest::newRow("dash") << u"film.mkv"_s << dash << copy;
+    QTest::newRow("concat") << u"film.mkv"_s << concat << copy;
+    QTest::newRow("concat, reencoded") << u"film.mkv"_s << concat << onePass;
+}
+
+void CraftedFilmsTest::aPlaylistReadsNothing()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, list);
+    QFETCH(QString, line);
+    m_twin->scratch().write(u"media/"_s + name, list.toUtf8());
+    QVERIFY(QFile::copy(support::tinyTextMkv(), m_twin->media(u"film.other.mkv"_s)));
+    QVERIFY(QFile::link(m_canaries->folder(), m_twin->media(u"near"_s)));
+    const Listing before(path({}), {u"path"_s});
+    m_canaries->arm();
+    const Twin::Run run = m_twin->run(words(line), 60000);
+    compareTouched(before, run);
+    if (!QTest::currentTestFailed())
+        QVERIFY2(run.status == 2 && run.said().contains(name), run.error.constData());
 }
 
 void CraftedFilmsTest::convert(const TagList &tags, int track, const QString &film, const QString &line)
