@@ -3,12 +3,15 @@
 // of other films. With the real tools it runs no program, writes nothing but its result and reads nothing but
 // itself.
 #include "support/Canaries.h"
+#include "support/ClipKitchen.h"
 #include "support/Listing.h"
 #include "support/StartedPrograms.h"
 #include "support/TaggedFilms.h"
 #include "support/Twin.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -68,6 +71,7 @@ private Q_SLOTS:
     void aSizeReadsNothing();
     void aPlaylistReadsNothing_data();
     void aPlaylistReadsNothing();
+    void aLineFeedInANameReadsNothing();
 
 private:
     void cases() const;
@@ -223,6 +227,32 @@ void CraftedFilmsTest::aPlaylistReadsNothing()
     compareTouched(before, run);
     if (!QTest::currentTestFailed())
         QVERIFY2(run.status == 2 && run.said().contains(name), run.error.constData());
+}
+
+/// An archive makes such folders: the second line of the film's path is the path of another one, behind a
+/// word of the list that ffmpeg joins by.
+void CraftedFilmsTest::aLineFeedInANameReadsNothing()
+{
+    const QString film = support::clip(u"tiny-film.mp4"_s, [](const QString &made) {
+        support::runProgram(u"ffmpeg"_s,
+                            words(u"-nostdin -y -loglevel error -i %1 -map 0:v -map 0:a -c copy"_s.arg(
+                                support::tinyTextMkv()))
+                                << made);
+    });
+    const QString decoy = m_twin->media(u"film.mp4\nfile "_s + m_canaries->film());
+    QDir().mkpath(QFileInfo(decoy).path());
+    for (const QString &copy :
+         {m_twin->media(u"film.mp4"_s), m_twin->media(u"film.b.mp4"_s), decoy + u".mp4"_s})
+        QVERIFY(QFile::copy(film, copy));
+    QVERIFY(QFile::rename(m_canaries->film(), m_canaries->film() + u".mp4"_s));
+    const Listing before(path({}), {u"path"_s});
+    m_canaries->arm();
+    const Twin::Run run = m_twin->run({u"join"_s, u"film.b.mp4"_s, decoy + u".mp4"_s}, 60000);
+    compareTouched(before, run);
+    if (!QTest::currentTestFailed() && run.status == 0)
+        QCOMPARE(support::codecsOf(m_twin->media(u"film.b.mp4.joined.mp4"_s)), u"h264 aac"_s);
+    QVERIFY(QFile::rename(m_canaries->film() + u".mp4"_s, m_canaries->film()));
+    QDir(m_twin->media(u"film.mp4\nfile "_s)).removeRecursively();
 }
 
 void CraftedFilmsTest::convert(const TagList &tags, int track, const QString &film, const QString &line)
