@@ -316,7 +316,7 @@ void HostileFieldsTest::thePreviewOfTheWindow()
     qsizetype played = 0;
     for (const QString &field : support::probedFields()) {
         for (qsizetype text = 0; text < texts.size(); ++text) {
-            if (!support::isSoak() && chances.below(12) != 0)
+            if (!support::isSoak() && chances.below(20) != 0)
                 continue;
             QVERIFY(QFile::copy(support::tinyTextMkv(), film));
             const int stream = field == u"index"_s ? static_cast<int>(text % 3) : -1;
