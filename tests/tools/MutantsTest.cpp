@@ -24,8 +24,8 @@ using support::Twin;
 
 namespace {
 
-constexpr int boundMs = 60000;
 constexpr qsizetype batchSize = 5;
+constexpr int boundMs = 60000 * batchSize; ///< a minute for each
 /// They wait more than they work.
 constexpr size_t houseCount = 3;
 
