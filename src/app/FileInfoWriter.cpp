@@ -29,7 +29,7 @@ QString FileInfoWriter::write(const QList<QUrl> &files) const
     QStringList failed;
     for (const QUrl &file : files) {
         const QString output = doShellScriptForWithOptions(
-            urlOfApp(u"ffprobe"_s), {u"-i"_s, file, u"-show_streams -print_format json"_s});
+            urlOfApp(u"ffprobe"_s), {u"-i", file, u"-show_streams -print_format json"});
         if (!platform::replacePlainFile(infoFileFor(file), output.toUtf8()))
             failed.append(infoFileFor(file).toLocalFile());
     }

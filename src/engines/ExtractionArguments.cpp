@@ -16,21 +16,30 @@ bool isPictureSubtitle(const KXVideoTrack &track)
 }
 
 /// The groups of words that say what is copied; a shell line takes each group as one item.
-QStringList codecGroups(const KXVideoTrack &track)
+OptionList codecGroups(const KXVideoTrack &track)
 {
     if (track.trackType() == u"Video"_s) {
-        QStringList groups{u"-vcodec copy"_s};
+        OptionList groups{u"-vcodec copy"};
         if (track.trackCodec() == u"h264"_s)
-            groups << u"-bsf:v h264_mp4toannexb"_s; // a raw stream needs start codes
-        return groups << u"-an -sn"_s;
+            groups << u"-bsf:v h264_mp4toannexb"; // a raw stream needs start codes
+        return groups << u"-an -sn";
     }
     if (track.trackType() == u"Audio"_s)
-        return {u"-acodec copy -vn -sn"_s};
+        return {u"-acodec copy -vn -sn"};
     // No track has this type: subtitles get no codec words on purpose, and ffmpeg chooses by the
     // output's extension.
     if (track.trackType() == u"Subittle"_s)
-        return {track.trackCodec() == u"ttxt"_s ? u"-vn -an"_s : u"-scodec copy -vn -an"_s};
+        return {track.trackCodec() == u"ttxt"_s ? OptionItem(u"-vn -an")
+                                                : OptionItem(u"-scodec copy -vn -an")};
     return {};
+}
+
+/// "3:" in front of the output. A number that nobody knows is none.
+OptionItem mkvextractTarget(const KXVideoTrack &track, const QUrl &output, tools::Quoting quoting)
+{
+    const auto number = track.mkvmergeNumber();
+    const OptionItem item = number ? OptionItem::ofNumber(*number).with(u":") : OptionItem(u":");
+    return item.withData(output.toLocalFile(), quoting);
 }
 
 } // namespace
@@ -45,7 +54,7 @@ QString extractionLabel(const KXVideoTrack &track)
 QUrl extractionOutput(const QString &base, const KXVideoTrack &track)
 {
     const QString extension = track.trackCodec() == u"ttxt"_s ? u"ass"_s : track.trackExtension();
-    return QUrl::fromLocalFile(u"%1.stream"_s.arg(base) + track.trackFfmpegID() + u'.' + extension);
+    return QUrl::fromLocalFile(base + u".stream%1."_s.arg(track.streamIndex()) + extension);
 }
 
 QUrl extractionCompanion(const QUrl &output, const KXVideoTrack &track)
@@ -69,37 +78,28 @@ bool isForMp4box(const KXVideoTrack &track)
 
 OptionList mkvextractArguments(const KXVideoTrack &track, const QUrl &output)
 {
-    return {u"tracks"_s, track.trackFileURL(),
-            QString(track.trackMkvmergeID() + u':' + output.toLocalFile())};
+    return {u"tracks", track.trackFileURL(), mkvextractTarget(track, output, tools::Quoting::None)};
 }
 
 OptionList ffmpegExtractionArguments(const KXVideoTrack &track, const QUrl &output)
 {
-    OptionList list{u"-i"_s, track.trackFileURL(), u"-map"_s, QString(u"0:"_s + track.trackFfmpegID())};
-    for (const QString &group : codecGroups(track)) {
-        for (const QString &word : group.split(u' '))
-            list << word;
-    }
-    return list << u"-y"_s << output;
+    OptionList list{u"-i", track.trackFileURL(), u"-map", OptionItem(u"0:").with(track.streamIndex())};
+    for (const OptionItem &group : codecGroups(track))
+        list << group.words();
+    return list << u"-y" << output;
 }
 
 OptionList mkvextractShellItems(const KXVideoTrack &track, const QUrl &output, const QUrl &log)
 {
-    return {
-        u"tracks"_s,
-        track.trackFileURL(),
-        OptionItem::withData(track.trackMkvmergeID() + u':', output.toLocalFile(), tools::Quoting::Double),
-        u"&>"_s,
-        log,
-        u"& echo $!"_s};
+    return {u"tracks", track.trackFileURL(), mkvextractTarget(track, output, tools::Quoting::Double), u"&>",
+            log,       u"& echo $!"};
 }
 
 OptionList ffmpegExtractionShellItems(const KXVideoTrack &track, const QUrl &output, const QUrl &log)
 {
-    OptionList list{u"-i"_s, track.trackFileURL(), QString(u"-map 0:"_s + track.trackFfmpegID())};
-    for (const QString &group : codecGroups(track))
-        list << group;
-    return list << u"-y"_s << output << u"&>"_s << log << u"& echo $!"_s;
+    OptionList list{u"-i", track.trackFileURL(), OptionItem(u"-map 0:").with(track.streamIndex())};
+    list << codecGroups(track);
+    return list << u"-y" << output << u"&>" << log << u"& echo $!";
 }
 
 OptionList extractionLaunchForm(const OptionList &meant, const QUrl &output)
@@ -109,8 +109,8 @@ OptionList extractionLaunchForm(const OptionList &meant, const QUrl &output)
     OptionList list = meant;
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (!list.at(i).isFile() && list.at(i).text() == u"-y"_s) {
-            list.insert(i, u"dts"_s);
-            list.insert(i, u"-f"_s);
+            list.insert(i, u"dts");
+            list.insert(i, u"-f");
             break;
         }
     }

@@ -11,6 +11,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using tools::OptionItem;
 using tools::OptionList;
 
 namespace engines {
@@ -21,10 +22,15 @@ constexpr qsizetype passPosition = 2; // behind the first input, before any furt
 
 OptionList inputArguments(const KXSelection &selection)
 {
-    OptionList list{u"-i"_s, selection.videoTrackFileURL()};
+    OptionList list{u"-i", selection.videoTrackFileURL()};
     for (const QUrl &file : externalFiles(selection.trackList()))
-        list << u"-i"_s << file;
+        list << u"-i" << file;
     return list;
+}
+
+OptionItem kilobits(const QString &rate)
+{
+    return OptionItem::ofData(rate).with(u"k");
 }
 
 TrackPointer videoTrackOf(const TrackList &tracks)
@@ -47,49 +53,47 @@ OptionList pictureArguments(KXSelection &selection, OutputKind kind)
 {
     OptionList list;
     if (kind == OutputKind::Pollenta || kind == OutputKind::Tessaray)
-        list << u"-vcodec"_s << u"libx264"_s;
+        list << u"-vcodec" << u"libx264";
     else if (kind == OutputKind::Marbleon)
-        list << u"-vcodec"_s << u"mpeg4"_s;
-    if (kind == OutputKind::Pollenta) {
-        for (const QString &argument : applyDeviceRule(selection))
-            list << argument;
-    }
-    const QString scale = scaleFilter(selection);
-    if (!scale.isNull())
-        list << u"-vf"_s << scale;
-    list << u"-b:v"_s << QString(selection.userVideoBitRate() + u'k');
-    return list;
+        list << u"-vcodec" << u"mpeg4";
+    if (kind == OutputKind::Pollenta)
+        list << applyDeviceRule(selection);
+    const FilterText scale = scaleFilter(selection);
+    if (!scale.isEmpty())
+        list << u"-vf" << scale.item();
+    return list << u"-b:v" << kilobits(selection.userVideoBitRate());
 }
 
 OptionList videoArguments(KXSelection &selection, OutputKind kind, const KXVideoTrack &video, int input)
 {
-    OptionList list{u"-map"_s, u"%1:%2"_s.arg(QString::number(input), video.trackFfmpegID())};
+    OptionList list{u"-map", OptionItem::ofNumber(input).with(u":").with(video.streamIndex())};
     if (video.userCodec() == u"passthru"_s)
-        list << u"-vcodec"_s << u"copy"_s;
+        list << u"-vcodec" << u"copy";
     else
         list += pictureArguments(selection, kind);
-    list << u"-metadata:s:v"_s
-         << QString(u"language="_s + KXHelpers::language3CodeFor(video.trackLanguage()));
-    list << u"-metadata:s:v"_s << QString(u"title="_s + video.trackTitle());
+    const QString language = KXHelpers::language3CodeFor(video.trackLanguage());
+    list << u"-metadata:s:v" << OptionItem(u"language=").withData(language);
+    list << u"-metadata:s:v" << OptionItem(u"title=").withTitle(video.trackTitle());
     return list;
 }
 
-OptionList encodingArguments(const AudioOutput &output, const QString &index, bool useDplii)
+OptionList encodingArguments(const AudioOutput &output, int number, bool useDplii)
 {
     OptionList list;
+    const OptionItem codec = OptionItem(u"-codec:a:").with(number);
     if (output.userCodec == u"aac"_s)
-        list << QString(u"-codec:a:"_s + index) << u"aac"_s << u"-strict"_s << u"experimental"_s;
+        list << codec << u"aac" << u"-strict" << u"experimental";
     else if (output.userCodec == u"ac3"_s)
-        list << QString(u"-codec:a:"_s + index) << u"ac3"_s;
+        list << codec << u"ac3";
     else if (output.userCodec == u"mp3"_s)
-        list << QString(u"-codec:a:"_s + index) << u"libmp3lame"_s;
-    list << QString(u"-ab:a:"_s + index) << QString(output.userBitRate + u'k');
-    list << QString(u"-ac:a:"_s + index) << output.userNumberOfChannels;
-    list << QString(u"-ar:a:"_s + index) << u"48000"_s;
+        list << codec << u"libmp3lame";
+    list << OptionItem(u"-ab:a:").with(number) << kilobits(output.userBitRate);
+    list << OptionItem(u"-ac:a:").with(number) << OptionItem::ofData(output.userNumberOfChannels);
+    list << OptionItem(u"-ar:a:").with(number) << u"48000";
     const bool isSurround = tools::leadingInteger(output.track->trackNumberOfChannels()) > 2;
     // The option holds for all audio outputs of the run; it is used as it stands.
     if (!output.track->externalTrackFlag() && output.userNumberOfChannels == u"2"_s && isSurround && useDplii)
-        list << u"-af"_s << u"aresample=matrix_encoding=dplii"_s;
+        list << u"-af" << (FilterText() << u"aresample=matrix_encoding=dplii").item();
     return list;
 }
 
@@ -98,15 +102,16 @@ OptionList audioArguments(const TrackList &tracks, int videoInput, bool useDplii
     OptionList list;
     int number = 0;
     for (const AudioOutput &output : orderedAudioOutputs(tracks)) {
-        const QString index = QString::number(number++);
-        list << u"-map"_s << mapArgument(*output.track, tracks, videoInput);
+        const OptionItem metadata = OptionItem(u"-metadata:s:a:").with(number);
+        list << u"-map" << mapArgument(*output.track, tracks, videoInput);
         if (output.userCodec == u"passthru"_s)
-            list << QString(u"-codec:a:"_s + index) << u"copy"_s;
+            list << OptionItem(u"-codec:a:").with(number) << u"copy";
         else
-            list += encodingArguments(output, index, useDplii);
+            list += encodingArguments(output, number, useDplii);
         const QString language = KXHelpers::language3CodeFor(output.track->trackLanguage());
-        list << QString(u"-metadata:s:a:"_s + index) << QString(u"language="_s + language);
-        list << QString(u"-metadata:s:a:"_s + index) << QString(u"title="_s + output.track->trackTitle());
+        list << metadata << OptionItem(u"language=").withData(language);
+        list << metadata << OptionItem(u"title=").withTitle(output.track->trackTitle());
+        ++number;
     }
     return list;
 }
@@ -117,14 +122,14 @@ void addContainer(ConversionLists &lists, OptionList &target, const ConversionRe
     switch (request.kind) {
     case OutputKind::Pollenta:
         if (request.moovInFront)
-            target << u"-movflags"_s << u"faststart"_s;
-        lists.first << u"-f"_s << u"mp4"_s;
+            target << u"-movflags" << u"faststart";
+        lists.first << u"-f" << u"mp4";
         break;
     case OutputKind::Tessaray:
-        lists.first << u"-f"_s << u"matroska"_s;
+        lists.first << u"-f" << u"matroska";
         break;
     case OutputKind::Marbleon:
-        lists.first << u"-vtag"_s << u"xvid"_s << u"-f"_s << u"avi"_s;
+        lists.first << u"-vtag" << u"xvid" << u"-f" << u"avi";
         break;
     case OutputKind::Unknown:
         break;
@@ -134,20 +139,20 @@ void addContainer(ConversionLists &lists, OptionList &target, const ConversionRe
 void addTail(ConversionLists &lists, const ConversionRequest &request)
 {
     if (lists.currentPass == 0) {
-        lists.first << u"-y"_s << request.output;
+        lists.first << u"-y" << request.output;
         return;
     }
-    lists.first << u"-passlogfile"_s << request.passlogfile << u"-y"_s << u"/dev/null"_s;
-    lists.second << u"-passlogfile"_s << request.passlogfile << u"-y"_s << request.output;
+    lists.first << u"-passlogfile" << OptionItem::ofData(request.passlogfile) << u"-y" << u"/dev/null";
+    lists.second << u"-passlogfile" << OptionItem::ofData(request.passlogfile) << u"-y" << request.output;
 }
 
 void splitIntoPasses(ConversionLists &lists)
 {
     lists.second = lists.first;
-    lists.first.insert(passPosition, u"1"_s);
-    lists.first.insert(passPosition, u"-pass"_s);
-    lists.second.insert(passPosition, u"2"_s);
-    lists.second.insert(passPosition, u"-pass"_s);
+    lists.first.insert(passPosition, u"1");
+    lists.first.insert(passPosition, u"-pass");
+    lists.second.insert(passPosition, u"2");
+    lists.second.insert(passPosition, u"-pass");
     lists.currentPass = 1;
 }
 
@@ -168,13 +173,19 @@ QUrl outputForBase(const QString &base, OutputKind kind, const QString &device)
     return QUrl::fromLocalFile(QString());
 }
 
-QString scaleFilter(const KXSelection &selection)
+qint64 pixelsIn(const QString &text)
 {
-    const QString wanted = selection.userWidth();
-    const QString source = selection.videoTrackWidth();
-    if (tools::leadingInteger(wanted) >= tools::leadingInteger(source))
-        return {};
-    return u"scale=trunc(%1/%2*iw/2)*2:trunc(ow/a/2)*2"_s.arg(wanted, source);
+    return tools::leadingInteger(text);
+}
+
+FilterText scaleFilter(const KXSelection &selection)
+{
+    const qint64 wanted = pixelsIn(selection.userWidth());
+    const qint64 source = pixelsIn(selection.videoTrackWidth());
+    FilterText filter;
+    if (wanted < source)
+        filter << u"scale=trunc(" << wanted << u"/" << source << u"*iw/2)*2:trunc(ow/a/2)*2";
+    return filter;
 }
 
 ConversionLists conversionLists(KXSelection &selection, const ConversionRequest &request)
@@ -198,7 +209,7 @@ ConversionLists conversionLists(KXSelection &selection, const ConversionRequest 
         burnSubtitle(target, selection, request.subToBurn);
     } else if (request.kind != OutputKind::Marbleon) {
         if (twoPasses)
-            lists.first << u"-sn"_s;
+            lists.first << u"-sn";
         target += softSubtitleArguments(tracks, videoInput, request.kind);
     }
     addContainer(lists, target, request);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/FilterText.h"
 #include "tools/OptionItem.h"
 
 #include <QUrl>
@@ -35,7 +36,9 @@ QUrl outputForBase(const QString &base, OutputKind kind, const QString &device);
 /// Builds the lists. Device caps are written into the selection on the way.
 ConversionLists conversionLists(KXSelection &selection, const ConversionRequest &request);
 
-/// The scale filter from the source's width to the chosen one; a null text when that is no reduction.
-QString scaleFilter(const KXSelection &selection);
+/// The number of pixels at the head of a width or height.
+qint64 pixelsIn(const QString &text);
+/// The scale filter from the source's width to the chosen one; empty when that is no reduction.
+FilterText scaleFilter(const KXSelection &selection);
 
 } // namespace engines

@@ -8,6 +8,8 @@
 
 using namespace Qt::StringLiterals;
 
+using tools::OptionItem;
+
 namespace engines {
 
 namespace {
@@ -16,26 +18,26 @@ namespace {
 struct Device
 {
     const char16_t *name;
-    const char16_t *level;
-    const char16_t *laterLevel;
+    int level;
+    int laterLevel; ///< 0: none
     int bitRateCap;
     int widthCap;
 };
 
 constexpr std::array devices = {
-    Device{u"iPod (All non-Touch)", u"30", nullptr, 1500, 720},
-    Device{u"iPhone (3 and Earlier)", u"30", nullptr, 1500, 720},
-    Device{u"iPod Touch (3 and Earlier)", u"30", nullptr, 1500, 720},
-    Device{u"iPad (2 and Earlier)", u"31", nullptr, 0, 1280},
-    Device{u"Apple TV 2", u"31", nullptr, 0, 1280},
-    Device{u"iPhone 4", u"31", nullptr, 0, 1280},
-    Device{u"iPod Touch (4 and Later)", u"31", nullptr, 0, 1280},
-    Device{u"Apple TV (3 and Later)", u"41", u"40", 20000, 1920}, // both levels, the later one wins: meant
-    Device{u"iPad (3 and Later)", u"41", nullptr, 20000, 1920},
-    Device{u"iPad Mini (All)", u"41", nullptr, 20000, 1920},
-    Device{u"iPhone (4S and Later)", u"41", nullptr, 20000, 1920},
-    Device{u"PS3", u"41", nullptr, 15000, 0},
-    Device{u"Xbox", u"41", nullptr, 15000, 0},
+    Device{u"iPod (All non-Touch)", 30, 0, 1500, 720},
+    Device{u"iPhone (3 and Earlier)", 30, 0, 1500, 720},
+    Device{u"iPod Touch (3 and Earlier)", 30, 0, 1500, 720},
+    Device{u"iPad (2 and Earlier)", 31, 0, 0, 1280},
+    Device{u"Apple TV 2", 31, 0, 0, 1280},
+    Device{u"iPhone 4", 31, 0, 0, 1280},
+    Device{u"iPod Touch (4 and Later)", 31, 0, 0, 1280},
+    Device{u"Apple TV (3 and Later)", 41, 40, 20000, 1920}, // both levels, the later one wins: meant
+    Device{u"iPad (3 and Later)", 41, 0, 20000, 1920},
+    Device{u"iPad Mini (All)", 41, 0, 20000, 1920},
+    Device{u"iPhone (4S and Later)", 41, 0, 20000, 1920},
+    Device{u"PS3", 41, 0, 15000, 0},
+    Device{u"Xbox", 41, 0, 15000, 0},
 };
 
 bool isAbove(const QString &number, int cap)
@@ -65,7 +67,7 @@ QString appNameForDevice(const QString &device)
     return u"Pollenta"_s;
 }
 
-QStringList applyDeviceRule(KXSelection &selection)
+tools::OptionList applyDeviceRule(KXSelection &selection)
 {
     const auto device = std::find_if(devices.begin(), devices.end(), [&](const Device &row) {
         return selection.theDevice() == QStringView(row.name);
@@ -76,9 +78,9 @@ QStringList applyDeviceRule(KXSelection &selection)
         selection.setUserVideoBitRate(QString::number(device->bitRateCap));
     if (isAbove(selection.userWidth(), device->widthCap))
         selection.setUserWidth(QString::number(device->widthCap));
-    QStringList arguments{u"-level"_s, QString::fromUtf16(device->level)};
-    if (device->laterLevel != nullptr)
-        arguments << u"-level"_s << QString::fromUtf16(device->laterLevel);
+    tools::OptionList arguments{u"-level", OptionItem::ofNumber(device->level)};
+    if (device->laterLevel != 0)
+        arguments << u"-level" << OptionItem::ofNumber(device->laterLevel);
     return arguments;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tools/OptionItem.h"
+
 #include <QString>
-#include <QStringList>
 
 class KXSelection;
 
@@ -22,6 +23,6 @@ QString appNameForDevice(const QString &device);
 
 /// The level arguments of a device (none for others), and its caps written into the selection:
 /// "userVideoBitRate" in kb/s and "userWidth" in pixels.
-QStringList applyDeviceRule(KXSelection &selection);
+tools::OptionList applyDeviceRule(KXSelection &selection);
 
 } // namespace engines

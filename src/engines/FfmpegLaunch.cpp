@@ -50,8 +50,8 @@ void addStream(LaunchFacts &facts, const KXVideoTrack &track, const TrackList &t
 {
     MappedStream stream{track.trackCodec(), track.probedCodecName(), labelOf(track), {}};
     if (track.externalTrackFlag() && track.hasCompany())
-        stream.picked = track.trackFfmpegID();
-    facts.streams.insert(mapArgument(track, tracks, 0), stream);
+        stream.picked = track.streamIndex();
+    facts.streams.insert(mapArgument(track, tracks, 0).text(), stream);
 }
 
 LaunchForm appliedExcept(const QString &left, const tools::OptionList &meant, const LaunchFacts &facts)

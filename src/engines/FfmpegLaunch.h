@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QStringList>
 
+#include <optional>
+
 class KXSelection;
 
 namespace engines {
@@ -14,10 +16,10 @@ enum class OutputKind;
 /// What a stream is that a list maps, by the text behind its "-map".
 struct MappedStream
 {
-    QString codec;       ///< short codec word of the vocabulary
-    QString probedCodec; ///< the probe's own word; absent when it was not probed
-    QString label;       ///< for a sentence: "subtitle track 3"
-    QString picked;      ///< its index in an added file that holds other streams too; else absent
+    QString codec;             ///< short codec word of the vocabulary
+    QString probedCodec;       ///< the probe's own word; absent when it was not probed
+    QString label;             ///< for a sentence: "subtitle track 3"
+    std::optional<int> picked; ///< its index in an added file that holds other streams too
 };
 
 /// What the launch rules must know beside the list.

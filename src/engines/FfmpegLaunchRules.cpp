@@ -1,8 +1,11 @@
 #include "engines/FfmpegLaunchRules.h"
 
 #include "engines/FfmpegDevices.h"
+#include "engines/FilterText.h"
+#include "tools/Numbers.h"
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using tools::OptionItem;
@@ -34,35 +37,26 @@ qsizetype lastInput(const OptionList &list)
     return last;
 }
 
-/// "-codec:a:3" gives "3" for 'a'; a null text for anything else.
-QString streamNumber(const OptionItem &item, QChar kind)
+/// "-codec:a:3" gives 3 for 'a'; nothing for anything else.
+std::optional<qint64> streamNumber(const OptionItem &item, QChar kind)
 {
     const QString start = u"-codec:"_s + kind + u':';
-    return !item.isFile() && item.text().startsWith(start) ? item.text().mid(start.size()) : QString();
+    if (item.isFile() || !item.text().startsWith(start))
+        return std::nullopt;
+    return tools::leadingInteger(item.text().mid(start.size()));
 }
 
 bool copiesAudio(const OptionList &list)
 {
     for (qsizetype i = 0; i + 1 < list.size(); ++i) {
-        if (!streamNumber(list.at(i), u'a').isNull() && isOption(list.at(i + 1), u"copy"_s))
+        if (streamNumber(list.at(i), u'a') && isOption(list.at(i + 1), u"copy"_s))
             return true;
     }
     return false;
 }
 
-/// The words of an item of a shell line; a span of data never parts.
-QStringList shellWords(const OptionItem &item)
-{
-    if (item.isFile())
-        return {item.argument()};
-    QStringList words = item.before().split(u' ');
-    if (item.hasData())
-        words.last() += item.data();
-    words.removeIf([](const QString &word) { return word.isEmpty(); });
-    return words;
-}
-
-const QString evenScale = u"scale=trunc(iw/2)*2:trunc(ih/2)*2"_s;
+constexpr char16_t evenScale[] = u"scale=trunc(iw/2)*2:trunc(ih/2)*2";
+constexpr char16_t evenScaleAtEnd[] = u",scale=trunc(iw/2)*2:trunc(ih/2)*2[outv]";
 
 bool holdsSubtitle(OutputKind kind, const MappedStream &stream)
 {
@@ -73,10 +67,10 @@ bool holdsSubtitle(OutputKind kind, const MappedStream &stream)
 }
 
 /// Takes one soft subtitle out: its "-map" up to its last metadata item.
-void removeSubtitleAt(OptionList &list, qsizetype map, const QString &number)
+void removeSubtitleAt(OptionList &list, qsizetype map, qint64 number)
 {
     qsizetype end = map + 4; // -map X -codec:s:N word
-    while (end + 1 < list.size() && isOption(list.at(end), u"-metadata:s:s:"_s + number))
+    while (end + 1 < list.size() && isOption(list.at(end), u"-metadata:s:s:%1"_s.arg(number)))
         end += 2;
     list.remove(map, end - map);
 }
@@ -86,10 +80,10 @@ void renumberSubtitles(OptionList &list)
 {
     int next = -1;
     for (OptionItem &item : list) {
-        if (!streamNumber(item, u's').isNull())
-            item = OptionItem(QString(u"-codec:s:"_s + QString::number(++next)));
+        if (streamNumber(item, u's'))
+            item = OptionItem(u"-codec:s:").with(++next);
         else if (!item.isFile() && item.text().startsWith(u"-metadata:s:s:"_s))
-            item = OptionItem(QString(u"-metadata:s:s:"_s + QString::number(next)));
+            item = OptionItem(u"-metadata:s:s:").with(next);
     }
 }
 
@@ -97,7 +91,7 @@ void renumberSubtitles(OptionList &list)
 bool needsPlainMp4(const OptionList &list, const LaunchFacts &facts)
 {
     for (qsizetype i = 0; i + 1 < list.size(); ++i) {
-        if (streamNumber(list.at(i), u'a').isNull())
+        if (!streamNumber(list.at(i), u'a'))
             continue;
         if (isOption(list.at(i + 1), u"libmp3lame"_s))
             return true;
@@ -119,14 +113,8 @@ void splitShellWords(LaunchForm &form, const LaunchFacts &facts)
     if (facts.isShellLine || redirection < 0)
         return;
     OptionList words;
-    for (const OptionItem &item : form.list.first(redirection)) {
-        if (item.isFile()) {
-            words << item;
-            continue;
-        }
-        for (const QString &word : shellWords(item))
-            words << word;
-    }
+    for (const OptionItem &item : form.list.first(redirection))
+        words << item.words();
     form.list = words;
 }
 
@@ -138,8 +126,8 @@ void placeStatistics(LaunchForm &form, const LaunchFacts &facts)
     const qsizetype tail = indexOfOption(form.list, u"-y"_s);
     if (!hasPass || tail < 0 || indexOfOption(form.list, u"-passlogfile"_s) >= 0)
         return;
-    form.list.insert(tail, OptionItem::withData({}, facts.passlogfile, tools::Quoting::Single));
-    form.list.insert(tail, u"-passlogfile"_s);
+    form.list.insert(tail, OptionItem::ofData(facts.passlogfile, tools::Quoting::Single));
+    form.list.insert(tail, u"-passlogfile");
 }
 
 void movePassBehindInputs(LaunchForm &form, const LaunchFacts &)
@@ -151,7 +139,7 @@ void movePassBehindInputs(LaunchForm &form, const LaunchFacts &)
     form.list.remove(pass, 2);
     const qsizetype behind = lastInput(form.list) + 2;
     form.list.insert(behind, number);
-    form.list.insert(behind, u"-pass"_s);
+    form.list.insert(behind, u"-pass");
 }
 
 void endOverlay(LaunchForm &form, const LaunchFacts &)
@@ -159,8 +147,7 @@ void endOverlay(LaunchForm &form, const LaunchFacts &)
     const qsizetype graph = indexOfOption(form.list, u"-filter_complex"_s) + 1;
     if (graph < 1 || graph >= form.list.size())
         return;
-    QString text = form.list.at(graph).text();
-    form.list[graph] = text.replace(u"overlay[outv]"_s, u"overlay=eof_action=pass[outv]"_s);
+    form.list[graph] = form.list.at(graph).withReplaced(u"overlay[outv]", u"overlay=eof_action=pass[outv]");
 }
 
 void narrowAudioFilter(LaunchForm &form, const LaunchFacts &)
@@ -171,7 +158,8 @@ void narrowAudioFilter(LaunchForm &form, const LaunchFacts &)
     for (qsizetype i = 2; i < form.list.size(); ++i) {
         const OptionItem &before = form.list.at(i - 2);
         if (isOption(form.list.at(i), u"-af"_s) && !before.isFile() && before.text().startsWith(rate))
-            form.list[i] = OptionItem(QString(u"-filter:a:"_s + before.text().mid(rate.size())));
+            form.list[i] =
+                OptionItem(u"-filter:a:").with(tools::leadingInteger(before.text().mid(rate.size())));
     }
 }
 
@@ -185,20 +173,20 @@ void makeSizeEven(LaunchForm &form, const LaunchFacts &facts)
     const qsizetype graph = indexOfOption(form.list, u"-filter_complex"_s) + 1;
     const qsizetype filter = indexOfOption(form.list, u"-vf"_s) + 1;
     if (graph > 0) {
-        QString text = form.list.at(graph).text();
-        if (!text.contains(u"scale=trunc("_s)) // else the picture is scaled to an even size already
-            form.list[graph] = text.replace(u"[outv]"_s, u',' + evenScale + u"[outv]"_s);
+        const OptionItem item = form.list.at(graph);
+        if (!item.text().contains(u"scale=trunc("_s)) // else the picture is scaled to an even size already
+            form.list[graph] = item.withReplaced(u"[outv]", evenScaleAtEnd);
     } else if (filter > 0) {
-        const QString text = form.list.at(filter).argument();
-        if (!text.contains(u"scale=trunc("_s))
-            form.list[filter] = QString(text + u',' + evenScale);
+        const OptionItem item = form.list.at(filter);
+        if (!item.argument().contains(u"scale=trunc("_s))
+            form.list[filter] = item.withMoreData(u",").withMoreData(evenScale);
     } else {
         const qsizetype behindCodec = facts.isShellLine ? indexOfOption(form.list, u"-vcodec libx264"_s) + 1
                                                         : indexOfOption(form.list, u"libx264"_s) + 1;
         if (behindCodec < 1)
             return;
-        form.list.insert(behindCodec, OptionItem::withData({}, evenScale, tools::Quoting::Single));
-        form.list.insert(behindCodec, u"-vf"_s);
+        form.list.insert(behindCodec, (FilterText() << evenScale).item(tools::Quoting::Single));
+        form.list.insert(behindCodec, u"-vf");
     }
 }
 
@@ -206,14 +194,13 @@ void leaveOutSubtitles(LaunchForm &form, const LaunchFacts &facts)
 {
     bool changed = false;
     for (qsizetype i = 2; i < form.list.size(); ++i) {
-        const QString number = streamNumber(form.list.at(i), u's');
+        const auto number = streamNumber(form.list.at(i), u's');
         const QString mapped = form.list.at(i - 1).text();
-        if (number.isNull() || !facts.streams.contains(mapped) ||
-            holdsSubtitle(facts.kind, facts.streams[mapped]))
+        if (!number || !facts.streams.contains(mapped) || holdsSubtitle(facts.kind, facts.streams[mapped]))
             continue;
         form.warnings << u"The %1 can't be held by the output and was left out."_s.arg(
             facts.streams[mapped].label);
-        removeSubtitleAt(form.list, i - 2, number);
+        removeSubtitleAt(form.list, i - 2, *number);
         i = 1; // from the start: positions have moved
         changed = true;
     }
@@ -226,9 +213,9 @@ void textForMatroska(LaunchForm &form, const LaunchFacts &facts)
     if (facts.kind != OutputKind::Tessaray)
         return;
     for (qsizetype i = 1; i + 1 < form.list.size(); ++i) {
-        const bool isSubtitle = !streamNumber(form.list.at(i), u's').isNull();
+        const bool isSubtitle = streamNumber(form.list.at(i), u's').has_value();
         if (isSubtitle && facts.streams.value(form.list.at(i - 1).text()).codec == u"ttxt"_s)
-            form.list[i + 1] = u"srt"_s;
+            form.list[i + 1] = u"srt";
     }
 }
 
@@ -240,16 +227,16 @@ void nameMp4Format(LaunchForm &form, const LaunchFacts &facts)
     if (!form.list.last().text().endsWith(u".m4v"_s) || !needsPlainMp4(form.list, facts))
         return;
     const qsizetype tail = indexOfOption(form.list, u"-y"_s);
-    form.list.insert(tail, u"mp4"_s);
-    form.list.insert(tail, u"-f"_s);
+    form.list.insert(tail, u"mp4");
+    form.list.insert(tail, u"-f");
 }
 
 void generateTimestamps(LaunchForm &form, const LaunchFacts &facts)
 {
     if (!facts.generatesTimestamps || !facts.isSecondPass)
         return;
-    form.list.prepend(u"genpts"_s);
-    form.list.prepend(u"-fflags"_s);
+    form.list.prepend(u"genpts");
+    form.list.prepend(u"-fflags");
 }
 
 void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts)
@@ -257,10 +244,9 @@ void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts)
     for (qsizetype i = 1; i < form.list.size(); ++i) {
         if (!isOption(form.list.at(i - 1), u"-map"_s))
             continue;
-        const QString mapped = form.list.at(i).text();
-        const QString picked = facts.streams.value(mapped).picked;
-        if (!picked.isNull())
-            form.list[i] = OptionItem(QString(mapped + u':' + picked));
+        const auto picked = facts.streams.value(form.list.at(i).text()).picked;
+        if (picked)
+            form.list[i] = form.list.at(i).with(u":").with(*picked);
     }
 }
 

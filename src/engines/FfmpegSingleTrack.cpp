@@ -14,46 +14,39 @@ namespace {
 
 constexpr qsizetype passPosition = 2;
 
-/// A text of the file on a shell line: unquoted in the list, which is meant, and quoted when it runs.
-OptionItem unquoted(const QString &before, const QString &data)
-{
-    return OptionItem::withData(before, data, Quoting::None);
-}
-
 OptionList videoWords(const KXSelection &selection, const KXVideoTrack &track)
 {
     OptionList list;
     if (track.userCodec() == u"passthru"_s) {
-        list << u"-vcodec copy"_s;
+        list << u"-vcodec copy";
     } else {
-        list << u"-vcodec libx264"_s;
-        const QString scale = scaleFilter(selection);
-        if (!scale.isNull())
-            list << u"-vf"_s << OptionItem::withData({}, scale, Quoting::Single);
-        list << unquoted(u"-b:v "_s, selection.userVideoBitRate() + u'k');
+        list << u"-vcodec libx264";
+        const FilterText scale = scaleFilter(selection);
+        if (!scale.isEmpty())
+            list << u"-vf" << scale.item(Quoting::Single);
+        list << OptionItem(u"-b:v ").withData(selection.userVideoBitRate() + u'k');
     }
-    list << unquoted(u"-metadata:s:v language="_s, KXHelpers::language3CodeFor(track.trackLanguage()));
-    list << unquoted(u"-metadata:s:v title="_s, track.trackTitle());
-    return list;
+    const QString language = KXHelpers::language3CodeFor(track.trackLanguage());
+    list << OptionItem(u"-metadata:s:v language=").withData(language);
+    return list << OptionItem(u"-metadata:s:v title=").withTitle(track.trackTitle());
 }
 
 OptionList audioWords(const KXVideoTrack &track)
 {
     OptionList list;
     if (track.userCodec() == u"passthru"_s) {
-        list << u"-c:a copy"_s;
+        list << u"-c:a copy";
     } else {
         if (track.userCodec() == u"aac"_s)
-            list << u"-c:a aac -strict experimental"_s;
+            list << u"-c:a aac -strict experimental";
         else if (track.userCodec() == u"ac3"_s)
-            list << u"-c:a ac3"_s;
-        list << unquoted(u"-ab:a:0 "_s, track.userBitRate() + u'k');
-        list << unquoted(u"-ac:a:0 "_s, track.userNumberOfChannels()) << u"-ar:a:0 48000"_s;
+            list << u"-c:a ac3";
+        list << OptionItem(u"-ab:a:0 ").withData(track.userBitRate() + u'k');
+        list << OptionItem(u"-ac:a:0 ").withData(track.userNumberOfChannels()) << u"-ar:a:0 48000";
     }
-    list << u"-metadata:s:a:0"_s
-         << unquoted(u"language="_s, KXHelpers::language3CodeFor(track.trackLanguage()));
-    list << u"-metadata:s:a:0"_s << unquoted(u"title="_s, track.trackTitle());
-    return list;
+    const QString language = KXHelpers::language3CodeFor(track.trackLanguage());
+    list << u"-metadata:s:a:0" << OptionItem(u"language=").withData(language);
+    return list << u"-metadata:s:a:0" << OptionItem(u"title=").withTitle(track.trackTitle());
 }
 
 } // namespace
@@ -67,19 +60,19 @@ ConversionLists singleTrackLists(const KXSelection &selection, const KXVideoTrac
                                  const QUrl &log)
 {
     ConversionLists lists;
-    lists.first = {u"-i"_s, track.trackFileURL(), u"-map 0:0"_s};
+    lists.first = {u"-i", track.trackFileURL(), u"-map 0:0"};
     if (track.trackType() == u"Video"_s) {
         lists.first += videoWords(selection, track);
         if (selection.userPassNumber() == u"2"_s) {
             lists.second = lists.first;
-            lists.first.insert(passPosition, u"-pass 1"_s);
-            lists.second.insert(passPosition, u"-pass 2"_s);
+            lists.first.insert(passPosition, u"-pass 1");
+            lists.second.insert(passPosition, u"-pass 2");
             lists.currentPass = 1;
         }
     } else if (track.trackType() == u"Audio"_s) {
         lists.first += audioWords(track);
     }
-    const OptionList tail{u"-y"_s, output, u"&>"_s, log, u"& echo $!"_s};
+    const OptionList tail{u"-y", output, u"&>", log, u"& echo $!"};
     lists.first += tail;
     lists.second += tail;
     return lists;

@@ -2,6 +2,7 @@
 
 #include "engines/FfmpegArguments.h"
 #include "engines/FfmpegDevices.h"
+#include "engines/FilterText.h"
 #include "selection/KXSelection.h"
 
 #include <QFileInfo>
@@ -9,6 +10,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using tools::OptionItem;
 using tools::OptionList;
 
 namespace engines {
@@ -25,48 +27,53 @@ qsizetype positionOf(const OptionList &list, const QString &option)
     return -1;
 }
 
-void drawText(OptionList &list, const QString &path)
+/// Before the scaling, where there is one.
+void drawText(OptionList &list, const KXSelection &selection, const QString &path)
 {
     const qsizetype filter = positionOf(list, u"-vf"_s);
-    if (filter >= 0 && filter + 1 < list.size()) // before the scaling
-        list[filter + 1] = QString(u"subtitles=%1,"_s.arg(path) + list.at(filter + 1).text());
+    FilterText text;
+    text << u"subtitles=";
+    text.addPath(path);
+    if (filter >= 0 && filter + 1 < list.size())
+        list[filter + 1] = (text << u"," << scaleFilter(selection)).item();
     else
-        list << u"-vf"_s << QString(u"subtitles="_s + path);
+        list << u"-vf" << text.item();
 }
 
-QString lastSubtitleStream(const TrackList &tracks)
+FilterText lastSubtitleStream(const TrackList &tracks)
 {
-    QString stream;
+    FilterText stream;
     for (const TrackPointer &track : tracks) {
         if (track->trackType() == u"Subtitle"_s)
-            stream = track->trackFfmpegID();
+            stream = FilterText() << track->streamIndex();
     }
     return stream;
 }
 
 /// The graph that lays the picture subtitle over the video; takes a scaling out of the list into it.
-QString overlayGraph(OptionList &list, const KXSelection &selection)
+FilterText overlayGraph(OptionList &list, const KXSelection &selection)
 {
-    const QString stream = lastSubtitleStream(selection.trackList());
-    const QString width = selection.videoTrackWidth();
-    const QString height = selection.videoTrackHeight();
+    FilterText graph;
+    graph << u"[0:" << lastSubtitleStream(selection.trackList()) << u"]scale="
+          << pixelsIn(selection.videoTrackWidth()) << u":" << pixelsIn(selection.videoTrackHeight());
     const qsizetype filter = positionOf(list, u"-vf"_s);
     if (filter < 0)
-        return u"[0:%1]scale=%2:%3[sub];[0:v][sub]overlay[outv]"_s.arg(stream, width, height);
+        return graph << u"[sub];[0:v][sub]overlay[outv]";
     list.remove(filter, 2);
-    const QString scale = scaleFilter(selection);
-    return u"[0:%1]scale=%2:%3[subInitialize];[subInitialize]%4[sub];[0:v]%5[vid];[vid][sub]overlay[outv]"_s
-        .arg(stream, width, height, scale, scale);
+    const FilterText scale = scaleFilter(selection);
+    return graph << u"[subInitialize];[subInitialize]" << scale << u"[sub];[0:v]" << scale
+                 << u"[vid];[vid][sub]overlay[outv]";
 }
 
 void overlayPicture(OptionList &list, const KXSelection &selection)
 {
-    const QString graph = overlayGraph(list, selection);
+    const FilterText graph = overlayGraph(list, selection);
     const qsizetype map = positionOf(list, u"-map"_s);
     if (map < 0)
         return;
     list.remove(map, 2);
-    for (const QString &item : {u"[outv]"_s, u"-map"_s, graph, u"-filter_complex"_s})
+    for (const OptionItem &item :
+         {OptionItem(u"[outv]"), OptionItem(u"-map"), graph.item(), OptionItem(u"-filter_complex")})
         list.insert(map, item);
 }
 
@@ -82,11 +89,11 @@ QList<QUrl> externalFiles(const TrackList &tracks)
     return files;
 }
 
-QString mapArgument(const KXVideoTrack &track, const TrackList &tracks, int videoInput)
+OptionItem mapArgument(const KXVideoTrack &track, const TrackList &tracks, int videoInput)
 {
     if (!track.externalTrackFlag())
-        return u"%1:%2"_s.arg(QString::number(videoInput), track.trackFfmpegID());
-    return QString::number(externalFiles(tracks).indexOf(track.trackFileURL()) + 1);
+        return OptionItem::ofNumber(videoInput).with(u":").with(track.streamIndex());
+    return OptionItem::ofNumber(externalFiles(tracks).indexOf(track.trackFileURL()) + 1);
 }
 
 bool isSubtitle(const KXVideoTrack &track)
@@ -101,12 +108,14 @@ OptionList softSubtitleArguments(const TrackList &tracks, int videoInput, Output
     for (const TrackPointer &track : tracks) {
         if (!isSubtitle(*track) || track->userCodec() != u"mux"_s)
             continue;
-        const QString index = QString::number(number++);
-        list << u"-map"_s << mapArgument(*track, tracks, videoInput);
-        list << QString(u"-codec:s:"_s + index) << (kind == OutputKind::Pollenta ? u"mov_text"_s : u"copy"_s);
+        const OptionItem metadata = OptionItem(u"-metadata:s:s:").with(number);
+        list << u"-map" << mapArgument(*track, tracks, videoInput);
+        list << OptionItem(u"-codec:s:").with(number);
+        list << (kind == OutputKind::Pollenta ? OptionItem(u"mov_text") : OptionItem(u"copy"));
         const QString language = KXHelpers::language3CodeFor(track->trackLanguage());
-        list << QString(u"-metadata:s:s:"_s + index) << QString(u"language="_s + language);
-        list << QString(u"-metadata:s:s:"_s + index) << QString(u"title="_s + track->trackTitle());
+        list << metadata << OptionItem(u"language=").withData(language);
+        list << metadata << OptionItem(u"title=").withTitle(track->trackTitle());
+        ++number;
     }
     return list;
 }
@@ -117,12 +126,7 @@ void burnSubtitle(OptionList &list, const KXSelection &selection, const QUrl &su
         return overlayPicture(list, selection);
     const QString extension = QFileInfo(subtitle.toLocalFile()).suffix().toLower();
     if (QStringList{u"srt"_s, u"ssa"_s, u"ass"_s, u"ttxt"_s}.contains(extension))
-        drawText(list, subtitle.toLocalFile());
-}
-
-bool filterCanTake(const QString &path)
-{
-    return std::none_of(path.begin(), path.end(), [](QChar c) { return u"':,;\\=[]"_s.contains(c); });
+        drawText(list, selection, subtitle.toLocalFile());
 }
 
 } // namespace engines

@@ -12,7 +12,7 @@ enum class OutputKind;
 /// The files of the tracks that are files of their own, in track order.
 QList<QUrl> externalFiles(const TrackList &tracks);
 /// What "-map" takes for a track: its stream of the source, or the whole external file.
-QString mapArgument(const KXVideoTrack &track, const TrackList &tracks, int videoInput);
+tools::OptionItem mapArgument(const KXVideoTrack &track, const TrackList &tracks, int videoInput);
 /// True for "Subtitle" and for "External Subtitle", which nothing assigns but every filter accepts.
 bool isSubtitle(const KXVideoTrack &track);
 
@@ -21,7 +21,5 @@ tools::OptionList softSubtitleArguments(const TrackList &tracks, int videoInput,
 /// Changes a list so that the subtitle is drawn into the picture: a text file by the subtitles filter,
 /// a picture subtitle of the source itself by an overlay. Any other file changes nothing.
 void burnSubtitle(tools::OptionList &list, const KXSelection &selection, const QUrl &subtitle);
-/// True when the path can stand in a filter as it is.
-bool filterCanTake(const QString &path);
 
 } // namespace engines

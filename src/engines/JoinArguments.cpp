@@ -5,7 +5,6 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using tools::OptionItem;
 using tools::OptionList;
 
 namespace engines {
@@ -56,7 +55,7 @@ QString concatListLaunched(const QList<QUrl> &files)
 
 OptionList concatArguments(const QUrl &listFile, const QUrl &output)
 {
-    return {u"-f"_s, u"concat"_s, u"-i"_s, listFile, u"-c"_s, u"copy"_s, u"-y"_s, output};
+    return {u"-f", u"concat", u"-i", listFile, u"-c", u"copy", u"-y", output};
 }
 
 OptionList concatLaunchForm(const OptionList &meant)
@@ -65,10 +64,10 @@ OptionList concatLaunchForm(const OptionList &meant)
     const qsizetype input = positionOf(list, u"-i"_s);
     if (input < 0)
         return list;
-    list.insert(input + 2, u"0"_s);
-    list.insert(input + 2, u"-map"_s);
-    list.insert(input, u"0"_s);
-    list.insert(input, u"-safe"_s);
+    list.insert(input + 2, u"0");
+    list.insert(input + 2, u"-map");
+    list.insert(input, u"0");
+    list.insert(input, u"-safe");
     return list;
 }
 
@@ -76,8 +75,8 @@ OptionList mp4boxJoinArguments(const QList<QUrl> &files, const QUrl &folder, con
 {
     OptionList list;
     for (const QUrl &file : files)
-        list << u"-cat"_s << file;
-    return list << u"-tmp"_s << folder << u"-new"_s << output;
+        list << u"-cat" << file;
+    return list << u"-tmp" << folder << u"-new" << output;
 }
 
 } // namespace engines

@@ -116,8 +116,8 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
 tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
 {
     tools::OptionList list = optionArray1();
-    list.prepend(u"genpts"_s);
-    list.prepend(u"-fflags"_s);
+    list.prepend(u"genpts");
+    list.prepend(u"-fflags");
     setOptionArray1(list);
     m_repeatsFirstPass = currentPass() == 2;
     m_generatesTimestamps = true;

@@ -35,7 +35,7 @@ tools::ToolProcessPointer KXMetadataPadder::startPadding(const QUrl &film)
     setOutputFileURL(neighbour);
     claimLog(QUrl::fromLocalFile(film.toLocalFile() + u".padding.log"_s));
     return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"atomicparsley"_s), {film, u"--encodingTool"_s, u"Tessaray"_s, u"--output"_s, neighbour},
+        urlOfApp(u"atomicparsley"_s), {film, u"--encodingTool", u"Tessaray", u"--output", neighbour},
         ShouldWait::No);
 }
 

@@ -56,7 +56,7 @@ TrackList KXMkvMuxer::tracksOfFile(const QString &path) const
 }
 
 /// mkvmerge counts some containers' tracks in its own way, so it is asked.
-tools::OptionList KXMkvMuxer::launchForm(const tools::OptionList &meant)
+tools::OptionList KXMkvMuxer::launchForm(const tools::OptionList &)
 {
     QHash<QString, engines::TrackNumbers> numbers;
     for (const TrackPointer &track : tracksToMux()) {
@@ -66,8 +66,8 @@ tools::OptionList KXMkvMuxer::launchForm(const tools::OptionList &meant)
         if (numbers.contains(path) || track->trackFileURL() != source ||
             !engines::needsIdentification(source))
             continue;
-        const QString answer = doShellScriptForWithOptions(urlOfApp(u"mkvmerge"_s), {u"-J"_s, source});
+        const QString answer = doShellScriptForWithOptions(urlOfApp(u"mkvmerge"_s), {u"-J", source});
         numbers.insert(path, engines::trackNumbersIn(answer, tracksOfFile(path)));
     }
-    return engines::withTrackNumbers(meant, numbers);
+    return engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL(), numbers);
 }

@@ -9,29 +9,29 @@ namespace {
 
 const QString subtitleFileOption = u"-sub"_s;
 
-QString numbered(const QString &option, const KXVideoTrack &track)
+tools::OptionItem numbered(tools::Literal option, const KXVideoTrack &track)
 {
-    return u"%1 %2"_s.arg(option).arg(tools::leadingInteger(track.trackMencoderID()));
+    return tools::OptionItem(option).with(u" ").with(tools::leadingInteger(track.trackMencoderID()));
 }
 
 /// The track by its number where it lives in the film, else its file.
-tools::OptionList placeOf(const KXVideoTrack &track, const KXSelection &selection, const QString &inside,
-                          const QString &outside)
+tools::OptionList placeOf(const KXVideoTrack &track, const KXSelection &selection, tools::Literal inside,
+                          tools::Literal outside)
 {
     if (track.trackFilePath() == selection.videoTrackFilePath())
         return {numbered(inside, track)};
-    return {outside, track.trackFileURL()};
+    return {tools::OptionItem(outside), track.trackFileURL()};
 }
 
 tools::OptionList optionsOf(const KXVideoTrack &track, const KXSelection &selection)
 {
     const QString type = track.trackType();
     if (type == u"Video"_s)
-        return {numbered(u"-vid"_s, track)};
+        return {numbered(u"-vid", track)};
     if (type == u"Audio"_s)
-        return placeOf(track, selection, u"-aid"_s, u"-audiofile"_s);
+        return placeOf(track, selection, u"-aid", u"-audiofile");
     if (type == u"Subtitle"_s || type == u"External Subtitle"_s)
-        return placeOf(track, selection, u"-sid"_s, subtitleFileOption);
+        return placeOf(track, selection, u"-sid", u"-sub");
     return {};
 }
 
@@ -63,10 +63,10 @@ tools::OptionList KXMoviePlayer::playerOptions(const KXSelection &selection) con
         options += optionsOf(*track, selection);
     if (tools::leadingInteger(selection.subCount()) > 0) {
         // Where the font is missing the player takes its own.
-        options += {u"-font"_s, QUrl::fromLocalFile(u"/Library/Fonts/Arial Unicode.ttf"_s),
-                    u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00"_s};
+        options += {u"-font", QUrl::fromLocalFile(u"/Library/Fonts/Arial Unicode.ttf"_s),
+                    u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00"};
     }
-    options.append(u"&> /dev/null & echo $!"_s);
+    options.append(u"&> /dev/null & echo $!");
     return options;
 }
 

@@ -182,7 +182,7 @@ QString KXTrackDumper::pollFfmpeg()
     if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
         findDurationInSeconds();
     const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s, u"| grep time="_s});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
     const QString time = step::isStatusLine(line) ? step::timeInStatusLine(line) : QString();
     if (!time.isNull())
         setOldProgress(time);

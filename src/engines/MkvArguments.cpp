@@ -16,72 +16,71 @@ namespace {
 
 constexpr double kilobytesPerMegabyte = 1000;
 
-/// An absent one means that the track does not come from this file, an odd one that nobody knows it.
-bool hasNumber(const KXVideoTrack &track)
+OptionItem withFlag(const OptionItem &item, bool on)
 {
-    return tools::isAllDigits(track.trackMkvmergeID());
+    return on ? item.with(u"1") : item.with(u"0");
 }
 
-QString flag(bool on)
+OptionList trackItems(const KXVideoTrack &track, int number)
 {
-    return on ? u"1"_s : u"0"_s;
+    const auto option = [number](tools::Literal name) { return OptionItem(name).with(number).with(u":"); };
+    return {option(u"--language ").withData(KXHelpers::language3CodeFor(track.muxingTrackLanguage())),
+            option(u"--track-name ").withTitle(track.muxingTrackTitle(), Quoting::Single),
+            withFlag(option(u"--default-track "), track.trackDefaultFlag()),
+            withFlag(option(u"--forced-track "), track.trackForcedFlag()),
+            option(u"--compression ").with(u"none")};
 }
 
-OptionList trackItems(const KXVideoTrack &track)
-{
-    const QString id = track.trackMkvmergeID() + u':';
-    return {OptionItem::withData(u"--language "_s + id,
-                                 KXHelpers::language3CodeFor(track.muxingTrackLanguage()), Quoting::None),
-            OptionItem::withData(u"--track-name "_s + id, track.muxingTrackTitle(), Quoting::Single),
-            QString(u"--default-track "_s + id + flag(track.trackDefaultFlag())),
-            QString(u"--forced-track "_s + id + flag(track.trackForcedFlag())),
-            QString(u"--compression "_s + id + u"none"_s)};
-}
+/// Tracks of one file, each with its number in it.
+using NumberedTracks = QList<std::pair<TrackPointer, int>>;
 
 /// "-d 0,1", or "-D" when there is none of the types.
-QString selectionItem(const TrackList &tracks, const QStringList &types, const QString &some,
-                      const QString &none)
+OptionItem selectionItem(const NumberedTracks &tracks, const QStringList &types, tools::Literal some,
+                         tools::Literal none)
 {
-    QStringList ids;
-    for (const TrackPointer &track : tracks) {
-        if (types.contains(track->muxingTrackType()))
-            ids.append(track->trackMkvmergeID());
+    OptionItem item(some);
+    bool isEmpty = true;
+    for (const auto &[track, number] : tracks) {
+        if (!types.contains(track->muxingTrackType()))
+            continue;
+        item = isEmpty ? item.with(u" ").with(number) : item.with(u",").with(number);
+        isEmpty = false;
     }
-    return ids.isEmpty() ? none : some + u' ' + ids.join(u',');
+    return isEmpty ? OptionItem(none) : item;
 }
 
-OptionList fileItems(const TrackList &tracks, const QString &path)
+OptionList fileItems(const NumberedTracks &tracks, const QString &path)
 {
     OptionList list;
-    for (const TrackPointer &track : tracks)
-        list += trackItems(*track);
-    list << selectionItem(tracks, {u"Video"_s}, u"-d"_s, u"-D"_s);
-    list << selectionItem(tracks, {u"Audio"_s}, u"-a"_s, u"-A"_s);
-    list << selectionItem(tracks, {u"Subtitle"_s, u"External Subtitle"_s}, u"-s"_s, u"-S"_s);
-    return list << OptionItem::withData({}, path, Quoting::Single);
+    for (const auto &[track, number] : tracks)
+        list += trackItems(*track, number);
+    list << selectionItem(tracks, {u"Video"_s}, u"-d", u"-D");
+    list << selectionItem(tracks, {u"Audio"_s}, u"-a", u"-A");
+    list << selectionItem(tracks, {u"Subtitle"_s, u"External Subtitle"_s}, u"-s", u"-S");
+    return list << OptionItem::ofData(path, Quoting::Single);
 }
 
 OptionList inBackground(OptionList list, const QUrl &log)
 {
-    return list << u"&>"_s << log << u"& echo $!"_s;
+    return list << u"&>" << log << u"& echo $!";
 }
-
-const QString noCompression = u"-1:none"_s;
 
 } // namespace
 
-OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl &log)
+OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl &log,
+                         const QHash<QString, TrackNumbers> &numbersByPath)
 {
     QStringList paths;
-    QHash<QString, TrackList> byPath;
+    QHash<QString, NumberedTracks> byPath;
     for (const TrackPointer &track : tracks) {
         const QString path = track->muxingTrackFileURL().toLocalFile();
         if (!paths.contains(path))
             paths.append(path);
-        if (hasNumber(*track))
-            byPath[path].append(track);
+        // Without a number it does not come from this file, or nobody knows which track it is.
+        if (const auto number = track->mkvmergeNumber())
+            byPath[path].append({track, numbersByPath.value(path).value(*number, *number)});
     }
-    OptionList list{u"-o"_s, output};
+    OptionList list{u"-o", output};
     for (const QString &path : paths)
         list += fileItems(byPath.value(path), path);
     return inBackground(list, log);
@@ -89,10 +88,10 @@ OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl
 
 OptionList joinArguments(const QList<QUrl> &files, const QUrl &output)
 {
-    OptionList list{u"-o"_s, output};
+    OptionList list{u"-o", output};
     for (qsizetype i = 0; i < files.size(); ++i) {
         if (i > 0)
-            list << u"+"_s;
+            list << u"+";
         list << files.at(i);
     }
     return list;
@@ -100,12 +99,12 @@ OptionList joinArguments(const QList<QUrl> &files, const QUrl &output)
 
 OptionList joinShellItems(const QList<QUrl> &files, const QUrl &output, const QUrl &log)
 {
-    OptionList list{u"-o"_s, output};
+    OptionList list{u"-o", output};
     for (qsizetype i = 0; i < files.size(); ++i) {
         if (i == 0)
             list << files.at(i);
         else
-            list << OptionItem::withData(u"+"_s, files.at(i).toLocalFile(), Quoting::Single);
+            list << OptionItem(u"+").withData(files.at(i).toLocalFile(), Quoting::Single);
     }
     return inBackground(list, log);
 }
@@ -125,27 +124,27 @@ QString splitWord(const KXSelection &selection)
 
 OptionList splitArguments(const QString &word, const QUrl &input, const QUrl &output)
 {
-    return {u"-o"_s, output, u"--split"_s, word, u"--compression"_s, noCompression, input};
+    return {u"-o", output, u"--split", OptionItem::ofData(word), u"--compression", u"-1:none", input};
 }
 
 /// By size there are two blanks, on purpose.
 OptionList splitShellItems(const KXSelection &selection, const QUrl &input, const QUrl &output,
                            const QUrl &log)
 {
-    const QString option = selection.splitType() == u"size"_s ? u"--split  "_s : u"--split "_s;
-    return inBackground({u"-o"_s, output, OptionItem::withData(option, splitWord(selection), Quoting::None),
-                         QString(u"--compression "_s + noCompression), input},
-                        log);
+    const OptionItem option =
+        selection.splitType() == u"size"_s ? OptionItem(u"--split  ") : OptionItem(u"--split ");
+    return inBackground(
+        {u"-o", output, option.withData(splitWord(selection)), u"--compression -1:none", input}, log);
 }
 
 OptionList remuxArguments(const QUrl &input, const QUrl &output)
 {
-    return {u"-o"_s, output, u"--compression"_s, noCompression, input};
+    return {u"-o", output, u"--compression", u"-1:none", input};
 }
 
 OptionList remuxShellItems(const QUrl &input, const QUrl &output, const QUrl &log)
 {
-    return inBackground({u"-o"_s, output, QString(u"--compression "_s + noCompression), input}, log);
+    return inBackground({u"-o", output, u"--compression -1:none", input}, log);
 }
 
 } // namespace engines

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/MkvTrackNumbers.h"
 #include "media/KXVideoTrack.h"
 #include "tools/OptionItem.h"
 
@@ -13,8 +14,9 @@ namespace engines {
 // ShellItems are joined into a line in the shell's background.
 
 /// Writes these tracks, file by file in the order in which files first appear; a track without an
-/// mkvmerge number is left out.
-tools::OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl &log);
+/// mkvmerge number is left out. Where a file's own numbers are known to be others, those are written.
+tools::OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl &log,
+                                const QHash<QString, TrackNumbers> &numbersByPath = {});
 
 /// Appends the files to the first one.
 tools::OptionList joinArguments(const QList<QUrl> &files, const QUrl &output);

@@ -55,12 +55,12 @@ QString KXVideoFile::ffprobe(const QUrl &url, const tools::OptionList &options) 
 {
     if (places() == nullptr || isStopped() || !media::isRegularFile(url))
         return {};
-    return doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), tools::OptionList{u"-i"_s, url} + options);
+    return doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), tools::OptionList{u"-i", url} + options);
 }
 
 QString KXVideoFile::probeOf(const QUrl &url) const
 {
-    return ffprobe(url, {u"-show_streams -print_format json"_s});
+    return ffprobe(url, {u"-show_streams -print_format json"});
 }
 
 QVariantList KXVideoFile::createFfprobeResultsDictionaryArrayForURL(const QUrl &url) const
@@ -68,19 +68,18 @@ QVariantList KXVideoFile::createFfprobeResultsDictionaryArrayForURL(const QUrl &
     const QString output = probeOf(url);
     if (isStopped())
         return {notAVideo};
-    if (!media::holdsStreamList(output)) {
+    const bool isList = media::holdsStreamList(output);
+    const QList<QVariantMap> found = isList ? media::streamsIn(output) : QList<QVariantMap>();
+    if (!isList || !media::standInTheirPlaces(found)) {
         media::writeErrorFile(url, output);
         return {notAVideo};
     }
-    QVariantList streams;
-    for (const QVariantMap &stream : media::streamsIn(output))
-        streams.append(stream);
-    return streams;
+    return QVariantList(found.begin(), found.end());
 }
 
 QStringList KXVideoFile::createFfprobeStreamCodecsArrayForURL(const QUrl &url) const
 {
-    return media::streamLineCodecs(ffprobe(url, {u"2>&1"_s, u"| grep 'Stream #'"_s}));
+    return media::streamLineCodecs(ffprobe(url, {u"2>&1", u"| grep 'Stream #'"}));
 }
 
 QString KXVideoFile::createTrackListForSelf()
@@ -122,7 +121,7 @@ void KXVideoFile::deriveVideoBitRates(const TrackList &tracks) const
         if (video->trackType() != media::wordOf(TrackKind::Video) || video->trackBitRate() != u"0"_s)
             continue;
         const auto whole =
-            media::containerBitRate(ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"_s}));
+            media::containerBitRate(ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"}));
         if (!whole)
             continue;
         qint64 rest = *whole;

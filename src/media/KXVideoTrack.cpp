@@ -1,5 +1,7 @@
 #include "media/KXVideoTrack.h"
 
+#include "tools/Numbers.h"
+
 #include <QMetaProperty>
 
 using namespace Qt::StringLiterals;
@@ -49,6 +51,14 @@ QStringList declaredNames(const QMetaObject &meta)
     return names;
 }
 
+std::optional<int> numberIn(const QString &text)
+{
+    constexpr qint64 most = 1'000'000;
+    if (!tools::isAllDigits(text) || tools::leadingInteger(text) > most)
+        return std::nullopt;
+    return static_cast<int>(tools::leadingInteger(text));
+}
+
 QString printed(const QVariant &value)
 {
     if (value.typeId() == QMetaType::Bool)
@@ -62,6 +72,16 @@ const QStringList &KXVideoTrack::fieldNames()
 {
     static const QStringList names = declaredNames(staticMetaObject);
     return names;
+}
+
+int KXVideoTrack::streamIndex() const
+{
+    return numberIn(trackFfmpegID()).value_or(0);
+}
+
+std::optional<int> KXVideoTrack::mkvmergeNumber() const
+{
+    return numberIn(trackMkvmergeID());
 }
 
 TrackPointer KXVideoTrack::copy() const

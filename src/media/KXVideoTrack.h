@@ -7,6 +7,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 
 class KXVideoTrack;
 using TrackPointer = std::shared_ptr<KXVideoTrack>;
@@ -103,6 +104,11 @@ public:
     QString stringFromTrackProperties() const;
     void logTrackProperties() const;
     void logMuxingTrackProperties() const;
+
+    /// trackFfmpegID() and trackMkvmergeID() as the numbers that lists of arguments are made of. A track
+    /// without a stream index counts as stream 0; one without an mkvmerge number comes from another file.
+    int streamIndex() const;
+    std::optional<int> mkvmergeNumber() const;
 
     /// The codec as the probe named it ("eac3", "hdmv_pgs_subtitle"), finer than trackCodec(): it tells
     /// what a container can hold. Absent when the track was not probed. Copied, but in no text form.

@@ -1,5 +1,6 @@
 #include "media/ProbeReader.h"
 
+#include "media/ProbedFields.h"
 #include "tools/Numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -36,6 +37,7 @@ private:
     void startNested(const QString &line);
     void store(const QString &line);
     void closeNested();
+    void storeOwn(const QString &key, const QString &value);
 
     /// Only titles with braces nest this deep. What is deeper is dropped: nobody reads it, and a file
     /// with a hundred thousand of them must not cost the stack.
@@ -81,15 +83,33 @@ void StreamListReader::startNested(const QString &line)
 void StreamListReader::store(const QString &line)
 {
     const QStringList pieces = line.split(u": "_s);
-    if (m_dropped == 0)
-        m_open.last().values.insert(withoutBlanks(pieces.at(0)), withoutBlanks(pieces.at(1)));
+    const QString key = withoutBlanks(pieces.at(0));
+    const QString value = withoutBlanks(pieces.at(1));
+    if (m_dropped > 0)
+        return;
+    if (m_open.size() > 1)
+        m_open.last().values.insert(key, value);
+    else
+        storeOwn(key, value);
+}
+
+void StreamListReader::storeOwn(const QString &key, const QString &value)
+{
+    QVariantMap &own = m_open.first().values;
+    if (own.contains(key))
+        return;
+    if (fitsItsField(key, value))
+        own.insert(key, value);
+    else if (key == u"index"_s)
+        own.insert(key, u""_s); // a stream that doesn't tell which one it is, not one that tells nothing
 }
 
 void StreamListReader::closeNested()
 {
     while (m_open.size() > 1) {
         const Open nested = m_open.takeLast();
-        m_open.last().values.insert(nested.key, nested.values);
+        if (m_open.size() > 1 || !m_open.constFirst().values.contains(nested.key))
+            m_open.last().values.insert(nested.key, nested.values);
     }
     m_dropped = 0;
 }
@@ -121,6 +141,18 @@ QList<QVariantMap> streamsIn(const QString &output)
     for (QString line : streamLines(output))
         reader.read(line.remove(u','));
     return reader.finish();
+}
+
+bool standInTheirPlaces(const QList<QVariantMap> &streams)
+{
+    qint64 place = 0;
+    for (const QVariantMap &stream : streams) {
+        const bool isStream = stream.contains(u"index"_s) || stream.contains(u"codec_type"_s);
+        if (stream.contains(u"index"_s) && textIn(stream, u"index"_s) != QString::number(place))
+            return false;
+        place += isStream ? 1 : 0;
+    }
+    return true;
 }
 
 QStringList streamLineCodecs(const QString &output)

@@ -16,8 +16,14 @@ bool holdsStreamList(const QString &output);
 
 /// One dictionary a stream, of texts and, under "tags" and "disposition", of nested dictionaries. The
 /// reader looks at one line at a time and loses something on purpose: commas and double quotes go from
-/// every value, a value ends at its first ": ", a "{" or "}" in it opens or closes a dictionary.
+/// every value, a value ends at its first ": ", a "{" or "}" in it opens or closes a dictionary. So tags
+/// can stray into the stream itself, where they never replace anything: of a stream's own fields the first
+/// value holds, as ffprobe prints them before any tag, and only one of a form that the field can have.
 QList<QVariantMap> streamsIn(const QString &output);
+
+/// Whether each stream that tells an index tells its own place. Tools are told by it which stream is meant. What
+/// ffprobe says beside a stream (its side data) is a dictionary too, but no stream.
+bool standInTheirPlaces(const QList<QVariantMap> &streams);
 
 /// The codec words of ffprobe's "Stream #" lines, in order; lines with fewer pieces are passed over. A
 /// comma at a word's end stays.

@@ -22,7 +22,7 @@ constexpr int patienceMs = 5000;
 struct KnownTool
 {
     QString name;
-    QString versionFlag;
+    tools::Literal versionFlag; ///< its words
     QString versionPattern;
     QString switchesOff;
 };
@@ -30,22 +30,21 @@ struct KnownTool
 const QList<KnownTool> &knownTools()
 {
     static const QList<KnownTool> tools{
-        {u"ffmpeg"_s, u"-version"_s, u"version (\\S+)"_s,
+        {u"ffmpeg"_s, u"-version", u"version (\\S+)"_s,
          u"Without it nothing can be converted, and tracks can't be extracted."_s},
-        {u"ffprobe"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it no file can be opened."_s},
-        {u"mkvmerge"_s, u"--version"_s, u"mkvmerge v(\\S+)"_s,
+        {u"ffprobe"_s, u"-version", u"version (\\S+)"_s, u"Without it no file can be opened."_s},
+        {u"mkvmerge"_s, u"--version", u"mkvmerge v(\\S+)"_s,
          u"Without it MKV files can't be muxed, remuxed, split, joined or rid of tracks."_s},
-        {u"mkvextract"_s, u"--version"_s, u"mkvextract v(\\S+)"_s,
+        {u"mkvextract"_s, u"--version", u"mkvextract v(\\S+)"_s,
          u"Without it picture subtitles can't be extracted."_s},
-        {u"mkvinfo"_s, u"--version"_s, u"mkvinfo v(\\S+)"_s,
+        {u"mkvinfo"_s, u"--version", u"mkvinfo v(\\S+)"_s,
          u"Without it MKV files with header-removal compression are not recognised."_s},
-        {u"mp4box"_s, u"-version"_s, u"version (\\S+)"_s, u"Without it ffmpeg joins MP4 files."_s},
-        {u"mplayer"_s, u"-noconfig all"_s, u"^MPlayer (\\S+)"_s,
-         u"Without it there is no preview playback."_s},
-        {u"atomicparsley"_s, u"--version"_s, u"version:?\\s*(\\S+)"_s,
+        {u"mp4box"_s, u"-version", u"version (\\S+)"_s, u"Without it ffmpeg joins MP4 files."_s},
+        {u"mplayer"_s, u"-noconfig all", u"^MPlayer (\\S+)"_s, u"Without it there is no preview playback."_s},
+        {u"atomicparsley"_s, u"--version", u"version:?\\s*(\\S+)"_s,
          u"Padding can't be added to MP4 files."_s},
-        {u"mediainfo"_s, u"--Version"_s, u"v(\\d\\S*)"_s, u"Nothing needs it so far."_s},
-        {u"tesseract"_s, u"--version"_s, u"tesseract v?(\\S+)"_s, u"Nothing needs it so far."_s},
+        {u"mediainfo"_s, u"--Version", u"v(\\d\\S*)"_s, u"Nothing needs it so far."_s},
+        {u"tesseract"_s, u"--version", u"tesseract v?(\\S+)"_s, u"Nothing needs it so far."_s},
     };
     return tools;
 }
@@ -148,11 +147,12 @@ ToolReport ToolCheck::check(const QString &name) const
     return report;
 }
 
-QString ToolCheck::askedVersion(const QUrl &location, const QString &flag, const QString &pattern) const
+QString ToolCheck::askedVersion(const QUrl &location, tools::Literal flag, const QString &pattern) const
 {
     const QTemporaryDir home; // mplayer writes a configuration into its home whenever it runs
     tools::ShellRequest request;
-    request.line = tools::toolLine(location, {flag, u"2>&1"_s}, m_places, tools::shellKind()).launched;
+    request.line =
+        tools::toolLine(location, {tools::OptionItem(flag), u"2>&1"}, m_places, tools::shellKind()).launched;
     request.environment = tools::shellEnvironment(location);
     request.environment.insert(u"MPLAYER_HOME"_s, home.path());
     request.workingFolder = m_places.workingFolder();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/Literal.h"
+
 #include <QList>
 #include <QString>
 #include <QUrl>
@@ -51,7 +53,7 @@ public:
     static QStringList toolNames();
 
 private:
-    QString askedVersion(const QUrl &location, const QString &flag, const QString &pattern) const;
+    QString askedVersion(const QUrl &location, tools::Literal flag, const QString &pattern) const;
 
     const KXHelpers &m_runner;
     const tools::ToolPlaces &m_places;

@@ -60,9 +60,9 @@ QString ToolsUnpacker::unpackLocked(const QList<ToolArchive> &archives) const
 /// unpacked once more without it.
 QString ToolsUnpacker::unpackArchive(const ToolArchive &archive) const
 {
-    QString answer = unzip(archive, u"-uoq"_s);
+    QString answer = unzip(archive, u"-uoq");
     if (!brokenTools(archive).isEmpty())
-        answer = unzip(archive, u"-oq"_s);
+        answer = unzip(archive, u"-oq");
     const QStringList broken = brokenTools(archive);
     if (broken.isEmpty())
         return {};
@@ -70,14 +70,14 @@ QString ToolsUnpacker::unpackArchive(const ToolArchive &archive) const
     return answer.isEmpty() ? sentence : sentence + u' ' + answer;
 }
 
-QString ToolsUnpacker::unzip(const ToolArchive &archive, const QString &flags) const
+QString ToolsUnpacker::unzip(const ToolArchive &archive, tools::Literal flags) const
 {
     // The pattern is for unzip: bare, the shell would expand it where the working folder holds a folder
     // of that name.
-    const auto pattern = tools::OptionItem::withData({}, archive.folder + u"/*"_s, tools::Quoting::Single);
+    const auto pattern = tools::OptionItem::ofData(archive.folder + u"/*"_s, tools::Quoting::Single);
     return m_runner.doUnixCommandWithOptions(
-        u"unzip"_s,
-        {u"-d"_s, m_places.toolsLocation(), flags, m_runner.urlOfApp(archive.folder + u".zip"_s), pattern});
+        u"unzip",
+        {u"-d", m_places.toolsLocation(), tools::OptionItem(flags), m_runner.urlOfApp(archive.folder + u".zip"_s), pattern});
 }
 
 QList<ToolArchive> ToolsUnpacker::presentArchives() const

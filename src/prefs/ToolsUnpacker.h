@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/Literal.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -29,7 +31,7 @@ public:
 private:
     QString unpackLocked(const QList<ToolArchive> &archives) const;
     QString unpackArchive(const ToolArchive &archive) const;
-    QString unzip(const ToolArchive &archive, const QString &flags) const;
+    QString unzip(const ToolArchive &archive, tools::Literal flags) const;
     QList<ToolArchive> presentArchives() const;
     QStringList brokenTools(const ToolArchive &archive) const;
 

@@ -35,7 +35,7 @@ public:
     // Running. Both answer standard output after success, else standard error, without one trailing
     // line feed; a null text when that is neither UTF-8 nor ASCII. They return when the shell ends.
     QString doShellScriptForWithOptions(const QUrl &tool, const tools::OptionList &options) const;
-    QString doUnixCommandWithOptions(const QString &command, const tools::OptionList &options) const;
+    QString doUnixCommandWithOptions(tools::Literal command, const tools::OptionList &options) const;
     /// The location of a tool or archive by name; no check that it is there.
     QUrl urlOfApp(const QString &name) const;
     /// How doShellScriptForWithOptions() waits on the main thread; by default with an event loop.

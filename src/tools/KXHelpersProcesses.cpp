@@ -47,6 +47,11 @@ bool isProcessId(const QString &pid)
     return tools::isAllDigits(pid) && tools::leadingInteger(pid) != 0;
 }
 
+tools::OptionItem itemOf(const QString &pid)
+{
+    return tools::OptionItem::ofNumber(tools::leadingInteger(pid));
+}
+
 bool isQuietCommand(const QString &command)
 {
     const QStringList quiet{u"ps"_s, u"tr '\\r' '\\n' < "_s, u"dscacheutil"_s, u"ls"_s};
@@ -70,10 +75,10 @@ QString KXHelpers::doShellScriptForWithOptions(const QUrl &tool, const tools::Op
     return decoded(tools::runShell(request).selected());
 }
 
-QString KXHelpers::doUnixCommandWithOptions(const QString &command, const tools::OptionList &options) const
+QString KXHelpers::doUnixCommandWithOptions(tools::Literal command, const tools::OptionList &options) const
 {
     const auto line = tools::commandLine(command, options, tools::shellKind());
-    if (!isQuietCommand(command))
+    if (!isQuietCommand(command.text()))
         logObjectWithString(line.meant, u"doUnixCommand string: "_s);
     tools::ShellRequest request;
     request.line = line.launched;
@@ -106,7 +111,7 @@ bool KXHelpers::processIsRunningWithPID(const QString &pid) const
     if (!isProcessId(pid))
         return false;
     const QString answer =
-        doUnixCommandWithOptions(u"ps"_s, {u"-p"_s, pid, u"| grep"_s, pid, u"| awk '{print $1;}'"_s});
+        doUnixCommandWithOptions(u"ps", {u"-p", itemOf(pid), u"| grep", itemOf(pid), u"| awk '{print $1;}'"});
     return answer == pid && !tools::isEndedZombie(pid.toLongLong());
 }
 
@@ -114,7 +119,7 @@ bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) c
 {
     if (!isProcessId(pid))
         return false;
-    doUnixCommandWithOptions(u"kill"_s, {u"-s KILL"_s, pid});
+    doUnixCommandWithOptions(u"kill", {u"-s KILL", itemOf(pid)});
     if (wait == Wait::UntilTerminated) {
         do {
             logString(u"Waiting to terminate"_s);
@@ -126,11 +131,11 @@ bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) c
 void KXHelpers::suspendPID(const QString &pid) const
 {
     if (isProcessId(pid))
-        doUnixCommandWithOptions(u"kill"_s, {u"-s stop"_s, pid});
+        doUnixCommandWithOptions(u"kill", {u"-s stop", itemOf(pid)});
 }
 
 void KXHelpers::resumePID(const QString &pid) const
 {
     if (isProcessId(pid))
-        doUnixCommandWithOptions(u"kill"_s, {u"-s cont"_s, pid});
+        doUnixCommandWithOptions(u"kill", {u"-s cont", itemOf(pid)});
 }

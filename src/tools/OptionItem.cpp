@@ -24,6 +24,25 @@ bool needsFullEscape(const QString &text)
     return false;
 }
 
+QString cutTo(qsizetype bytes, const QString &text)
+{
+    const QByteArray whole = text.toUtf8();
+    if (whole.size() <= bytes)
+        return text;
+    qsizetype end = bytes;
+    while (end > 0 && (static_cast<unsigned char>(whole.at(end)) & 0xC0) == 0x80) // within a character
+        --end;
+    return QString::fromUtf8(whole.first(end));
+}
+
+qsizetype bytesOf(const OptionList &options)
+{
+    qsizetype bytes = 0;
+    for (const OptionItem &item : options)
+        bytes += item.safe().toUtf8().size() + 1;
+    return bytes;
+}
+
 bool isHarmless(QChar c)
 {
     return (c.unicode() < 128 && c.isLetterOrNumber()) || u"-_./:,+@%"_s.contains(c);
@@ -37,22 +56,89 @@ OptionItem::OptionItem(const QUrl &file)
 {
 }
 
-OptionItem OptionItem::withData(const QString &before, const QString &data, Quoting quoting,
-                                const QString &after)
+OptionItem OptionItem::ofData(const QString &data, Quoting quoting)
 {
-    OptionItem item(before);
+    return OptionItem().withData(data, quoting);
+}
+
+OptionItem OptionItem::ofNumber(qint64 number)
+{
+    return OptionItem().with(number);
+}
+
+OptionItem OptionItem::withRaw(const QString &text) const
+{
+    OptionItem item(*this);
+    (m_hasData ? item.m_after : item.m_before) += text;
+    return item;
+}
+
+OptionItem OptionItem::withData(const QString &data, Quoting quoting) const
+{
+    OptionItem item(*this);
     item.m_data = data;
-    item.m_after = after;
     item.m_quoting = quoting;
     item.m_hasData = true;
     return item;
 }
 
-OptionItem OptionItem::withBefore(const QString &before) const
+OptionItem OptionItem::withTitle(const QString &title, Quoting quoting) const
+{
+    OptionItem item = withData(title, quoting);
+    item.m_isTitle = true;
+    return item;
+}
+
+OptionItem OptionItem::withTitleCutTo(qsizetype bytes) const
 {
     OptionItem item(*this);
-    item.m_before = before;
+    if (m_isTitle)
+        item.m_data = cutTo(bytes, m_data);
     return item;
+}
+
+OptionItem OptionItem::withMoreData(Literal text) const
+{
+    OptionItem item(*this);
+    item.m_data += text.text();
+    item.m_hasData = true;
+    return item;
+}
+
+OptionItem OptionItem::withReplaced(Literal from, Literal to) const
+{
+    OptionItem item(*this);
+    for (QString *part : {&item.m_before, &item.m_data, &item.m_after})
+        part->replace(from.text(), to.text());
+    return item;
+}
+
+/// The word at the data's place holds it, and what stands in front of and behind it without a blank.
+QList<OptionItem> OptionItem::words() const
+{
+    if (m_isFile)
+        return {*this};
+    QList<OptionItem> words;
+    QStringList before = m_before.split(u' ');
+    QStringList after = m_after.split(u' ');
+    const auto addRaw = [&words](const QStringList &texts) {
+        for (const QString &text : texts) {
+            if (!text.isEmpty())
+                words.append(OptionItem().withRaw(text));
+        }
+    };
+    if (!m_hasData) {
+        addRaw(before);
+        return words;
+    }
+    OptionItem middle(*this);
+    middle.m_before = before.takeLast();
+    middle.m_after = after.takeFirst();
+    addRaw(before);
+    if (!middle.text().isEmpty())
+        words.append(middle);
+    addRaw(after);
+    return words;
 }
 
 QString OptionItem::text() const
@@ -110,6 +196,20 @@ QStringList textsOf(const OptionList &options)
     for (const OptionItem &item : options)
         texts.append(item.text());
     return texts;
+}
+
+OptionList withTitlesThatFit(const OptionList &options)
+{
+    // A shell line is one argument, and Linux lets one be 128 KiB long. The rest is for what stands in front.
+    constexpr qsizetype mostOfAll = 100'000;
+    OptionList fitting = options;
+    for (const qsizetype most : {4096, 1024, 256, 64}) {
+        for (OptionItem &item : fitting)
+            item = item.withTitleCutTo(most);
+        if (bytesOf(fitting) <= mostOfAll)
+            break;
+    }
+    return fitting;
 }
 
 QString doubleQuoted(const QString &text)

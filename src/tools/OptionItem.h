@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/Literal.h"
+
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -14,20 +16,44 @@ enum class Quoting {
     Single  ///< in its single-quoted form
 };
 
-/// One item of an options list: a file location, or a string. A string remembers which span of it is
-/// data (a name, a title), so that the step that makes a shell line never has to parse quotes.
+/// One item of an options list: a file location, or a string. A string is raw text around one span of
+/// data. What a shell may read as syntax is raw: literals of ours and numbers, by the types of what makes
+/// it. Names, titles and whatever else came from a file are data, which the step that makes a shell line
+/// turns into one word, without ever parsing quotes.
 class OptionItem
 {
 public:
     OptionItem(const QUrl &file); // NOLINT(google-explicit-constructor)
-    OptionItem(const QString &text)
-        : m_before(text)
+    /// Raw text: a string literal, and nothing else.
+    template <std::size_t N>
+    OptionItem(const char16_t (&literal)[N]) // NOLINT(google-explicit-constructor)
+        : m_before(QString::fromUtf16(literal, N - 1))
     {
-    } // NOLINT(google-explicit-constructor)
+    }
+    template <std::size_t N>
+    OptionItem(char16_t (&buffer)[N]) = delete;
+    OptionItem(const QString &text) = delete; ///< say what it is: ofData() or a literal
+    explicit OptionItem(Literal text)
+        : m_before(text.text())
+    {
+    }
 
-    /// A string made of raw shell text around one span of data, shown with the given quoting.
-    static OptionItem withData(const QString &before, const QString &data, Quoting quoting,
-                               const QString &after = {});
+    /// A string that is nothing but data.
+    static OptionItem ofData(const QString &data, Quoting quoting = Quoting::None);
+    static OptionItem ofNumber(qint64 number);
+
+    /// The same item with more raw text at its end.
+    OptionItem with(Literal text) const { return withRaw(text.text()); }
+    OptionItem with(qint64 number) const { return withRaw(QString::number(number)); }
+    /// The same item with its one span of data behind the raw text.
+    OptionItem withData(const QString &data, Quoting quoting = Quoting::None) const;
+    /// The same with a title or another free text of a file as its data: it may be cut where it is too
+    /// long for a command line, which a name never is.
+    OptionItem withTitle(const QString &title, Quoting quoting = Quoting::None) const;
+    /// The same item with a text of ours at the end of its data.
+    OptionItem withMoreData(Literal text) const;
+    /// The same item with a text of ours in place of another one, in its data too.
+    OptionItem withReplaced(Literal from, Literal to) const;
 
     bool isFile() const { return m_isFile; }
     QUrl url() const { return m_file; }
@@ -42,19 +68,24 @@ public:
     QString shown() const;
     /// The item on the shell line that runs: the same, with data the shell can't read as syntax.
     QString safe() const;
-    /// The same item with another text before its data (or as its whole text).
-    OptionItem withBefore(const QString &before) const;
-    QString before() const { return m_before; }
+    /// The same item with its title cut to so many bytes of UTF-8, at a whole character.
+    OptionItem withTitleCutTo(qsizetype bytes) const;
+    /// A string cut at the blanks of its raw text; its data never parts. A file location stays whole.
+    QList<OptionItem> words() const;
 
     bool operator==(const OptionItem &other) const;
 
 private:
+    OptionItem() = default;
+    OptionItem withRaw(const QString &text) const;
+
     QString m_before;
     QString m_data;
     QString m_after;
     QUrl m_file;
     Quoting m_quoting = Quoting::None;
     bool m_hasData = false;
+    bool m_isTitle = false;
     bool m_isFile = false;
 };
 
@@ -64,6 +95,9 @@ using OptionList = QList<OptionItem>;
 QStringList argumentsOf(const OptionList &options);
 /// Each item's text().
 QStringList textsOf(const OptionList &options);
+
+/// The list with its titles cut, where they would make it longer than a system lets a command line be.
+OptionList withTitlesThatFit(const OptionList &options);
 
 /// The text in double quotes, with each double quote and "$" escaped; backslashes and back-quotes are
 /// left as they are. An absent text counts as the empty text.

@@ -103,9 +103,9 @@ ShellLine toolLine(const QUrl &tool, const OptionList &options, const ToolPlaces
                 safeOptions(options, kind)};
 }
 
-ShellLine commandLine(const QString &command, const OptionList &options, ShellKind kind)
+ShellLine commandLine(Literal command, const OptionList &options, ShellKind kind)
 {
-    return {command + shownOptions(options), command + safeOptions(options, kind)};
+    return {command.text() + shownOptions(options), command.text() + safeOptions(options, kind)};
 }
 
 } // namespace tools

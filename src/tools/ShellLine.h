@@ -20,6 +20,6 @@ enum class ShellKind { KnowsAmpersandRedirect, PlainBourne };
 /// The line for a tool: the environment exports of its family, its quoted path, and the options.
 ShellLine toolLine(const QUrl &tool, const OptionList &options, const ToolPlaces &places, ShellKind kind);
 /// The line for a command: the command text, then the options.
-ShellLine commandLine(const QString &command, const OptionList &options, ShellKind kind);
+ShellLine commandLine(Literal command, const OptionList &options, ShellKind kind);
 
 } // namespace tools

@@ -36,17 +36,18 @@ private:
         const char *pattern;
     };
 
-    /// The fields with a type. A level can be negative: "-99" where it isn't known.
+    /// The fields with a type. A level can be negative: "-99" where it isn't known. An index that is none is
+    /// read as an empty one, so that its stream stands in no place.
     static constexpr Form forms[] = {
-        {"index", "[0-9]{1,9}"},
+        {"index", "[0-9]{0,9}"},
         {"width", "[0-9]{1,9}"},
         {"height", "[0-9]{1,9}"},
         {"channels", "[0-9]{1,9}"},
         {"bit_rate", "[0-9]{1,18}"},
         {"level", "-?[0-9]{1,9}"},
-        {"codec_type", "video|audio|subtitle|data|attachment"},
-        {"codec_name", "[A-Za-z0-9_.-]{1,64}"},
-        {"profile", "[A-Za-z0-9 _.:()/+-]{1,64}"},
+        {"codec_type", "video|audio|subtitle|data|attachment|unknown|nb"},
+        {"codec_name", "[A-Za-z0-9 _./+-]{0,64}"},
+        {"profile", "[A-Za-z0-9 _.:()/+-]{0,64}"},
         {"avg_frame_rate", "[0-9]{1,12}/[0-9]{1,12}"},
     };
 
@@ -60,7 +61,7 @@ private:
             if (!has(form, value))
                 return field + QStringLiteral(" is \"%1\"").arg(value);
             const QString first = printed.value(field).toString();
-            if (value != first && has(form, first))
+            if (value != first && printed.contains(field) && has(form, first))
                 return field + QStringLiteral(" is not its first value");
         }
         return {};

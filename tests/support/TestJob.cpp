@@ -16,7 +16,7 @@ tools::ToolProcessPointer TestConverter::run(const QUrl &tool)
 
 QString TestConverter::runInBackground(const QUrl &tool)
 {
-    setDoShell_ID(startInBackground(tool, {outputFileURL(), u"&>"_s, logFileURL(), u"& echo $!"_s}));
+    setDoShell_ID(startInBackground(tool, {outputFileURL(), u"&>", logFileURL(), u"& echo $!"}));
     return doShell_ID();
 }
 

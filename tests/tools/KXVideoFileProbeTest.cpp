@@ -326,7 +326,7 @@ private Q_SLOTS:
         QCOMPARE(probeCopyOf(support::latin1Avi(), u"old.avi"_s), u"OK"_s);
         QCOMPARE(valuesOf(*m_file, "trackCodec"), words(u"mpeg4 mp3"_s));
         const QString everything = m_file->doShellScriptForWithOptions(
-            m_file->urlOfApp(u"ffprobe"_s), {u"-i"_s, m_scratch->url(u"old.avi"_s), u"2>&1"_s});
+            m_file->urlOfApp(u"ffprobe"_s), {u"-i", m_scratch->url(u"old.avi"_s), u"2>&1"});
         QVERIFY(everything.isNull());
     }
 

@@ -203,7 +203,10 @@ step::Outcome KXConverter::outcomeOfTool() const
         if (media::isMatroskaWithoutPackets(file))
             return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
     }
-    return ended;
+    if (!m_cutsTitles)
+        return ended;
+    return ended.joinedWith(
+        step::Outcome::warnings(u"A title is too long for the tools and was cut in the output."_s));
 }
 
 step::Outcome KXConverter::outcomeOfProcess() const

@@ -154,6 +154,7 @@ private:
     QString withoutNames(QString log) const;
     step::Launch launchOf(const QUrl &tool, const tools::OptionList &meant,
                           const tools::OptionList &launched) const;
+    tools::OptionList fittingLaunchForm(const tools::OptionList &meant);
     void watch(const tools::ToolProcessPointer &task);
     void endOfStream(tools::ToolProcess::Channel channel);
     void appendToLog(const QByteArray &bytes);
@@ -171,6 +172,7 @@ private:
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
+    bool m_cutsTitles = false; ///< what is launched tells less than what is meant
     bool m_logIsBegun = false;
     QList<step::ReadEvent> m_held;
     QMetaObject::Connection m_answered;

@@ -31,6 +31,14 @@ step::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &me
     return launch;
 }
 
+tools::OptionList KXConverter::fittingLaunchForm(const tools::OptionList &meant)
+{
+    const tools::OptionList launched = launchForm(meant);
+    const tools::OptionList fitting = tools::withTitlesThatFit(launched);
+    m_cutsTitles = m_cutsTitles || fitting != launched;
+    return fitting;
+}
+
 /// Null, or why the tool must not be started.
 QString KXConverter::makeWay()
 {
@@ -54,7 +62,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
         m_context.guard.files().remove(logFileURL()); // that of the run before
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
-    const tools::OptionList launched = launchForm(options);
+    const tools::OptionList launched = fittingLaunchForm(options);
     request.arguments = tools::argumentsOf(launched);
     request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
     request.workingFolder = appPreferences().workingFolder();
@@ -164,7 +172,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
         m_refusal = m_context.launcher.makeLog(m_context.guard, logFileURL());
     if (!m_refusal.isNull())
         return {};
-    const tools::OptionList launched = launchForm(options);
+    const tools::OptionList launched = fittingLaunchForm(options);
     tools::ShellLine line = tools::toolLine(tool, options, appPreferences(), tools::shellKind());
     line.launched = tools::toolLine(tool, launched, appPreferences(), tools::shellKind()).launched;
     const QString pid = m_context.launcher.startShellLine(
@@ -182,22 +190,22 @@ bool KXConverter::stringFoundInLog(const QString &text) const
 {
     if (!fileExistsAtURL(logFileURL()))
         return false; // else the shell's complaint would be searched
-    const tools::OptionItem pattern = tools::OptionItem::withData(u"| grep "_s, text, tools::Quoting::Single);
+    const tools::OptionItem pattern = tools::OptionItem(u"| grep ").withData(text, tools::Quoting::Single);
     const QString found =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -20"_s, pattern});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -20", pattern});
     return found.contains(text);
 }
 
 QString KXConverter::lastTimeInLog() const
 {
     const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s, u"| grep time="_s});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
     return step::isStatusLine(line) ? step::timeInStatusLine(line) : QString();
 }
 
 QString KXConverter::lastLogLine() const
 {
-    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s, {logFileURL(), u"| tail -1"_s});
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1"});
 }
 
 QString KXConverter::pollPercentage() const
@@ -269,10 +277,9 @@ void KXConverter::findDurationInSeconds()
 {
     auto answer = durations().answerFor(inputFileURL());
     if (!answer) {
-        answer =
-            media::isRegularFile(inputFileURL())
-                ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i"_s, inputFileURL(), u"2>&1"_s})
-                : QString();
+        answer = media::isRegularFile(inputFileURL())
+                     ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i", inputFileURL(), u"2>&1"})
+                     : QString();
         durations().keep(inputFileURL(), *answer);
     }
     takeDuration(*answer);

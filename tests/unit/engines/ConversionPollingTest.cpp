@@ -58,8 +58,8 @@ public:
     {
         const auto converter = std::make_shared<Answering>(world.converterContext(guard), answers);
         converter->setConverterSelection(job->jobSelection());
-        converter->setOptionArray1({u"first"_s});
-        converter->setOptionArray2({u"second"_s});
+        converter->setOptionArray1({u"first"});
+        converter->setOptionArray2({u"second"});
         converter->setOutputFileURL(url(u"a.m4v"_s));
         converter->setLogFileURL(url(u"a.log"_s));
         return converter;

@@ -257,7 +257,7 @@ private Q_SLOTS:
         QFETCH(bool, scales);
         const auto selection = handMadeSelection(u"General"_s, {videoTrack()});
         selection->setUserWidth(wanted);
-        QCOMPARE(scaleFilter(*selection).isNull(), !scales);
+        QCOMPARE(scaleFilter(*selection).isEmpty(), !scales);
         QCOMPARE(first(selection).contains(u"-vf"_s), scales);
     }
 

@@ -94,7 +94,7 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, arguments);
         const auto selection = support::handMadeSelection(device, {});
-        QCOMPARE(applyDeviceRule(*selection), support::words(arguments));
+        QCOMPARE(tools::textsOf(applyDeviceRule(*selection)), support::words(arguments));
     }
 
     void bitRatesAreCapped_data()

@@ -10,6 +10,7 @@
 using namespace Qt::StringLiterals;
 using namespace engines;
 using namespace support;
+using tools::OptionItem;
 using tools::OptionList;
 
 namespace {
@@ -34,7 +35,7 @@ OptionList listOf(const QString &line)
         if (word.startsWith(u'/'))
             list << QUrl::fromLocalFile(word);
         else
-            list << word;
+            list << OptionItem::ofData(word);
     }
     return list;
 }
@@ -230,11 +231,9 @@ private Q_SLOTS:
     /// Files are no options, whatever they are called.
     void filesAreNoInputsOrPasses()
     {
-        OptionList list{u"-i"_s,           QUrl::fromLocalFile(u"-pass"_s),
-                        u"-pass"_s,        u"1"_s,
-                        u"-map"_s,         u"0:0"_s,
-                        u"-passlogfile"_s, u"P"_s,
-                        u"-y"_s,           QUrl::fromLocalFile(u"-i"_s)};
+        OptionList list{
+            u"-i", QUrl::fromLocalFile(u"-pass"_s), u"-pass", u"1", u"-map", u"0:0", u"-passlogfile", u"P",
+            u"-y", QUrl::fromLocalFile(u"-i"_s)};
         compareUnchanged(list, factsFor());
     }
 
@@ -329,8 +328,8 @@ private Q_SLOTS:
         LaunchFacts facts = factsFor();
         facts.sourceWidth = 321;
         facts.isShellLine = true;
-        const OptionList meant{u"-i"_s, QUrl::fromLocalFile(u"/v/a"_s), u"-vcodec libx264"_s, u"-b:v 9k"_s,
-                               u"-y"_s, QUrl::fromLocalFile(u"/o"_s)};
+        const OptionList meant{u"-i", QUrl::fromLocalFile(u"/v/a"_s), u"-vcodec libx264", u"-b:v 9k",
+                               u"-y", QUrl::fromLocalFile(u"/o"_s)};
         QCOMPARE(tools::textsOf(ffmpegLaunchForm(meant, facts).list).join(u'|'),
                  u"-i|/v/a|-vcodec libx264|-vf|'scale=trunc(iw/2)*2:trunc(ih/2)*2'|-b:v 9k|-y|/o"_s);
     }
@@ -488,10 +487,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isAdded");
         QTest::addColumn<bool>("hasCompany");
         QTest::addColumn<QString>("mapped");
-        QTest::addColumn<QString>("picked");
-        QTest::newRow("added, beside others") << true << true << u"1"_s << u"2"_s;
-        QTest::newRow("added, alone") << true << false << u"1"_s << QString();
-        QTest::newRow("of the source") << false << true << u"0:2"_s << QString();
+        QTest::addColumn<int>("picked"); // -1: none
+        QTest::newRow("added, beside others") << true << true << u"1"_s << 2;
+        QTest::newRow("added, alone") << true << false << u"1"_s << -1;
+        QTest::newRow("of the source") << false << true << u"0:2"_s << -1;
     }
 
     void onlyAddedTracksWithCompanyArePicked()
@@ -499,7 +498,7 @@ private Q_SLOTS:
         QFETCH(bool, isAdded);
         QFETCH(bool, hasCompany);
         QFETCH(QString, mapped);
-        QFETCH(QString, picked);
+        QFETCH(int, picked);
         const auto text = subtitleTrack(u"2"_s, u"srt"_s);
         if (isAdded)
             external(text, u"/s/b.mks"_s);
@@ -508,15 +507,15 @@ private Q_SLOTS:
         const auto facts =
             launchFactsOf(*handMadeSelection(u"MKV"_s, {videoTrack(), text}), OutputKind::Tessaray);
         QVERIFY(facts.streams.contains(mapped));
-        QCOMPARE(facts.streams.value(mapped).picked, picked);
+        QCOMPARE(facts.streams.value(mapped).picked.value_or(-1), picked);
     }
 
     void aPickedTrackIsMappedAlone()
     {
         LaunchFacts facts = factsFor();
         facts.streams.insert(u"0:1"_s, stream(u"aac"_s));
-        facts.streams.insert(u"1"_s, {u"mp3"_s, u"mp3"_s, {}, u"0"_s});
-        facts.streams.insert(u"2"_s, {u"srt"_s, u"subrip"_s, {}, u"3"_s});
+        facts.streams.insert(u"1"_s, {u"mp3"_s, u"mp3"_s, {}, 0});
+        facts.streams.insert(u"2"_s, {u"srt"_s, u"subrip"_s, {}, 3});
         facts.streams.insert(u"3"_s, stream(u"srt"_s));
         const QString line = u"-i /v/a -i /s/b -map 0:1 -codec:a:0 copy -map %1 -codec:a:1 copy "
                              "-map %2 -codec:s:0 mov_text -map 3 -codec:s:1 mov_text -level 1 -y /o"_s;
@@ -527,15 +526,15 @@ private Q_SLOTS:
     void aPickedTrackIsLeftOutLikeAnyOther()
     {
         LaunchFacts facts = factsFor();
-        facts.streams.insert(u"1"_s, {u"teletext"_s, u"hdmv_pgs_subtitle"_s, u"subtitle b.mks"_s, u"0"_s});
-        facts.streams.insert(u"2"_s, {u"mp3"_s, u"mp3"_s, {}, u"1"_s});
+        facts.streams.insert(u"1"_s, {u"teletext"_s, u"hdmv_pgs_subtitle"_s, u"subtitle b.mks"_s, 0});
+        facts.streams.insert(u"2"_s, {u"mp3"_s, u"mp3"_s, {}, 1});
         facts.isSecondPass = true;
         QCOMPARE(launched(u"-i /v/a -map 2 -codec:a:0 copy -map 1 -codec:s:0 mov_text -passlogfile P "
                           "-y /o/a.m4v"_s,
                           facts),
                  u"-i /v/a -map 2:1 -codec:a:0 copy -passlogfile P -f mp4 -y /o/a.m4v"_s);
         facts.kind = OutputKind::Tessaray;
-        facts.streams.insert(u"1"_s, {u"ttxt"_s, u"mov_text"_s, {}, u"4"_s});
+        facts.streams.insert(u"1"_s, {u"ttxt"_s, u"mov_text"_s, {}, 4});
         QCOMPARE(launched(u"-i /v/a -map 1 -codec:s:0 copy -y /o"_s, facts),
                  u"-i /v/a -map 1:4 -codec:s:0 srt -y /o"_s);
     }

@@ -246,11 +246,11 @@ private Q_SLOTS:
     /// Files are no options, whatever they are called.
     void optionsAreNeverFoundInFileNames()
     {
-        tools::OptionList list{u"-i"_s,        QUrl::fromLocalFile(u"-map"_s),
-                               u"-i"_s,        QUrl::fromLocalFile(u"-vf"_s),
-                               u"-metadata"_s, u"title=-map -vf"_s,
-                               u"-map"_s,      u"0:0"_s,
-                               u"-vcodec"_s,   u"libx264"_s};
+        tools::OptionList list{u"-i",        QUrl::fromLocalFile(u"-map"_s),
+                               u"-i",        QUrl::fromLocalFile(u"-vf"_s),
+                               u"-metadata", u"title=-map -vf",
+                               u"-map",      u"0:0",
+                               u"-vcodec",   u"libx264"};
         const auto selection = handMadeSelection(u"General"_s, {videoTrack(), picture(u"3"_s)});
         auto drawn = list;
         burnSubtitle(drawn, *selection, QUrl::fromLocalFile(u"/s/b.srt"_s));
@@ -289,10 +289,10 @@ private Q_SLOTS:
                                external(subtitleTrack(u"0"_s, u"srt"_s), u"/s/2.srt"_s)};
         QCOMPARE(externalFiles(tracks),
                  QList<QUrl>({QUrl::fromLocalFile(u"/s/1.srt"_s), QUrl::fromLocalFile(u"/s/2.srt"_s)}));
-        QCOMPARE(mapArgument(*tracks.at(1), tracks, 0), u"1"_s);
-        QCOMPARE(mapArgument(*tracks.at(3), tracks, 0), u"2"_s);
-        QCOMPARE(mapArgument(*tracks.at(2), tracks, 0), u"0:3"_s);
-        QCOMPARE(mapArgument(*tracks.at(2), tracks, 1), u"1:3"_s);
+        QCOMPARE(mapArgument(*tracks.at(1), tracks, 0).text(), u"1"_s);
+        QCOMPARE(mapArgument(*tracks.at(3), tracks, 0).text(), u"2"_s);
+        QCOMPARE(mapArgument(*tracks.at(2), tracks, 0).text(), u"0:3"_s);
+        QCOMPARE(mapArgument(*tracks.at(2), tracks, 1).text(), u"1:3"_s);
     }
 };
 

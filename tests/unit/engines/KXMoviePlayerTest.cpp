@@ -17,8 +17,8 @@ using tools::OptionList;
 namespace {
 
 const QString film = u"/v/a.mkv"_s;
-const QString inBackground = u"&> /dev/null & echo $!"_s;
-const QString drawing = u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00"_s;
+const OptionItem inBackground = u"&> /dev/null & echo $!";
+const OptionItem drawing = u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00";
 
 QUrl file(const QString &path)
 {
@@ -56,18 +56,17 @@ private Q_SLOTS:
 
     void videoAudioAndAnExternalSubtitle()
     {
-        QCOMPARE(
-            options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s),
-                     track(u"Subtitle"_s, u"0"_s, u"/v/words.srt"_s)},
-                    u"1"_s),
-            OptionList({file(film), u"-vid 0"_s, u"-aid 1"_s, u"-sub"_s, file(u"/v/words.srt"_s), u"-font"_s,
-                        file(u"/Library/Fonts/Arial Unicode.ttf"_s), drawing, inBackground}));
+        QCOMPARE(options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s),
+                          track(u"Subtitle"_s, u"0"_s, u"/v/words.srt"_s)},
+                         u"1"_s),
+                 OptionList({file(film), u"-vid 0", u"-aid 1", u"-sub", file(u"/v/words.srt"_s), u"-font",
+                             file(u"/Library/Fonts/Arial Unicode.ttf"_s), drawing, inBackground}));
     }
 
     void withoutSubtitlesNoFontIsNamed()
     {
         QCOMPARE(options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s)}, u"0"_s),
-                 OptionList({file(film), u"-vid 0"_s, u"-aid 1"_s, inBackground}));
+                 OptionList({file(film), u"-vid 0", u"-aid 1", inBackground}));
     }
 
     void oneTrack_data()
@@ -75,23 +74,23 @@ private Q_SLOTS:
         QTest::addColumn<TrackPointer>("made");
         QTest::addColumn<OptionList>("expected");
         const QString other = u"/v/other.mka"_s;
-        QTest::newRow("video") << track(u"Video"_s, u"2"_s) << OptionList{u"-vid 2"_s};
-        QTest::newRow("video of another file") << track(u"Video"_s, u"2"_s, other) << OptionList{u"-vid 2"_s};
-        QTest::newRow("audio of the film") << track(u"Audio"_s, u"3"_s) << OptionList{u"-aid 3"_s};
+        QTest::newRow("video") << track(u"Video"_s, u"2"_s) << OptionList{u"-vid 2"};
+        QTest::newRow("video of another file") << track(u"Video"_s, u"2"_s, other) << OptionList{u"-vid 2"};
+        QTest::newRow("audio of the film") << track(u"Audio"_s, u"3"_s) << OptionList{u"-aid 3"};
         QTest::newRow("audio of another file")
-            << track(u"Audio"_s, u"3"_s, other) << OptionList{u"-audiofile"_s, file(other)};
-        QTest::newRow("subtitle of the film") << track(u"Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"_s};
+            << track(u"Audio"_s, u"3"_s, other) << OptionList{u"-audiofile", file(other)};
+        QTest::newRow("subtitle of the film") << track(u"Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"};
         QTest::newRow("subtitle of another file")
-            << track(u"Subtitle"_s, u"4"_s, other) << OptionList{u"-sub"_s, file(other)};
+            << track(u"Subtitle"_s, u"4"_s, other) << OptionList{u"-sub", file(other)};
         QTest::newRow("external subtitle of the film")
-            << track(u"External Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"_s};
+            << track(u"External Subtitle"_s, u"4"_s) << OptionList{u"-sid 4"};
         QTest::newRow("external subtitle of another file")
-            << track(u"External Subtitle"_s, u"4"_s, other) << OptionList{u"-sub"_s, file(other)};
+            << track(u"External Subtitle"_s, u"4"_s, other) << OptionList{u"-sub", file(other)};
         QTest::newRow("any other type") << track(u"Attachment"_s, u"5"_s) << OptionList{};
         QTest::newRow("types are compared exactly") << track(u"audio"_s, u"5"_s) << OptionList{};
         QTest::newRow("a number with words behind it")
-            << track(u"Audio"_s, u"12abc"_s) << OptionList{u"-aid 12"_s};
-        QTest::newRow("no number") << track(u"Video"_s, {}) << OptionList{u"-vid 0"_s};
+            << track(u"Audio"_s, u"12abc"_s) << OptionList{u"-aid 12"};
+        QTest::newRow("no number") << track(u"Video"_s, {}) << OptionList{u"-vid 0"};
     }
 
     void oneTrack()
@@ -104,19 +103,19 @@ private Q_SLOTS:
     /// Of several options of a kind the player takes the last: that is left to it.
     void everyTrackAddsItsOwnOptionInOrder()
     {
-        QCOMPARE(options({track(u"Subtitle"_s, u"1"_s), track(u"Audio"_s, u"1"_s), track(u"Video"_s, u"0"_s),
-                          track(u"Audio"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s)},
-                         u"0"_s),
-                 OptionList({file(film), u"-sid 1"_s, u"-aid 1"_s, u"-vid 0"_s, u"-aid 0"_s, u"-sid 0"_s,
-                             inBackground}));
+        QCOMPARE(
+            options({track(u"Subtitle"_s, u"1"_s), track(u"Audio"_s, u"1"_s), track(u"Video"_s, u"0"_s),
+                     track(u"Audio"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s)},
+                    u"0"_s),
+            OptionList({file(film), u"-sid 1", u"-aid 1", u"-vid 0", u"-aid 0", u"-sid 0", inBackground}));
     }
 
     /// The font goes by the selection's count, not by its tracks; that is meant.
     void theCountOfSubtitlesDecidesAboutTheFont()
     {
-        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, u"0"_s).contains(OptionItem(u"-font"_s)));
-        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, {}).contains(OptionItem(u"-font"_s)));
-        QVERIFY(options({}, u"2"_s).contains(OptionItem(u"-font"_s)));
+        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, u"0"_s).contains(OptionItem(u"-font")));
+        QVERIFY(!options({track(u"Subtitle"_s, u"0"_s)}, {}).contains(OptionItem(u"-font")));
+        QVERIFY(options({}, u"2"_s).contains(OptionItem(u"-font")));
     }
 
     void commasInASubtitlesPathAreEscapedWhenItRuns()
@@ -124,10 +123,10 @@ private Q_SLOTS:
         const OptionList meant =
             options({track(u"Subtitle"_s, u"0"_s, u"/v,w/a,b\\,c.srt"_s), track(u"Video"_s, u"0"_s)}, u"0"_s);
         QCOMPARE(meant,
-                 OptionList({file(film), u"-sub"_s, file(u"/v,w/a,b\\,c.srt"_s), u"-vid 0"_s, inBackground}));
-        QCOMPARE(m_player->launchForm(meant),
-                 OptionList(
-                     {file(film), u"-sub"_s, file(u"/v\\,w/a\\,b\\\\,c.srt"_s), u"-vid 0"_s, inBackground}));
+                 OptionList({file(film), u"-sub", file(u"/v,w/a,b\\,c.srt"_s), u"-vid 0", inBackground}));
+        QCOMPARE(
+            m_player->launchForm(meant),
+            OptionList({file(film), u"-sub", file(u"/v\\,w/a\\,b\\\\,c.srt"_s), u"-vid 0", inBackground}));
     }
 
     void otherPathsRunAsTheyAreMeant()
@@ -136,8 +135,8 @@ private Q_SLOTS:
         const auto selection = m_world->selectionFor(comma);
         selection->setTrackList(
             {track(u"Audio"_s, u"0"_s, u"/v/c,d.mka"_s), track(u"Subtitle"_s, u"0"_s, u"/v/e.srt"_s)});
-        const OptionList expected{file(comma), u"-audiofile"_s,     file(u"/v/c,d.mka"_s),
-                                  u"-sub"_s,   file(u"/v/e.srt"_s), inBackground};
+        const OptionList expected{file(comma), u"-audiofile",       file(u"/v/c,d.mka"_s),
+                                  u"-sub",     file(u"/v/e.srt"_s), inBackground};
         QCOMPARE(m_player->playerOptions(*selection), expected);
         QCOMPARE(m_player->launchForm(expected), expected);
     }

@@ -172,18 +172,20 @@ private Q_SLOTS:
         const TrackPointer audio = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
         const TrackPointer added = muxed(
             support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"2"_s);
-        const OptionList meant = engines::muxShellItems({video, audio, added}, output, logFile);
+        const TrackList tracks{video, audio, added};
         const QString json =
             u"{\"tracks\": [{\"id\": 0, \"type\": \"video\"}, {\"id\": 1, \"type\": \"audio\"}]}"_s;
         const engines::TrackNumbers numbers = engines::trackNumbersIn(json, {video, audio});
-        QCOMPARE(numbers, engines::TrackNumbers({{u"2"_s, u"1"_s}}));
-        const QString list = shown(engines::withTrackNumbers(meant, {{u"/v/a.mkv"_s, numbers}}));
+        QCOMPARE(numbers, engines::TrackNumbers({{2, 1}}));
+        const QString list =
+            shown(engines::muxShellItems(tracks, output, logFile, {{u"/v/a.mkv"_s, numbers}}));
         QVERIFY2(list.contains(u"--language 1:eng|--track-name 1:''|--default-track 1:0|--forced-track 1:0|"
                                "--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'"_s),
                  qPrintable(list));
         QVERIFY2(list.contains(u"--language 2:eng"_s) && list.contains(u"-D|-a 2|-S|'/v/b.ac3'"_s),
                  qPrintable(list));
-        QCOMPARE(engines::withTrackNumbers(meant, {}), meant);
+        QVERIFY(
+            shown(engines::muxShellItems(tracks, output, logFile)).contains(u"-d 0|-a 2|-S|'/v/a.mkv'"_s));
     }
 
     void aKindThatIsCountedOtherwiseTellsNothing()

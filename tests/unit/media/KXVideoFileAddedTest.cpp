@@ -67,8 +67,8 @@ private Q_SLOTS:
         row("audio and a stream without a type", {aac, {"index=1", "codec_name=h264"}}, add, {}, u"OK"_s);
         row("audio and an empty type", {aac, {"index=1", "codec_type=", "codec_name=h264"}}, add, {},
             u"OK"_s);
-        row("types are told in small letters", {{"codec_type=Video", "codec_name=h264"}, srt}, add, {},
-            u"OK"_s);
+        row("types are told in small letters", {{"index=0", "codec_type=Video", "codec_name=h264"}, srt}, add,
+            {}, u"OK"_s);
 
         row("audio and a subtitle", {aac, srt}, replace, {}, many);
         row("a subtitle and audio", {srt, aac}, replace, {}, many);

@@ -586,7 +586,7 @@ private Q_SLOTS:
     {
         Probe probe(probeJson({aac}));
         QCOMPARE(probe.run(), u"OK"_s);
-        const QVariantMap stream{{u"index"_s, u"1"_s},
+        const QVariantMap stream{{u"index"_s, u"0"_s},
                                  {u"codec_type"_s, u"audio"_s},
                                  {u"codec_name"_s, u"aac"_s},
                                  {u"bit_rate"_s, u"128000"_s}};

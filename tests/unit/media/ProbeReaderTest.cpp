@@ -143,6 +143,94 @@ private Q_SLOTS:
         QCOMPARE(media::textIn(streams.constFirst(), u"language"_s), u"eng"_s);
     }
 
+    void strayTagsReplaceNothingOfTheStream()
+    {
+        const auto streams = media::streamsIn(
+            listOf(u"{\n\"index\": 0,\n\"width\": 320,\n\"disposition\": {\n\"forced\": 0\n},\n"
+                   "\"tags\": {\n\"aaa\": \"}\",\n\"index\": \"2;touch X\",\n\"width\": \"640\",\n"
+                   "\"disposition\": \"{\",\n\"forced\": \"1\"\n}\n}"_s));
+        QCOMPARE(streams.size(), 1);
+        QCOMPARE(media::textIn(streams.constFirst(), u"index"_s), u"0"_s);
+        QCOMPARE(media::textIn(streams.constFirst(), u"width"_s), u"320"_s);
+        QCOMPARE(streams.constFirst().value(u"disposition"_s).toMap().value(u"forced"_s), u"0"_s);
+    }
+
+    void fieldsHaveTheFormsThatTheyCanHave_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QStringList>("good");
+        QTest::addColumn<QStringList>("bad");
+        const QStringList shell{u"1;touch X"_s, u"$(id)"_s, u"1 2"_s,  u""_s,
+                                u"-1"_s,        u"1.5"_s,   u"0x10"_s, u"٣"_s};
+        QTest::newRow("width") << u"width"_s << QStringList{u"0"_s, u"65535"_s}
+                               << shell + QStringList{u"1234567"_s};
+        QTest::newRow("height") << u"height"_s << QStringList{u"1080"_s} << shell;
+        QTest::newRow("channels") << u"channels"_s << QStringList{u"0"_s, u"8"_s, u"64"_s} << shell;
+        QTest::newRow("bit_rate") << u"bit_rate"_s << QStringList{u"192000"_s, u"999999999999"_s}
+                                  << shell + QStringList{u"N/A"_s, u"1000000000000"_s};
+        QTest::newRow("level") << u"level"_s << QStringList{u"41"_s, u"-99"_s, u"5"_s}
+                               << QStringList{u"--1"_s, u"4.1"_s, u"high"_s, u"-"_s, u""_s};
+        QTest::newRow("avg_frame_rate")
+            << u"avg_frame_rate"_s << QStringList{u"25/1"_s, u"0/0"_s, u"24000/1001"_s}
+            << QStringList{u"25"_s, u"25/1/1"_s, u"/1"_s, u"1/"_s, u"a/b"_s};
+        QTest::newRow("codec_type") << u"codec_type"_s
+                                    << QStringList{u"video"_s, u"audio"_s, u"subtitle"_s, u"data"_s,
+                                                   u"attachment"_s}
+                                    << QStringList{u"Video"_s, u"video;"_s, u""_s};
+        QTest::newRow("codec_name") << u"codec_name"_s
+                                    << QStringList{u"h264"_s, u"hdmv_pgs_subtitle"_s, u"MPEG-1/2 L3"_s, u""_s}
+                                    << QStringList{u"h264;id"_s, u"`id`"_s, u"a'b"_s, u"ü"_s,
+                                                   QString(65, u'a')};
+        QTest::newRow("profile") << u"profile"_s
+                                 << QStringList{u"High"_s, u"High 4:4:4 Predictive"_s, u"DTS-HD MA"_s,
+                                                u"HE-AACv2"_s}
+                                 << QStringList{u"High;id"_s, u"$x"_s, u"a\\nb"_s};
+        QTest::newRow("any other") << u"codec_long_name"_s << QStringList{u"$(id); x"_s} << QStringList{};
+    }
+
+    void fieldsHaveTheFormsThatTheyCanHave()
+    {
+        QFETCH(QString, key);
+        QFETCH(QStringList, good);
+        QFETCH(QStringList, bad);
+        const auto read = [&](const QString &value) {
+            const QString stream = u"{\n\"index\": 0,\n\"%1\": \"%2\"\n}"_s.arg(key, value);
+            return media::textIn(media::streamsIn(listOf(stream)).constFirst(), key);
+        };
+        for (const QString &value : good)
+            QCOMPARE(read(value), value);
+        for (const QString &value : bad)
+            QVERIFY2(read(value).isNull(), qPrintable(value));
+    }
+
+    void streamsStandInTheirPlaces_data()
+    {
+        QTest::addColumn<QString>("streams");
+        QTest::addColumn<bool>("stand");
+        const auto stream = [](const QString &index) {
+            return u"{\n\"index\": %1,\n\"codec_type\": \"audio\"\n}\n"_s.arg(index);
+        };
+        QTest::newRow("none") << u""_s << true;
+        QTest::newRow("in order") << stream(u"0"_s) + stream(u"1"_s) << true;
+        QTest::newRow("side data is no stream")
+            << u"{\n\"index\": 0,\n\"side_data_list\": [\n{\n\"rotation\": -90\n}\n]\n}\n"_s + stream(u"1"_s)
+            << true;
+        QTest::newRow("no index at all") << u"{\n\"codec_type\": \"audio\"\n}\n"_s + stream(u"1"_s) << true;
+        QTest::newRow("another one's") << stream(u"1"_s) << false;
+        QTest::newRow("twice") << stream(u"0"_s) + stream(u"0"_s) << false;
+        QTest::newRow("no number") << stream(u"\"0;id\""_s) << false;
+        QTest::newRow("a number with a sign") << stream(u"\"+0\""_s) << false;
+        QTest::newRow("a number with a zero in front") << stream(u"0"_s) + stream(u"01"_s) << false;
+        QTest::newRow("an empty one") << stream(u"\"\""_s) << false;
+        QTest::newRow("an object") << u"{\n\"index\": {\n}\n}\n"_s << false;
+    }
+
+    void streamsStandInTheirPlaces()
+    {
+        QFETCH(QString, streams);
+        QTEST(media::standInTheirPlaces(media::streamsIn(listOf(streams))), "stand");
+    }
+
     void anOpeningBraceInATitleSwallowsLaterTags()
     {
         const QVariantMap tags = tagsWith(u"\"title\": \"a { b\",\n\"language\": \"eng\""_s);
@@ -156,10 +244,11 @@ private Q_SLOTS:
         QCOMPARE(streams.size(), 2);
     }
 
-    void aLaterValueReplacesAnEarlierOne()
+    void theFirstOwnValueHoldsAndTheLastOfTags()
     {
         const auto streams = media::streamsIn(listOf(u"{\n\"index\": 0,\n\"index\": 1\n}"_s));
-        QCOMPARE(media::textIn(streams.constFirst(), u"index"_s), u"1"_s);
+        QCOMPARE(media::textIn(streams.constFirst(), u"index"_s), u"0"_s);
+        QCOMPARE(tagsWith(u"\"title\": \"a\",\n\"title\": \"b\""_s).value(u"title"_s), u"b"_s);
     }
 
     void dropsTwoLinesAtEachEnd()

@@ -55,7 +55,7 @@ struct Run
     QString start(const QUrl &tool, const tools::OptionList &options = {})
     {
         converter.setDoShell_ID(converter.startInBackground(
-            tool, options + tools::OptionList{u"&>"_s, converter.logFileURL(), u"& echo $!"_s}));
+            tool, options + tools::OptionList{u"&>", converter.logFileURL(), u"& echo $!"}));
         return converter.doShell_ID();
     }
     QString start(const QString &place, const QStringList &script, const tools::OptionList &options = {})
@@ -130,9 +130,9 @@ private Q_SLOTS:
     void launchFormIsWhatRuns()
     {
         Run run;
-        run.converter.added = {u"-fflags"_s, u"genpts"_s};
+        run.converter.added = {u"-fflags", u"genpts"};
         const QString record = run.world.scratch.path(u"record"_s);
-        run.start(u"ffmpeg/ffmpeg"_s, {u"record "_s + record}, {u"-i"_s});
+        run.start(u"ffmpeg/ffmpeg"_s, {u"record "_s + record}, {u"-i"});
         QVERIFY(run.ends());
         const QByteArrayList expected{"-fflags", "genpts", "-i"};
         QCOMPARE(support::FakeTool::recordedRuns(record).first().arguments, expected);
@@ -154,9 +154,9 @@ private Q_SLOTS:
     {
         Run run;
         const QUrl tool = run.world.installTool(u"ffmpeg/ffmpeg"_s);
-        QVERIFY(run.converter.startInBackground(tool, {u"> /no/such/folder/log; false"_s}).isNull());
+        QVERIFY(run.converter.startInBackground(tool, {u"> /no/such/folder/log; false"}).isNull());
         QVERIFY(run.converter.refusal().contains(u"/no/such/folder/log"_s));
-        QVERIFY(run.converter.startInBackground(tool, {u"; echo 12abc"_s}).isNull());
+        QVERIFY(run.converter.startInBackground(tool, {u"; echo 12abc"}).isNull());
         QCOMPARE(run.converter.refusal(), u"12abc"_s);
         QVERIFY(run.converter.startInBackground(tool, {}).isNull());
         QCOMPARE(run.converter.refusal(), u"ffmpeg could not be started."_s);
@@ -169,9 +169,9 @@ private Q_SLOTS:
         step::OutputGuard guard(world.outputs, step::WhenTaken::NextFreeName);
         step::Rehearsal rehearsal;
         OpenConverter converter({world.preferences, world.notifications, rehearsal, guard, {}});
-        converter.added = {u"-y"_s};
+        converter.added = {u"-y"};
         const QUrl tool = world.installTool(u"ffmpeg/ffmpeg"_s, {u"out x"_s});
-        QVERIFY(converter.startInBackground(tool, {u"-i"_s}).isNull());
+        QVERIFY(converter.startInBackground(tool, {u"-i"}).isNull());
         QVERIFY(converter.refusal().isNull());
         const auto &line = rehearsal.entries().first().line;
         QCOMPARE(line.meant, u"\"%1\" -i"_s.arg(tool.toLocalFile()));

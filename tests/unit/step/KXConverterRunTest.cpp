@@ -287,7 +287,7 @@ private Q_SLOTS:
     {
         Run run;
         const QString record = run.world.scratch.path(u"record"_s);
-        const tools::OptionList options{u"a b"_s, u"$HOME"_s, u"';x"_s,
+        const tools::OptionList options{u"a b", u"$HOME", u"';x",
                                         run.world.scratch.url(u"in \"1\".mkv"_s)};
         QVERIFY(run.play(u"tool"_s, {u"record "_s + record}, options));
         const auto runs = support::FakeTool::recordedRuns(record);
@@ -310,7 +310,7 @@ private Q_SLOTS:
         const QString tools = run.world.preferences.toolsLocation().toLocalFile();
         const QString fonts = run.world.preferences.resourcesLocation().toLocalFile() + u"/fonts"_s;
         const QString library = tools + u"/mkvtoolnix/lib"_s;
-        const tools::OptionList burning{u"-vf"_s, u"subtitles=/tmp/x.ass"_s};
+        const tools::OptionList burning{u"-vf", u"subtitles=/tmp/x.ass"};
         const auto one = [](const QString &text) { return QStringList{text}; };
         QCOMPARE(run.environmentOf(u"mkvtoolnix/mkvmerge"_s, u"LANG"_s), one(u"LANG=en_US.UTF-8"_s));
         QCOMPARE(run.environmentOf(u"mkvtoolnix/mkvmerge"_s, u"DYLD_LIBRARY_PATH"_s),
@@ -321,7 +321,7 @@ private Q_SLOTS:
                  one(u"FONTCONFIG_PATH="_s + fonts));
         QCOMPARE(run.environmentOf(u"ffmpeg/ffmpeg"_s, u"FONTCONFIG_FILE"_s, burning),
                  one(u"FONTCONFIG_FILE="_s + fonts + u"/fonts.conf"_s));
-        QCOMPARE(run.environmentOf(u"ffmpeg/ffmpeg"_s, u"FONTCONFIG_PATH"_s, {u"-vf"_s}),
+        QCOMPARE(run.environmentOf(u"ffmpeg/ffmpeg"_s, u"FONTCONFIG_PATH"_s, {u"-vf"}),
                  one(u"FONTCONFIG_PATH unset"_s));
         QCOMPARE(run.environmentOf(u"other"_s, u"FONTCONFIG_PATH"_s, burning),
                  one(u"FONTCONFIG_PATH unset"_s));
@@ -332,7 +332,7 @@ private Q_SLOTS:
     void logHooksTellTheRunExceptOfQuietTools()
     {
         Run run;
-        QVERIFY(run.play(u"ffmpeg/ffmpeg"_s, {}, {u"-i"_s, u"x y"_s}));
+        QVERIFY(run.play(u"ffmpeg/ffmpeg"_s, {}, {u"-i", u"x y"}));
         QCOMPARE(run.converter.logged.value(u"[theTask launchPath]"_s).toString(),
                  run.world.preferences.toolsLocation().toLocalFile() + u"/ffmpeg/ffmpeg"_s);
         QVERIFY(!run.converter.logged.value(u"[theTask environment]"_s).toStringList().isEmpty());

@@ -16,7 +16,7 @@ step::Launch someLaunch(const QString &name)
     launch.stepName = name;
     launch.pass = 2;
     launch.tool = QUrl::fromLocalFile(u"/tools/ffmpeg"_s);
-    launch.meant = {u"-i"_s};
+    launch.meant = {u"-i"};
     return launch;
 }
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
         QVERIFY(!entry.isShellLine);
         QCOMPARE(entry.launch.stepName, u"Converting"_s);
         QCOMPARE(entry.launch.pass, 2);
-        QCOMPARE(entry.launch.meant, tools::OptionList{u"-i"_s});
+        QCOMPARE(entry.launch.meant, tools::OptionList{u"-i"});
         QVERIFY(scratch.names().isEmpty());
     }
 

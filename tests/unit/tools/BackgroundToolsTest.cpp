@@ -37,9 +37,9 @@ public:
 /// Each of a run's commands as one word of data.
 OptionList playing(const QStringList &commands)
 {
-    OptionList options{u"--do"_s};
+    OptionList options{u"--do"};
     for (const QString &command : commands)
-        options.append(OptionItem::withData({}, command, tools::Quoting::Single));
+        options.append(OptionItem::ofData(command, tools::Quoting::Single));
     return options;
 }
 
@@ -71,9 +71,9 @@ private Q_SLOTS:
         const QUrl log = m_scratch.url(u"tool 1.log"_s);
         OptionList options = playing({u"pid "_s + pids, u"out said"_s, u"err cried"_s, u"sleep 1000"_s});
         if (inOnePiece)
-            options.append(u"&> /dev/null & echo $!"_s);
+            options.append(OptionItem(u"&> /dev/null & echo $!"));
         else
-            options.append({u"&>"_s, log, u"& echo $!"_s});
+            options.append({u"&>", log, u"& echo $!"});
         QElapsedTimer clock;
         clock.start();
         const QString pid =
@@ -94,7 +94,7 @@ private Q_SLOTS:
         const QString tool =
             FakeTool::install(m_scratch.path(u"tools/mkvtoolnix/mkvextract"_s), {u"pid "_s + pids});
         const QString pid = m_helpers.doShellScriptForWithOptions(
-            QUrl::fromLocalFile(tool), {u"&>"_s, m_scratch.url(u"mkv.log"_s), u"& echo $!"_s});
+            QUrl::fromLocalFile(tool), {u"&>", m_scratch.url(u"mkv.log"_s), u"& echo $!"});
         QVERIFY(support::waitFor([&] { return !m_scratch.read(u"mkv started"_s).isEmpty(); }));
         QCOMPARE(pid, QString::fromLatin1(m_scratch.read(u"mkv started"_s)).trimmed());
     }
@@ -103,7 +103,7 @@ private Q_SLOTS:
     {
         const QString pids = m_scratch.path(u"bash started"_s);
         OptionList options = playing({u"pid "_s + pids, u"out said"_s, u"err cried"_s, u"sleep 1000"_s});
-        options.append({u"&>"_s, m_scratch.url(u"bash.log"_s), u"& echo $!"_s});
+        options.append({u"&>", m_scratch.url(u"bash.log"_s), u"& echo $!"});
         const auto line = tools::toolLine(QUrl::fromLocalFile(FakeTool::program()), options, m_places,
                                           tools::ShellKind::KnowsAmpersandRedirect);
         QProcess bash;
@@ -236,7 +236,7 @@ private:
     QString startHanging() const
     {
         OptionList options = playing({u"ignore TERM"_s, u"hang"_s});
-        options.append(u"&> /dev/null & echo $!"_s);
+        options.append(OptionItem(u"&> /dev/null & echo $!"));
         return m_helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(FakeTool::program()), options);
     }
 

@@ -25,14 +25,14 @@ constexpr qsizetype textCount = 1000;
 /// Every way a text can stand in a list.
 OptionList optionsWith(const QString &text, const QString &name)
 {
-    return {u"-i"_s,
+    return {u"-i",
             QUrl::fromLocalFile(u"/films/"_s + name),
-            OptionItem::withData(u"title="_s, text, Quoting::None),
-            OptionItem::withData(u"--track-name 0:"_s, text, Quoting::Single),
-            OptionItem::withData({}, text, Quoting::None),
-            OptionItem::withData({}, text, Quoting::Double),
-            OptionItem::withData(u"a"_s, text, Quoting::None, u"z"_s),
-            u"end"_s};
+            OptionItem(u"title=").withData(text, Quoting::None),
+            OptionItem(u"--track-name 0:").withData(text, Quoting::Single),
+            OptionItem::ofData(text, Quoting::None),
+            OptionItem::ofData(text, Quoting::Double),
+            OptionItem(u"a").withData(text, Quoting::None).with(u"z"),
+            u"end"};
 }
 
 QByteArrayList expectedFrom(const QString &text, const QString &name)
@@ -128,7 +128,7 @@ private Q_SLOTS:
             QFile::remove(record());
             const QString tool = FakeTool::install(m_scratch.path(u"bad/"_s + name.left(60) + u"/mplayer"_s));
             const auto line =
-                tools::toolLine(QUrl::fromLocalFile(tool), {u"x"_s}, m_places, tools::shellKind());
+                tools::toolLine(QUrl::fromLocalFile(tool), {u"x"}, m_places, tools::shellKind());
             const QString trouble = troubleWith(u"/bin/sh"_s, line.launched);
             QVERIFY2(trouble.isNull(), qPrintable(line.launched + u'\n' + trouble));
             const auto runs = FakeTool::recordedRuns(record());
@@ -151,7 +151,7 @@ private Q_SLOTS:
             const auto mkvLine = tools::toolLine(QUrl::fromLocalFile(mkv), {}, places, tools::shellKind());
             QVERIFY(troubleWith(u"/bin/sh"_s, mkvLine.launched).isNull());
             const auto burning =
-                tools::toolLine(QUrl::fromLocalFile(ffmpeg), {u"subtitles=a"_s}, places, tools::shellKind());
+                tools::toolLine(QUrl::fromLocalFile(ffmpeg), {u"subtitles=a"}, places, tools::shellKind());
             QVERIFY(troubleWith(u"/bin/sh"_s, burning.launched).isNull());
             QCOMPARE(m_scratch.read(u"seen"_s),
                      (u"LD_LIBRARY_PATH="_s + resources + u"/mkvtoolnix/lib\nFONTCONFIG_FILE="_s + resources +
@@ -167,13 +167,13 @@ private Q_SLOTS:
             const QUrl log = m_scratch.url(u"logs/"_s + name);
             QDir().mkpath(m_scratch.path(u"logs"_s));
             const QString pid = helpers.doShellScriptForWithOptions(
-                m_tool, {u"--do"_s, OptionItem::withData({}, u"out said"_s, Quoting::Single), u"&>"_s, log,
-                         u"& echo $!"_s});
+                m_tool,
+                {u"--do", OptionItem::ofData(u"out said"_s, Quoting::Single), u"&>", log, u"& echo $!"});
             bool isNumber = false;
             QVERIFY2(pid.toLongLong(&isNumber) > 1 && isNumber, qPrintable(name));
             QTRY_VERIFY(!helpers.processIsRunningWithPID(pid));
-            QCOMPARE(helpers.doUnixCommandWithOptions(u"tr '\\r' '\\n' < "_s,
-                                                      {log, u"| tail -20"_s, u"| grep 'said'"_s}),
+            QCOMPARE(helpers.doUnixCommandWithOptions(u"tr '\\r' '\\n' < ",
+                                                      {log, u"| tail -20", u"| grep 'said'"}),
                      u"said"_s);
             QVERIFY(QFile::remove(log.toLocalFile()));
         }

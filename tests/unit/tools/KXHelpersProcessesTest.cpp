@@ -31,9 +31,9 @@ public:
 /// Each of a run's commands as one word of data.
 OptionList playing(const QStringList &commands)
 {
-    OptionList options{u"--do"_s};
+    OptionList options{u"--do"};
     for (const QString &command : commands)
-        options.append(OptionItem::withData({}, command, tools::Quoting::Single));
+        options.append(OptionItem::ofData(command, tools::Quoting::Single));
     return options;
 }
 
@@ -66,8 +66,9 @@ private Q_SLOTS:
         const QString script = answerOf({u"part out "_s + printed});
         QCOMPARE(script, answer);
         QVERIFY(!script.isNull());
-        const QString command = m_helpers.doUnixCommandWithOptions(tools::doubleQuoted(FakeTool::program()),
-                                                                   playing({u"part out "_s + printed}));
+        const QString command =
+            m_helpers.doUnixCommandWithOptions(u"exec", OptionList{QUrl::fromLocalFile(FakeTool::program())} +
+                                                            playing({u"part out "_s + printed}));
         QCOMPARE(command, answer);
         QVERIFY(!command.isNull());
     }
@@ -86,8 +87,8 @@ private Q_SLOTS:
         QFETCH(QString, printed);
         QVERIFY(answerOf({u"part out "_s + printed}).isNull());
         QVERIFY(m_helpers
-                    .doUnixCommandWithOptions(tools::doubleQuoted(FakeTool::program()),
-                                              playing({u"part out "_s + printed}))
+                    .doUnixCommandWithOptions(u"exec", OptionList{QUrl::fromLocalFile(FakeTool::program())} +
+                                                           playing({u"part out "_s + printed}))
                     .isNull());
     }
 
@@ -96,7 +97,7 @@ private Q_SLOTS:
         QCOMPARE(answerOf({u"out fine"_s, u"err broken"_s}), u"fine"_s);
         QCOMPARE(answerOf({u"out fine"_s, u"err broken"_s, u"exit 1"_s}), u"broken"_s);
         QCOMPARE(answerOf({u"out fine"_s, u"exit 1"_s}), u""_s);
-        QCOMPARE(m_helpers.doUnixCommandWithOptions(u"echo fine; echo broken >&2; exit"_s, {u"4"_s}),
+        QCOMPARE(m_helpers.doUnixCommandWithOptions(u"echo fine; echo broken >&2; exit", {u"4"}),
                  u"broken"_s);
     }
 
@@ -112,7 +113,7 @@ private Q_SLOTS:
         const QString tool =
             FakeTool::install(m_scratch.path(u"t \"o\" $l/ffprobe"_s), {u"record "_s + record});
         const QUrl movie = m_scratch.url(u"my \"film\" $HOME.mkv"_s);
-        m_helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(tool), {u"-i"_s, movie, u"2>&1"_s});
+        m_helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(tool), {u"-i", movie, u"2>&1"});
         const auto runs = FakeTool::recordedRuns(record);
         QCOMPARE(runs.size(), 1);
         QCOMPARE(runs.first().program, tool.toUtf8());
@@ -123,7 +124,7 @@ private Q_SLOTS:
     {
         QCOMPARE(m_helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(u"/bin/pwd"_s), {}),
                  m_scratch.path());
-        QCOMPARE(m_helpers.doUnixCommandWithOptions(u"/bin/pwd"_s, {}), QDir::currentPath());
+        QCOMPARE(m_helpers.doUnixCommandWithOptions(u"/bin/pwd", {}), QDir::currentPath());
     }
 
     void mkvToolsGetTheirExports()
@@ -144,12 +145,12 @@ private Q_SLOTS:
     {
         ListeningHelpers helpers(&m_places);
         helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(u"/bin/true"_s),
-                                            {u"&>"_s, m_scratch.url(u"hook.log"_s)});
+                                            {u"&>", m_scratch.url(u"hook.log"_s)});
         const QString meant =
             u"doShellScript String: \"/bin/true\" &> \"%1\""_s.arg(m_scratch.path(u"hook.log"_s));
         QCOMPARE(helpers.lines, QStringList({meant}));
         helpers.lines.clear();
-        helpers.doUnixCommandWithOptions(u"true"_s, {u"-p"_s});
+        helpers.doUnixCommandWithOptions(u"true", {u"-p"});
         QCOMPARE(helpers.lines, QStringList({u"doUnixCommand string: true -p"_s}));
     }
 
@@ -158,10 +159,11 @@ private Q_SLOTS:
         ListeningHelpers helpers(&m_places);
         for (const QString &name : {u"MediaInfo"_s, u"mkvinfo"_s})
             helpers.doShellScriptForWithOptions(m_scratch.url(name), {});
-        for (const QString &command : {u"ps"_s, u"tr '\\r' '\\n' < "_s, u"dscacheutil"_s, u"ls"_s})
-            helpers.doUnixCommandWithOptions(command, {u"/dev/null"_s});
+        for (const tools::Literal command : {tools::Literal(u"ps"), tools::Literal(u"tr '\\r' '\\n' < "),
+                                             tools::Literal(u"dscacheutil"), tools::Literal(u"ls")})
+            helpers.doUnixCommandWithOptions(command, {u"/dev/null"});
         QVERIFY2(helpers.lines.isEmpty(), qPrintable(helpers.lines.join(u'|')));
-        helpers.doUnixCommandWithOptions(u"ls "_s, {u"/dev/null"_s}); // the whole text counts
+        helpers.doUnixCommandWithOptions(u"ls ", {u"/dev/null"}); // the whole text counts
         QCOMPARE(helpers.lines.size(), 1);
     }
 
@@ -169,25 +171,23 @@ private Q_SLOTS:
     {
         const QString log = m_scratch.write(u"a $log`.txt"_s, "Progress: 1%\rProgress: 2%\rOther\r");
         QCOMPARE(m_helpers.doUnixCommandWithOptions(
-                     u"tr '\\r' '\\n' < "_s,
-                     {QUrl::fromLocalFile(log), u"| tail -20"_s, u"| grep '%1'"_s.arg(u"Progress"_s)}),
+                     u"tr '\\r' '\\n' < ", {QUrl::fromLocalFile(log), u"| tail -20", u"| grep 'Progress'"}),
                  u"Progress: 1%\nProgress: 2%"_s);
     }
 
     void foreignBytesInALogDoNotHideItsLines()
     {
         const QString log = m_scratch.write(u"latin1.txt"_s, "title: caf\xe9\nError: it failed\n");
-        QCOMPARE(
-            m_helpers.doUnixCommandWithOptions(
-                u"tr '\\r' '\\n' < "_s, {QUrl::fromLocalFile(log), u"| tail -20"_s, u"| grep 'Error'"_s}),
-            u"Error: it failed"_s);
+        QCOMPARE(m_helpers.doUnixCommandWithOptions(
+                     u"tr '\\r' '\\n' < ", {QUrl::fromLocalFile(log), u"| tail -20", u"| grep 'Error'"}),
+                 u"Error: it failed"_s);
     }
 
     void commandsSpeakNoLanguage()
     {
         const QByteArray before = qgetenv("LC_ALL");
         qputenv("LC_ALL", "de_DE.UTF-8");
-        const QString language = m_helpers.doUnixCommandWithOptions(u"echo"_s, {u"$LC_ALL"_s});
+        const QString language = m_helpers.doUnixCommandWithOptions(u"echo", {u"$LC_ALL"});
         before.isEmpty() ? qunsetenv("LC_ALL") : qputenv("LC_ALL", before);
         QCOMPARE(language, u"C"_s);
     }

@@ -101,10 +101,10 @@ private Q_SLOTS:
 
     void stringStandsAsItIs()
     {
-        const OptionItem item(u"| grep '%@' > $x"_s);
+        const OptionItem item(u"| grep '%@' > $x");
         QVERIFY(!item.isFile());
         QVERIFY(!item.hasData());
-        for (const QString &form : {item.text(), item.argument(), item.shown(), item.safe(), item.before()})
+        for (const QString &form : {item.text(), item.argument(), item.shown(), item.safe()})
             QCOMPARE(form, u"| grep '%@' > $x"_s);
     }
 
@@ -122,7 +122,7 @@ private Q_SLOTS:
     void dataIsQuotedAsTheListSaysAndSafelyInTheLine()
     {
         QFETCH(Quoting, quoting);
-        const auto item = OptionItem::withData(u"title="_s, u"it's `x`"_s, quoting, u"!"_s);
+        const auto item = OptionItem(u"title=").withData(u"it's `x`"_s, quoting).with(u"!");
         QVERIFY(item.hasData());
         QCOMPARE(item.data(), u"it's `x`"_s);
         QTEST(item.text(), "text");
@@ -134,40 +134,110 @@ private Q_SLOTS:
     void harmlessQuotedDataRunsByteForByteAsShown()
     {
         for (const Quoting quoting : {Quoting::Double, Quoting::Single}) {
-            const auto item = OptionItem::withData(u"0:"_s, u"Surround, five (5.1)"_s, quoting);
+            const auto item = OptionItem(u"0:").withData(u"Surround, five (5.1)"_s, quoting);
             QCOMPARE(item.safe(), item.shown());
         }
     }
 
     void emptyDataIsStillAWord()
     {
-        QCOMPARE(OptionItem::withData(u"0:"_s, {}, Quoting::Single).safe(), u"0:''"_s);
-        QCOMPARE(OptionItem::withData(u"0:"_s, {}, Quoting::None).safe(), u"0:''"_s);
-        QCOMPARE(OptionItem::withData(u"0:"_s, {}, Quoting::None).text(), u"0:"_s);
+        QCOMPARE(OptionItem(u"0:").withData({}, Quoting::Single).safe(), u"0:''"_s);
+        QCOMPARE(OptionItem(u"0:").withData({}, Quoting::None).safe(), u"0:''"_s);
+        QCOMPARE(OptionItem(u"0:").withData({}, Quoting::None).text(), u"0:"_s);
     }
 
-    void anotherTextBeforeKeepsTheData()
+    void moreRawTextStandsBehindWhatIsThere()
     {
-        const auto item =
-            OptionItem::withData(u"a="_s, u"x y"_s, Quoting::Single, u"!"_s).withBefore(u"b="_s);
-        QCOMPARE(item.text(), u"b='x y'!"_s);
-        QCOMPARE(item.argument(), u"b=x y!"_s);
-        QCOMPARE(item.safe(), u"b='x y'!"_s);
-        QCOMPARE(OptionItem(u"old"_s).withBefore(u"new"_s).text(), u"new"_s);
+        QCOMPARE(OptionItem(u"-map 0:").with(3).text(), u"-map 0:3"_s);
+        QCOMPARE(OptionItem::ofNumber(2).with(u":").with(-1).safe(), u"2:-1"_s);
+        const OptionItem item = OptionItem(u"a=").withData(u"x y"_s, Quoting::Single).with(u"!").with(7);
+        QCOMPARE(item.text(), u"a='x y'!7"_s);
+        QCOMPARE(item.argument(), u"a=x y!7"_s);
+    }
+
+    void textsOfOursAreAddedToDataAndReplacedInIt()
+    {
+        const OptionItem item = OptionItem::ofData(u"a;b"_s, Quoting::Single).withMoreData(u";c d");
+        QCOMPARE(item.safe(), u"'a;b;c d'"_s);
+        QCOMPARE(item.withReplaced(u";", u" ").safe(), u"'a b c d'"_s);
+        QCOMPARE(OptionItem(u"x[o]").withReplaced(u"[o]", u",y[o]").text(), u"x,y[o]"_s);
+    }
+
+    void wordsPartAtBlanksOfOursAndNeverInData()
+    {
+        const auto argumentsOfWords = [](const OptionItem &item) { return tools::argumentsOf(item.words()); };
+        QCOMPARE(argumentsOfWords(OptionItem(u"-an  -sn")), QStringList({u"-an"_s, u"-sn"_s}));
+        QCOMPARE(argumentsOfWords(OptionItem(u"-m t=").withData(u"a -y b"_s).with(u"k -z")),
+                 QStringList({u"-m"_s, u"t=a -y bk"_s, u"-z"_s}));
+        QCOMPARE(argumentsOfWords(QUrl::fromLocalFile(u"/m/a b"_s)), QStringList({u"/m/a b"_s}));
+        QVERIFY(OptionItem::ofData({}).words().isEmpty());
+    }
+
+    /// What a text of a file could become on a line is decided by the compiler.
+    void onlyLiteralsAndNumbersAreRaw()
+    {
+        static_assert(std::is_constructible_v<OptionItem, const char16_t(&)[3]>);
+        static_assert(std::is_constructible_v<OptionItem, QUrl>);
+        static_assert(!std::is_constructible_v<OptionItem, QString>);
+        static_assert(!std::is_constructible_v<OptionItem, QStringView>);
+        static_assert(!std::is_constructible_v<OptionItem, char16_t(&)[3]>);
+        static_assert(!std::is_constructible_v<OptionItem, const char16_t *>);
+        static_assert(!std::is_constructible_v<OptionItem, QByteArray>);
+        static_assert(!std::is_constructible_v<tools::Literal, QString>);
+        static_assert(!std::is_constructible_v<tools::Literal, const char16_t *>);
+        static_assert(!std::is_default_constructible_v<OptionItem>);
+        const auto raw = [](const auto &value) {
+            return requires(OptionItem item)
+            {
+                item.with(value);
+            };
+        };
+        QVERIFY(raw(5));
+        QVERIFY(!raw(QString()));
+    }
+
+    void titlesThatFitStayAsTheyAre()
+    {
+        const OptionList list{u"-m", OptionItem(u"title=").withTitle(QString(4096, u'x')),
+                              OptionItem::ofData(QString(20000, u'y'))};
+        QVERIFY(tools::withTitlesThatFit(list) == list);
+    }
+
+    void longTitlesAreCutAtACharacterAndNamesNever()
+    {
+        const QString name(5000, u'n');
+        const OptionList list{OptionItem(u"title=").withTitle(u'x' + QString(3000, u'ü'), Quoting::Single),
+                              OptionItem::ofData(name)};
+        const OptionList fitting = tools::withTitlesThatFit(list);
+        QCOMPARE(fitting.at(0).data(), u'x' + QString(2047, u'ü')); // 4095 bytes: the next one needs two
+        QCOMPARE(fitting.at(1).data(), name);
+    }
+
+    void manyTitlesAreCutShorterUntilTheLineFits()
+    {
+        OptionList list;
+        for (int i = 0; i < 200; ++i)
+            list << OptionItem(u"--track-name 0:").withTitle(QString(4000, u'x'), Quoting::Single);
+        qsizetype bytes = 0;
+        for (const OptionItem &item : tools::withTitlesThatFit(list)) {
+            QVERIFY(item.data().size() >= 64);
+            bytes += item.safe().size() + 1;
+        }
+        QVERIFY2(bytes < 131072, qPrintable(QString::number(bytes)));
     }
 
     void equalItemsAreOfOneKindAndText()
     {
-        QVERIFY(OptionItem(u"/a"_s) == OptionItem(u"/a"_s));
-        QVERIFY(!(OptionItem(u"/a"_s) == OptionItem(u"/b"_s)));
-        QVERIFY(!(OptionItem(u"/a"_s) == OptionItem(QUrl::fromLocalFile(u"/a"_s))));
-        QVERIFY(OptionItem(u"t='x'"_s) == OptionItem::withData(u"t="_s, u"x"_s, Quoting::Single));
+        QVERIFY(OptionItem(u"/a") == OptionItem(u"/a"));
+        QVERIFY(!(OptionItem(u"/a") == OptionItem(u"/b")));
+        QVERIFY(!(OptionItem(u"/a") == OptionItem(QUrl::fromLocalFile(u"/a"_s))));
+        QVERIFY(OptionItem(u"t='x'") == OptionItem(u"t=").withData(u"x"_s, Quoting::Single));
     }
 
     void listsGiveArgumentsAndTexts()
     {
-        const OptionList list{u"-i"_s, QUrl::fromLocalFile(u"/m/a b"_s),
-                              OptionItem::withData(u"t="_s, u"x"_s, Quoting::Single)};
+        const OptionList list{u"-i", QUrl::fromLocalFile(u"/m/a b"_s),
+                              OptionItem(u"t=").withData(u"x"_s, Quoting::Single)};
         QCOMPARE(tools::argumentsOf(list), QStringList({u"-i"_s, u"/m/a b"_s, u"t=x"_s}));
         QCOMPARE(tools::textsOf(list), QStringList({u"-i"_s, u"/m/a b"_s, u"t='x'"_s}));
     }

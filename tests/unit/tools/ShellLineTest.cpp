@@ -41,35 +41,37 @@ private Q_SLOTS:
     void eachToolFamilyHasItsHead_data()
     {
         QTest::addColumn<QString>("tool");
-        QTest::addColumn<QString>("option");
+        QTest::addColumn<OptionItem>("option");
         QTest::addColumn<QString>("line");
         // No blank between the two library exports nor before the tool: meant.
         const QString mkv =
             u"export LANG=en_US.UTF-8; export DYLD_LIBRARY_PATH='/App/Resources/mkvtoolnix/lib';"
             u"export LD_LIBRARY_PATH='/App/Resources/mkvtoolnix/lib';"_s;
-        QTest::newRow("mkvmerge") << u"/T/mkvtoolnix/mkvmerge"_s << u"-V"_s
+        QTest::newRow("mkvmerge") << u"/T/mkvtoolnix/mkvmerge"_s << OptionItem(u"-V")
                                   << QString(mkv + u"\"/T/mkvtoolnix/mkvmerge\" -V"_s);
         QTest::newRow("name in capitals")
-            << u"/T/MKVinfo"_s << u"-V"_s << QString(mkv + u"\"/T/MKVinfo\" -V"_s);
+            << u"/T/MKVinfo"_s << OptionItem(u"-V") << QString(mkv + u"\"/T/MKVinfo\" -V"_s);
         QTest::newRow("mkv within the name")
-            << u"/T/my-mkv-ffmpeg"_s << u"-V"_s << QString(mkv + u"\"/T/my-mkv-ffmpeg\" -V"_s);
-        QTest::newRow("mkv in the folder only") << u"/mkv/ffprobe"_s << u"-V"_s << u"\"/mkv/ffprobe\" -V"_s;
-        QTest::newRow("ffprobe") << u"/T/ffmpeg/ffprobe"_s << u"-vf subtitles=a"_s
+            << u"/T/my-mkv-ffmpeg"_s << OptionItem(u"-V") << QString(mkv + u"\"/T/my-mkv-ffmpeg\" -V"_s);
+        QTest::newRow("mkv in the folder only")
+            << u"/mkv/ffprobe"_s << OptionItem(u"-V") << u"\"/mkv/ffprobe\" -V"_s;
+        QTest::newRow("ffprobe") << u"/T/ffmpeg/ffprobe"_s << OptionItem(u"-vf subtitles=a")
                                  << u"\"/T/ffmpeg/ffprobe\" -vf subtitles=a"_s;
-        QTest::newRow("ffmpeg") << u"/T/ffmpeg/ffmpeg"_s << u"-y"_s << u"\"/T/ffmpeg/ffmpeg\" -y"_s;
+        QTest::newRow("ffmpeg") << u"/T/ffmpeg/ffmpeg"_s << OptionItem(u"-y") << u"\"/T/ffmpeg/ffmpeg\" -y"_s;
         QTest::newRow("ffmpeg that burns")
-            << u"/T/ffmpeg"_s << u"scale=2:2,subtitles=/t/temp.ass"_s
+            << u"/T/ffmpeg"_s << OptionItem(u"scale=2:2,subtitles=/t/temp.ass")
             << u"export FONTCONFIG_PATH=\"/App/Resources/fonts\"; export FONTCONFIG_FILE=\"/App/Resources/fonts/fonts.conf\";\"/T/ffmpeg\" scale=2:2,subtitles=/t/temp.ass"_s;
         QTest::newRow("atomicparsley")
-            << u"/T/AtomicParsley"_s << u"-t"_s
+            << u"/T/AtomicParsley"_s << OptionItem(u"-t")
             << u"export AP_PADDING=\"DEFAULT_PAD=5128:MIN_PAD=0:MAX_PAD=5128\"; \"/T/AtomicParsley\" -t"_s;
-        QTest::newRow("any other") << u"/T/mplayer/mplayer"_s << u"-v"_s << u"\"/T/mplayer/mplayer\" -v"_s;
+        QTest::newRow("any other") << u"/T/mplayer/mplayer"_s << OptionItem(u"-v")
+                                   << u"\"/T/mplayer/mplayer\" -v"_s;
     }
 
     void eachToolFamilyHasItsHead()
     {
         QFETCH(QString, tool);
-        QFETCH(QString, option);
+        QFETCH(OptionItem, option);
         for (const ShellKind kind : {ShellKind::KnowsAmpersandRedirect, ShellKind::PlainBourne}) {
             const auto line = tools::toolLine(file(tool), {option}, FixedPlaces(), kind);
             QTEST(line.meant, "line");
@@ -79,7 +81,7 @@ private Q_SLOTS:
 
     void onlyStringsAskForFonts()
     {
-        const auto line = tools::toolLine(file(u"/T/ffmpeg"_s), {u"-i"_s, file(u"/m/subtitles=1.mkv"_s)},
+        const auto line = tools::toolLine(file(u"/T/ffmpeg"_s), {u"-i", file(u"/m/subtitles=1.mkv"_s)},
                                           FixedPlaces(), ShellKind::PlainBourne);
         QCOMPARE(line.meant, u"\"/T/ffmpeg\" -i \"/m/subtitles=1.mkv\""_s);
         QCOMPARE(line.launched, u"\"/T/ffmpeg\" -i \"/m/subtitles=1.mkv\""_s);
@@ -88,7 +90,7 @@ private Q_SLOTS:
     void probeOfAMovieWithABlank()
     {
         const auto line =
-            tools::toolLine(file(u"/T/ffmpeg/ffprobe"_s), {u"-i"_s, file(u"/m/my film.mkv"_s), u"2>&1"_s},
+            tools::toolLine(file(u"/T/ffmpeg/ffprobe"_s), {u"-i", file(u"/m/my film.mkv"_s), u"2>&1"},
                             FixedPlaces(), ShellKind::PlainBourne);
         QCOMPARE(line.meant, u"\"/T/ffmpeg/ffprobe\" -i \"/m/my film.mkv\" 2>&1"_s);
         QCOMPARE(line.launched, line.meant);
@@ -107,8 +109,7 @@ private Q_SLOTS:
 
     void backgroundStartRunsAsTheShellKnowsIt()
     {
-        const OptionList options{u"-y"_s, file(u"/m/a.log"_s), u"&>"_s, file(u"/m/b c.log"_s),
-                                 u"& echo $!"_s};
+        const OptionList options{u"-y", file(u"/m/a.log"_s), u"&>", file(u"/m/b c.log"_s), u"& echo $!"};
         const QString meant = u"\"/T/mplayer\" -y \"/m/a.log\" &> \"/m/b c.log\" & echo $!"_s;
         const auto knowing =
             tools::toolLine(file(u"/T/mplayer"_s), options, FixedPlaces(), ShellKind::KnowsAmpersandRedirect);
@@ -122,38 +123,38 @@ private Q_SLOTS:
 
     void backgroundStartInOneStringRunsAsTheShellKnowsIt()
     {
-        const OptionList options{u"&> /dev/null & echo $!"_s};
-        const auto knowing = tools::commandLine(u"play"_s, options, ShellKind::KnowsAmpersandRedirect);
+        const OptionList options{u"&> /dev/null & echo $!"};
+        const auto knowing = tools::commandLine(u"play", options, ShellKind::KnowsAmpersandRedirect);
         QCOMPARE(knowing.launched, u"play &> /dev/null & echo $!"_s);
-        const auto plain = tools::commandLine(u"play"_s, options, ShellKind::PlainBourne);
+        const auto plain = tools::commandLine(u"play", options, ShellKind::PlainBourne);
         QCOMPARE(plain.meant, u"play &> /dev/null & echo $!"_s);
         QCOMPARE(plain.launched, u"play > /dev/null 2>&1 & echo $!"_s);
-        const auto bare = tools::commandLine(u"play"_s, {u"&> /dev/null"_s}, ShellKind::PlainBourne);
+        const auto bare = tools::commandLine(u"play", {u"&> /dev/null"}, ShellKind::PlainBourne);
         QCOMPARE(bare.launched, u"play > /dev/null 2>&1"_s);
     }
 
     void aTitleIsNoRedirection()
     {
-        const OptionList options{OptionItem::withData({}, u"&>"_s, Quoting::None), file(u"/m/film.mkv"_s),
-                                 OptionItem::withData({}, u"&> x"_s, Quoting::None)};
-        const auto line = tools::commandLine(u"t"_s, options, ShellKind::PlainBourne);
+        const OptionList options{OptionItem::ofData(u"&>"_s, Quoting::None), file(u"/m/film.mkv"_s),
+                                 OptionItem::ofData(u"&> x"_s, Quoting::None)};
+        const auto line = tools::commandLine(u"t", options, ShellKind::PlainBourne);
         QCOMPARE(line.meant, u"t &> \"/m/film.mkv\" &> x"_s);
         QCOMPARE(line.launched, u"t '&>' \"/m/film.mkv\" '&> x'"_s);
     }
 
     void aRedirectionToNothingStaysAsItIs()
     {
-        QCOMPARE(tools::commandLine(u"t"_s, {u"&>"_s}, ShellKind::PlainBourne).launched, u"t &>"_s);
+        QCOMPARE(tools::commandLine(u"t", {u"&>"}, ShellKind::PlainBourne).launched, u"t &>"_s);
     }
 
     void commandsAreFollowedByTheirOptions()
     {
-        const auto line = tools::commandLine(u"tr '\\r' '\\n' < "_s,
-                                             {file(u"/m/a$`.log"_s), u"| tail -20"_s, u"| grep 'x'"_s},
-                                             ShellKind::PlainBourne);
+        const auto line =
+            tools::commandLine(u"tr '\\r' '\\n' < ", {file(u"/m/a$`.log"_s), u"| tail -20", u"| grep 'x'"},
+                               ShellKind::PlainBourne);
         QCOMPARE(line.meant, u"tr '\\r' '\\n' <  \"/m/a\\$`.log\" | tail -20 | grep 'x'"_s);
         QCOMPARE(line.launched, u"tr '\\r' '\\n' <  \"/m/a\\$\\`.log\" | tail -20 | grep 'x'"_s);
-        QCOMPARE(tools::commandLine(u"ps"_s, {}, ShellKind::PlainBourne).launched, u"ps"_s);
+        QCOMPARE(tools::commandLine(u"ps", {}, ShellKind::PlainBourne).launched, u"ps"_s);
     }
 };
 
