@@ -106,11 +106,29 @@ tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(joinerName()), list, ShouldWait::No);
 }
 
+/// The concat reader takes its list line by line, whatever is quoted, so a path with a line break in it is
+/// given through a plain link.
+QList<QUrl> KXVideoJoiner::listable(const QList<QUrl> &files) const
+{
+    QList<QUrl> names;
+    for (const QUrl &file : files) {
+        const QString path = file.toLocalFile();
+        if (!path.contains(u'\n') && !path.contains(u'\r')) {
+            names.append(file);
+            continue;
+        }
+        names.append(QUrl::fromLocalFile(context().temporaryFolder + u"part%1"_s.arg(names.size())));
+        if (!context().launcher.isRehearsal())
+            context().guard.files().link(file, names.constLast());
+    }
+    return names;
+}
+
 tools::ToolProcessPointer KXVideoJoiner::startConcat(const QList<QUrl> &files)
 {
     const QUrl listFile = QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
-    if (!context().launcher.isRehearsal() &&
-        !context().guard.files().write(listFile, engines::concatListLaunched(files).toUtf8())) {
+    const QByteArray list = engines::concatListLaunched(listable(files)).toUtf8();
+    if (!context().launcher.isRehearsal() && !context().guard.files().write(listFile, list)) {
         refuse(u"The list of files to join can't be written to %1."_s.arg(listFile.toLocalFile()));
         return nullptr;
     }

@@ -35,6 +35,7 @@ protected:
 private:
     tools::ToolProcessPointer start(const QList<QUrl> &files);
     tools::ToolProcessPointer startConcat(const QList<QUrl> &files);
+    QList<QUrl> listable(const QList<QUrl> &files) const;
     void lookAt(const QList<QUrl> &files);
     void looked();
     void completeWhenAllIsDone();

@@ -2,6 +2,7 @@
 
 #include "media/CodecVocabulary.h"
 #include "media/FileNames.h"
+#include "media/Playlists.h"
 #include "media/ProbeReader.h"
 #include "media/TrackBuilder.h"
 #include "tools/Numbers.h"
@@ -53,7 +54,7 @@ QString KXVideoFile::initializeForURL(const QUrl &url)
 /// The one place that runs the tool. An absent text when there was nothing to run it on.
 QString KXVideoFile::ffprobe(const QUrl &url, const tools::OptionList &options) const
 {
-    if (places() == nullptr || isStopped() || !media::isRegularFile(url))
+    if (places() == nullptr || isStopped() || !media::isRegularFile(url) || media::namesOtherFiles(url))
         return {};
     return doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), tools::OptionList{u"-i", url} + options);
 }

@@ -155,4 +155,17 @@ QString problemOfWholeFile(const QString &path, qint64 mostBytes)
     return status.st_size > mostBytes ? tooLarge(mostBytes) : QString();
 }
 
+QByteArray readPart(const QString &path, qint64 from, qint64 mostBytes)
+{
+    if (!isOrdinaryFile(path))
+        return {};
+    const Descriptor file(path);
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) || from >= status.st_size)
+        return {};
+    QByteArray bytes(std::min<qint64>(mostBytes, status.st_size - from), '\0');
+    const auto count = ::pread(file.get(), bytes.data(), static_cast<std::size_t>(bytes.size()), from);
+    return count > 0 ? bytes.first(count) : QByteArray();
+}
+
 } // namespace platform

@@ -24,4 +24,7 @@ WholeFile readWhole(const QString &path, qint64 mostBytes = mostBytesReadWhole);
 /// Why that would not be read, so far as it can be told without reading; a null text when nothing is there.
 QString problemOfWholeFile(const QString &path, qint64 mostBytes = mostBytesReadWhole);
 
+/// At most so many bytes of a file from a place on; empty behind its end and where it is no ordinary file.
+QByteArray readPart(const QString &path, qint64 from, qint64 mostBytes);
+
 } // namespace platform

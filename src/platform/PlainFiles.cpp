@@ -179,6 +179,11 @@ std::optional<FileId> copyPlainFile(const QUrl &from, const QUrl &to)
     return std::nullopt;
 }
 
+bool makeLink(const QUrl &to, const QUrl &name)
+{
+    return ::symlink(pathOf(to).constData(), pathOf(name).constData()) == 0;
+}
+
 bool renameToFreeName(const QUrl &from, const QUrl &to)
 {
     const QByteArray source = pathOf(from);

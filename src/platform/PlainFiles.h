@@ -31,6 +31,8 @@ bool appendToFile(const QUrl &location, const FileId &file, const QByteArray &by
 bool replacePlainFile(const QUrl &location, const QByteArray &content);
 /// Copies a plain file to a free name; false where there is none or the name is not free.
 std::optional<FileId> copyPlainFile(const QUrl &from, const QUrl &to);
+/// Makes a symbolic link; false where the name is taken.
+bool makeLink(const QUrl &to, const QUrl &name);
 /// Gives a file another name of its volume; false where that is taken.
 bool renameToFreeName(const QUrl &from, const QUrl &to);
 /// The same, over what stands there.

@@ -2,6 +2,7 @@
 #include "tools/step/KXConverter.h"
 
 #include "media/FileNames.h"
+#include "media/Playlists.h"
 #include "prefs/KXPreferences.h"
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
@@ -42,6 +43,11 @@ tools::OptionList KXConverter::fittingLaunchForm(const tools::OptionList &meant)
 /// Null, or why the tool must not be started.
 QString KXConverter::makeWay()
 {
+    for (const QUrl &input : m_context.guard.inputs()) {
+        if (media::namesOtherFiles(input))
+            return u"%1 is a list of other files and no film, so nothing was started."_s.arg(
+                input.toLocalFile());
+    }
     for (const QUrl &name : namesToWrite()) {
         const QString problem = m_context.launcher.makeWay(m_context.guard, name);
         if (!problem.isNull())

@@ -39,6 +39,7 @@ public:
 
     void setInputs(const QList<QUrl> &inputs);
     bool isInput(const QUrl &location) const;
+    const QList<QUrl> &inputs() const { return m_inputs; }
     /// A name for an output of the job, by the rule for taken names.
     Claim claimOutput(const QUrl &wanted, OutputForm form = OutputForm::OneFile);
     /// A name for a log or an intermediate file: always one where nothing stands.

@@ -82,6 +82,11 @@ bool OwnFiles::copy(const QUrl &from, const QUrl &name)
     return file.has_value();
 }
 
+bool OwnFiles::link(const QUrl &to, const QUrl &name) const
+{
+    return isPrivate(name) && platform::makeLink(to, name);
+}
+
 bool OwnFiles::append(const QUrl &name, const QByteArray &bytes) const
 {
     const auto made = m_made.constFind(placeKey(name));

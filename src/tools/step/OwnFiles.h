@@ -33,6 +33,8 @@ public:
     /// The same; a file that the job made there before is replaced.
     bool write(const QUrl &name, const QByteArray &content);
     bool copy(const QUrl &from, const QUrl &name);
+    /// Makes a link to a file, in the folder that is the job's alone.
+    bool link(const QUrl &to, const QUrl &name) const;
     /// Appends to a file that the job created or wrote itself.
     bool append(const QUrl &name, const QByteArray &bytes) const;
     bool remove(const QUrl &name);
