@@ -34,11 +34,6 @@ Started ffmpeg(const QStringList &words)
     return {bytesOf(QStringList{u"ffmpeg"_s} + words)};
 }
 
-Started removalOf(const QString &path)
-{
-    return {bytesOf({u"rm"_s, path})};
-}
-
 QStringList tags(const QString &stream, const QString &title)
 {
     return {u"-metadata:s:"_s + stream, u"language=eng"_s, u"-metadata:s:"_s + stream, u"title="_s + title};

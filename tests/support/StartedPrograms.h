@@ -15,7 +15,6 @@ Started probeOf(const QString &path);
 /// The run that asks how long a file is, for the percentages of a step.
 Started durationOf(const QString &path);
 Started ffmpeg(const QStringList &words);
-Started removalOf(const QString &path);
 /// How an English stream ("a:0") gets its language and title.
 QStringList tags(const QString &stream, const QString &title);
 /// One line a run, for messages.

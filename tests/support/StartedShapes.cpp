@@ -89,7 +89,6 @@ const QHash<QString, QList<Shape>> &programs()
         {u"tail"_s, {{u"-1"_s, {}}}},
         {u"tr"_s, {{u"\\\\[rn]"_s, {}}}},
         {u"awk"_s, {{u"\\{print \\$1;\\}"_s, {}}}},
-        {u"rm"_s, {{u"FILM|OWN"_s, {}}}},
     };
     return all;
 }

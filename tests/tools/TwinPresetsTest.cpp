@@ -165,16 +165,16 @@ private Q_SLOTS:
         };
         row("blanks", u"  my  own  "_s, u"  my  own  "_s);
         row("quotes", u"it's \"mine\" `x` $(y)"_s, u"it's \"mine\" `x` $(y)"_s);
-        row("line feed", u"Mine\nsettings: Evil"_s, u"Mine?settings: Evil"_s);
-        row("other ends of lines", u"a\r\nb\u2028c\u2029d\u0085e"_s, u"a??b?c?d?e"_s);
+        row("line feed", u"Mine\nsettings: Evil"_s, u"Mine\\nsettings: Evil"_s);
+        row("other ends of lines", u"a\r\nb\u2028c\u2029d\u0085e"_s, u"a\\r\\nb\\u2028c\\u2029d\\x85e"_s);
         row("emoji", u"🎬 фильм 映画 👩‍👩‍👧"_s,
             u"🎬 фильм 映画 👩‍👩‍👧"_s);
         row("control characters", u"\u001b[31mred\u001b[0m\u0007\u0008\u007f\u009b2J"_s,
-            u"?[31mred?[0m????2J"_s);
-        row("tab", u"a\tb"_s, u"a\tb"_s);
+            u"\\x1b[31mred\\x1b[0m\\x07\\x08\\x7f\\x9b2J"_s);
+        row("tab", u"a\tb"_s, u"a\\tb"_s);
         row("percent", u"%1 %2 100%"_s, u"%1 %2 100%"_s);
         row("like an option", u"--video"_s, u"--video"_s);
-        row("NUL", u"a"_s + QChar(u'\0') + u'b', u"a?b"_s);
+        row("NUL", u"a"_s + QChar(u'\0') + u'b', u"a\\x00b"_s);
         row("long", QString(5000, u'x'), QString(5000, u'x'));
     }
 
