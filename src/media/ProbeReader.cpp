@@ -37,7 +37,7 @@ private:
     void startNested(const QString &line);
     void store(const QString &line);
     void closeNested();
-    void storeOwn(const QString &key, const QString &value);
+    void storeOwn(const QString &key, const QVariant &value);
 
     /// Only titles with braces nest this deep. What is deeper is dropped: nobody reads it, and a file
     /// with a hundred thousand of them must not cost the stack.
@@ -93,12 +93,13 @@ void StreamListReader::store(const QString &line)
         storeOwn(key, value);
 }
 
-void StreamListReader::storeOwn(const QString &key, const QString &value)
+void StreamListReader::storeOwn(const QString &key, const QVariant &value)
 {
     QVariantMap &own = m_open.first().values;
     if (own.contains(key))
         return;
-    if (fitsItsField(key, value))
+    const bool isText = value.typeId() == QMetaType::QString;
+    if (isText ? fitsItsField(key, value.toString()) : !isTypedField(key))
         own.insert(key, value);
     else if (key == u"index"_s)
         own.insert(key, u""_s); // a stream that doesn't tell which one it is, not one that tells nothing
@@ -108,8 +109,10 @@ void StreamListReader::closeNested()
 {
     while (m_open.size() > 1) {
         const Open nested = m_open.takeLast();
-        if (m_open.size() > 1 || !m_open.constFirst().values.contains(nested.key))
+        if (m_open.size() > 1)
             m_open.last().values.insert(nested.key, nested.values);
+        else
+            storeOwn(nested.key, nested.values);
     }
     m_dropped = 0;
 }

@@ -87,13 +87,24 @@ constexpr std::array fields = {
     Field{u"avg_frame_rate", isRatio},
 };
 
+const Field *fieldOf(const QString &key)
+{
+    const auto field = std::find_if(fields.begin(), fields.end(),
+                                    [&](const Field &known) { return key == QStringView(known.key); });
+    return field == fields.end() ? nullptr : &*field;
+}
+
 } // namespace
 
 bool fitsItsField(const QString &key, const QString &value)
 {
-    const auto field = std::find_if(fields.begin(), fields.end(),
-                                    [&](const Field &known) { return key == QStringView(known.key); });
-    return field == fields.end() || field->fits(value);
+    const Field *field = fieldOf(key);
+    return field == nullptr || field->fits(value);
+}
+
+bool isTypedField(const QString &key)
+{
+    return fieldOf(key) != nullptr;
 }
 
 } // namespace media

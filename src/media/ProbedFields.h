@@ -9,4 +9,7 @@ namespace media {
 /// to tell anything. Fields that nothing rests on fit always.
 bool fitsItsField(const QString &key, const QString &value);
 
+/// Whether that is such a field, which an object never fits.
+bool isTypedField(const QString &key);
+
 } // namespace media

@@ -39,7 +39,7 @@ private:
     /// The fields with a type. A level can be negative: "-99" where it isn't known. An index that is none is
     /// read as an empty one, so that its stream stands in no place.
     static constexpr Form forms[] = {
-        {"index", "[0-9]{0,9}"},
+        {"index", "[0-9]{0,6}"},
         {"width", "[0-9]{1,9}"},
         {"height", "[0-9]{1,9}"},
         {"channels", "[0-9]{1,9}"},

@@ -203,6 +203,15 @@ private Q_SLOTS:
             QVERIFY2(read(value).isNull(), qPrintable(value));
     }
 
+    void anObjectIsNoValueOfAField()
+    {
+        const auto streams = media::streamsIn(
+            listOf(u"{\n\"index\": 0,\n\"width\": {\n\"a\": 1\n},\n\"level\": {\n},\n\"other\": {\n}\n}"_s));
+        QVERIFY(!streams.constFirst().contains(u"width"_s));
+        QVERIFY(!streams.constFirst().contains(u"level"_s));
+        QVERIFY(streams.constFirst().contains(u"other"_s));
+    }
+
     void streamsStandInTheirPlaces_data()
     {
         QTest::addColumn<QString>("streams");
