@@ -203,10 +203,22 @@ step::Outcome KXConverter::outcomeOfTool() const
         if (media::isMatroskaWithoutPackets(file))
             return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
     }
-    if (!m_cutsTitles)
-        return ended;
-    return ended.joinedWith(
-        step::Outcome::warnings(u"A title is too long for the tools and was cut in the output."_s));
+    return withNotes(ended);
+}
+
+/// What a person should know about outputs that are there. A part of a film may well lack a track.
+step::Outcome KXConverter::withNotes(step::Outcome ended) const
+{
+    const bool isSplit = converterSelection() && converterSelection()->jobType() == u"MKV Splitting"_s;
+    if (m_tool.fileName().contains(u"mkvmerge"_s) && !isSplit) {
+        for (const QString &kind : media::kindsCountedEmpty(outputFileURL()))
+            ended = ended.joinedWith(step::Outcome::warnings(
+                u"There is nothing in the %1 track of %2."_s.arg(kind, outputFileURL().fileName())));
+    }
+    if (m_cutsTitles)
+        ended = ended.joinedWith(
+            step::Outcome::warnings(u"A title is too long for the tools and was cut in the output."_s));
+    return ended;
 }
 
 step::Outcome KXConverter::outcomeOfProcess() const

@@ -148,6 +148,7 @@ protected:
     step::Outcome outcomeOfTool() const;
 
 private:
+    step::Outcome withNotes(step::Outcome ended) const;
     step::Outcome outcomeOfProcess() const;
     step::Outcome outcomeOfBackground() const;
     /// A log without the names that would break it into lines of their own.

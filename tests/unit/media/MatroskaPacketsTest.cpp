@@ -50,6 +50,42 @@ private Q_SLOTS:
         QCOMPARE(media::isMatroskaWithoutPackets(scratch.url(u"a.mkv"_s)), isEmpty);
     }
 
+    void tracksThatAreCountedEmptyAreTold_data()
+    {
+        QTest::addColumn<QByteArray>("type"); // of the track with the uid 7
+        QTest::addColumn<QByteArray>("target");
+        QTest::addColumn<QByteArray>("count");
+        QTest::addColumn<QStringList>("kinds");
+        const QByteArray video("\x01");
+        const QByteArray audio("\x02");
+        const QByteArray seven("\x07");
+        QTest::newRow("video") << video << seven << QByteArray("0") << QStringList{u"video"_s};
+        QTest::newRow("audio") << audio << seven << QByteArray("0") << QStringList{u"audio"_s};
+        QTest::newRow("a subtitle") << QByteArray("\x11") << seven << QByteArray("0") << QStringList();
+        QTest::newRow("one packet") << audio << seven << QByteArray("1") << QStringList();
+        QTest::newRow("ten") << audio << seven << QByteArray("10") << QStringList();
+        QTest::newRow("of another track") << audio << QByteArray("\x08") << QByteArray("0") << QStringList();
+    }
+
+    void tracksThatAreCountedEmptyAreTold()
+    {
+        QFETCH(QByteArray, type);
+        QFETCH(QByteArray, target);
+        QFETCH(QByteArray, count);
+        const auto element = [](const char *id, const QByteArray &content) {
+            return QByteArray::fromHex(id) + char(0x80 | content.size()) + content;
+        };
+        const QByteArray tracks =
+            element("1654ae6b", element("ae", element("73c5", QByteArray("\x07")) + element("83", type)));
+        const QByteArray counted =
+            element("67c8", element("45a3", "NUMBER_OF_FRAMES") + element("4487", count));
+        const QByteArray tags =
+            element("1254c367", element("7373", element("63c0", element("63c5", target)) + counted));
+        const support::Scratch scratch;
+        scratch.write(u"a.mkv"_s, header + segmentOfUnknownSize + info + tracks + cluster + tags);
+        QTEST(media::kindsCountedEmpty(scratch.url(u"a.mkv"_s)), "kinds");
+    }
+
     void aMissingFileIsNotTold()
     {
         QVERIFY(!media::isMatroskaWithoutPackets(QUrl::fromLocalFile(u"/nowhere/a.mkv"_s)));
