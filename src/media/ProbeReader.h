@@ -21,8 +21,8 @@ bool holdsStreamList(const QString &output);
 /// value holds, as ffprobe prints them before any tag, and only one of a form that the field can have.
 QList<QVariantMap> streamsIn(const QString &output);
 
-/// Whether each stream that tells an index tells its own place. Tools are told by it which stream is meant. What
-/// ffprobe says beside a stream (its side data) is a dictionary too, but no stream.
+/// Whether each stream that tells an index tells its own place. Tools are told by it which stream is meant.
+/// What ffprobe says beside a stream (its side data) is a dictionary too, but no stream.
 bool standInTheirPlaces(const QList<QVariantMap> &streams);
 
 /// The codec words of ffprobe's "Stream #" lines, in order; lines with fewer pieces are passed over. A

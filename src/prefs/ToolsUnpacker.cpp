@@ -75,9 +75,9 @@ QString ToolsUnpacker::unzip(const ToolArchive &archive, tools::Literal flags) c
     // The pattern is for unzip: bare, the shell would expand it where the working folder holds a folder
     // of that name.
     const auto pattern = tools::OptionItem::ofData(archive.folder + u"/*"_s, tools::Quoting::Single);
-    return m_runner.doUnixCommandWithOptions(
-        u"unzip",
-        {u"-d", m_places.toolsLocation(), tools::OptionItem(flags), m_runner.urlOfApp(archive.folder + u".zip"_s), pattern});
+    return m_runner.doUnixCommandWithOptions(u"unzip",
+                                             {u"-d", m_places.toolsLocation(), tools::OptionItem(flags),
+                                              m_runner.urlOfApp(archive.folder + u".zip"_s), pattern});
 }
 
 QList<ToolArchive> ToolsUnpacker::presentArchives() const

@@ -18,7 +18,8 @@ const QRegularExpression &harm()
         "|\\bQLockFile\\b|\\b(WriteOnly|ReadWrite|Append|Truncate|NewOnly)\\b"
         "|\\bQDir\\(.*\\)\\.(remove|rename|rmdir|rmpath)\\w*\\(|\\bremoveRecursively\\b"
         "|\\bstd::(remove|rename)\\(\\w*[Pp]ath|\\bstd::filesystem\\b|\\bstd::[ow]?fstream\\b|\\bfopen\\b"
-        "|\\bstd::rename\\b|(?<![\\w>])::(unlink|unlinkat|rename|renameat2?|renamex_np|open|openat|creat|truncate|link|"
+        "|\\bstd::rename\\b|(?<![\\w>])::(unlink|unlinkat|rename|renameat2?|renamex_np|open|openat|creat|"
+        "truncate|link|"
         "symlink|mkfifo|mkstemp|remove)\\("
         "|u\"(rm|mv|cp|ln|dd|tee|truncate|unlink|install|shred)( [^\"]*)?\""_s);
     return words;

@@ -287,8 +287,7 @@ private Q_SLOTS:
     {
         Run run;
         const QString record = run.world.scratch.path(u"record"_s);
-        const tools::OptionList options{u"a b", u"$HOME", u"';x",
-                                        run.world.scratch.url(u"in \"1\".mkv"_s)};
+        const tools::OptionList options{u"a b", u"$HOME", u"';x", run.world.scratch.url(u"in \"1\".mkv"_s)};
         QVERIFY(run.play(u"tool"_s, {u"record "_s + record}, options));
         const auto runs = support::FakeTool::recordedRuns(record);
         QCOMPARE(runs.size(), 1);
