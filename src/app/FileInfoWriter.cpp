@@ -1,5 +1,7 @@
 #include "app/FileInfoWriter.h"
 
+#include "media/FileNames.h"
+#include "media/Playlists.h"
 #include "platform/PlainFiles.h"
 #include "prefs/KXPreferences.h"
 
@@ -28,9 +30,12 @@ QString FileInfoWriter::write(const QList<QUrl> &files) const
 {
     QStringList failed;
     for (const QUrl &file : files) {
-        const QString output = doShellScriptForWithOptions(
-            urlOfApp(u"ffprobe"_s), {u"-i", file, u"-show_streams -print_format json"});
-        if (!platform::replacePlainFile(infoFileFor(file), output.toUtf8()))
+        const bool mayBeRead = media::isRegularFile(file) && !media::namesOtherFiles(file);
+        const QString output =
+            mayBeRead ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s),
+                                                    {u"-i", file, u"-show_streams -print_format json"})
+                      : QString();
+        if (!mayBeRead || !platform::replacePlainFile(infoFileFor(file), output.toUtf8()))
             failed.append(infoFileFor(file).toLocalFile());
     }
     return failed.isEmpty() ? QString() : tr("Not written: %1").arg(failed.join(u", "_s));

@@ -50,6 +50,15 @@ private Q_SLOTS:
                  u"Surround, five"_s);
     }
 
+    void aListOfOtherFilesIsNotRead()
+    {
+        m_desk->film(support::fullMkv(), u"private.mkv"_s);
+        const QString list =
+            m_desk->scratch().write(u"film.mkv"_s, "ffconcat version 1.0\nfile private.mkv\n");
+        QVERIFY(writer().write(support::urlsOf({list})).contains(u"film.mkv.info.txt"_s));
+        QVERIFY(!QFileInfo::exists(list + u".info.txt"_s));
+    }
+
     void nothingIsWrittenThroughALink()
     {
         const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);
