@@ -33,8 +33,7 @@ QJsonValue remainingLog(const KXJob &job)
     QJsonValue found;
     for (const QUrl &log : job.logFilesToDeleteList()) {
         const QString path = log.toLocalFile();
-        // A step that was refused has no log of its own yet: its name is still the source's.
-        if (log == job.jobSelection()->videoTrackFileURL() || !QFileInfo::exists(path))
+        if (!QFileInfo::exists(path))
             continue;
         if (job.outcome().sentence.contains(path))
             return path;
