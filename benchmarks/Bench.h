@@ -15,10 +15,10 @@ bool runQuietly(const QString &program, const QStringList &arguments);
 void say(const QString &line);
 
 /// `convert` beside the bare ffmpeg command that it launched, alternating.
-int convert(const QString &twin, const QString &clip, int rounds);
+int convert(const QString &cli, const QString &clip, int rounds);
 /// `remux` of a film and `join` of a half with itself beside the mkvmerge commands that they launched,
 /// alternating; and what the program's memory does meanwhile.
-int mkv(const QString &twin, const QString &film, const QString &half, int rounds);
+int mkv(const QString &cli, const QString &film, const QString &half, int rounds);
 /// A probe beside the same ffprobe lines run by hand, alternating.
 int probe(const QString &resources, const QString &clip, int rounds);
 /// Progress reading in MB/s on recorded output of several sizes.
@@ -26,7 +26,7 @@ int reading();
 /// A tick, toggling and applying presets on files of many tracks.
 int selection();
 /// Start-up time and peak memory of the command-line program.
-int start(const QString &twin, const QString &clip, int rounds);
+int start(const QString &cli, const QString &clip, int rounds);
 /// Looks at real watched folders of several sizes, with new films in them and without.
 int watch();
 

@@ -1,5 +1,5 @@
 #include "Bench.h"
-#include "TwinRun.h"
+#include "CliRun.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -10,7 +10,7 @@ namespace bench {
 
 namespace {
 
-QStringList twinWords(const QString &clip, const QString &folder, const QString &defaults)
+QStringList cliWords(const QString &clip, const QString &folder, const QString &defaults)
 {
     return {u"--json"_s, u"--save-dir"_s, folder,        u"--defaults"_s, defaults,   u"convert"_s,
             clip,        u"--device"_s,   u"iPhone 4"_s, u"--video"_s,    u"1pass"_s, u"--video-bitrate"_s,
@@ -19,16 +19,16 @@ QStringList twinWords(const QString &clip, const QString &folder, const QString 
 
 } // namespace
 
-int convert(const QString &twin, const QString &clip, int rounds)
+int convert(const QString &cli, const QString &clip, int rounds)
 {
     const QTemporaryDir folder;
-    const QStringList words = twinWords(clip, folder.path(), folder.filePath(u"defaults.json"_s));
-    const Command bare = bareCommand(twin, words);
+    const QStringList words = cliWords(clip, folder.path(), folder.filePath(u"defaults.json"_s));
+    const Command bare = bareCommand(cli, words);
     QList<double> ours;
     QList<double> theirs;
     for (int round = 0; round < rounds; ++round) {
         QFile::remove(bare.output);
-        ours.append(runJob(twin, words).seconds);
+        ours.append(runJob(cli, words).seconds);
         QFile::remove(bare.output);
         bool isFine = false;
         theirs.append(seconds([&] { isFine = runQuietly(bare.program, bare.arguments); }));

@@ -1,5 +1,5 @@
 #include "Bench.h"
-#include "TwinRun.h"
+#include "CliRun.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -15,16 +15,16 @@ namespace {
 constexpr double bytesPerMegabyte = 1e6;
 
 /// One operation and the mkvmerge command that it launched, alternating.
-bool measure(const QString &name, const QString &twin, const QStringList &words, int rounds)
+bool measure(const QString &name, const QString &cli, const QStringList &words, int rounds)
 {
-    const Command bare = bareCommand(twin, words);
+    const Command bare = bareCommand(cli, words);
     QList<double> ours;
     QList<double> theirs;
     QList<double> growth;
     double most = 0;
     for (int round = 0; round < rounds; ++round) {
         QFile::remove(bare.output);
-        const JobRun run = runJob(twin, words);
+        const JobRun run = runJob(cli, words);
         QFile::remove(bare.output);
         bool isFine = false;
         theirs.append(seconds([&] { isFine = runQuietly(bare.program, bare.arguments); }));
@@ -54,7 +54,7 @@ bool measure(const QString &name, const QString &twin, const QStringList &words,
 
 } // namespace
 
-int mkv(const QString &twin, const QString &film, const QString &half, int rounds)
+int mkv(const QString &cli, const QString &film, const QString &half, int rounds)
 {
     const QTemporaryDir folder;
     const QString second = folder.filePath(u"second.mkv"_s);
@@ -62,8 +62,8 @@ int mkv(const QString &twin, const QString &film, const QString &half, int round
     const QStringList common{u"--json"_s, u"--save-dir"_s, folder.path(), u"--defaults"_s,
                              folder.filePath(u"defaults.json"_s)};
     const bool isFine =
-        measure(u"remux"_s, twin, common + QStringList{u"remux"_s, film, u"--force"_s}, rounds) &&
-        measure(u"join"_s, twin, common + QStringList{u"join"_s, half, second, u"--force"_s}, rounds);
+        measure(u"remux"_s, cli, common + QStringList{u"remux"_s, film, u"--force"_s}, rounds) &&
+        measure(u"join"_s, cli, common + QStringList{u"join"_s, half, second, u"--force"_s}, rounds);
     if (!isFine)
         say(u"a run failed"_s);
     return isFine ? 0 : 1;

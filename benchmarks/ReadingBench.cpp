@@ -1,6 +1,6 @@
 #include "Bench.h"
 
-#include "tools/step/FfmpegProgress.h"
+#include "steps/FfmpegProgress.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,12 +29,12 @@ QByteArray recordedOutput(qsizetype size)
 double megabytesPerSecond(qsizetype megabytes)
 {
     const QByteArray output = recordedOutput(megabytes * megabyte);
-    step::FfmpegProgressReader reader;
+    steps::FfmpegProgressReader reader;
     int percents = 0;
     const double taken = seconds([&] {
         for (qsizetype at = 0; at < output.size(); at += chunkSize) {
-            const step::FfmpegReading reading = reader.feed(output.mid(at, chunkSize));
-            percents += step::percentOfDuration(reading.time, u"7200"_s);
+            const steps::FfmpegReading reading = reader.feed(output.mid(at, chunkSize));
+            percents += steps::percentOfDuration(reading.time, u"7200"_s);
         }
     });
     return percents > 0 ? static_cast<double>(megabytes) / taken : 0;

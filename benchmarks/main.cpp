@@ -23,8 +23,8 @@ int main(int argc, char *argv[])
         return bench::start(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"watch"_s && words.size() == 1)
         return bench::watch();
-    bench::say(u"usage: tessaray-bench convert TWIN CLIP ROUNDS | mkv TWIN FILM HALF ROUNDS | probe "
+    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | mkv CLI FILM HALF ROUNDS | probe "
                u"RESOURCES CLIP ROUNDS | reading | "
-               "selection | start TWIN CLIP ROUNDS | watch"_s);
+               "selection | start CLI CLIP ROUNDS | watch"_s);
     return 64;
 }

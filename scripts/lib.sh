@@ -4,13 +4,16 @@
 # All that is said here goes to standard error: standard output belongs to the calling script.
 set -euo pipefail
 
+# Headers are precompiled, and one that was made again from the same sources is the same.
+export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_ctime,include_file_mtime
+
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
-# The compiler, CMake, Ninja and Qt build the programs; ffmpeg, mkvtoolnix and mplayer are the tools they
+# The compiler, its linker and cache, CMake, Ninja and Qt build the programs; ffmpeg, mkvtoolnix and mplayer are the tools they
 # drive; unzip unpacks them (zip is for tests) and procps has the ps that watches them; the font is for
 # burned-in subtitles. The window needs a platform plugin of Qt, and its tests a display of their own.
-debian_packages="g++ cmake ninja-build qt6-base-dev qt6-qpa-plugins ffmpeg mkvtoolnix mplayer atomicparsley unzip zip procps fonts-dejavu-core xvfb xauth"
-brew_formulas="cmake ninja qt ffmpeg mkvtoolnix mplayer atomicparsley"
+debian_packages="g++ lld ccache cmake ninja-build qt6-base-dev qt6-qpa-plugins ffmpeg mkvtoolnix mplayer atomicparsley unzip zip procps fonts-dejavu-core xvfb xauth"
+brew_formulas="ccache cmake ninja qt ffmpeg mkvtoolnix mplayer atomicparsley"
 needed_commands="c++ cmake ninja ffmpeg ffprobe mkvmerge unzip ps"
 
 say() { printf '==> %s\n' "$*" >&2; }

@@ -2,8 +2,8 @@
 
 #include "app/Environment.h"
 #include "engines/EngineJobs.h"
-#include "engines/KXMoviePlayer.h"
-#include "tools/step/OutputGuard.h"
+#include "engines/player/KXMoviePlayer.h"
+#include "steps/OutputGuard.h"
 
 using namespace Qt::StringLiterals;
 
@@ -45,7 +45,7 @@ jobs::JobContext Program::context()
     return contextFor(m_launcher, m_outputs);
 }
 
-jobs::JobContext Program::contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs)
+jobs::JobContext Program::contextFor(steps::StepLauncher &launcher, steps::OutputRegistry &outputs)
 {
     return {m_preferences, m_notifications, m_alerts,  m_volumes,  m_workspace,
             launcher,      outputs,         m_scratch, m_whenTaken};
@@ -66,7 +66,7 @@ QString Program::initialize(KXPreferences::Unpack tools)
 
 void Program::playMovie(const SelectionPointer &selection)
 {
-    step::OutputGuard guard(m_outputs, m_whenTaken);
+    steps::OutputGuard guard(m_outputs, m_whenTaken);
     KXMoviePlayer player({m_preferences, m_notifications, m_launcher, guard, {}, &m_alerts});
     player.playMovie(selection);
 }

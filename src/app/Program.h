@@ -13,9 +13,9 @@
 #include "prefs/KXWatchModeController.h"
 #include "presets/KXPresetsController.h"
 #include "selection/KXSelectionController.h"
-#include "tools/step/OutputRegistry.h"
-#include "tools/step/ScratchFolder.h"
-#include "tools/step/StepLauncher.h"
+#include "steps/OutputRegistry.h"
+#include "steps/ScratchFolder.h"
+#include "steps/StepLauncher.h"
 
 #include <memory>
 
@@ -29,7 +29,7 @@ public:
     struct Options
     {
         QString defaultsPath; ///< empty: the user's own
-        step::WhenTaken whenTaken = step::WhenTaken::NextFreeName;
+        steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
     };
 
     /// The presenter must outlive the program.
@@ -50,17 +50,17 @@ public:
     CurrentFile &currentFile() { return m_currentFile; }
     const jobs::JobFactory &factory() const { return m_factory; }
     /// Where names are kept that no job may write to.
-    step::OutputRegistry &outputs() { return m_outputs; }
+    steps::OutputRegistry &outputs() { return m_outputs; }
     KXWatchModeController &watchMode() { return m_watchMode; }
     /// Starts the player with the selection's tracks, and forgets it.
     void playMovie(const SelectionPointer &selection);
     /// What jobs are handed, with another launcher and registry where only the commands are wanted.
-    jobs::JobContext contextFor(step::StepLauncher &launcher, step::OutputRegistry &outputs);
+    jobs::JobContext contextFor(steps::StepLauncher &launcher, steps::OutputRegistry &outputs);
 
 private:
     jobs::JobContext context();
 
-    step::WhenTaken m_whenTaken;
+    steps::WhenTaken m_whenTaken;
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
     platform::Volumes m_volumes;
@@ -74,9 +74,9 @@ private:
     KXSelectionController m_selectionController;
     KXPresetsController m_presets;
     CurrentFile m_currentFile;
-    step::StepLauncher m_launcher;
-    step::OutputRegistry m_outputs;
-    step::ScratchFolder m_scratch;
+    steps::StepLauncher m_launcher;
+    steps::OutputRegistry m_outputs;
+    steps::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
 };

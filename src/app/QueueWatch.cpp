@@ -59,14 +59,14 @@ void QueueWatch::look()
 QString QueueWatch::summary() const
 {
     QStringList parts;
-    const auto add = [&](step::Verdict verdict, const QString &words) {
+    const auto add = [&](steps::Verdict verdict, const QString &words) {
         if (const int count = m_ended.value(verdict); count > 0)
             parts.append(words.arg(count));
     };
-    add(step::Verdict::Ok, tr("%1 done"));
-    add(step::Verdict::Warnings, tr("%1 done with warnings"));
-    add(step::Verdict::Failed, tr("%1 failed"));
-    add(step::Verdict::Stopped, tr("%1 stopped"));
+    add(steps::Verdict::Ok, tr("%1 done"));
+    add(steps::Verdict::Warnings, tr("%1 done with warnings"));
+    add(steps::Verdict::Failed, tr("%1 failed"));
+    add(steps::Verdict::Stopped, tr("%1 stopped"));
     return parts.join(u", "_s);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/step/Outcome.h"
+#include "steps/Outcome.h"
 
 #include <QMap>
 #include <QObject>
@@ -40,7 +40,7 @@ private:
 
     KXQueueController &m_queue;
     platform::Desktop &m_desktop;
-    QMap<step::Verdict, int> m_ended;
+    QMap<steps::Verdict, int> m_ended;
     std::weak_ptr<KXJob> m_lastEnded;
     bool m_working = false;
 };

@@ -195,7 +195,7 @@ void WatchSession::jobChanged(int row)
         return;
     m_lastEnded = job;
     m_journal.finished();
-    const bool failed = job->outcome().verdict == step::Verdict::Failed;
+    const bool failed = job->outcome().verdict == steps::Verdict::Failed;
     QStringList parts{job->jobFileName()};
     if (!failed && !job->outputs().isEmpty())
         parts.append(namesOf(job->outputs()));

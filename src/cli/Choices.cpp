@@ -1,8 +1,8 @@
 #include "cli/Choices.h"
 
 #include "cli/CommandLine.h"
-#include "engines/FfmpegDevices.h"
-#include "engines/FfmpegSubtitles.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "selection/KXSelection.h"
 #include "selection/Targets.h"
 #include "tools/Numbers.h"

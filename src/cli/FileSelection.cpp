@@ -1,7 +1,7 @@
 #include "cli/FileSelection.h"
 
 #include "cli/Session.h"
-#include "engines/FfmpegSubtitles.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "media/KXVideoFile.h"
 #include "tools/Numbers.h"
 

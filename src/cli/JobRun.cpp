@@ -15,12 +15,12 @@ namespace cli {
 
 namespace {
 
-ExitStatus statusOf(step::Verdict verdict)
+ExitStatus statusOf(steps::Verdict verdict)
 {
     switch (verdict) {
-    case step::Verdict::Warnings:
+    case steps::Verdict::Warnings:
         return ExitStatus::Warnings;
-    case step::Verdict::Failed:
+    case steps::Verdict::Failed:
         return ExitStatus::Failed;
     default:
         return ExitStatus::AllWell;
@@ -148,7 +148,7 @@ void JobRun::finished(const KXJob &job)
 {
     m_reported[&job] = u"done"_s;
     m_lastProgress.clear();
-    const step::Outcome outcome = job.outcome();
+    const steps::Outcome outcome = job.outcome();
     m_worst = worse(m_worst, statusOf(outcome.verdict));
     sendEvent(u"done"_s, job,
               {{u"outcome"_s, outcome.word()},
@@ -158,7 +158,7 @@ void JobRun::finished(const KXJob &job)
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
-    if (outcome.verdict != step::Verdict::Ok)
+    if (outcome.verdict != steps::Verdict::Ok)
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
 

@@ -1,7 +1,7 @@
 #include "cli/JobSubmission.h"
 
+#include "cli/DryRunPrinter.h"
 #include "cli/JobRun.h"
-#include "cli/RehearsalRun.h"
 #include "cli/Session.h"
 
 #include <QFileInfo>
@@ -87,12 +87,12 @@ ExitStatus submit(Session &session, const SelectionsMaker &makeSelections)
     const QList<SelectionPointer> selections = withWritableFolders(session, makeSelections(worst), worst);
     if (worst == ExitStatus::WrongUsage || session.isInterrupted())
         return worst;
-    RehearsalRun rehearsal(session);
-    const QString clash = selections.size() > 1 ? rehearsal.clash(selections) : QString();
+    DryRunPrinter dryRun(session);
+    const QString clash = selections.size() > 1 ? dryRun.clash(selections) : QString();
     if (!clash.isNull())
         return session.wrongUsage(clash);
     if (session.line().has(u"dry-run"_s))
-        return rehearsal.print(selections) ? worst : worse(worst, ExitStatus::Failed);
+        return dryRun.print(selections) ? worst : worse(worst, ExitStatus::Failed);
     return worse(worst, runAll(session, selections));
 }
 

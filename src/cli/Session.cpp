@@ -12,11 +12,11 @@ namespace cli {
 namespace {
 
 /// Somebody who is there is told; who watches a folder is not there.
-step::WhenTaken whenTakenFor(const CommandLine &line)
+steps::WhenTaken whenTakenFor(const CommandLine &line)
 {
     if (line.command() == u"watch"_s)
-        return step::WhenTaken::NextFreeName;
-    return line.has(u"force"_s) ? step::WhenTaken::Replace : step::WhenTaken::Refuse;
+        return steps::WhenTaken::NextFreeName;
+    return line.has(u"force"_s) ? steps::WhenTaken::Replace : steps::WhenTaken::Refuse;
 }
 
 } // namespace

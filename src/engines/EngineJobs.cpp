@@ -1,13 +1,13 @@
 #include "engines/EngineJobs.h"
 
-#include "engines/KXConvertToMkvJob.h"
-#include "engines/KXConvertWithFfmpegJob.h"
-#include "engines/KXEditMkvJob.h"
-#include "engines/KXExtractTracksJob.h"
-#include "engines/KXJoinVideosJob.h"
-#include "engines/KXRemuxVideoJob.h"
-#include "engines/KXSendToLintwickJob.h"
-#include "engines/KXSplitVideosJob.h"
+#include "engines/ffmpeg/KXConvertWithFfmpegJob.h"
+#include "engines/ffmpeg/KXExtractTracksJob.h"
+#include "engines/join/KXJoinVideosJob.h"
+#include "engines/mkvtoolnix/KXConvertToMkvJob.h"
+#include "engines/mkvtoolnix/KXEditMkvJob.h"
+#include "engines/mkvtoolnix/KXRemuxVideoJob.h"
+#include "engines/mkvtoolnix/KXSendToLintwickJob.h"
+#include "engines/mkvtoolnix/KXSplitVideosJob.h"
 #include "jobs/JobFactory.h"
 
 namespace engines {

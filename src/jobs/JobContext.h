@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/step/OutputGuard.h"
+#include "steps/OutputGuard.h"
 
 #include <QThread>
 
@@ -13,11 +13,11 @@ class Volumes;
 class Workspace;
 } // namespace platform
 
-namespace step {
+namespace steps {
 class OutputRegistry;
 class ScratchFolder;
 class StepLauncher;
-} // namespace step
+} // namespace steps
 
 namespace jobs {
 
@@ -29,10 +29,10 @@ struct JobContext
     platform::AlertPresenter &alerts;
     const platform::Volumes &volumes;
     platform::Workspace &workspace;
-    step::StepLauncher &launcher;
-    step::OutputRegistry &outputs;
-    step::ScratchFolder &scratch;
-    step::WhenTaken whenTaken = step::WhenTaken::NextFreeName;
+    steps::StepLauncher &launcher;
+    steps::OutputRegistry &outputs;
+    steps::ScratchFolder &scratch;
+    steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
     int toolsAtOnce = QThread::idealThreadCount(); ///< of one job
 };
 

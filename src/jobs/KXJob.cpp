@@ -3,7 +3,7 @@
 
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
-#include "tools/step/ScratchFolder.h"
+#include "steps/ScratchFolder.h"
 
 #include <QTime>
 
@@ -32,7 +32,7 @@ QList<QUrl> inputsOf(const KXSelection &selection)
 /// A step that is well needs no words to be judged by; those of hundreds of steps would fill the memory.
 void dropWordsOf(KXConverter &converter)
 {
-    if (converter.outcome().verdict == step::Verdict::Ok)
+    if (converter.outcome().verdict == steps::Verdict::Ok)
         converter.setLogString(u""_s);
 }
 
@@ -99,7 +99,7 @@ const QString &KXJob::temporaryFolder()
     return m_temporaryFolder;
 }
 
-step::ConverterContext KXJob::converterContext()
+steps::ConverterContext KXJob::converterContext()
 {
     return {m_context.preferences, m_context.notifications, m_context.launcher, m_guard,    temporaryFolder(),
             &m_context.alerts,     toolsAtOnce(),           &m_durations,       m_cancelled};
@@ -107,7 +107,7 @@ step::ConverterContext KXJob::converterContext()
 
 void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
 {
-    const bool mayRun = task || m_context.launcher.isRehearsal();
+    const bool mayRun = task || m_context.launcher.isDryRun();
     if (task)
         addTask(task);
     m_progressList.append({converter->stepName(), mayRun ? u"0%"_s : u"Complete"_s});
@@ -147,13 +147,13 @@ void KXJob::startInTurn(const QList<ConverterPointer> &converters, const StepSta
 /// All steps go by the same source as a rule, and a look is a tool too.
 void KXJob::startWaitingStepsOnceDurationsAreKnown()
 {
-    const bool asks = !m_waitingSteps.isEmpty() && !m_context.launcher.isRehearsal();
+    const bool asks = !m_waitingSteps.isEmpty() && !m_context.launcher.isDryRun();
     const auto begin = [this] {
         startWaitingSteps();
         endIfNothingRuns();
     };
     if (asks && m_durations.ask(m_stepConverterList.at(m_waitingSteps.constFirst())->timedSources()))
-        connect(&m_durations, &step::DurationLooks::answered, this, begin, Qt::SingleShotConnection);
+        connect(&m_durations, &steps::DurationLooks::answered, this, begin, Qt::SingleShotConnection);
     else
         begin();
 }
@@ -161,7 +161,7 @@ void KXJob::startWaitingStepsOnceDurationsAreKnown()
 void KXJob::startWaitingSteps()
 {
     const auto mayStart = [this] {
-        return m_context.launcher.isRehearsal() || m_runningSteps.size() < toolsAtOnce();
+        return m_context.launcher.isDryRun() || m_runningSteps.size() < toolsAtOnce();
     };
     while (!m_waitingSteps.isEmpty() && !m_isPaused && !jobIsCancelled() && mayStart())
         startWaitingStep(m_waitingSteps.takeFirst());
@@ -173,7 +173,7 @@ void KXJob::startWaitingStep(qsizetype index)
     if (task) {
         addTask(task);
         m_runningSteps.insert(index);
-    } else if (!m_context.launcher.isRehearsal()) {
+    } else if (!m_context.launcher.isDryRun()) {
         completeStep(index, m_stepConverterList.at(index)->stepName());
     }
 }

@@ -3,8 +3,8 @@
 #include "jobs/JobContext.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
-#include "tools/step/DurationLooks.h"
-#include "tools/step/KXConverter.h"
+#include "steps/DurationLooks.h"
+#include "steps/KXConverter.h"
 
 #include <QSet>
 #include <QThreadPool>
@@ -76,7 +76,7 @@ public:
     bool hasEnded() const { return m_ended; }
 
     /// How the job went; Unknown until it has ended.
-    step::Outcome outcome() const { return m_outcome; }
+    steps::Outcome outcome() const { return m_outcome; }
     /// Finished files the user wanted, in step order.
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.
@@ -89,9 +89,9 @@ Q_SIGNALS:
 
 protected:
     const jobs::JobContext &context() const { return m_context; }
-    step::OutputGuard &guard() { return m_guard; }
+    steps::OutputGuard &guard() { return m_guard; }
     void observe(const QString &name);
-    step::ConverterContext converterContext();
+    steps::ConverterContext converterContext();
     const QString &temporaryFolder();
     const tools::StopFlag &cancelFlag() const { return m_cancelled; }
     /// Takes a converter whose step was just started (or refused) into the lists.
@@ -108,11 +108,11 @@ protected:
     void requestJobDone(int afterMilliseconds = 0);
     /// A job of which nothing runs would never end: it ends after 0.1 s.
     void endIfNothingRuns();
-    void addOutcome(const step::Outcome &outcome);
+    void addOutcome(const steps::Outcome &outcome);
     /// Takes its logs and intermediate files into the lists of what goes at the end.
     void noteFilesOf(const KXConverter &converter);
     /// The outcome of a step that has ended; the log of a failed one is kept and named.
-    step::Outcome outcomeOfStep(KXConverter &converter);
+    steps::Outcome outcomeOfStep(KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
     /// The start of a job of one step: the converter joins the lists, and is started there.
     void startSingleStep(const ConverterPointer &converter,
@@ -156,16 +156,16 @@ private:
     void releaseEverything();
 
     jobs::JobContext m_context;
-    step::OutputGuard m_guard;
+    steps::OutputGuard m_guard;
     SelectionPointer m_jobSelection;
     QThreadPool m_monitorQueue;
-    step::DurationLooks m_durations;
+    steps::DurationLooks m_durations;
     /// Set when the job is stopped; handed to whatever waits inside it.
     tools::StopFlag m_cancelled = std::make_shared<std::atomic_bool>(false);
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;
     QTimer m_flashProgressTimer;
     std::optional<jobs::ProgressUpdate> m_flashing;
-    step::Outcome m_outcome;
+    steps::Outcome m_outcome;
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_outputs;
     QString m_temporaryFolder;

@@ -3,9 +3,9 @@
 
 #include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
+#include "steps/ScratchFolder.h"
 #include "tools/Numbers.h"
 #include "tools/ProcessGroup.h"
-#include "tools/step/ScratchFolder.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -102,7 +102,7 @@ void KXJob::stopJob()
     deleteFiles(m_logFilesToDeleteList);
     deleteFiles(m_tempFilesToDeleteList);
     releaseEverything();
-    m_outcome = step::Outcome::stopped();
+    m_outcome = steps::Outcome::stopped();
     Q_EMIT outcomeChanged();
 }
 
@@ -130,7 +130,7 @@ void KXJob::jobDone()
     checkFreeSpace();
 }
 
-void KXJob::addOutcome(const step::Outcome &outcome)
+void KXJob::addOutcome(const steps::Outcome &outcome)
 {
     m_outcome = m_outcome.joinedWith(outcome);
 }
@@ -152,11 +152,11 @@ QString KXJob::remainsOf(const KXConverter &converter)
 
 /// A failed step's empty output goes; any other stays and is named: a wrong verdict must never cost
 /// anybody a film.
-step::Outcome KXJob::outcomeOfStep(KXConverter &converter)
+steps::Outcome KXJob::outcomeOfStep(KXConverter &converter)
 {
-    step::Outcome outcome = converter.outcome();
+    steps::Outcome outcome = converter.outcome();
     const bool wasStarted = converter.converterTask() || !converter.doShell_ID().isEmpty();
-    if (outcome.verdict == step::Verdict::Failed) {
+    if (outcome.verdict == steps::Verdict::Failed) {
         m_logsToKeep.append(converter.logFileURL());
         if (wasStarted && m_guard.files().isOwn(converter.logFileURL()))
             outcome.sentence += u" The log is %1."_s.arg(converter.logFileURL().toLocalFile());
@@ -174,9 +174,9 @@ void KXJob::settleOutcome()
         if (converter)
             addOutcome(outcomeOfStep(*converter));
     }
-    if (m_outcome.verdict == step::Verdict::Unknown)
-        m_outcome = step::Outcome::ok();
-    if (m_outcome.verdict == step::Verdict::Failed) {
+    if (m_outcome.verdict == steps::Verdict::Unknown)
+        m_outcome = steps::Outcome::ok();
+    if (m_outcome.verdict == steps::Verdict::Failed) {
         for (const auto &[place, incomplete] : m_guard.putBackReplaced())
             m_outcome.sentence.replace(keptSentence(place), keptSentence(incomplete));
     } else {
@@ -220,7 +220,7 @@ void KXJob::releaseEverything()
 
 QString KXJob::startProblem() const
 {
-    if (m_outcome.verdict == step::Verdict::Failed)
+    if (m_outcome.verdict == steps::Verdict::Failed)
         return m_outcome.sentence;
     for (const ConverterPointer &converter : m_stepConverterList) {
         if (converter && !converter->refusal().isNull())

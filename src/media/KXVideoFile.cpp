@@ -13,7 +13,6 @@ using media::TrackKind;
 namespace {
 
 const QString ok = u"OK"_s;
-const QString notAVideo = u"not a video"_s;
 const QString notIdentified = u"track not identified"_s;
 
 /// The quotient of "24000/1001" as "%f" prints it; absent when it is no such pair.

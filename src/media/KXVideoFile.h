@@ -147,6 +147,9 @@ public:
     QUrl mkvinfoURL() const { return resource(QStringLiteral("mkvinfo")); }
 
 private:
+    /// The status of a file that no video can be read from.
+    inline static const QString notAVideo = QStringLiteral("not a video");
+
     QUrl resource(const QString &name) const;
     QString ffprobe(const QUrl &url, const tools::OptionList &options) const;
     QString probeOf(const QUrl &url) const;

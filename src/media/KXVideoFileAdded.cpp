@@ -16,8 +16,6 @@ using media::TrackKind;
 
 namespace {
 
-const QString notAVideo = u"not a video"_s;
-
 QString typeOf(const QVariant &stream)
 {
     return media::textIn(stream.toMap(), u"codec_type"_s);

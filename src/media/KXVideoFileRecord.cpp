@@ -27,7 +27,7 @@ QStringList resetNames()
     return names;
 }
 
-const QStringList &printedNames()
+const QStringList &printedFileNames()
 {
     static const QStringList names{u"theFilePath"_s,
                                    u"theFileName"_s,
@@ -52,13 +52,6 @@ void copyProperties(const QStringList &names, const KXVideoFile &from, KXVideoFi
 {
     for (const QString &name : names)
         to.setProperty(qPrintable(name), from.property(qPrintable(name)));
-}
-
-QString printed(const QVariant &value)
-{
-    if (value.typeId() == QMetaType::Bool)
-        return value.toBool() ? u"1"_s : u"0"_s;
-    return value.toString();
 }
 
 } // namespace
@@ -108,8 +101,8 @@ void KXVideoFile::makeSelfCopyOfVideoFile(const KXVideoFile &other)
 QString KXVideoFile::stringFromFileProperties() const
 {
     QString text = u"\n\n\n"_s + heading + u'\n';
-    for (const QString &name : printedNames())
-        text += name + u" = "_s + printed(property(qPrintable(name))) + u'\n';
+    for (const QString &name : printedFileNames())
+        text += name + u" = "_s + platform::printedField(property(qPrintable(name))) + u'\n';
     int number = 0;
     for (const TrackPointer &track : trackList()) {
         text +=
@@ -123,7 +116,7 @@ QString KXVideoFile::stringFromFileProperties() const
 void KXVideoFile::logFileProperties() const
 {
     logString(heading);
-    for (const QString &name : printedNames())
+    for (const QString &name : printedFileNames())
         logObjectWithString(property(qPrintable(name)), name);
     int number = 0;
     for (const TrackPointer &track : trackList()) {

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// The words of the text form: locations, audio settings and the snapshot stay out.
-const QStringList &printedNames()
+const QStringList &printedTrackNames()
 {
     static const QStringList names{u"trackSelected"_s,
                                    u"trackType"_s,
@@ -59,13 +59,6 @@ std::optional<int> numberIn(const QString &text)
     return static_cast<int>(tools::leadingInteger(text));
 }
 
-QString printed(const QVariant &value)
-{
-    if (value.typeId() == QMetaType::Bool)
-        return value.toBool() ? u"1"_s : u"0"_s;
-    return value.toString();
-}
-
 } // namespace
 
 const QStringList &KXVideoTrack::fieldNames()
@@ -113,19 +106,19 @@ void KXVideoTrack::initializeForMuxing()
 QString KXVideoTrack::stringFromTrackProperties() const
 {
     QString text;
-    for (const QString &name : printedNames())
-        text += name + u" = "_s + printed(property(qPrintable(name))) + u'\n';
+    for (const QString &name : printedTrackNames())
+        text += name + u" = "_s + platform::printedField(property(qPrintable(name))) + u'\n';
     return text;
 }
 
 void KXVideoTrack::logTrackProperties() const
 {
-    logFields(printedNames());
+    logFields(printedTrackNames());
 }
 
 void KXVideoTrack::logMuxingTrackProperties() const
 {
-    logFields(printedNames());
+    logFields(printedTrackNames());
     logFields(fieldNames().filter(u"muxing"_s));
     logFields({u"trackMkvmergeID"_s, u"wasReEncoded"_s});
 }

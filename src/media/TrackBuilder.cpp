@@ -29,11 +29,11 @@ bool isPicture(const QString &codecName)
     return pictures.contains(codecName.toLower());
 }
 
-QString infoOf(const KXVideoTrack &track)
+QString infoOf(const KXVideoTrack &described)
 {
-    const QString channels = u' ' + track.trackNumberOfChannels() + u"ch."_s;
-    return track.trackType() + u": ("_s + track.trackCodec() +
-           (track.trackType() == wordOf(TrackKind::Audio) ? channels : QString()) + u')';
+    const QString channels = u' ' + described.trackNumberOfChannels() + u"ch."_s;
+    return described.trackType() + u": ("_s + described.trackCodec() +
+           (described.trackType() == wordOf(TrackKind::Audio) ? channels : QString()) + u')';
 }
 
 } // namespace

@@ -1,6 +1,19 @@
 #pragma once
 
 #include <QObject>
+#include <QVariant>
+
+namespace platform {
+
+/// A field's value in the text form of a record: flags as 1 and 0.
+inline QString printedField(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    return value.toString();
+}
+
+} // namespace platform
 
 /// Declares one field of a record: a property of that name, its getter and its setter. Records are
 /// copied, dumped and printed by these names, so a field word stands exactly here.

@@ -31,19 +31,19 @@ FileId idOf(const struct stat &status)
 }
 
 /// An open file, closed with the object.
-class Descriptor final
+class OpenPlainFile final
 {
 public:
-    Descriptor(const QByteArray &path, int flags)
+    OpenPlainFile(const QByteArray &path, int flags)
         : m_number(::open(path.constData(), flags | O_CLOEXEC | O_NONBLOCK, usualMode))
     {
     }
-    ~Descriptor()
+    ~OpenPlainFile()
     {
         if (isOpen())
             ::close(m_number);
     }
-    Q_DISABLE_COPY_MOVE(Descriptor)
+    Q_DISABLE_COPY_MOVE(OpenPlainFile)
 
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
@@ -77,7 +77,7 @@ private:
 
 constexpr int anew = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
 
-bool copyAll(const Descriptor &from, const Descriptor &to)
+bool copyAll(const OpenPlainFile &from, const OpenPlainFile &to)
 {
     for (;;) {
         const auto bytes = from.read();
@@ -134,7 +134,7 @@ std::optional<FileId> fileAt(const QUrl &location)
 
 std::optional<FileId> createFile(const QUrl &location, const QByteArray &content)
 {
-    const Descriptor file(pathOf(location), anew);
+    const OpenPlainFile file(pathOf(location), anew);
     if (file.isOpen())
         file.write(content);
     return file.file();
@@ -142,7 +142,7 @@ std::optional<FileId> createFile(const QUrl &location, const QByteArray &content
 
 bool appendToFile(const QUrl &location, const FileId &file, const QByteArray &bytes)
 {
-    const Descriptor open(pathOf(location), O_WRONLY | O_APPEND | O_NOFOLLOW);
+    const OpenPlainFile open(pathOf(location), O_WRONLY | O_APPEND | O_NOFOLLOW);
     const auto found = open.file();
     return found && found->isPlain && found->isSameAs(file) && open.write(bytes);
 }
@@ -154,7 +154,7 @@ bool replacePlainFile(const QUrl &location, const QByteArray &content)
     if (stands && !S_ISREG(old.st_mode))
         return false;
     const QUrl beside = hiddenNeighbourOf(location);
-    const Descriptor file(pathOf(beside), anew);
+    const OpenPlainFile file(pathOf(beside), anew);
     if (!file.isOpen())
         return false;
     const bool isWhole = file.write(content) && (!stands || ::fchmod(file.number(), old.st_mode) == 0);
@@ -166,11 +166,11 @@ bool replacePlainFile(const QUrl &location, const QByteArray &content)
 
 std::optional<FileId> copyPlainFile(const QUrl &from, const QUrl &to)
 {
-    const Descriptor source(pathOf(from), O_RDONLY);
+    const OpenPlainFile source(pathOf(from), O_RDONLY);
     const auto found = source.file();
     if (!found || !found->isPlain)
         return std::nullopt;
-    const Descriptor target(pathOf(to), anew);
+    const OpenPlainFile target(pathOf(to), anew);
     if (!target.isOpen())
         return std::nullopt;
     if (copyAll(source, target))

@@ -55,11 +55,11 @@ QString statusTextOf(const KXJob &job)
     if (status != u"Completed"_s)
         return status;
     switch (job.outcome().verdict) {
-    case step::Verdict::Warnings:
+    case steps::Verdict::Warnings:
         return JobModel::tr("%1, with warnings").arg(status);
-    case step::Verdict::Failed:
+    case steps::Verdict::Failed:
         return JobModel::tr("%1, failed").arg(status);
-    case step::Verdict::Stopped:
+    case steps::Verdict::Stopped:
         return JobModel::tr("%1, stopped").arg(status);
     default:
         return status;
@@ -88,11 +88,11 @@ QVariant JobModel::iconOf(const KXJob &job, int column) const
     if (column != Status)
         return {};
     switch (job.outcome().verdict) {
-    case step::Verdict::Ok:
+    case steps::Verdict::Ok:
         return style->standardIcon(QStyle::SP_DialogApplyButton);
-    case step::Verdict::Warnings:
+    case steps::Verdict::Warnings:
         return style->standardIcon(QStyle::SP_MessageBoxWarning);
-    case step::Verdict::Failed:
+    case steps::Verdict::Failed:
         return style->standardIcon(QStyle::SP_MessageBoxCritical);
     default:
         return {};

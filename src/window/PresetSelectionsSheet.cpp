@@ -18,9 +18,6 @@ namespace window {
 
 namespace {
 
-/// "Manual" has no row.
-constexpr int hiddenPresets = 1;
-
 // What the video rule stores.
 const QString firstTrack = u"First Track"_s;
 const QString noTrack = u"0"_s;

@@ -15,8 +15,6 @@ namespace window {
 
 namespace {
 
-/// "Manual" has no row.
-constexpr int hiddenPresets = 1;
 constexpr int custom = 1;
 
 /// A text that is not offered, as stored presets may hold, is shown all the same.

@@ -26,6 +26,9 @@ public:
     void reject() override { finish(); }
 
 protected:
+    /// The list's first preset, which has no row: the manual choice.
+    static constexpr int hiddenPresets = 1;
+
     PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent);
 
     /// Starts with the name; the preset's other fields go below it.

@@ -1,6 +1,6 @@
 #include "support/Canaries.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "support/Clips.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Scratch.h"
 
 #include <QDir>
@@ -292,7 +292,7 @@ QString rawH264()
 QString srtFile()
 {
     return clip(u"lines.srt"_s, [](const QString &path) {
-        writeContent(path, "1\n00:00:01,000 --> 00:00:03,000\nHello, world\n\n"
+        writeContent(path, "1\n00:00:01,000 --> 00:00:03,000\nHello, base\n\n"
                            "2\n00:00:03,500 --> 00:00:06,000\nSecond line\n\n");
     });
 }

@@ -13,28 +13,28 @@ namespace support {
 
 namespace {
 
-/// From the ground up. The window and the twin stand side by side and don't know each other.
-QStringList rooms()
+/// From the ground up. The window and the command line stand side by side and don't know each other.
+QStringList modules()
 {
     return {u"platform"_s, u"tools"_s, u"media"_s,   u"prefs"_s, u"selection"_s, u"presets"_s,
-            u"step"_s,     u"jobs"_s,  u"engines"_s, u"app"_s,   u"window"_s,    u"cli"_s};
+            u"steps"_s,    u"jobs"_s,  u"engines"_s, u"app"_s,   u"window"_s,    u"cli"_s};
 }
 
-QString roomOf(const QString &file)
+QString moduleOf(const QString &file)
 {
-    return file.startsWith(u"tools/step/"_s) ? u"step"_s : file.section(u'/', 0, 0);
+    return file.section(u'/', 0, 0);
 }
 
-bool mayKnow(const QString &room, const QString &other)
+bool mayKnow(const QString &module, const QString &other)
 {
-    if (room == other)
+    if (module == other)
         return true;
     if (other == u"window"_s || other == u"cli"_s)
         return false;
-    return rooms().contains(other) && rooms().indexOf(other) < rooms().indexOf(room);
+    return modules().contains(other) && modules().indexOf(other) < modules().indexOf(module);
 }
 
-QString contentOf(const QString &path)
+QString textOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
@@ -54,7 +54,7 @@ LayerCheck::LayerCheck(const QString &sourceFolder)
     files.sort();
     for (const QString &file : files) {
         if (!file.contains(u'/'))
-            continue; // the list of rooms itself
+            continue; // the list of modules itself
         if (file.endsWith(u"CMakeLists.txt"_s))
             judgeLinks(file);
         else
@@ -72,9 +72,9 @@ void LayerCheck::readFile(const QString &file)
         u"^[ \\t]*#[ \\t]*(?:include|import)[ \\t]*([<\"])([^>\"\\n]+)[>\"]"_s,
         QRegularExpression::MultilineOption);
     m_includes.insert(file, {});
-    if (!rooms().contains(roomOf(file)))
-        m_offences.append(file + u": stands in no room"_s);
-    const QString content = contentOf(m_folder + file);
+    if (!modules().contains(moduleOf(file)))
+        m_offences.append(file + u": stands in no module"_s);
+    const QString content = textOf(m_folder + file);
     for (auto found = line.globalMatch(content); found.hasNext();) {
         const auto match = found.next();
         judge(file, match.captured(2), match.captured(1) == u"\""_s);
@@ -93,35 +93,35 @@ void LayerCheck::judge(const QString &file, const QString &include, bool quoted)
         return;
     }
     m_includes[file].append(include);
-    if (!mayKnow(roomOf(file), roomOf(include)))
+    if (!mayKnow(moduleOf(file), moduleOf(include)))
         m_offences.append(file + u": knows %1 above it"_s.arg(include));
 }
 
 void LayerCheck::judgeQt(const QString &file, const QString &include)
 {
     const QString core = include.startsWith(u"QtCore/"_s) ? include : u"QtCore/"_s + include;
-    if (roomOf(file) != u"window"_s && !QFile::exists(m_qtHeaders + core))
+    if (moduleOf(file) != u"window"_s && !QFile::exists(m_qtHeaders + core))
         m_offences.append(file + u": takes <%1>, which is not of Qt Core"_s.arg(include));
 }
 
 void LayerCheck::judgeLinks(const QString &file)
 {
     static const QRegularExpression word(u"\\b(?:Qt6?::(\\w+)|tessaray_(\\w+))"_s);
-    static const QRegularExpression roomList(
-        u"tessaray_room\\(\\s*\\w+\\s+ROOMS\\s+([\\w\\s]*?)\\s*(?:SOURCES|\\))"_s);
-    const QString room = roomOf(file.section(u'/', 0, -2) + u'/');
-    const QString content = contentOf(m_folder + file);
+    static const QRegularExpression moduleList(
+        u"tessaray_module\\(\\s*\\w+\\s+MODULES\\s+([\\w\\s]*?)\\s*(?:SOURCES|\\))"_s);
+    const QString module = moduleOf(file.section(u'/', 0, -2) + u'/');
+    const QString content = textOf(m_folder + file);
     QStringList linked =
-        roomList.match(content).captured(1).split(QRegularExpression(u"\\s+"_s), Qt::SkipEmptyParts);
+        moduleList.match(content).captured(1).split(QRegularExpression(u"\\s+"_s), Qt::SkipEmptyParts);
     for (auto found = word.globalMatch(content); found.hasNext();) {
         const auto match = found.next();
-        if (room != u"window"_s && !match.captured(1).isEmpty() && match.captured(1) != u"Core"_s)
+        if (module != u"window"_s && !match.captured(1).isEmpty() && match.captured(1) != u"Core"_s)
             m_offences.append(file + u": links Qt %1"_s.arg(match.captured(1)));
-        if (rooms().contains(match.captured(2)))
+        if (modules().contains(match.captured(2)))
             linked.append(match.captured(2));
     }
     for (const QString &other : linked) {
-        if (!mayKnow(room, other))
+        if (!mayKnow(module, other))
             m_offences.append(file + u": links %1 above it"_s.arg(other));
     }
 }

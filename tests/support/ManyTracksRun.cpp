@@ -170,21 +170,21 @@ QList<QStringList> ManyTracksRun::lists(const QString &film, const QString &outp
     return {first, last};
 }
 
-ManyTracksBench::ManyTracksBench()
-    : m_film(m_twin.clip(manyTracksMkv(), u"film.mkv"_s))
+ManyTracksFixture::ManyTracksFixture()
+    : m_film(m_cli.clip(manyTracksMkv(), u"film.mkv"_s))
     , m_videoRate(videoRateOf(m_film))
 {
 }
 
-QString ManyTracksBench::difference(const QJsonObject &rule, const QJsonObject &settings,
-                                    const ManyTracksRun &expected, const QStringList &options) const
+QString ManyTracksFixture::difference(const QJsonObject &rule, const QJsonObject &settings,
+                                      const ManyTracksRun &expected, const QStringList &options) const
 {
-    storePresets(m_twin, {rule}, {settings});
+    storePresets(m_cli, {rule}, {settings});
     const auto run =
-        m_twin.run(QStringList{u"convert"_s, u"film.mkv"_s, u"--track-preset"_s,
-                               rule.value(u"pName"_s).toString(), u"--settings-preset"_s,
-                               settings.value(u"pName"_s).toString(), u"--dry-run"_s, u"--json"_s} +
-                   options);
+        m_cli.run(QStringList{u"convert"_s, u"film.mkv"_s, u"--track-preset"_s,
+                              rule.value(u"pName"_s).toString(), u"--settings-preset"_s,
+                              settings.value(u"pName"_s).toString(), u"--dry-run"_s, u"--json"_s} +
+                  options);
     if (run.status != 0 || !run.error.isEmpty())
         return u"%1: %2"_s.arg(QString::number(run.status), run.said());
     QList<QJsonObject> steps = run.objects();
@@ -192,7 +192,7 @@ QString ManyTracksBench::difference(const QJsonObject &rule, const QJsonObject &
     const QString extraction = burns ? steps.takeFirst().value(u"line"_s).toString() : QString();
     if (burns && !extraction.contains(u" -map 0:%1 "_s.arg(expected.subtitles.mid(5))))
         return u"no extraction: "_s + extraction;
-    const QString output = m_twin.media(expected.outputName());
+    const QString output = m_cli.media(expected.outputName());
     const auto lists = expected.lists(m_film, output);
     if (steps.size() != lists.size())
         return u"%1 steps instead of %2"_s.arg(QString::number(steps.size()), QString::number(lists.size()));
@@ -202,8 +202,8 @@ QString ManyTracksBench::difference(const QJsonObject &rule, const QJsonObject &
     return all;
 }
 
-QString ManyTracksBench::differenceOf(const QJsonObject &step, const QStringList &list,
-                                      const QString &output) const
+QString ManyTracksFixture::differenceOf(const QJsonObject &step, const QStringList &list,
+                                        const QString &output) const
 {
     const QString meant = step.value(u"jobType"_s).toString() + u" to "_s +
                           step.value(u"output"_s).toString() + u": "_s + argumentsOf(step).join(u' ');

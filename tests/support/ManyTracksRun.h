@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Twin.h"
+#include "support/CliFixture.h"
 
 namespace support {
 
@@ -19,10 +19,10 @@ struct ManyTracksRun
 };
 
 /// The film, and the program that is asked what it would run.
-class ManyTracksBench final
+class ManyTracksFixture final
 {
 public:
-    ManyTracksBench();
+    ManyTracksFixture();
 
     /// What differs from the run that is expected when these presets are stored and chosen and the options
     /// given; a null text when nothing does.
@@ -30,12 +30,12 @@ public:
                        const QStringList &options = {}) const;
     /// What the film's own bit rate leaves to its video, in kb/s.
     const QString &videoRate() const { return m_videoRate; }
-    const Twin &twin() const { return m_twin; }
+    const CliFixture &cli() const { return m_cli; }
 
 private:
     QString differenceOf(const QJsonObject &step, const QStringList &list, const QString &output) const;
 
-    Twin m_twin;
+    CliFixture m_cli;
     QString m_film;
     QString m_videoRate;
 };

@@ -1,6 +1,6 @@
 #include "support/Mutants.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/TaggedFilms.h"
 

@@ -1,7 +1,7 @@
 #include "support/PresetLists.h"
 
+#include "support/CliFixture.h"
 #include "support/PresetRecords.h"
-#include "support/Twin.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,15 +29,15 @@ QStringList namesOf(const QJsonArray &records)
     return names;
 }
 
-void storePresets(const Twin &twin, const QJsonArray &rules, const QJsonArray &settings)
+void storePresets(const CliFixture &cli, const QJsonArray &rules, const QJsonArray &settings)
 {
-    twin.scratch().write(u"defaults.json"_s, storedPresets(rules, settings));
+    cli.scratch().write(u"defaults.json"_s, storedPresets(rules, settings));
 }
 
-QStringList listedPresets(const Twin &twin)
+QStringList listedPresets(const CliFixture &cli)
 {
     QStringList lines;
-    for (const QJsonObject &preset : twin.run({u"presets"_s, u"list"_s, u"--json"_s}).objects())
+    for (const QJsonObject &preset : cli.run({u"presets"_s, u"list"_s, u"--json"_s}).objects())
         lines.append(preset.value(u"kind"_s).toString() + u": "_s + preset.value(u"name"_s).toString());
     return lines;
 }

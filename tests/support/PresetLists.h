@@ -5,7 +5,7 @@
 
 namespace support {
 
-class Twin;
+class CliFixture;
 
 /// Three presets that choose tracks, of every kind of rule.
 QJsonArray someRules();
@@ -13,9 +13,9 @@ QJsonArray someRules();
 QJsonArray someSettings();
 QStringList namesOf(const QJsonArray &records);
 /// Makes them, and nothing else, the program's settings.
-void storePresets(const Twin &twin, const QJsonArray &rules, const QJsonArray &settings);
+void storePresets(const CliFixture &cli, const QJsonArray &rules, const QJsonArray &settings);
 /// What "presets list" tells: "tracks: Manual".
-QStringList listedPresets(const Twin &twin);
+QStringList listedPresets(const CliFixture &cli);
 /// The same for a user who has presets of these names.
 QStringList listOfPresets(const QStringList &rules, const QStringList &settings);
 

@@ -1,4 +1,4 @@
-// Stands in front of a program: writes down how it was called and then becomes it. Twin.h says where it
+// Stands in front of a program: writes down how it was called and then becomes it. CliFixture.h says where it
 // is put. It takes the path it was started by, so that one file serves under a thousand names.
 #include <cerrno>
 #include <cstdio>

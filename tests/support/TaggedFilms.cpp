@@ -1,6 +1,6 @@
 #include "support/TaggedFilms.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 
 #include <QFile>
 
@@ -44,7 +44,7 @@ QByteArray xmlOf(const TagList &tags)
 
 QString tinyTextMkv()
 {
-    return withSubtitle(u"tiny-text.mkv"_s, u".srt"_s, "1\n00:00:00,000 --> 00:00:01,900\nHello, world\n\n");
+    return withSubtitle(u"tiny-text.mkv"_s, u".srt"_s, "1\n00:00:00,000 --> 00:00:01,900\nHello, base\n\n");
 }
 
 QString tinyPictureMkv()

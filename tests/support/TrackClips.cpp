@@ -1,6 +1,6 @@
 #include "support/TrackClips.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 
 #include <QFile>

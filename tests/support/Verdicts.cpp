@@ -81,7 +81,7 @@ QString offenceOfLine(const QByteArray &line)
 
 } // namespace
 
-QString untruthOf(const Twin::Run &run)
+QString untruthOf(const CliFixture::Run &run)
 {
     static const QList<int> known{0, 1, 2, 64};
     if (!known.contains(run.status))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Twin.h"
+#include "support/CliFixture.h"
 
 namespace support {
 
@@ -8,6 +8,6 @@ namespace support {
 /// all is well: an end by itself with a status that the help names, a reason wherever it is not 0, and for
 /// each job that it calls "ok" outputs that are there and hold packets: in every stream, but for those that
 /// are empty in the source too, and for parts of a film, each of which must hold some.
-QString untruthOf(const Twin::Run &run);
+QString untruthOf(const CliFixture::Run &run);
 
 } // namespace support

@@ -1,9 +1,10 @@
 // Files that were added to a film are sources of its conversion: nothing is ever written over them.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
+#include "support/TestMain.h"
 #include "support/TrackClips.h"
-#include "support/Twin.h"
+#include "support/engines/RealRuns.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -35,10 +36,10 @@ private Q_SLOTS:
         const QString sound = m_runs->film(audioOnly(), u"a.m4v"_s);
         const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound});
         const auto job =
-            m_runs->convert(selection, isForced ? step::WhenTaken::Replace : step::WhenTaken::NextFreeName);
+            m_runs->convert(selection, isForced ? steps::WhenTaken::Replace : steps::WhenTaken::NextFreeName);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
-        QCOMPARE(job->outputs(), QList<QUrl>{m_runs->world.scratch.url(u"a.mkv.m4v"_s)});
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QCOMPARE(job->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a.mkv.m4v"_s)});
         QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
         QCOMPARE(m_runs->names(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a.mkv.m4v"_s}));
@@ -60,9 +61,9 @@ private Q_SLOTS:
                             : ::symlink(qPrintable(sound), qPrintable(link)),
                  0);
         const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound});
-        const auto job = m_runs->convert(selection, step::WhenTaken::Replace);
+        const auto job = m_runs->convert(selection, steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
         QCOMPARE(contentOf(link), contentOf(audioOnly()));
@@ -75,16 +76,16 @@ private Q_SLOTS:
         const QString sound = m_runs->film(audioOnly(), u"a.m4v"_s);
         const QString second = m_runs->film(surroundAc3(), u"a.mkv.m4v"_s);
         const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound, second});
-        const auto job = m_runs->convert(selection, step::WhenTaken::Replace);
+        const auto job = m_runs->convert(selection, steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));
-        QVERIFY(job->outcome().verdict == step::Verdict::Failed);
+        QVERIFY(job->outcome().verdict == steps::Verdict::Failed);
         QVERIFY2(job->outcome().sentence.contains(u"one of the job's own sources"_s),
                  qPrintable(job->outcome().sentence));
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
         QCOMPARE(contentOf(second), contentOf(surroundAc3()));
         const auto other = m_runs->convert(selection);
         QVERIFY(m_runs->run(other));
-        QCOMPARE(other->outputs(), QList<QUrl>{m_runs->world.scratch.url(u"a.mkv (2).m4v"_s)});
+        QCOMPARE(other->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a.mkv (2).m4v"_s)});
         QCOMPARE(codecsOf(m_runs->path(u"a.mkv (2).m4v"_s)), u"h264 aac aac ac3"_s);
     }
 
@@ -94,9 +95,9 @@ private Q_SLOTS:
         const QString sound = m_runs->film(audioOnly(), u"b.m4v"_s);
         const auto waiting = m_runs->convert(m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound}));
         const auto other = m_runs->convert(m_runs->probed(m_runs->film(longMkv(8), u"b.mkv"_s), u"General"_s),
-                                           step::WhenTaken::Replace);
+                                           steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(other));
-        QVERIFY(other->outcome().verdict == step::Verdict::Failed);
+        QVERIFY(other->outcome().verdict == steps::Verdict::Failed);
         QVERIFY2(other->outcome().sentence.contains(u"belongs to another job"_s),
                  qPrintable(other->outcome().sentence));
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
@@ -112,7 +113,7 @@ private Q_SLOTS:
         streamOf(*selection, u"2"_s)->setUserCodec(u"burn"_s);
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         QVERIFY(brightestAt(m_runs->path(u"a.m4v"_s), 2) > 160);
         QCOMPARE(contentOf(text), contentOf(frenchSrt()));
         QCOMPARE(contentOf(log), contentOf(srtFile()));
@@ -143,7 +144,7 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(text));
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
-        QVERIFY(job->outcome().verdict == step::Verdict::Failed);
+        QVERIFY(job->outcome().verdict == steps::Verdict::Failed);
         QVERIFY2(job->outcome().sentence.contains(u"new.srt"_s), qPrintable(job->outcome().sentence));
         QVERIFY(job->outputs().isEmpty());
     }
@@ -152,5 +153,5 @@ private:
     std::unique_ptr<RealRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(AddedFilesSafetyTest)
+TESSARAY_TEST(AddedFilesSafetyTest)
 #include "AddedFilesSafetyTest.moc"

@@ -1,11 +1,12 @@
 // Films to which separate files were added, converted with the real tools: the output holds exactly what it
 // should.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/HostileFilms.h"
-#include "support/RealRuns.h"
+#include "support/TestMain.h"
 #include "support/TrackClips.h"
-#include "support/Twin.h"
+#include "support/engines/RealRuns.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -83,7 +84,7 @@ private Q_SLOTS:
     void init()
     {
         m_runs = std::make_unique<RealRuns>();
-        m_runs->world.scratch.write(u"out/x"_s, {});
+        m_runs->base.scratch.write(u"out/x"_s, {});
     }
 
     void everyAddedTrackIsInTheOutput_data()
@@ -102,7 +103,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, device);
         QFETCH(QString, passes);
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const QStringList added = addedFiles();
         const QString film = m_runs->film(filmClip());
         const auto selection = passes.isEmpty() ? m_runs->probed(film, device, added)
@@ -124,8 +125,8 @@ private Q_SLOTS:
         // Of what no probe told, Matroska says nothing and MP4 that it is undetermined.
         QCOMPARE(valuesOf(output, u"language"_s).replace(u"und"_s, u"-"_s), u"eng - deu fra eng - - fra"_s);
         compareTitles(output, isMkv);
-        QVERIFY(wordsOf(output, 0).contains(u"Hello, world"_s));
-        QVERIFY(wordsOf(output, 1).contains(u"Hello, world"_s));
+        QVERIFY(wordsOf(output, 0).contains(u"Hello, fixture"_s));
+        QVERIFY(wordsOf(output, 1).contains(u"Hello, fixture"_s));
         QVERIFY(wordsOf(output, 2).contains(u"Second line"_s));
         QVERIFY(wordsOf(output, 3).contains(u"Ça, c'est l'été"_s));
         QVERIFY(qAbs(secondsOf(output) - 8) < 0.5);
@@ -148,7 +149,7 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, passes);
         const QString sound = m_runs->film(surroundMka(), u"sound.mka"_s);
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), device, passes, {sound});
         selection->trackList().at(2)->setUserAudioSettingsDictionaryArray(
             outputs({{u"passthru"_s, u"6"_s}, {u"mp3"_s, u"2"_s, u"128"_s}, {u"aac"_s, u"2"_s, u"96"_s}}));
@@ -180,7 +181,7 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, passes);
         const QString text = m_runs->film(clip, u"it's [new]: a, b."_s + QFileInfo(clip).suffix());
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const auto selection = m_runs->reencoded(m_runs->film(blackMkv()), device, passes, {text});
         TrackList tracks = selection->trackList();
         tracks.remove(2, 2); // the film's own subtitles
@@ -217,7 +218,7 @@ private Q_SLOTS:
         QFETCH(QString, codecs);
         QFETCH(QString, warning);
         const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         for (const QString &passes : {QString(), u"2"_s}) {
             const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
             const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
@@ -230,7 +231,7 @@ private Q_SLOTS:
     {
         const QString text = m_runs->film(srtFile(), u"new.srt"_s);
         const QString sound = m_runs->film(surroundAc3(), u"new.ac3"_s);
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), u"AVI"_s, u"1"_s, {text, sound});
         const QString output =
             converted(selection, u"An AVI carries no subtitles, so the subtitle new.srt was left out."_s);
@@ -256,7 +257,7 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, codecs);
         const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         for (const QString &passes : {QString(), u"1"_s, u"2"_s}) {
             const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
             const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
@@ -268,7 +269,7 @@ private Q_SLOTS:
     void aFileThatWasAddedTwiceGivesTwoTracks()
     {
         const QString text = m_runs->film(srtFile(), u"new.srt"_s);
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, {text, text});
         QCOMPARE(codecsOf(converted(selection)), u"h264 aac subrip subrip"_s);
     }
@@ -287,7 +288,7 @@ private Q_SLOTS:
         QFETCH(QString, clip);
         const QString name = u"new."_s + QFileInfo(clip).suffix();
         const QString text = m_runs->film(clip, name);
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const auto selection = m_runs->reencoded(m_runs->film(pgsMkv()), u"General"_s, u"1"_s, {text});
         TrackList tracks = selection->trackList();
         tracks.removeAt(2);
@@ -312,13 +313,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, userCodec);
         const QString text =
-            m_runs->world.scratch.write(u"old.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n\xc9t\xe9\n\n"
-                                                      "2\n00:00:04,000 --> 00:00:05,000\nplain\n\n");
+            m_runs->base.scratch.write(u"old.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n\xc9t\xe9\n\n"
+                                                        "2\n00:00:04,000 --> 00:00:05,000\nplain\n\n");
         const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), u"General"_s, u"1"_s, {text});
         selection->trackList().last()->setUserCodec(userCodec);
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Warnings, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Warnings, qPrintable(job->outcome().sentence));
         QVERIFY2(job->outcome().sentence.contains(u"Invalid data found"_s),
                  qPrintable(job->outcome().sentence));
     }
@@ -336,7 +337,7 @@ private Q_SLOTS:
             QVERIFY(QFile::rename(made, paths.constLast()));
             titles.append(asRead(film.title));
         }
-        m_runs->world.setSaveFolder(m_runs->path(u"out"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         const QString output = converted(m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, paths));
         QStringList written;
         for (const QJsonObject &stream : streamsOf(output))
@@ -366,7 +367,7 @@ private:
     {
         const auto job = m_runs->convert(selection);
         const bool ended = m_runs->run(job);
-        const auto verdict = warning.isNull() ? step::Verdict::Ok : step::Verdict::Warnings;
+        const auto verdict = warning.isNull() ? steps::Verdict::Ok : steps::Verdict::Warnings;
         if (!ended || job->outcome().verdict != verdict || job->outputs().size() != 1)
             qWarning("%s", qPrintable(job->outcome().sentence));
         else if (warning.isNull() || job->outcome().sentence == warning)
@@ -389,5 +390,5 @@ private:
     std::unique_ptr<RealRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(AddedTracksConversionTest)
+TESSARAY_TEST(AddedTracksConversionTest)
 #include "AddedTracksConversionTest.moc"

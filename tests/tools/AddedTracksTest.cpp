@@ -1,12 +1,13 @@
 // Separate files that are added to an open film, probed with the real tool.
 #include "media/KXVideoFile.h"
 
-#include "support/AddingDesk.h"
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/HostileFilms.h"
+#include "support/TestMain.h"
 #include "support/TrackClips.h"
 #include "support/WatchedPlaces.h"
+#include "support/media/AddingFixture.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -373,5 +374,5 @@ private:
     std::unique_ptr<KXVideoFile> m_file;
 };
 
-QTEST_GUILESS_MAIN(AddedTracksTest)
+TESSARAY_TEST(AddedTracksTest)
 #include "AddedTracksTest.moc"

@@ -1,8 +1,9 @@
 // Subtitles that are drawn into the picture: the film is black, so what is bright was drawn.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
+#include "support/engines/RealRuns.h"
 
 #include <QDir>
 #include <QFile>
@@ -93,15 +94,15 @@ private Q_SLOTS:
         QFETCH(QString, width);
         RealRuns runs;
         const QString source = runs.film(clip, u"film."_s + QFileInfo(clip).suffix());
-        runs.world.scratch.write(u"out/x"_s, {});
-        runs.world.setSaveFolder(runs.path(u"out"_s));
+        runs.base.scratch.write(u"out/x"_s, {});
+        runs.base.setSaveFolder(runs.path(u"out"_s));
         const auto selection = runs.reencoded(source, device, passes);
         keepStreams(*selection, {u"0"_s, u"1"_s, stream});
         streamOf(*selection, stream)->setUserCodec(u"burn"_s);
         selection->setUserWidth(width);
         const auto job = runs.convert(selection);
         QVERIFY(runs.run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         const QString output = job->outputs().value(0).toLocalFile();
         compareDrawn(output);
         QCOMPARE(streamsOf(output).size(), 2); // drawn, and no stream of its own
@@ -131,14 +132,14 @@ private Q_SLOTS:
         QFETCH(QString, name);
         RealRuns runs;
         const QByteArray text = contentOf(srtFile());
-        const QString path = runs.world.scratch.write(name, text);
+        const QString path = runs.base.scratch.write(name, text);
         const auto selection = runs.reencoded(runs.film(blackMkv()), u"General"_s, u"1"_s);
         keepStreams(*selection, {u"0"_s});
         selection->setTrackList(selection->trackList() << externalText(path));
         selection->setSubCount(u"1"_s);
         const auto job = runs.convert(selection);
         QVERIFY(runs.run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         compareDrawn(runs.path(u"a.m4v"_s));
         QCOMPARE(contentOf(path), text);
     }
@@ -153,7 +154,7 @@ private Q_SLOTS:
         streamOf(*selection, u"2"_s)->setUserCodec(u"burn"_s);
         const auto job = runs.convert(selection);
         QVERIFY(runs.run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         compareDrawn(runs.path(u"it's [1080p], \"a\": b.m4v"_s));
         QCOMPARE(runs.names(),
                  QStringList({u"it's [1080p], \"a\": b.m4v"_s, u"it's [1080p], \"a\": b.mkv"_s}));
@@ -173,9 +174,9 @@ private Q_SLOTS:
         QVERIFY(runs.run(job));
         QVERIFY(!QDir(home + u"/.fontconfig"_s).isEmpty());
         QVERIFY(runs.record.named(u"monitorConversionUpdate"_s).last().object.toString().endsWith(u'%'));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
     }
 };
 
-QTEST_GUILESS_MAIN(BurningTest)
+TESSARAY_TEST(BurningTest)
 #include "BurningTest.moc"

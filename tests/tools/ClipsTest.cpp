@@ -1,5 +1,6 @@
 #include "support/Clips.h"
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
+#include "support/TestMain.h"
 #include "support/TestPlaces.h"
 #include "support/TrackClips.h"
 
@@ -135,5 +136,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(ClipsTest)
+TESSARAY_TEST(ClipsTest)
 #include "ClipsTest.moc"

@@ -1,6 +1,7 @@
 // What bash and zsh offer for the command line, in the shells themselves.
 #include "selection/Targets.h"
-#include "support/Twin.h"
+#include "support/CliFixture.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -8,7 +9,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::Twin;
+using support::CliFixture;
 
 namespace {
 
@@ -46,12 +47,12 @@ private Q_SLOTS:
     void initTestCase()
     {
         for (const auto *name : {"film one.mkv", "notes.srt"})
-            m_twin.scratch().write(u"media/"_s + QLatin1String(name), "x");
-        QDir().mkpath(m_twin.media(u"folder"_s));
-        m_environment = m_twin.environment();
+            m_cli.scratch().write(u"media/"_s + QLatin1String(name), "x");
+        QDir().mkpath(m_cli.media(u"folder"_s));
+        m_environment = m_cli.environment();
         m_environment.insert(u"PATH"_s,
-                             QFileInfo(m_twin.program()).path() + u':' + m_environment.value(u"PATH"_s));
-        m_general = QString::fromUtf8(m_twin.run({u"--help"_s}).output);
+                             QFileInfo(m_cli.program()).path() + u':' + m_environment.value(u"PATH"_s));
+        m_general = QString::fromUtf8(m_cli.run({u"--help"_s}).output);
         static const QRegularExpression command(u"^  ([a-z]+) "_s, QRegularExpression::MultilineOption);
         for (auto match = command.globalMatch(m_general); match.hasNext();)
             m_commands.append(match.next().captured(1));
@@ -70,7 +71,7 @@ private Q_SLOTS:
         const QStringList global = optionsIn(m_general);
         QCOMPARE(global.size(), 8);
         for (const QString &command : std::as_const(m_commands)) {
-            const QStringList own = optionsIn(QString::fromUtf8(m_twin.run({command, u"--help"_s}).output));
+            const QStringList own = optionsIn(QString::fromUtf8(m_cli.run({command, u"--help"_s}).output));
             QCOMPARE(sorted(bash({command, u"--"_s})), sorted(global + own));
         }
         QCOMPARE(sorted(bash({u"--"_s})), sorted(global));
@@ -82,7 +83,7 @@ private Q_SLOTS:
         static const QRegularExpression option(u"^  (--[a-z-]+)( \\S)?"_s,
                                                QRegularExpression::MultilineOption);
         for (const QString &command : std::as_const(m_commands)) {
-            const QString help = m_general + QString::fromUtf8(m_twin.run({command, u"--help"_s}).output);
+            const QString help = m_general + QString::fromUtf8(m_cli.run({command, u"--help"_s}).output);
             for (auto match = option.globalMatch(help); match.hasNext();) {
                 const auto found = match.next();
                 const QStringList offered = bash({command, found.captured(1), u"--js"_s});
@@ -184,7 +185,7 @@ private Q_SLOTS:
         for (const QString &command : std::as_const(m_commands)) {
             typed.append(u"tessaray-cli "_s + command);
             for (const QString &option :
-                 optionsIn(QString::fromUtf8(m_twin.run({command, u"--help"_s}).output)))
+                 optionsIn(QString::fromUtf8(m_cli.run({command, u"--help"_s}).output)))
                 typed.append(u"tessaray-cli %1 %2"_s.arg(command, option));
         }
         for (const QString &option : optionsIn(m_general))
@@ -211,7 +212,7 @@ private:
     {
         QProcess process;
         process.setProcessEnvironment(m_environment);
-        process.setWorkingDirectory(m_twin.media());
+        process.setWorkingDirectory(m_cli.media());
         process.start(shell, arguments);
         if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
             return {u"%1 did not end"_s.arg(shell)};
@@ -221,11 +222,11 @@ private:
         return QString::fromUtf8(process.readAllStandardOutput().replace('\r', "")).chopped(1).split(u'\n');
     }
 
-    Twin m_twin;
+    CliFixture m_cli;
     QProcessEnvironment m_environment;
     QString m_general;
     QStringList m_commands;
 };
 
-QTEST_GUILESS_MAIN(CompletionsTest)
+TESSARAY_TEST(CompletionsTest)
 #include "CompletionsTest.moc"

@@ -3,11 +3,12 @@
 // of other films. With the real tools it runs no program, writes nothing but its result and reads nothing but
 // itself.
 #include "support/Canaries.h"
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Listing.h"
 #include "support/StartedPrograms.h"
 #include "support/TaggedFilms.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,9 +18,9 @@
 
 using namespace Qt::StringLiterals;
 using support::Canaries;
+using support::CliFixture;
 using support::Listing;
 using support::TagList;
-using support::Twin;
 
 namespace {
 
@@ -59,11 +60,11 @@ class CraftedFilmsTest final : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_twin->useOwnTools();
-        m_twin->recordEverything();
+        m_cli->useOwnTools();
+        m_cli->recordEverything();
     }
     void cleanup();
-    void cleanupTestCase() { m_twin.reset(); }
+    void cleanupTestCase() { m_cli.reset(); }
 
     void aTouchIsSeen();
     void anIndexRunsNothing_data();
@@ -79,21 +80,21 @@ private Q_SLOTS:
 private:
     void cases() const;
     void convert(const TagList &tags, int track, const QString &film, const QString &line);
-    void compareTouched(const Listing &before, const Twin::Run &run);
-    void compareOutcome(const Twin::Run &run) const;
+    void compareTouched(const Listing &before, const CliFixture::Run &run);
+    void compareOutcome(const CliFixture::Run &run) const;
 
-    QString path(const QString &name) const { return m_twin->scratch().path(name); }
+    QString path(const QString &name) const { return m_cli->scratch().path(name); }
 
-    std::unique_ptr<Twin> m_twin = std::make_unique<Twin>();
+    std::unique_ptr<CliFixture> m_cli = std::make_unique<CliFixture>();
     std::unique_ptr<Canaries> m_canaries = std::make_unique<Canaries>(path(u"canaries"_s));
 };
 
 /// The next film finds everything as the first one did.
 void CraftedFilmsTest::cleanup()
 {
-    m_twin->forgetRecorded();
-    for (const QString &name : m_twin->mediaNames())
-        QFile::remove(m_twin->media(name));
+    m_cli->forgetRecorded();
+    for (const QString &name : m_cli->mediaNames())
+        QFile::remove(m_cli->media(name));
     for (const auto &name : {u"app/X"_s, u"app/X.srt"_s})
         QFile::remove(path(name));
     QFile::remove(m_canaries->target());
@@ -206,7 +207,7 @@ void CraftedFilmsTest::aPlaylistReadsNothing_data()
     QTest::newRow("hls") << u"film.mkv"_s << hls << copy;
     QTest::newRow("hls, probed") << u"film.mkv"_s << hls << u"probe film.mkv"_s;
     QTest::newRow("hls, extracted") << u"film.mkv"_s << hls << u"extract film.mkv"_s;
-    QTest::newRow("hls, rehearsed") << u"film.mkv"_s << hls << copy + u" --dry-run"_s;
+    QTest::newRow("hls, run dry") << u"film.mkv"_s << hls << copy + u" --dry-run"_s;
     QTest::newRow("hls, joined") << u"film.mp4"_s << hls << u"join film.mp4 film.mp4"_s;
     QTest::newRow("hls, played") << u"film.mkv"_s << hls << u"play film.mkv"_s;
     QTest::newRow("hls, added") << u"film.srt"_s << hls
@@ -221,12 +222,12 @@ void CraftedFilmsTest::aPlaylistReadsNothing()
     QFETCH(QString, name);
     QFETCH(QString, list);
     QFETCH(QString, line);
-    m_twin->scratch().write(u"media/"_s + name, list.toUtf8());
-    QVERIFY(QFile::copy(support::tinyTextMkv(), m_twin->media(u"film.other.mkv"_s)));
-    QVERIFY(QFile::link(m_canaries->folder(), m_twin->media(u"near"_s)));
+    m_cli->scratch().write(u"media/"_s + name, list.toUtf8());
+    QVERIFY(QFile::copy(support::tinyTextMkv(), m_cli->media(u"film.other.mkv"_s)));
+    QVERIFY(QFile::link(m_canaries->folder(), m_cli->media(u"near"_s)));
     const Listing before(path({}), {u"path"_s});
     m_canaries->arm();
-    const Twin::Run run = m_twin->run(words(line), boundMs);
+    const CliFixture::Run run = m_cli->run(words(line), boundMs);
     compareTouched(before, run);
     if (!QTest::currentTestFailed())
         QVERIFY2(run.status == 2 && run.said().contains(name), run.error.constData());
@@ -242,43 +243,43 @@ void CraftedFilmsTest::aLineFeedInANameReadsNothing()
                                 support::tinyTextMkv()))
                                 << made);
     });
-    const QString decoy = m_twin->media(u"film.mp4\nfile "_s + m_canaries->film());
+    const QString decoy = m_cli->media(u"film.mp4\nfile "_s + m_canaries->film());
     QDir().mkpath(QFileInfo(decoy).path());
     for (const QString &copy :
-         {m_twin->media(u"film.mp4"_s), m_twin->media(u"film.b.mp4"_s), decoy + u".mp4"_s})
+         {m_cli->media(u"film.mp4"_s), m_cli->media(u"film.b.mp4"_s), decoy + u".mp4"_s})
         QVERIFY(QFile::copy(film, copy));
     QVERIFY(QFile::rename(m_canaries->film(), m_canaries->film() + u".mp4"_s));
     const Listing before(path({}), {u"path"_s});
     m_canaries->arm();
-    const Twin::Run run = m_twin->run({u"join"_s, u"film.b.mp4"_s, decoy + u".mp4"_s}, boundMs);
+    const CliFixture::Run run = m_cli->run({u"join"_s, u"film.b.mp4"_s, decoy + u".mp4"_s}, boundMs);
     compareTouched(before, run);
     if (!QTest::currentTestFailed() && run.status == 0)
-        QCOMPARE(support::codecsOf(m_twin->media(u"film.b.mp4.joined.mp4"_s)), u"h264 aac"_s);
+        QCOMPARE(support::codecsOf(m_cli->media(u"film.b.mp4.joined.mp4"_s)), u"h264 aac"_s);
     QVERIFY(QFile::rename(m_canaries->film() + u".mp4"_s, m_canaries->film()));
-    QDir(m_twin->media(u"film.mp4\nfile "_s)).removeRecursively();
+    QDir(m_cli->media(u"film.mp4\nfile "_s)).removeRecursively();
 }
 
 void CraftedFilmsTest::convert(const TagList &tags, int track, const QString &film, const QString &line)
 {
     QList<TagList> lists(3);
     lists[track] = support::behindABrace(tags);
-    support::writeTagged(film, m_twin->media(u"film.mkv"_s), lists);
+    support::writeTagged(film, m_cli->media(u"film.mkv"_s), lists);
     const Listing before(path({}), {u"path"_s});
     m_canaries->arm();
-    const Twin::Run run = m_twin->run(words(line), boundMs);
+    const CliFixture::Run run = m_cli->run(words(line), boundMs);
     compareTouched(before, run);
     if (!QTest::currentTestFailed())
         compareOutcome(run);
 }
 
 /// No program ran but those that should, and nothing has changed but results and logs beside the film.
-void CraftedFilmsTest::compareTouched(const Listing &before, const Twin::Run &run)
+void CraftedFilmsTest::compareTouched(const Listing &before, const CliFixture::Run &run)
 {
     const QStringList touched = m_canaries->seen();
     QVERIFY2(touched.isEmpty(), qPrintable(touched.join(u", "_s) + u'\n' + run.said()));
     static const QStringList meant{u"ffprobe"_s, u"ffmpeg"_s, u"mkvmerge"_s, u"mkvextract"_s,
                                    u"mkvinfo"_s, u"grep"_s,   u"ps"_s,       u"awk"_s};
-    for (const QByteArrayList &started : m_twin->recorded())
+    for (const QByteArrayList &started : m_cli->recorded())
         QVERIFY2(meant.contains(QString::fromUtf8(started.constFirst())), started.join('|').constData());
     static const QRegularExpression results(u"^new (media/film\\.[^/]*|recorded|defaults.json|"
                                             "home/\\.fontconfig.*|home/\\.cache.*)$"_s);
@@ -288,10 +289,10 @@ void CraftedFilmsTest::compareTouched(const Listing &before, const Twin::Run &ru
 }
 
 /// It is converted as if the tags were not there, or refused in a sentence.
-void CraftedFilmsTest::compareOutcome(const Twin::Run &run) const
+void CraftedFilmsTest::compareOutcome(const CliFixture::Run &run) const
 {
     QVERIFY2(run.status >= 0 && run.status <= 2, run.error.constData());
-    const QString output = m_twin->media(u"film.m4v"_s);
+    const QString output = m_cli->media(u"film.m4v"_s);
     if (run.status == 2) {
         QVERIFY2(run.said().contains(u"film.mkv: "_s), run.error.constData());
         QVERIFY(!QFile::exists(output));
@@ -304,5 +305,5 @@ void CraftedFilmsTest::compareOutcome(const Twin::Run &run) const
     }
 }
 
-QTEST_GUILESS_MAIN(CraftedFilmsTest)
+TESSARAY_TEST(CraftedFilmsTest)
 #include "CraftedFilmsTest.moc"

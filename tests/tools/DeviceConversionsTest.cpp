@@ -1,9 +1,10 @@
 // Real conversions of a film of 2560 pixels for every target, by pass-through, in one pass and in two.
-#include "engines/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
 #include "selection/Targets.h"
-#include "support/ClipKitchen.h"
-#include "support/RealRuns.h"
-#include "support/Twin.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
+#include "support/TestMain.h"
+#include "support/engines/RealRuns.h"
 
 #include <QTest>
 
@@ -100,8 +101,8 @@ private Q_SLOTS:
     void init()
     {
         m_runs = std::make_unique<RealRuns>();
-        m_runs->world.scratch.write(outFolder + u"/x"_s, {});
-        m_runs->world.setSaveFolder(m_runs->path(outFolder));
+        m_runs->base.scratch.write(outFolder + u"/x"_s, {});
+        m_runs->base.setSaveFolder(m_runs->path(outFolder));
     }
 
     void everyTargetIsEncoded_data()
@@ -123,7 +124,7 @@ private Q_SLOTS:
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
         const bool isAvi = device == u"AVI"_s;
-        QVERIFY2(job->outcome().verdict == (isAvi ? step::Verdict::Warnings : step::Verdict::Ok),
+        QVERIFY2(job->outcome().verdict == (isAvi ? steps::Verdict::Warnings : steps::Verdict::Ok),
                  qPrintable(job->outcome().sentence));
         const QString output = m_runs->path(outFolder + u"/a."_s + extensionFor(device));
         QCOMPARE(job->outputs(), QList<QUrl>{QUrl::fromLocalFile(output)});
@@ -162,7 +163,7 @@ private Q_SLOTS:
         selection->setUserPassNumber(passes);
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         const QString output = m_runs->path(outFolder + u"/a."_s + extensionFor(device));
         const auto streams = streamsOf(output);
         QCOMPARE(streams.first().value(u"width"_s).toInt(), 2560);
@@ -195,7 +196,7 @@ private Q_SLOTS:
                   {u"userBitRate"_s, u"96"_s}}});
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
-        QVERIFY2(job->outcome().verdict == step::Verdict::Ok, qPrintable(job->outcome().sentence));
+        QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
         const auto streams = streamsOf(m_runs->path(u"out/a.m4v"_s));
         QCOMPARE(codecsOf(m_runs->path(u"out/a.m4v"_s)), u"h264 aac ac3"_s);
         compareSound(streams);
@@ -225,5 +226,5 @@ private:
     std::unique_ptr<RealRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(DeviceConversionsTest)
+TESSARAY_TEST(DeviceConversionsTest)
 #include "DeviceConversionsTest.moc"

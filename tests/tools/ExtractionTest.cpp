@@ -1,10 +1,11 @@
 // Tracks of a real film written into files of their own.
-#include "engines/KXTrackDumper.h"
-#include "support/ClipKitchen.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/RealRuns.h"
 #include "tools/Numbers.h"
 
 #include <QFile>
@@ -14,7 +15,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -23,12 +24,12 @@ class Dump final
 {
 public:
     explicit Dump(RealRuns &runs)
-        : guard(runs.world.outputs, step::WhenTaken::NextFreeName)
-        , dumper(runs.world.converterContext(guard))
+        : guard(runs.base.outputs, steps::WhenTaken::NextFreeName)
+        , dumper(runs.base.converterContext(guard))
     {
     }
 
-    step::OutputGuard guard;
+    steps::OutputGuard guard;
     KXTrackDumper dumper;
 };
 
@@ -70,14 +71,14 @@ private Q_SLOTS:
         QCOMPARE(runs.names(), names); // and no log
         QCOMPARE(job->outputs().size(), 6);
         QVERIFY(contentOf(runs.path(u"a.mkv.stream0.h264"_s)).startsWith(QByteArray("\0\0\0\1", 4)));
-        QVERIFY(contentOf(runs.path(u"a.mkv.stream3.srt"_s)).contains("Hello, world"));
+        QVERIFY(contentOf(runs.path(u"a.mkv.stream3.srt"_s)).contains("Hello, fixture"));
         QCOMPARE(contentOf(source), contentOf(fullMkv()));
     }
 
     void progressReachesItsEnd()
     {
         RealRuns runs;
-        const NotificationRecord updates(runs.world.notifications, {u"monitorExtractionUpdate"_s});
+        const NotificationRecord updates(runs.base.notifications, {u"monitorExtractionUpdate"_s});
         QVERIFY(runs.run(runs.extract(runs.probed(runs.film(fullMkv())))));
         qint64 most = 0;
         for (const auto &update : updates.all()) {
@@ -151,7 +152,7 @@ private Q_SLOTS:
     void aVobSubNeverOverwritesItsSecondFile()
     {
         RealRuns runs;
-        runs.world.scratch.write(u"a.mkv.stream6.sub"_s, "mine");
+        runs.base.scratch.write(u"a.mkv.stream6.sub"_s, "mine");
         const auto job = runs.extract(withPicture(runs, vobsubMkv(), u"6"_s, u"vobsub"_s, u"idx"_s));
         QVERIFY(runs.run(job));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
@@ -233,5 +234,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ExtractionTest)
+TESSARAY_TEST(ExtractionTest)
 #include "ExtractionTest.moc"

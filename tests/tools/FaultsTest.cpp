@@ -1,10 +1,11 @@
 // What goes wrong in real life: sources that are broken or go away, folders and disks that can't take
 // the output, tools that are killed, outputs that would be the source itself.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/RealRuns.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,7 +18,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -36,7 +37,7 @@ void compareFailed(const KXJob &job, const QString &words)
     QVERIFY(job.outputs().isEmpty());
 }
 
-/// Runs one of the tests of DiskTest in a place of its own: a tiny disk, or one that can't be written to.
+/// Runs one of the tests of TinyDiskTest in a place of its own: a tiny disk, or one that can't be written to.
 /// Where the system gives no user namespaces, a limit on file sizes and a folder of the system take its
 /// place.
 void runInside(const char *test)
@@ -44,7 +45,7 @@ void runInside(const char *test)
     const Scratch scratch;
     QDir().mkpath(scratch.path(u"disk"_s));
     const QString line =
-        u"mount -t tmpfs -o size=400k tmpfs \"$1\" && TEST_DISK=\"$1\" exec \"$0\" disk \"$2\""_s;
+        u"mount -t tmpfs -o size=400k tmpfs \"$1\" && TEST_DISK=\"$1\" exec \"$0\" TinyDiskTest \"$2\""_s;
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     if (statusOf(u"unshare"_s, {u"-rm"_s, u"true"_s}, scratch.path()) == 0)
@@ -52,17 +53,18 @@ void runInside(const char *test)
                       {u"-rm"_s, u"sh"_s, u"-c"_s, line, QCoreApplication::applicationFilePath(),
                        scratch.path(u"disk"_s), QString::fromLatin1(test)});
     else
-        process.start(QCoreApplication::applicationFilePath(), {u"disk"_s, QString::fromLatin1(test)});
+        process.start(QCoreApplication::applicationFilePath(),
+                      {u"TinyDiskTest"_s, QString::fromLatin1(test)});
     QVERIFY(process.waitForFinished(120000));
     const QByteArray said = process.readAll();
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, said.constData());
-    QVERIFY2(said.contains("PASS   : DiskTest::" + QByteArray(test)), said.constData());
+    QVERIFY2(said.contains("PASS   : TinyDiskTest::" + QByteArray(test)), said.constData());
 }
 
 } // namespace
 
 /// Runs inside runInside().
-class DiskTest final : public QObject
+class TinyDiskTest final : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +78,7 @@ private Q_SLOTS:
         RealRuns runs;
         const QString source = runs.film(longFilm());
         limit();
-        runs.world.setSaveFolder(disk(runs));
+        runs.base.setSaveFolder(disk(runs));
         const auto job = runs.extract(runs.probed(source));
         QVERIFY(runs.run(job));
         QVERIFY2(job->outcome().verdict == Verdict::Failed, qPrintable(job->outcome().word()));
@@ -91,7 +93,7 @@ private Q_SLOTS:
         const QString folder = isMounted() ? disk(runs) : u"/proc"_s;
         if (isMounted())
             QCOMPARE(statusOf(u"mount"_s, {u"-o"_s, u"remount,ro"_s, folder}, runs.path()), 0);
-        runs.world.setSaveFolder(folder);
+        runs.base.setSaveFolder(folder);
         const auto job = runs.convert(runs.probed(source));
         QVERIFY(runs.run(job));
         compareFailed(*job, u"ffmpeg failed"_s);
@@ -133,7 +135,7 @@ private:
         const auto selection = runs.reencoded(source, u"General"_s, passes);
         selection->trackList().first()->setUserCodec(codec);
         limit();
-        runs.world.setSaveFolder(disk(runs));
+        runs.base.setSaveFolder(disk(runs));
         const auto job = runs.convert(selection);
         QVERIFY(runs.run(job));
         QVERIFY2(job->outcome().verdict == Verdict::Failed, qPrintable(job->outcome().word()));
@@ -242,7 +244,7 @@ private Q_SLOTS:
     void aSaveFolderThatVanished()
     {
         const QString source = m_runs->film(fullMkv());
-        m_runs->world.setSaveFolder(m_runs->path(u"gone"_s));
+        m_runs->base.setSaveFolder(m_runs->path(u"gone"_s));
         const auto job = m_runs->convert(m_runs->probed(source));
         QVERIFY(m_runs->run(job));
         compareFailed(*job, u"No such file or directory"_s);
@@ -332,8 +334,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, folder);
         QFETCH(QString, output);
-        for (const step::WhenTaken taken :
-             {step::WhenTaken::NextFreeName, step::WhenTaken::Refuse, step::WhenTaken::Replace}) {
+        for (const steps::WhenTaken taken :
+             {steps::WhenTaken::NextFreeName, steps::WhenTaken::Refuse, steps::WhenTaken::Replace}) {
             RealRuns runs;
             const QString source = runs.film(fullMkv());
             for (const QString &name : {u"other"_s, u"hard"_s, u"soft"_s})
@@ -342,7 +344,7 @@ private Q_SLOTS:
             QCOMPARE(::link(qPrintable(source), qPrintable(runs.path(u"hard/a.mkv"_s))), 0);
             QVERIFY(QFile::link(source, runs.path(u"soft/a.mkv"_s)));
             if (!folder.isNull())
-                runs.world.setSaveFolder(runs.path() + u'/' + folder);
+                runs.base.setSaveFolder(runs.path() + u'/' + folder);
             const auto job = runs.convert(runs.probed(source, u"MKV"_s), taken);
             QVERIFY(runs.run(job));
             QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
@@ -356,7 +358,7 @@ private Q_SLOTS:
         const QString source = m_runs->film(fullMkv());
         for (const QString &name : {u"a.m4v"_s, u"a.mkv.m4v"_s})
             QVERIFY(QFile::link(source, m_runs->path(name)));
-        const auto job = m_runs->convert(m_runs->probed(source), step::WhenTaken::Replace);
+        const auto job = m_runs->convert(m_runs->probed(source), steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));
         compareFailed(*job, u"one of the job's own sources"_s);
         QCOMPARE(contentOf(source), contentOf(fullMkv()));
@@ -367,14 +369,6 @@ private:
     std::unique_ptr<RealRuns> m_runs;
 };
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    if (argc > 2 && qstrcmp(argv[1], "disk") == 0) {
-        DiskTest test;
-        return QTest::qExec(&test, {application.arguments().first(), application.arguments().at(2)});
-    }
-    FaultsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TESSARAY_TEST(FaultsTest)
+TESSARAY_TEST(TinyDiskTest)
 #include "FaultsTest.moc"

@@ -1,4 +1,5 @@
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -142,5 +143,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FontsTest)
+TESSARAY_TEST(FontsTest)
 #include "FontsTest.moc"

@@ -2,6 +2,7 @@
 #include "media/KXVideoFile.h"
 #include "support/Clips.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/TestPlaces.h"
 
 #include <QFile>
@@ -45,5 +46,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(HeaderRemovalCheckTest)
+TESSARAY_TEST(HeaderRemovalCheckTest)
 #include "HeaderRemovalCheckTest.moc"

@@ -3,8 +3,7 @@
 // that should, nothing is read, written or changed but the films' own results, and each run ends by itself
 // and tells the truth. A sample is drawn by a seed; TESSARAY_SOAK=1 takes all.
 #include "support/HostileFields.h"
-#include "support/AppDesk.h"
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
 #include "support/PresetLists.h"
@@ -12,9 +11,11 @@
 #include "support/Seeds.h"
 #include "support/StartedShapes.h"
 #include "support/TaggedFilms.h"
+#include "support/TestMain.h"
 #include "support/Verdicts.h"
 #include "support/Waiting.h"
-#include "support/WatchedTwin.h"
+#include "support/WatchedCli.h"
+#include "support/app/AppFixture.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -25,9 +26,9 @@
 #include <csignal>
 
 using namespace Qt::StringLiterals;
+using support::CliFixture;
 using support::TagList;
-using support::Twin;
-using support::WatchedTwin;
+using support::WatchedCli;
 
 namespace {
 
@@ -35,7 +36,7 @@ namespace {
 constexpr int boundMs = 180000;
 constexpr qsizetype sampleSize = 72;
 /// They wait more than they work.
-constexpr size_t houseCount = 5;
+constexpr size_t laneCount = 5;
 
 struct Command
 {
@@ -139,14 +140,14 @@ TagList tagsFor(const QString &field, const QString &text)
     return field.startsWith(u"tags."_s) ? tags : support::behindABrace(tags);
 }
 
-/// A world in which one case after the other is run, while others are in theirs.
-class House
+/// A base in which one case after the other is run, while others are in theirs.
+class Lane
 {
 public:
     void begin(const Case &one)
     {
         m_case = one;
-        const QString text = support::hostileValues(m_world.canaries()).at(one.text);
+        const QString text = support::hostileValues(m_base.canaries()).at(one.text);
         place(filmFor(*one.command), u"film.mkv"_s, text);
         if (isNamed("join"))
             QFile::copy(support::tinyTextMkv(), media(u"other.mkv"_s));
@@ -157,10 +158,10 @@ public:
         writeSettings();
         if (isNamed("watch"))
             QDir().mkpath(media(u"in"_s));
-        m_world.begin();
+        m_base.begin();
         m_clock.start();
-        m_process = m_world.twin().start(QString::fromLatin1(one.command->line).split(u' ') +
-                                         QStringList{u"--json"_s});
+        m_process =
+            m_base.cli().start(QString::fromLatin1(one.command->line).split(u' ') + QStringList{u"--json"_s});
     }
 
     bool isFree() const { return !m_process; }
@@ -178,8 +179,8 @@ public:
             m_process->kill();
         m_process->waitForFinished();
         m_process.reset();
-        const QString done = m_world.offence();
-        m_world.clean();
+        const QString done = m_base.offence();
+        m_base.clean();
         m_watched.clear();
         const QString all = done.isNull() ? offence : done;
         return all.isNull() ? QString() : m_case->name() + u": "_s + all;
@@ -187,7 +188,7 @@ public:
 
 private:
     bool isNamed(const char *name) const { return qstrcmp(m_case->command->name, name) == 0; }
-    QString media(const QString &name) { return m_world.twin().media(name); }
+    QString media(const QString &name) { return m_base.cli().media(name); }
 
     void place(const QString &clip, const QString &name, const QString &text)
     {
@@ -201,17 +202,17 @@ private:
             qFatal("can't copy %s", qPrintable(clip));
         // Each of the three streams has its turn at a wrong place, else none would be read.
         const int stream = m_case->field == u"index"_s ? static_cast<int>(m_case->text % 3) : -1;
-        m_world.answerProbesOf(name, support::withField(printedOf(clip), m_case->field, text, stream));
+        m_base.answerProbesOf(name, support::withField(printedOf(clip), m_case->field, text, stream));
     }
 
     void writeSettings()
     {
         support::storePresets(
-            m_world.twin(), {support::trackPreset(u"Rule"_s, u"first of: English/*/*; #1"_s, u"*/srt"_s)},
+            m_base.cli(), {support::trackPreset(u"Rule"_s, u"first of: English/*/*; #1"_s, u"*/srt"_s)},
             {support::settingsPreset(u"Set"_s, u"MKV"_s,
                                      u"video=1 rate=100 width=32 stereo=1 surround=2 addStereo burn"_s)});
         if (isNamed("send"))
-            m_world.twin().run({u"prefs"_s, u"set"_s, u"lintwickPath"_s, m_world.path(u"app/lintwick"_s)});
+            m_base.cli().run({u"prefs"_s, u"set"_s, u"lintwickPath"_s, m_base.path(u"app/lintwick"_s)});
     }
 
     /// The film comes when the folder is watched, and the program is interrupted when it has been dealt with.
@@ -227,14 +228,14 @@ private:
 
     QString outcome()
     {
-        const Twin::Run run = Twin::outcomeOf(*m_process);
+        const CliFixture::Run run = CliFixture::outcomeOf(*m_process);
         if (!isNamed("watch"))
             return support::untruthOf(run);
         return run.status == 130 || run.status == 0 ? QString()
                                                     : u"it ended with %1: "_s.arg(run.status) + run.said();
     }
 
-    WatchedTwin m_world;
+    WatchedCli m_base;
     std::optional<Case> m_case;
     std::unique_ptr<QProcess> m_process;
     QElapsedTimer m_clock;
@@ -252,33 +253,33 @@ private Q_SLOTS:
     void harmlessFilmsPass();
     void nothingHappensButWhatIsMeant();
     void thePreviewOfTheWindow();
-    void cleanupTestCase() { m_houses.clear(); }
+    void cleanupTestCase() { m_lanes.clear(); }
 
 private:
     qsizetype offencesIn(QList<Case> cases);
 
-    std::vector<std::unique_ptr<House>> m_houses;
+    std::vector<std::unique_ptr<Lane>> m_lanes;
 };
 
 void HostileFieldsTest::initTestCase()
 {
-    for (size_t i = 0; i < houseCount; ++i)
-        m_houses.push_back(std::make_unique<House>());
+    for (size_t i = 0; i < laneCount; ++i)
+        m_lanes.push_back(std::make_unique<Lane>());
 }
 
-/// Each is told when it is found. As many cases are run at a time as there are houses.
+/// Each is told when it is found. As many cases are run at a time as there are lanes.
 qsizetype HostileFieldsTest::offencesIn(QList<Case> cases)
 {
     qsizetype offences = 0;
     for (bool isBusy = true; isBusy;) {
         isBusy = false;
-        for (const auto &house : m_houses) {
-            if (house->isFree() && !cases.isEmpty())
-                house->begin(cases.takeFirst());
-            if (house->isFree())
+        for (const auto &lane : m_lanes) {
+            if (lane->isFree() && !cases.isEmpty())
+                lane->begin(cases.takeFirst());
+            if (lane->isFree())
                 continue;
             isBusy = true;
-            const std::optional<QString> offence = house->look();
+            const std::optional<QString> offence = lane->look();
             if (offence.has_value() && !offence->isNull()) {
                 ++offences;
                 qWarning("%s", qPrintable(*offence));
@@ -305,14 +306,14 @@ void HostileFieldsTest::nothingHappensButWhatIsMeant()
 /// The window program without its window opens the film and plays it.
 void HostileFieldsTest::thePreviewOfTheWindow()
 {
-    support::AppDesk desk;
-    WatchedTwin world;
-    desk.prepend(u"ffmpeg/ffprobe"_s, world.answeringScript());
-    desk.fakeTool(u"mplayer/mplayer"_s, {u"record "_s + world.path(u"recorded"_s)});
+    support::AppFixture fixture;
+    WatchedCli base;
+    fixture.prepend(u"ffmpeg/ffprobe"_s, base.answeringScript());
+    fixture.fakeTool(u"mplayer/mplayer"_s, {u"record "_s + base.path(u"recorded"_s)});
     for (const auto &name : {u"PATH"_s, u"RECORDER_FILE"_s})
-        qputenv(qPrintable(name), world.twin().environment().value(name).toUtf8());
-    const QString film = world.twin().media(u"film.mkv"_s);
-    const QStringList texts = support::hostileValues(world.canaries());
+        qputenv(qPrintable(name), base.cli().environment().value(name).toUtf8());
+    const QString film = base.cli().media(u"film.mkv"_s);
+    const QStringList texts = support::hostileValues(base.canaries());
     support::Chances chances(support::seed());
     qsizetype played = 0;
     for (const QString &field : support::probedFields()) {
@@ -321,20 +322,20 @@ void HostileFieldsTest::thePreviewOfTheWindow()
                 continue;
             QVERIFY(QFile::copy(support::tinyTextMkv(), film));
             const int stream = field == u"index"_s ? static_cast<int>(text % 3) : -1;
-            world.answerProbesOf(u"film.mkv"_s,
-                                 support::withField(printedOf(film), field, texts.at(text), stream));
-            world.begin();
-            desk.drop({film});
-            if (desk.controller().canAddTrack() && desk.delegate().playingProblem().isNull())
-                desk.delegate().playButton(); // as the button can be pressed
-            const QString offence = world.offence();
+            base.answerProbesOf(u"film.mkv"_s,
+                                support::withField(printedOf(film), field, texts.at(text), stream));
+            base.begin();
+            fixture.drop({film});
+            if (fixture.controller().canAddTrack() && fixture.delegate().playingProblem().isNull())
+                fixture.delegate().playButton(); // as the button can be pressed
+            const QString offence = base.offence();
             QVERIFY2(offence.isNull(), qPrintable(u"%1, text %2: "_s.arg(field).arg(text) + offence));
-            played += world.hasStarted(u"mplayer"_s);
-            world.clean();
+            played += base.hasStarted(u"mplayer"_s);
+            base.clean();
         }
     }
     QVERIFY(played > 0);
 }
 
-QTEST_GUILESS_MAIN(HostileFieldsTest)
+TESSARAY_TEST(HostileFieldsTest)
 #include "HostileFieldsTest.moc"

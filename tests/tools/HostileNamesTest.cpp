@@ -1,10 +1,11 @@
 // Names of files and titles in them come from strangers. Sixty bad names, each with bad titles, go through
 // probing, converting and extracting with the real tools. Every program that is started is recorded and
 // compared with what should have been; nothing else is written, and the titles arrive to the letter.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/HostileFilms.h"
 #include "support/StartedPrograms.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,13 +19,13 @@
 using namespace Qt::StringLiterals;
 using namespace support::started;
 using support::asRead;
+using support::CliFixture;
 using support::Film;
 using support::Started;
-using support::Twin;
 
 namespace {
 
-constexpr int houseCount = 6;
+constexpr int laneCount = 6;
 
 } // namespace
 
@@ -45,42 +46,39 @@ private Q_SLOTS:
 
 private:
     /// A part of the films in a home of their own, so that the parts can be worked on at the same time.
-    struct House
+    struct Lane
     {
-        Twin twin;
+        CliFixture cli;
         QList<Film> films;
         QStringList names; ///< what should be in the folder
-        Twin::Run run;
+        CliFixture::Run run;
     };
 
-    void makeFilm(House &house, const Film &film);
+    void makeFilm(Lane &lane, const Film &film);
     void runEverywhere(const QStringList &words, const std::function<bool(const Film &)> &takes = {});
-    Started startedIn(const House &house, int &polls) const;
-    void compareStarted(const House &house, Started expected) const;
-    void compareNames(const House &house) const;
-    static QString path(const House &house, const Film &film)
-    {
-        return house.twin.media(film.stem + u".mkv"_s);
-    }
-    static QList<Film> chosen(const House &house, const std::function<bool(const Film &)> &takes);
+    Started startedIn(const Lane &lane, int &polls) const;
+    void compareStarted(const Lane &lane, Started expected) const;
+    void compareNames(const Lane &lane) const;
+    static QString path(const Lane &lane, const Film &film) { return lane.cli.media(film.stem + u".mkv"_s); }
+    static QList<Film> chosen(const Lane &lane, const std::function<bool(const Film &)> &takes);
 
-    std::vector<std::unique_ptr<House>> m_houses;
+    std::vector<std::unique_ptr<Lane>> m_lanes;
 };
 
 void HostileNamesTest::initTestCase()
 {
     const QList<Film> all = support::hostileFilms();
-    for (int number = 0; number < houseCount; ++number)
-        m_houses.push_back(std::make_unique<House>());
+    for (int number = 0; number < laneCount; ++number)
+        m_lanes.push_back(std::make_unique<Lane>());
     for (qsizetype i = 0; i < all.size(); ++i)
-        makeFilm(*m_houses.at(static_cast<size_t>(i % houseCount)), all.at(i));
-    for (const auto &house : m_houses) {
-        house->twin.useOwnTools();
-        house->twin.recordEverything();
+        makeFilm(*m_lanes.at(static_cast<size_t>(i % laneCount)), all.at(i));
+    for (const auto &lane : m_lanes) {
+        lane->cli.useOwnTools();
+        lane->cli.recordEverything();
     }
 }
 
-void HostileNamesTest::makeFilm(House &house, const Film &film)
+void HostileNamesTest::makeFilm(Lane &lane, const Film &film)
 {
     const QString clip = support::clip(u"hostile.mkv"_s, [](const QString &made) {
         const QString words = made + u".srt"_s;
@@ -94,48 +92,48 @@ void HostileNamesTest::makeFilm(House &house, const Film &film)
                 .replaceInStrings(u"OUT"_s, made));
         QFile::remove(words);
     });
-    const QString made = house.twin.scratch().path(u"made.mkv"_s);
+    const QString made = lane.cli.scratch().path(u"made.mkv"_s);
     QStringList words{u"-q"_s, u"-o"_s, made};
     for (const auto &track : {u"0:"_s, u"1:"_s, u"2:"_s})
         words << u"--language"_s << track + u"eng"_s << u"--track-name"_s << track + film.title;
     support::runProgram(u"mkvmerge"_s, words << clip);
-    QVERIFY(QFile::rename(made, path(house, film)));
-    house.films.append(film);
-    house.names.append(film.stem + u".mkv"_s);
+    QVERIFY(QFile::rename(made, path(lane, film)));
+    lane.films.append(film);
+    lane.names.append(film.stem + u".mkv"_s);
 }
 
-/// The same command in every house at the same time, with the films named by their bare names.
+/// The same command in every lane at the same time, with the films named by their bare names.
 void HostileNamesTest::runEverywhere(const QStringList &words, const std::function<bool(const Film &)> &takes)
 {
-    std::vector<std::pair<House *, std::unique_ptr<QProcess>>> running;
-    for (const auto &house : m_houses) {
-        house->twin.forgetRecorded();
-        house->run = {};
+    std::vector<std::pair<Lane *, std::unique_ptr<QProcess>>> running;
+    for (const auto &lane : m_lanes) {
+        lane->cli.forgetRecorded();
+        lane->run = {};
         QStringList line = words + QStringList{u"--json"_s, u"--"_s};
-        for (const Film &film : chosen(*house, takes))
+        for (const Film &film : chosen(*lane, takes))
             line.append(film.stem + u".mkv"_s);
-        if (!chosen(*house, takes).isEmpty())
-            running.emplace_back(house.get(), house->twin.start(line));
+        if (!chosen(*lane, takes).isEmpty())
+            running.emplace_back(lane.get(), lane->cli.start(line));
     }
-    for (auto &[house, process] : running)
-        house->run = Twin::outcomeOf(*process);
+    for (auto &[lane, process] : running)
+        lane->run = CliFixture::outcomeOf(*process);
 }
 
-QList<Film> HostileNamesTest::chosen(const House &house, const std::function<bool(const Film &)> &takes)
+QList<Film> HostileNamesTest::chosen(const Lane &lane, const std::function<bool(const Film &)> &takes)
 {
     QList<Film> taken;
-    std::copy_if(house.films.begin(), house.films.end(), std::back_inserter(taken),
+    std::copy_if(lane.films.begin(), lane.films.end(), std::back_inserter(taken),
                  [&](const Film &film) { return !takes || takes(film); });
     return taken;
 }
 
 /// What was started, sorted; folders for temporary files get one name, and looks at a process are counted.
-Started HostileNamesTest::startedIn(const House &house, int &polls) const
+Started HostileNamesTest::startedIn(const Lane &lane, int &polls) const
 {
     static const QRegularExpression temporary(u"tessaray-\\w{6}/job\\d+"_s);
     static const QRegularExpression poll(u"^(ps\\|-p\\|\\d+|grep\\|\\d+|awk\\|\\{print \\$1;\\})$"_s);
     Started runs;
-    for (const QByteArrayList &run : house.twin.recorded()) {
+    for (const QByteArrayList &run : lane.cli.recorded()) {
         if (poll.match(QString::fromUtf8(run.join('|'))).hasMatch()) {
             ++polls;
             continue;
@@ -149,10 +147,10 @@ Started HostileNamesTest::startedIn(const House &house, int &polls) const
     return runs;
 }
 
-void HostileNamesTest::compareStarted(const House &house, Started expected) const
+void HostileNamesTest::compareStarted(const Lane &lane, Started expected) const
 {
     int polls = 0;
-    Started left = startedIn(house, polls);
+    Started left = startedIn(lane, polls);
     Started missing;
     for (const QByteArrayList &run : std::as_const(expected)) {
         if (!left.removeOne(run))
@@ -164,23 +162,23 @@ void HostileNamesTest::compareStarted(const House &house, Started expected) cons
 }
 
 /// The working folder holds what it should, and no other folder has changed.
-void HostileNamesTest::compareNames(const House &house) const
+void HostileNamesTest::compareNames(const Lane &lane) const
 {
-    QStringList names = house.names;
-    QStringList found = house.twin.mediaNames();
+    QStringList names = lane.names;
+    QStringList found = lane.cli.mediaNames();
     names.sort();
     found.sort();
     QCOMPARE(found, names);
     const auto everything = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System;
     const auto entries = [&](const QString &folder) {
-        return QDir(house.twin.scratch().path(folder)).entryList(everything, QDir::Name);
+        return QDir(lane.cli.scratch().path(folder)).entryList(everything, QDir::Name);
     };
     QCOMPARE(entries(u"app"_s), QStringList({u"Resources"_s, u"bin"_s})); // where tools run
     QCOMPARE(entries(u"app/bin"_s), QStringList({u"tessaray-cli"_s}));
     QStringList atHome = entries(u"home"_s);
     atHome.removeOne(u".fontconfig"_s); // the cache of the fonts that text is drawn with
     QVERIFY2(atHome.isEmpty(), qPrintable(atHome.join(u' ')));
-    QVERIFY2(house.twin.temporaryNames().isEmpty(), qPrintable(house.twin.temporaryNames().join(u' ')));
+    QVERIFY2(lane.cli.temporaryNames().isEmpty(), qPrintable(lane.cli.temporaryNames().join(u' ')));
 }
 
 void HostileNamesTest::namesAreManyAndBad()
@@ -199,39 +197,39 @@ void HostileNamesTest::namesAreManyAndBad()
 
 void HostileNamesTest::aNameReadAsSyntaxWouldBeSeen()
 {
-    const House &house = *m_houses.front();
-    house.twin.forgetRecorded();
+    const Lane &lane = *m_lanes.front();
+    lane.cli.forgetRecorded();
     QProcess shell;
-    shell.setProcessEnvironment(house.twin.environment());
-    shell.setWorkingDirectory(house.twin.media());
+    shell.setProcessEnvironment(lane.cli.environment());
+    shell.setWorkingDirectory(lane.cli.media());
     shell.start(u"/bin/sh"_s, {u"-c"_s, u": \"`touch X`.mkv\""_s});
     QVERIFY(shell.waitForFinished());
     int polls = 0;
-    QCOMPARE(startedIn(house, polls), Started({{"touch", "X"}}));
-    QVERIFY(QFile::remove(house.twin.media(u"X"_s)));
+    QCOMPARE(startedIn(lane, polls), Started({{"touch", "X"}}));
+    QVERIFY(QFile::remove(lane.cli.media(u"X"_s)));
 }
 
 void HostileNamesTest::probing()
 {
     runEverywhere({u"probe"_s});
-    for (const auto &house : m_houses) {
-        QVERIFY2(house->run.status == 0, house->run.error.constData());
-        const auto objects = house->run.objects();
-        QCOMPARE(objects.size(), house->films.size());
+    for (const auto &lane : m_lanes) {
+        QVERIFY2(lane->run.status == 0, lane->run.error.constData());
+        const auto objects = lane->run.objects();
+        QCOMPARE(objects.size(), lane->films.size());
         Started expected;
         for (qsizetype i = 0; i < objects.size(); ++i) {
-            const Film &film = house->films.at(i);
+            const Film &film = lane->films.at(i);
             const QJsonObject file = objects.at(i).value(u"file"_s).toObject();
-            QCOMPARE(file.value(u"theFilePath"_s).toString(), path(*house, film));
+            QCOMPARE(file.value(u"theFilePath"_s).toString(), path(*lane, film));
             QCOMPARE(file.value(u"theFileName"_s).toString(), film.stem + u".mkv"_s);
             const QJsonArray tracks = objects.at(i).value(u"tracks"_s).toArray();
             QCOMPARE(tracks.size(), 3);
             for (const QJsonValue &track : tracks)
                 QCOMPARE(track.toObject().value(u"trackTitle"_s).toString(), asRead(film.title));
-            expected += probeOf(path(*house, film));
+            expected += probeOf(path(*lane, film));
         }
-        compareStarted(*house, expected);
-        compareNames(*house);
+        compareStarted(*lane, expected);
+        compareNames(*lane);
     }
 }
 
@@ -240,11 +238,11 @@ void HostileNamesTest::converting()
     // An MKV beside an MKV keeps the extension, for which the longest name has no room.
     const auto fits = [](const Film &film) { return film.stem.size() < 200; };
     runEverywhere({u"convert"_s, u"--kind"_s, u"mkv"_s, u"--no-keep-logs"_s}, fits);
-    for (const auto &house : m_houses) {
-        QVERIFY2(house->run.status == 0, house->run.error.constData());
+    for (const auto &lane : m_lanes) {
+        QVERIFY2(lane->run.status == 0, lane->run.error.constData());
         Started expected;
-        for (const Film &film : chosen(*house, fits)) {
-            const QString source = path(*house, film);
+        for (const Film &film : chosen(*lane, fits)) {
+            const QString source = path(*lane, film);
             const QString title = asRead(film.title);
             const QStringList list =
                 QStringList{u"-i"_s, source, u"-map"_s, u"0:0"_s, u"-vcodec"_s, u"copy"_s} +
@@ -252,25 +250,25 @@ void HostileNamesTest::converting()
                 tags(u"a:0"_s, title) + QStringList{u"-map"_s, u"0:2"_s, u"-codec:s:0"_s, u"copy"_s} +
                 tags(u"s:0"_s, title) + QStringList{u"-f"_s, u"matroska"_s, u"-y"_s, source + u".mkv"_s};
             expected += probeOf(source) + ffmpeg(list) + durationOf(source);
-            house->names.append(film.stem + u".mkv.mkv"_s);
+            lane->names.append(film.stem + u".mkv.mkv"_s);
             const auto streams = support::streamsOf(source + u".mkv"_s);
             QCOMPARE(streams.size(), 3);
             for (const QJsonObject &stream : streams)
                 QCOMPARE(stream.value(u"tags"_s).toObject().value(u"title"_s).toString(), title);
         }
-        compareStarted(*house, expected);
-        compareNames(*house);
+        compareStarted(*lane, expected);
+        compareNames(*lane);
     }
 }
 
 void HostileNamesTest::extracting()
 {
     runEverywhere({u"extract"_s, u"--no-keep-logs"_s});
-    for (const auto &house : m_houses) {
+    for (const auto &lane : m_lanes) {
         Started expected;
         bool holdsLongest = false;
-        for (const Film &film : std::as_const(house->films)) {
-            const QString source = path(*house, film);
+        for (const Film &film : std::as_const(lane->films)) {
+            const QString source = path(*lane, film);
             const QStringList outputs{source + u".stream0.h264"_s, source + u".stream1.aac"_s,
                                       source + u".stream2.srt"_s};
             const QList<QStringList> words{
@@ -285,7 +283,7 @@ void HostileNamesTest::extracting()
             for (qsizetype track = 0; track < 3 && !isLongest; ++track) {
                 expected += ffmpeg(QStringList{u"-i"_s, source, u"-map"_s, u"0:%1"_s.arg(track)} +
                                    words.at(track) + QStringList{u"-y"_s, outputs.at(track)});
-                house->names.append(QFileInfo(outputs.at(track)).fileName());
+                lane->names.append(QFileInfo(outputs.at(track)).fileName());
             }
             if (!isLongest) {
                 QCOMPARE(support::codecsOf(outputs.at(0)), u"h264"_s);
@@ -293,9 +291,9 @@ void HostileNamesTest::extracting()
                 QCOMPARE(support::codecsOf(outputs.at(2)), u"subrip"_s);
             }
         }
-        QVERIFY2(house->run.status == (holdsLongest ? 2 : 0), house->run.error.constData());
-        compareStarted(*house, expected);
-        compareNames(*house);
+        QVERIFY2(lane->run.status == (holdsLongest ? 2 : 0), lane->run.error.constData());
+        compareStarted(*lane, expected);
+        compareNames(*lane);
     }
 }
 
@@ -310,18 +308,18 @@ void HostileNamesTest::burning()
     runEverywhere({u"convert"_s, u"--video"_s, u"1pass"_s, u"--video-bitrate"_s, u"100"_s, u"--subtitles"_s,
                    u"burn"_s, u"--no-keep-logs"_s},
                   takes);
-    for (const auto &house : m_houses) {
-        QVERIFY2(house->run.status == 0 || chosen(*house, takes).isEmpty(), house->run.error.constData());
+    for (const auto &lane : m_lanes) {
+        QVERIFY2(lane->run.status == 0 || chosen(*lane, takes).isEmpty(), lane->run.error.constData());
         Started expected;
-        for (const Film &film : chosen(*house, takes)) {
-            const QString source = path(*house, film);
+        for (const Film &film : chosen(*lane, takes)) {
+            const QString source = path(*lane, film);
             const QString title = asRead(film.title);
             // The name of the extracted one is taken, so it gets the next free one.
             const QString words = source + u".stream2 (2).srt"_s;
             const bool isPlain = std::none_of(filterSyntax.begin(), filterSyntax.end(),
                                               [&](QChar c) { return words.contains(c); });
-            const QString drawn = isPlain ? words : house->twin.scratch().path(u"tmp/TEMPORARY/temp.ass"_s);
-            const QString output = house->twin.media(film.stem + u".m4v"_s);
+            const QString drawn = isPlain ? words : lane->cli.scratch().path(u"tmp/TEMPORARY/temp.ass"_s);
+            const QString output = lane->cli.media(film.stem + u".m4v"_s);
             expected += probeOf(source) + ffmpeg({u"-i"_s, source, u"-map"_s, u"0:2"_s, u"-y"_s, words});
             expected +=
                 ffmpeg(QStringList{u"-i"_s, source, u"-map"_s, u"0:0"_s, u"-vcodec"_s, u"libx264"_s,
@@ -331,11 +329,11 @@ void HostileNamesTest::burning()
                        QStringList{u"-vf"_s, u"subtitles="_s + drawn, u"-movflags"_s, u"faststart"_s, u"-f"_s,
                                    u"mp4"_s, u"-y"_s, output});
             expected += durationOf(source);
-            house->names.append(film.stem + u".m4v"_s);
+            lane->names.append(film.stem + u".m4v"_s);
             QCOMPARE(support::codecsOf(output), u"h264 aac"_s);
         }
-        compareStarted(*house, expected);
-        compareNames(*house);
+        compareStarted(*lane, expected);
+        compareNames(*lane);
     }
 }
 
@@ -349,15 +347,15 @@ void HostileNamesTest::convertingInTwoPasses()
                    u"100"_s, u"--no-keep-logs"_s},
                   takes);
     int done = 0;
-    for (const auto &house : m_houses) {
-        QVERIFY2(house->run.status == 0 || chosen(*house, takes).isEmpty(), house->run.error.constData());
+    for (const auto &lane : m_lanes) {
+        QVERIFY2(lane->run.status == 0 || chosen(*lane, takes).isEmpty(), lane->run.error.constData());
         Started expected;
-        for (const Film &film : chosen(*house, takes)) {
+        for (const Film &film : chosen(*lane, takes)) {
             ++done;
-            const QString source = path(*house, film);
+            const QString source = path(*lane, film);
             const QString title = asRead(film.title);
-            const QString statistics = house->twin.scratch().path(u"tmp/TEMPORARY/passLog"_s);
-            const QString output = house->twin.media(film.stem + u".m4v"_s);
+            const QString statistics = lane->cli.scratch().path(u"tmp/TEMPORARY/passLog"_s);
+            const QString output = lane->cli.media(film.stem + u".m4v"_s);
             const auto passList = [&](const QString &pass) {
                 return QStringList{u"-i"_s,      source,       u"-pass"_s,  pass,    u"-map"_s, u"0:0"_s,
                                    u"-vcodec"_s, u"libx264"_s, u"-level"_s, u"41"_s, u"-b:v"_s, u"100k"_s} +
@@ -371,19 +369,19 @@ void HostileNamesTest::convertingInTwoPasses()
                 passList(u"2"_s) + QStringList{u"-map"_s, u"0:2"_s, u"-codec:s:0"_s, u"mov_text"_s} +
                 tags(u"s:0"_s, title) +
                 QStringList{u"-movflags"_s, u"faststart"_s, u"-passlogfile"_s, statistics, u"-y"_s, output});
-            house->names.append(film.stem + u".m4v"_s);
+            lane->names.append(film.stem + u".m4v"_s);
             QCOMPARE(support::codecsOf(output), u"h264 aac mov_text"_s);
         }
-        compareStarted(*house, expected);
-        compareNames(*house);
+        compareStarted(*lane, expected);
+        compareNames(*lane);
     }
     QCOMPARE(done, 6);
 }
 
 void HostileNamesTest::cleanupTestCase()
 {
-    m_houses.clear();
+    m_lanes.clear();
 }
 
-QTEST_GUILESS_MAIN(HostileNamesTest)
+TESSARAY_TEST(HostileNamesTest)
 #include "HostileNamesTest.moc"

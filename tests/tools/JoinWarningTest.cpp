@@ -1,15 +1,16 @@
 // What is told when files that differ are joined, by real joins of real files.
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/MkvRuns.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/MkvRuns.h"
 
 #include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -118,9 +119,9 @@ private Q_SLOTS:
 
     void differentFrameRateAndSizeWarnWithBothNamesJoinedByACommaAndABlankAndStillJoin()
     {
-        copyOf(inMp4(usual(), u"join-usual.mp4"_s), m_runs->runs.world.scratch, u"a.mp4"_s);
+        copyOf(inMp4(usual(), u"join-usual.mp4"_s), m_runs->runs.base.scratch, u"a.mp4"_s);
         const QString other = film(u"join-both.mkv"_s, usualMap, u"160x120"_s, u"30"_s);
-        copyOf(inMp4(other, u"join-both.mp4"_s), m_runs->runs.world.scratch, u"b.mp4"_s);
+        copyOf(inMp4(other, u"join-both.mp4"_s), m_runs->runs.base.scratch, u"b.mp4"_s);
         const auto job = m_runs->add(
             MkvRuns::filesSelection({m_runs->path(u"a.mp4"_s), m_runs->path(u"b.mp4"_s)}, joining));
         QVERIFY(m_runs->run());
@@ -155,7 +156,7 @@ private:
     {
         QFETCH(QStringList, clips);
         QFETCH(QString, names);
-        m_runs->runs.world.setKeepLogs(true);
+        m_runs->runs.base.setKeepLogs(true);
         copies(clips);
         const auto job = m_runs->add(MkvRuns::filesSelection(m_paths, joining), className);
         QVERIFY(m_runs->run());
@@ -167,17 +168,17 @@ private:
             QCOMPARE(alert->style, platform::AlertStyle::Warning);
             QCOMPARE(alert->closesAfter, std::chrono::milliseconds(15000));
         }
-        const QByteArray log = m_runs->runs.world.scratch.read(u"0.mkv.joined.log"_s);
+        const QByteArray log = m_runs->runs.base.scratch.read(u"0.mkv.joined.log"_s);
         QVERIFY2(log.startsWith("mkvmerge v"), log.constData()); // whatever it makes of such files
         if (names.isEmpty())
             QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
-    const ScriptedAlerts &alerts() const { return m_runs->runs.world.alerts; }
+    const ScriptedAlerts &alerts() const { return m_runs->runs.base.alerts; }
 
     std::unique_ptr<MkvRuns> m_runs;
     QStringList m_paths;
 };
 
-QTEST_GUILESS_MAIN(JoinWarningTest)
+TESSARAY_TEST(JoinWarningTest)
 #include "JoinWarningTest.moc"

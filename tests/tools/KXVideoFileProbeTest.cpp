@@ -1,8 +1,9 @@
 #include "media/KXVideoFile.h"
 
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/WatchedPlaces.h"
 
 #include <QDir>
@@ -216,7 +217,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("language");
-        QTest::newRow("a comma") << u"Hello, World"_s << u"Hello World"_s << u"French"_s;
+        QTest::newRow("a comma") << u"Hello, Fixture"_s << u"Hello Fixture"_s << u"French"_s;
         QTest::newRow("a colon and a blank") << u"Part 1: Intro"_s << u"Part 1"_s << u"French"_s;
         QTest::newRow("double quotes") << u"say \"hi\""_s << u"say \\hi\\"_s << u"French"_s;
         QTest::newRow("nothing else") << u"$(touch injected) `touch injected` 'x' Füße 🎬"_s
@@ -436,5 +437,5 @@ private:
     std::unique_ptr<KXVideoFile> m_file;
 };
 
-QTEST_GUILESS_MAIN(KXVideoFileProbeTest)
+TESSARAY_TEST(KXVideoFileProbeTest)
 #include "KXVideoFileProbeTest.moc"

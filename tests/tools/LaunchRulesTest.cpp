@@ -1,15 +1,16 @@
 // What each launch rule is for: with the installed ffmpeg a list fails, or does harm, without the rule,
 // and succeeds with it.
-#include "engines/ExtractionArguments.h"
-#include "engines/FfmpegArguments.h"
-#include "engines/FfmpegDevices.h"
-#include "engines/FfmpegLaunch.h"
-#include "engines/FfmpegSingleTrack.h"
-#include "support/ClipKitchen.h"
+#include "engines/ffmpeg/ExtractionArguments.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegLaunch.h"
+#include "engines/ffmpeg/FfmpegSingleTrack.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
+#include "support/TestMain.h"
 #include "support/TrackClips.h"
-#include "support/Twin.h"
+#include "support/engines/RealRuns.h"
 
 #include <QDir>
 #include <QFile>
@@ -285,7 +286,7 @@ private Q_SLOTS:
         RealRuns runs;
         const auto selection = runs.probed(fullMkv());
         const auto track = streamOf(*selection, u"5"_s);
-        const QUrl output = runs.world.scratch.url(u"a.stream5.dtshd"_s);
+        const QUrl output = runs.base.scratch.url(u"a.stream5.dtshd"_s);
         const auto meant = ffmpegExtractionArguments(*track, output);
         QVERIFY(statusOf(u"ffmpeg"_s, tools::argumentsOf(meant), runs.path()) > 0);
         QFile::remove(output.toLocalFile());
@@ -307,5 +308,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(LaunchRulesTest)
+TESSARAY_TEST(LaunchRulesTest)
 #include "LaunchRulesTest.moc"

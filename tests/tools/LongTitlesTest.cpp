@@ -1,15 +1,16 @@
 // Titles that are longer than a system lets a command line be. They are cut for the tools, and that is told:
 // a film must not fail for what somebody wrote into it.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::Twin;
+using support::CliFixture;
 
 namespace {
 
@@ -17,13 +18,13 @@ constexpr qsizetype million = 1'000'000;
 
 /// A film whose sound and subtitles have a title of a million letters; mkvmerge takes its options from a file
 /// where a command line is too short for them.
-void makeFilm(const Twin &twin)
+void makeFilm(const CliFixture &cli)
 {
     const QString title(million, u'x');
-    const QJsonArray options{u"-o"_s,           twin.media(u"film.mkv"_s), u"--track-name"_s, u"1:"_s + title,
-                             u"--track-name"_s, u"2:"_s + title,           support::fullMkv()};
-    support::writeContent(twin.media(u"options.json"_s), QJsonDocument(options).toJson());
-    support::runProgram(u"mkvmerge"_s, {u"@"_s + twin.media(u"options.json"_s)});
+    const QJsonArray options{u"-o"_s,           cli.media(u"film.mkv"_s), u"--track-name"_s, u"1:"_s + title,
+                             u"--track-name"_s, u"2:"_s + title,          support::fullMkv()};
+    support::writeContent(cli.media(u"options.json"_s), QJsonDocument(options).toJson());
+    support::runProgram(u"mkvmerge"_s, {u"@"_s + cli.media(u"options.json"_s)});
 }
 
 qsizetype longestTitleIn(const QString &film)
@@ -64,19 +65,19 @@ private Q_SLOTS:
         QFETCH(QStringList, words);
         QFETCH(QString, output);
         QFETCH(bool, holdsTitles);
-        Twin twin;
-        makeFilm(twin);
-        QVERIFY(QDir(twin.media()).mkpath(u"out"_s));
-        const Twin::Run run = twin.run(QStringList{u"--save-dir"_s, u"out"_s} + words);
+        CliFixture cli;
+        makeFilm(cli);
+        QVERIFY(QDir(cli.media()).mkpath(u"out"_s));
+        const CliFixture::Run run = cli.run(QStringList{u"--save-dir"_s, u"out"_s} + words);
         QVERIFY2(run.said().contains(u"A title is too long for the tools and was cut in the output."_s),
                  qPrintable(run.said().left(2000)));
         QCOMPARE(run.status, 1);
-        const qsizetype longest = longestTitleIn(twin.media(output));
+        const qsizetype longest = longestTitleIn(cli.media(output));
         QVERIFY2(holdsTitles ? longest > 1000 && longest <= 4096 : longest == 0,
                  qPrintable(QString::number(longest)));
-        QCOMPARE(longestTitleIn(twin.media(u"film.mkv"_s)), million);
+        QCOMPARE(longestTitleIn(cli.media(u"film.mkv"_s)), million);
     }
 };
 
-QTEST_GUILESS_MAIN(LongTitlesTest)
+TESSARAY_TEST(LongTitlesTest)
 #include "LongTitlesTest.moc"

@@ -1,5 +1,6 @@
 // Operations on Matroska files whose save folder is full or can't be written to, for real.
-#include "support/MkvFaults.h"
+#include "support/TestMain.h"
+#include "support/engines/MkvFaults.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,21 +12,21 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
 const QStringList everything{mkv::join, mkv::split,    mkv::remux,     mkv::remove,
                              mkv::mux,  mkv::editJoin, mkv::editSplit, mkv::editRemux};
 
-/// Runs one row of DiskTest in a place of its own: a tiny disk, or one that can't be written to. Where the
-/// system gives no user namespaces, a limit on file sizes and a folder of the system take its place.
+/// Runs one row of MkvTinyDiskTest in a place of its own: a tiny disk, or one that can't be written to. Where
+/// the system gives no user namespaces, a limit on file sizes and a folder of the system take its place.
 void runInside(const QString &test, const QString &row)
 {
     const Scratch scratch;
     QDir().mkpath(scratch.path(u"disk"_s));
     const QString line =
-        u"mount -t tmpfs -o size=400k tmpfs \"$1\" && TEST_DISK=\"$1\" exec \"$0\" disk \"$2\""_s;
+        u"mount -t tmpfs -o size=400k tmpfs \"$1\" && TEST_DISK=\"$1\" exec \"$0\" MkvTinyDiskTest \"$2\""_s;
     const QString name = test + u':' + row;
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
@@ -33,17 +34,17 @@ void runInside(const QString &test, const QString &row)
         process.start(u"unshare"_s, {u"-rm"_s, u"sh"_s, u"-c"_s, line,
                                      QCoreApplication::applicationFilePath(), scratch.path(u"disk"_s), name});
     else
-        process.start(QCoreApplication::applicationFilePath(), {u"disk"_s, name});
+        process.start(QCoreApplication::applicationFilePath(), {u"MkvTinyDiskTest"_s, name});
     QVERIFY(process.waitForFinished(120000));
     const QByteArray said = process.readAll();
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, said.constData());
-    QVERIFY2(said.contains(u"PASS   : DiskTest::%1(%2)"_s.arg(test, row).toUtf8()), said.constData());
+    QVERIFY2(said.contains(u"PASS   : MkvTinyDiskTest::%1(%2)"_s.arg(test, row).toUtf8()), said.constData());
 }
 
 } // namespace
 
 /// Runs inside runInside().
-class DiskTest final : public QObject
+class MkvTinyDiskTest final : public QObject
 {
     Q_OBJECT
 
@@ -78,7 +79,7 @@ private Q_SLOTS:
         if (isMounted())
             QCOMPARE(statusOf(u"mount"_s, {u"-o"_s, u"remount,ro"_s, folderOf(runs)}, runs.path()), 0);
         else
-            runs.runs.world.setSaveFolder(u"/proc"_s);
+            runs.runs.base.setSaveFolder(u"/proc"_s);
         const auto job = runs.add(operation, source);
         const QStringList before = runs.names();
         QVERIFY(runs.run());
@@ -102,7 +103,7 @@ private:
             runs.runs.film(MkvFaultRun::clipFor(operation), MkvFaultRun::nameFor(operation));
         runs.selectionFor(operation, source); // makes what else it needs
         QDir().mkpath(folderOf(runs));
-        runs.runs.world.setSaveFolder(folderOf(runs));
+        runs.runs.base.setSaveFolder(folderOf(runs));
         return source;
     }
 
@@ -139,14 +140,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    if (argc > 2 && qstrcmp(argv[1], "disk") == 0) {
-        DiskTest test;
-        return QTest::qExec(&test, {application.arguments().first(), application.arguments().at(2)});
-    }
-    MkvDiskTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TESSARAY_TEST(MkvDiskTest)
+TESSARAY_TEST(MkvTinyDiskTest)
 #include "MkvDiskTest.moc"

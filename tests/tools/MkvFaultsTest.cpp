@@ -1,7 +1,8 @@
 // Operations on Matroska files that go wrong for real: bad and vanished sources, a tool that is killed, a
 // split that can't be made. Each time the row ends as completed, the outcome says what happened, the job
 // behind it runs, and no file that was there before is changed.
-#include "support/MkvFaults.h"
+#include "support/engines/MkvFaults.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
 
 #include <QFileInfo>
@@ -11,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -211,5 +212,5 @@ private:
     std::unique_ptr<MkvFaultRun> m_fault;
 };
 
-QTEST_GUILESS_MAIN(MkvFaultsTest)
+TESSARAY_TEST(MkvFaultsTest)
 #include "MkvFaultsTest.moc"

@@ -1,6 +1,7 @@
 // A source of an operation on Matroska files is never its output, whatever it is called, and neither is
 // anything else that was there before.
-#include "support/MkvFaults.h"
+#include "support/TestMain.h"
+#include "support/engines/MkvFaults.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -9,8 +10,8 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
-using step::WhenTaken;
+using steps::Verdict;
+using steps::WhenTaken;
 
 class MkvOwnSourcesTest final : public QObject
 {
@@ -109,7 +110,7 @@ private Q_SLOTS:
             writeContent(m_fault->runs.path(name), "mine");
             m_fault->before[m_fault->runs.path(name)] = "mine";
         }
-        m_fault->runs.runs.world.setKeepLogs(true);
+        m_fault->runs.runs.base.setKeepLogs(true);
         const auto job = m_fault->runs.add(operation, source);
         m_fault->runWithAnother();
         compareVerdict(*job, Verdict::Ok, {});
@@ -126,5 +127,5 @@ private:
     std::unique_ptr<MkvFaultRun> m_fault;
 };
 
-QTEST_GUILESS_MAIN(MkvOwnSourcesTest)
+TESSARAY_TEST(MkvOwnSourcesTest)
 #include "MkvOwnSourcesTest.moc"

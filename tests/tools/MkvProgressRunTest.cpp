@@ -1,6 +1,7 @@
 // What is told while mkvmerge works for seconds: percentages that move, and nothing that breaks a line.
 #include "support/Clips.h"
-#include "support/MkvFaults.h"
+#include "support/TestMain.h"
+#include "support/engines/MkvFaults.h"
 
 #include <QRegularExpression>
 
@@ -105,7 +106,7 @@ private:
         const auto job = m_runs->add(operation, m_runs->runs.film(isRaw ? rawH264() : manyPacketsMkv(),
                                                                   isRaw ? u"a.h264"_s : u"a.mkv"_s));
         QVERIFY(m_runs->run());
-        compareVerdict(*job, step::Verdict::Ok, {});
+        compareVerdict(*job, steps::Verdict::Ok, {});
         for (const KXNotification &notification : m_runs->record.all())
             compareTexts(notification);
     }
@@ -144,5 +145,5 @@ private:
     std::unique_ptr<MkvRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(MkvProgressRunTest)
+TESSARAY_TEST(MkvProgressRunTest)
 #include "MkvProgressRunTest.moc"

@@ -1,6 +1,7 @@
 // Operations on Matroska files that are stopped, paused and resumed while mkvmerge works.
-#include "support/MkvFaults.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/MkvFaults.h"
 
 #include <QFileInfo>
 
@@ -8,8 +9,8 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
-using step::WhenTaken;
+using steps::Verdict;
+using steps::WhenTaken;
 
 namespace {
 
@@ -174,5 +175,5 @@ private:
     std::unique_ptr<MkvFaultRun> m_fault;
 };
 
-QTEST_GUILESS_MAIN(MkvStopTest)
+TESSARAY_TEST(MkvStopTest)
 #include "MkvStopTest.moc"

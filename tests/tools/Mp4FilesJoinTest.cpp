@@ -1,9 +1,10 @@
 // Joins of MP4 files: by ffmpeg for real, and by a stand-in for mp4box, which is no package of the system.
-#include "support/ClipKitchen.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
-#include "support/MkvRuns.h"
+#include "support/TestMain.h"
 #include "support/TestPlaces.h"
+#include "support/engines/MkvRuns.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -117,7 +118,7 @@ private Q_SLOTS:
         QCOMPARE(contentOf(first), before);
         QCOMPARE(m_runs->names(),
                  QStringList({u"'b'.mp4"_s, u"it's 'a'.mp4"_s, u"it's 'a'.mp4.joined.mp4"_s}));
-        QVERIFY(m_runs->runs.world.alerts.shown().isEmpty());
+        QVERIFY(m_runs->runs.base.alerts.shown().isEmpty());
     }
 
     void aFileThatVanishedIsNamedAndTheJoinIsNoSuccess()
@@ -158,7 +159,7 @@ private Q_SLOTS:
     {
         standIn({u"write 1000 after:-new"_s});
         QDir().mkpath(m_runs->path(u"save here"_s));
-        m_runs->runs.world.setSaveFolder(m_runs->path(u"save here"_s));
+        m_runs->runs.base.setSaveFolder(m_runs->path(u"save here"_s));
         m_runs->add(MkvRuns::filesSelection(films(), joining));
         QVERIFY(m_runs->run());
         QCOMPARE(arguments().constFirst().mid(6),
@@ -188,7 +189,7 @@ private:
         QDir().mkpath(own);
         QVERIFY(QFile::link(TestPlaces().toolsLocation().toLocalFile() + u"/ffmpeg"_s, own + u"/ffmpeg"_s));
         FakeTool::install(own + u"/mp4box/mp4box"_s, QStringList{u"record "_s + own + u"/runs"_s} + script);
-        m_runs->runs.world.preferences.setToolsLocationURL(QUrl::fromLocalFile(own));
+        m_runs->runs.base.preferences.setToolsLocationURL(QUrl::fromLocalFile(own));
     }
     QStringList films() const
     {
@@ -217,5 +218,5 @@ private:
     std::unique_ptr<MkvRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(Mp4FilesJoinTest)
+TESSARAY_TEST(Mp4FilesJoinTest)
 #include "Mp4FilesJoinTest.moc"

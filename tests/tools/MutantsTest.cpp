@@ -3,9 +3,10 @@
 // outputs, logs and error files, and no source is changed. TESSARAY_SOAK=1 takes ten times as many through
 // each command.
 #include "support/Mutants.h"
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Listing.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 #include "support/Verdicts.h"
 #include "support/Waiting.h"
 
@@ -19,15 +20,15 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using support::CliFixture;
 using support::Listing;
-using support::Twin;
 
 namespace {
 
 constexpr qsizetype batchSize = 5;
 constexpr int boundMs = 60000 * batchSize; ///< a minute for each
 /// They wait more than they work.
-constexpr size_t houseCount = 3;
+constexpr size_t laneCount = 3;
 
 const QStringList &commands()
 {
@@ -50,8 +51,8 @@ struct Batch
     QList<Mutant> mutants;
 };
 
-/// A world in which one batch after the other is run, while others are in theirs.
-class House
+/// A fixture in which one batch after the other is run, while others are in theirs.
+class Lane
 {
 public:
     void begin(const Batch &batch)
@@ -59,12 +60,12 @@ public:
         m_batch = batch;
         QStringList words = batch.command.split(u' ') + QStringList{u"--json"_s};
         for (const Mutant &mutant : batch.mutants) {
-            support::writeContent(m_twin.media(mutant.name), mutant.content);
+            support::writeContent(m_cli.media(mutant.name), mutant.content);
             words.append(mutant.name);
         }
-        m_before = std::make_unique<Listing>(m_twin.scratch().path());
+        m_before = std::make_unique<Listing>(m_cli.scratch().path());
         m_clock.start();
-        m_process = m_twin.start(words);
+        m_process = m_cli.start(words);
     }
 
     bool isFree() const { return !m_process; }
@@ -75,7 +76,7 @@ public:
         const bool hasEnded = m_process->waitForFinished(10);
         if (!hasEnded && m_clock.elapsed() < boundMs)
             return {};
-        QString offence = hasEnded ? support::untruthOf(Twin::outcomeOf(*m_process)) : hanging();
+        QString offence = hasEnded ? support::untruthOf(CliFixture::outcomeOf(*m_process)) : hanging();
         m_process.reset();
         const QString left = leftOver();
         if (offence.isNull())
@@ -89,8 +90,8 @@ public:
 private:
     QString hanging()
     {
-        const QString tools = m_twin.commandLines().join(u"; "_s);
-        for (const qint64 pid : m_twin.processes())
+        const QString tools = m_cli.commandLines().join(u"; "_s);
+        for (const qint64 pid : m_cli.processes())
             ::kill(static_cast<pid_t>(pid), SIGKILL);
         m_process->waitForFinished();
         return u"it did not end: "_s + tools;
@@ -98,12 +99,12 @@ private:
 
     QString leftOver()
     {
-        if (!support::waitFor([this] { return m_twin.processes().isEmpty(); }, 5000))
-            return u"left running: "_s + m_twin.commandLines().join(u"; "_s);
+        if (!support::waitFor([this] { return m_cli.processes().isEmpty(); }, 5000))
+            return u"left running: "_s + m_cli.commandLines().join(u"; "_s);
         static const QRegularExpression results(u"^(new media/mutant[0-9]+\\.[^/]*|(new|changed) "
                                                 u"(defaults\\.json|home/\\.(fontconfig|cache)(/.*)?|"
                                                 "home|media|tmp))$"_s);
-        QStringList changes = m_before->changesTo(Listing(m_twin.scratch().path()));
+        QStringList changes = m_before->changesTo(Listing(m_cli.scratch().path()));
         changes.removeIf([](const QString &change) { return results.match(change).hasMatch(); });
         return changes.isEmpty() ? QString() : u"changed: "_s + changes.join(u", "_s);
     }
@@ -124,12 +125,12 @@ private:
     void clean()
     {
         for (const auto &name : {u"media"_s, u"tmp"_s}) {
-            QDir(m_twin.scratch().path(name)).removeRecursively();
-            QDir().mkpath(m_twin.scratch().path(name));
+            QDir(m_cli.scratch().path(name)).removeRecursively();
+            QDir().mkpath(m_cli.scratch().path(name));
         }
     }
 
-    Twin m_twin;
+    CliFixture m_cli;
     Batch m_batch;
     std::unique_ptr<QProcess> m_process;
     std::unique_ptr<Listing> m_before;
@@ -155,19 +156,19 @@ private:
 
 qsizetype MutantsTest::offencesIn(QList<Batch> batches)
 {
-    std::vector<std::unique_ptr<House>> houses;
-    for (size_t i = 0; i < houseCount; ++i)
-        houses.push_back(std::make_unique<House>());
+    std::vector<std::unique_ptr<Lane>> lanes;
+    for (size_t i = 0; i < laneCount; ++i)
+        lanes.push_back(std::make_unique<Lane>());
     qsizetype offences = 0;
     for (bool isBusy = true; isBusy;) {
         isBusy = false;
-        for (const auto &house : houses) {
-            if (house->isFree() && !batches.isEmpty())
-                house->begin(batches.takeFirst());
-            if (house->isFree())
+        for (const auto &lane : lanes) {
+            if (lane->isFree() && !batches.isEmpty())
+                lane->begin(batches.takeFirst());
+            if (lane->isFree())
                 continue;
             isBusy = true;
-            const std::optional<QString> offence = house->look();
+            const std::optional<QString> offence = lane->look();
             if (offence.has_value() && !offence->isNull()) {
                 ++offences;
                 qWarning("%s", qPrintable(*offence));
@@ -239,5 +240,5 @@ void MutantsTest::mutants()
     QCOMPARE(offencesIn(drawn()), 0);
 }
 
-QTEST_GUILESS_MAIN(MutantsTest)
+TESSARAY_TEST(MutantsTest)
 #include "MutantsTest.moc"

@@ -1,6 +1,7 @@
 #include "prefs/ToolCheck.h"
 #include "prefs/ToolsUnpacker.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
 #include <QDateTime>
@@ -222,5 +223,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PackToolsTest)
+TESSARAY_TEST(PackToolsTest)
 #include "PackToolsTest.moc"

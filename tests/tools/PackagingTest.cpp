@@ -1,7 +1,8 @@
 // What is installed beside the programs: manual pages, desktop entry, metainfo, icons, documents, and an
 // installed program that finds its resources through the link in bin.
+#include "support/CliFixture.h"
 #include "support/Scratch.h"
-#include "support/Twin.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -89,22 +90,22 @@ private Q_SLOTS:
     /// Whatever help tells, the page tells too, and the page names no option that there is not.
     void theManualPageIsComplete()
     {
-        const support::Twin twin;
+        const support::CliFixture cli;
         const QString text = page(u"tessaray-cli.1"_s);
-        const QString general = QString::fromUtf8(twin.run({u"--help"_s}).output);
+        const QString general = QString::fromUtf8(cli.run({u"--help"_s}).output);
         const QStringList commands = all(general, u"^  ([a-z]+) "_s);
         QVERIFY(commands.size() > 10);
         QStringList options = all(general, u"^  (--[a-z-]+)"_s);
         for (const QString &command : commands) {
             QVERIFY2(text.contains(u' ' + command + u' '), qPrintable(command));
-            options += all(QString::fromUtf8(twin.run({command, u"--help"_s}).output), u"^  (--[a-z-]+)"_s);
+            options += all(QString::fromUtf8(cli.run({command, u"--help"_s}).output), u"^  (--[a-z-]+)"_s);
         }
         for (const QString &option : std::as_const(options))
             QVERIFY2(text.contains(option), qPrintable(option));
         for (const QString &option : all(text, u"(--[a-z][a-z-]+)"_s))
             QVERIFY2(options.contains(option), qPrintable(option));
         for (const QString &key :
-             all(QString::fromUtf8(twin.run({u"prefs"_s, u"list"_s}).output), u"^(\\w+)"_s))
+             all(QString::fromUtf8(cli.run({u"prefs"_s, u"list"_s}).output), u"^(\\w+)"_s))
             QVERIFY2(text.contains(key), qPrintable(key));
     }
 
@@ -252,5 +253,5 @@ private:
     Scratch m_scratch;
 };
 
-QTEST_GUILESS_MAIN(PackagingTest)
+TESSARAY_TEST(PackagingTest)
 #include "PackagingTest.moc"

@@ -1,6 +1,7 @@
 // Films that get room behind their index for tags, as the last step of their conversion.
 #include "support/Clips.h"
-#include "support/RealRuns.h"
+#include "support/TestMain.h"
+#include "support/engines/RealRuns.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -34,7 +35,7 @@ QList<quint32> boxes(const QString &path, const QByteArray &kind)
 /// What runs as that tool, in a tools folder of the test's own.
 void install(const RealRuns &runs, const QString &tool, const QByteArray &script)
 {
-    const QString path = runs.world.preferences.urlOfApp(tool).toLocalFile();
+    const QString path = runs.base.preferences.urlOfApp(tool).toLocalFile();
     QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(script) != script.size())
@@ -58,7 +59,7 @@ class PaddingTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_runs = std::make_unique<RealRuns>(support::JobWorld::Tools::Fake);
+        m_runs = std::make_unique<RealRuns>(support::JobFixture::Tools::Fake);
         for (const QString &tool : {u"ffmpeg"_s, u"ffprobe"_s})
             install(*m_runs, tool, "#!/bin/sh\nexec " + tool.toUtf8() + " \"$@\"\n");
     }
@@ -116,7 +117,7 @@ private Q_SLOTS:
     void anMkvIsNotPadded()
     {
         installPadder(*m_runs, "#!/bin/sh\necho called >\"$5.called\"\n");
-        m_runs->world.preferences.overrideForThisRun(u"metadataPaddingFlag"_s, true);
+        m_runs->base.preferences.overrideForThisRun(u"metadataPaddingFlag"_s, true);
         const auto job =
             m_runs->convert(m_runs->probed(m_runs->film(support::textMp4(), u"b.mp4"_s), u"MKV"_s));
         QVERIFY(m_runs->run(job));
@@ -126,7 +127,7 @@ private Q_SLOTS:
 private:
     std::shared_ptr<KXConvertWithFfmpegJob> convert(bool padding)
     {
-        m_runs->world.preferences.overrideForThisRun(u"metadataPaddingFlag"_s, padding);
+        m_runs->base.preferences.overrideForThisRun(u"metadataPaddingFlag"_s, padding);
         const auto job = m_runs->convert(m_runs->probed(m_runs->film(support::film1920())));
         if (!m_runs->run(job))
             qFatal("The job did not end.");
@@ -136,5 +137,5 @@ private:
     std::unique_ptr<RealRuns> m_runs;
 };
 
-QTEST_GUILESS_MAIN(PaddingTest)
+TESSARAY_TEST(PaddingTest)
 #include "PaddingTest.moc"

@@ -1,9 +1,10 @@
 // What the player makes of a subtitle whose path holds commas: nothing without the launch form, the
 // subtitle with it. The installed player runs, with its pictures and sound thrown away.
-#include "engines/KXMoviePlayer.h"
+#include "engines/player/KXMoviePlayer.h"
 #include "support/Clips.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,14 +20,14 @@ class PlayerLaunchTest final : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_world.scratch.write(u"tools/mplayer/mplayer"_s,
-                              "#!/bin/sh\n"
-                              "HOME=" +
-                                  m_world.scratch.path().toUtf8() +
-                                  " mplayer -nolirc -vo null -ao null "
-                                  "-frames 3 \"$@\" </dev/null >said 2>&1\nmv said done\n");
-        QFile::setPermissions(m_world.scratch.path(u"tools/mplayer/mplayer"_s), QFile::Permissions(0x7755));
-        m_film = copyOf(fullMkv(), m_world.scratch, u"film, one.mkv"_s);
+        m_fixture.scratch.write(u"tools/mplayer/mplayer"_s,
+                                "#!/bin/sh\n"
+                                "HOME=" +
+                                    m_fixture.scratch.path().toUtf8() +
+                                    " mplayer -nolirc -vo null -ao null "
+                                    "-frames 3 \"$@\" </dev/null >said 2>&1\nmv said done\n");
+        QFile::setPermissions(m_fixture.scratch.path(u"tools/mplayer/mplayer"_s), QFile::Permissions(0x7755));
+        m_film = copyOf(fullMkv(), m_fixture.scratch, u"film, one.mkv"_s);
     }
 
     void aSubtitleWithCommas_data()
@@ -39,12 +40,12 @@ private Q_SLOTS:
     void aSubtitleWithCommas()
     {
         QFETCH(QString, name);
-        QDir().mkpath(m_world.scratch.path(u"c,d"_s));
-        const QString subtitle = copyOf(srtFile(), m_world.scratch, name);
-        const auto selection = m_world.selectionFor(m_film);
-        selection->setTrackList({JobWorld::track(u"Subtitle"_s, subtitle)});
-        step::OutputGuard guard(m_world.outputs, step::WhenTaken::NextFreeName);
-        KXMoviePlayer player(m_world.converterContext(guard));
+        QDir().mkpath(m_fixture.scratch.path(u"c,d"_s));
+        const QString subtitle = copyOf(srtFile(), m_fixture.scratch, name);
+        const auto selection = m_fixture.selectionFor(m_film);
+        selection->setTrackList({JobFixture::track(u"Subtitle"_s, subtitle)});
+        steps::OutputGuard guard(m_fixture.outputs, steps::WhenTaken::NextFreeName);
+        KXMoviePlayer player(m_fixture.converterContext(guard));
 
         player.doShellScriptForWithOptions(player.urlOfApp(u"mplayer"_s), player.playerOptions(*selection));
         QVERIFY(!said().contains("SUB: Added subtitle file (1): " + subtitle.toUtf8()));
@@ -58,17 +59,17 @@ private:
     /// What the player said, when it has ended.
     QByteArray said() const
     {
-        const QString path = m_world.scratch.path(u"done"_s);
+        const QString path = m_fixture.scratch.path(u"done"_s);
         if (!waitFor([&] { return QFile::exists(path); }, 60000))
             return "it did not end";
-        const QByteArray words = m_world.scratch.read(u"done"_s);
+        const QByteArray words = m_fixture.scratch.read(u"done"_s);
         QFile::remove(path);
         return words;
     }
 
-    JobWorld m_world{JobWorld::Tools::Fake};
+    JobFixture m_fixture{JobFixture::Tools::Fake};
     QString m_film;
 };
 
-QTEST_GUILESS_MAIN(PlayerLaunchTest)
+TESSARAY_TEST(PlayerLaunchTest)
 #include "PlayerLaunchTest.moc"

@@ -1,11 +1,12 @@
 // Jobs that are stopped, paused and resumed while the real tools work. ffmpeg reads at the speed of the
 // film here, so that there is time to meet it at work.
-#include "support/ClipKitchen.h"
+#include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
-#include "support/RealRuns.h"
+#include "support/TestMain.h"
 #include "support/TestPlaces.h"
-#include "support/Twin.h"
 #include "support/Waiting.h"
+#include "support/engines/RealRuns.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -18,7 +19,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -56,7 +57,7 @@ public:
         const QString ffmpeg = own + u"/ffmpeg/ffmpeg"_s;
         writeContent(ffmpeg, "#!/bin/sh\nexec ffmpeg -re \"$@\"\n");
         QFile::setPermissions(ffmpeg, QFile::Permissions(0x7755));
-        runs.world.preferences.setToolsLocationURL(QUrl::fromLocalFile(own));
+        runs.base.preferences.setToolsLocationURL(QUrl::fromLocalFile(own));
     }
 
     ~SlowRuns() { m_temporary.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", m_temporary); }
@@ -305,5 +306,5 @@ private:
     QString m_source;
 };
 
-QTEST_GUILESS_MAIN(StopAndPauseTest)
+TESSARAY_TEST(StopAndPauseTest)
 #include "StopAndPauseTest.moc"

@@ -1,5 +1,6 @@
 #include "prefs/ToolCheck.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
 #include <QDir>
@@ -259,5 +260,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ToolCheckTest)
+TESSARAY_TEST(ToolCheckTest)
 #include "ToolCheckTest.moc"

@@ -2,6 +2,7 @@
 #include "prefs/ToolArchives.h"
 #include "prefs/ToolsUnpacker.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Unprivileged.h"
 #include "tools/KXHelpers.h"
 
@@ -431,13 +432,6 @@ int unpackOnce(const QString &folder)
 
 } // namespace
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"--unpack"_s)
-        return unpackOnce(arguments.value(2));
-    ToolsUnpackTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TESSARAY_TEST(ToolsUnpackTest)
+TESSARAY_ROLE("--unpack", unpackOnce(words.value(1)))
 #include "ToolsUnpackTest.moc"

@@ -3,8 +3,9 @@
 #include "engines/EngineJobs.h"
 #include "prefs/KXWatchModeController.h"
 #include "support/Clips.h"
-#include "support/MkvRuns.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/MkvRuns.h"
 
 #include <QDir>
 #include <QFile>
@@ -33,9 +34,9 @@ private Q_SLOTS:
         m_runs = std::make_unique<MkvRuns>();
         m_elsewhere = std::make_unique<Scratch>();
         engines::registerJobs(m_factory);
-        JobWorld &world = m_runs->runs.world;
-        m_watch = std::make_unique<KXWatchModeController>(&world.preferences);
-        m_queue = std::make_unique<KXQueueController>(world.jobContext(), m_factory, m_watch.get());
+        JobFixture &fixture = m_runs->runs.base;
+        m_watch = std::make_unique<KXWatchModeController>(&fixture.preferences);
+        m_queue = std::make_unique<KXQueueController>(fixture.jobContext(), m_factory, m_watch.get());
         m_queue->initialize();
         m_taken.clear();
         connect(m_watch.get(), &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
@@ -76,10 +77,10 @@ private Q_SLOTS:
         QFETCH(bool, isQueuedBefore);
         if (!saveFolder.isNull()) {
             QDir().mkpath(placed(saveFolder));
-            m_runs->runs.world.setSaveFolder(placed(saveFolder));
+            m_runs->runs.base.setSaveFolder(placed(saveFolder));
         }
         const QStringList films = sourcesIn(placed(sources));
-        m_runs->runs.world.preferences.setWatchFolderURL(QUrl::fromLocalFile(placed(watched)));
+        m_runs->runs.base.preferences.setWatchFolderURL(QUrl::fromLocalFile(placed(watched)));
         if (!isQueuedBefore)
             QVERIFY(m_watch->startWatchMode());
         addAll(films);
@@ -101,7 +102,7 @@ private Q_SLOTS:
     void outputsThatChangeLaterStayOurs()
     {
         const QStringList films = sourcesIn(m_runs->path() + u'/');
-        m_runs->runs.world.preferences.setWatchFolderURL(QUrl::fromLocalFile(m_runs->path()));
+        m_runs->runs.base.preferences.setWatchFolderURL(QUrl::fromLocalFile(m_runs->path()));
         addAll(films);
         QVERIFY(m_watch->startWatchMode());
         QVERIFY(runWatched());
@@ -198,7 +199,7 @@ private:
     void checkOutputs() const
     {
         for (const JobPointer &job : m_queue->qJobList()) {
-            QVERIFY2(job->outcome().verdict != step::Verdict::Failed,
+            QVERIFY2(job->outcome().verdict != steps::Verdict::Failed,
                      qPrintable(job->jobType() + u": "_s + job->outcome().sentence));
             QVERIFY2(!job->outputs().isEmpty(), qPrintable(job->jobType()));
         }
@@ -217,5 +218,5 @@ private:
     QStringList m_taken;
 };
 
-QTEST_GUILESS_MAIN(WatchOutputsTest)
+TESSARAY_TEST(WatchOutputsTest)
 #include "WatchOutputsTest.moc"

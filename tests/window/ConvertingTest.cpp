@@ -1,16 +1,17 @@
 // Tracks are chosen, jobs are started, and the drawer shows and ends them.
+#include "support/CliFixture.h"
 #include "support/Clips.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
-#include "support/Twin.h"
-#include "window/QueueHand.h"
+#include "support/TestMain.h"
+#include "window/QueueDriver.h"
 
 #include <QDockWidget>
 #include <QLabel>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
-using namespace hand;
+using namespace driver;
 using support::codecsOf;
 using support::shownStreams;
 using support::waitFor;
@@ -20,22 +21,22 @@ class ConvertingTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_desk = std::make_unique<WindowDesk>(); }
-    void cleanup() { m_desk.reset(); }
+    void init() { m_fixture = std::make_unique<WindowFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void deviceAndTypedBitRateReachTheFile()
     {
         openWith({support::longMkv(8)});
-        tickCell(*m_desk, 0);
-        tickCell(*m_desk, 1);
-        m_desk->pick("DevicePopUp", u"iPhone 4"_s);
-        choose(*m_desk, "TheVideoMatrix1");
-        m_desk->type("VidBitRateField", u"150"_s);
-        m_desk->click("ConvertButton");
-        QVERIFY(m_desk->waitForJobs());
-        QCOMPARE(m_desk->rows("QueueTable", Status), QStringList{u"Completed"_s});
-        const auto streams = support::streamsOf(m_desk->path(u"1.m4v"_s));
-        QCOMPARE(codecsOf(m_desk->path(u"1.m4v"_s)), u"h264 aac"_s);
+        tickCell(*m_fixture, 0);
+        tickCell(*m_fixture, 1);
+        m_fixture->pick("DevicePopUp", u"iPhone 4"_s);
+        choose(*m_fixture, "TheVideoMatrix1");
+        m_fixture->type("VidBitRateField", u"150"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(m_fixture->waitForJobs());
+        QCOMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Completed"_s});
+        const auto streams = support::streamsOf(m_fixture->path(u"1.m4v"_s));
+        QCOMPARE(codecsOf(m_fixture->path(u"1.m4v"_s)), u"h264 aac"_s);
         const int rate = streams.constFirst().value(u"bit_rate"_s).toString().toInt();
         QVERIFY2(rate > 75000 && rate < 225000, qPrintable(QString::number(rate)));
     }
@@ -43,61 +44,61 @@ private Q_SLOTS:
     void presetsChooseTracksAndSettings()
     {
         storePresets();
-        m_desk->start();
-        m_desk->pick("PresetSelectionsPopUp", u"English first"_s);
-        m_desk->pick("PresetSettingsPopUp", u"Phone"_s);
-        QVERIFY(m_desk->open({m_desk->film(support::fullMkv())}));
-        QCOMPARE(m_desk->controller().currentSelection()->trackList().size(), 3); // with the only srt
-        QCOMPARE(m_desk->find<QComboBox>("DevicePopUp")->currentText(), u"iPhone 4"_s);
-        m_desk->click("ConvertButton");
-        QVERIFY(m_desk->waitForJobs());
-        QCOMPARE(shownStreams(m_desk->path(u"a.m4v"_s)),
+        m_fixture->start();
+        m_fixture->pick("PresetSelectionsPopUp", u"English first"_s);
+        m_fixture->pick("PresetSettingsPopUp", u"Phone"_s);
+        QVERIFY(m_fixture->open({m_fixture->film(support::fullMkv())}));
+        QCOMPARE(m_fixture->controller().currentSelection()->trackList().size(), 3); // with the only srt
+        QCOMPARE(m_fixture->find<QComboBox>("DevicePopUp")->currentText(), u"iPhone 4"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(m_fixture->waitForJobs());
+        QCOMPARE(shownStreams(m_fixture->path(u"a.m4v"_s)),
                  QStringList({u"h264 320"_s, u"aac 2 eng"_s, u"mov_text eng"_s}));
     }
 
     void threeOpenFilesBecomeThreeJobs()
     {
         storePresets();
-        m_desk->start();
-        m_desk->pick("PresetSelectionsPopUp", u"Everything"_s);
-        QVERIFY(m_desk->open(films(3, support::textMp4(), u".mp4"_s)));
-        m_desk->pick("DevicePopUp", u"MKV"_s);
-        m_desk->click("ConvertButton");
-        QVERIFY(waitFor([this] { return m_desk->rows("QueueTable", File).size() == 3; }));
-        QCOMPARE(m_desk->rows("QueueTable", File), QStringList({u"1.mp4"_s, u"2.mp4"_s, u"3.mp4"_s}));
-        QCOMPARE(m_desk->rows("QueueTable", Type), QStringList(3, u"MKV Conversion"_s));
-        QTRY_VERIFY(!m_desk->isEnabled("OpenFilesQueueButton")); // one file is left to look at
-        QVERIFY(m_desk->waitForJobs());
+        m_fixture->start();
+        m_fixture->pick("PresetSelectionsPopUp", u"Everything"_s);
+        QVERIFY(m_fixture->open(films(3, support::textMp4(), u".mp4"_s)));
+        m_fixture->pick("DevicePopUp", u"MKV"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(waitFor([this] { return m_fixture->rows("QueueTable", File).size() == 3; }));
+        QCOMPARE(m_fixture->rows("QueueTable", File), QStringList({u"1.mp4"_s, u"2.mp4"_s, u"3.mp4"_s}));
+        QCOMPARE(m_fixture->rows("QueueTable", Type), QStringList(3, u"MKV Conversion"_s));
+        QTRY_VERIFY(!m_fixture->isEnabled("OpenFilesQueueButton")); // one file is left to look at
+        QVERIFY(m_fixture->waitForJobs());
         for (const QString &name : {u"1"_s, u"2"_s, u"3"_s})
-            QCOMPARE(codecsOf(m_desk->path(name + u".mkv"_s)), u"h264 aac subrip"_s);
-        QVERIFY(m_desk->find<QLabel>("StatusLine")->text().contains(u"3"_s));
+            QCOMPARE(codecsOf(m_fixture->path(name + u".mkv"_s)), u"h264 aac subrip"_s);
+        QVERIFY(m_fixture->find<QLabel>("StatusLine")->text().contains(u"3"_s));
     }
 
     void nothingIsConvertedWithoutAVideoTrack()
     {
         openWith({support::fullMkv()});
-        tickCell(*m_desk, 1);
-        QVERIFY(!m_desk->isEnabled("ConvertButton"));
-        QVERIFY(m_desk->find<QWidget>("ConvertButton")->toolTip().contains(u"exactly one video track"_s));
-        tickCell(*m_desk, 0);
-        QTRY_VERIFY(m_desk->isEnabled("ConvertButton"));
-        tickCell(*m_desk, 0);
-        QTRY_VERIFY(!m_desk->isEnabled("ConvertButton"));
+        tickCell(*m_fixture, 1);
+        QVERIFY(!m_fixture->isEnabled("ConvertButton"));
+        QVERIFY(m_fixture->find<QWidget>("ConvertButton")->toolTip().contains(u"exactly one video track"_s));
+        tickCell(*m_fixture, 0);
+        QTRY_VERIFY(m_fixture->isEnabled("ConvertButton"));
+        tickCell(*m_fixture, 0);
+        QTRY_VERIFY(!m_fixture->isEnabled("ConvertButton"));
     }
 
     void theDrawerShowsHowFarAJobIs()
     {
-        m_desk->start();
-        QVERIFY(!m_desk->find<QDockWidget>("QueueDrawer")->isVisible());
+        m_fixture->start();
+        QVERIFY(!m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
         openSlow(1);
-        m_desk->click("ConvertButton");
-        QTRY_VERIFY(m_desk->find<QDockWidget>("QueueDrawer")->isVisible());
-        QVERIFY(waitForStatus(*m_desk, 0, u"Running"_s));
+        m_fixture->click("ConvertButton");
+        QTRY_VERIFY(m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
+        QVERIFY(waitForStatus(*m_fixture, 0, u"Running"_s));
         QStringList steps;
         int rises = 0;
         QVERIFY(waitFor(
             [&] {
-                const QString now = m_desk->rows("QueueJobTable", 1).value(0);
+                const QString now = m_fixture->rows("QueueJobTable", 1).value(0);
                 if (now.startsWith(u"Pass #1"_s) && steps.value(steps.size() - 1) != now)
                     steps.append(now);
                 return steps.size() >= 4;
@@ -106,64 +107,64 @@ private Q_SLOTS:
         for (qsizetype i = 1; i < steps.size(); ++i)
             rises += percentageOf(steps.at(i)) > percentageOf(steps.at(i - 1)) ? 1 : 0;
         QVERIFY2(rises == steps.size() - 1, qPrintable(steps.join(u", "_s)));
-        QCOMPARE(m_desk->rows("QueueJobTable", 0), QStringList{u"Video Conversion"_s});
-        QVERIFY(m_desk->find<QLabel>("StatusLine")->text().startsWith(u"1.mkv"_s));
-        QCOMPARE(m_desk->rows("QueueTable", Type), QStringList{u"MKV Conversion"_s});
+        QCOMPARE(m_fixture->rows("QueueJobTable", 0), QStringList{u"Video Conversion"_s});
+        QVERIFY(m_fixture->find<QLabel>("StatusLine")->text().startsWith(u"1.mkv"_s));
+        QCOMPARE(m_fixture->rows("QueueTable", Type), QStringList{u"MKV Conversion"_s});
     }
 
     void aPausedJobStandsStillAndGoesOn()
     {
-        m_desk->start();
+        m_fixture->start();
         openSlow(1);
-        m_desk->click("ConvertButton");
+        m_fixture->click("ConvertButton");
         const qint64 ffmpeg = runningFfmpeg(u"1.mkv"_s);
         QVERIFY(ffmpeg > 0);
-        m_desk->click("QueuePauseButton");
-        QCOMPARE(m_desk->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
+        m_fixture->click("QueuePauseButton");
+        QCOMPARE(m_fixture->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
         QTRY_COMPARE(support::stateOf(ffmpeg), 'T');
-        QVERIFY(m_desk->find<QLabel>("StatusLine")->text().startsWith(u"Paused: 1.mkv"_s));
-        const int before = percentage(*m_desk);
+        QVERIFY(m_fixture->find<QLabel>("StatusLine")->text().startsWith(u"Paused: 1.mkv"_s));
+        const int before = percentage(*m_fixture);
         QTest::qWait(2500);
-        QCOMPARE(percentage(*m_desk), before);
-        m_desk->click("QueuePauseButton");
-        QCOMPARE(m_desk->find<QAbstractButton>("QueuePauseButton")->text(), u"Pause"_s);
+        QCOMPARE(percentage(*m_fixture), before);
+        m_fixture->click("QueuePauseButton");
+        QCOMPARE(m_fixture->find<QAbstractButton>("QueuePauseButton")->text(), u"Pause"_s);
         QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
-        QVERIFY(m_desk->waitForJobs(180000));
-        QCOMPARE(m_desk->rows("QueueTable", Status), QStringList{u"Completed"_s});
-        QCOMPARE(codecsOf(m_desk->path(u"1.m4v"_s)), u"h264 aac"_s);
+        QVERIFY(m_fixture->waitForJobs(180000));
+        QCOMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Completed"_s});
+        QCOMPARE(codecsOf(m_fixture->path(u"1.m4v"_s)), u"h264 aac"_s);
     }
 
     void aWaitingRowIsDeletedAndNeverRuns()
     {
-        m_desk->start();
+        m_fixture->start();
         openSlow(2);
-        m_desk->click("ConvertButton");
-        QVERIFY(waitFor([this] { return m_desk->rows("QueueTable", File).size() == 2; }));
+        m_fixture->click("ConvertButton");
+        QVERIFY(waitFor([this] { return m_fixture->rows("QueueTable", File).size() == 2; }));
         const qint64 ffmpeg = runningFfmpeg(u"1.mkv"_s);
         QVERIFY(ffmpeg > 0);
-        deleteRow(*m_desk, 1);
-        QCOMPARE(m_desk->rows("QueueTable", File), QStringList{u"1.mkv"_s});
-        QVERIFY(!m_desk->hasAlert());
+        deleteRow(*m_fixture, 1);
+        QCOMPARE(m_fixture->rows("QueueTable", File), QStringList{u"1.mkv"_s});
+        QVERIFY(!m_fixture->hasAlert());
         QTRY_VERIFY(support::stateOf(ffmpeg) != 'T'); // it was held only for the moment
-        QVERIFY(m_desk->waitForJobs(180000));
-        QVERIFY(QFile::exists(m_desk->path(u"1.m4v"_s)));
-        QVERIFY(!QFile::exists(m_desk->path(u"2.m4v"_s)));
+        QVERIFY(m_fixture->waitForJobs(180000));
+        QVERIFY(QFile::exists(m_fixture->path(u"1.m4v"_s)));
+        QVERIFY(!QFile::exists(m_fixture->path(u"2.m4v"_s)));
     }
 
     void aFinishedRowIsDeletedAndClearTakesTheRest()
     {
-        m_desk->start();
-        QVERIFY(m_desk->open(films(3, support::longMkv(2))));
+        m_fixture->start();
+        QVERIFY(m_fixture->open(films(3, support::longMkv(2))));
         chooseForEach(u"MKV"_s);
-        m_desk->click("ConvertButton");
-        QVERIFY(waitFor([this] { return m_desk->rows("QueueTable", File).size() == 3; }));
-        QVERIFY(m_desk->waitForJobs());
-        deleteRow(*m_desk, 1);
-        QCOMPARE(m_desk->rows("QueueTable", File), QStringList({u"1.mkv"_s, u"3.mkv"_s}));
-        QVERIFY(QFile::exists(m_desk->path(u"2.mkv.mkv"_s)));
-        m_desk->click("QueueClearButton");
-        QCOMPARE(m_desk->rows("QueueTable", File), QStringList());
-        QTRY_VERIFY(!m_desk->find<QDockWidget>("QueueDrawer")->isVisible());
+        m_fixture->click("ConvertButton");
+        QVERIFY(waitFor([this] { return m_fixture->rows("QueueTable", File).size() == 3; }));
+        QVERIFY(m_fixture->waitForJobs());
+        deleteRow(*m_fixture, 1);
+        QCOMPARE(m_fixture->rows("QueueTable", File), QStringList({u"1.mkv"_s, u"3.mkv"_s}));
+        QVERIFY(QFile::exists(m_fixture->path(u"2.mkv.mkv"_s)));
+        m_fixture->click("QueueClearButton");
+        QCOMPARE(m_fixture->rows("QueueTable", File), QStringList());
+        QTRY_VERIFY(!m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
     }
 
     void deletingTheRunningRowAsks_data()
@@ -178,47 +179,47 @@ private Q_SLOTS:
     {
         QFETCH(int, button);
         QFETCH(bool, goesOn);
-        m_desk->start();
+        m_fixture->start();
         openSlow(1);
-        m_desk->click("ConvertButton");
+        m_fixture->click("ConvertButton");
         const qint64 ffmpeg = runningFfmpeg(u"1.mkv"_s);
         QVERIFY(ffmpeg > 0);
-        deleteRow(*m_desk, 0);
-        QVERIFY(m_desk->waitForAlert(u"Stop the currently running job?"_s));
+        deleteRow(*m_fixture, 0);
+        QVERIFY(m_fixture->waitForAlert(u"Stop the currently running job?"_s));
         QTRY_COMPARE(support::stateOf(ffmpeg), 'T'); // nothing goes on behind the question
-        m_desk->pressAlertButton(button);
+        m_fixture->pressAlertButton(button);
         if (goesOn) {
             QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
-            QVERIFY(m_desk->waitForJobs(180000));
+            QVERIFY(m_fixture->waitForJobs(180000));
         }
         QTRY_VERIFY(!support::runs(ffmpeg));
-        QCOMPARE(m_desk->rows("QueueTable", Status), goesOn ? QStringList{u"Completed"_s} : QStringList());
-        QTRY_COMPARE(QFile::exists(m_desk->path(u"1.m4v"_s)), goesOn);
+        QCOMPARE(m_fixture->rows("QueueTable", Status), goesOn ? QStringList{u"Completed"_s} : QStringList());
+        QTRY_COMPARE(QFile::exists(m_fixture->path(u"1.m4v"_s)), goesOn);
     }
 
     void burningIntoAVideoThatPassesThroughIsRedAndSaysWhy()
     {
         openWith({support::fullMkv()});
-        tick(*m_desk, {u"h264"_s, u"srt"_s});
-        choose(*m_desk, "TheSubtitleMatrix0");
-        auto *passThru = m_desk->find<QAbstractButton>("TheVideoMatrix0");
+        tick(*m_fixture, {u"h264"_s, u"srt"_s});
+        choose(*m_fixture, "TheSubtitleMatrix0");
+        auto *passThru = m_fixture->find<QAbstractButton>("TheVideoMatrix0");
         QTRY_VERIFY(isRed(passThru));
         QVERIFY(passThru->toolTip().contains(u"Burning a subtitle needs the video to be re-encoded."_s));
-        choose(*m_desk, "TheVideoMatrix1");
-        m_desk->pick("DevicePopUp", u"General"_s);
-        choose(*m_desk, "TheSubtitleMatrix1");
+        choose(*m_fixture, "TheVideoMatrix1");
+        m_fixture->pick("DevicePopUp", u"General"_s);
+        choose(*m_fixture, "TheSubtitleMatrix1");
         QTRY_VERIFY(!isRed(passThru));
         QVERIFY(!passThru->toolTip().contains(u"Burning"_s));
-        tick(*m_desk, {u"ass"_s});
-        QTRY_VERIFY(!m_desk->isEnabled("TheSubtitleMatrix0")); // one at most can be burned
-        QVERIFY(m_desk->find<QWidget>("TheSubtitleMatrix0")->toolTip().contains(u"Only one subtitle"_s));
+        tick(*m_fixture, {u"ass"_s});
+        QTRY_VERIFY(!m_fixture->isEnabled("TheSubtitleMatrix0")); // one at most can be burned
+        QVERIFY(m_fixture->find<QWidget>("TheSubtitleMatrix0")->toolTip().contains(u"Only one subtitle"_s));
     }
 
     void soundThatFewPlayersKnowIsRedAndSaysWhy()
     {
         openWith({support::fullMkv()});
-        tick(*m_desk, {u"h264"_s, u"dts"_s});
-        auto *passThru = m_desk->find<QAbstractButton>("TheAudioMatrix0");
+        tick(*m_fixture, {u"h264"_s, u"dts"_s});
+        auto *passThru = m_fixture->find<QAbstractButton>("TheAudioMatrix0");
         QTRY_VERIFY(isRed(passThru));
         QVERIFY(passThru->toolTip().contains(u"Most devices play only AAC and AC3"_s));
     }
@@ -226,13 +227,13 @@ private Q_SLOTS:
     void editedTitleAndLanguageReachTheMkv()
     {
         openWith({support::fullMkv()});
-        tick(*m_desk, {u"h264"_s, u"ac3"_s, u"aac"_s, u"srt"_s});
-        writeTitle(*m_desk, rowOf(*m_desk, u"ac3"_s), u"The 'first', 100%"_s);
-        pickLanguage(*m_desk, rowOf(*m_desk, u"aac"_s), u"Italian"_s);
-        m_desk->pick("DevicePopUp", u"MKV"_s);
-        m_desk->click("ConvertButton");
-        QVERIFY(m_desk->waitForJobs());
-        const QStringList tracks = tracksOf(m_desk->path(u"1.mkv.mkv"_s));
+        tick(*m_fixture, {u"h264"_s, u"ac3"_s, u"aac"_s, u"srt"_s});
+        writeTitle(*m_fixture, rowOf(*m_fixture, u"ac3"_s), u"The 'first', 100%"_s);
+        pickLanguage(*m_fixture, rowOf(*m_fixture, u"aac"_s), u"Italian"_s);
+        m_fixture->pick("DevicePopUp", u"MKV"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(m_fixture->waitForJobs());
+        const QStringList tracks = tracksOf(m_fixture->path(u"1.mkv.mkv"_s));
         QCOMPARE(tracks.size(), 4);
         QVERIFY2(has(tracks, u"audio:eng:The 'first', 100%:.*"_s), qPrintable(tracks.join(u'\n')));
         QVERIFY2(has(tracks, u"audio:ita:.*"_s), qPrintable(tracks.join(u'\n')));
@@ -254,20 +255,20 @@ private:
     {
         QStringList paths;
         for (int i = 1; i <= count; ++i)
-            paths.append(m_desk->film(clip, QString::number(i) + suffix));
+            paths.append(m_fixture->film(clip, QString::number(i) + suffix));
         return paths;
     }
 
     void openWith(const QStringList &clips)
     {
-        m_desk->start();
-        QVERIFY(m_desk->open(films(1, clips.constFirst())));
+        m_fixture->start();
+        QVERIFY(m_fixture->open(films(1, clips.constFirst())));
     }
 
     void storePresets()
     {
-        QDir().mkpath(m_desk->path(u"settings"_s));
-        QFile file(m_desk->path(u"settings/defaults.json"_s));
+        QDir().mkpath(m_fixture->path(u"settings"_s));
+        QFile file(m_fixture->path(u"settings/defaults.json"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(support::storedPresets(support::someRules(), support::someSettings()));
     }
@@ -275,16 +276,16 @@ private:
     /// Every track of every open file, for a target.
     void chooseForEach(const QString &target)
     {
-        m_desk->pick("PresetSelectionsPopUp", u"All Tracks"_s);
-        m_desk->pick("DevicePopUp", target);
+        m_fixture->pick("PresetSelectionsPopUp", u"All Tracks"_s);
+        m_fixture->pick("DevicePopUp", target);
     }
 
     /// Films whose conversion takes some seconds, ready to be converted.
     void openSlow(int count)
     {
-        QVERIFY(m_desk->open(films(count, support::longMkv(120))));
+        QVERIFY(m_fixture->open(films(count, support::longMkv(120))));
         chooseForEach(u"iPhone 4"_s);
-        choose(*m_desk, "TheVideoMatrix2");
+        choose(*m_fixture, "TheVideoMatrix2");
     }
 
     /// The process that converts a film; 0 when none came.
@@ -293,15 +294,15 @@ private:
         QList<qint64> found;
         waitFor(
             [&] {
-                found = processesOn("ffmpeg", m_desk->path(name));
+                found = processesOn("ffmpeg", m_fixture->path(name));
                 return !found.isEmpty();
             },
             15000);
         return found.value(0);
     }
 
-    std::unique_ptr<WindowDesk> m_desk;
+    std::unique_ptr<WindowFixture> m_fixture;
 };
 
-QTEST_MAIN(ConvertingTest)
+TESSARAY_TEST(ConvertingTest)
 #include "ConvertingTest.moc"

@@ -1,5 +1,6 @@
 // What a second start says to the one that runs, in whatever pieces it comes.
 #include "window/HandOverMessage.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -106,5 +107,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(HandOverMessageTest)
+TESSARAY_TEST(HandOverMessageTest)
 #include "HandOverMessageTest.moc"

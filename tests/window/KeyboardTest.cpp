@@ -1,15 +1,16 @@
 // Everything by keyboard alone: what has the focus says its name, Tab goes on as one reads, commands have
 // their keys.
+#include "support/CliFixture.h"
 #include "support/Clips.h"
-#include "support/Twin.h"
-#include "window/QueueHand.h"
+#include "support/TestMain.h"
+#include "window/QueueDriver.h"
 
 #include <QFileDialog>
 #include <QMenu>
 #include <QMenuBar>
 
 using namespace Qt::StringLiterals;
-using namespace hand;
+using namespace driver;
 
 class KeyboardTest final : public QObject
 {
@@ -18,10 +19,10 @@ class KeyboardTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<WindowDesk>();
-        m_desk->start();
+        m_fixture = std::make_unique<WindowFixture>();
+        m_fixture->start();
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void whatTabReachesHasANameAndLiesWhereOneReadsOn_data()
     {
@@ -41,13 +42,13 @@ private Q_SLOTS:
     {
         QFETCH(int, tab);
         QFETCH(QStringList, inOrder);
-        m_desk->chooseTab(tab);
-        QVERIFY(m_desk->open(
-            {m_desk->film(support::fullMkv(), u"1.mkv"_s), m_desk->film(support::fullMkv(), u"2.mkv"_s)}));
+        m_fixture->chooseTab(tab);
+        QVERIFY(m_fixture->open({m_fixture->film(support::fullMkv(), u"1.mkv"_s),
+                                 m_fixture->film(support::fullMkv(), u"2.mkv"_s)}));
         if (tab == 0)
-            tick(*m_desk, {u"h264"_s, u"ac3"_s, u"srt"_s});
+            tick(*m_fixture, {u"h264"_s, u"ac3"_s, u"srt"_s});
         QStringList visited;
-        m_desk->find<QWidget>("OpenButton")->setFocus();
+        m_fixture->find<QWidget>("OpenButton")->setFocus();
         for (int steps = 0; steps < 80; ++steps) {
             QWidget *focused = QApplication::focusWidget();
             QVERIFY(focused != nullptr);
@@ -85,44 +86,44 @@ private Q_SLOTS:
 
     void aFilmIsTickedAndConvertedByKeys()
     {
-        const QString film = m_desk->film(support::textMp4(), u"a.mp4"_s);
-        QVERIFY(m_desk->open({film}));
-        auto *table = m_desk->find<QTreeView>("ConvertTrackTable");
-        QTRY_COMPARE_WITH_TIMEOUT(m_desk->rows("ConvertTrackTable", Kind).size(), 3, 15000);
+        const QString film = m_fixture->film(support::textMp4(), u"a.mp4"_s);
+        QVERIFY(m_fixture->open({film}));
+        auto *table = m_fixture->find<QTreeView>("ConvertTrackTable");
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->rows("ConvertTrackTable", Kind).size(), 3, 15000);
         QTRY_VERIFY(table->isEnabled() && table->isVisible());
         table->setFocus();
         QTest::keyClick(table, Qt::Key_Home);
         QTest::keyClick(table, Qt::Key_Space);
         QTest::keyClick(table, Qt::Key_Down);
         QTest::keyClick(table, Qt::Key_Space);
-        QTRY_VERIFY(m_desk->isEnabled("DevicePopUp") && m_desk->isEnabled("ConvertButton"));
-        m_desk->pick("DevicePopUp", u"MKV"_s);
-        QTest::keyClick(&m_desk->window(), Qt::Key_Return, Qt::ControlModifier);
-        QTRY_COMPARE(m_desk->rows("QueueTable", File), QStringList{u"a.mp4"_s});
-        QVERIFY(m_desk->waitForJobs());
-        QCOMPARE(support::codecsOf(m_desk->path(u"a.mkv"_s)), u"h264 aac"_s);
-        auto *jobs = m_desk->find<QTreeView>("QueueTable");
+        QTRY_VERIFY(m_fixture->isEnabled("DevicePopUp") && m_fixture->isEnabled("ConvertButton"));
+        m_fixture->pick("DevicePopUp", u"MKV"_s);
+        QTest::keyClick(&m_fixture->window(), Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(m_fixture->rows("QueueTable", File), QStringList{u"a.mp4"_s});
+        QVERIFY(m_fixture->waitForJobs());
+        QCOMPARE(support::codecsOf(m_fixture->path(u"a.mkv"_s)), u"h264 aac"_s);
+        auto *jobs = m_fixture->find<QTreeView>("QueueTable");
         jobs->setFocus();
         QTest::keyClick(jobs, Qt::Key_Home);
         QTest::keyClick(jobs, Qt::Key_Delete);
-        QTRY_COMPARE(m_desk->rows("QueueTable", File), QStringList());
+        QTRY_COMPARE(m_fixture->rows("QueueTable", File), QStringList());
     }
 
     void aKeyOpensThePanelAndEscapeLeavesIt()
     {
-        QTest::keyClick(&m_desk->window(), Qt::Key_O, Qt::ControlModifier);
-        const auto panel = [this] { return m_desk->window().findChild<QFileDialog *>(u"FileChooser"_s); };
+        QTest::keyClick(&m_fixture->window(), Qt::Key_O, Qt::ControlModifier);
+        const auto panel = [this] { return m_fixture->window().findChild<QFileDialog *>(u"FileChooser"_s); };
         QTRY_VERIFY(panel() != nullptr && panel()->isVisible());
         QTest::keyClick(panel(), Qt::Key_Escape);
         QTRY_VERIFY(panel() == nullptr);
-        QCOMPARE(m_desk->rows("ConvertTrackTable", Kind), QStringList());
+        QCOMPARE(m_fixture->rows("ConvertTrackTable", Kind), QStringList());
     }
 
 private:
     /// Null when no menu has it.
     QAction *action(const QString &text)
     {
-        for (QAction *top : m_desk->window().menuBar()->actions()) {
+        for (QAction *top : m_fixture->window().menuBar()->actions()) {
             for (QAction *command : top->menu()->actions()) {
                 if (command->text().remove(u'&') == text)
                     return command;
@@ -131,8 +132,8 @@ private:
         return nullptr;
     }
 
-    std::unique_ptr<WindowDesk> m_desk;
+    std::unique_ptr<WindowFixture> m_fixture;
 };
 
-QTEST_MAIN(KeyboardTest)
+TESSARAY_TEST(KeyboardTest)
 #include "KeyboardTest.moc"

@@ -3,7 +3,8 @@
 #include "support/FakeTool.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
-#include "window/QueueHand.h"
+#include "support/TestMain.h"
+#include "window/QueueDriver.h"
 
 #include <QScopeGuard>
 #include <QSignalSpy>
@@ -14,7 +15,7 @@
 #include <functional>
 
 using namespace Qt::StringLiterals;
-using namespace hand;
+using namespace driver;
 using support::waitFor;
 
 namespace {
@@ -54,14 +55,14 @@ private:
 };
 
 /// Starts a conversion that takes some seconds; answers the process that works on it, 0 when none came.
-qint64 convertSlowly(WindowDesk &desk, const QString &film)
+qint64 convertSlowly(WindowFixture &fixture, const QString &film)
 {
-    desk.pick("PresetSelectionsPopUp", u"All Tracks"_s);
-    if (!desk.open({film}))
+    fixture.pick("PresetSelectionsPopUp", u"All Tracks"_s);
+    if (!fixture.open({film}))
         return 0;
-    desk.pick("DevicePopUp", u"iPhone 4"_s);
-    choose(desk, "TheVideoMatrix2");
-    desk.click("ConvertButton");
+    fixture.pick("DevicePopUp", u"iPhone 4"_s);
+    choose(fixture, "TheVideoMatrix2");
+    fixture.click("ConvertButton");
     QList<qint64> found;
     waitFor(
         [&] {
@@ -85,12 +86,12 @@ bool endsBy(const std::function<void()> &deed)
 /// What this test's own program does when it is started to be ended: it converts a film until then.
 int convertUntilTheEnd(const QString &film)
 {
-    WindowDesk desk;
-    desk.start();
-    if (convertSlowly(desk, film) == 0)
+    WindowFixture fixture;
+    fixture.start();
+    if (convertSlowly(fixture, film) == 0)
         return 1;
     const int status = QApplication::exec();
-    desk.restart(); // the program goes as it does at the end of main()
+    fixture.restart(); // the program goes as it does at the end of main()
     return status;
 }
 
@@ -103,10 +104,10 @@ class LifecycleTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<WindowDesk>();
+        m_fixture = std::make_unique<WindowFixture>();
         storePresets();
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void quittingWhileIdleKeepsTabAndPresets_data()
     {
@@ -118,47 +119,47 @@ private Q_SLOTS:
     void quittingWhileIdleKeepsTabAndPresets()
     {
         QFETCH(bool, byMenu);
-        m_desk->start();
-        m_desk->chooseTab(1);
-        m_desk->chooseTab(0);
-        m_desk->pick("PresetSelectionsPopUp", u"French AC3"_s);
-        m_desk->pick("PresetSettingsPopUp", u"Archive"_s);
+        m_fixture->start();
+        m_fixture->chooseTab(1);
+        m_fixture->chooseTab(0);
+        m_fixture->pick("PresetSelectionsPopUp", u"French AC3"_s);
+        m_fixture->pick("PresetSettingsPopUp", u"Archive"_s);
         QVERIFY(endsBy([&] {
             if (byMenu)
-                m_desk->command(u"File"_s, u"Quit"_s);
+                m_fixture->command(u"File"_s, u"Quit"_s);
             else
-                QTest::keyClick(&m_desk->window(), Qt::Key_W, Qt::ControlModifier);
+                QTest::keyClick(&m_fixture->window(), Qt::Key_W, Qt::ControlModifier);
         }));
-        QVERIFY(!m_desk->hasAlert());
-        m_desk->restart();
-        QCOMPARE(m_desk->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"French AC3"_s);
-        QCOMPARE(m_desk->find<QComboBox>("PresetSettingsPopUp")->currentText(), u"Archive"_s);
-        QCOMPARE(m_desk->find<QTabBar>("Tabs")->currentIndex(), 0);
+        QVERIFY(!m_fixture->hasAlert());
+        m_fixture->restart();
+        QCOMPARE(m_fixture->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"French AC3"_s);
+        QCOMPARE(m_fixture->find<QComboBox>("PresetSettingsPopUp")->currentText(), u"Archive"_s);
+        QCOMPARE(m_fixture->find<QTabBar>("Tabs")->currentIndex(), 0);
     }
 
     void theOtherTabComesBackToo()
     {
-        m_desk->start();
-        m_desk->pick("PresetSelectionsPopUp", u"Everything"_s);
-        m_desk->chooseTab(1);
-        QVERIFY(endsBy([&] { m_desk->command(u"File"_s, u"Quit"_s); }));
-        m_desk->restart();
-        QCOMPARE(m_desk->find<QTabBar>("Tabs")->currentIndex(), 1);
-        QVERIFY(m_desk->find<QWidget>("JoinButton")->isVisible());
-        QCOMPARE(m_desk->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"Everything"_s);
+        m_fixture->start();
+        m_fixture->pick("PresetSelectionsPopUp", u"Everything"_s);
+        m_fixture->chooseTab(1);
+        QVERIFY(endsBy([&] { m_fixture->command(u"File"_s, u"Quit"_s); }));
+        m_fixture->restart();
+        QCOMPARE(m_fixture->find<QTabBar>("Tabs")->currentIndex(), 1);
+        QVERIFY(m_fixture->find<QWidget>("JoinButton")->isVisible());
+        QCOMPARE(m_fixture->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"Everything"_s);
     }
 
     void toolTipsThatWereSwitchedOffStayOff()
     {
-        m_desk->start();
-        QVERIFY(!m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
-        m_desk->command(u"Help"_s, u"Hide Tool Tips"_s);
-        QVERIFY(m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
-        m_desk->restart();
-        QVERIFY(m_desk->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
-        QVERIFY(m_desk->find<QWidget>("QueueTable")->toolTip().isEmpty());
-        m_desk->command(u"Help"_s, u"Show Tool Tips"_s);
-        QVERIFY(!m_desk->find<QWidget>("QueueTable")->toolTip().isEmpty());
+        m_fixture->start();
+        QVERIFY(!m_fixture->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        m_fixture->command(u"Help"_s, u"Hide Tool Tips"_s);
+        QVERIFY(m_fixture->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        m_fixture->restart();
+        QVERIFY(m_fixture->find<QWidget>("ConvertTrackTable")->toolTip().isEmpty());
+        QVERIFY(m_fixture->find<QWidget>("QueueTable")->toolTip().isEmpty());
+        m_fixture->command(u"Help"_s, u"Show Tool Tips"_s);
+        QVERIFY(!m_fixture->find<QWidget>("QueueTable")->toolTip().isEmpty());
     }
 
     void quittingWithARunningJobAsks_data()
@@ -171,57 +172,57 @@ private Q_SLOTS:
     void quittingWithARunningJobAsks()
     {
         QFETCH(int, button);
-        m_desk->start();
-        QSignalSpy ends(&m_desk->delegate(), &KXAppDelegate::terminationAllowed);
-        const qint64 ffmpeg = convertSlowly(*m_desk, m_desk->film(support::longMkv(120)));
+        m_fixture->start();
+        QSignalSpy ends(&m_fixture->delegate(), &KXAppDelegate::terminationAllowed);
+        const qint64 ffmpeg = convertSlowly(*m_fixture, m_fixture->film(support::longMkv(120)));
         QVERIFY(ffmpeg > 0);
-        QTest::keyClick(&m_desk->window(), Qt::Key_Q, Qt::ControlModifier);
-        QVERIFY(m_desk->waitForAlert(u"Videos are still being processed.  Quit anyways?"_s));
+        QTest::keyClick(&m_fixture->window(), Qt::Key_Q, Qt::ControlModifier);
+        QVERIFY(m_fixture->waitForAlert(u"Videos are still being processed.  Quit anyways?"_s));
         QTRY_COMPARE(support::stateOf(ffmpeg), 'T');
         if (button == 0) {
-            QVERIFY(endsBy([&] { m_desk->pressAlertButton(0); }));
+            QVERIFY(endsBy([&] { m_fixture->pressAlertButton(0); }));
             QTRY_VERIFY(!support::runs(ffmpeg));
-            QTRY_VERIFY(!QFile::exists(m_desk->path(u"a.m4v"_s)));
+            QTRY_VERIFY(!QFile::exists(m_fixture->path(u"a.m4v"_s)));
             return;
         }
-        m_desk->pressAlertButton(1);
+        m_fixture->pressAlertButton(1);
         QTest::qWait(500);
         QCOMPARE(ends.size(), 0);
         QCOMPARE(support::stateOf(ffmpeg), 'T'); // meant: who wants it to go on says so
-        QCOMPARE(m_desk->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
-        m_desk->click("QueuePauseButton");
+        QCOMPARE(m_fixture->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
+        m_fixture->click("QueuePauseButton");
         QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
     }
 
     /// Only a start unpacks, and the first one takes seconds.
     void theWindowAnswersWhileTheToolsAreUnpacked()
     {
-        QVERIFY(QDir().mkpath(m_desk->path(u"slow"_s)));
-        QFile unzip(m_desk->path(u"slow/unzip"_s));
+        QVERIFY(QDir().mkpath(m_fixture->path(u"slow"_s)));
+        QFile unzip(m_fixture->path(u"slow/unzip"_s));
         QVERIFY(unzip.open(QIODevice::WriteOnly) && unzip.write("#!/bin/sh\nsleep 0.5\n") > 0);
         unzip.close();
         QVERIFY(unzip.setPermissions(unzip.permissions() | QFile::ExeOwner));
         const QByteArray path = qgetenv("PATH");
-        qputenv("PATH", QFile::encodeName(m_desk->path(u"slow"_s)) + ':' + path);
+        qputenv("PATH", QFile::encodeName(m_fixture->path(u"slow"_s)) + ':' + path);
         const auto restore = qScopeGuard([&] { qputenv("PATH", path); });
         int beats = 0;
         QTimer heart;
         connect(&heart, &QTimer::timeout, this, [&] { ++beats; });
         heart.start(10);
-        m_desk->start(); // returns when the tools are there
+        m_fixture->start(); // returns when the tools are there
         QVERIFY2(beats >= 20, qPrintable(QString::number(beats)));
-        QVERIFY(m_desk->program().isReady());
+        QVERIFY(m_fixture->program().isReady());
     }
 
     void aSecondStartHandsItsFilesOver()
     {
-        const QString film = m_desk->film(support::longMkv(2), u"second, it's.mkv"_s);
+        const QString film = m_fixture->film(support::longMkv(2), u"second, it's.mkv"_s);
         const QString program = programWithRecorders();
-        const QStringList words{u"--defaults"_s, m_desk->path(u"settings/defaults.json"_s)};
+        const QStringList words{u"--defaults"_s, m_fixture->path(u"settings/defaults.json"_s)};
         Started first(program, words, m_environment);
         QVERIFY(waitFor(
             [this] {
-                return !QDir(m_desk->path(u"run"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
+                return !QDir(m_fixture->path(u"run"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
             },
             20000));
         QVERIFY(!wasProbed(film));
@@ -245,7 +246,7 @@ private Q_SLOTS:
     void aSignalEndsTheProgramAndItsJob()
     {
         QFETCH(int, number);
-        const QString film = m_desk->film(support::longMkv(120));
+        const QString film = m_fixture->film(support::longMkv(120));
         Started converting(QCoreApplication::applicationFilePath(), {u"--convert"_s, film},
                            QProcessEnvironment::systemEnvironment());
         QVERIFY(waitFor([&] { return !processesOn("ffmpeg", film).isEmpty(); }, 30000));
@@ -254,7 +255,7 @@ private Q_SLOTS:
         QVERIFY(converting.ends());
         QVERIFY(converting.endedWell());
         QTRY_VERIFY(processesOn("ffmpeg", film).isEmpty());
-        QCOMPARE(QDir(m_desk->path()).entryList({u"a.*"_s}, QDir::Files), QStringList{u"a.mkv"_s});
+        QCOMPARE(QDir(m_fixture->path()).entryList({u"a.*"_s}, QDir::Files), QStringList{u"a.mkv"_s});
     }
 
 private:
@@ -264,23 +265,24 @@ private:
         const QString build = QStringLiteral(TESSARAY_BUILD_DIR);
         for (const QString &folder :
              {u"app/bin"_s, u"app/Resources/ffmpeg"_s, u"app/Resources/mkvtoolnix"_s, u"run"_s})
-            QDir().mkpath(m_desk->path(folder));
+            QDir().mkpath(m_fixture->path(folder));
         for (const QString &tool : {u"ffmpeg/ffmpeg"_s, u"ffmpeg/ffprobe"_s, u"mkvtoolnix/mkvmerge"_s,
                                     u"mkvtoolnix/mkvextract"_s, u"mkvtoolnix/mkvinfo"_s})
-            QFile::link(build + u"/tests/recorder"_s, m_desk->path(u"app/Resources/"_s + tool));
-        const QString program = m_desk->path(u"app/bin/tessaray"_s);
+            QFile::link(build + u"/tests/recorder"_s, m_fixture->path(u"app/Resources/"_s + tool));
+        const QString program = m_fixture->path(u"app/bin/tessaray"_s);
         if (!QFile::copy(build + u"/bin/tessaray"_s, program))
             qFatal("The program can't be copied.");
         m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert(u"RECORDER_FILE"_s, m_desk->path(u"recorded"_s));
-        QFile::setPermissions(m_desk->path(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_desk->path(u"run"_s));
+        m_environment.insert(u"RECORDER_FILE"_s, m_fixture->path(u"recorded"_s));
+        QFile::setPermissions(m_fixture->path(u"run"_s),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        m_environment.insert(u"XDG_RUNTIME_DIR"_s, m_fixture->path(u"run"_s));
         return program;
     }
 
     bool wasProbed(const QString &film) const
     {
-        const auto runs = support::FakeTool::recordedRuns(m_desk->path(u"recorded"_s));
+        const auto runs = support::FakeTool::recordedRuns(m_fixture->path(u"recorded"_s));
         return std::any_of(runs.begin(), runs.end(), [&](const support::FakeTool::Run &run) {
             return run.program == "ffprobe" && run.arguments.contains(film.toUtf8());
         });
@@ -288,24 +290,16 @@ private:
 
     void storePresets()
     {
-        QDir().mkpath(m_desk->path(u"settings"_s));
-        QFile file(m_desk->path(u"settings/defaults.json"_s));
+        QDir().mkpath(m_fixture->path(u"settings"_s));
+        QFile file(m_fixture->path(u"settings/defaults.json"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(support::storedPresets(support::someRules(), support::someSettings()));
     }
 
     QProcessEnvironment m_environment;
-    std::unique_ptr<WindowDesk> m_desk;
+    std::unique_ptr<WindowFixture> m_fixture;
 };
 
-int main(int argc, char *argv[])
-{
-    QApplication application(argc, argv);
-    const QStringList words = QCoreApplication::arguments();
-    if (words.value(1) == u"--convert"_s)
-        return convertUntilTheEnd(words.value(2));
-    LifecycleTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+TESSARAY_TEST(LifecycleTest)
+TESSARAY_ROLE("--convert", convertUntilTheEnd(words.value(1)))
 #include "LifecycleTest.moc"

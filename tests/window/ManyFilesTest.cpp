@@ -1,6 +1,7 @@
 // Hundreds of files at once: the window goes on answering, says how far it is, and can be stopped.
 #include "support/Clips.h"
-#include "window/QueueHand.h"
+#include "support/TestMain.h"
+#include "window/QueueDriver.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
@@ -9,7 +10,7 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
-using namespace hand;
+using namespace driver;
 using support::waitFor;
 
 class ManyFilesTest final : public QObject
@@ -23,10 +24,10 @@ public:
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<WindowDesk>();
-        m_desk->start();
+        m_fixture = std::make_unique<WindowFixture>();
+        m_fixture->start();
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void theWindowAnswersWhileThreeHundredFilesAreProbed()
     {
@@ -36,32 +37,32 @@ private Q_SLOTS:
         qint64 largest = 0;
         int beats = 0;
         connect(&heart, &QTimer::timeout, this, [&] {
-            if (!m_desk->delegate().intake().isBusy())
+            if (!m_fixture->delegate().intake().isBusy())
                 return;
             ++beats;
             largest = std::max(largest, clock.restart());
         });
         QStringList lines;
-        connect(&m_desk->delegate().intake(), &app::FileIntake::probing, this,
-                [&] { lines.append(m_desk->find<QLabel>("ProbingText")->text()); });
+        connect(&m_fixture->delegate().intake(), &app::FileIntake::probing, this,
+                [&] { lines.append(m_fixture->find<QLabel>("ProbingText")->text()); });
         clock.start();
         heart.start(20);
-        QVERIFY(m_desk->drop("ConvertTrackTable", films));
-        QVERIFY(waitFor([this] { return m_desk->delegate().openQueue().openFileCount() == 300; }, 500000));
+        QVERIFY(m_fixture->drop("ConvertTrackTable", films));
+        QVERIFY(waitFor([this] { return m_fixture->delegate().openQueue().openFileCount() == 300; }, 500000));
         heart.stop();
         qInfo("%d heartbeats while files were probed, the largest gap was %lld ms", beats, largest);
         QVERIFY(beats >= 300); // a probe takes longer than a beat
-        QCOMPARE(m_desk->delegate().openQueue().openFileCount(), 300);
+        QCOMPARE(m_fixture->delegate().openQueue().openFileCount(), 300);
         QVERIFY2(lines.contains(u"Opening 300 of 300: 300.mkv"_s), qPrintable(lines.value(lines.size() - 1)));
         QVERIFY(lines.contains(u"Opening 1 of 300: 001.mkv"_s));
-        QTRY_VERIFY(!m_desk->find<QLabel>("ProbingText")->isVisible());
-        QTRY_COMPARE(m_desk->find<QLabel>("ConvertFileField")->text(), films.constFirst());
+        QTRY_VERIFY(!m_fixture->find<QLabel>("ProbingText")->isVisible());
+        QTRY_COMPARE(m_fixture->find<QLabel>("ConvertFileField")->text(), films.constFirst());
     }
 
     void stopKeepsWhatIsProbed()
     {
         const QStringList films = manyFilms(300);
-        auto *text = m_desk->find<QLabel>("ProbingText");
+        auto *text = m_fixture->find<QLabel>("ProbingText");
         bool stopped = false;
         bool couldOpen = true;
         QTimer person; // looks at the line and presses the button, while the program is at work
@@ -69,29 +70,29 @@ private Q_SLOTS:
             if (stopped || !text->isVisible() || !text->text().startsWith(u"Opening 6 of 300"_s))
                 return;
             stopped = true;
-            couldOpen = m_desk->isEnabled("OpenButton");
-            m_desk->click("ProbingStopButton");
+            couldOpen = m_fixture->isEnabled("OpenButton");
+            m_fixture->click("ProbingStopButton");
         });
         person.start(5);
-        QVERIFY(m_desk->drop("ConvertTrackTable", films));
-        QVERIFY(waitFor([&] { return stopped && !m_desk->delegate().intake().isBusy(); }, 200000));
+        QVERIFY(m_fixture->drop("ConvertTrackTable", films));
+        QVERIFY(waitFor([&] { return stopped && !m_fixture->delegate().intake().isBusy(); }, 200000));
         QVERIFY(!couldOpen); // one thing after the other
-        const int open = m_desk->delegate().openQueue().openFileCount();
+        const int open = m_fixture->delegate().openQueue().openFileCount();
         QVERIFY2(open >= 5 && open < 20, qPrintable(QString::number(open)));
         QTRY_VERIFY(!text->isVisible());
-        QTRY_COMPARE(m_desk->find<QLabel>("ConvertFileField")->text(), films.constFirst());
-        QTRY_VERIFY(m_desk->isEnabled("OpenFilesQueueButton"));
-        QVERIFY(!m_desk->hasAlert());
+        QTRY_COMPARE(m_fixture->find<QLabel>("ConvertFileField")->text(), films.constFirst());
+        QTRY_VERIFY(m_fixture->isEnabled("OpenFilesQueueButton"));
+        QVERIFY(!m_fixture->hasAlert());
     }
 
 private:
     /// The same small film under many names.
     QStringList manyFilms(int count)
     {
-        const QString film = m_desk->film(support::longMkv(2), u"001.mkv"_s);
+        const QString film = m_fixture->film(support::longMkv(2), u"001.mkv"_s);
         QStringList films{film};
         for (int i = 2; i <= count; ++i) {
-            const QString name = m_desk->path(u"%1.mkv"_s.arg(i, 3, 10, QLatin1Char('0')));
+            const QString name = m_fixture->path(u"%1.mkv"_s.arg(i, 3, 10, QLatin1Char('0')));
             if (::link(QFile::encodeName(film).constData(), QFile::encodeName(name).constData()) != 0)
                 qFatal("A film can't be linked.");
             films.append(name);
@@ -99,8 +100,8 @@ private:
         return films;
     }
 
-    std::unique_ptr<WindowDesk> m_desk;
+    std::unique_ptr<WindowFixture> m_fixture;
 };
 
-QTEST_MAIN(ManyFilesTest)
+TESSARAY_TEST(ManyFilesTest)
 #include "ManyFilesTest.moc"

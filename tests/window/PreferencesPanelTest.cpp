@@ -5,7 +5,8 @@
 #include "prefs/KXPreferences.h"
 #include "prefs/KXPreferencesController.h"
 #include "support/Scratch.h"
-#include "window/SheetHand.h"
+#include "support/TestMain.h"
+#include "window/SheetDriver.h"
 #include "window/ToolTipBinder.h"
 
 #include <QCheckBox>
@@ -35,9 +36,9 @@ public:
 };
 
 /// A fresh user's program whose preferences panel can be opened.
-struct Desk
+struct Fixture
 {
-    Desk()
+    Fixture()
         : store(scratch.path(u"defaults.json"_s))
         , preferences(store, {scratch.path(u"Resources"_s), scratch.path()})
         , controller(preferences, chooser)
@@ -46,22 +47,22 @@ struct Desk
         preferences.initialize();
         preferences.modifyToolTips();
     }
-    ~Desk() { delete panel; }
+    ~Fixture() { delete panel; }
 
-    SheetHand open()
+    SheetDriver open()
     {
         controller.openPreferencesPanel();
         panel = new window::PreferencesPanel(controller, preferences, tips, nullptr);
         panel->open();
         if (!QTest::qWaitForWindowActive(panel))
             qFatal("The panel is not active.");
-        return SheetHand(*panel);
+        return SheetDriver(*panel);
     }
-    bool isChecked(const char *word) const { return SheetHand(*panel).find<QCheckBox>(word)->isChecked(); }
+    bool isChecked(const char *word) const { return SheetDriver(*panel).find<QCheckBox>(word)->isChecked(); }
     void toggle(const char *word) const
     {
-        SheetHand(*panel).find(word)->setFocus();
-        SheetHand(*panel).key(Qt::Key_Space);
+        SheetDriver(*panel).find(word)->setFocus();
+        SheetDriver(*panel).key(Qt::Key_Space);
     }
     void addPaddingTool() const
     {
@@ -93,17 +94,18 @@ class PreferencesPanelTest final : public QObject
 private Q_SLOTS:
     void aFreshUserSeesTheDefaults()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        QVERIFY(desk.panel->isModal());
-        QCOMPARE(hand.entered("SaveDirectoryPath"), QString());
-        QCOMPARE(hand.find<QLineEdit>("SaveDirectoryPath")->placeholderText(), u"Next to the source movie"_s);
-        QCOMPARE(hand.entered("LintwickPath"), QString());
-        QVERIFY(!hand.isEnabled("ClearSaveDirectoryButton"));
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        QVERIFY(fixture.panel->isModal());
+        QCOMPARE(driver.entered("SaveDirectoryPath"), QString());
+        QCOMPARE(driver.find<QLineEdit>("SaveDirectoryPath")->placeholderText(),
+                 u"Next to the source movie"_s);
+        QCOMPARE(driver.entered("LintwickPath"), QString());
+        QVERIFY(!driver.isEnabled("ClearSaveDirectoryButton"));
         for (const char *word :
              {"PrefToolTipsButton", "PrefLogsButton", "PrefOptimizeStreamingButton", "PrefUseDpliiButton"})
-            QVERIFY2(desk.isChecked(word), word);
-        QVERIFY(!desk.isChecked("PrefAddPaddingButton"));
+            QVERIFY2(fixture.isChecked(word), word);
+        QVERIFY(!fixture.isChecked("PrefAddPaddingButton"));
     }
 
     void everySwitchIsStored_data()
@@ -124,16 +126,16 @@ private Q_SLOTS:
         QFETCH(const QByteArray, box);
         QFETCH(const QString, key);
         QFETCH(const bool, toggled);
-        Desk desk;
-        desk.addPaddingTool();
-        const SheetHand hand = desk.open();
-        desk.toggle(box.constData());
-        QCOMPARE(desk.isChecked(box.constData()), toggled);
-        hand.click("OkPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
-        QCOMPARE(desk.storedPanel().value(key).toBool(), toggled);
-        desk.open();
-        QCOMPARE(desk.isChecked(box.constData()), toggled);
+        Fixture fixture;
+        fixture.addPaddingTool();
+        const SheetDriver driver = fixture.open();
+        fixture.toggle(box.constData());
+        QCOMPARE(fixture.isChecked(box.constData()), toggled);
+        driver.click("OkPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(key).toBool(), toggled);
+        fixture.open();
+        QCOMPARE(fixture.isChecked(box.constData()), toggled);
     }
 
     void cancelStoresNothing_data()
@@ -147,141 +149,142 @@ private Q_SLOTS:
     void cancelStoresNothing()
     {
         QFETCH(const QString, how);
-        Desk desk;
-        const SheetHand hand = desk.open();
-        desk.toggle("PrefLogsButton");
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        fixture.toggle("PrefLogsButton");
         if (how == u"cancel"_s)
-            hand.click("CancelPreferencesButton");
+            driver.click("CancelPreferencesButton");
         else if (how == u"escape"_s)
-            QTest::keyClick(desk.panel, Qt::Key_Escape);
+            QTest::keyClick(fixture.panel, Qt::Key_Escape);
         else
-            desk.panel->close();
-        QTRY_VERIFY(desk.panel.isNull());
-        QVERIFY(!desk.storedPanel().contains(u"keepLogsFlag"_s));
-        QVERIFY(desk.preferences.panelFlag(u"keepLogsFlag"_s));
-        desk.open();
-        QVERIFY(desk.isChecked("PrefLogsButton"));
+            fixture.panel->close();
+        QTRY_VERIFY(fixture.panel.isNull());
+        QVERIFY(!fixture.storedPanel().contains(u"keepLogsFlag"_s));
+        QVERIFY(fixture.preferences.panelFlag(u"keepLogsFlag"_s));
+        fixture.open();
+        QVERIFY(fixture.isChecked("PrefLogsButton"));
     }
 
     void toolTipsSwitchAtOnceAndBackWithCancel()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        const QString tip = hand.find("PrefLogsButton")->toolTip();
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        const QString tip = driver.find("PrefLogsButton")->toolTip();
         QVERIFY(tip.contains(u"Check to keep the log and temporary files"_s));
-        desk.toggle("PrefToolTipsButton");
-        QCOMPARE(hand.find("PrefLogsButton")->toolTip(), QString());
-        QCOMPARE(desk.preferences.toolTipsMenuItemTitle(), u"Show Tool Tips"_s);
-        desk.toggle("PrefToolTipsButton");
-        QCOMPARE(hand.find("PrefLogsButton")->toolTip(), tip);
-        desk.toggle("PrefToolTipsButton");
-        hand.click("CancelPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
-        QCOMPARE(desk.preferences.toolTipsMenuItemTitle(), u"Hide Tool Tips"_s);
+        fixture.toggle("PrefToolTipsButton");
+        QCOMPARE(driver.find("PrefLogsButton")->toolTip(), QString());
+        QCOMPARE(fixture.preferences.toolTipsMenuItemTitle(), u"Show Tool Tips"_s);
+        fixture.toggle("PrefToolTipsButton");
+        QCOMPARE(driver.find("PrefLogsButton")->toolTip(), tip);
+        fixture.toggle("PrefToolTipsButton");
+        driver.click("CancelPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.preferences.toolTipsMenuItemTitle(), u"Hide Tool Tips"_s);
     }
 
     void theSaveFolderIsChosenAndCleared()
     {
-        Desk desk;
-        desk.chooser.path = desk.scratch.path(u"Fertige Filme"_s);
-        const SheetHand hand = desk.open();
-        hand.click("ChangeSaveButton");
-        QCOMPARE(desk.chooser.asked, u"Select save directory location:"_s);
-        QCOMPARE(hand.entered("SaveDirectoryPath"), desk.chooser.path);
-        QCOMPARE(hand.find("SaveDirectoryPath")->toolTip(), desk.chooser.path);
-        hand.click("OkPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
-        QCOMPARE(desk.storedPanel().value(u"saveDirectoryPath"_s).toString(), desk.chooser.path);
-        const SheetHand again = desk.open();
+        Fixture fixture;
+        fixture.chooser.path = fixture.scratch.path(u"Fertige Filme"_s);
+        const SheetDriver driver = fixture.open();
+        driver.click("ChangeSaveButton");
+        QCOMPARE(fixture.chooser.asked, u"Select save directory location:"_s);
+        QCOMPARE(driver.entered("SaveDirectoryPath"), fixture.chooser.path);
+        QCOMPARE(driver.find("SaveDirectoryPath")->toolTip(), fixture.chooser.path);
+        driver.click("OkPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(u"saveDirectoryPath"_s).toString(), fixture.chooser.path);
+        const SheetDriver again = fixture.open();
         again.click("ClearSaveDirectoryButton");
         QCOMPARE(again.entered("SaveDirectoryPath"), QString());
         again.click("OkPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
-        QCOMPARE(desk.storedPanel().value(u"saveDirectoryPath"_s).toString(), QString());
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(u"saveDirectoryPath"_s).toString(), QString());
     }
 
     void lintwickIsChosen()
     {
-        Desk desk;
-        desk.chooser.path = desk.scratch.path(u"lintwick"_s);
-        const SheetHand hand = desk.open();
-        hand.click("ChangeLintwickPathButton");
-        QCOMPARE(desk.chooser.asked, u"Find the Path to Lintwick:"_s);
-        QCOMPARE(hand.entered("LintwickPath"), desk.chooser.path);
-        hand.click("OkPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
-        QCOMPARE(desk.storedPanel().value(u"lintwickPath"_s).toString(), desk.chooser.path);
+        Fixture fixture;
+        fixture.chooser.path = fixture.scratch.path(u"lintwick"_s);
+        const SheetDriver driver = fixture.open();
+        driver.click("ChangeLintwickPathButton");
+        QCOMPARE(fixture.chooser.asked, u"Find the Path to Lintwick:"_s);
+        QCOMPARE(driver.entered("LintwickPath"), fixture.chooser.path);
+        driver.click("OkPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(u"lintwickPath"_s).toString(), fixture.chooser.path);
     }
 
     void whoChoosesNothingKeepsThePath()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        desk.controller.setSaveDirectoryPath(u"/v"_s);
-        hand.click("ChangeSaveButton");
-        QCOMPARE(hand.entered("SaveDirectoryPath"), u"/v"_s);
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        fixture.controller.setSaveDirectoryPath(u"/v"_s);
+        driver.click("ChangeSaveButton");
+        QCOMPARE(driver.entered("SaveDirectoryPath"), u"/v"_s);
     }
 
     void pathsAreNotTyped()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        hand.type("LintwickPath", u"x"_s);
-        QCOMPARE(hand.entered("LintwickPath"), QString());
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        driver.type("LintwickPath", u"x"_s);
+        QCOMPARE(driver.entered("LintwickPath"), QString());
     }
 
     void paddingIsOffWithoutItsTool()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        QVERIFY(!hand.isEnabled("PrefAddPaddingButton"));
-        QVERIFY(hand.isVisible("PaddingReason"));
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        QVERIFY(!driver.isEnabled("PrefAddPaddingButton"));
+        QVERIFY(driver.isVisible("PaddingReason"));
         const QString reason = u"Padding needs the tool atomicparsley, which is missing."_s;
-        QCOMPARE(hand.find<QLabel>("PaddingReason")->text(), reason);
-        QVERIFY(hand.find("PrefAddPaddingButton")->toolTip().contains(reason));
+        QCOMPARE(driver.find<QLabel>("PaddingReason")->text(), reason);
+        QVERIFY(driver.find("PrefAddPaddingButton")->toolTip().contains(reason));
     }
 
     void paddingIsOfferedWithItsTool()
     {
-        Desk desk;
-        desk.addPaddingTool();
-        const SheetHand hand = desk.open();
-        QVERIFY(hand.isEnabled("PrefAddPaddingButton"));
-        QVERIFY(!hand.isVisible("PaddingReason"));
-        QVERIFY(hand.find("PrefAddPaddingButton")->toolTip().contains(u"This adds free space to the moov"_s));
+        Fixture fixture;
+        fixture.addPaddingTool();
+        const SheetDriver driver = fixture.open();
+        QVERIFY(driver.isEnabled("PrefAddPaddingButton"));
+        QVERIFY(!driver.isVisible("PaddingReason"));
+        QVERIFY(
+            driver.find("PrefAddPaddingButton")->toolTip().contains(u"This adds free space to the moov"_s));
     }
 
     void aToolThatCannotRunIsMissing()
     {
-        Desk desk;
-        desk.scratch.write(u"Resources/atomicparsley"_s, "no program");
-        QVERIFY(!desk.open().isEnabled("PrefAddPaddingButton"));
+        Fixture fixture;
+        fixture.scratch.write(u"Resources/atomicparsley"_s, "no program");
+        QVERIFY(!fixture.open().isEnabled("PrefAddPaddingButton"));
     }
 
     void aFailedSavingIsTold()
     {
-        Desk desk;
-        const SheetHand hand = desk.open();
-        QFile::remove(desk.scratch.path(u"defaults.json"_s));
-        QVERIFY(QDir().mkdir(desk.scratch.path(u"defaults.json"_s)));
-        desk.toggle("PrefLogsButton");
-        hand.click("OkPreferencesButton");
-        QVERIFY(desk.panel != nullptr && desk.panel->isVisible());
-        QVERIFY(!hand.find<QLabel>("PreferencesProblem")->text().isEmpty());
-        hand.click("CancelPreferencesButton");
-        QTRY_VERIFY(desk.panel.isNull());
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        QFile::remove(fixture.scratch.path(u"defaults.json"_s));
+        QVERIFY(QDir().mkdir(fixture.scratch.path(u"defaults.json"_s)));
+        fixture.toggle("PrefLogsButton");
+        driver.click("OkPreferencesButton");
+        QVERIFY(fixture.panel != nullptr && fixture.panel->isVisible());
+        QVERIFY(!driver.find<QLabel>("PreferencesProblem")->text().isEmpty());
+        driver.click("CancelPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
     }
 
     void theKeyboardReachesEverythingInOrder()
     {
-        Desk desk;
-        desk.addPaddingTool();
-        const SheetHand hand = desk.open();
-        desk.controller.setSaveDirectoryPath(u"/v"_s);
+        Fixture fixture;
+        fixture.addPaddingTool();
+        const SheetDriver driver = fixture.open();
+        fixture.controller.setSaveDirectoryPath(u"/v"_s);
         QStringList order;
         for (int i = 0; i < 12; ++i) {
-            order.append(hand.focus());
-            hand.key(Qt::Key_Tab);
+            order.append(driver.focus());
+            driver.key(Qt::Key_Tab);
         }
         const QStringList expected{u"SaveDirectoryPath"_s,        u"ChangeSaveButton"_s,
                                    u"ClearSaveDirectoryButton"_s, u"LintwickPath"_s,
@@ -294,14 +297,14 @@ private Q_SLOTS:
 
     void everyControlHasANameForTheReader()
     {
-        Desk desk;
-        desk.open();
-        for (const QWidget *control : desk.panel->findChildren<QWidget *>()) {
+        Fixture fixture;
+        fixture.open();
+        for (const QWidget *control : fixture.panel->findChildren<QWidget *>()) {
             if (control->focusPolicy() != Qt::NoFocus)
                 QVERIFY2(!control->accessibleName().isEmpty(), control->metaObject()->className());
         }
     }
 };
 
-QTEST_MAIN(PreferencesPanelTest)
+TESSARAY_TEST(PreferencesPanelTest)
 #include "PreferencesPanelTest.moc"

@@ -1,7 +1,8 @@
 #include "window/PresetSelectionsSheet.h"
 
-#include "support/SheetBench.h"
-#include "window/SheetHand.h"
+#include "support/TestMain.h"
+#include "support/presets/SheetFixture.h"
+#include "window/SheetDriver.h"
 #include "window/ToolTipBinder.h"
 
 #include <QLabel>
@@ -9,40 +10,40 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
-using support::SheetBench;
+using support::SheetFixture;
 
 namespace {
 
 constexpr int second = 2; // the row of the preset "Second"
 
 /// The open sheet of a program that chose "Second" for its tracks.
-struct Desk
+struct Fixture
 {
-    explicit Desk(int chosen = 3)
-        : tips(bench.program.preferences, nullptr)
+    explicit Fixture(int chosen = 3)
+        : tips(base.program.preferences, nullptr)
     {
-        bench.program.preferences.modifyToolTips();
-        bench.presets.setSelectionMethodIndex(chosen);
-        sheet = new window::PresetSelectionsSheet(bench.presets, tips, nullptr);
+        base.program.preferences.modifyToolTips();
+        base.presets.setSelectionMethodIndex(chosen);
+        sheet = new window::PresetSelectionsSheet(base.presets, tips, nullptr);
         sheet->open();
         if (!QTest::qWaitForWindowActive(sheet))
             qFatal("The sheet is not active.");
     }
-    ~Desk() { delete sheet; }
+    ~Fixture() { delete sheet; }
 
-    SheetHand hand() const { return SheetHand(*sheet); }
+    SheetDriver driver() const { return SheetDriver(*sheet); }
     bool isOpen() const { return sheet != nullptr && sheet->isVisible(); }
-    QString refusal() const { return hand().find<QLabel>("PresetRefusal")->text(); }
+    QString refusal() const { return driver().find<QLabel>("PresetRefusal")->text(); }
     /// A value of the first stored preset, "Second".
     QVariant stored(const QString &word) const
     {
         const QVariantList records =
-            support::storedSettings(bench.scratch).value(u"presetSelectionsArray"_s).toList();
+            support::storedSettings(base.scratch).value(u"presetSelectionsArray"_s).toList();
         return records.constFirst().toMap().value(word);
     }
     QString storedFilters(const QString &word) const { return support::textOf(stored(word).toList()); }
 
-    SheetBench bench;
+    SheetFixture base;
     window::ToolTipBinder tips;
     QPointer<window::PresetSelectionsSheet> sheet;
 };
@@ -56,267 +57,268 @@ class PresetSelectionsSheetTest final : public QObject
 private Q_SLOTS:
     void theTableShowsAllButManual()
     {
-        Desk desk;
-        QCOMPARE(desk.hand().rows(), u"First Track, All Tracks, Second, Own"_s);
-        QCOMPARE(desk.hand().selectedRow(), second);
-        QCOMPARE(desk.hand().entered("PresetName"), u"Second"_s);
-        QVERIFY(desk.sheet->isModal());
+        Fixture fixture;
+        QCOMPARE(fixture.driver().rows(), u"First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.driver().selectedRow(), second);
+        QCOMPARE(fixture.driver().entered("PresetName"), u"Second"_s);
+        QVERIFY(fixture.sheet->isModal());
     }
 
     void withManualChosenTheFirstRowIsSelected()
     {
-        Desk desk(0);
-        QCOMPARE(desk.hand().selectedRow(), 0);
+        Fixture fixture(0);
+        QCOMPARE(fixture.driver().selectedRow(), 0);
     }
 
     void aNameTypedInTheFieldIsStored()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u"Zweite Spur"_s);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Zweite Spur, Own"_s);
-        QCOMPARE(desk.bench.names(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"Zweite Spur"_s);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Zweite Spur, Own"_s);
+        QCOMPARE(fixture.base.names(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
     }
 
     void aNameTypedInTheTableIsTaken()
     {
-        Desk desk;
-        auto *table = desk.hand().find<QListWidget>("PresetTable");
-        desk.hand().chooseRow(second);
+        Fixture fixture;
+        auto *table = fixture.driver().find<QListWidget>("PresetTable");
+        fixture.driver().chooseRow(second);
         QTest::keyClick(table, Qt::Key_F2);
         auto *editor = table->findChild<QLineEdit *>();
         QVERIFY(editor != nullptr);
         QTest::keyClicks(editor, u"In the table"_s);
         QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_COMPARE(desk.hand().rows(), u"First Track, All Tracks, In the table, Own"_s);
-        QCOMPARE(desk.hand().entered("PresetName"), u"In the table"_s);
-        QVERIFY(desk.isOpen());
+        QTRY_COMPARE(fixture.driver().rows(), u"First Track, All Tracks, In the table, Own"_s);
+        QCOMPARE(fixture.driver().entered("PresetName"), u"In the table"_s);
+        QVERIFY(fixture.isOpen());
     }
 
     void whatIsBeingTypedInTheTableCountsAtTheEnd()
     {
-        Desk desk;
-        auto *table = desk.hand().find<QListWidget>("PresetTable");
-        desk.hand().chooseRow(second);
+        Fixture fixture;
+        auto *table = fixture.driver().find<QListWidget>("PresetTable");
+        fixture.driver().chooseRow(second);
         QTest::keyClick(table, Qt::Key_F2);
         QTest::keyClicks(table->findChild<QLineEdit *>(), u"Half typed"_s);
-        desk.sheet->close();
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Half typed, Own"_s);
+        fixture.sheet->close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Half typed, Own"_s);
     }
 
     void aBuiltInsNameIsRefusedInTheTable()
     {
-        Desk desk;
-        auto *table = desk.hand().find<QListWidget>("PresetTable");
-        desk.hand().chooseRow(second);
+        Fixture fixture;
+        auto *table = fixture.driver().find<QListWidget>("PresetTable");
+        fixture.driver().chooseRow(second);
         QTest::keyClick(table, Qt::Key_F2);
         QTest::keyClicks(table->findChild<QLineEdit *>(), u"Manual"_s);
         QTest::keyClick(table->findChild<QLineEdit *>(), Qt::Key_Return);
-        QTRY_COMPARE(desk.refusal(), u"The name \"Manual\" belongs to a built-in preset."_s);
-        QCOMPARE(desk.hand().rows(), u"First Track, All Tracks, Second, Own"_s);
+        QTRY_COMPARE(fixture.refusal(), u"The name \"Manual\" belongs to a built-in preset."_s);
+        QCOMPARE(fixture.driver().rows(), u"First Track, All Tracks, Second, Own"_s);
     }
 
     void aRefusedNameKeepsTheSheetOpenOnce()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u"All Tracks"_s);
-        desk.hand().click("OkPresetButton");
-        QVERIFY(desk.isOpen());
-        QCOMPARE(desk.refusal(), u"The name \"All Tracks\" belongs to a built-in preset."_s);
-        QCOMPARE(desk.hand().entered("PresetName"), u"Second"_s);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Second, Own"_s);
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"All Tracks"_s);
+        fixture.driver().click("OkPresetButton");
+        QVERIFY(fixture.isOpen());
+        QCOMPARE(fixture.refusal(), u"The name \"All Tracks\" belongs to a built-in preset."_s);
+        QCOMPARE(fixture.driver().entered("PresetName"), u"Second"_s);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Second, Own"_s);
     }
 
     void aRefusalGoesWhenOneTypesAgain()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u""_s);
-        desk.hand().key(Qt::Key_Tab);
-        QCOMPARE(desk.refusal(), u"A preset needs a name."_s);
-        desk.hand().type("PresetName", u"X"_s);
-        QCOMPARE(desk.refusal(), QString());
+        Fixture fixture;
+        fixture.driver().type("PresetName", u""_s);
+        fixture.driver().key(Qt::Key_Tab);
+        QCOMPARE(fixture.refusal(), u"A preset needs a name."_s);
+        fixture.driver().type("PresetName", u"X"_s);
+        QCOMPARE(fixture.refusal(), QString());
     }
 
     void aNameCountsWhenAnotherRowIsChosen()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u"Renamed"_s);
-        desk.hand().chooseRow(3);
-        QCOMPARE(desk.hand().rows(), u"First Track, All Tracks, Renamed, Own"_s);
-        QCOMPARE(desk.hand().entered("PresetName"), u"Own"_s);
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"Renamed"_s);
+        fixture.driver().chooseRow(3);
+        QCOMPARE(fixture.driver().rows(), u"First Track, All Tracks, Renamed, Own"_s);
+        QCOMPARE(fixture.driver().entered("PresetName"), u"Own"_s);
     }
 
     void anAddedPresetWaitsForItsName()
     {
-        Desk desk;
-        desk.hand().click("AddPresetButton");
-        QCOMPARE(desk.hand().selectedRow(), 4);
-        QCOMPARE(desk.hand().focus(), u"PresetName"_s);
-        QTest::keyClicks(desk.hand().find("PresetName"), u"Third"_s);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Second, Own, Third"_s);
-        QCOMPARE(desk.bench.presets.selectionMethodIndex(), 5);
+        Fixture fixture;
+        fixture.driver().click("AddPresetButton");
+        QCOMPARE(fixture.driver().selectedRow(), 4);
+        QCOMPARE(fixture.driver().focus(), u"PresetName"_s);
+        QTest::keyClicks(fixture.driver().find("PresetName"), u"Third"_s);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Second, Own, Third"_s);
+        QCOMPARE(fixture.base.presets.selectionMethodIndex(), 5);
     }
 
     void aNameCountsWhenOneIsAddedByItsKey()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u"Renamed"_s);
-        QTest::keyClick(desk.hand().find("PresetName"), Qt::Key_A, Qt::AltModifier);
-        QTRY_COMPARE(desk.hand().rows(), u"First Track, All Tracks, Renamed, Own, User Preset"_s);
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"Renamed"_s);
+        QTest::keyClick(fixture.driver().find("PresetName"), Qt::Key_A, Qt::AltModifier);
+        QTRY_COMPARE(fixture.driver().rows(), u"First Track, All Tracks, Renamed, Own, User Preset"_s);
     }
 
     void aRemovedPresetIsGone()
     {
-        Desk desk;
-        desk.hand().chooseRow(3);
-        desk.hand().click("RemovePresetButton");
-        QCOMPARE(desk.hand().rows(), u"First Track, All Tracks, Second"_s);
-        QCOMPARE(desk.hand().selectedRow(), second);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Second"_s);
+        Fixture fixture;
+        fixture.driver().chooseRow(3);
+        fixture.driver().click("RemovePresetButton");
+        QCOMPARE(fixture.driver().rows(), u"First Track, All Tracks, Second"_s);
+        QCOMPARE(fixture.driver().selectedRow(), second);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Second"_s);
     }
 
     void withoutASelectedRowNothingCanBeDone()
     {
-        Desk desk(1);
-        desk.hand().click("RemovePresetButton"); // the first row: none is before it
-        QCOMPARE(desk.hand().selectedRow(), -1);
+        Fixture fixture(1);
+        fixture.driver().click("RemovePresetButton"); // the first row: none is before it
+        QCOMPARE(fixture.driver().selectedRow(), -1);
         for (const char *word : {"RemovePresetButton", "PresetName", "VideoTrackSelectionPopUp",
                                  "AudioFilterModePopUp", "af1EditButton", "af2AddButton"})
-            QVERIFY2(!desk.hand().isEnabled(word), word);
-        QCOMPARE(desk.hand().entered("PresetName"), QString());
+            QVERIFY2(!fixture.driver().isEnabled(word), word);
+        QCOMPARE(fixture.driver().entered("PresetName"), QString());
     }
 
     void builtInPresetsAreOnlyShown()
     {
-        Desk desk;
-        desk.hand().chooseRow(0);
+        Fixture fixture;
+        fixture.driver().chooseRow(0);
         for (const char *word : {"PresetName", "VideoTrackSelectionPopUp", "AudioFilterModePopUp",
                                  "SubtitleFilterModePopUp", "af1EditButton", "sf2AddButton"})
-            QVERIFY2(!desk.hand().isEnabled(word), word);
-        QTest::keyClick(desk.hand().find("PresetTable"), Qt::Key_F2);
-        QVERIFY(desk.hand().find("PresetTable")->findChild<QLineEdit *>() == nullptr);
+            QVERIFY2(!fixture.driver().isEnabled(word), word);
+        QTest::keyClick(fixture.driver().find("PresetTable"), Qt::Key_F2);
+        QVERIFY(fixture.driver().find("PresetTable")->findChild<QLineEdit *>() == nullptr);
     }
 
     void theRulesArePicked()
     {
-        Desk desk;
-        QCOMPARE(desk.hand().shown("VideoTrackSelectionPopUp"), u"First track, if it is video"_s);
-        desk.hand().pick("VideoTrackSelectionPopUp", u"None"_s);
-        desk.hand().pick("AudioFilterModePopUp", u"Prioritized"_s);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.stored(u"pSelectedVideoTrack"_s).toString(), u"0"_s);
-        QCOMPARE(desk.stored(u"pAudioFilterMode"_s).toString(), u"Prioritized"_s);
-        QCOMPARE(desk.stored(u"pSubtitleFilterMode"_s).toString(), u"Apply All"_s);
-        QCOMPARE(desk.bench.ticked(), u"3 4"_s); // applied at once
+        Fixture fixture;
+        QCOMPARE(fixture.driver().shown("VideoTrackSelectionPopUp"), u"First track, if it is video"_s);
+        fixture.driver().pick("VideoTrackSelectionPopUp", u"None"_s);
+        fixture.driver().pick("AudioFilterModePopUp", u"Prioritized"_s);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.stored(u"pSelectedVideoTrack"_s).toString(), u"0"_s);
+        QCOMPARE(fixture.stored(u"pAudioFilterMode"_s).toString(), u"Prioritized"_s);
+        QCOMPARE(fixture.stored(u"pSubtitleFilterMode"_s).toString(), u"Apply All"_s);
+        QCOMPARE(fixture.base.ticked(), u"3 4"_s); // applied at once
     }
 
     void theSubtitleModeIsItsOwn()
     {
-        Desk desk;
-        desk.hand().pick("SubtitleFilterModePopUp", u"Prioritized"_s);
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.stored(u"pAudioFilterMode"_s).toString(), u"Apply All"_s);
-        QCOMPARE(desk.stored(u"pSubtitleFilterMode"_s).toString(), u"Prioritized"_s);
+        Fixture fixture;
+        fixture.driver().pick("SubtitleFilterModePopUp", u"Prioritized"_s);
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.stored(u"pAudioFilterMode"_s).toString(), u"Apply All"_s);
+        QCOMPARE(fixture.stored(u"pSubtitleFilterMode"_s).toString(), u"Prioritized"_s);
     }
 
     void pointingAtAFilterShowsIt()
     {
-        Desk desk;
-        desk.hand().pointAt("af1EditButton");
-        QTRY_COMPARE(desk.hand().title("af1EditButton"), u"Edit"_s);
-        QVERIFY(desk.hand().isVisible("AudioFilterPanel"));
-        QVERIFY(!desk.hand().isVisible("SubtitleFilterPanel"));
-        QCOMPARE(desk.hand().shown("afUserTrackChoice"), u"Audio Track Number"_s);
-        QCOMPARE(desk.hand().shown("afUserTrackNumber"), u"2"_s);
-        QVERIFY(!desk.hand().isEnabled("afUserTrackChoice"));
-        desk.hand().pointAtNothing();
-        QTRY_COMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
-        QVERIFY(!desk.hand().isVisible("AudioFilterPanel"));
+        Fixture fixture;
+        fixture.driver().pointAt("af1EditButton");
+        QTRY_COMPARE(fixture.driver().title("af1EditButton"), u"Edit"_s);
+        QVERIFY(fixture.driver().isVisible("AudioFilterPanel"));
+        QVERIFY(!fixture.driver().isVisible("SubtitleFilterPanel"));
+        QCOMPARE(fixture.driver().shown("afUserTrackChoice"), u"Audio Track Number"_s);
+        QCOMPARE(fixture.driver().shown("afUserTrackNumber"), u"2"_s);
+        QVERIFY(!fixture.driver().isEnabled("afUserTrackChoice"));
+        fixture.driver().pointAtNothing();
+        QTRY_COMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
+        QVERIFY(!fixture.driver().isVisible("AudioFilterPanel"));
     }
 
     void aFilterIsEditedWithTheMouse()
     {
-        Desk desk;
-        desk.hand().click("sf1EditButton");
-        QCOMPARE(desk.hand().title("sf1EditButton"), u"Done"_s);
-        desk.hand().pick("sfUserTrackChoice", u"Tracks w/ Properties ..."_s);
-        desk.hand().pick("sfUserLanguage", u"English"_s);
-        desk.hand().pick("sfUserCodec", u"srt"_s);
-        desk.hand().click("sf1EditButton");
-        QCOMPARE(desk.hand().title("sf1EditButton"), u"Filter #1"_s);
-        QVERIFY(!desk.hand().isVisible("SubtitleFilterPanel"));
-        desk.hand().click("OkPresetButton");
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.storedFilters(u"pSubtitleFilterArray"_s), u"Tracks w/ Properties ...|1|English|srt"_s);
+        Fixture fixture;
+        fixture.driver().click("sf1EditButton");
+        QCOMPARE(fixture.driver().title("sf1EditButton"), u"Done"_s);
+        fixture.driver().pick("sfUserTrackChoice", u"Tracks w/ Properties ..."_s);
+        fixture.driver().pick("sfUserLanguage", u"English"_s);
+        fixture.driver().pick("sfUserCodec", u"srt"_s);
+        fixture.driver().click("sf1EditButton");
+        QCOMPARE(fixture.driver().title("sf1EditButton"), u"Filter #1"_s);
+        QVERIFY(!fixture.driver().isVisible("SubtitleFilterPanel"));
+        fixture.driver().click("OkPresetButton");
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.storedFilters(u"pSubtitleFilterArray"_s),
+                 u"Tracks w/ Properties ...|1|English|srt"_s);
     }
 
     void aFilterIsEditedAgainAtOnce()
     {
-        Desk desk;
+        Fixture fixture;
         for (int i = 0; i < 2; ++i) {
-            desk.hand().click("af1EditButton");
-            QCOMPARE(desk.hand().title("af1EditButton"), u"Done"_s);
-            desk.hand().click("af1EditButton");
-            QCOMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
+            fixture.driver().click("af1EditButton");
+            QCOMPARE(fixture.driver().title("af1EditButton"), u"Done"_s);
+            fixture.driver().click("af1EditButton");
+            QCOMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
         }
     }
 
     void aFilterIsEditedWithTheKeyboardAlone()
     {
-        Desk desk;
-        QVERIFY(desk.hand().tabTo("af1EditButton"));
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Edit"_s);
-        QVERIFY(desk.hand().isVisible("AudioFilterPanel"));
-        desk.hand().key(Qt::Key_Space);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Done"_s);
-        QCOMPARE(desk.hand().focus(), u"afUserTrackChoice"_s);
-        desk.hand().key(Qt::Key_End);
-        desk.hand().key(Qt::Key_Tab);
-        QCOMPARE(desk.hand().focus(), u"afUserLanguage"_s);
-        desk.hand().key(Qt::Key_Backtab);
-        desk.hand().key(Qt::Key_Backtab);
-        QCOMPARE(desk.hand().focus(), u"af1EditButton"_s);
-        desk.hand().key(Qt::Key_Space);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
-        desk.sheet->close();
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.storedFilters(u"pAudioFilterArray"_s),
+        Fixture fixture;
+        QVERIFY(fixture.driver().tabTo("af1EditButton"));
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Edit"_s);
+        QVERIFY(fixture.driver().isVisible("AudioFilterPanel"));
+        fixture.driver().key(Qt::Key_Space);
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Done"_s);
+        QCOMPARE(fixture.driver().focus(), u"afUserTrackChoice"_s);
+        fixture.driver().key(Qt::Key_End);
+        fixture.driver().key(Qt::Key_Tab);
+        QCOMPARE(fixture.driver().focus(), u"afUserLanguage"_s);
+        fixture.driver().key(Qt::Key_Backtab);
+        fixture.driver().key(Qt::Key_Backtab);
+        QCOMPARE(fixture.driver().focus(), u"af1EditButton"_s);
+        fixture.driver().key(Qt::Key_Space);
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
+        fixture.sheet->close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.storedFilters(u"pAudioFilterArray"_s),
                  u"Tracks w/ Properties ...|2|Any Language|Any Codec|Any Type"_s);
     }
 
     void leavingAFilterWithTabHidesIt()
     {
-        Desk desk;
-        QVERIFY(desk.hand().tabTo("af1EditButton"));
-        desk.hand().key(Qt::Key_Tab);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
-        QVERIFY(!desk.hand().isVisible("AudioFilterPanel"));
+        Fixture fixture;
+        QVERIFY(fixture.driver().tabTo("af1EditButton"));
+        fixture.driver().key(Qt::Key_Tab);
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
+        QVERIFY(!fixture.driver().isVisible("AudioFilterPanel"));
     }
 
     void escapeLeavesThePanelAndKeepsTheFilter()
     {
-        Desk desk;
-        QVERIFY(desk.hand().tabTo("af1EditButton"));
-        desk.hand().key(Qt::Key_Space);
-        desk.hand().key(Qt::Key_Home);
-        desk.hand().key(Qt::Key_Escape);
-        QVERIFY(desk.isOpen());
-        QCOMPARE(desk.hand().focus(), u"af1EditButton"_s);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
-        QCOMPARE(support::textOf(desk.bench.presets.filterEditor().currentAudioFilterArray()),
+        Fixture fixture;
+        QVERIFY(fixture.driver().tabTo("af1EditButton"));
+        fixture.driver().key(Qt::Key_Space);
+        fixture.driver().key(Qt::Key_Home);
+        fixture.driver().key(Qt::Key_Escape);
+        QVERIFY(fixture.isOpen());
+        QCOMPARE(fixture.driver().focus(), u"af1EditButton"_s);
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
+        QCOMPARE(support::textOf(fixture.base.presets.filterEditor().currentAudioFilterArray()),
                  u"All|2|Any Language|Any Codec|Any Type"_s);
-        desk.hand().key(Qt::Key_Space);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Done"_s);
+        fixture.driver().key(Qt::Key_Space);
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Done"_s);
     }
 
     void thePanelShowsWhatTheChoiceNeeds_data()
@@ -335,105 +337,105 @@ private Q_SLOTS:
         QFETCH(const QString, choice);
         QFETCH(const bool, number);
         QFETCH(const bool, properties);
-        Desk desk;
-        desk.hand().click("af1EditButton");
-        desk.hand().pick("afUserTrackChoice", choice);
-        QCOMPARE(desk.hand().isVisible("afUserTrackNumber"), number);
+        Fixture fixture;
+        fixture.driver().click("af1EditButton");
+        fixture.driver().pick("afUserTrackChoice", choice);
+        QCOMPARE(fixture.driver().isVisible("afUserTrackNumber"), number);
         for (const char *word : {"afUserLanguage", "afUserCodec", "afUserChannels"})
-            QCOMPARE(desk.hand().isVisible(word), properties);
-        const QWidget *panel = desk.hand().find("AudioFilterPanel");
+            QCOMPARE(fixture.driver().isVisible(word), properties);
+        const QWidget *panel = fixture.driver().find("AudioFilterPanel");
         QVERIFY(panel->height() >= (properties ? 260 : 100));
         QVERIFY(panel->parentWidget()->rect().contains(panel->geometry()));
     }
 
     void theLowestFiltersPanelIsWhole()
     {
-        Desk desk;
-        desk.hand().click("sf2AddButton");
-        desk.hand().click("sf3AddButton");
-        desk.hand().click("sf3EditButton");
-        desk.hand().pick("sfUserTrackChoice", u"Tracks w/ Properties ..."_s);
-        const QWidget *panel = desk.hand().find("SubtitleFilterPanel");
+        Fixture fixture;
+        fixture.driver().click("sf2AddButton");
+        fixture.driver().click("sf3AddButton");
+        fixture.driver().click("sf3EditButton");
+        fixture.driver().pick("sfUserTrackChoice", u"Tracks w/ Properties ..."_s);
+        const QWidget *panel = fixture.driver().find("SubtitleFilterPanel");
         QVERIFY(panel->isVisible());
         QVERIFY(panel->parentWidget()->rect().contains(panel->geometry()));
     }
 
     void filtersComeAndGo()
     {
-        Desk desk;
-        QVERIFY(!desk.hand().isVisible("af2EditButton"));
-        QVERIFY(!desk.hand().isVisible("af3AddButton"));
-        QCOMPARE(desk.hand().title("af2AddButton"), u"+"_s);
-        desk.hand().click("af2AddButton");
-        QVERIFY(desk.hand().isVisible("af2EditButton"));
-        QCOMPARE(desk.hand().title("af2AddButton"), u"-"_s);
-        QCOMPARE(desk.hand().title("af3AddButton"), u"+"_s);
-        desk.hand().click("af3AddButton");
-        QVERIFY(desk.hand().isVisible("af3EditButton"));
-        QCOMPARE(desk.hand().title("af3AddButton"), u"-"_s);
-        QVERIFY(!desk.hand().isVisible("sf2EditButton"));
+        Fixture fixture;
+        QVERIFY(!fixture.driver().isVisible("af2EditButton"));
+        QVERIFY(!fixture.driver().isVisible("af3AddButton"));
+        QCOMPARE(fixture.driver().title("af2AddButton"), u"+"_s);
+        fixture.driver().click("af2AddButton");
+        QVERIFY(fixture.driver().isVisible("af2EditButton"));
+        QCOMPARE(fixture.driver().title("af2AddButton"), u"-"_s);
+        QCOMPARE(fixture.driver().title("af3AddButton"), u"+"_s);
+        fixture.driver().click("af3AddButton");
+        QVERIFY(fixture.driver().isVisible("af3EditButton"));
+        QCOMPARE(fixture.driver().title("af3AddButton"), u"-"_s);
+        QVERIFY(!fixture.driver().isVisible("sf2EditButton"));
     }
 
     /// Row 3 takes the second filter away: meant.
     void removingInRow3TakesTheSecondFilter()
     {
-        Desk desk;
-        desk.hand().click("af2AddButton");
-        desk.hand().click("af3AddButton");
-        desk.hand().click("af3EditButton");
-        desk.hand().pick("afUserTrackNumber", u"9"_s);
-        desk.hand().click("af3EditButton");
-        desk.hand().click("af3AddButton");
-        QVERIFY(!desk.hand().isVisible("af3EditButton"));
-        QCOMPARE(support::textOf(desk.bench.presets.filterEditor().currentAudioFilterArray()),
+        Fixture fixture;
+        fixture.driver().click("af2AddButton");
+        fixture.driver().click("af3AddButton");
+        fixture.driver().click("af3EditButton");
+        fixture.driver().pick("afUserTrackNumber", u"9"_s);
+        fixture.driver().click("af3EditButton");
+        fixture.driver().click("af3AddButton");
+        QVERIFY(!fixture.driver().isVisible("af3EditButton"));
+        QCOMPARE(support::textOf(fixture.base.presets.filterEditor().currentAudioFilterArray()),
                  u"Audio Track Number|2|Any Language|Any Codec|Any Type; "
                  "Audio Track Number|9|Any Language|Any Codec|Any Type"_s);
     }
 
     void editingSwitchesOffTheOthersOfItsKind()
     {
-        Desk desk;
-        desk.hand().click("af2AddButton");
-        desk.hand().click("af2EditButton");
+        Fixture fixture;
+        fixture.driver().click("af2AddButton");
+        fixture.driver().click("af2EditButton");
         for (const char *word : {"af1EditButton", "af2AddButton", "af3AddButton"})
-            QVERIFY2(!desk.hand().isEnabled(word), word);
+            QVERIFY2(!fixture.driver().isEnabled(word), word);
         for (const char *word : {"af2EditButton", "sf1EditButton", "sf2AddButton"})
-            QVERIFY2(desk.hand().isEnabled(word), word);
+            QVERIFY2(fixture.driver().isEnabled(word), word);
     }
 
     void goingToAnotherWindowFinishesTheFilter()
     {
-        Desk desk;
-        desk.hand().click("af1EditButton");
-        desk.hand().pick("afUserTrackNumber", u"7"_s);
+        Fixture fixture;
+        fixture.driver().click("af1EditButton");
+        fixture.driver().pick("afUserTrackNumber", u"7"_s);
         QWidget other;
         other.show();
         other.activateWindow();
-        QTRY_COMPARE(desk.hand().title("af1EditButton"), u"Filter #1"_s);
-        QCOMPARE(support::textOf(desk.bench.presets.filterEditor().currentAudioFilterArray()),
+        QTRY_COMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
+        QCOMPARE(support::textOf(fixture.base.presets.filterEditor().currentAudioFilterArray()),
                  u"Audio Track Number|7|Any Language|Any Codec|Any Type"_s);
     }
 
     void anOpenPopupDoesNotFinishTheFilter()
     {
-        Desk desk;
-        desk.hand().click("af1EditButton");
-        desk.hand().click("afUserTrackNumber");
+        Fixture fixture;
+        fixture.driver().click("af1EditButton");
+        fixture.driver().click("afUserTrackNumber");
         QTest::qWait(50);
-        QCOMPARE(desk.hand().title("af1EditButton"), u"Done"_s);
-        desk.hand().find<QComboBox>("afUserTrackNumber")->hidePopup();
+        QCOMPARE(fixture.driver().title("af1EditButton"), u"Done"_s);
+        fixture.driver().find<QComboBox>("afUserTrackNumber")->hidePopup();
     }
 
     void escapeLosesNothing()
     {
-        Desk desk;
-        desk.hand().click("af1EditButton");
-        desk.hand().pick("afUserTrackNumber", u"1"_s);
-        desk.hand().type("PresetName", u"Kept"_s);
-        desk.hand().key(Qt::Key_Escape);
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSelectionsArray"_s), u"Kept, Own"_s);
-        QCOMPARE(desk.storedFilters(u"pAudioFilterArray"_s),
+        Fixture fixture;
+        fixture.driver().click("af1EditButton");
+        fixture.driver().pick("afUserTrackNumber", u"1"_s);
+        fixture.driver().type("PresetName", u"Kept"_s);
+        fixture.driver().key(Qt::Key_Escape);
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Kept, Own"_s);
+        QCOMPARE(fixture.storedFilters(u"pAudioFilterArray"_s),
                  u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s);
     }
 
@@ -448,43 +450,43 @@ private Q_SLOTS:
     void closingStoresAndAppliesOnce()
     {
         QFETCH(const QString, how);
-        Desk desk;
-        QSignalSpy methods(&desk.bench.presets, &KXPresetsController::methodsChanged);
+        Fixture fixture;
+        QSignalSpy methods(&fixture.base.presets, &KXPresetsController::methodsChanged);
         if (how == u"ok"_s)
-            desk.hand().click("OkPresetButton");
+            fixture.driver().click("OkPresetButton");
         else if (how == u"escape"_s)
-            QTest::keyClick(desk.sheet, Qt::Key_Escape);
+            QTest::keyClick(fixture.sheet, Qt::Key_Escape);
         else
-            desk.sheet->close();
-        QTRY_VERIFY(desk.sheet.isNull());
+            fixture.sheet->close();
+        QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(methods.count(), 1);
     }
 
     void aFailedSavingIsToldOnce()
     {
-        Desk desk;
-        QVERIFY(desk.bench.block());
-        desk.hand().type("PresetName", u"Unsaved"_s);
-        desk.hand().click("OkPresetButton");
-        QVERIFY(desk.isOpen());
-        QVERIFY(!desk.refusal().isEmpty());
-        QCOMPARE(desk.hand().title("OkPresetButton"), u"Close Unsaved"_s);
-        QVERIFY(desk.hand().isEnabled("af1EditButton")); // its filters are still there
-        QTest::keyClick(desk.sheet, Qt::Key_Escape);
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.names(), u"Manual, First Track, All Tracks, Unsaved, Own"_s);
+        Fixture fixture;
+        QVERIFY(fixture.base.block());
+        fixture.driver().type("PresetName", u"Unsaved"_s);
+        fixture.driver().click("OkPresetButton");
+        QVERIFY(fixture.isOpen());
+        QVERIFY(!fixture.refusal().isEmpty());
+        QCOMPARE(fixture.driver().title("OkPresetButton"), u"Close Unsaved"_s);
+        QVERIFY(fixture.driver().isEnabled("af1EditButton")); // its filters are still there
+        QTest::keyClick(fixture.sheet, Qt::Key_Escape);
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.names(), u"Manual, First Track, All Tracks, Unsaved, Own"_s);
     }
 
     void aSheetCanGoWhileSomethingIsEdited()
     {
-        Desk desk;
-        desk.hand().find("sf1EditButton")->setFocus();
-        QCOMPARE(desk.hand().title("sf1EditButton"), u"Edit"_s);
-        delete desk.sheet;
-        Desk other;
-        other.hand().chooseRow(second);
-        QTest::keyClick(other.hand().find("PresetTable"), Qt::Key_F2);
-        auto *editor = other.hand().find("PresetTable")->findChild<QLineEdit *>();
+        Fixture fixture;
+        fixture.driver().find("sf1EditButton")->setFocus();
+        QCOMPARE(fixture.driver().title("sf1EditButton"), u"Edit"_s);
+        delete fixture.sheet;
+        Fixture other;
+        other.driver().chooseRow(second);
+        QTest::keyClick(other.driver().find("PresetTable"), Qt::Key_F2);
+        auto *editor = other.driver().find("PresetTable")->findChild<QLineEdit *>();
         QTest::keyClicks(editor, u"Half typed"_s);
         QTest::keyClick(editor, Qt::Key_Return); // is taken later
         delete other.sheet;
@@ -493,22 +495,26 @@ private Q_SLOTS:
 
     void controlsHaveTheirTips()
     {
-        Desk desk;
+        Fixture fixture;
+        QVERIFY(fixture.driver()
+                    .find("PresetName")
+                    ->toolTip()
+                    .contains(u"Edit the name of the current preset."_s));
         QVERIFY(
-            desk.hand().find("PresetName")->toolTip().contains(u"Edit the name of the current preset."_s));
-        QVERIFY(desk.hand().find("AddPresetButton")->toolTip().contains(u"Press to create a new preset."_s));
-        QVERIFY(desk.hand().find("af2AddButton")->toolTip().contains(u"Click to add/remove a filter."_s));
+            fixture.driver().find("AddPresetButton")->toolTip().contains(u"Press to create a new preset."_s));
+        QVERIFY(
+            fixture.driver().find("af2AddButton")->toolTip().contains(u"Click to add/remove a filter."_s));
     }
 
     void everyControlHasANameForTheReader()
     {
-        Desk desk;
-        for (const QWidget *control : desk.sheet->findChildren<QWidget *>()) {
-            if (control->focusPolicy() != Qt::NoFocus && control->window() == desk.sheet)
+        Fixture fixture;
+        for (const QWidget *control : fixture.sheet->findChildren<QWidget *>()) {
+            if (control->focusPolicy() != Qt::NoFocus && control->window() == fixture.sheet)
                 QVERIFY2(!control->accessibleName().isEmpty(), control->metaObject()->className());
         }
     }
 };
 
-QTEST_MAIN(PresetSelectionsSheetTest)
+TESSARAY_TEST(PresetSelectionsSheetTest)
 #include "PresetSelectionsSheetTest.moc"

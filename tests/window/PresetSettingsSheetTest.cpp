@@ -1,7 +1,8 @@
 #include "window/PresetSettingsSheet.h"
 
-#include "support/SheetBench.h"
-#include "window/SheetHand.h"
+#include "support/TestMain.h"
+#include "support/presets/SheetFixture.h"
+#include "window/SheetDriver.h"
 #include "window/ToolTipBinder.h"
 
 #include <QCheckBox>
@@ -10,7 +11,7 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
-using support::SheetBench;
+using support::SheetFixture;
 
 namespace {
 
@@ -18,39 +19,39 @@ constexpr int forPs3 = 1; // rows of the sheet
 constexpr int forXbox = 2;
 
 /// The open sheet of a program that chose "For PS3" for its settings.
-struct Desk
+struct Fixture
 {
-    explicit Desk(int chosen = 2)
-        : tips(bench.program.preferences, nullptr)
+    explicit Fixture(int chosen = 2)
+        : tips(base.program.preferences, nullptr)
     {
-        bench.program.preferences.modifyToolTips();
-        bench.presets.setSettingMethodIndex(chosen);
-        sheet = new window::PresetSettingsSheet(bench.presets, tips, nullptr);
+        base.program.preferences.modifyToolTips();
+        base.presets.setSettingMethodIndex(chosen);
+        sheet = new window::PresetSettingsSheet(base.presets, tips, nullptr);
         sheet->open();
         if (!QTest::qWaitForWindowActive(sheet))
             qFatal("The sheet is not active.");
     }
-    ~Desk() { delete sheet; }
+    ~Fixture() { delete sheet; }
 
-    SheetHand hand() const { return SheetHand(*sheet); }
-    bool isChecked(const char *word) const { return hand().find<QCheckBox>(word)->isChecked(); }
-    void close() const { hand().click("OkPresetButton"); }
+    SheetDriver driver() const { return SheetDriver(*sheet); }
+    bool isChecked(const char *word) const { return driver().find<QCheckBox>(word)->isChecked(); }
+    void close() const { driver().click("OkPresetButton"); }
     /// A value of the first stored preset, "For PS3".
     QVariant stored(const QString &word) const
     {
         const QVariantList records =
-            support::storedSettings(bench.scratch).value(u"presetSettingsArray"_s).toList();
+            support::storedSettings(base.scratch).value(u"presetSettingsArray"_s).toList();
         return records.constFirst().toMap().value(word);
     }
 
-    SheetBench bench;
+    SheetFixture base;
     window::ToolTipBinder tips;
     QPointer<window::PresetSettingsSheet> sheet;
 };
 
-KXPresetSettings &presetOf(const Desk &desk, int row)
+KXPresetSettings &presetOf(const Fixture &fixture, int row)
 {
-    return *desk.bench.presets.presetSettingsList().at(row + 1);
+    return *fixture.base.presets.presetSettingsList().at(row + 1);
 }
 
 } // namespace
@@ -62,20 +63,20 @@ class PresetSettingsSheetTest final : public QObject
 private Q_SLOTS:
     void theChosenPresetIsShown()
     {
-        Desk desk;
-        QCOMPARE(desk.hand().rows(), u"Extract Tracks, For PS3, For Xbox"_s);
-        QCOMPARE(desk.hand().selectedRow(), forPs3);
-        QCOMPARE(desk.hand().entered("PresetName"), u"For PS3"_s);
-        QCOMPARE(desk.hand().shown("PDeviceList"), u"PS3"_s);
-        QCOMPARE(desk.hand().shown("PVideoActionList"), u"Pass Thru"_s);
-        QCOMPARE(desk.hand().shown("PVideoBitRateList"), u"Custom"_s);
-        QCOMPARE(desk.hand().entered("PVideoBitRate"), u"1000"_s);
-        QCOMPARE(desk.hand().shown("PWidthList"), u"Original"_s);
-        QCOMPARE(desk.hand().entered("PWidth"), QString());
-        QCOMPARE(desk.hand().shown("PStereoBitRateList"), u"160"_s);
-        QCOMPARE(desk.hand().shown("PSurroundBitRateList"), u"448"_s);
-        QCOMPARE(desk.hand().shown("PSubActionList"), u"Mux (soft)"_s);
-        QVERIFY(!desk.isChecked("PAudioAddStereo"));
+        Fixture fixture;
+        QCOMPARE(fixture.driver().rows(), u"Extract Tracks, For PS3, For Xbox"_s);
+        QCOMPARE(fixture.driver().selectedRow(), forPs3);
+        QCOMPARE(fixture.driver().entered("PresetName"), u"For PS3"_s);
+        QCOMPARE(fixture.driver().shown("PDeviceList"), u"PS3"_s);
+        QCOMPARE(fixture.driver().shown("PVideoActionList"), u"Pass Thru"_s);
+        QCOMPARE(fixture.driver().shown("PVideoBitRateList"), u"Custom"_s);
+        QCOMPARE(fixture.driver().entered("PVideoBitRate"), u"1000"_s);
+        QCOMPARE(fixture.driver().shown("PWidthList"), u"Original"_s);
+        QCOMPARE(fixture.driver().entered("PWidth"), QString());
+        QCOMPARE(fixture.driver().shown("PStereoBitRateList"), u"160"_s);
+        QCOMPARE(fixture.driver().shown("PSurroundBitRateList"), u"448"_s);
+        QCOMPARE(fixture.driver().shown("PSubActionList"), u"Mux (soft)"_s);
+        QVERIFY(!fixture.isChecked("PAudioAddStereo"));
     }
 
     void everyPopupIsStored_data()
@@ -105,11 +106,11 @@ private Q_SLOTS:
         QFETCH(const QString, entry);
         QFETCH(const QString, word);
         QFETCH(const QVariant, value);
-        Desk desk;
-        desk.hand().pick(popup.constData(), entry);
-        desk.close();
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.stored(word).toString(), value.toString());
+        Fixture fixture;
+        fixture.driver().pick(popup.constData(), entry);
+        fixture.close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.stored(word).toString(), value.toString());
     }
 
     void everyTickIsStored_data()
@@ -125,132 +126,132 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, box);
         QFETCH(const QString, word);
-        Desk desk;
-        desk.hand().find(box.constData())->setFocus();
-        desk.hand().key(Qt::Key_Space);
-        desk.close();
-        QTRY_VERIFY(desk.sheet.isNull());
+        Fixture fixture;
+        fixture.driver().find(box.constData())->setFocus();
+        fixture.driver().key(Qt::Key_Space);
+        fixture.close();
+        QTRY_VERIFY(fixture.sheet.isNull());
         for (const QString &each : {u"pAudioAddStereo"_s, u"pKeepStereoTrack"_s, u"pKeepSurroundTrack"_s})
-            QCOMPARE(desk.stored(each).toBool(), each == word);
+            QCOMPARE(fixture.stored(each).toBool(), each == word);
     }
 
     void numbersCountOnlyWhereTheyAreCustom()
     {
-        Desk desk;
-        QVERIFY(desk.hand().isEnabled("PVideoBitRate"));
-        QVERIFY(!desk.hand().isEnabled("PWidth"));
-        desk.hand().pick("PVideoBitRateList", u"Original"_s);
-        QVERIFY(!desk.hand().isEnabled("PVideoBitRate"));
-        desk.hand().pick("PWidthList", u"Custom"_s);
-        QVERIFY(desk.hand().isEnabled("PWidth"));
+        Fixture fixture;
+        QVERIFY(fixture.driver().isEnabled("PVideoBitRate"));
+        QVERIFY(!fixture.driver().isEnabled("PWidth"));
+        fixture.driver().pick("PVideoBitRateList", u"Original"_s);
+        QVERIFY(!fixture.driver().isEnabled("PVideoBitRate"));
+        fixture.driver().pick("PWidthList", u"Custom"_s);
+        QVERIFY(fixture.driver().isEnabled("PWidth"));
     }
 
     void numbersAreStored()
     {
-        Desk desk;
-        desk.hand().pick("PWidthList", u"Custom"_s);
-        desk.hand().type("PWidth", u"720"_s);
-        desk.hand().type("PVideoBitRate", u"1500"_s);
-        QTest::keyClick(desk.hand().find("PVideoBitRate"), Qt::Key_Escape);
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.stored(u"pWidth"_s).toString(), u"720"_s);
-        QCOMPARE(desk.stored(u"pVideoBitRate"_s).toString(), u"1500"_s);
+        Fixture fixture;
+        fixture.driver().pick("PWidthList", u"Custom"_s);
+        fixture.driver().type("PWidth", u"720"_s);
+        fixture.driver().type("PVideoBitRate", u"1500"_s);
+        QTest::keyClick(fixture.driver().find("PVideoBitRate"), Qt::Key_Escape);
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.stored(u"pWidth"_s).toString(), u"720"_s);
+        QCOMPARE(fixture.stored(u"pVideoBitRate"_s).toString(), u"1500"_s);
     }
 
     void lettersAreNoNumber()
     {
-        Desk desk;
-        desk.hand().type("PVideoBitRate", u"2x5"_s);
-        QCOMPARE(desk.hand().entered("PVideoBitRate"), u"25"_s);
+        Fixture fixture;
+        fixture.driver().type("PVideoBitRate", u"2x5"_s);
+        QCOMPARE(fixture.driver().entered("PVideoBitRate"), u"25"_s);
     }
 
     void anotherRowShowsItsOwnFields()
     {
-        Desk desk;
-        desk.hand().find("PAudioAddStereo")->setFocus();
-        desk.hand().key(Qt::Key_Space);
-        desk.hand().chooseRow(forXbox);
-        QCOMPARE(desk.hand().shown("PDeviceList"), presetOf(desk, forXbox).pDevice());
-        QVERIFY(!desk.isChecked("PAudioAddStereo"));
-        desk.hand().pick("PDeviceList", u"AVI"_s);
-        QCOMPARE(presetOf(desk, forXbox).pDevice(), u"AVI"_s);
-        QCOMPARE(presetOf(desk, forPs3).pDevice(), u"PS3"_s);
-        desk.hand().chooseRow(forPs3);
-        QVERIFY(desk.isChecked("PAudioAddStereo"));
+        Fixture fixture;
+        fixture.driver().find("PAudioAddStereo")->setFocus();
+        fixture.driver().key(Qt::Key_Space);
+        fixture.driver().chooseRow(forXbox);
+        QCOMPARE(fixture.driver().shown("PDeviceList"), presetOf(fixture, forXbox).pDevice());
+        QVERIFY(!fixture.isChecked("PAudioAddStereo"));
+        fixture.driver().pick("PDeviceList", u"AVI"_s);
+        QCOMPARE(presetOf(fixture, forXbox).pDevice(), u"AVI"_s);
+        QCOMPARE(presetOf(fixture, forPs3).pDevice(), u"PS3"_s);
+        fixture.driver().chooseRow(forPs3);
+        QVERIFY(fixture.isChecked("PAudioAddStereo"));
     }
 
     void aBuiltInPresetIsEmptyAndOff()
     {
-        Desk desk(1);
-        QCOMPARE(desk.hand().selectedRow(), 0);
+        Fixture fixture(1);
+        QCOMPARE(fixture.driver().selectedRow(), 0);
         for (const char *word : {"PDeviceList", "PVideoActionList", "PVideoBitRateList", "PWidthList",
                                  "PStereoActionList", "PSurroundBitRateList", "PSubActionList"}) {
-            QVERIFY2(!desk.hand().isEnabled(word), word);
-            QCOMPARE(desk.hand().shown(word), QString());
+            QVERIFY2(!fixture.driver().isEnabled(word), word);
+            QCOMPARE(fixture.driver().shown(word), QString());
         }
         for (const char *word : {"PresetName", "PVideoBitRate", "PWidth", "PAudioAddStereo"})
-            QVERIFY2(!desk.hand().isEnabled(word), word);
+            QVERIFY2(!fixture.driver().isEnabled(word), word);
     }
 
     void aDeviceThatIsNotOfferedIsShown()
     {
-        Desk desk;
-        desk.hand().click("AddPresetButton");
-        QCOMPARE(desk.hand().shown("PDeviceList"), u"Apple TV"_s);
-        desk.hand().chooseRow(forPs3);
-        QCOMPARE(desk.hand().find<QComboBox>("PDeviceList")->findText(u"Apple TV"_s), -1);
+        Fixture fixture;
+        fixture.driver().click("AddPresetButton");
+        QCOMPARE(fixture.driver().shown("PDeviceList"), u"Apple TV"_s);
+        fixture.driver().chooseRow(forPs3);
+        QCOMPARE(fixture.driver().find<QComboBox>("PDeviceList")->findText(u"Apple TV"_s), -1);
     }
 
     void storedGuessesAndOriginalsAreShown()
     {
-        Desk desk;
-        presetOf(desk, forXbox).setPVideoActionIndex(3);
-        presetOf(desk, forXbox).setPStereoBitRate(u"Original"_s);
-        desk.hand().chooseRow(forXbox);
-        QCOMPARE(desk.hand().shown("PVideoActionList"), u"Best Guess"_s);
-        QCOMPARE(desk.hand().shown("PStereoBitRateList"), u"Original"_s);
-        desk.close();
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(presetOf(desk, forXbox).pVideoActionIndex(), 3);
-        QCOMPARE(presetOf(desk, forXbox).pStereoBitRate(), u"Original"_s);
+        Fixture fixture;
+        presetOf(fixture, forXbox).setPVideoActionIndex(3);
+        presetOf(fixture, forXbox).setPStereoBitRate(u"Original"_s);
+        fixture.driver().chooseRow(forXbox);
+        QCOMPARE(fixture.driver().shown("PVideoActionList"), u"Best Guess"_s);
+        QCOMPARE(fixture.driver().shown("PStereoBitRateList"), u"Original"_s);
+        fixture.close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(presetOf(fixture, forXbox).pVideoActionIndex(), 3);
+        QCOMPARE(presetOf(fixture, forXbox).pStereoBitRate(), u"Original"_s);
     }
 
     void presetsAreAddedNamedAndRemoved()
     {
-        Desk desk;
-        desk.hand().click("AddPresetButton");
-        QCOMPARE(desk.hand().focus(), u"PresetName"_s);
-        QTest::keyClicks(desk.hand().find("PresetName"), u"For all"_s);
-        desk.hand().chooseRow(forPs3);
-        desk.hand().click("RemovePresetButton");
-        QCOMPARE(desk.hand().rows(), u"Extract Tracks, For Xbox, For all"_s);
-        QCOMPARE(desk.hand().selectedRow(), 0);
-        desk.close();
-        QTRY_VERIFY(desk.sheet.isNull());
-        QCOMPARE(desk.bench.storedNames(u"presetSettingsArray"_s), u"For Xbox, For all"_s);
-        QCOMPARE(desk.bench.presets.settingMethodIndex(), 1);
+        Fixture fixture;
+        fixture.driver().click("AddPresetButton");
+        QCOMPARE(fixture.driver().focus(), u"PresetName"_s);
+        QTest::keyClicks(fixture.driver().find("PresetName"), u"For all"_s);
+        fixture.driver().chooseRow(forPs3);
+        fixture.driver().click("RemovePresetButton");
+        QCOMPARE(fixture.driver().rows(), u"Extract Tracks, For Xbox, For all"_s);
+        QCOMPARE(fixture.driver().selectedRow(), 0);
+        fixture.close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(fixture.base.storedNames(u"presetSettingsArray"_s), u"For Xbox, For all"_s);
+        QCOMPARE(fixture.base.presets.settingMethodIndex(), 1);
     }
 
     void aBuiltInsNameIsRefused()
     {
-        Desk desk;
-        desk.hand().type("PresetName", u"Extract Tracks"_s);
-        desk.close();
-        QVERIFY(desk.sheet != nullptr && desk.sheet->isVisible());
-        QCOMPARE(desk.hand().find<QLabel>("PresetRefusal")->text(),
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"Extract Tracks"_s);
+        fixture.close();
+        QVERIFY(fixture.sheet != nullptr && fixture.sheet->isVisible());
+        QCOMPARE(fixture.driver().find<QLabel>("PresetRefusal")->text(),
                  u"The name \"Extract Tracks\" belongs to a built-in preset."_s);
-        QCOMPARE(desk.bench.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
+        QCOMPARE(fixture.base.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
     }
 
     void closingAppliesOnce()
     {
-        Desk desk;
-        QSignalSpy methods(&desk.bench.presets, &KXPresetsController::methodsChanged);
-        desk.hand().chooseRow(forXbox);
-        desk.close();
-        QTRY_VERIFY(desk.sheet.isNull());
+        Fixture fixture;
+        QSignalSpy methods(&fixture.base.presets, &KXPresetsController::methodsChanged);
+        fixture.driver().chooseRow(forXbox);
+        fixture.close();
+        QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(methods.count(), 1);
-        QCOMPARE(desk.bench.presets.currentPresetSettingName(), u"For Xbox"_s);
+        QCOMPARE(fixture.base.presets.currentPresetSettingName(), u"For Xbox"_s);
     }
 
     void controlsHaveTheirTips_data()
@@ -270,19 +271,19 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, control);
         QFETCH(const QString, start);
-        Desk desk;
-        QVERIFY(desk.hand().find(control.constData())->toolTip().contains(start));
+        Fixture fixture;
+        QVERIFY(fixture.driver().find(control.constData())->toolTip().contains(start));
     }
 
     void everyControlHasANameForTheReader()
     {
-        Desk desk;
-        for (const QWidget *control : desk.sheet->findChildren<QWidget *>()) {
-            if (control->focusPolicy() != Qt::NoFocus && control->window() == desk.sheet)
+        Fixture fixture;
+        for (const QWidget *control : fixture.sheet->findChildren<QWidget *>()) {
+            if (control->focusPolicy() != Qt::NoFocus && control->window() == fixture.sheet)
                 QVERIFY2(!control->accessibleName().isEmpty(), control->metaObject()->className());
         }
     }
 };
 
-QTEST_MAIN(PresetSettingsSheetTest)
+TESSARAY_TEST(PresetSettingsSheetTest)
 #include "PresetSettingsSheetTest.moc"

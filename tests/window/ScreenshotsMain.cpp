@@ -3,7 +3,7 @@
 #include "support/Clips.h"
 #include "support/Waiting.h"
 #include "window/ProgressDelegate.h"
-#include "window/WindowDesk.h"
+#include "window/WindowFixture.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -55,59 +55,60 @@ private:
 };
 
 /// An option is hit at its button, not in the middle of its row.
-void choose(WindowDesk &desk, const char *option)
+void choose(WindowFixture &fixture, const char *option)
 {
-    auto *button = desk.find<QAbstractButton>(option);
+    auto *button = fixture.find<QAbstractButton>(option);
     QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(8, button->height() / 2));
     QTest::qWait(50);
 }
 
 void takeFiles(const Photographer &photographer)
 {
-    WindowDesk desk;
-    desk.start();
-    photographer.take(desk.window(), u"empty"_s);
-    desk.open({desk.film(support::fullMkv(), u"Holiday by the sea.mkv"_s)});
-    photographer.take(desk.window(), u"one-file"_s);
+    WindowFixture fixture;
+    fixture.start();
+    photographer.take(fixture.window(), u"empty"_s);
+    fixture.open({fixture.film(support::fullMkv(), u"Holiday by the sea.mkv"_s)});
+    photographer.take(fixture.window(), u"one-file"_s);
     for (const int row : {0, 3, 4})
-        desk.tick(row);
-    choose(desk, "TheSubtitleMatrix0");
-    photographer.take(desk.window(), u"red-options"_s);
-    desk.chooseTab(1);
-    desk.open({desk.film(support::fullMkv(), u"a.mkv"_s), desk.film(support::fullMkv(), u"b.mkv"_s)});
-    photographer.take(desk.window(), u"edit-files"_s);
+        fixture.tick(row);
+    choose(fixture, "TheSubtitleMatrix0");
+    photographer.take(fixture.window(), u"red-options"_s);
+    fixture.chooseTab(1);
+    fixture.open(
+        {fixture.film(support::fullMkv(), u"a.mkv"_s), fixture.film(support::fullMkv(), u"b.mkv"_s)});
+    photographer.take(fixture.window(), u"edit-files"_s);
 }
 
 void takeQueue(const Photographer &photographer)
 {
-    WindowDesk desk;
-    desk.start();
-    desk.open({desk.film(support::film1920(), u"Holiday by the sea.mkv"_s),
-               desk.film(support::fullMkv(), u"Birthday.mkv"_s),
-               desk.film(support::textMp4(), u"Concert.mp4"_s)});
-    desk.click("OpenFilesQueueButton");
-    photographer.take(*desk.find<QFrame>("OpenFilesPopover"), u"open-files"_s);
-    QTest::keyClick(desk.find<QFrame>("OpenFilesPopover"), Qt::Key_Escape);
-    photographer.take(desk.window(), u"several-files"_s);
-    desk.pick("PresetSelectionsPopUp", u"First Track"_s);
-    choose(desk, "TheVideoMatrix2");
-    desk.click("ConvertButton");
-    waitFor([&] { return desk.queue().qJobList().size() >= 3; });
+    WindowFixture fixture;
+    fixture.start();
+    fixture.open({fixture.film(support::film1920(), u"Holiday by the sea.mkv"_s),
+                  fixture.film(support::fullMkv(), u"Birthday.mkv"_s),
+                  fixture.film(support::textMp4(), u"Concert.mp4"_s)});
+    fixture.click("OpenFilesQueueButton");
+    photographer.take(*fixture.find<QFrame>("OpenFilesPopover"), u"open-files"_s);
+    QTest::keyClick(fixture.find<QFrame>("OpenFilesPopover"), Qt::Key_Escape);
+    photographer.take(fixture.window(), u"several-files"_s);
+    fixture.pick("PresetSelectionsPopUp", u"First Track"_s);
+    choose(fixture, "TheVideoMatrix2");
+    fixture.click("ConvertButton");
+    waitFor([&] { return fixture.queue().qJobList().size() >= 3; });
     waitFor(
         [&] {
-            const QString progress = desk.queue().jobProgressList().value(0).progress;
+            const QString progress = fixture.queue().jobProgressList().value(0).progress;
             return progress.startsWith(u"Pass #1"_s) && window::ProgressDelegate::percentageOf(progress) > 30;
         },
         20000);
-    photographer.take(desk.window(), u"queue"_s);
+    photographer.take(fixture.window(), u"queue"_s);
 }
 
 template <typename Open>
 void takeSheet(const Photographer &photographer, const QString &name, Open open)
 {
-    WindowDesk desk;
-    desk.start();
-    open(desk);
+    WindowFixture fixture;
+    fixture.start();
+    open(fixture);
     QWidget *sheet = nullptr;
     if (!waitFor([&] { return (sheet = QApplication::activeModalWidget()) != nullptr; }))
         qFatal("No sheet came.");
@@ -124,20 +125,20 @@ void takeSheet(const Photographer &photographer, const QString &name, Open open)
 
 void takeWatching(const Photographer &photographer)
 {
-    WindowDesk desk;
-    desk.start();
-    const QString folder = desk.path(u"Incoming"_s);
+    WindowFixture fixture;
+    fixture.start();
+    const QString folder = fixture.path(u"Incoming"_s);
     QDir().mkpath(folder);
-    desk.film(support::fullMkv(), u"Incoming/Already there.mkv"_s);
-    desk.pick("PresetSelectionsPopUp", u"First Track"_s);
-    desk.pick("PresetSettingsPopUp", u"Extract Tracks"_s);
-    desk.click("ChooseWatchFolderButton");
-    desk.answerDialog({folder});
-    desk.click("StartWatchingFolderButton");
-    waitFor([&] { return desk.program().watchWindow().isVisible(); });
-    desk.film(support::fullMkv(), u"Incoming/Holiday by the sea.mkv"_s);
+    fixture.film(support::fullMkv(), u"Incoming/Already there.mkv"_s);
+    fixture.pick("PresetSelectionsPopUp", u"First Track"_s);
+    fixture.pick("PresetSettingsPopUp", u"Extract Tracks"_s);
+    fixture.click("ChooseWatchFolderButton");
+    fixture.answerDialog({folder});
+    fixture.click("StartWatchingFolderButton");
+    waitFor([&] { return fixture.program().watchWindow().isVisible(); });
+    fixture.film(support::fullMkv(), u"Incoming/Holiday by the sea.mkv"_s);
     QTest::qWait(7000);
-    photographer.take(desk.program().watchWindow(), u"watching"_s);
+    photographer.take(fixture.program().watchWindow(), u"watching"_s);
 }
 
 } // namespace
@@ -156,11 +157,11 @@ int main(int argc, char *argv[])
     takeFiles(photographer);
     takeQueue(photographer);
     takeSheet(photographer, u"track-presets"_s,
-              [](WindowDesk &desk) { desk.click("EditPresetSelectionsButton"); });
+              [](WindowFixture &fixture) { fixture.click("EditPresetSelectionsButton"); });
     takeSheet(photographer, u"settings-presets"_s,
-              [](WindowDesk &desk) { desk.click("EditPresetSettingsButton"); });
+              [](WindowFixture &fixture) { fixture.click("EditPresetSettingsButton"); });
     takeSheet(photographer, u"preferences"_s,
-              [](WindowDesk &desk) { desk.command(u"File"_s, u"Preferences…"_s); });
+              [](WindowFixture &fixture) { fixture.command(u"File"_s, u"Preferences…"_s); });
     takeWatching(photographer);
     return 0;
 }

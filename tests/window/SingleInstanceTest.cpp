@@ -1,6 +1,7 @@
 // A second start hands its files to the one that runs.
 #include "window/SingleInstance.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
 
 #include <QDir>
@@ -294,5 +295,5 @@ private:
     QByteArray m_left;
 };
 
-QTEST_MAIN(SingleInstanceTest)
+TESSARAY_TEST(SingleInstanceTest)
 #include "SingleInstanceTest.moc"

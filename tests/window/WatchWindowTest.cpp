@@ -1,8 +1,9 @@
 // Watch mode by mouse: the row in the main window, the window that takes its place, and back.
 #include "support/Clips.h"
 #include "support/PresetRecords.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
-#include "window/WindowDesk.h"
+#include "window/WindowFixture.h"
 
 #include <QDir>
 #include <QLabel>
@@ -20,112 +21,112 @@ class WatchWindowTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<WindowDesk>();
-        m_desk->start();
-        QDir().mkpath(m_desk->path(u"in"_s));
+        m_fixture = std::make_unique<WindowFixture>();
+        m_fixture->start();
+        QDir().mkpath(m_fixture->path(u"in"_s));
         const QVariant preset = support::settingsPreset(u"Set"_s, u"General"_s).toVariantMap();
-        QVERIFY(m_desk->delegate().program().presets().addUserPresets({}, {preset}).isNull());
+        QVERIFY(m_fixture->delegate().program().presets().addUserPresets({}, {preset}).isNull());
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void theButtonIsOffWithManualAndSaysWhy()
     {
-        auto *start = m_desk->find<QWidget>("StartWatchingFolderButton");
+        auto *start = m_fixture->find<QWidget>("StartWatchingFolderButton");
         QVERIFY(!start->isEnabled());
         QVERIFY2(start->toolTip().contains(
                      u"Choose a track preset: with \"Manual\" nothing can be watched."_s.toHtmlEscaped()),
                  qPrintable(start->toolTip()));
-        m_desk->pick("PresetSelectionsPopUp", u"First Track"_s);
+        m_fixture->pick("PresetSelectionsPopUp", u"First Track"_s);
         QVERIFY(!start->isEnabled());
         QVERIFY2(start->toolTip().contains(
                      u"Choose a settings preset: with \"Manual\" nothing can be watched."_s.toHtmlEscaped()),
                  qPrintable(start->toolTip()));
-        m_desk->pick("PresetSettingsPopUp", u"Set"_s);
+        m_fixture->pick("PresetSettingsPopUp", u"Set"_s);
         QTRY_VERIFY(start->isEnabled());
         QVERIFY2(!start->toolTip().contains(u"nothing can be watched"_s), qPrintable(start->toolTip()));
-        m_desk->pick("PresetSelectionsPopUp", u"Manual"_s);
+        m_fixture->pick("PresetSelectionsPopUp", u"Manual"_s);
         QTRY_VERIFY(!start->isEnabled());
-        m_desk->click("StartWatchingFolderButton"); // and a click on it does nothing
+        m_fixture->click("StartWatchingFolderButton"); // and a click on it does nothing
         QVERIFY(!watch().appIsInWatchMode());
     }
 
     void withoutAFolderTheMessageIsShownAndTheMainWindowStays()
     {
         choosePresets();
-        m_desk->click("StartWatchingFolderButton");
-        QCOMPARE(m_desk->find<QLabel>("WatchFolderPath")->text(),
+        m_fixture->click("StartWatchingFolderButton");
+        QCOMPARE(m_fixture->find<QLabel>("WatchFolderPath")->text(),
                  u"must select a valid directory to start watch mode"_s);
         QTest::qWait(800);
-        QVERIFY(m_desk->window().isVisible());
+        QVERIFY(m_fixture->window().isVisible());
         QVERIFY(!watchWindow().isVisible());
         QVERIFY(!watch().appIsInWatchMode());
     }
 
     void theFolderIsChosenWithItsButton()
     {
-        m_desk->click("ChooseWatchFolderButton");
-        m_desk->answerDialog({m_desk->path(u"in"_s)});
-        QTRY_COMPARE(m_desk->find<QLabel>("WatchFolderPath")->text(), m_desk->path(u"in"_s));
-        QCOMPARE(m_desk->delegate().program().preferences().watchFolderPath(), m_desk->path(u"in"_s));
+        m_fixture->click("ChooseWatchFolderButton");
+        m_fixture->answerDialog({m_fixture->path(u"in"_s)});
+        QTRY_COMPARE(m_fixture->find<QLabel>("WatchFolderPath")->text(), m_fixture->path(u"in"_s));
+        QCOMPARE(m_fixture->delegate().program().preferences().watchFolderPath(), m_fixture->path(u"in"_s));
     }
 
     void theWindowsChangePlacesAndBack()
     {
         startWatching();
-        QCOMPARE(part<QLabel>("WatchFolderField")->text(), m_desk->path(u"in"_s));
+        QCOMPARE(part<QLabel>("WatchFolderField")->text(), m_fixture->path(u"in"_s));
         const QPoint place = watchWindow().pos();
         QCOMPARE(place, m_placeBefore);
-        QVERIFY(shown().constFirst().endsWith(u"  note     Watching %1."_s.arg(m_desk->path(u"in"_s))));
+        QVERIFY(shown().constFirst().endsWith(u"  note     Watching %1."_s.arg(m_fixture->path(u"in"_s))));
         press("EndWatchingButton");
-        QTRY_VERIFY(m_desk->window().isVisible() && !watchWindow().isVisible());
-        QTRY_COMPARE(m_desk->window().windowOpacity(), 1.0);
-        QCOMPARE(m_desk->window().pos(), place);
+        QTRY_VERIFY(m_fixture->window().isVisible() && !watchWindow().isVisible());
+        QTRY_COMPARE(m_fixture->window().windowOpacity(), 1.0);
+        QCOMPARE(m_fixture->window().pos(), place);
         QTRY_VERIFY(!watch().appIsInWatchMode());
-        QVERIFY(m_desk->isEnabled("StartWatchingFolderButton")); // and once more
-        m_desk->click("StartWatchingFolderButton");
-        QTRY_VERIFY(watchWindow().isVisible() && !m_desk->window().isVisible());
+        QVERIFY(m_fixture->isEnabled("StartWatchingFolderButton")); // and once more
+        m_fixture->click("StartWatchingFolderButton");
+        QTRY_VERIFY(watchWindow().isVisible() && !m_fixture->window().isVisible());
         QTRY_COMPARE(watchWindow().windowOpacity(), 1.0);
     }
 
     void aFilmThatLandsInTheFolderIsConvertedAndTold()
     {
         startWatching();
-        const QString film = m_desk->film(support::textMp4(), u"in/a.mp4"_s);
+        const QString film = m_fixture->film(support::textMp4(), u"in/a.mp4"_s);
         watch().watchLoop();
         QVERIFY(tells(u"  waiting  %1: until it has stopped growing."_s.arg(film)));
         watch().watchLoop();
         QVERIFY(tells(u"  started  a.mp4: MKV Conversion"_s));
-        QVERIFY2(tells(u"  done     a.mp4: %1"_s.arg(m_desk->path(u"in/a.m4v"_s))),
+        QVERIFY2(tells(u"  done     a.mp4: %1"_s.arg(m_fixture->path(u"in/a.m4v"_s))),
                  qPrintable(shown().join(u'\n')));
-        QVERIFY(!m_desk->window().isVisible()); // the drawer does not bring it back
+        QVERIFY(!m_fixture->window().isVisible()); // the drawer does not bring it back
     }
 
     void stoppingLeavesTheQueueAndShowsItInTheMainWindow()
     {
         startWatching();
-        m_desk->film(support::textMp4(), u"in/a.mp4"_s);
+        m_fixture->film(support::textMp4(), u"in/a.mp4"_s);
         watch().watchLoop();
         watch().watchLoop();
         QVERIFY(tells(u"  started  a.mp4: MKV Conversion"_s));
         press("EndWatchingButton");
-        QTRY_VERIFY(m_desk->window().isVisible());
-        QCOMPARE(m_desk->rows("QueueTable", 0).size(), 1);
-        QTRY_VERIFY(m_desk->find<QWidget>("QueueTable")->isVisible()); // the drawer is open
-        QVERIFY(m_desk->waitForJobs());
-        QVERIFY(QFile::exists(m_desk->path(u"in/a.m4v"_s)));
+        QTRY_VERIFY(m_fixture->window().isVisible());
+        QCOMPARE(m_fixture->rows("QueueTable", 0).size(), 1);
+        QTRY_VERIFY(m_fixture->find<QWidget>("QueueTable")->isVisible()); // the drawer is open
+        QVERIFY(m_fixture->waitForJobs());
+        QVERIFY(QFile::exists(m_fixture->path(u"in/a.m4v"_s)));
     }
 
     void aNameThatIsMarkupIsShownAsItIs()
     {
         startWatching();
-        QVERIFY(!m_desk->film(support::emptyMkv(), u"in/<b>x<b>.mkv"_s).isEmpty());
+        QVERIFY(!m_fixture->film(support::emptyMkv(), u"in/<b>x<b>.mkv"_s).isEmpty());
         watch().watchLoop();
         QVERIFY(tells(u"<b>x<b>.mkv: until it has stopped growing."_s));
     }
 
 private:
-    KXWatchModeController &watch() { return m_desk->delegate().program().watchMode(); }
-    QWidget &watchWindow() { return m_desk->program().watchWindow(); }
+    KXWatchModeController &watch() { return m_fixture->delegate().program().watchMode(); }
+    QWidget &watchWindow() { return m_fixture->program().watchWindow(); }
 
     template <typename Control>
     Control *part(const char *name)
@@ -140,20 +141,20 @@ private:
 
     void choosePresets()
     {
-        m_desk->pick("PresetSelectionsPopUp", u"First Track"_s);
-        m_desk->pick("PresetSettingsPopUp", u"Set"_s);
-        QTRY_VERIFY(m_desk->isEnabled("StartWatchingFolderButton"));
+        m_fixture->pick("PresetSelectionsPopUp", u"First Track"_s);
+        m_fixture->pick("PresetSettingsPopUp", u"Set"_s);
+        QTRY_VERIFY(m_fixture->isEnabled("StartWatchingFolderButton"));
     }
 
     void startWatching()
     {
         choosePresets();
-        m_desk->delegate().program().preferences().setWatchFolderURL(
-            QUrl::fromLocalFile(m_desk->path(u"in"_s)));
-        m_placeBefore = m_desk->window().pos();
-        m_desk->click("StartWatchingFolderButton");
-        QVERIFY(m_desk->window().isVisible()); // for a moment still
-        QTRY_VERIFY(watchWindow().isVisible() && !m_desk->window().isVisible());
+        m_fixture->delegate().program().preferences().setWatchFolderURL(
+            QUrl::fromLocalFile(m_fixture->path(u"in"_s)));
+        m_placeBefore = m_fixture->window().pos();
+        m_fixture->click("StartWatchingFolderButton");
+        QVERIFY(m_fixture->window().isVisible()); // for a moment still
+        QTRY_VERIFY(watchWindow().isVisible() && !m_fixture->window().isVisible());
         QTRY_COMPARE(watchWindow().windowOpacity(), 1.0);
     }
 
@@ -171,9 +172,9 @@ private:
         return waitFor([&] { return !shown().filter(part).isEmpty(); }, 20000);
     }
 
-    std::unique_ptr<WindowDesk> m_desk;
+    std::unique_ptr<WindowFixture> m_fixture;
     QPoint m_placeBefore;
 };
 
-QTEST_MAIN(WatchWindowTest)
+TESSARAY_TEST(WatchWindowTest)
 #include "WatchWindowTest.moc"

@@ -1,8 +1,9 @@
 // "Save File Info": what ffprobe says of files, in text files.
 #include "app/FileInfoWriter.h"
 
-#include "support/AppDesk.h"
 #include "support/Clips.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -12,15 +13,15 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 
 class FileInfoWriterTest final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_desk = std::make_unique<AppDesk>(); }
-    void cleanup() { m_desk.reset(); }
+    void init() { m_fixture = std::make_unique<AppFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void liesBesideTheFileWithTheFilesWholeName()
     {
@@ -30,17 +31,17 @@ private Q_SLOTS:
 
     void liesInTheSaveFolderWhereOneIsSet()
     {
-        m_desk->program().preferences().setSaveDirectoryPath(u"/out"_s);
+        m_fixture->program().preferences().setSaveDirectoryPath(u"/out"_s);
         QCOMPARE(writer().infoFileFor(QUrl::fromLocalFile(u"/v/a.mkv"_s)).toLocalFile(),
                  u"/out/a.mkv.info.txt"_s);
     }
 
     void holdsWhatFfprobePrints()
     {
-        const QString film = m_desk->film(support::fullMkv(), u"Amélie's film.mkv"_s);
+        const QString film = m_fixture->film(support::fullMkv(), u"Amélie's film.mkv"_s);
         QVERIFY(writer().write(support::urlsOf({film})).isNull());
         const QJsonArray streams =
-            QJsonDocument::fromJson(m_desk->scratch().read(u"Amélie's film.mkv.info.txt"_s))
+            QJsonDocument::fromJson(m_fixture->scratch().read(u"Amélie's film.mkv.info.txt"_s))
                 .object()
                 .value(u"streams"_s)
                 .toArray();
@@ -52,60 +53,60 @@ private Q_SLOTS:
 
     void aListOfOtherFilesIsNotRead()
     {
-        m_desk->film(support::fullMkv(), u"private.mkv"_s);
+        m_fixture->film(support::fullMkv(), u"private.mkv"_s);
         const QString list =
-            m_desk->scratch().write(u"film.mkv"_s, "ffconcat version 1.0\nfile private.mkv\n");
+            m_fixture->scratch().write(u"film.mkv"_s, "ffconcat version 1.0\nfile private.mkv\n");
         QVERIFY(writer().write(support::urlsOf({list})).contains(u"film.mkv.info.txt"_s));
         QVERIFY(!QFileInfo::exists(list + u".info.txt"_s));
     }
 
     void nothingIsWrittenThroughALink()
     {
-        const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);
-        m_desk->scratch().write(u"theirs"_s, "theirs");
-        QVERIFY(
-            QFile::link(m_desk->scratch().path(u"theirs"_s), m_desk->scratch().path(u"a.mkv.info.txt"_s)));
+        const QString film = m_fixture->film(support::fullMkv(), u"a.mkv"_s);
+        m_fixture->scratch().write(u"theirs"_s, "theirs");
+        QVERIFY(QFile::link(m_fixture->scratch().path(u"theirs"_s),
+                            m_fixture->scratch().path(u"a.mkv.info.txt"_s)));
         QVERIFY(writer().write(support::urlsOf({film})).contains(u"a.mkv.info.txt"_s));
-        QCOMPARE(m_desk->scratch().read(u"theirs"_s), QByteArray("theirs"));
-        QVERIFY(QFileInfo(m_desk->scratch().path(u"a.mkv.info.txt"_s)).isSymLink());
+        QCOMPARE(m_fixture->scratch().read(u"theirs"_s), QByteArray("theirs"));
+        QVERIFY(QFileInfo(m_fixture->scratch().path(u"a.mkv.info.txt"_s)).isSymLink());
     }
 
     void replacesAnOldFile()
     {
-        const QString film = m_desk->film(support::fullMkv(), u"a.mkv"_s);
-        m_desk->scratch().write(u"a.mkv.info.txt"_s, QByteArray(100'000, 'x'));
+        const QString film = m_fixture->film(support::fullMkv(), u"a.mkv"_s);
+        m_fixture->scratch().write(u"a.mkv.info.txt"_s, QByteArray(100'000, 'x'));
         QVERIFY(writer().write(support::urlsOf({film})).isNull());
-        QVERIFY(!m_desk->scratch().read(u"a.mkv.info.txt"_s).contains("xxx"));
-        QVERIFY(m_desk->scratch().read(u"a.mkv.info.txt"_s).contains("h264"));
+        QVERIFY(!m_fixture->scratch().read(u"a.mkv.info.txt"_s).contains("xxx"));
+        QVERIFY(m_fixture->scratch().read(u"a.mkv.info.txt"_s).contains("h264"));
     }
 
     void whatCouldNotBeWrittenIsNamedAndTheOthersAreWritten()
     {
-        const QString first = m_desk->film(support::audioOnly(), u"locked/a.m4a"_s);
-        const QString second = m_desk->film(support::audioOnly(), u"b.m4a"_s);
-        QVERIFY(QDir().mkpath(m_desk->path(u"locked/a.m4a.info.txt"_s))); // a folder bears the name
+        const QString first = m_fixture->film(support::audioOnly(), u"locked/a.m4a"_s);
+        const QString second = m_fixture->film(support::audioOnly(), u"b.m4a"_s);
+        QVERIFY(QDir().mkpath(m_fixture->path(u"locked/a.m4a.info.txt"_s))); // a folder bears the name
         const QString problem = writer().write(support::urlsOf({first, second}));
-        QCOMPARE(problem, u"Not written: "_s + m_desk->path(u"locked/a.m4a.info.txt"_s));
-        QVERIFY(m_desk->scratch().read(u"b.m4a.info.txt"_s).contains("aac"));
+        QCOMPARE(problem, u"Not written: "_s + m_fixture->path(u"locked/a.m4a.info.txt"_s));
+        QVERIFY(m_fixture->scratch().read(u"b.m4a.info.txt"_s).contains("aac"));
     }
 
     void aFolderThatMayNotBeWrittenIsToldInTheBottomLine()
     {
-        m_desk->drop({m_desk->film(support::audioOnly(), u"a.m4a"_s)});
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
-        QSignalSpy said(&m_desk->delegate(), &KXAppDelegate::noteWorthy);
-        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        m_fixture->drop({m_fixture->film(support::audioOnly(), u"a.m4a"_s)});
+        m_fixture->program().preferences().setSaveDirectoryPath(m_fixture->path(u"gone"_s));
+        QSignalSpy said(&m_fixture->delegate(), &KXAppDelegate::noteWorthy);
+        m_fixture->delegate().helpMenuItemSelected(u"Save File Info"_s);
         QCOMPARE(said.size(), 1);
         QCOMPARE(said.constFirst().constFirst().toString(),
-                 u"Not written: "_s + m_desk->path(u"gone/a.m4a.info.txt"_s));
+                 u"Not written: "_s + m_fixture->path(u"gone/a.m4a.info.txt"_s));
     }
 
     void theMenuWritesEveryFileThatCameInLast()
     {
-        m_desk->drop({m_desk->film(support::audioOnly(), u"old.m4a"_s)});
+        m_fixture->drop({m_fixture->film(support::audioOnly(), u"old.m4a"_s)});
         // Also what was refused: it came in.
-        m_desk->drop({m_desk->film(support::fullMkv(), u"a.mkv"_s), m_desk->text(u"b.txt"_s)});
-        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        m_fixture->drop({m_fixture->film(support::fullMkv(), u"a.mkv"_s), m_fixture->text(u"b.txt"_s)});
+        m_fixture->delegate().helpMenuItemSelected(u"Save File Info"_s);
         QVERIFY(exists(u"a.mkv.info.txt"_s));
         QVERIFY(exists(u"b.txt.info.txt"_s));
         QVERIFY(!exists(u"old.m4a.info.txt"_s));
@@ -126,11 +127,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, tab);
         QFETCH(bool, gatheredOnly);
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
-        m_desk->drop(
-            {m_desk->film(support::fullMkv(), u"a.mkv"_s), m_desk->film(support::textMp4(), u"b.mp4"_s)});
-        m_desk->controller().setCurrentTab(tab);
-        m_desk->delegate().helpMenuItemSelected(u"Save File Info"_s);
+        m_fixture->controller().setCurrentTab(u"Edit Files"_s);
+        m_fixture->drop({m_fixture->film(support::fullMkv(), u"a.mkv"_s),
+                         m_fixture->film(support::textMp4(), u"b.mp4"_s)});
+        m_fixture->controller().setCurrentTab(tab);
+        m_fixture->delegate().helpMenuItemSelected(u"Save File Info"_s);
         QVERIFY(exists(u"a.mkv.info.txt"_s));
         QCOMPARE(exists(u"b.mp4.info.txt"_s), !gatheredOnly);
     }
@@ -138,14 +139,14 @@ private Q_SLOTS:
 private:
     app::FileInfoWriter &writer()
     {
-        m_writer = std::make_unique<app::FileInfoWriter>(m_desk->program().preferences());
+        m_writer = std::make_unique<app::FileInfoWriter>(m_fixture->program().preferences());
         return *m_writer;
     }
-    bool exists(const QString &name) const { return QFile::exists(m_desk->path(name)); }
+    bool exists(const QString &name) const { return QFile::exists(m_fixture->path(name)); }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
     std::unique_ptr<app::FileInfoWriter> m_writer;
 };
 
-QTEST_GUILESS_MAIN(FileInfoWriterTest)
+TESSARAY_TEST(FileInfoWriterTest)
 #include "FileInfoWriterTest.moc"

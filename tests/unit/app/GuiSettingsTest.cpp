@@ -1,12 +1,13 @@
 // What the main window remembers: the tab and the presets that are chosen.
 #include "app/KXAppDelegate.h"
 
-#include "support/AppDesk.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 
 namespace {
 
@@ -29,21 +30,21 @@ class GuiSettingsTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_desk = std::make_unique<AppDesk>(); }
-    void cleanup() { m_desk.reset(); }
+    void init() { m_fixture = std::make_unique<AppFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void aFreshProgramStartsOnMkvWithManualPresets()
     {
-        QCOMPARE(m_desk->delegate().createGuiSettingsDictionary(), settings(0, 0, u"MKV"_s));
-        QCOMPARE(m_desk->delegate().fileTextField(), u"Drop Video File(s) in the Table Below"_s);
+        QCOMPARE(m_fixture->delegate().createGuiSettingsDictionary(), settings(0, 0, u"MKV"_s));
+        QCOMPARE(m_fixture->delegate().fileTextField(), u"Drop Video File(s) in the Table Below"_s);
     }
 
     void theDictionaryTellsWhatIsChosen()
     {
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
-        m_desk->presets().setSelectionMethodIndex(2);
-        m_desk->presets().setSettingMethodIndex(1);
-        QCOMPARE(m_desk->delegate().createGuiSettingsDictionary(), settings(2, 1, u"Edit Files"_s));
+        m_fixture->controller().setCurrentTab(u"Edit Files"_s);
+        m_fixture->presets().setSelectionMethodIndex(2);
+        m_fixture->presets().setSettingMethodIndex(1);
+        QCOMPARE(m_fixture->delegate().createGuiSettingsDictionary(), settings(2, 1, u"Edit Files"_s));
     }
 
     /// Of a fresh user: three presets of tracks, two of settings.
@@ -76,55 +77,55 @@ private Q_SLOTS:
         QFETCH(int, selection);
         QFETCH(int, setting);
         QFETCH(QString, tab);
-        m_desk->delegate().initGuiSettingsFrom(stored);
-        QCOMPARE(m_desk->presets().selectionMethodIndex(), selection);
-        QCOMPARE(m_desk->presets().settingMethodIndex(), setting);
-        QCOMPARE(m_desk->controller().currentTab(), tab);
+        m_fixture->delegate().initGuiSettingsFrom(stored);
+        QCOMPARE(m_fixture->presets().selectionMethodIndex(), selection);
+        QCOMPARE(m_fixture->presets().settingMethodIndex(), setting);
+        QCOMPARE(m_fixture->controller().currentTab(), tab);
     }
 
     void restoringTheSameTabKeepsThePreset()
     {
-        m_desk->presets().setSettingMethodIndex(1);
-        m_desk->controller().setCurrentTab(u"MKV"_s); // where it is
-        QCOMPARE(m_desk->presets().settingMethodIndex(), 1);
-        m_desk->delegate().initGuiSettingsFrom(settings(0, 1, u"MKV"_s));
-        QCOMPARE(m_desk->presets().settingMethodIndex(), 1);
+        m_fixture->presets().setSettingMethodIndex(1);
+        m_fixture->controller().setCurrentTab(u"MKV"_s); // where it is
+        QCOMPARE(m_fixture->presets().settingMethodIndex(), 1);
+        m_fixture->delegate().initGuiSettingsFrom(settings(0, 1, u"MKV"_s));
+        QCOMPARE(m_fixture->presets().settingMethodIndex(), 1);
     }
 
     void theNextStartIsAsItWas()
     {
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
-        m_desk->presets().setSelectionMethodIndex(1);
-        m_desk->presets().setSettingMethodIndex(1);
-        QVERIFY(m_desk->delegate().applicationShouldTerminate());
-        m_desk->restart();
-        QCOMPARE(m_desk->delegate().createGuiSettingsDictionary(), settings(1, 1, u"Edit Files"_s));
+        m_fixture->controller().setCurrentTab(u"Edit Files"_s);
+        m_fixture->presets().setSelectionMethodIndex(1);
+        m_fixture->presets().setSettingMethodIndex(1);
+        QVERIFY(m_fixture->delegate().applicationShouldTerminate());
+        m_fixture->restart();
+        QCOMPARE(m_fixture->delegate().createGuiSettingsDictionary(), settings(1, 1, u"Edit Files"_s));
     }
 
     void whatIsChosenIsNotStoredBeforeTheEnd()
     {
-        m_desk->presets().setSelectionMethodIndex(1);
-        m_desk->program().preferences().savePreferencesToDefaults();
-        m_desk->restart();
-        QCOMPARE(m_desk->presets().selectionMethodIndex(), 0);
+        m_fixture->presets().setSelectionMethodIndex(1);
+        m_fixture->program().preferences().savePreferencesToDefaults();
+        m_fixture->restart();
+        QCOMPARE(m_fixture->presets().selectionMethodIndex(), 0);
     }
 
     void theToolTipsAreAsTheyWere()
     {
-        QVERIFY(!m_desk->program().preferences().ttConvertButton().isEmpty());
-        m_desk->delegate().helpMenuItemSelected(u"Hide Tool Tips"_s);
-        QVERIFY(m_desk->program().preferences().ttConvertButton().isEmpty());
-        m_desk->restart();
-        QVERIFY(m_desk->program().preferences().ttConvertButton().isEmpty());
-        QCOMPARE(m_desk->program().preferences().toolTipsMenuItemTitle(), u"Show Tool Tips"_s);
-        m_desk->delegate().helpMenuItemSelected(u"Show Tool Tips"_s);
-        QVERIFY(!m_desk->program().preferences().ttConvertButton().isEmpty());
-        QCOMPARE(m_desk->program().preferences().toolTipsMenuItemTitle(), u"Hide Tool Tips"_s);
+        QVERIFY(!m_fixture->program().preferences().ttConvertButton().isEmpty());
+        m_fixture->delegate().helpMenuItemSelected(u"Hide Tool Tips"_s);
+        QVERIFY(m_fixture->program().preferences().ttConvertButton().isEmpty());
+        m_fixture->restart();
+        QVERIFY(m_fixture->program().preferences().ttConvertButton().isEmpty());
+        QCOMPARE(m_fixture->program().preferences().toolTipsMenuItemTitle(), u"Show Tool Tips"_s);
+        m_fixture->delegate().helpMenuItemSelected(u"Show Tool Tips"_s);
+        QVERIFY(!m_fixture->program().preferences().ttConvertButton().isEmpty());
+        QCOMPARE(m_fixture->program().preferences().toolTipsMenuItemTitle(), u"Hide Tool Tips"_s);
     }
 
 private:
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(GuiSettingsTest)
+TESSARAY_TEST(GuiSettingsTest)
 #include "GuiSettingsTest.moc"

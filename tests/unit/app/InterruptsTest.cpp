@@ -1,4 +1,5 @@
 #include "app/Interrupts.h"
+#include "support/TestMain.h"
 #include "tools/ShellRunner.h"
 
 #include <QElapsedTimer>
@@ -79,5 +80,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(InterruptsTest)
+TESSARAY_TEST(InterruptsTest)
 #include "InterruptsTest.moc"

@@ -1,15 +1,16 @@
 // Which jobs the start buttons make of the current file and of the open files behind it.
 #include "app/JobStarter.h"
 
-#include "support/AppDesk.h"
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 using support::convertible;
 using support::soundAlone;
 
@@ -27,13 +28,13 @@ class JobStarterTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
-        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s}); // whatever starts stays in the queue
-        m_desk->fakeTool(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
-        m_desk->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
-        m_desk->presets().setSelectionMethodIndex(allTracks);
+        m_fixture = std::make_unique<AppFixture>();
+        m_fixture->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s}); // whatever starts stays in the queue
+        m_fixture->fakeTool(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
+        m_fixture->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
+        m_fixture->presets().setSelectionMethodIndex(allTracks);
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void jobTypeByTabTitleAndPreset_data()
     {
@@ -72,12 +73,12 @@ private Q_SLOTS:
         QFETCH(QString, jobType);
         QFETCH(QString, left);
         open({convertible(file(u"a.mkv"_s))});
-        m_desk->controller().setCurrentTab(tab);
-        m_desk->presets().setSettingMethodIndex(preset);
-        const SelectionPointer selection = m_desk->controller().currentSelection();
-        selection->setEditFilesURLsList({m_desk->scratch().url(u"a.mkv"_s)});
+        m_fixture->controller().setCurrentTab(tab);
+        m_fixture->presets().setSettingMethodIndex(preset);
+        const SelectionPointer selection = m_fixture->controller().currentSelection();
+        selection->setEditFilesURLsList({m_fixture->scratch().url(u"a.mkv"_s)});
         selection->setJobType(u"MKV Joining"_s);
-        m_desk->starter().startProcess(title);
+        m_fixture->starter().startProcess(title);
         QCOMPARE(types(), QStringList{jobType});
         QCOMPARE(selection->jobType(), left);
     }
@@ -85,21 +86,21 @@ private Q_SLOTS:
     void aFieldThatIsEditedGivesItsValueFirst()
     {
         open({convertible(file(u"a.mkv"_s))});
-        connect(&m_desk->starter(), &app::JobStarter::editingEndWanted, this,
-                [this] { m_desk->controller().currentSelection()->setUserWidth(u"640"_s); });
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->queue().qJobList().constFirst()->jobSelection()->userWidth(), u"640"_s);
+        connect(&m_fixture->starter(), &app::JobStarter::editingEndWanted, this,
+                [this] { m_fixture->controller().currentSelection()->setUserWidth(u"640"_s); });
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_fixture->queue().qJobList().constFirst()->jobSelection()->userWidth(), u"640"_s);
     }
 
     void aRunningJobIsNoReasonNotToStartAnother()
     {
         open({convertible(file(u"a.mkv"_s))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        m_desk->queue().manageQueue();
-        QVERIFY(m_desk->queue().qJobIsRunning());
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->jobs().size(), 2);
-        QCOMPARE(m_desk->queue().qJobList().constLast()->jobStatus(), u"Queued"_s);
+        m_fixture->starter().startProcess(u"Convert"_s);
+        m_fixture->queue().manageQueue();
+        QVERIFY(m_fixture->queue().qJobIsRunning());
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_fixture->jobs().size(), 2);
+        QCOMPARE(m_fixture->queue().qJobList().constLast()->jobStatus(), u"Queued"_s);
     }
 
     void anEmptyOpenQueueStartsNothing_data()
@@ -113,11 +114,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, title);
         open({convertible(file(u"a.mkv"_s))});
-        m_desk->openQueue().takeSelected(); // the file is current all the same
-        QVERIFY(m_desk->controller().canConvert());
-        m_desk->starter().startProcess(title);
-        QVERIFY(m_desk->jobs().isEmpty());
-        QVERIFY(!m_desk->starter().isFinishing());
+        m_fixture->openQueue().takeSelected(); // the file is current all the same
+        QVERIFY(m_fixture->controller().canConvert());
+        m_fixture->starter().startProcess(title);
+        QVERIFY(m_fixture->jobs().isEmpty());
+        QVERIFY(!m_fixture->starter().isFinishing());
     }
 
     void oneVideoHasToPassItsCheck_data()
@@ -143,11 +144,11 @@ private Q_SLOTS:
         QFETCH(QStringList, jobs);
         const QString path = file(name);
         open({hasVideo ? convertible(path) : soundAlone(path)});
-        m_desk->starter().startProcess(title);
-        QCOMPARE(m_desk->jobs(), jobs);
-        QCOMPARE(m_desk->openNames(), QStringList{name}); // it stays open
-        QVERIFY(m_desk->alerts().shown().isEmpty());
-        QVERIFY(!m_desk->starter().isFinishing());
+        m_fixture->starter().startProcess(title);
+        QCOMPARE(m_fixture->jobs(), jobs);
+        QCOMPARE(m_fixture->openNames(), QStringList{name}); // it stays open
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
+        QVERIFY(!m_fixture->starter().isFinishing());
     }
 
     void sendQueuesExactlyOneJobWhateverTheOpenQueueHolds_data()
@@ -166,30 +167,30 @@ private Q_SLOTS:
             films.append(convertible(file(u"%1.mkv"_s.arg(i))));
         open(films);
         if (files == 0)
-            m_desk->openQueue().takeSelected();
-        m_desk->starter().startProcess(u"Send"_s);
-        QCOMPARE(m_desk->jobs(), QStringList{u"Send To Lintwick 0.mkv"_s});
-        QVERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->openNames().size(), files);
+            m_fixture->openQueue().takeSelected();
+        m_fixture->starter().startProcess(u"Send"_s);
+        QCOMPARE(m_fixture->jobs(), QStringList{u"Send To Lintwick 0.mkv"_s});
+        QVERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->openNames().size(), files);
     }
 
     void allOfThreeBecomeJobsAndTheLastStaysCurrent()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), convertible(file(u"3.mkv"_s))});
-        QSignalSpy queued(&m_desk->starter(), &app::JobStarter::jobQueued);
-        QSignalSpy finishing(&m_desk->starter(), &app::JobStarter::finishingChanged);
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 1.mkv"_s}); // the others follow
-        QCOMPARE(m_desk->openNames(), (QStringList{u"2.mkv"_s, u"3.mkv"_s}));
-        QVERIFY(m_desk->starter().isFinishing());
-        m_desk->starter().startProcess(u"Convert"_s); // pressed again meanwhile
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 2.mkv"_s,
-                                              u"MKV Conversion 3.mkv"_s}));
-        QCOMPARE(m_desk->openNames(), QStringList{u"3.mkv"_s});
-        QCOMPARE(m_desk->openQueue().selectedRow(), 0);
-        QCOMPARE(m_desk->file().theFileName(), u"3.mkv"_s);
-        QVERIFY(!m_desk->openQueue().canOpenQueuePopover());
+        QSignalSpy queued(&m_fixture->starter(), &app::JobStarter::jobQueued);
+        QSignalSpy finishing(&m_fixture->starter(), &app::JobStarter::finishingChanged);
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Conversion 1.mkv"_s}); // the others follow
+        QCOMPARE(m_fixture->openNames(), (QStringList{u"2.mkv"_s, u"3.mkv"_s}));
+        QVERIFY(m_fixture->starter().isFinishing());
+        m_fixture->starter().startProcess(u"Convert"_s); // pressed again meanwhile
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 2.mkv"_s,
+                                                 u"MKV Conversion 3.mkv"_s}));
+        QCOMPARE(m_fixture->openNames(), QStringList{u"3.mkv"_s});
+        QCOMPARE(m_fixture->openQueue().selectedRow(), 0);
+        QCOMPARE(m_fixture->file().theFileName(), u"3.mkv"_s);
+        QVERIFY(!m_fixture->openQueue().canOpenQueuePopover());
         QCOMPARE(queued.size(), 2);
         QCOMPARE(finishing.size(), 2);
     }
@@ -198,35 +199,35 @@ private Q_SLOTS:
     {
         QCOMPARE(app::JobStarter::finishMilliseconds, 400);
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
-        m_desk->starter().startProcess(u"Convert"_s);
+        m_fixture->starter().startProcess(u"Convert"_s);
         QElapsedTimer clock;
         clock.start();
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
         QVERIFY(clock.elapsed() >= 350); // a coarse timer may be early by a twentieth
     }
 
     void theSecondOfThreeThatCannotBeConvertedStaysAndBecomesCurrent()
     {
         open({convertible(file(u"1.mkv"_s)), soundAlone(file(u"2.mkv"_s)), convertible(file(u"3.mkv"_s))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 3.mkv"_s}));
-        QCOMPARE(m_desk->openNames(), QStringList{u"2.mkv"_s});
-        QCOMPARE(m_desk->file().theFileName(), u"2.mkv"_s);
-        QVERIFY(m_desk->alerts().shown().isEmpty()); // left without a message
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(), (QStringList{u"MKV Conversion 1.mkv"_s, u"MKV Conversion 3.mkv"_s}));
+        QCOMPARE(m_fixture->openNames(), QStringList{u"2.mkv"_s});
+        QCOMPARE(m_fixture->file().theFileName(), u"2.mkv"_s);
+        QVERIFY(m_fixture->alerts().shown().isEmpty()); // left without a message
     }
 
     void theCurrentOneThatCannotBeConvertedStaysAndTheOthersFollow()
     {
         open({soundAlone(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), soundAlone(file(u"3.mkv"_s))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        QVERIFY(m_desk->jobs().isEmpty());
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
-        QCOMPARE(m_desk->openNames(), (QStringList{u"1.mkv"_s, u"3.mkv"_s}));
-        QCOMPARE(m_desk->openQueue().selectedRow(), 0);
-        QCOMPARE(m_desk->file().theFileName(), u"1.mkv"_s);
-        QVERIFY(m_desk->openQueue().canOpenQueuePopover());
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QVERIFY(m_fixture->jobs().isEmpty());
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
+        QCOMPARE(m_fixture->openNames(), (QStringList{u"1.mkv"_s, u"3.mkv"_s}));
+        QCOMPARE(m_fixture->openQueue().selectedRow(), 0);
+        QCOMPARE(m_fixture->file().theFileName(), u"1.mkv"_s);
+        QVERIFY(m_fixture->openQueue().canOpenQueuePopover());
     }
 
     void eachVideoThatIsNotStartedIsNamedOnce_data()
@@ -246,34 +247,34 @@ private Q_SLOTS:
             films.append(soundAlone(file(u"%1.mkv"_s.arg(i))));
         open(films);
         QStringList named;
-        connect(&m_desk->starter(), &app::JobStarter::notStarted, this,
+        connect(&m_fixture->starter(), &app::JobStarter::notStarted, this,
                 [&named](const QString &name) { named.append(name); });
-        m_desk->starter().startProcess(u"Convert"_s);
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        disconnect(&m_desk->starter(), nullptr, this, nullptr);
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        disconnect(&m_fixture->starter(), nullptr, this, nullptr);
         QCOMPARE(named, names);
-        QCOMPARE(m_desk->openNames().size(), files);
+        QCOMPARE(m_fixture->openNames().size(), files);
     }
 
     void theSecondOneIsStartedWhereItIsCurrent()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s)), soundAlone(file(u"3.mkv"_s))});
-        m_desk->openQueue().select(1);
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion 2.mkv"_s, u"MKV Conversion 1.mkv"_s}));
-        QCOMPARE(m_desk->openNames(), QStringList{u"3.mkv"_s});
+        m_fixture->openQueue().select(1);
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Conversion 2.mkv"_s});
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(), (QStringList{u"MKV Conversion 2.mkv"_s, u"MKV Conversion 1.mkv"_s}));
+        QCOMPARE(m_fixture->openNames(), QStringList{u"3.mkv"_s});
     }
 
     void extractingSeveralAsksWhetherTracksCanBeEdited()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mp4"_s)), soundAlone(file(u"3.mkv"_s))});
-        m_desk->starter().startProcess(u"Extract"_s);
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(),
+        m_fixture->starter().startProcess(u"Extract"_s);
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(),
                  (QStringList{u"MKV Track Extraction 1.mkv"_s, u"MKV Track Extraction 3.mkv"_s}));
-        QCOMPARE(m_desk->openNames(), QStringList{u"2.mp4"_s});
+        QCOMPARE(m_fixture->openNames(), QStringList{u"2.mp4"_s});
     }
 
     void presetsAreAppliedToTheOthersUnlessEachWasChosenByHand_data()
@@ -288,49 +289,49 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         QFETCH(QStringList, jobs);
-        m_desk->presets().setSelectionMethodIndex(0);
+        m_fixture->presets().setSelectionMethodIndex(0);
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
-        m_desk->controller().setOpenQueueMatrixIndex(index);
-        m_desk->presets().setSelectionMethodIndex(allTracks); // ticks those of the current file
-        m_desk->starter().startProcess(u"Convert"_s);
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->jobs(), jobs);
+        m_fixture->controller().setOpenQueueMatrixIndex(index);
+        m_fixture->presets().setSelectionMethodIndex(allTracks); // ticks those of the current file
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->jobs(), jobs);
     }
 
     void theRulesAreAskedAnewForEachFile()
     {
         open({soundAlone(file(u"1.mkv"_s)), soundAlone(file(u"2.mkv"_s))});
-        m_desk->controller().setOpenQueueMatrixIndex(1);
-        m_desk->controller().setCanConvert(true); // what an older state said
-        m_desk->starter().finishStartProcess(u"MKV Conversion"_s);
-        QVERIFY(m_desk->jobs().isEmpty());
+        m_fixture->controller().setOpenQueueMatrixIndex(1);
+        m_fixture->controller().setCanConvert(true); // what an older state said
+        m_fixture->starter().finishStartProcess(u"MKV Conversion"_s);
+        QVERIFY(m_fixture->jobs().isEmpty());
     }
 
     void theJobHoldsItsOwnFilesTracks()
     {
         open({convertible(file(u"1.mkv"_s)), convertible(file(u"2.mkv"_s))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        QTRY_VERIFY(!m_desk->starter().isFinishing());
-        const KXSelection &second = *m_desk->queue().qJobList().at(1)->jobSelection();
-        QCOMPARE(second.videoTrackFilePath(), m_desk->path(u"2.mkv"_s));
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QTRY_VERIFY(!m_fixture->starter().isFinishing());
+        const KXSelection &second = *m_fixture->queue().qJobList().at(1)->jobSelection();
+        QCOMPARE(second.videoTrackFilePath(), m_fixture->path(u"2.mkv"_s));
         QCOMPARE(second.jobType(), u"MKV Conversion"_s);
         QCOMPARE(second.trackList().size(), 2);
     }
 
 private:
     /// An empty file, in a folder that is made; answers its path.
-    QString file(const QString &name) const { return m_desk->scratch().write(name, "film"); }
-    void open(const QList<std::pair<QString, TrackList>> &films) { m_desk->openByHand(films); }
+    QString file(const QString &name) const { return m_fixture->scratch().write(name, "film"); }
+    void open(const QList<std::pair<QString, TrackList>> &films) { m_fixture->openByHand(films); }
     QStringList types() const
     {
         QStringList types;
-        for (const JobPointer &job : m_desk->queue().qJobList())
+        for (const JobPointer &job : m_fixture->queue().qJobList())
             types.append(job->jobType());
         return types;
     }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(JobStarterTest)
+TESSARAY_TEST(JobStarterTest)
 #include "JobStarterTest.moc"

@@ -1,14 +1,15 @@
 // The commands of menus and buttons, and the ways on which files reach the intake.
 #include "app/KXAppDelegate.h"
 
-#include "support/AppDesk.h"
 #include "support/Clips.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 using What = platform::ChooserRequest::What;
 
 class KXAppDelegateTest final : public QObject
@@ -16,8 +17,8 @@ class KXAppDelegateTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_desk = std::make_unique<AppDesk>(); }
-    void cleanup() { m_desk.reset(); }
+    void init() { m_fixture = std::make_unique<AppFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     /// The title is compared in lower case.
     void thePanelByTheTitleOfItsCommand_data()
@@ -37,68 +38,68 @@ private Q_SLOTS:
         QFETCH(QString, mode);
         QFETCH(bool, several);
         delegate().openFilePanel(title);
-        QCOMPARE(m_desk->intake().openingFileMode(), mode);
-        QCOMPARE(m_desk->chooser().asked().size(), 1);
-        QCOMPARE(m_desk->chooser().asked().constFirst().title, u"Select video file to open:"_s);
-        QCOMPARE(m_desk->chooser().asked().constFirst().what, several ? What::Files : What::OneFile);
+        QCOMPARE(m_fixture->intake().openingFileMode(), mode);
+        QCOMPARE(m_fixture->chooser().asked().size(), 1);
+        QCOMPARE(m_fixture->chooser().asked().constFirst().title, u"Select video file to open:"_s);
+        QCOMPARE(m_fixture->chooser().asked().constFirst().what, several ? What::Files : What::OneFile);
     }
 
     void chosenFilesComeInAfterAMoment()
     {
         QSignalSpy window(&delegate(), &KXAppDelegate::windowWanted);
         delegate().openFilePanel(u"Open..."_s);
-        m_desk->chooser().answer({film(u"a.mp4"_s), film(u"b.mp4"_s)});
+        m_fixture->chooser().answer({film(u"a.mp4"_s), film(u"b.mp4"_s)});
         QCOMPARE(KXAppDelegate::hubMilliseconds, 100);
-        QVERIFY(m_desk->intake().openedURLsArray().isEmpty()); // the panel goes first
+        QVERIFY(m_fixture->intake().openedURLsArray().isEmpty()); // the panel goes first
         QCOMPARE(window.size(), 1);
-        QTRY_COMPARE(m_desk->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
+        QTRY_COMPARE(m_fixture->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
     }
 
     void aPanelKeepsItsModeWhenOtherFilesComeInMeanwhile()
     {
-        m_desk->drop({film(u"a.mp4"_s)});
+        m_fixture->drop({film(u"a.mp4"_s)});
         delegate().openFilePanel(u"Add..."_s);
-        m_desk->drop({film(u"b.mp4"_s)});
-        m_desk->chooser().answer({film(u"c.mp4"_s)});
-        QTRY_COMPARE(m_desk->alerts().messages(), QStringList{u"Error Opening: c.mp4"_s});
-        QCOMPARE(m_desk->openNames(), QStringList{u"b.mp4"_s});
+        m_fixture->drop({film(u"b.mp4"_s)});
+        m_fixture->chooser().answer({film(u"c.mp4"_s)});
+        QTRY_COMPARE(m_fixture->alerts().messages(), QStringList{u"Error Opening: c.mp4"_s});
+        QCOMPARE(m_fixture->openNames(), QStringList{u"b.mp4"_s});
     }
 
     void droppedFilesComeInAfterAMoment()
     {
         delegate().filesDropped(support::urlsOf({film(u"a.mp4"_s)}));
-        QVERIFY(m_desk->openNames().isEmpty());
-        QTRY_COMPARE(m_desk->openNames(), QStringList{u"a.mp4"_s});
-        QCOMPARE(m_desk->intake().openingFileMode(), u"drag"_s);
+        QVERIFY(m_fixture->openNames().isEmpty());
+        QTRY_COMPARE(m_fixture->openNames(), QStringList{u"a.mp4"_s});
+        QCOMPARE(m_fixture->intake().openingFileMode(), u"drag"_s);
     }
 
     /// The open files are selected one after the other then: a probe in between would fill one of them.
     void filesThatComeWhileOthersAreStartedWaitForThat()
     {
-        m_desk->presets().setSelectionMethodIndex(2);
-        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        m_desk->openByHand({support::convertible(m_desk->scratch().write(u"a.mkv"_s, "film")),
-                            support::convertible(m_desk->scratch().write(u"b.mkv"_s, "film"))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        QVERIFY(m_desk->starter().isFinishing());
-        m_desk->prepend(u"ffmpeg/ffprobe"_s, u"sleep 0.6"_s);
-        m_desk->drop({film(u"c.mp4"_s)});
-        QVERIFY(m_desk->intake().isBusy());
-        QCOMPARE(m_desk->openNames(), QStringList{u"b.mkv"_s});
-        delegate().filesRequested({m_desk->film(support::srtFile(), u"s.srt"_s)});
-        QTRY_VERIFY_WITH_TIMEOUT(!m_desk->intake().isBusy(), 20000);
-        QCOMPARE(m_desk->jobs(), (QStringList{u"MKV Conversion a.mkv"_s, u"MKV Conversion b.mkv"_s}));
-        QCOMPARE(m_desk->openNames(), QStringList{u"c.mp4"_s});
-        QCOMPARE(m_desk->file().theFileName(), u"c.mp4"_s);
-        QCOMPARE(m_desk->file().trackList().size(), 4); // three of its own and the subtitle
+        m_fixture->presets().setSelectionMethodIndex(2);
+        m_fixture->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        m_fixture->openByHand({support::convertible(m_fixture->scratch().write(u"a.mkv"_s, "film")),
+                               support::convertible(m_fixture->scratch().write(u"b.mkv"_s, "film"))});
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QVERIFY(m_fixture->starter().isFinishing());
+        m_fixture->prepend(u"ffmpeg/ffprobe"_s, u"sleep 0.6"_s);
+        m_fixture->drop({film(u"c.mp4"_s)});
+        QVERIFY(m_fixture->intake().isBusy());
+        QCOMPARE(m_fixture->openNames(), QStringList{u"b.mkv"_s});
+        delegate().filesRequested({m_fixture->film(support::srtFile(), u"s.srt"_s)});
+        QTRY_VERIFY_WITH_TIMEOUT(!m_fixture->intake().isBusy(), 20000);
+        QCOMPARE(m_fixture->jobs(), (QStringList{u"MKV Conversion a.mkv"_s, u"MKV Conversion b.mkv"_s}));
+        QCOMPARE(m_fixture->openNames(), QStringList{u"c.mp4"_s});
+        QCOMPARE(m_fixture->file().theFileName(), u"c.mp4"_s);
+        QCOMPARE(m_fixture->file().trackList().size(), 4); // three of its own and the subtitle
     }
 
     void requestedFilmsAreOpened()
     {
-        m_desk->intake().setOpeningFileMode(u"add"_s);
+        m_fixture->intake().setOpeningFileMode(u"add"_s);
         delegate().filesRequested({film(u"a.mp4"_s), film(u"b.mp4"_s)});
-        QTRY_COMPARE(m_desk->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
-        QCOMPARE(m_desk->intake().openingFileMode(), u"open"_s);
+        QTRY_COMPARE(m_fixture->openNames(), (QStringList{u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(m_fixture->intake().openingFileMode(), u"open"_s);
     }
 
     void aRequestedSubtitleIsHandedOver_data()
@@ -112,8 +113,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QSignalSpy window(&delegate(), &KXAppDelegate::windowWanted);
-        delegate().filesRequested({m_desk->text(name)});
-        QCOMPARE(m_desk->alerts().messages(), QStringList{u"Transfer From Lintwick Failed"_s});
+        delegate().filesRequested({m_fixture->text(name)});
+        QCOMPARE(m_fixture->alerts().messages(), QStringList{u"Transfer From Lintwick Failed"_s});
         QCOMPARE(window.size(), 1);
     }
 
@@ -140,32 +141,32 @@ private Q_SLOTS:
     void theToolTipsAreSwitchedAndStored()
     {
         delegate().helpMenuItemSelected(u"Hide Tool Tips"_s);
-        QVERIFY(!m_desk->program().preferences().panelFlag(u"showToolTipsFlag"_s));
-        QVERIFY(m_desk->scratch().read(u"settings/defaults.json"_s).contains("showToolTipsFlag"));
+        QVERIFY(!m_fixture->program().preferences().panelFlag(u"showToolTipsFlag"_s));
+        QVERIFY(m_fixture->scratch().read(u"settings/defaults.json"_s).contains("showToolTipsFlag"));
         delegate().helpMenuItemSelected(u"Show Tool Tips"_s);
-        QVERIFY(m_desk->program().preferences().panelFlag(u"showToolTipsFlag"_s));
+        QVERIFY(m_fixture->program().preferences().panelFlag(u"showToolTipsFlag"_s));
     }
 
     void playingCommitsTheFieldAndNeedsThePlayer()
     {
         QVERIFY(!delegate().playingProblem().isEmpty());
-        m_desk->fakeTool(u"mplayer/mplayer"_s, {u"record "_s + m_desk->path(u"runs"_s)});
+        m_fixture->fakeTool(u"mplayer/mplayer"_s, {u"record "_s + m_fixture->path(u"runs"_s)});
         QVERIFY(delegate().playingProblem().isNull());
-        QSignalSpy editing(&m_desk->starter(), &app::JobStarter::editingEndWanted);
-        QSignalSpy rows(&m_desk->controller(), &KXSelectionController::trackRowsDeselected);
-        m_desk->drop({film(u"a.mp4"_s)});
+        QSignalSpy editing(&m_fixture->starter(), &app::JobStarter::editingEndWanted);
+        QSignalSpy rows(&m_fixture->controller(), &KXSelectionController::trackRowsDeselected);
+        m_fixture->drop({film(u"a.mp4"_s)});
         delegate().playButton();
         QCOMPARE(editing.size(), 1);
         QCOMPARE(rows.size(), 1);
-        QTRY_VERIFY(m_desk->scratch().read(u"runs"_s).contains("a.mp4"));
+        QTRY_VERIFY(m_fixture->scratch().read(u"runs"_s).contains("a.mp4"));
     }
 
 private:
-    KXAppDelegate &delegate() { return m_desk->delegate(); }
-    QString film(const QString &name) const { return m_desk->film(support::textMp4(), name); }
+    KXAppDelegate &delegate() { return m_fixture->delegate(); }
+    QString film(const QString &name) const { return m_fixture->film(support::textMp4(), name); }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(KXAppDelegateTest)
+TESSARAY_TEST(KXAppDelegateTest)
 #include "KXAppDelegateTest.moc"

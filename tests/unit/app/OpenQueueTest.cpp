@@ -1,14 +1,15 @@
 // The list of opened videos, and what of the current one is kept in it.
 #include "app/OpenQueue.h"
 
-#include "support/AppDesk.h"
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 using support::convertible;
 
 class OpenQueueTest final : public QObject
@@ -18,13 +19,13 @@ class OpenQueueTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
+        m_fixture = std::make_unique<AppFixture>();
         m_popover = std::make_unique<QSignalSpy>(&queue(), &app::OpenQueue::popoverWanted);
     }
     void cleanup()
     {
         m_popover.reset();
-        m_desk.reset();
+        m_fixture.reset();
     }
 
     void aFreshListIsEmpty()
@@ -86,10 +87,10 @@ private Q_SLOTS:
         queue().select(selected);
         m_popover->clear();
         queue().removeSelecetedItemFromOpenQ();
-        QCOMPARE(m_desk->openNames().join(u' '), left);
+        QCOMPARE(m_fixture->openNames().join(u' '), left);
         QCOMPARE(queue().selectedRow(), current);
-        QCOMPARE(m_desk->file().theFileName(), left.split(u' ').at(current));
-        QCOMPARE(m_desk->selection().videoTrackFileName(), left.split(u' ').at(current));
+        QCOMPARE(m_fixture->file().theFileName(), left.split(u' ').at(current));
+        QCOMPARE(m_fixture->selection().videoTrackFileName(), left.split(u' ').at(current));
         QCOMPARE(queue().canOpenQueuePopover(), left.contains(u' '));
         QCOMPARE(wasClosed(), !left.contains(u' '));
     }
@@ -100,41 +101,41 @@ private Q_SLOTS:
         tick(0);
         queue().removeSelecetedItemFromOpenQ();
         QCOMPARE(queue().entries().at(0).videoFile->theFileName(), u"1.mkv"_s);
-        QVERIFY(m_desk->selection().trackList().isEmpty());
+        QVERIFY(m_fixture->selection().trackList().isEmpty());
     }
 
     void selectingKeepsTheCurrentOneInItsEntryAndShowsTheOther()
     {
         open(2);
         tick(0);
-        QCOMPARE(m_desk->selection().vidCount(), u"1"_s);
+        QCOMPARE(m_fixture->selection().vidCount(), u"1"_s);
         queue().select(1);
         QCOMPARE(queue().selectedRow(), 1);
-        QCOMPARE(m_desk->file().theFileName(), u"1.mkv"_s);
-        QCOMPARE(m_desk->selection().vidCount(), u"0"_s);
+        QCOMPARE(m_fixture->file().theFileName(), u"1.mkv"_s);
+        QCOMPARE(m_fixture->selection().vidCount(), u"0"_s);
         QCOMPARE(queue().entries().at(0).videoSelection->vidCount(), u"1"_s);
         queue().select(0);
-        QCOMPARE(m_desk->file().theFileName(), u"0.mkv"_s);
-        QCOMPARE(m_desk->selection().vidCount(), u"1"_s);
-        QVERIFY(m_desk->file().trackList().at(0)->trackSelected());
+        QCOMPARE(m_fixture->file().theFileName(), u"0.mkv"_s);
+        QCOMPARE(m_fixture->selection().vidCount(), u"1"_s);
+        QVERIFY(m_fixture->file().trackList().at(0)->trackSelected());
     }
 
     void anAddedTrackIsKeptToo()
     {
         open(2);
         const auto added = support::probedSubtitle();
-        m_desk->program().currentFile().file()->setTrackList(m_desk->file().trackList() << added);
+        m_fixture->program().currentFile().file()->setTrackList(m_fixture->file().trackList() << added);
         queue().select(1);
-        QCOMPARE(m_desk->file().trackList().size(), 2);
+        QCOMPARE(m_fixture->file().trackList().size(), 2);
         queue().select(0);
-        QCOMPARE(m_desk->file().trackList().constLast(), added);
+        QCOMPARE(m_fixture->file().trackList().constLast(), added);
     }
 
     void entriesAreCopies()
     {
         open(2);
-        QVERIFY(queue().entries().at(0).videoFile != m_desk->program().currentFile().file());
-        QVERIFY(queue().entries().at(0).videoSelection != m_desk->controller().currentSelection());
+        QVERIFY(queue().entries().at(0).videoFile != m_fixture->program().currentFile().file());
+        QVERIFY(queue().entries().at(0).videoSelection != m_fixture->controller().currentSelection());
     }
 
     void aRowOutsideKeepsTheSelection_data()
@@ -151,18 +152,18 @@ private Q_SLOTS:
         queue().select(1);
         queue().select(row);
         QCOMPARE(queue().selectedRow(), 1);
-        QCOMPARE(m_desk->file().theFileName(), u"1.mkv"_s);
+        QCOMPARE(m_fixture->file().theFileName(), u"1.mkv"_s);
     }
 
     void replacingDoesNotStoreTheOldFileInANewEntry()
     {
         open(2);
         tick(0);
-        m_desk->openByHand({convertible(u"/v/new.mkv"_s), convertible(u"/v/newer.mkv"_s)});
+        m_fixture->openByHand({convertible(u"/v/new.mkv"_s), convertible(u"/v/newer.mkv"_s)});
         QCOMPARE(queue().entries().at(0).videoFile->theFileName(), u"new.mkv"_s);
         QCOMPARE(queue().entries().at(0).videoSelection->videoTrackFileName(), u"new.mkv"_s);
-        QCOMPARE(m_desk->file().theFileName(), u"new.mkv"_s);
-        QVERIFY(m_desk->selection().trackList().isEmpty());
+        QCOMPARE(m_fixture->file().theFileName(), u"new.mkv"_s);
+        QVERIFY(m_fixture->selection().trackList().isEmpty());
     }
 
     void rowsAboveTheSelectedOneAreRemovedFromTheEnd()
@@ -170,31 +171,31 @@ private Q_SLOTS:
         open(4);
         queue().select(2);
         queue().removeRows({0, 1, 3});
-        QCOMPARE(m_desk->openNames(), QStringList{u"2.mkv"_s});
+        QCOMPARE(m_fixture->openNames(), QStringList{u"2.mkv"_s});
         QCOMPARE(queue().selectedRow(), 0);
         QVERIFY(!queue().canOpenQueuePopover());
         QVERIFY(wasClosed());
     }
 
 private:
-    app::OpenQueue &queue() { return m_desk->openQueue(); }
+    app::OpenQueue &queue() { return m_fixture->openQueue(); }
     void open(int files)
     {
         QList<std::pair<QString, TrackList>> films;
         for (int i = 0; i < files; ++i)
             films.append(convertible(u"/v/%1.mkv"_s.arg(i)));
-        m_desk->openByHand(films);
+        m_fixture->openByHand(films);
     }
     void tick(qsizetype row)
     {
-        m_desk->file().trackList().at(row)->setTrackSelected(true);
-        m_desk->controller().trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
+        m_fixture->file().trackList().at(row)->setTrackSelected(true);
+        m_fixture->controller().trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
     }
     bool wasClosed() const { return !m_popover->isEmpty() && !m_popover->constLast().constFirst().toBool(); }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
     std::unique_ptr<QSignalSpy> m_popover;
 };
 
-QTEST_GUILESS_MAIN(OpenQueueTest)
+TESSARAY_TEST(OpenQueueTest)
 #include "OpenQueueTest.moc"

@@ -1,6 +1,7 @@
 #include "app/OutputJournal.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -135,5 +136,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(OutputJournalTest)
+TESSARAY_TEST(OutputJournalTest)
 #include "OutputJournalTest.moc"

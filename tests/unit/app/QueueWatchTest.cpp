@@ -2,16 +2,17 @@
 #include "app/QueueWatch.h"
 
 #include "jobs/KXQueueController.h"
-#include "support/JobWorld.h"
 #include "support/RecordingDesktop.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using step::Outcome;
-using support::JobWorld;
+using steps::Outcome;
+using support::JobFixture;
 using support::TestJob;
 
 namespace {
@@ -28,7 +29,7 @@ struct Watched
     void add(int jobs)
     {
         for (int i = 0; i < jobs; ++i)
-            queue.addToQueue(world.selectionFor(u"/v/a.mkv"_s, u"MKV Conversion"_s));
+            queue.addToQueue(fixture.selectionFor(u"/v/a.mkv"_s, u"MKV Conversion"_s));
     }
     /// Starts the next job and ends it so.
     void runOne(const Outcome &outcome)
@@ -39,9 +40,9 @@ struct Watched
         job->jobDone();
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture fixture{JobFixture::Tools::Fake};
     jobs::JobFactory factory;
-    KXQueueController queue{world.jobContext(), factory, nullptr};
+    KXQueueController queue{fixture.jobContext(), factory, nullptr};
     support::RecordingDesktop desktop;
     app::QueueWatch watch{queue, desktop};
     QSignalSpy ended{&watch, &app::QueueWatch::queueEnded};
@@ -158,5 +159,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(QueueWatchTest)
+TESSARAY_TEST(QueueWatchTest)
 #include "QueueWatchTest.moc"

@@ -1,15 +1,16 @@
 // How the program ends: at once, or after a question while a job runs.
 #include "app/KXAppDelegate.h"
 
-#include "support/AppDesk.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/app/AppFixture.h"
 
 #include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 using support::waitFor;
 
 namespace {
@@ -26,20 +27,20 @@ class QuitTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
-        m_desk->presets().setSelectionMethodIndex(2);
-        m_allowed = std::make_unique<QSignalSpy>(&m_desk->delegate(), &KXAppDelegate::terminationAllowed);
+        m_fixture = std::make_unique<AppFixture>();
+        m_fixture->presets().setSelectionMethodIndex(2);
+        m_allowed = std::make_unique<QSignalSpy>(&m_fixture->delegate(), &KXAppDelegate::terminationAllowed);
     }
     void cleanup()
     {
         m_allowed.reset();
-        m_desk.reset();
+        m_fixture.reset();
     }
 
     void anIdleProgramSavesAndEndsAtOnce()
     {
-        QVERIFY(m_desk->delegate().applicationShouldTerminate());
-        QVERIFY(m_desk->alerts().shown().isEmpty());
+        QVERIFY(m_fixture->delegate().applicationShouldTerminate());
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
         QCOMPARE(stored().value(u"selectionMethodIndex"_s).toInt(), 2);
         QCOMPARE(stored().value(u"currentTab"_s).toString(), u"MKV"_s);
     }
@@ -47,16 +48,16 @@ private Q_SLOTS:
     void jobsThatOnlyWaitAreNoReasonToAsk()
     {
         queueTwo();
-        QVERIFY(m_desk->delegate().applicationShouldTerminate());
-        QVERIFY(m_desk->alerts().shown().isEmpty());
+        QVERIFY(m_fixture->delegate().applicationShouldTerminate());
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
     }
 
     void aRunningJobIsPausedAndAskedAbout()
     {
         run();
-        QVERIFY(!m_desk->delegate().applicationShouldTerminate());
-        QCOMPARE(m_desk->alerts().shown().size(), 1);
-        const platform::Alert &question = *m_desk->alerts().shown().constFirst();
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate());
+        QCOMPARE(m_fixture->alerts().shown().size(), 1);
+        const platform::Alert &question = *m_fixture->alerts().shown().constFirst();
         QCOMPARE(question.message,
                  u"Videos are still being processed.  Quit anyways?"_s); // two blanks: meant
         QCOMPARE(question.buttons, (QStringList{u"OK"_s, u"Cancel"_s}));
@@ -70,11 +71,11 @@ private Q_SLOTS:
     {
         run();
         const qint64 tool = pid();
-        m_desk->delegate().applicationShouldTerminate();
-        QVERIFY(m_desk->alerts().answer(ok));
+        m_fixture->delegate().applicationShouldTerminate();
+        QVERIFY(m_fixture->alerts().answer(ok));
         QCOMPARE(m_allowed->size(), 1);
-        QVERIFY(m_desk->queue().qJobList().isEmpty());
-        QVERIFY(!m_desk->queue().qJobIsRunning());
+        QVERIFY(m_fixture->queue().qJobList().isEmpty());
+        QVERIFY(!m_fixture->queue().qJobIsRunning());
         QVERIFY(waitFor([tool] { return !support::runs(tool); }));
         QCOMPARE(stored().value(u"selectionMethodIndex"_s).toInt(), 2);
     }
@@ -82,12 +83,12 @@ private Q_SLOTS:
     void afterCancelTheJobStaysPaused()
     {
         run();
-        m_desk->delegate().applicationShouldTerminate();
-        QVERIFY(m_desk->alerts().answer(cancel));
+        m_fixture->delegate().applicationShouldTerminate();
+        QVERIFY(m_fixture->alerts().answer(cancel));
         QVERIFY(m_allowed->isEmpty());
-        QCOMPARE(m_desk->jobs().size(), 2);
-        QVERIFY(m_desk->queue().qJobIsRunning());
-        QCOMPARE(m_desk->queue().pauseButtonTitle(), u"Resume"_s);
+        QCOMPARE(m_fixture->jobs().size(), 2);
+        QVERIFY(m_fixture->queue().qJobIsRunning());
+        QCOMPARE(m_fixture->queue().pauseButtonTitle(), u"Resume"_s);
         QTest::qWait(300);
         QVERIFY(isPaused()); // it is not resumed by itself: meant
         QVERIFY(stored().isEmpty());
@@ -96,66 +97,66 @@ private Q_SLOTS:
     void afterCancelTheJobCanBeResumed()
     {
         run();
-        m_desk->delegate().applicationShouldTerminate();
-        m_desk->alerts().answer(cancel);
-        m_desk->queue().pauseQueueButton(m_desk->queue().pauseButtonTitle());
+        m_fixture->delegate().applicationShouldTerminate();
+        m_fixture->alerts().answer(cancel);
+        m_fixture->queue().pauseQueueButton(m_fixture->queue().pauseButtonTitle());
         QVERIFY(waitFor([this] { return support::stateOf(pid()) == 'S'; }));
-        QCOMPARE(m_desk->queue().pauseButtonTitle(), u"Pause"_s);
+        QCOMPARE(m_fixture->queue().pauseButtonTitle(), u"Pause"_s);
     }
 
     void whileItAsksItDoesNotAskAgain()
     {
         run();
-        m_desk->delegate().applicationShouldTerminate();
-        QVERIFY(!m_desk->delegate().applicationShouldTerminate());
-        QCOMPARE(m_desk->alerts().shown().size(), 1);
-        m_desk->alerts().answer(cancel);
-        QVERIFY(!m_desk->delegate().applicationShouldTerminate()); // now it does
-        QCOMPARE(m_desk->alerts().shown().size(), 2);
+        m_fixture->delegate().applicationShouldTerminate();
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate());
+        QCOMPARE(m_fixture->alerts().shown().size(), 1);
+        m_fixture->alerts().answer(cancel);
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate()); // now it does
+        QCOMPARE(m_fixture->alerts().shown().size(), 2);
     }
 
     void aJobThatWasPausedBeforeIsAskedAboutToo()
     {
         run();
-        m_desk->queue().pauseQueueButton(u"Pause"_s);
-        QVERIFY(!m_desk->delegate().applicationShouldTerminate());
-        m_desk->alerts().answer(cancel);
+        m_fixture->queue().pauseQueueButton(u"Pause"_s);
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate());
+        m_fixture->alerts().answer(cancel);
         QVERIFY(isPaused());
-        QCOMPARE(m_desk->queue().pauseButtonTitle(), u"Resume"_s);
+        QCOMPARE(m_fixture->queue().pauseButtonTitle(), u"Resume"_s);
     }
 
 private:
     void queueTwo()
     {
-        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"pid "_s + m_desk->path(u"pids"_s), u"hang"_s});
-        m_desk->openByHand({support::convertible(m_desk->scratch().write(u"a.mkv"_s, "film"))});
-        m_desk->starter().startProcess(u"Convert"_s);
-        m_desk->starter().startProcess(u"Convert"_s);
+        m_fixture->fakeTool(u"ffmpeg/ffmpeg"_s, {u"pid "_s + m_fixture->path(u"pids"_s), u"hang"_s});
+        m_fixture->openByHand({support::convertible(m_fixture->scratch().write(u"a.mkv"_s, "film"))});
+        m_fixture->starter().startProcess(u"Convert"_s);
+        m_fixture->starter().startProcess(u"Convert"_s);
     }
     /// One job whose tool hangs, and one behind it.
     void run()
     {
         queueTwo();
-        m_desk->queue().manageQueue();
+        m_fixture->queue().manageQueue();
         QVERIFY(waitFor([this] { return pid() > 0; }));
     }
-    qint64 pid() const { return m_desk->scratch().read(u"pids"_s).split('\n').first().toLongLong(); }
+    qint64 pid() const { return m_fixture->scratch().read(u"pids"_s).split('\n').first().toLongLong(); }
     bool isPaused() const
     {
         return waitFor([this] { return support::stateOf(pid()) == 'T'; });
     }
     QVariantMap stored() const
     {
-        return QJsonDocument::fromJson(m_desk->scratch().read(u"settings/defaults.json"_s))
+        return QJsonDocument::fromJson(m_fixture->scratch().read(u"settings/defaults.json"_s))
             .toVariant()
             .toMap()
             .value(u"guiSettingsDictionary"_s)
             .toMap();
     }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
     std::unique_ptr<QSignalSpy> m_allowed;
 };
 
-QTEST_GUILESS_MAIN(QuitTest)
+TESSARAY_TEST(QuitTest)
 #include "QuitTest.moc"

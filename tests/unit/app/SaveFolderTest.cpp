@@ -1,8 +1,9 @@
 // Whether the folder that a job writes to can be written is asked before it starts.
 #include "app/JobStarter.h"
 
-#include "support/AppDesk.h"
+#include "support/TestMain.h"
 #include "support/Unprivileged.h"
+#include "support/app/AppFixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,7 +11,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 using support::convertible;
 
 class SaveFolderTest final : public QObject
@@ -20,12 +21,12 @@ class SaveFolderTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
-        m_desk->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s}); // whatever starts stays in the queue
-        m_desk->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
-        m_desk->presets().setSelectionMethodIndex(2); // "All Tracks"
+        m_fixture = std::make_unique<AppFixture>();
+        m_fixture->fakeTool(u"ffmpeg/ffmpeg"_s, {u"hang"_s}); // whatever starts stays in the queue
+        m_fixture->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
+        m_fixture->presets().setSelectionMethodIndex(2); // "All Tracks"
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void aReadOnlyFolderGivesThePermissionAlertAndQueuesNothing_data()
     {
@@ -38,18 +39,18 @@ private Q_SLOTS:
     {
         QFETCH(QString, title);
         open({convertible(file(u"locked/a.mkv"_s)), convertible(file(u"b.mkv"_s))});
-        const QSignalSpy refused(&m_desk->starter(), &app::JobStarter::refused);
+        const QSignalSpy refused(&m_fixture->starter(), &app::JobStarter::refused);
         startWithLocked(u"locked"_s, title);
         QCOMPARE(refused.size(), 1);
         // "permision" is meant.
-        QCOMPARE(m_desk->shownAlerts(),
+        QCOMPARE(m_fixture->shownAlerts(),
                  QStringList{u"The application does not have permision to write to the save folder for this "
                              "job.|Either move the file, change the save location, or edit the permissions "
                              "for the output folder.|10000"_s});
-        QCOMPARE(m_desk->alerts().shown().constFirst()->style, platform::AlertStyle::Informational);
-        QVERIFY(m_desk->jobs().isEmpty());
-        QVERIFY(!m_desk->starter().isFinishing());
-        QCOMPARE(m_desk->openNames().size(), 2);
+        QCOMPARE(m_fixture->alerts().shown().constFirst()->style, platform::AlertStyle::Informational);
+        QVERIFY(m_fixture->jobs().isEmpty());
+        QVERIFY(!m_fixture->starter().isFinishing());
+        QCOMPARE(m_fixture->openNames().size(), 2);
     }
 
     void onTheEditingTabTheFolderOfTheFirstFileCounts_data()
@@ -66,12 +67,12 @@ private Q_SLOTS:
         QFETCH(QString, locked);
         QFETCH(int, alerts);
         open({convertible(file(u"video/a.mkv"_s))});
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
-        m_desk->controller().currentSelection()->setEditFilesURLsList(
+        m_fixture->controller().setCurrentTab(u"Edit Files"_s);
+        m_fixture->controller().currentSelection()->setEditFilesURLsList(
             support::urlsOf({file(u"one/1.mkv"_s), file(u"two/2.mkv"_s)}));
         startWithLocked(locked, u"Join"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), alerts);
-        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
+        QCOMPARE(m_fixture->alerts().shown().size(), alerts);
+        QCOMPARE(m_fixture->jobs().size(), 1 - alerts);
     }
 
     void aSaveFolderThatIsSetTakesTheFilesPlace_data()
@@ -88,40 +89,40 @@ private Q_SLOTS:
         QFETCH(int, alerts);
         open({convertible(file(u"film/a.mkv"_s))});
         file(u"save/anything"_s);
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"save"_s));
+        m_fixture->program().preferences().setSaveDirectoryPath(m_fixture->path(u"save"_s));
         startWithLocked(locked, u"Convert"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), alerts);
-        QCOMPARE(m_desk->jobs().size(), 1 - alerts);
+        QCOMPARE(m_fixture->alerts().shown().size(), alerts);
+        QCOMPARE(m_fixture->jobs().size(), 1 - alerts);
     }
 
     void aSaveFolderThatIsGoneCannotBeWritten()
     {
         open({convertible(file(u"a.mkv"_s))});
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
-        m_desk->starter().startProcess(u"Convert"_s);
-        QCOMPARE(m_desk->alerts().shown().size(), 1);
-        QVERIFY(m_desk->jobs().isEmpty());
+        m_fixture->program().preferences().setSaveDirectoryPath(m_fixture->path(u"gone"_s));
+        m_fixture->starter().startProcess(u"Convert"_s);
+        QCOMPARE(m_fixture->alerts().shown().size(), 1);
+        QVERIFY(m_fixture->jobs().isEmpty());
     }
 
 private:
-    QString file(const QString &name) const { return m_desk->scratch().write(name, "film"); }
-    void open(const QList<std::pair<QString, TrackList>> &films) { m_desk->openByHand(films); }
+    QString file(const QString &name) const { return m_fixture->scratch().write(name, "film"); }
+    void open(const QList<std::pair<QString, TrackList>> &films) { m_fixture->openByHand(films); }
     void startWithLocked(const QString &folder, const QString &title)
     {
         // Somebody else has to reach the folders, but may not write where it is locked.
-        QFile::setPermissions(m_desk->path(), QFile::Permissions(0x7777));
-        for (const QString &name : QDir(m_desk->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-            QFile::setPermissions(m_desk->path(name), QFile::Permissions(0x7777));
-        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x5555));
+        QFile::setPermissions(m_fixture->path(), QFile::Permissions(0x7777));
+        for (const QString &name : QDir(m_fixture->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            QFile::setPermissions(m_fixture->path(name), QFile::Permissions(0x7777));
+        QFile::setPermissions(m_fixture->path(folder), QFile::Permissions(0x5555));
         {
             const support::Unprivileged nobody;
-            m_desk->starter().startProcess(title);
+            m_fixture->starter().startProcess(title);
         }
-        QFile::setPermissions(m_desk->path(folder), QFile::Permissions(0x7777));
+        QFile::setPermissions(m_fixture->path(folder), QFile::Permissions(0x7777));
     }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(SaveFolderTest)
+TESSARAY_TEST(SaveFolderTest)
 #include "SaveFolderTest.moc"

@@ -1,13 +1,14 @@
 // The Go button of the track editing: what it extracts, removes and adds, and why it can't.
 #include "app/TrackEditing.h"
 
-#include "support/AppDesk.h"
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/app/AppFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::AppDesk;
+using support::AppFixture;
 
 namespace {
 
@@ -44,11 +45,11 @@ class TrackEditingTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
-        m_desk->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
-        m_desk->fakeTool(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
+        m_fixture = std::make_unique<AppFixture>();
+        m_fixture->fakeTool(u"mkvtoolnix/mkvmerge"_s, {u"hang"_s});
+        m_fixture->fakeTool(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     /// Rows 0 to 2 are the file's own video, audio and subtitle; 3 is an added audio track.
     void whatMayBeEdited_data()
@@ -81,10 +82,10 @@ private Q_SLOTS:
         QFETCH(QList<int>, ticks);
         QFETCH(QString, problem);
         open(name, ticks);
-        m_desk->controller().setEditTrackMatrixIndex(index);
-        QCOMPARE(m_desk->starter().trackEditingProblem(), problem);
-        m_desk->starter().startTrackEditing();
-        QCOMPARE(m_desk->jobs().isEmpty(), !problem.isNull());
+        m_fixture->controller().setEditTrackMatrixIndex(index);
+        QCOMPARE(m_fixture->starter().trackEditingProblem(), problem);
+        m_fixture->starter().startTrackEditing();
+        QCOMPARE(m_fixture->jobs().isEmpty(), !problem.isNull());
     }
 
     void anIndexThatIsNoChoiceIsAskedFor()
@@ -96,9 +97,9 @@ private Q_SLOTS:
     void extractingStartsAsTheExtractButtonDoes()
     {
         open(u"a.mkv"_s, {1});
-        m_desk->controller().setEditTrackMatrixIndex(extracts);
-        m_desk->starter().startTrackEditing();
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Track Extraction a.mkv"_s});
+        m_fixture->controller().setEditTrackMatrixIndex(extracts);
+        m_fixture->starter().startTrackEditing();
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Track Extraction a.mkv"_s});
     }
 
     void removingTakesTheTickedTracksOfTheFileAndNoAddedOnes_data()
@@ -112,10 +113,10 @@ private Q_SLOTS:
     {
         QFETCH(QList<int>, ticks);
         open(u"a.mkv"_s, ticks);
-        m_desk->controller().setEditTrackMatrixIndex(removes);
-        m_desk->starter().startTrackEditing();
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Track Removal a.mkv"_s});
-        const KXSelection &job = *m_desk->queue().qJobList().constFirst()->jobSelection();
+        m_fixture->controller().setEditTrackMatrixIndex(removes);
+        m_fixture->starter().startTrackEditing();
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Track Removal a.mkv"_s});
+        const KXSelection &job = *m_fixture->queue().qJobList().constFirst()->jobSelection();
         QCOMPARE(typesOf(job.trackList()), QStringList{u"Audio"_s});
         QCOMPARE(typesOf(job.keepTracksList()), (QStringList{u"Video"_s, u"Subtitle"_s}));
         QVERIFY(job.addedAudioTrackList().isEmpty());
@@ -124,13 +125,13 @@ private Q_SLOTS:
     void addingTakesAllOwnTracksAndTheTickedAddedOnes()
     {
         open(u"a.mkv"_s, {1, 3});
-        TrackList tracks = m_desk->file().trackList();
+        TrackList tracks = m_fixture->file().trackList();
         tracks.append(added(support::probedSubtitle())); // not ticked
-        m_desk->program().currentFile().file()->setTrackList(tracks);
-        m_desk->controller().setEditTrackMatrixIndex(adds);
-        m_desk->starter().startTrackEditing();
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion a.mkv"_s});
-        const JobPointer job = m_desk->queue().qJobList().constFirst();
+        m_fixture->program().currentFile().file()->setTrackList(tracks);
+        m_fixture->controller().setEditTrackMatrixIndex(adds);
+        m_fixture->starter().startTrackEditing();
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Conversion a.mkv"_s});
+        const JobPointer job = m_fixture->queue().qJobList().constFirst();
         QCOMPARE(job->metaObject()->className(), "KXConvertToMkvJob");
         QCOMPARE(typesOf(job->jobSelection()->trackList()),
                  (QStringList{u"Video"_s, u"Audio"_s, u"Subtitle"_s, u"Audio added"_s}));
@@ -139,12 +140,12 @@ private Q_SLOTS:
     void whatIsAddedPassesThroughWhateverIsChosenForAConversion()
     {
         open(u"a.mkv"_s, {0, 1, 2, 3});
-        for (const TrackPointer &track : m_desk->file().trackList()) {
+        for (const TrackPointer &track : m_fixture->file().trackList()) {
             track->setUserCodec(track->trackType() == u"Subtitle"_s ? u"burn"_s : u"h264"_s);
             track->setCreateStereoCopyFlag(true);
             support::setOutputs(*track, u"aac 2 160"_s);
         }
-        const SelectionPointer job = app::selectionForAdding(m_desk->file(), m_desk->selection());
+        const SelectionPointer job = app::selectionForAdding(m_fixture->file(), m_fixture->selection());
         QStringList codecs;
         for (const TrackPointer &track : job->trackList()) {
             codecs.append(track->userCodec());
@@ -153,35 +154,35 @@ private Q_SLOTS:
         }
         QCOMPARE(codecs, (QStringList{u"passthru"_s, u"passthru"_s, u"mux"_s, u"passthru"_s}));
         // What is chosen for a conversion stays in the window.
-        QCOMPARE(m_desk->file().trackList().at(2)->userCodec(), u"burn"_s);
-        QCOMPARE(support::outputsOf(*m_desk->file().trackList().at(1)), u"aac 2 160"_s);
+        QCOMPARE(m_fixture->file().trackList().at(2)->userCodec(), u"burn"_s);
+        QCOMPARE(support::outputsOf(*m_fixture->file().trackList().at(1)), u"aac 2 160"_s);
     }
 
     void aFolderThatCannotBeWrittenIsToldHereToo()
     {
         open(u"a.mkv"_s, {1});
-        m_desk->program().preferences().setSaveDirectoryPath(m_desk->path(u"gone"_s));
+        m_fixture->program().preferences().setSaveDirectoryPath(m_fixture->path(u"gone"_s));
         for (const int index : {extracts, removes}) {
-            m_desk->controller().setEditTrackMatrixIndex(index);
-            m_desk->starter().startTrackEditing();
-            QCOMPARE(m_desk->alerts().shown().size(), index + 1);
+            m_fixture->controller().setEditTrackMatrixIndex(index);
+            m_fixture->starter().startTrackEditing();
+            QCOMPARE(m_fixture->alerts().shown().size(), index + 1);
         }
-        QVERIFY(m_desk->jobs().isEmpty());
+        QVERIFY(m_fixture->jobs().isEmpty());
     }
 
 private:
     void open(const QString &name, const QList<int> &ticks)
     {
-        const QString path = m_desk->scratch().write(name, "film");
+        const QString path = m_fixture->scratch().write(name, "film");
         const TrackList tracks{support::probedVideo(), support::probedAudio(), support::probedSubtitle(),
                                added(support::probedAudio(u"ac3"_s, u"6"_s))};
         for (const int row : ticks)
             tracks.at(row)->setTrackSelected(true);
-        m_desk->openByHand({{path, tracks}});
+        m_fixture->openByHand({{path, tracks}});
     }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(TrackEditingTest)
+TESSARAY_TEST(TrackEditingTest)
 #include "TrackEditingTest.moc"

@@ -1,4 +1,5 @@
 #include "app/WatchLog.h"
+#include "support/TestMain.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -74,5 +75,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(WatchLogTest)
+TESSARAY_TEST(WatchLogTest)
 #include "WatchLogTest.moc"

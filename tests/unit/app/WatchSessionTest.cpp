@@ -2,10 +2,11 @@
 // conversions are real; that a film has stopped growing is mostly said by the test.
 #include "app/WatchSession.h"
 
-#include "support/AppDesk.h"
 #include "support/Clips.h"
 #include "support/PresetRecords.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/app/AppFixture.h"
 
 #include <QDir>
 #include <QProcess>
@@ -13,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 using app::WatchLog;
-using support::AppDesk;
+using support::AppFixture;
 using support::urlsOf;
 using support::waitFor;
 
@@ -30,16 +31,16 @@ class WatchSessionTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_desk = std::make_unique<AppDesk>();
-        QDir().mkpath(m_desk->path(u"w"_s));
-        m_desk->program().preferences().setWatchFolderURL(m_desk->scratch().url(u"w"_s));
+        m_fixture = std::make_unique<AppFixture>();
+        QDir().mkpath(m_fixture->path(u"w"_s));
+        m_fixture->program().preferences().setWatchFolderURL(m_fixture->scratch().url(u"w"_s));
         for (const QString &name : {u"One"_s, u"Other"_s}) {
             const QVariant preset = support::settingsPreset(name, u"General"_s).toVariantMap();
-            QVERIFY(m_desk->presets().addUserPresets({}, {preset}).isNull());
+            QVERIFY(m_fixture->presets().addUserPresets({}, {preset}).isNull());
         }
         choosePresets(1, 2); // "First Track" and "One"
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() { m_fixture.reset(); }
 
     void startingNeedsBothPresetsAndAFolder_data()
     {
@@ -64,7 +65,7 @@ private Q_SLOTS:
         QFETCH(QString, folder);
         QFETCH(QString, told);
         choosePresets(tracks, settings);
-        m_desk->program().preferences().setWatchFolderURL(m_desk->scratch().url(folder));
+        m_fixture->program().preferences().setWatchFolderURL(m_fixture->scratch().url(folder));
         QTEST(session().startProblem(), "problem");
         QVERIFY(!session().start());
         QVERIFY(!watch().appIsInWatchMode());
@@ -73,28 +74,28 @@ private Q_SLOTS:
 
     void startingGoesToTheTabWhereFilmsAreConvertedAndKeepsThePresets()
     {
-        m_desk->controller().setCurrentTab(u"Edit Files"_s);
+        m_fixture->controller().setCurrentTab(u"Edit Files"_s);
         choosePresets(2, 3);
         QVERIFY(session().start());
-        QCOMPARE(m_desk->controller().currentTab(), u"MKV"_s);
-        QCOMPARE(m_desk->presets().selectionMethodIndex(), 2);
-        QCOMPARE(m_desk->presets().settingMethodIndex(), 3);
+        QCOMPARE(m_fixture->controller().currentTab(), u"MKV"_s);
+        QCOMPARE(m_fixture->presets().selectionMethodIndex(), 2);
+        QCOMPARE(m_fixture->presets().settingMethodIndex(), 3);
         QVERIFY(watch().appIsInWatchMode());
-        QCOMPARE(log(), QStringList{u"note Watching %1."_s.arg(m_desk->path(u"w"_s))});
+        QCOMPARE(log(), QStringList{u"note Watching %1."_s.arg(m_fixture->path(u"w"_s))});
     }
 
     void filesAlreadyThereAreListedAsNotProcessed()
     {
-        m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        m_fixture->scratch().write(u"w/a.mkv"_s, "x");
         QVERIFY(session().start());
         QCOMPARE(log().constLast(),
-                 u"note %1 is already there and is not processed."_s.arg(m_desk->path(u"w/a.mkv"_s)));
+                 u"note %1 is already there and is not processed."_s.arg(m_fixture->path(u"w/a.mkv"_s)));
     }
 
     void ofVeryManyFilesOnlyTheFirstAreNamed()
     {
         for (int i = 0; i < 103; ++i)
-            m_desk->scratch().write(u"w/%1.mkv"_s.arg(i), "x");
+            m_fixture->scratch().write(u"w/%1.mkv"_s.arg(i), "x");
         QVERIFY(session().start());
         QCOMPARE(log().size(), 1 + 100 + 1);
         QCOMPARE(log().constLast(), u"note 3 more are already there."_s);
@@ -107,22 +108,22 @@ private Q_SLOTS:
         dead.waitForStarted();
         const QString journal = u"settings/started-%1.journal"_s.arg(dead.processId());
         dead.waitForFinished();
-        m_desk->scratch().write(journal, QByteArray("/w/half.m4v\0", 12));
+        m_fixture->scratch().write(journal, QByteArray("/w/half.m4v\0", 12));
         QVERIFY(session().start());
         QCOMPARE(log().at(1), u"failed /w/half.m4v was not finished when the program ended the last time."_s);
-        QVERIFY(!QFile::exists(m_desk->path(journal)));
+        QVERIFY(!QFile::exists(m_fixture->path(journal)));
     }
 
     void aFilmIsToldFromItsArrivalToItsEnd()
     {
         QVERIFY(session().start());
-        const QString film = m_desk->film(support::textMp4(), u"w/a.mp4"_s);
+        const QString film = m_fixture->film(support::textMp4(), u"w/a.mp4"_s);
         watch().watchLoop();
         QCOMPARE(log().constLast(), u"waiting %1: until it has stopped growing."_s.arg(film));
         watch().watchLoop();
         QVERIFY(tells(u"started a.mp4: MKV Conversion"_s));
         QVERIFY(waitFor([this] { return !journals().isEmpty(); }, patienceMs));
-        QVERIFY(tells(u"done a.mp4: "_s + m_desk->path(u"w/a."_s)));
+        QVERIFY(tells(u"done a.mp4: "_s + m_fixture->path(u"w/a."_s)));
         QVERIFY(journals().isEmpty());
         session().end();
         QCOMPARE(log().constLast(), u"note Watching has ended."_s);
@@ -132,9 +133,9 @@ private Q_SLOTS:
     void aFilmThatTheDesktopOpensBeforeTheStartDoesNotTakeTheWatchedOnesPlace()
     {
         QVERIFY(session().start());
-        const QString watched = m_desk->film(support::textMp4(), u"watched.mp4"_s);
-        const QString other = m_desk->film(support::textMp4(), u"other.mp4"_s);
-        app::FileIntake &intake = m_desk->delegate().intake();
+        const QString watched = m_fixture->film(support::textMp4(), u"watched.mp4"_s);
+        const QString other = m_fixture->film(support::textMp4(), u"other.mp4"_s);
+        app::FileIntake &intake = m_fixture->delegate().intake();
         connect(
             &intake, &app::FileIntake::watchedFilesOpened, &intake,
             [&] {
@@ -145,17 +146,17 @@ private Q_SLOTS:
         arrive({watched});
         QVERIFY(tells(u"done watched.mp4: "_s));
         QVERIFY(log().filter(u"other.mp4"_s).isEmpty());
-        QVERIFY(
-            waitFor([&] { return m_desk->program().currentFile().file()->theFileName() == u"other.mp4"_s; },
-                    patienceMs));
+        QVERIFY(waitFor(
+            [&] { return m_fixture->program().currentFile().file()->theFileName() == u"other.mp4"_s; },
+            patienceMs));
     }
 
     void aJobThatFailsIsToldAndTheNextOneRuns()
     {
         QVERIFY(session().start());
-        const QString bad = m_desk->film(support::textMp4(), u"bad.mp4"_s);
-        const QString good = m_desk->film(support::textMp4(), u"good.mp4"_s);
-        m_desk->prepend(u"ffmpeg/ffmpeg"_s, u"case \"$*\" in *bad.mp4*) echo broken >&2; exit 1;; esac"_s);
+        const QString bad = m_fixture->film(support::textMp4(), u"bad.mp4"_s);
+        const QString good = m_fixture->film(support::textMp4(), u"good.mp4"_s);
+        m_fixture->prepend(u"ffmpeg/ffmpeg"_s, u"case \"$*\" in *bad.mp4*) echo broken >&2; exit 1;; esac"_s);
         arrive({bad});
         arrive({good});
         QVERIFY2(tells(u"done good.mp4: "_s), qPrintable(log().join(u'\n')));
@@ -166,7 +167,7 @@ private Q_SLOTS:
     void aDeletedFilmIsTold()
     {
         QVERIFY(session().start());
-        const QString film = m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        const QString film = m_fixture->scratch().write(u"w/a.mkv"_s, "x");
         watch().watchLoop();
         QFile::remove(film);
         watch().watchLoop();
@@ -175,15 +176,15 @@ private Q_SLOTS:
 
     void aMissingFolderIsToldOnce()
     {
-        m_desk->scratch().write(u"w/a.mkv"_s, "x");
+        m_fixture->scratch().write(u"w/a.mkv"_s, "x");
         QVERIFY(session().start());
-        const QString moved = m_desk->path(u"moved"_s);
-        QVERIFY(QDir().rename(m_desk->path(u"w"_s), moved));
+        const QString moved = m_fixture->path(u"moved"_s);
+        QVERIFY(QDir().rename(m_fixture->path(u"w"_s), moved));
         watch().watchLoop();
         watch().watchLoop();
         const QString missing = u"failed The folder is not there. Waiting until it is back."_s;
         QCOMPARE(log().filter(missing).size(), 1);
-        QVERIFY(QDir().rename(moved, m_desk->path(u"w"_s)));
+        QVERIFY(QDir().rename(moved, m_fixture->path(u"w"_s)));
         watch().watchLoop();
         QCOMPARE(log().constLast(), missing); // and the film is no new one
     }
@@ -191,9 +192,9 @@ private Q_SLOTS:
     void aRefusedFilmIsToldTriedAgainAndGivenUp()
     {
         QVERIFY(session().start());
-        const QString film = m_desk->path(u"w/bad.mkv"_s);
+        const QString film = m_fixture->path(u"w/bad.mkv"_s);
         for (int change = 1; change <= 7; ++change) {
-            m_desk->scratch().write(u"w/bad.mkv"_s, QByteArray(change, 'x'));
+            m_fixture->scratch().write(u"w/bad.mkv"_s, QByteArray(change, 'x'));
             watch().watchLoop();
             watch().watchLoop();
             QTest::qWait(20);
@@ -203,8 +204,8 @@ private Q_SLOTS:
             5);
         QCOMPARE(log().filter(u"failed %1 could not be opened, and is not tried again."_s.arg(film)).size(),
                  1);
-        QVERIFY(m_desk->jobs().isEmpty());
-        QVERIFY(m_desk->alerts().shown().isEmpty());
+        QVERIFY(m_fixture->jobs().isEmpty());
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
     }
 
     // Batch after batch.
@@ -217,15 +218,15 @@ private Q_SLOTS:
         for (const QString &batch : {u"a"_s, u"bc"_s, u"d"_s, u"efg"_s, u"h"_s}) {
             QStringList films;
             for (const QChar name : batch) {
-                films.append(m_desk->film(support::textMp4(), QString(name) + u".mp4"_s));
+                films.append(m_fixture->film(support::textMp4(), QString(name) + u".mp4"_s));
                 expected.append(u"MKV Conversion %1.mp4"_s.arg(name));
             }
             arrive(films); // none waits for the one before
         }
-        QVERIFY2(waitFor([&] { return m_desk->jobs().size() >= expected.size(); }, patienceMs),
+        QVERIFY2(waitFor([&] { return m_fixture->jobs().size() >= expected.size(); }, patienceMs),
                  qPrintable(log().join(u'\n')));
         QTest::qWait(1500);
-        QCOMPARE(sorted(m_desk->jobs()), expected);
+        QCOMPARE(sorted(m_fixture->jobs()), expected);
     }
 
     void aRefusedFilmDoesNotStartTheOneBeforeAgain_data()
@@ -242,26 +243,26 @@ private Q_SLOTS:
         QFETCH(QString, second);
         haltFfmpeg();
         QVERIFY(session().start());
-        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        arrive({m_fixture->film(support::textMp4(), u"a.mp4"_s)});
         QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s}));
         arrive({madeFor(second)});
         QTest::qWait(2500); // longer than any start takes
-        QCOMPARE(m_desk->jobs(), QStringList{u"MKV Conversion a.mp4"_s});
+        QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Conversion a.mp4"_s});
         QCOMPARE(log().filter(QRegularExpression(u"^failed "_s)).size(), 1);
-        arrive({m_desk->film(support::textMp4(), u"c.mp4"_s)});
+        arrive({m_fixture->film(support::textMp4(), u"c.mp4"_s)});
         QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s, u"MKV Conversion c.mp4"_s}));
-        QVERIFY(m_desk->alerts().shown().isEmpty());
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
     }
 
     void refusedFilmsAreLeftOutOfTheirBatch()
     {
         haltFfmpeg();
         QVERIFY(session().start());
-        arrive({m_desk->text(u"1.mkv"_s), m_desk->film(support::textMp4(), u"2.mp4"_s),
-                m_desk->text(u"3.mkv"_s), m_desk->film(support::textMp4(), u"4.mp4"_s)});
+        arrive({m_fixture->text(u"1.mkv"_s), m_fixture->film(support::textMp4(), u"2.mp4"_s),
+                m_fixture->text(u"3.mkv"_s), m_fixture->film(support::textMp4(), u"4.mp4"_s)});
         QVERIFY(jobsBecome({u"MKV Conversion 2.mp4"_s, u"MKV Conversion 4.mp4"_s}));
         QTest::qWait(1000);
-        QCOMPARE(m_desk->jobs().size(), 2);
+        QCOMPARE(m_fixture->jobs().size(), 2);
         QCOMPARE(log().filter(u"can't be opened"_s).size(), 2);
     }
 
@@ -269,11 +270,11 @@ private Q_SLOTS:
     {
         haltFfmpeg();
         QVERIFY(session().start());
-        m_desk->program().preferences().setSaveDirectoryURL(m_desk->scratch().url(u"gone"_s));
-        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
+        m_fixture->program().preferences().setSaveDirectoryURL(m_fixture->scratch().url(u"gone"_s));
+        arrive({m_fixture->film(support::textMp4(), u"a.mp4"_s)});
         QVERIFY(tells(u"failed The application does not have permision to write to the save folder"_s));
-        m_desk->program().preferences().setSaveDirectoryURL({});
-        arrive({m_desk->film(support::textMp4(), u"b.mp4"_s)});
+        m_fixture->program().preferences().setSaveDirectoryURL({});
+        arrive({m_fixture->film(support::textMp4(), u"b.mp4"_s)});
         QVERIFY(jobsBecome({u"MKV Conversion b.mp4"_s}));
     }
 
@@ -289,70 +290,71 @@ private Q_SLOTS:
         QFETCH(bool, isGood);
         haltFfmpeg();
         const QString first =
-            isGood ? m_desk->film(support::textMp4(), u"a.mp4"_s) : m_desk->text(u"a.mp4"_s);
-        const QString by = m_desk->film(support::textMp4(), u"by-hand.mp4"_s);
-        const QString last = m_desk->film(support::textMp4(), u"z.mp4"_s);
+            isGood ? m_fixture->film(support::textMp4(), u"a.mp4"_s) : m_fixture->text(u"a.mp4"_s);
+        const QString by = m_fixture->film(support::textMp4(), u"by-hand.mp4"_s);
+        const QString last = m_fixture->film(support::textMp4(), u"z.mp4"_s);
         QVERIFY(session().start());
         QTimer::singleShot(0, this, [this, &first] {
-            QVERIFY(m_desk->intake().isBusy());
+            QVERIFY(m_fixture->intake().isBusy());
             arrive({first});
         });
-        m_desk->drop({by});
+        m_fixture->drop({by});
         QTest::qWait(2000);
         arrive({last});
         QStringList expected{u"MKV Conversion z.mp4"_s};
         if (isGood)
             expected.prepend(u"MKV Conversion a.mp4"_s);
-        QVERIFY2(jobsBecome(expected), qPrintable(m_desk->jobs().join(u'\n') + log().join(u'\n')));
+        QVERIFY2(jobsBecome(expected), qPrintable(m_fixture->jobs().join(u'\n') + log().join(u'\n')));
     }
 
     void endingLeavesTheQueueRunningAndStartsNoMore()
     {
         haltFfmpeg();
         QVERIFY(session().start());
-        arrive({m_desk->film(support::textMp4(), u"a.mp4"_s)});
-        QVERIFY(waitFor([this] { return m_desk->queue().qJobIsRunning(); }, patienceMs));
+        arrive({m_fixture->film(support::textMp4(), u"a.mp4"_s)});
+        QVERIFY(waitFor([this] { return m_fixture->queue().qJobIsRunning(); }, patienceMs));
         session().end();
         QVERIFY(waitFor([this] { return !watch().appIsInWatchMode(); }));
-        QVERIFY(m_desk->queue().qJobIsRunning());
+        QVERIFY(m_fixture->queue().qJobIsRunning());
         const qsizetype lines = log().size();
-        m_desk->queue().removeAllJobs();
+        m_fixture->queue().removeAllJobs();
         QCOMPARE(log().size(), lines); // nothing is told any more
     }
 
     void outsideWatchModeNothingIsTold()
     {
         haltFfmpeg();
-        m_desk->drop({m_desk->film(support::textMp4(), u"a.mp4"_s)});
-        m_desk->starter().startProcess(u"Convert"_s);
+        m_fixture->drop({m_fixture->film(support::textMp4(), u"a.mp4"_s)});
+        m_fixture->starter().startProcess(u"Convert"_s);
         QVERIFY(jobsBecome({u"MKV Conversion a.mp4"_s}));
-        QVERIFY(waitFor([this] { return m_desk->queue().qJobIsRunning(); }, patienceMs));
+        QVERIFY(waitFor([this] { return m_fixture->queue().qJobIsRunning(); }, patienceMs));
         QVERIFY(log().isEmpty());
         QVERIFY(journals().isEmpty());
     }
 
 private:
-    app::WatchSession &session() { return m_desk->delegate().watchSession(); }
-    KXWatchModeController &watch() { return m_desk->program().watchMode(); }
+    app::WatchSession &session() { return m_fixture->delegate().watchSession(); }
+    KXWatchModeController &watch() { return m_fixture->program().watchMode(); }
 
     void choosePresets(int tracks, int settings)
     {
-        m_desk->presets().setSelectionMethodIndex(tracks);
-        m_desk->presets().setSettingMethodIndex(settings);
+        m_fixture->presets().setSelectionMethodIndex(tracks);
+        m_fixture->presets().setSettingMethodIndex(settings);
     }
 
     /// Jobs begin, and then stay as they are.
-    void haltFfmpeg() { m_desk->prepend(u"ffmpeg/ffmpeg"_s, u"exec sleep 300"_s); }
+    void haltFfmpeg() { m_fixture->prepend(u"ffmpeg/ffmpeg"_s, u"exec sleep 300"_s); }
 
     void arrive(const QStringList &films) { Q_EMIT watch().filesReady(urlsOf(films)); }
 
     QString madeFor(const QString &kind)
     {
         if (kind == u"no film"_s)
-            return m_desk->text(u"b.mkv"_s);
+            return m_fixture->text(u"b.mkv"_s);
         if (kind == u"sound"_s)
-            return m_desk->film(support::audioOnly(), u"b.mp4"_s);
-        return kind == u"track"_s ? m_desk->film(support::srtFile(), u"b.srt"_s) : m_desk->path(u"b.mkv"_s);
+            return m_fixture->film(support::audioOnly(), u"b.mp4"_s);
+        return kind == u"track"_s ? m_fixture->film(support::srtFile(), u"b.srt"_s)
+                                  : m_fixture->path(u"b.mkv"_s);
     }
 
     QStringList log()
@@ -374,7 +376,7 @@ private:
 
     bool jobsBecome(const QStringList &jobs)
     {
-        return waitFor([&] { return sorted(m_desk->jobs()) == jobs; }, patienceMs);
+        return waitFor([&] { return sorted(m_fixture->jobs()) == jobs; }, patienceMs);
     }
 
     static QStringList sorted(QStringList list)
@@ -383,10 +385,10 @@ private:
         return list;
     }
 
-    QStringList journals() const { return QDir(m_desk->path(u"settings"_s)).entryList({u"*.journal"_s}); }
+    QStringList journals() const { return QDir(m_fixture->path(u"settings"_s)).entryList({u"*.journal"_s}); }
 
-    std::unique_ptr<AppDesk> m_desk;
+    std::unique_ptr<AppFixture> m_fixture;
 };
 
-QTEST_GUILESS_MAIN(WatchSessionTest)
+TESSARAY_TEST(WatchSessionTest)
 #include "WatchSessionTest.moc"

@@ -1,5 +1,6 @@
 #include "cli/Session.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QTest>
@@ -15,9 +16,9 @@ private Q_SLOTS:
     {
         m_scratch.write(u"data/films/a.mkv"_s, "film");
         m_scratch.write(u"data/b.mkv"_s, "the other film");
-        m_scratch.write(u"desk/b.mkv"_s, "the wrong film");
-        QVERIFY(QFile::link(m_scratch.path(u"data/films"_s), m_scratch.path(u"desk/link"_s)));
-        QVERIFY(QDir::setCurrent(m_scratch.path(u"desk"_s)));
+        m_scratch.write(u"fixture/b.mkv"_s, "the wrong film");
+        QVERIFY(QFile::link(m_scratch.path(u"data/films"_s), m_scratch.path(u"fixture/link"_s)));
+        QVERIFY(QDir::setCurrent(m_scratch.path(u"fixture"_s)));
         m_work = QDir::currentPath();
         m_data = QFileInfo(m_scratch.path(u"data"_s)).canonicalFilePath();
     }
@@ -36,7 +37,7 @@ private Q_SLOTS:
         QTest::newRow("a link stays") << u"link/a.mkv"_s << u"WORK/link/a.mkv"_s;
         QTest::newRow("up from a link") << u"link/../b.mkv"_s << u"DATA/b.mkv"_s;
         QTest::newRow("up from a link, alone") << u"link/.."_s << u"DATA"_s;
-        QTest::newRow("a link behind up") << u"../desk/link/a.mkv"_s << u"WORK/link/a.mkv"_s;
+        QTest::newRow("a link behind up") << u"../fixture/link/a.mkv"_s << u"WORK/link/a.mkv"_s;
         QTest::newRow("dots in a name") << u"a..b.mkv"_s << u"WORK/a..b.mkv"_s;
         QTest::newRow("leading colon") << u":a.mkv"_s << u"WORK/:a.mkv"_s;
         QTest::newRow("leading colon and slash") << u":/a.mkv"_s << u"WORK/:/a.mkv"_s;
@@ -60,5 +61,5 @@ private:
     QString m_data;
 };
 
-QTEST_GUILESS_MAIN(AbsolutePathTest)
+TESSARAY_TEST(AbsolutePathTest)
 #include "AbsolutePathTest.moc"

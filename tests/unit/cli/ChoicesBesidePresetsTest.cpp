@@ -1,4 +1,5 @@
 // Choices by hand where a settings preset chose too, or where files were added.
+#include "support/TestMain.h"
 #include "unit/cli/ChoicesFilm.h"
 
 #include <QTest>
@@ -236,5 +237,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ChoicesBesidePresetsTest)
+TESSARAY_TEST(ChoicesBesidePresetsTest)
 #include "ChoicesBesidePresetsTest.moc"

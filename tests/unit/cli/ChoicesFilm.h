@@ -2,7 +2,7 @@
 
 #include "cli/Choices.h"
 #include "cli/CommandLine.h"
-#include "support/HandMade.h"
+#include "support/selection/HandMade.h"
 
 // What the tests of choices share.
 

@@ -1,3 +1,4 @@
+#include "support/TestMain.h"
 #include "unit/cli/ChoicesFilm.h"
 
 #include <QTest>
@@ -375,5 +376,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ChoicesTest)
+TESSARAY_TEST(ChoicesTest)
 #include "ChoicesTest.moc"

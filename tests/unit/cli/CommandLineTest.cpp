@@ -1,4 +1,5 @@
 #include "cli/CommandLine.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -201,5 +202,5 @@ private Q_SLOTS:
     void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 14 + 2); }
 };
 
-QTEST_GUILESS_MAIN(CommandLineTest)
+TESSARAY_TEST(CommandLineTest)
 #include "CommandLineTest.moc"

@@ -1,6 +1,7 @@
 #include "cli/PastableText.h"
 #include "platform/VisibleText.h"
 #include "support/HostileTexts.h"
+#include "support/TestMain.h"
 
 #include <QProcess>
 #include <QTest>
@@ -120,5 +121,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PastableTextTest)
+TESSARAY_TEST(PastableTextTest)
 #include "PastableTextTest.moc"

@@ -1,5 +1,6 @@
 #include "cli/Records.h"
 #include "media/KXVideoFile.h"
+#include "support/TestMain.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -176,5 +177,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(RecordsTest)
+TESSARAY_TEST(RecordsTest)
 #include "RecordsTest.moc"

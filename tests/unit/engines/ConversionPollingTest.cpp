@@ -1,6 +1,7 @@
-#include "support/ConversionBench.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/ConversionFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -14,7 +15,7 @@ namespace {
 class Answering final : public KXFfmpegConverter
 {
 public:
-    Answering(const step::ConverterContext &context, const QStringList &answers)
+    Answering(const steps::ConverterContext &context, const QStringList &answers)
         : KXFfmpegConverter(context)
         , m_answers(answers)
     {
@@ -35,12 +36,12 @@ private:
 
 /// A job that polls the given converters instead of its own. Tools that it starts run on, so that only
 /// the polls decide.
-class Polling final : public ConversionBench
+class Polling final : public ConversionFixture
 {
 public:
     Polling()
-        : ConversionBench({u"hang"_s})
-        , guard(world.outputs, step::WhenTaken::NextFreeName)
+        : ConversionFixture({u"hang"_s})
+        , guard(base.outputs, steps::WhenTaken::NextFreeName)
     {
         make(u"General"_s, {videoTrack()});
     }
@@ -56,7 +57,7 @@ public:
 
     std::shared_ptr<Answering> answering(const QStringList &answers)
     {
-        const auto converter = std::make_shared<Answering>(world.converterContext(guard), answers);
+        const auto converter = std::make_shared<Answering>(base.converterContext(guard), answers);
         converter->setConverterSelection(job->jobSelection());
         converter->setOptionArray1({u"first"});
         converter->setOptionArray2({u"second"});
@@ -74,7 +75,7 @@ public:
         return progressTexts();
     }
 
-    step::OutputGuard guard;
+    steps::OutputGuard guard;
 };
 
 } // namespace
@@ -108,49 +109,50 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, answers);
         QFETCH(QStringList, texts);
-        Polling bench;
-        const auto converter = bench.answering(answers);
-        QCOMPARE(bench.poll({converter}), texts);
+        Polling fixture;
+        const auto converter = fixture.answering(answers);
+        QCOMPARE(fixture.poll({converter}), texts);
         QCOMPARE(converter->polls.load(), static_cast<int>(answers.size()) + 1);
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
     void passOneCompleteStartsPassTwo()
     {
-        Polling bench;
-        const auto converter = bench.answering({u"Pass 1 Complete"_s, u"50%"_s});
-        const auto texts = bench.poll({converter});
+        Polling fixture;
+        const auto converter = fixture.answering({u"Pass 1 Complete"_s, u"50%"_s});
+        const auto texts = fixture.poll({converter});
         QCOMPARE(texts, QStringList({u"Step=Pass 1 Complete"_s, u"Step=50%"_s, u"Step=Complete"_s}));
         QCOMPARE(converter->currentPass(), 2);
-        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }));
-        QCOMPARE(bench.calls().first(), QStringList{u"second"_s});
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }));
+        QCOMPARE(fixture.calls().first(), QStringList{u"second"_s});
     }
 
     void aTimestampErrorStartsARetryAndShowsNothing()
     {
-        Polling bench;
-        const auto converter = bench.answering({u"45%"_s, u"timestamp error"_s, u"50%"_s});
-        QCOMPARE(bench.poll({converter}),
+        Polling fixture;
+        const auto converter = fixture.answering({u"45%"_s, u"timestamp error"_s, u"50%"_s});
+        QCOMPARE(fixture.poll({converter}),
                  QStringList({u"Step=45%"_s, QString(), u"Step=50%"_s, u"Step=Complete"_s}));
-        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }));
-        QCOMPARE(bench.calls().first(), QStringList({u"-fflags"_s, u"genpts"_s, u"first"_s}));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }));
+        QCOMPARE(fixture.calls().first(), QStringList({u"-fflags"_s, u"genpts"_s, u"first"_s}));
     }
 
     /// "error" takes the item of its position in the last cycle; without one, an empty text.
     void anErrorBehindAnEmptyCycle()
     {
-        Polling bench;
-        const auto converter = bench.answering({u"timestamp error"_s, u"error"_s});
-        QCOMPARE(bench.poll({converter}), QStringList({QString(), u"Step="_s, u"Step=Complete"_s}));
+        Polling fixture;
+        const auto converter = fixture.answering({u"timestamp error"_s, u"error"_s});
+        QCOMPARE(fixture.poll({converter}), QStringList({QString(), u"Step="_s, u"Step=Complete"_s}));
     }
 
     /// A step with nothing to do counts as finished and shows nothing.
     void aStepWithNothingToDo()
     {
-        Polling bench;
-        const auto converter = bench.answering({u"45%"_s});
-        QCOMPARE(bench.poll({nullptr, converter, nullptr}), QStringList({u"Step=45%"_s, u"Step=Complete"_s}));
+        Polling fixture;
+        const auto converter = fixture.answering({u"45%"_s});
+        QCOMPARE(fixture.poll({nullptr, converter, nullptr}),
+                 QStringList({u"Step=45%"_s, u"Step=Complete"_s}));
         Polling empty;
         empty.poll({nullptr});
         QCOMPARE(empty.record.count(u"jobDone"_s), 1);
@@ -158,109 +160,109 @@ private Q_SLOTS:
 
     void itEndsWhenEveryStepHasEnded()
     {
-        Polling bench;
-        const auto slow = bench.answering({u"10%"_s, u"20%"_s});
-        const auto quick = bench.answering({});
-        QCOMPARE(bench.poll({quick, slow}),
+        Polling fixture;
+        const auto slow = fixture.answering({u"10%"_s, u"20%"_s});
+        const auto quick = fixture.answering({});
+        QCOMPARE(fixture.poll({quick, slow}),
                  QStringList({u"Step=Complete,Step=10%"_s, u"Step=Complete,Step=20%"_s,
                               u"Step=Complete,Step=Complete"_s}));
     }
 
     void theListIsSetBeforeItIsAnnounced()
     {
-        Polling bench;
+        Polling fixture;
         jobs::ProgressList set;
-        const auto subscription = bench.world.notifications.subscribe(
-            u"progressUpdate"_s, [&](const KXNotification &) { set = bench.job->progressList(); });
-        bench.job->setStepConverterList({bench.answering({u"45%"_s})});
-        bench.job->monitorStartJob();
+        const auto subscription = fixture.base.notifications.subscribe(
+            u"progressUpdate"_s, [&](const KXNotification &) { set = fixture.job->progressList(); });
+        fixture.job->setStepConverterList({fixture.answering({u"45%"_s})});
+        fixture.job->monitorStartJob();
         QVERIFY(waitFor([&] { return !set.isEmpty(); }));
         QCOMPARE(set, jobs::ProgressList({{u"Step"_s, u"45%"_s}}));
-        QVERIFY(bench.waitForEnd());
+        QVERIFY(fixture.waitForEnd());
     }
 
     void halfASecondBetweenTwoPolls()
     {
-        Polling bench;
+        Polling fixture;
         QElapsedTimer clock;
         clock.start();
-        bench.poll({bench.answering({u"1%"_s, u"2%"_s})});
+        fixture.poll({fixture.answering({u"1%"_s, u"2%"_s})});
         QVERIFY2(clock.elapsed() >= 1000, qPrintable(QString::number(clock.elapsed())));
     }
 
     void aStopEndsItWithoutACheck()
     {
-        Polling bench;
-        const auto converter = bench.answering(QStringList(1000, u"45%"_s));
+        Polling fixture;
+        const auto converter = fixture.answering(QStringList(1000, u"45%"_s));
         converter->setConversionError(true);
-        bench.job->setStepConverterList({converter});
-        bench.job->monitorStartJob();
+        fixture.job->setStepConverterList({converter});
+        fixture.job->monitorStartJob();
         QVERIFY(waitFor([&] { return converter->polls > 0; }));
-        bench.job->stopJob();
-        QVERIFY(bench.job->monitorQueue()->waitForDone(2000));
+        fixture.job->stopJob();
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
         const int polls = converter->polls;
         QVERIFY(!waitFor([&] { return converter->polls > polls; }, 700));
-        QVERIFY(bench.world.alerts.shown().isEmpty());
-        QCOMPARE(bench.record.count(u"jobDone"_s), 0);
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 0);
     }
 
     // The check at the end.
 
     void aFailedConversionIsAnAlert()
     {
-        Polling bench;
-        const auto converter = bench.answering({});
+        Polling fixture;
+        const auto converter = fixture.answering({});
         converter->setConversionError(true);
-        bench.job->setStepConverterList({nullptr, bench.answering({}), converter, converter});
-        bench.job->setProgressList({{u"Step"_s, u"Complete"_s}});
+        fixture.job->setStepConverterList({nullptr, fixture.answering({}), converter, converter});
+        fixture.job->setProgressList({{u"Step"_s, u"Complete"_s}});
         QElapsedTimer clock;
         clock.start();
-        bench.job->errorCheck();
-        QCOMPARE(bench.world.alerts.shown().size(), 1);
-        const auto alert = bench.world.alerts.shown().first();
+        fixture.job->errorCheck();
+        QCOMPARE(fixture.base.alerts.shown().size(), 1);
+        const auto alert = fixture.base.alerts.shown().first();
         QCOMPARE(alert->message, u"An error occured during the processing of this video."_s); // spelled so
         QCOMPARE(alert->informativeText, u"Check the created log file for error messages."_s);
         QCOMPARE(alert->style, platform::AlertStyle::Warning);
-        QCOMPARE(bench.progressTexts(), QStringList{u"Step=Complete"_s});
-        QCOMPARE(bench.record.count(u"jobDone"_s), 0);
-        QVERIFY(bench.waitForEnd());
+        QCOMPARE(fixture.progressTexts(), QStringList{u"Step=Complete"_s});
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 0);
+        QVERIFY(fixture.waitForEnd());
         QVERIFY(clock.elapsed() >= 95);
-        QVERIFY(bench.world.alerts.answer(platform::firstButtonReturn)); // and nothing more
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        QVERIFY(fixture.base.alerts.answer(platform::firstButtonReturn)); // and nothing more
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 
     void theAlertMayOutliveTheJob()
     {
-        Polling bench;
-        const auto converter = bench.answering({});
+        Polling fixture;
+        const auto converter = fixture.answering({});
         converter->setConversionError(true);
-        bench.job->setStepConverterList({converter});
-        bench.job->errorCheck();
-        QVERIFY(bench.waitForEnd());
-        bench.job.reset();
-        QVERIFY(bench.world.alerts.answer(platform::firstButtonReturn));
+        fixture.job->setStepConverterList({converter});
+        fixture.job->errorCheck();
+        QVERIFY(fixture.waitForEnd());
+        fixture.job.reset();
+        QVERIFY(fixture.base.alerts.answer(platform::firstButtonReturn));
     }
 
     void aConverterOfAnotherKindIsNotAsked()
     {
-        Polling bench;
-        const auto converter = bench.answering({});
+        Polling fixture;
+        const auto converter = fixture.answering({});
         converter->setConversionError(true);
         converter->setConverterName(u"another"_s);
-        bench.job->setStepConverterList({converter});
-        bench.job->errorCheck();
-        QVERIFY(bench.world.alerts.shown().isEmpty());
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        fixture.job->setStepConverterList({converter});
+        fixture.job->errorCheck();
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 
     void withoutConvertersTheJobIsDone()
     {
-        Polling bench;
-        bench.job->setStepConverterList({});
-        bench.job->errorCheck();
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        Polling fixture;
+        fixture.job->setStepConverterList({});
+        fixture.job->errorCheck();
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 };
 
-QTEST_GUILESS_MAIN(ConversionPollingTest)
+TESSARAY_TEST(ConversionPollingTest)
 #include "ConversionPollingTest.moc"

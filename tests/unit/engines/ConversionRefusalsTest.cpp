@@ -1,5 +1,6 @@
-#include "support/ConversionBench.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/engines/ConversionFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFile>
 #include <QTest>
@@ -53,31 +54,31 @@ private Q_SLOTS:
         QFETCH(QString, width);
         QFETCH(QString, passes);
         QFETCH(QString, words);
-        ConversionBench bench;
-        const auto selection = bench.selection(u"General"_s, {videoTrack(codec)}, passes);
+        ConversionFixture fixture;
+        const auto selection = fixture.selection(u"General"_s, {videoTrack(codec)}, passes);
         selection->setUserVideoBitRate(rate);
         selection->setUserWidth(width);
-        const auto job = bench.make(selection);
+        const auto job = fixture.make(selection);
         QCOMPARE(job->refusal().isNull(), words.isNull());
         QVERIFY2(job->refusal().startsWith(words), qPrintable(job->refusal()));
     }
 
     void aWidthThatNobodyKnowsIsNoReason()
     {
-        ConversionBench bench;
-        const auto selection = bench.selection(u"General"_s, {videoTrack()});
+        ConversionFixture fixture;
+        const auto selection = fixture.selection(u"General"_s, {videoTrack()});
         selection->setVideoTrackWidth(u"0"_s);
         selection->setUserWidth(u"0"_s);
-        QVERIFY(bench.make(selection)->refusal().isNull());
+        QVERIFY(fixture.make(selection)->refusal().isNull());
     }
 
     void withoutVideoThereAreNoNumbersToRefuse()
     {
-        ConversionBench bench;
+        ConversionFixture fixture;
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
-        const auto selection = bench.selection(u"MKV"_s, {audio});
+        const auto selection = fixture.selection(u"MKV"_s, {audio});
         selection->setUserVideoBitRate({});
-        QVERIFY(bench.make(selection)->refusal().isNull());
+        QVERIFY(fixture.make(selection)->refusal().isNull());
     }
 
     void burningNeedsAReencode_data()
@@ -97,26 +98,27 @@ private Q_SLOTS:
         QFETCH(QString, video);
         QFETCH(QString, subtitle);
         QFETCH(bool, isRefused);
-        ConversionBench bench;
-        const auto job = bench.make(u"MKV"_s, {videoTrack(video), subtitleTrack(u"3"_s, u"srt"_s, subtitle)});
+        ConversionFixture fixture;
+        const auto job =
+            fixture.make(u"MKV"_s, {videoTrack(video), subtitleTrack(u"3"_s, u"srt"_s, subtitle)});
         QCOMPARE(job->refusal(),
                  isRefused ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString());
     }
 
     void aRefusedJobRunsNothingAndEnds()
     {
-        ConversionBench bench;
+        ConversionFixture fixture;
         const auto job =
-            bench.make(u"MKV"_s, {videoTrack(u"passthru"_s), subtitleTrack(u"3"_s, u"srt"_s, u"burn"_s)});
-        QVERIFY(bench.run(job));
-        QVERIFY(bench.calls().isEmpty());
-        QCOMPARE(bench.record.count(u"conversionStarted"_s), 0);
-        QCOMPARE(job->outcome().verdict, step::Verdict::Failed);
+            fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s), subtitleTrack(u"3"_s, u"srt"_s, u"burn"_s)});
+        QVERIFY(fixture.run(job));
+        QVERIFY(fixture.calls().isEmpty());
+        QCOMPARE(fixture.record.count(u"conversionStarted"_s), 0);
+        QCOMPARE(job->outcome().verdict, steps::Verdict::Failed);
         QCOMPARE(job->outcome().sentence,
                  u"A subtitle can only be burned into a video that is re-encoded."_s);
-        QCOMPARE(bench.world.scratch.names().filter(u"a.mkv"_s), QStringList{u"a.mkv"_s});
+        QCOMPARE(fixture.base.scratch.names().filter(u"a.mkv"_s), QStringList{u"a.mkv"_s});
     }
 };
 
-QTEST_GUILESS_MAIN(ConversionRefusalsTest)
+TESSARAY_TEST(ConversionRefusalsTest)
 #include "ConversionRefusalsTest.moc"

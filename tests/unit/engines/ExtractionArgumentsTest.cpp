@@ -1,5 +1,6 @@
-#include "engines/ExtractionArguments.h"
-#include "support/HandMade.h"
+#include "engines/ffmpeg/ExtractionArguments.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -185,5 +186,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ExtractionArgumentsTest)
+TESSARAY_TEST(ExtractionArgumentsTest)
 #include "ExtractionArgumentsTest.moc"

@@ -1,7 +1,8 @@
-#include "engines/FfmpegArguments.h"
-#include "engines/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
 #include "selection/Targets.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -381,5 +382,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegArgumentsTest)
+TESSARAY_TEST(FfmpegArgumentsTest)
 #include "FfmpegArgumentsTest.moc"

@@ -1,7 +1,8 @@
-#include "engines/FfmpegArguments.h"
-#include "engines/FfmpegAudioOrder.h"
-#include "engines/FfmpegDevices.h"
-#include "support/HandMade.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegAudioOrder.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -229,5 +230,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegAudioTest)
+TESSARAY_TEST(FfmpegAudioTest)
 #include "FfmpegAudioTest.moc"

@@ -1,6 +1,7 @@
-#include "engines/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
 #include "selection/Targets.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -189,5 +190,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegDevicesTest)
+TESSARAY_TEST(FfmpegDevicesTest)
 #include "FfmpegDevicesTest.moc"

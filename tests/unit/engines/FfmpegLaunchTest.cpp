@@ -1,9 +1,10 @@
-#include "engines/FfmpegLaunch.h"
-#include "engines/FfmpegArguments.h"
-#include "engines/FfmpegDevices.h"
-#include "engines/FfmpegSingleTrack.h"
+#include "engines/ffmpeg/FfmpegLaunch.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegSingleTrack.h"
 #include "selection/Targets.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -552,5 +553,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegLaunchTest)
+TESSARAY_TEST(FfmpegLaunchTest)
 #include "FfmpegLaunchTest.moc"

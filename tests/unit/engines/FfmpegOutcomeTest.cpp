@@ -1,10 +1,11 @@
-#include "engines/FfmpegOutcome.h"
+#include "engines/ffmpeg/FfmpegOutcome.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace engines;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -172,5 +173,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegOutcomeTest)
+TESSARAY_TEST(FfmpegOutcomeTest)
 #include "FfmpegOutcomeTest.moc"

@@ -1,7 +1,8 @@
-#include "engines/FfmpegSingleTrack.h"
+#include "engines/ffmpeg/FfmpegSingleTrack.h"
 #include "support/FakePlaces.h"
-#include "support/HandMade.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 #include "tools/ShellLine.h"
 
 #include <QTest>
@@ -142,5 +143,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegSingleTrackTest)
+TESSARAY_TEST(FfmpegSingleTrackTest)
 #include "FfmpegSingleTrackTest.moc"

@@ -1,7 +1,8 @@
-#include "engines/FfmpegSubtitles.h"
-#include "engines/FfmpegArguments.h"
-#include "engines/FfmpegDevices.h"
-#include "support/HandMade.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -296,5 +297,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(FfmpegSubtitlesTest)
+TESSARAY_TEST(FfmpegSubtitlesTest)
 #include "FfmpegSubtitlesTest.moc"

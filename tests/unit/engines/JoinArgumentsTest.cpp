@@ -1,6 +1,7 @@
 // How files are joined by ffmpeg and mp4box, which tool is taken, and what files may not differ in.
-#include "engines/JoinArguments.h"
-#include "engines/JoinCheck.h"
+#include "engines/join/JoinArguments.h"
+#include "engines/join/JoinCheck.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -162,5 +163,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(JoinArgumentsTest)
+TESSARAY_TEST(JoinArgumentsTest)
 #include "JoinArgumentsTest.moc"

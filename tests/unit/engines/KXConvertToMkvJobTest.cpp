@@ -1,8 +1,9 @@
-#include "engines/KXConvertToMkvJob.h"
+#include "engines/mkvtoolnix/KXConvertToMkvJob.h"
 #include "jobs/MuxingTracks.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -13,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -32,10 +33,10 @@ TrackPointer sound(const QString &userCodec = u"passthru"_s, const QString &id =
         .first();
 }
 
-class MkvJobBench final : public MkvBench
+class MkvJobFixture final : public MkvFixture
 {
 public:
-    using MkvBench::MkvBench;
+    using MkvFixture::MkvFixture;
 
     std::shared_ptr<KXConvertToMkvJob> begin(const TrackList &tracks, const QString &passes = u"1"_s)
     {
@@ -65,30 +66,30 @@ class KXConvertToMkvJobTest final : public QObject
 private Q_SLOTS:
     void aFileOfTracksThatPassGoesStraightToTheMux()
     {
-        MkvJobBench bench;
-        const auto job = bench.begin({picture(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        MkvJobFixture fixture;
+        const auto job = fixture.begin({picture(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
         QCOMPARE(job->stepConverterList(), QList<ConverterPointer>({nullptr, nullptr, nullptr}));
         QVERIFY(job->stepTaskList().isEmpty());
         QVERIFY(job->progressList().isEmpty());
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.calls(u"ffmpeg"_s).isEmpty());
-        QCOMPARE(bench.calls().size(), 1);
-        const auto updates = bench.record.named(u"progressUpdate"_s);
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.calls(u"ffmpeg"_s).isEmpty());
+        QCOMPARE(fixture.calls().size(), 1);
+        const auto updates = fixture.record.named(u"progressUpdate"_s);
         const auto empty = [](const KXNotification &update) {
             return update.object.value<jobs::ProgressList>().isEmpty();
         };
         // One at the start, and one of the only cycle in which the conversions were polled.
         QCOMPARE(std::count_if(updates.begin(), updates.end(), empty), 2);
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.muxed.mkv"_s)});
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.muxed.mkv"_s)});
     }
 
     // The steps.
 
     void eachTrackHasItsPlace()
     {
-        MkvJobBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        MkvJobFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const TrackPointer video = picture(u"h264"_s);
         const TrackPointer capitals = picture(u"PassThru"_s);
         const TrackPointer converted = sound(u"aac"_s);
@@ -99,7 +100,8 @@ private Q_SLOTS:
         foreign->setTrackType(u"External Subtitle"_s);
         const TrackPointer button = subtitleTrack(u"6"_s, u"srt"_s);
         button->setTrackType(u"Button"_s);
-        const auto job = bench.begin({video, capitals, other, converted, passed, button, subtitle, foreign});
+        const auto job =
+            fixture.begin({video, capitals, other, converted, passed, button, subtitle, foreign});
         // Neither a subtitle that is not muxed nor another type has a place.
         const auto places = job->stepConverterList();
         QCOMPARE(places.size(), 6);
@@ -124,101 +126,101 @@ private Q_SLOTS:
 
     void theConversionsRunTogether()
     {
-        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
-        QVERIFY(waitFor([&] { return bench.calls(u"ffmpeg"_s).size() == 3; }, 20000));
+        MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 3; }, 20000));
         // None shares its output or its log.
         QSet<QString> names;
         for (int i = 0; i < 3; ++i) {
-            names << bench.outputOf(i) << bench.converter(i).logFileURL().toLocalFile();
-            QCOMPARE(bench.taskOf(i), bench.converter(i).doShell_ID());
+            names << fixture.outputOf(i) << fixture.converter(i).logFileURL().toLocalFile();
+            QCOMPARE(fixture.taskOf(i), fixture.converter(i).doShell_ID());
         }
         QCOMPARE(names.size(), 6);
-        QCOMPARE(bench.outputOf(0), u"/v/a.mkv"_s);
-        QCOMPARE(bench.outputOf(1), u"/v/a (2).mkv"_s);
-        QCOMPARE(bench.outputOf(2), u"/v/a (3).mkv"_s);
-        QCOMPARE(bench.posted(u"conversionStarted"_s),
+        QCOMPARE(fixture.outputOf(0), u"/v/a.mkv"_s);
+        QCOMPARE(fixture.outputOf(1), u"/v/a (2).mkv"_s);
+        QCOMPARE(fixture.outputOf(2), u"/v/a (3).mkv"_s);
+        QCOMPARE(fixture.posted(u"conversionStarted"_s),
                  QStringList({u"/v/a.mkv"_s, u"/v/a (2).mkv"_s, u"/v/a (3).mkv"_s}));
         QCOMPARE(job->tempFilesToDeleteList().size(), 3);
         QCOMPARE(job->logFilesToDeleteList().size(), 3);
-        QVERIFY(bench.calls().isEmpty());
+        QVERIFY(fixture.calls().isEmpty());
     }
 
     void noMoreRunThanMay()
     {
-        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
-        bench.world.toolsAtOnce = 2;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin(
+        MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
+        fixture.base.toolsAtOnce = 2;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin(
             {picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s), sound(u"aac"_s, u"3"_s)});
-        QVERIFY(waitFor([&] { return bench.calls(u"ffmpeg"_s).size() == 2; }, 20000));
-        QVERIFY(!waitFor([&] { return bench.calls(u"ffmpeg"_s).size() > 2; }, 2000));
+        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 2; }, 20000));
+        QVERIFY(!waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() > 2; }, 2000));
         QCOMPARE(job->progressList().size(), 4); // all are shown
         QCOMPARE(job->progressList().at(3).progress, u"0%"_s);
-        QVERIFY(bench.calls().isEmpty());
+        QVERIFY(fixture.calls().isEmpty());
         job->stopJob();
-        QVERIFY(!waitFor([&] { return bench.calls(u"ffmpeg"_s).size() > 2; }, 1000));
+        QVERIFY(!waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() > 2; }, 1000));
     }
 
     void theNextStartsWhenOneHasEnded()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
-        bench.world.toolsAtOnce = 1;
-        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.calls(u"ffmpeg"_s).size(), 3);
-        QCOMPARE(bench.calls().size(), 1);
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
+        fixture.base.toolsAtOnce = 1;
+        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 3);
+        QCOMPARE(fixture.calls().size(), 1);
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void theyAreTemporaryAndNeverTakeAnExistingFile()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
         for (const QString &name : {u"a.mkv"_s, u"a.added.mkv"_s, u"a.avi.log"_s})
-            bench.world.scratch.write(name, "of another");
+            fixture.base.scratch.write(name, "of another");
         const TrackList tracks = jobs::tracksForMuxing(
             {picture(u"h264"_s),
              audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s))});
         const TrackPointer copy = tracks.at(1)->copy();
         copy->setIsStereoCopyFlag(true);
-        const auto job = bench.begin(tracks + TrackList{copy});
-        QCOMPARE(bench.outputOf(0), u"/v/a (2).mkv"_s);
-        QCOMPARE(bench.outputOf(1), u"/v/a (3).mkv"_s);
-        QCOMPARE(bench.outputOf(2), u"/v/a.added (2).mkv"_s);
-        QVERIFY(bench.waitForEnd());
+        const auto job = fixture.begin(tracks + TrackList{copy});
+        QCOMPARE(fixture.outputOf(0), u"/v/a (2).mkv"_s);
+        QCOMPARE(fixture.outputOf(1), u"/v/a (3).mkv"_s);
+        QCOMPARE(fixture.outputOf(2), u"/v/a.added (2).mkv"_s);
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
         for (const QString &name : {u"a.mkv"_s, u"a.added.mkv"_s, u"a.avi.log"_s})
-            QCOMPARE(bench.world.scratch.read(name), QByteArray("of another"));
-        QCOMPARE(bench.world.scratch.names().filter(u"a."_s) + bench.world.scratch.names().filter(u"a ("_s),
+            QCOMPARE(fixture.base.scratch.read(name), QByteArray("of another"));
+        QCOMPARE(fixture.base.scratch.names().filter(u"a."_s) + fixture.base.scratch.names().filter(u"a ("_s),
                  QStringList({u"a.added.mkv"_s, u"a.avi"_s, u"a.avi.log"_s, u"a.mkv"_s, u"a.muxed.mkv"_s}));
     }
 
     void aSourceIsNeverTheConvertedFile()
     {
-        MkvJobBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        bench.begin({picture(u"h264"_s)});
-        QVERIFY(bench.outputOf(0) != u"/v/a.mkv"_s);
-        QVERIFY(bench.outputOf(0).endsWith(u".mkv"_s));
+        MkvJobFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        fixture.begin({picture(u"h264"_s)});
+        QVERIFY(fixture.outputOf(0) != u"/v/a.mkv"_s);
+        QVERIFY(fixture.outputOf(0).endsWith(u".mkv"_s));
     }
 
     // Redirection: a converted track is muxed from its own file, in which it is alone.
 
     void aConvertedTrackIsTakenFromItsFile()
     {
-        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const TrackPointer video = picture();
         const TrackPointer audio = sound(u"aac"_s);
-        bench.begin({video, audio});
-        QCOMPARE(bench.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
+        fixture.begin({video, audio});
+        QCOMPARE(fixture.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
         QCOMPARE(audio->muxingTrackMp4boxID(), u"one track"_s);
         QCOMPARE(audio->muxingTrackMencoderID(), u"one track"_s);
         QCOMPARE(audio->muxingTrackExtension(), u"mkv"_s);
         QCOMPARE(audio->muxingTrackFileExtension(), u"mkv"_s);
         QCOMPARE(audio->trackMkvmergeID(), u"0"_s);
-        QCOMPARE(bench.shown(video->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
+        QCOMPARE(fixture.shown(video->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
         QCOMPARE(video->trackMkvmergeID(), u"0"_s);
         QVERIFY(video->muxingTrackMp4boxID() != u"one track"_s);
     }
@@ -226,15 +228,15 @@ private Q_SLOTS:
     /// The subtitle has no place, so that the converter stands at the first place and not at its track's.
     void redirectionGoesByTheTrackOfTheConverter()
     {
-        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const TrackPointer subtitle = subtitleTrack(u"2"_s, u"srt"_s, u"srt"_s);
         const TrackPointer audio = sound(u"aac"_s);
-        const auto job = bench.begin({subtitle, audio});
+        const auto job = fixture.begin({subtitle, audio});
         QCOMPARE(job->stepConverterList().size(), 1);
-        QCOMPARE(bench.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
+        QCOMPARE(fixture.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
         QCOMPARE(audio->trackMkvmergeID(), u"0"_s);
-        QCOMPARE(bench.shown(subtitle->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
+        QCOMPARE(fixture.shown(subtitle->muxingTrackFileURL().toLocalFile()), u"/v/a.avi"_s);
         QCOMPARE(subtitle->trackMkvmergeID(), u"2"_s);
     }
 
@@ -242,75 +244,75 @@ private Q_SLOTS:
 
     void aStereoCopyIsOneMoreTrackOfItsOwnFile()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
         const TrackPointer audio =
             audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s));
         audio->setUserAudioSettingsDictionaryArray(
             {audioSettings(u"aac"_s, u"2"_s, u"160"_s), audioSettings(u"ac3"_s, u"6"_s, u"448"_s)});
-        const auto job = bench.begin(jobs::tracksForMuxing({picture(), audio}));
-        QCOMPARE(bench.outputOf(1), u"/v/a.mkv"_s);
-        QCOMPARE(bench.outputOf(2), u"/v/a.added.mkv"_s);
-        QVERIFY(bench.waitForEnd());
+        const auto job = fixture.begin(jobs::tracksForMuxing({picture(), audio}));
+        QCOMPARE(fixture.outputOf(1), u"/v/a.mkv"_s);
+        QCOMPARE(fixture.outputOf(2), u"/v/a.added.mkv"_s);
+        QVERIFY(fixture.waitForEnd());
         const QString end = u"-metadata:s:a:0|language=eng|-metadata:s:a:0|title=Audio1|-y|"_s;
         QCOMPARE(
-            bench.meant(0, u"ffmpeg"_s),
+            fixture.meant(0, u"ffmpeg"_s),
             u"-i|/v/a.avi|-map 0:0|-c:a aac -strict experimental|-ab:a:0 160k|-ac:a:0 2|-ar:a:0 48000|"_s +
                 end + u"/v/a.mkv|&>|/v/a.avi.log|& echo $!"_s);
-        QCOMPARE(bench.meant(1, u"ffmpeg"_s),
+        QCOMPARE(fixture.meant(1, u"ffmpeg"_s),
                  u"-i|/v/a.avi|-map 0:0|-c:a ac3|-ab:a:0 448k|-ac:a:0 6|-ar:a:0 48000|"_s + end +
                      u"/v/a.added.mkv|&>|/v/a.avi (2).log|& echo $!"_s);
-        QCOMPARE(bench.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"0"_s, u"Video0"_s) +
-                                    u"-d 0|-A|-S|'/v/a.avi'|"_s + options(u"0"_s, u"Audio1"_s) +
-                                    u"-D|-a 0|-S|'/v/a.mkv'|"_s + options(u"0"_s, u"Audio1"_s) +
-                                    u"-D|-a 0|-S|'/v/a.added.mkv'|&>|/v/a.avi.muxed.log|& echo $!"_s);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.muxed.mkv"_s)}); // and no converted one
+        QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"0"_s, u"Video0"_s) +
+                                      u"-d 0|-A|-S|'/v/a.avi'|"_s + options(u"0"_s, u"Audio1"_s) +
+                                      u"-D|-a 0|-S|'/v/a.mkv'|"_s + options(u"0"_s, u"Audio1"_s) +
+                                      u"-D|-a 0|-S|'/v/a.added.mkv'|&>|/v/a.avi.muxed.log|& echo $!"_s);
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.muxed.mkv"_s)}); // and no converted one
     }
 
     void theMuxWaitsForEveryConversion()
     {
-        MkvJobBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s,
-                        QStringList{u"when aac"_s, u"hang"_s, u"end"_s} + MkvBench::wellConverted());
-        const auto job = bench.begin({picture(u"h264"_s), sound(u"aac"_s)});
+        MkvJobFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s,
+                          QStringList{u"when aac"_s, u"hang"_s, u"end"_s} + MkvFixture::wellConverted());
+        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s)});
         // The hanging one has printed no time: it is at its beginning.
-        QVERIFY(bench.waitForStep(u"Converting Video=Complete,Converting Audio=0%"_s));
-        QVERIFY(!waitFor([&] { return !bench.calls().isEmpty(); }, 1200));
-        ::kill(bench.taskOf(1).toInt(), SIGKILL);
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete,Converting Audio=Complete"_s));
+        QVERIFY(fixture.waitForStep(u"Converting Video=Complete,Converting Audio=0%"_s));
+        QVERIFY(!waitFor([&] { return !fixture.calls().isEmpty(); }, 1200));
+        ::kill(fixture.taskOf(1).toInt(), SIGKILL);
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.progressTexts().contains(u"Converting Video=Complete,Converting Audio=Complete"_s));
     }
 
     void aFallingPercentageIsTheNextStepOfTheMux()
     {
-        MkvJobBench bench({u"hang"_s});
-        const auto job = bench.begin({picture()});
+        MkvJobFixture fixture({u"hang"_s});
+        const auto job = fixture.begin({picture()});
         const QString muxLog = u"a.mkv.muxed.log"_s;
-        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }, 20000));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
         QVERIFY(waitFor([&] { return job->progressList().size() == 1; }));
-        bench.world.scratch.write(muxLog, "Progress: 90%\rProgress: 100%\r");
-        QVERIFY(bench.waitForStep(u"Muxing Tracks Step #1=100%"_s));
-        bench.world.scratch.write(muxLog, "The cue entries (the index) are being written...\n");
-        bench.world.scratch.write(muxLog, "Progress: 100%\rProgress: 3%\r");
-        QVERIFY(bench.waitForStep(u"Muxing Tracks Step #2=3%"_s));
+        fixture.base.scratch.write(muxLog, "Progress: 90%\rProgress: 100%\r");
+        QVERIFY(fixture.waitForStep(u"Muxing Tracks Step #1=100%"_s));
+        fixture.base.scratch.write(muxLog, "The cue entries (the index) are being written...\n");
+        fixture.base.scratch.write(muxLog, "Progress: 100%\rProgress: 3%\r");
+        QVERIFY(fixture.waitForStep(u"Muxing Tracks Step #2=3%"_s));
         QCOMPARE(job->progressStepCounter(), 2);
-        bench.world.scratch.write(muxLog, "Progress: 4%\rProgress: 100%\nMultiplexing took 0 seconds.\n");
-        ::kill(bench.taskOf(0).toInt(), SIGKILL);
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.progressTexts().contains(u"Muxing Tracks Step #2=Complete"_s));
-        for (const QString &text : bench.progressTexts())
+        fixture.base.scratch.write(muxLog, "Progress: 4%\rProgress: 100%\nMultiplexing took 0 seconds.\n");
+        ::kill(fixture.taskOf(0).toInt(), SIGKILL);
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.progressTexts().contains(u"Muxing Tracks Step #2=Complete"_s));
+        for (const QString &text : fixture.progressTexts())
             QVERIFY2(!text.contains(u"%%"_s) && !text.contains(u'\r'), qPrintable(text));
     }
 
     void theMuxStepStartsItsListsAnew()
     {
-        MkvJobBench bench({u"hang"_s});
-        const auto job = bench.begin({picture(), sound(u"aac"_s)});
-        QVERIFY(waitFor([&] { return bench.calls().size() == 1; }, 20000));
+        MkvJobFixture fixture({u"hang"_s});
+        const auto job = fixture.begin({picture(), sound(u"aac"_s)});
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
         QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; }));
         QCOMPARE(job->stepConverterList().size(), 1);
-        QCOMPARE(bench.converter(0).stepName(), u"Muxing Tracks"_s);
-        QCOMPARE(bench.converter(0).converterName(), u"MkvMuxer"_s);
-        QCOMPARE(bench.taskOf(0), bench.converter(0).doShell_ID());
+        QCOMPARE(fixture.converter(0).stepName(), u"Muxing Tracks"_s);
+        QCOMPARE(fixture.converter(0).converterName(), u"MkvMuxer"_s);
+        QCOMPARE(fixture.taskOf(0), fixture.converter(0).doShell_ID());
         QCOMPARE(job->muxStepCounter(), 1);
         QCOMPARE(job->oldMuxProgress(), 0);
         QCOMPARE(job->logFilesToDeleteList().size(), 2);  // the conversion's and the muxer's
@@ -319,21 +321,21 @@ private Q_SLOTS:
 
     void conversionStartedIsPostedForEachToolThenForTheMux()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
-        bench.begin({picture(u"h264"_s), sound()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
+        fixture.begin({picture(u"h264"_s), sound()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
     }
 
     // Two passes of one track.
 
     void theSecondPassFollowsTheFirst()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
-        const auto job = bench.begin({picture(u"h264"_s), sound()}, u"2"_s);
-        QVERIFY(bench.waitForEnd());
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
+        const auto job = fixture.begin({picture(u"h264"_s), sound()}, u"2"_s);
+        QVERIFY(fixture.waitForEnd());
         QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
-        const auto calls = bench.calls(u"ffmpeg"_s);
+        const auto calls = fixture.calls(u"ffmpeg"_s);
         QCOMPARE(calls.size(), 2);
         const auto behind = [](const QStringList &call, const QString &option) {
             return call.value(call.indexOf(option) + 1);
@@ -348,18 +350,18 @@ private Q_SLOTS:
                  qPrintable(statistics));
         QVERIFY(!QFileInfo::exists(QFileInfo(statistics).path())); // gone with the job
         // Between the passes nothing is shown of the step.
-        QVERIFY(bench.progressTexts().filter(u"Pass 1"_s).isEmpty());
-        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete"_s));
-        QCOMPARE(bench.calls().size(), 1);
+        QVERIFY(fixture.progressTexts().filter(u"Pass 1"_s).isEmpty());
+        QVERIFY(fixture.progressTexts().contains(u"Converting Video=Complete"_s));
+        QCOMPARE(fixture.calls().size(), 1);
     }
 
     void theSecondPassIsATaskOfTheJob()
     {
-        MkvJobBench bench({u"hang"_s}, u"a.avi"_s);
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin({picture(u"h264"_s)}, u"2"_s);
+        MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin({picture(u"h264"_s)}, u"2"_s);
         QVERIFY(waitFor([&] { return !job->stepTaskList().isEmpty(); }));
-        const auto firstPass = qScopeGuard([tool = bench.taskOf(0).toInt()] { ::kill(tool, SIGKILL); });
+        const auto firstPass = qScopeGuard([tool = fixture.taskOf(0).toInt()] { ::kill(tool, SIGKILL); });
         auto *converter = dynamic_cast<KXFfmpegConverter *>(job->stepConverterList().first().get());
         QVERIFY(converter != nullptr);
         job->startPass2SelectorFor(*converter);
@@ -374,44 +376,44 @@ private Q_SLOTS:
 
     void aCancelledJobNeitherMuxesNorIsDone()
     {
-        MkvJobBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
-        const auto job = bench.begin({picture(u"h264"_s), sound()});
-        QVERIFY(bench.waitForStep(u"Converting Video=0%"_s));
-        QVERIFY(waitFor([&] { return bench.world.scratch.names().contains(u"a.mkv"_s); }, 20000));
-        const qint64 tool = bench.taskOf(0).toLongLong();
+        MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
+        const auto job = fixture.begin({picture(u"h264"_s), sound()});
+        QVERIFY(fixture.waitForStep(u"Converting Video=0%"_s));
+        QVERIFY(waitFor([&] { return fixture.base.scratch.names().contains(u"a.mkv"_s); }, 20000));
+        const qint64 tool = fixture.taskOf(0).toLongLong();
         job->stopJob();
         QVERIFY(waitFor([&] { return !runs(tool); }));
-        QVERIFY(
-            !waitFor([&] { return !bench.calls().isEmpty() || bench.record.count(u"jobDone"_s) > 0; }, 1200));
-        QCOMPARE(bench.world.scratch.names().filter(u"a."_s), QStringList{u"a.avi"_s});
+        QVERIFY(!waitFor([&] { return !fixture.calls().isEmpty() || fixture.record.count(u"jobDone"_s) > 0; },
+                         1200));
+        QCOMPARE(fixture.base.scratch.names().filter(u"a."_s), QStringList{u"a.avi"_s});
     }
 
     void aFailedMuxIsCompleteAndKeepsItsLog()
     {
-        MkvJobBench bench({u"out Error: The file could not be opened for writing."_s, u"exit 2"_s});
-        const auto job = bench.begin({picture()});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.progressTexts().contains(u"Muxing Tracks Step #1=Complete"_s));
+        MkvJobFixture fixture({u"out Error: The file could not be opened for writing."_s, u"exit 2"_s});
+        const auto job = fixture.begin({picture()});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.progressTexts().contains(u"Muxing Tracks Step #1=Complete"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY2(job->outcome().sentence.contains(u"The file could not be opened for writing."_s),
                  qPrintable(job->outcome().sentence));
-        QVERIFY(bench.world.scratch.read(u"a.mkv.muxed.log"_s).contains("Error: The file"));
-        QVERIFY(bench.world.alerts.shown().isEmpty()); // no error text is shown by this job
+        QVERIFY(fixture.base.scratch.read(u"a.mkv.muxed.log"_s).contains("Error: The file"));
+        QVERIFY(fixture.base.alerts.shown().isEmpty()); // no error text is shown by this job
     }
 
     void aFileOfWhichATrackIsMissingIsNotMuxed()
     {
-        MkvJobBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
-        const auto job = bench.begin({picture(u"h264"_s), sound()});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.calls().isEmpty());
+        MkvJobFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
+        const auto job = fixture.begin({picture(u"h264"_s), sound()});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.calls().isEmpty());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY(job->outputs().isEmpty());
-        QVERIFY(bench.progressTexts().contains(u"Converting Video=Complete"_s));
+        QVERIFY(fixture.progressTexts().contains(u"Converting Video=Complete"_s));
     }
 };
 
-QTEST_GUILESS_MAIN(KXConvertToMkvJobTest)
+TESSARAY_TEST(KXConvertToMkvJobTest)
 #include "KXConvertToMkvJobTest.moc"

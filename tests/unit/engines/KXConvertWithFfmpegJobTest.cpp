@@ -1,7 +1,8 @@
-#include "support/ConversionBench.h"
-#include "support/HandMade.h"
+#include "steps/DryRun.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
-#include "tools/step/Rehearsal.h"
+#include "support/engines/ConversionFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -9,7 +10,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -36,13 +37,13 @@ class KXConvertWithFfmpegJobTest final : public QObject
 private Q_SLOTS:
     void aLookThatHangsHoldsNothingUp()
     {
-        ConversionBench bench({u"err frame=1 time=00:00:30.00 bitrate"_s, u"hang"_s});
-        const QString pids = bench.path(u"pids"_s);
-        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"err frame=1 time=00:00:30.00 bitrate"_s, u"hang"_s});
+        const QString pids = fixture.path(u"pids"_s);
+        fixture.base.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
-        QVERIFY(waitFor([&] { return !bench.world.scratch.read(u"pids"_s).isEmpty(); }));
-        const qint64 look = bench.world.scratch.read(u"pids"_s).trimmed().toLongLong();
+        QVERIFY(waitFor([&] { return !fixture.base.scratch.read(u"pids"_s).isEmpty(); }));
+        const qint64 look = fixture.base.scratch.read(u"pids"_s).trimmed().toLongLong();
         QVERIFY(support::runs(look)); // and we do
         QElapsedTimer clock;
         clock.start();
@@ -53,8 +54,8 @@ private Q_SLOTS:
 
     void startsItsOneStep()
     {
-        ConversionBench bench;
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture;
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
         QCOMPARE(job->theTracks(), job->jobSelection()->trackList());
         QVERIFY(!job->subWasBurned());
@@ -64,41 +65,41 @@ private Q_SLOTS:
         QCOMPARE(converter->converterName(), u"ffmpegConverter"_s);
         QCOMPARE(job->progressList(), itemOf(u"0%"_s));
         QCOMPARE(job->stepTaskList(), QList<jobs::StepTask>{converter->converterTask()});
-        QCOMPARE(job->ffmpegOutputURL(), bench.url(u"a.m4v"_s));
-        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{bench.url(u"a.mkv.log"_s)});
+        QCOMPARE(job->ffmpegOutputURL(), fixture.url(u"a.m4v"_s));
+        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{fixture.url(u"a.mkv.log"_s)});
         QVERIFY(job->tempFilesToDeleteList().isEmpty());
-        QCOMPARE(bench.progressTexts(), QStringList{u"Video Conversion=0%"_s});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.progressTexts(), QStringList({u"Video Conversion=0%"_s, u"Video Conversion=100%"_s,
-                                                     u"Video Conversion=Complete"_s}));
+        QCOMPARE(fixture.progressTexts(), QStringList{u"Video Conversion=0%"_s});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.progressTexts(), QStringList({u"Video Conversion=0%"_s, u"Video Conversion=100%"_s,
+                                                       u"Video Conversion=Complete"_s}));
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.m4v"_s)});
-        QVERIFY(!QFile::exists(bench.path(u"a.mkv.log"_s)));
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.m4v"_s)});
+        QVERIFY(!QFile::exists(fixture.path(u"a.mkv.log"_s)));
     }
 
     void goesOnToPassTwo()
     {
-        ConversionBench bench;
-        const auto job = bench.make(u"General"_s, {videoTrack()}, u"2"_s);
-        QVERIFY(bench.run(job));
-        QCOMPARE(bench.progressTexts(),
+        ConversionFixture fixture;
+        const auto job = fixture.make(u"General"_s, {videoTrack()}, u"2"_s);
+        QVERIFY(fixture.run(job));
+        QCOMPARE(fixture.progressTexts(),
                  QStringList({u"Video Conversion=0%"_s, u"Video Conversion=Pass #1 100%"_s,
                               u"Video Conversion=Pass 1 Complete"_s, u"Video Conversion=Pass #2 100%"_s,
                               u"Video Conversion=Complete"_s}));
-        QCOMPARE(bench.calls().size(), 2);
-        QCOMPARE(bench.calls().at(0).last(), u"/dev/null"_s);
-        QCOMPARE(bench.calls().at(1).last(), bench.path(u"a.m4v"_s));
+        QCOMPARE(fixture.calls().size(), 2);
+        QCOMPARE(fixture.calls().at(0).last(), u"/dev/null"_s);
+        QCOMPARE(fixture.calls().at(1).last(), fixture.path(u"a.m4v"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void passTwoIsARunningTaskOfTheJob()
     {
-        ConversionBench bench({u"err frame=9 time=00:02:00.00 bitrate"_s, u"when /dev/null"_s, u"exit 0"_s,
-                               u"end"_s, u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()}, u"2"_s);
+        ConversionFixture fixture({u"err frame=9 time=00:02:00.00 bitrate"_s, u"when /dev/null"_s,
+                                   u"exit 0"_s, u"end"_s, u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()}, u"2"_s);
         job->startJob();
         const auto first = job->stepConverterList().first()->converterTask();
-        QVERIFY(waitFor([&] { return bench.calls().size() == 2; }));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 2; }));
         const auto second = job->stepConverterList().first()->converterTask();
         QVERIFY(first != second);
         QCOMPARE(job->stepTaskList(), QList<jobs::StepTask>{second}); // an ended step's task has left
@@ -115,61 +116,61 @@ private Q_SLOTS:
     void aFailedPassOneIsTheEnd()
     {
         QFETCH(QString, ending);
-        ConversionBench bench({u"err frame=9 time=00:02:00.00 bitrate"_s, ending});
-        const auto job = bench.make(u"General"_s, {videoTrack()}, u"2"_s);
-        QVERIFY(bench.run(job));
-        QCOMPARE(bench.calls().size(), 1);
+        ConversionFixture fixture({u"err frame=9 time=00:02:00.00 bitrate"_s, ending});
+        const auto job = fixture.make(u"General"_s, {videoTrack()}, u"2"_s);
+        QVERIFY(fixture.run(job));
+        QCOMPARE(fixture.calls().size(), 1);
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY(job->outputs().isEmpty());
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 
     /// The step's text stays as it was, and the job goes on.
     void aTimestampErrorStartsARetry()
     {
-        ConversionBench bench({u"when genpts"_s, u"hang"_s, u"end"_s,
-                               u"err frame=9 time=00:00:30.00 bitrate"_s, timestampLine, u"exit 1"_s});
-        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
+        ConversionFixture fixture({u"when genpts"_s, u"hang"_s, u"end"_s,
+                                   u"err frame=9 time=00:00:30.00 bitrate"_s, timestampLine, u"exit 1"_s});
+        const auto job = fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
         job->startJob();
-        QVERIFY(waitFor([&] { return bench.calls().size() == 2; }));
-        QCOMPARE(bench.calls().at(1), pair + bench.calls().at(0));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 2; }));
+        QCOMPARE(fixture.calls().at(1), pair + fixture.calls().at(0));
         QCOMPARE(job->progressList(), itemOf(u"25%"_s));
-        QCOMPARE(bench.record.count(u"jobDone"_s), 0);
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 0);
         QCOMPARE(job->stepTaskList(),
                  QList<jobs::StepTask>{job->stepConverterList().first()->converterTask()});
     }
 
     void aRetryThatHelpsEndsTheJobWell()
     {
-        ConversionBench bench(QStringList{u"when genpts"_s} + ConversionBench::wellDone() +
-                              QStringList({u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
-        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
-        QVERIFY(bench.run(job));
-        QCOMPARE(bench.calls().size(), 2);
+        ConversionFixture fixture(QStringList{u"when genpts"_s} + ConversionFixture::wellDone() +
+                                  QStringList({u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
+        const auto job = fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
+        QVERIFY(fixture.run(job));
+        QCOMPARE(fixture.calls().size(), 2);
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void afterFiveRetriesItGivesUp()
     {
-        ConversionBench bench({u"err frame=9 time=00:02:00.00 bitrate"_s, timestampLine, u"exit 1"_s});
-        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
-        QVERIFY(bench.run(job));
-        QCOMPARE(bench.calls().size(), 6);
-        QCOMPARE(bench.calls().last(), pair + pair + pair + pair + pair + bench.calls().first());
+        ConversionFixture fixture({u"err frame=9 time=00:02:00.00 bitrate"_s, timestampLine, u"exit 1"_s});
+        const auto job = fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s)});
+        QVERIFY(fixture.run(job));
+        QCOMPARE(fixture.calls().size(), 6);
+        QCOMPARE(fixture.calls().last(), pair + pair + pair + pair + pair + fixture.calls().first());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY(job->outcome().sentence.contains(u"packets without timestamps"_s));
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 
     void aRetryOfPassTwoRunsBothPassesAgain()
     {
-        ConversionBench bench(
-            QStringList{u"when genpts"_s} + ConversionBench::wellDone() +
+        ConversionFixture fixture(
+            QStringList{u"when genpts"_s} + ConversionFixture::wellDone() +
             QStringList({u"exit 0"_s, u"end"_s, u"err frame=9 time=00:02:00.00 bitrate"_s,
                          u"when /dev/null"_s, u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
-        const auto job = bench.make(u"MKV"_s, {videoTrack()}, u"2"_s);
-        QVERIFY(bench.run(job));
-        const auto calls = bench.calls();
+        const auto job = fixture.make(u"MKV"_s, {videoTrack()}, u"2"_s);
+        QVERIFY(fixture.run(job));
+        const auto calls = fixture.calls();
         QCOMPARE(calls.size(), 4);
         QCOMPARE(calls.at(2), pair + calls.at(0));
         QCOMPARE(calls.at(3), pair + calls.at(1));
@@ -179,77 +180,77 @@ private Q_SLOTS:
     /// A picture that is copied in two passes meets its missing timestamps in pass 1 already.
     void aRetryOfPassOneGoesOnToPassTwo()
     {
-        ConversionBench bench(QStringList{u"when genpts"_s} + ConversionBench::wellDone() +
-                              QStringList({u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
-        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
-        QVERIFY(bench.run(job));
-        const auto calls = bench.calls();
+        ConversionFixture fixture(QStringList{u"when genpts"_s} + ConversionFixture::wellDone() +
+                                  QStringList({u"exit 0"_s, u"end"_s, timestampLine, u"exit 1"_s}));
+        const auto job = fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
+        QVERIFY(fixture.run(job));
+        const auto calls = fixture.calls();
         QCOMPARE(calls.size(), 3);
         QCOMPARE(calls.at(1), pair + calls.at(0));
         QCOMPARE(calls.at(2).mid(0, 2), pair);
-        QCOMPARE(calls.at(2).last(), bench.path(u"a.mkv.mkv"_s));
+        QCOMPARE(calls.at(2).last(), fixture.path(u"a.mkv.mkv"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void aPassOneThatNeverHelpsIsGivenUp()
     {
-        ConversionBench bench({timestampLine, u"exit 1"_s});
-        const auto job = bench.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
-        QVERIFY(bench.run(job));
-        QCOMPARE(bench.calls().size(), 6);
+        ConversionFixture fixture({timestampLine, u"exit 1"_s});
+        const auto job = fixture.make(u"MKV"_s, {videoTrack(u"passthru"_s)}, u"2"_s);
+        QVERIFY(fixture.run(job));
+        QCOMPARE(fixture.calls().size(), 6);
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
-        QCOMPARE(bench.record.count(u"jobDone"_s), 1);
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 1);
     }
 
     void theLastCompletionEndsItOnce()
     {
-        ConversionBench bench({u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
         auto *converter = job->stepConverterList().first().get();
-        bench.world.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(converter));
-        bench.world.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(converter));
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 1; }, 100));
+        fixture.base.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(converter));
+        fixture.base.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(converter));
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(!waitFor([&] { return fixture.record.count(u"jobDone"_s) > 1; }, 100));
     }
 
     void anItemThatIsNotCompleteKeepsItRunning()
     {
-        ConversionBench bench({u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
         job->setProgressList(job->progressList() << jobs::ProgressItem{u"Another"_s, u"0%"_s});
-        bench.world.notifications.post(u"taskCompletion"_s, u"Complete"_s,
-                                       infoOf(job->stepConverterList().first().get()));
+        fixture.base.notifications.post(u"taskCompletion"_s, u"Complete"_s,
+                                        infoOf(job->stepConverterList().first().get()));
         QCOMPARE(job->progressList().first().progress, u"Complete"_s);
-        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 0; }, 200));
+        QVERIFY(!waitFor([&] { return fixture.record.count(u"jobDone"_s) > 0; }, 200));
     }
 
     void announcementsOfOthersDontCount()
     {
-        ConversionBench bench({u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
-        step::OutputGuard guard(bench.world.outputs, step::WhenTaken::NextFreeName);
-        KXFfmpegConverter other(bench.world.converterContext(guard));
-        bench.world.notifications.post(u"monitorConversionUpdate"_s, u"50%"_s, infoOf(&other));
-        bench.world.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(&other));
-        bench.world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        steps::OutputGuard guard(fixture.base.outputs, steps::WhenTaken::NextFreeName);
+        KXFfmpegConverter other(fixture.base.converterContext(guard));
+        fixture.base.notifications.post(u"monitorConversionUpdate"_s, u"50%"_s, infoOf(&other));
+        fixture.base.notifications.post(u"taskCompletion"_s, u"Complete"_s, infoOf(&other));
+        fixture.base.notifications.post(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(job->progressList(), itemOf(u"0%"_s));
-        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 0; }, 100));
+        QVERIFY(!waitFor([&] { return fixture.record.count(u"jobDone"_s) > 0; }, 100));
     }
 
     void progressTextsAreToldApart()
     {
-        ConversionBench bench({u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
         const auto info = infoOf(job->stepConverterList().first().get());
-        bench.world.notifications.post(u"monitorConversionUpdate"_s, u"Pass #1 45%"_s, info);
+        fixture.base.notifications.post(u"monitorConversionUpdate"_s, u"Pass #1 45%"_s, info);
         QCOMPARE(job->progressList(), itemOf(u"Pass #1 45%"_s));
-        bench.world.notifications.post(u"monitorConversionUpdate"_s, u"something else"_s, info);
+        fixture.base.notifications.post(u"monitorConversionUpdate"_s, u"something else"_s, info);
         QCOMPARE(job->progressList(), itemOf(u"Pass #1 45%"_s));
-        bench.world.notifications.post(u"taskCompletion"_s, u"something else"_s, info);
+        fixture.base.notifications.post(u"taskCompletion"_s, u"something else"_s, info);
         QCOMPARE(job->progressList(), itemOf(u"Pass #1 45%"_s));
     }
 
@@ -263,46 +264,46 @@ private Q_SLOTS:
     void phasesFlash()
     {
         QFETCH(QString, phase);
-        ConversionBench bench({u"hang"_s});
-        const auto job = bench.make(u"General"_s, {videoTrack()});
+        ConversionFixture fixture({u"hang"_s});
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
         job->startJob();
         const auto info = infoOf(job->stepConverterList().first().get());
-        bench.world.notifications.post(u"monitorConversionUpdate"_s, phase, info);
+        fixture.base.notifications.post(u"monitorConversionUpdate"_s, phase, info);
         QCOMPARE(job->progressList(), itemOf(u"0%"_s)); // the first blink comes with the timer
         QVERIFY(waitFor([&] { return job->progressList() == itemOf(phase); }));
         QVERIFY(waitFor([&] { return job->progressList() == itemOf(u""_s); }));
-        bench.world.notifications.post(u"monitorConversionUpdate"_s, u"46%"_s, info);
+        fixture.base.notifications.post(u"monitorConversionUpdate"_s, u"46%"_s, info);
         QVERIFY(!waitFor([&] { return job->progressList() != itemOf(u"46%"_s); }, 1200));
     }
 
     void aToolThatCantBeStartedEndsTheJob()
     {
-        ConversionBench bench;
-        QVERIFY(QFile::remove(bench.world.preferences.toolsLocation().toLocalFile() + u"/ffmpeg/ffmpeg"_s));
-        const auto job = bench.make(u"General"_s, {videoTrack()});
-        QVERIFY(bench.run(job));
+        ConversionFixture fixture;
+        QVERIFY(QFile::remove(fixture.base.preferences.toolsLocation().toLocalFile() + u"/ffmpeg/ffmpeg"_s));
+        const auto job = fixture.make(u"General"_s, {videoTrack()});
+        QVERIFY(fixture.run(job));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY(job->outcome().sentence.contains(u"not started"_s));
     }
 
     /// Only what would be started is noted, both passes of it.
-    void aRehearsalStartsNothing()
+    void aDryRunStartsNothing()
     {
-        ConversionBench bench;
-        step::Rehearsal rehearsal;
+        ConversionFixture fixture;
+        steps::DryRun dryRun;
         const auto job = std::make_shared<KXConvertWithFfmpegJob>(
-            bench.world.jobContext(step::WhenTaken::NextFreeName, rehearsal));
-        job->initJobWithSelectionAndPreferences(bench.selection(u"General"_s, {videoTrack()}, u"2"_s),
-                                                bench.world.preferences);
+            fixture.base.jobContext(steps::WhenTaken::NextFreeName, dryRun));
+        job->initJobWithSelectionAndPreferences(fixture.selection(u"General"_s, {videoTrack()}, u"2"_s),
+                                                fixture.base.preferences);
         job->startJob();
-        QCOMPARE(rehearsal.entries().size(), 2);
-        QCOMPARE(rehearsal.entries().at(0).launch.pass, 1);
-        QCOMPARE(rehearsal.entries().at(1).launch.pass, 2);
-        QCOMPARE(rehearsal.entries().at(1).launch.stepName, u"Video Conversion"_s);
-        QVERIFY(bench.calls().isEmpty());
+        QCOMPARE(dryRun.entries().size(), 2);
+        QCOMPARE(dryRun.entries().at(0).launch.pass, 1);
+        QCOMPARE(dryRun.entries().at(1).launch.pass, 2);
+        QCOMPARE(dryRun.entries().at(1).launch.stepName, u"Video Conversion"_s);
+        QVERIFY(fixture.calls().isEmpty());
         job->stopJob();
     }
 };
 
-QTEST_GUILESS_MAIN(KXConvertWithFfmpegJobTest)
+TESSARAY_TEST(KXConvertWithFfmpegJobTest)
 #include "KXConvertWithFfmpegJobTest.moc"

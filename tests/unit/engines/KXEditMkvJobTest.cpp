@@ -1,18 +1,19 @@
-#include "engines/KXEditMkvJob.h"
-#include "engines/KXMkvEditor.h"
-#include "engines/KXMkvMuxer.h"
-#include "engines/KXMkvReMuxer.h"
-#include "engines/KXTrackDumper.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXEditMkvJob.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
+#include "engines/mkvtoolnix/KXMkvEditor.h"
+#include "engines/mkvtoolnix/KXMkvMuxer.h"
+#include "engines/mkvtoolnix/KXMkvReMuxer.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
@@ -27,7 +28,7 @@ const QString remuxing = u"MKV Remux"_s;
 class Answering final : public KXConverter
 {
 public:
-    Answering(const step::ConverterContext &context, const QString &name, const QStringList &answers)
+    Answering(const steps::ConverterContext &context, const QString &name, const QStringList &answers)
         : KXConverter(context)
         , m_answers(answers)
     {
@@ -39,16 +40,16 @@ public:
     {
         return m_answers.isEmpty() ? u"Complete"_s : m_answers.takeFirst();
     }
-    step::Outcome outcome() const override { return step::Outcome::ok(); }
+    steps::Outcome outcome() const override { return steps::Outcome::ok(); }
 
 private:
     QStringList m_answers;
 };
 
-class EditBench final : public MkvBench
+class EditFixture final : public MkvFixture
 {
 public:
-    using MkvBench::MkvBench;
+    using MkvFixture::MkvFixture;
 
     /// A film of three tracks, and all that any of the types reads.
     SelectionPointer chosen(const QString &jobType) const
@@ -57,7 +58,7 @@ public:
             selection(jobType, {videoTrack(u"passthru"_s), audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}),
                                 subtitleTrack(u"2"_s, u"srt"_s)});
         made->setKeepTracksList(made->trackList().mid(0, 1));
-        world.scratch.write(u"b.mkv"_s, "film");
+        base.scratch.write(u"b.mkv"_s, "film");
         made->setEditFilesURLsList({source, url(u"b.mkv"_s)});
         made->setSplitType(u"time"_s);
         made->setSplitStartTimeText(u"00:10:00"_s);
@@ -71,9 +72,9 @@ public:
     /// A job that nobody started, with converters that answer from scripts.
     std::shared_ptr<KXEditMkvJob> unstarted(const QString &jobType, const QStringList &answers)
     {
-        const auto made = std::make_shared<KXEditMkvJob>(world.jobContext());
+        const auto made = std::make_shared<KXEditMkvJob>(base.jobContext());
         job = made;
-        made->initJobWithSelectionAndPreferences(chosen(jobType), world.preferences);
+        made->initJobWithSelectionAndPreferences(chosen(jobType), base.preferences);
         made->setStepConverterList({std::make_shared<Answering>(context(), u"Extracting"_s, answers)});
         return made;
     }
@@ -87,9 +88,9 @@ public:
     void announce(const QString &name, const QString &text, qsizetype step = 0)
     {
         auto *converter = job->stepConverterList().at(step).get();
-        world.notifications.post(name, text,
-                                 {{u"stepName"_s, converter->stepName()},
-                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+        base.notifications.post(name, text,
+                                {{u"stepName"_s, converter->stepName()},
+                                 {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
     }
     bool waitForText(const QString &text) const
     {
@@ -106,8 +107,8 @@ class KXEditMkvJobTest final : public QObject
 private Q_SLOTS:
     void aNewJobHasNothing()
     {
-        EditBench bench;
-        const KXEditMkvJob job(bench.world.jobContext());
+        EditFixture fixture;
+        const KXEditMkvJob job(fixture.base.jobContext());
         QVERIFY(job.theTracks().isEmpty());
         QCOMPARE(job.muxStepCounter(), 0);
         QCOMPARE(job.oldStepProgress(), 0);
@@ -140,11 +141,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, jobType);
         QFETCH(QStringList, steps);
-        EditBench bench({u"hang"_s});
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin(jobType);
-        QCOMPARE(bench.shownProgress(), steps);
-        QCOMPARE(bench.progressTexts(), QStringList{steps.join(u',')});
+        EditFixture fixture({u"hang"_s});
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin(jobType);
+        QCOMPARE(fixture.shownProgress(), steps);
+        QCOMPARE(fixture.progressTexts(), QStringList{steps.join(u',')});
         QCOMPARE(job->theTracks().size(), 3);
         QCOMPARE(job->stepConverterList().size(), steps.size());
         QVERIFY(waitFor([&] { return job->stepTaskList().size() == steps.size(); }));
@@ -153,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(job->oldStepProgress(), 0);
         QStringList logs;
         for (const QUrl &log : job->logFilesToDeleteList())
-            logs << bench.shown(log.toLocalFile());
+            logs << fixture.shown(log.toLocalFile());
         QTEST(logs, "logs");
         for (const auto &converter : job->stepConverterList())
             QVERIFY(!converter->isTemporaryOutput());
@@ -162,12 +163,12 @@ private Q_SLOTS:
 
     void aTrackOfAnotherTypeIsJustExtracted()
     {
-        EditBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto made = bench.chosen(extraction);
+        EditFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto made = fixture.chosen(extraction);
         made->trackList().constLast()->setTrackType(u"Attachment"_s);
-        bench.start<KXEditMkvJob>(made);
-        QCOMPARE(bench.shownProgress().constLast(), u"Extracting=0%"_s);
+        fixture.start<KXEditMkvJob>(made);
+        QCOMPARE(fixture.shownProgress().constLast(), u"Extracting=0%"_s);
     }
 
     void extractionJoiningAndSendingRunAsProcessObjectsTheRestInTheBackground_data()
@@ -186,9 +187,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, jobType);
         QFETCH(bool, asProcess);
-        EditBench bench({u"hang"_s});
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin(jobType);
+        EditFixture fixture({u"hang"_s});
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin(jobType);
         for (const auto &task : job->stepTaskList())
             QCOMPARE(std::holds_alternative<tools::ToolProcessPointer>(task), asProcess);
         for (const auto &converter : job->stepConverterList())
@@ -220,13 +221,13 @@ private Q_SLOTS:
         QFETCH(QString, launched);
         QFETCH(QString, output);
         QFETCH(QString, jobType);
-        EditBench bench;
-        const auto job = bench.begin(jobType);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.calls(), QList<QStringList>{launched.split(u'|')});
+        EditFixture fixture;
+        const auto job = fixture.begin(jobType);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(), QList<QStringList>{launched.split(u'|')});
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(output)});
-        QVERIFY(bench.world.scratch.names().filter(u".log"_s).isEmpty()); // they went with the job
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(output)});
+        QVERIFY(fixture.base.scratch.names().filter(u".log"_s).isEmpty()); // they went with the job
     }
 
     /// The hand-over is another job's: this one ends when the tracks are written.
@@ -240,46 +241,46 @@ private Q_SLOTS:
     void extractionAndSendingWriteEveryTrackAndHandNothingOver()
     {
         QFETCH(QString, jobType);
-        EditBench bench;
-        bench.world.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
-        const auto job = bench.begin(jobType);
-        QVERIFY(bench.waitForEnd());
+        EditFixture fixture;
+        fixture.base.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
+        const auto job = fixture.begin(jobType);
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outputs(),
-                 QList<QUrl>({bench.url(u"a.mkv.stream0.h264"_s), bench.url(u"a.mkv.stream1.ac3"_s),
-                              bench.url(u"a.mkv.stream2.srt"_s)}));
+                 QList<QUrl>({fixture.url(u"a.mkv.stream0.h264"_s), fixture.url(u"a.mkv.stream1.ac3"_s),
+                              fixture.url(u"a.mkv.stream2.srt"_s)}));
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QVERIFY(bench.world.workspace.asked().isEmpty());
-        QVERIFY(bench.world.alerts.shown().isEmpty());
-        QVERIFY(bench.calls().isEmpty());
+        QVERIFY(fixture.base.workspace.asked().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
+        QVERIFY(fixture.calls().isEmpty());
     }
 
     void anUnknownJobTypeStartsNothingAndEndsAsFailed()
     {
         for (const QString &type : {u"MKV Conversion"_s, u"mkv remux"_s, u""_s}) {
-            EditBench bench;
-            const auto job = bench.begin(type);
+            EditFixture fixture;
+            const auto job = fixture.begin(type);
             QVERIFY(job->stepConverterList().isEmpty());
             QVERIFY(job->stepTaskList().isEmpty());
             QVERIFY(job->progressList().isEmpty());
-            QVERIFY(bench.waitForEnd());
+            QVERIFY(fixture.waitForEnd());
             QCOMPARE(job->outcome().verdict, Verdict::Failed);
             QCOMPARE(job->outcome().sentence, u"There is no job of the type \"%1\"."_s.arg(type));
-            QVERIFY(bench.calls().isEmpty());
+            QVERIFY(fixture.calls().isEmpty());
         }
     }
 
     void anUnknownSplitTypeEndsAsFailed()
     {
-        EditBench bench;
-        const auto made = bench.chosen(splitting);
+        EditFixture fixture;
+        const auto made = fixture.chosen(splitting);
         made->setSplitType(u"chapters"_s);
-        const auto job = bench.start<KXEditMkvJob>(made);
+        const auto job = fixture.start<KXEditMkvJob>(made);
         QVERIFY(job->stepTaskList().isEmpty());
-        QVERIFY(bench.waitForEnd());
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QCOMPARE(job->outcome().sentence,
                  u"There is no way to split by \"chapters\", so nothing was started."_s);
-        QVERIFY(bench.calls().isEmpty());
+        QVERIFY(fixture.calls().isEmpty());
     }
 
     // Announcements.
@@ -294,43 +295,44 @@ private Q_SLOTS:
     void itsOwnStepsPercentagesAreShown()
     {
         QFETCH(QString, name);
-        EditBench bench({u"hang"_s});
-        const auto job = bench.begin(joining);
-        bench.announce(name, u"45%"_s);
-        QCOMPARE(bench.shownProgress(), QStringList{u"Joining Videos=45%"_s});
-        bench.announce(name, u"no percentage"_s);
-        bench.announce(u"monitorConversionUpdate"_s, u"46%"_s); // not observed
-        const Answering other(bench.context(), u"Joining Videos"_s, {});
-        bench.world.notifications.post(
+        EditFixture fixture({u"hang"_s});
+        const auto job = fixture.begin(joining);
+        fixture.announce(name, u"45%"_s);
+        QCOMPARE(fixture.shownProgress(), QStringList{u"Joining Videos=45%"_s});
+        fixture.announce(name, u"no percentage"_s);
+        fixture.announce(u"monitorConversionUpdate"_s, u"46%"_s); // not observed
+        const Answering other(fixture.context(), u"Joining Videos"_s, {});
+        fixture.base.notifications.post(
             name, u"47%"_s,
             {{u"stepName"_s, other.stepName()},
              {u"theConverter"_s, QVariant::fromValue<QObject *>(const_cast<Answering *>(&other))}});
-        QCOMPARE(bench.shownProgress(), QStringList{u"Joining Videos=45%"_s});
+        QCOMPARE(fixture.shownProgress(), QStringList{u"Joining Videos=45%"_s});
     }
 
     void theJobEndsWhenEveryStepIsComplete()
     {
-        EditBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin(extraction);
-        bench.announce(u"taskCompletion"_s, u"Complete"_s, 2);
-        bench.announce(u"taskCompletion"_s, u"Complete"_s, 0);
-        bench.announce(u"taskCompletion"_s, u"Pass 1 Complete"_s, 1);
-        QCOMPARE(bench.shownProgress(),
+        EditFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin(extraction);
+        fixture.announce(u"taskCompletion"_s, u"Complete"_s, 2);
+        fixture.announce(u"taskCompletion"_s, u"Complete"_s, 0);
+        fixture.announce(u"taskCompletion"_s, u"Pass 1 Complete"_s, 1);
+        QCOMPARE(fixture.shownProgress(),
                  QStringList({u"Extracting Video Track=Complete"_s, u"Extracting Audio Track=0%"_s,
                               u"Extracting Subtitle Track=Complete"_s}));
         QVERIFY(!waitFor([&] { return job->hasEnded(); }, 200));
-        bench.announce(u"taskCompletion"_s, u"Complete"_s, 1);
-        QVERIFY(bench.waitForEnd());
+        fixture.announce(u"taskCompletion"_s, u"Complete"_s, 1);
+        QVERIFY(fixture.waitForEnd());
     }
 
     /// mkvmerge tells its numbers on the stream that this join doesn't read, on purpose.
     void aJoinShowsNoNumberUntilItIsComplete()
     {
-        EditBench bench;
-        bench.begin(joining);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.progressTexts(), QStringList({u"Joining Videos=0%"_s, u"Joining Videos=Complete"_s}));
+        EditFixture fixture;
+        fixture.begin(joining);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.progressTexts(),
+                 QStringList({u"Joining Videos=0%"_s, u"Joining Videos=Complete"_s}));
     }
 
     // Polling.
@@ -349,11 +351,12 @@ private Q_SLOTS:
     {
         QFETCH(QString, jobType);
         QFETCH(QString, label);
-        EditBench bench(QStringList{u"part out Progress: 45%\\r"_s, u"sleep 1500"_s} + MkvBench::wellMuxed());
-        const auto job = bench.begin(jobType);
-        QVERIFY(bench.waitForText(u"Muxing Step #1=45%"_s));
-        QVERIFY(bench.waitForEnd());
-        const QStringList texts = bench.progressTexts();
+        EditFixture fixture(QStringList{u"part out Progress: 45%\\r"_s, u"sleep 1500"_s} +
+                            MkvFixture::wellMuxed());
+        const auto job = fixture.begin(jobType);
+        QVERIFY(fixture.waitForText(u"Muxing Step #1=45%"_s));
+        QVERIFY(fixture.waitForEnd());
+        const QStringList texts = fixture.progressTexts();
         QCOMPARE(texts.constFirst(), label + u"=0%"_s); // before the first poll
         QVERIFY(texts.contains(u"Muxing Step #1=Complete"_s));
         QCOMPARE(texts.filter(label).size(), texts.filter(label + u"=0%"_s).size());
@@ -362,119 +365,119 @@ private Q_SLOTS:
 
     void aFallenPercentageIsTheNextMuxingStep()
     {
-        EditBench bench;
-        const auto job = bench.unstarted(remuxing, {u"80%"_s, u"error"_s, u"5%"_s});
+        EditFixture fixture;
+        const auto job = fixture.unstarted(remuxing, {u"80%"_s, u"error"_s, u"5%"_s});
         job->monitorMuxStep();
-        QVERIFY(bench.waitForEnd());
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->muxStepCounter(), 2);
         for (const QString &text :
              {u"Muxing Step #1=80%"_s, u"Muxing Step #2=5%"_s, u"Muxing Step #2=Complete"_s})
-            QVERIFY2(bench.progressTexts().contains(text), qPrintable(text));
+            QVERIFY2(fixture.progressTexts().contains(text), qPrintable(text));
     }
 
     void aCancelledJobStopsItsPollAndIsNotDone()
     {
-        EditBench bench({u"part out Progress: 45%\\r"_s, u"hang"_s});
-        const auto job = bench.begin(splitting);
-        QVERIFY(bench.waitForText(u"Muxing Step #1=45%"_s));
+        EditFixture fixture({u"part out Progress: 45%\\r"_s, u"hang"_s});
+        const auto job = fixture.begin(splitting);
+        QVERIFY(fixture.waitForText(u"Muxing Step #1=45%"_s));
         job->stopJob();
         QVERIFY(waitFor([&] { return job->monitorQueue()->activeThreadCount() == 0; }));
         QCoreApplication::processEvents();
-        QCOMPARE(bench.record.count(u"jobDone"_s), 0);
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 0);
         QCOMPARE(job->outcome().verdict, Verdict::Stopped);
-        QVERIFY(!QFile::exists(bench.path(u"a.mkv.split.log"_s)));
+        QVERIFY(!QFile::exists(fixture.path(u"a.mkv.split.log"_s)));
     }
 
     void aFailedToolIsCompleteAndSaysWhy()
     {
-        EditBench bench({u"out Error: The file has no tracks."_s, u"exit 2"_s});
-        const auto job = bench.begin(remuxing);
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.progressTexts().contains(u"Muxing Step #1=Complete"_s));
+        EditFixture fixture({u"out Error: The file has no tracks."_s, u"exit 2"_s});
+        const auto job = fixture.begin(remuxing);
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.progressTexts().contains(u"Muxing Step #1=Complete"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY2(job->outcome().sentence.contains(u"The file has no tracks"_s),
                  qPrintable(job->outcome().sentence));
-        QVERIFY(QFile::exists(bench.path(u"a.mkv.remuxing.log"_s)));
+        QVERIFY(QFile::exists(fixture.path(u"a.mkv.remuxing.log"_s)));
     }
 
     // The monitors that startJob() does not start.
 
     void startJobStartsNeitherOfTheTwoOtherMonitors()
     {
-        EditBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin(sending);
+        EditFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin(sending);
         // Polled, steps without a background run would be complete at once.
         QVERIFY(!waitFor([&] { return job->hasEnded(); }, 900));
-        QCOMPARE(bench.progressTexts().size(), 1);
+        QCOMPARE(fixture.progressTexts().size(), 1);
         QCOMPARE(job->monitorQueue()->activeThreadCount(), 0);
     }
 
     void thePollingMonitorShowsTheStepsName()
     {
-        EditBench bench;
-        bench.world.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
-        const auto job = bench.unstarted(extraction, {u"80%"_s, u"5%"_s});
+        EditFixture fixture;
+        fixture.base.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
+        const auto job = fixture.unstarted(extraction, {u"80%"_s, u"5%"_s});
         job->monitorStartJob();
-        QVERIFY(bench.waitForEnd());
-        const QStringList texts = bench.progressTexts();
+        QVERIFY(fixture.waitForEnd());
+        const QStringList texts = fixture.progressTexts();
         for (const QString &text : {u"Extracting=80%"_s, u"Extracting=5%"_s, u"Extracting=Complete"_s})
             QVERIFY2(texts.contains(text), qPrintable(texts.join(u'\n')));
-        QVERIFY(bench.world.workspace.asked().isEmpty()); // only sending hands over
+        QVERIFY(fixture.base.workspace.asked().isEmpty()); // only sending hands over
     }
 
     void thePollingMonitorHandsASentSubtitleOver()
     {
-        EditBench bench;
-        bench.world.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
-        bench.unstarted(sending, {})->monitorStartJob();
-        QVERIFY(bench.waitForEnd());
+        EditFixture fixture;
+        fixture.base.preferences.overrideForThisRun(u"lintwickPath"_s, u"/opt/Lintwick"_s);
+        fixture.unstarted(sending, {})->monitorStartJob();
+        QVERIFY(fixture.waitForEnd());
         QStringList asked;
-        for (const QString &request : bench.world.workspace.asked())
-            asked << bench.shown(request);
+        for (const QString &request : fixture.base.workspace.asked())
+            asked << fixture.shown(request);
         QCOMPARE(asked, QStringList({u"launch /opt/Lintwick"_s, u"open /v/a.srt with /opt/Lintwick"_s,
                                      u"open /v/a.mkv with /opt/Lintwick"_s}));
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
     void thePollingMonitorWarnsWhenTheSubtitleApplicationIsMissing()
     {
-        EditBench bench;
-        bench.world.preferences.overrideForThisRun(u"lintwickPath"_s, u""_s);
-        bench.unstarted(sending, {})->monitorStartJob();
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.world.alerts.messages(), QStringList{u"Lintwick Could Not Be Launched"_s});
+        EditFixture fixture;
+        fixture.base.preferences.overrideForThisRun(u"lintwickPath"_s, u""_s);
+        fixture.unstarted(sending, {})->monitorStartJob();
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.base.alerts.messages(), QStringList{u"Lintwick Could Not Be Launched"_s});
     }
 
     void theCountingMonitorNumbersTheStepsName()
     {
-        EditBench bench;
-        const auto job = bench.unstarted(sending, {u"80%"_s, u"5%"_s});
+        EditFixture fixture;
+        const auto job = fixture.unstarted(sending, {u"80%"_s, u"5%"_s});
         job->monitorStartJobWithMultipleSteps();
-        QVERIFY(bench.waitForEnd());
-        const QStringList texts = bench.progressTexts();
+        QVERIFY(fixture.waitForEnd());
+        const QStringList texts = fixture.progressTexts();
         for (const QString &text :
              {u"Extracting Step #1=80%"_s, u"Extracting Step #2=5%"_s, u"Extracting Step #2=Complete"_s})
             QVERIFY2(texts.contains(text), qPrintable(texts.join(u'\n')));
         QCOMPARE(job->progressStepCounter(), 2);
-        QVERIFY(bench.world.workspace.asked().isEmpty());
+        QVERIFY(fixture.base.workspace.asked().isEmpty());
     }
 
     void aCancelledJobIsNotDoneByItsOtherMonitorsEither()
     {
-        EditBench bench;
+        EditFixture fixture;
         const QStringList endless(1000, u"5%"_s);
-        const auto job = bench.unstarted(sending, endless);
+        const auto job = fixture.unstarted(sending, endless);
         job->monitorStartJob();
         job->monitorStartJobWithMultipleSteps();
-        QVERIFY(bench.waitForText(u"Extracting=5%"_s));
+        QVERIFY(fixture.waitForText(u"Extracting=5%"_s));
         job->stopJob();
         QVERIFY(waitFor([&] { return job->monitorQueue()->activeThreadCount() == 0; }));
         QCoreApplication::processEvents();
-        QCOMPARE(bench.record.count(u"jobDone"_s), 0);
-        QVERIFY(bench.world.workspace.asked().isEmpty());
+        QCOMPARE(fixture.record.count(u"jobDone"_s), 0);
+        QVERIFY(fixture.base.workspace.asked().isEmpty());
     }
 };
 
-QTEST_GUILESS_MAIN(KXEditMkvJobTest)
+TESSARAY_TEST(KXEditMkvJobTest)
 #include "KXEditMkvJobTest.moc"

@@ -1,10 +1,11 @@
-#include "engines/KXExtractTracksJob.h"
+#include "engines/ffmpeg/KXExtractTracksJob.h"
 #include "engines/EngineJobs.h"
 #include "jobs/JobFactory.h"
 #include "support/FakeTool.h"
-#include "support/HandMade.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFile>
 #include <QTest>
@@ -13,31 +14,31 @@
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
 const QString wellDone = u"err frame=9 Lsize=9kB time=00:02:00.00 bitrate"_s;
 
-class ExtractionBench final
+class ExtractionFixture final
 {
 public:
-    explicit ExtractionBench(const QStringList &script = {wellDone, u"write 10 last"_s})
-        : source(world.scratch.url(u"a.mkv"_s))
-        , record(world.notifications, {u"progressUpdate"_s, u"jobDone"_s, u"conversionStarted"_s})
+    explicit ExtractionFixture(const QStringList &script = {wellDone, u"write 10 last"_s})
+        : source(base.scratch.url(u"a.mkv"_s))
+        , record(base.notifications, {u"progressUpdate"_s, u"jobDone"_s, u"conversionStarted"_s})
     {
-        world.setKeepLogs(false);
-        world.scratch.write(u"a.mkv"_s, "film");
-        world.installTool(u"ffmpeg/ffmpeg"_s,
-                          QStringList{u"record "_s + world.scratch.path(u"runs"_s)} + script);
-        world.installTool(u"ffmpeg/ffprobe"_s, {u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        base.setKeepLogs(false);
+        base.scratch.write(u"a.mkv"_s, "film");
+        base.installTool(u"ffmpeg/ffmpeg"_s,
+                         QStringList{u"record "_s + base.scratch.path(u"runs"_s)} + script);
+        base.installTool(u"ffmpeg/ffprobe"_s, {u"out   Duration: 00:02:00.00, start: 0.0"_s});
     }
-    ~ExtractionBench()
+    ~ExtractionFixture()
     {
         if (job && !job->hasEnded())
             job->stopJob();
     }
-    Q_DISABLE_COPY_MOVE(ExtractionBench)
+    Q_DISABLE_COPY_MOVE(ExtractionFixture)
 
     void start(const TrackList &tracks)
     {
@@ -45,24 +46,24 @@ public:
             track->setTrackFileURL(source);
         const auto selection = handMadeSelection(u"General"_s, tracks);
         selection->setVideoTrackFileURL(source);
-        job = std::make_shared<KXExtractTracksJob>(world.jobContext());
-        job->initJobWithSelectionAndPreferences(selection, world.preferences);
+        job = std::make_shared<KXExtractTracksJob>(base.jobContext());
+        job->initJobWithSelectionAndPreferences(selection, base.preferences);
         job->startJob();
     }
     bool waitForEnd() const
     {
         return waitFor([&] { return record.count(u"jobDone"_s) > 0; });
     }
-    qsizetype runs() const { return FakeTool::recordedRuns(world.scratch.path(u"runs"_s)).size(); }
+    qsizetype runs() const { return FakeTool::recordedRuns(base.scratch.path(u"runs"_s)).size(); }
     void post(const QString &name, const QString &text, qsizetype step)
     {
         auto *converter = job->stepConverterList().at(step).get();
-        world.notifications.post(name, text,
-                                 {{u"stepName"_s, converter->stepName()},
-                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+        base.notifications.post(name, text,
+                                {{u"stepName"_s, converter->stepName()},
+                                 {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture base{JobFixture::Tools::Fake};
     QUrl source;
     NotificationRecord record;
     std::shared_ptr<KXExtractTracksJob> job;
@@ -91,164 +92,164 @@ private Q_SLOTS:
     void everyTrackIsAStepAndAsManyRunAsMay()
     {
         QFETCH(int, atOnce);
-        ExtractionBench bench({u"hang"_s});
-        bench.world.toolsAtOnce = atOnce;
+        ExtractionFixture fixture({u"hang"_s});
+        fixture.base.toolsAtOnce = atOnce;
         const auto other = subtitleTrack(u"3"_s, u"srt"_s);
         other->setTrackType(u"External Subtitle"_s);
-        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s), other});
-        QCOMPARE(bench.job->progressList(), jobs::ProgressList({{u"Extracting Video Track"_s, u"0%"_s},
-                                                                {u"Extracting Audio Track"_s, u"0%"_s},
-                                                                {u"Extracting Subtitle Track"_s, u"0%"_s},
-                                                                {u"Extracting"_s, u"0%"_s}}));
-        QCOMPARE(bench.job->stepConverterList().size(), 4);
-        QVERIFY(waitFor([&] { return bench.job->stepTaskList().size() == atOnce; }));
-        QVERIFY(bench.job->tempFilesToDeleteList().isEmpty());
-        QCOMPARE(bench.job->logFilesToDeleteList().size(), 4);
-        QCOMPARE(bench.record.count(u"progressUpdate"_s), 1);
-        QVERIFY(waitFor([&] { return bench.runs() == atOnce; }));
-        QVERIFY(!waitFor([&] { return bench.runs() > atOnce; }, 300));
-        QVERIFY(!bench.job->hasEnded());
-        bench.job->stopJob();
-        QVERIFY(!waitFor([&] { return bench.runs() > atOnce; }, 300)); // nor does a stop start any
+        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s), other});
+        QCOMPARE(fixture.job->progressList(), jobs::ProgressList({{u"Extracting Video Track"_s, u"0%"_s},
+                                                                  {u"Extracting Audio Track"_s, u"0%"_s},
+                                                                  {u"Extracting Subtitle Track"_s, u"0%"_s},
+                                                                  {u"Extracting"_s, u"0%"_s}}));
+        QCOMPARE(fixture.job->stepConverterList().size(), 4);
+        QVERIFY(waitFor([&] { return fixture.job->stepTaskList().size() == atOnce; }));
+        QVERIFY(fixture.job->tempFilesToDeleteList().isEmpty());
+        QCOMPARE(fixture.job->logFilesToDeleteList().size(), 4);
+        QCOMPARE(fixture.record.count(u"progressUpdate"_s), 1);
+        QVERIFY(waitFor([&] { return fixture.runs() == atOnce; }));
+        QVERIFY(!waitFor([&] { return fixture.runs() > atOnce; }, 300));
+        QVERIFY(!fixture.job->hasEnded());
+        fixture.job->stopJob();
+        QVERIFY(!waitFor([&] { return fixture.runs() > atOnce; }, 300)); // nor does a stop start any
     }
 
     void theNextStartsWhenOneEnds()
     {
-        ExtractionBench bench;
-        bench.world.toolsAtOnce = 1;
-        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.runs(), 3);
-        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(bench.job->outputs().size(), 3);
+        ExtractionFixture fixture;
+        fixture.base.toolsAtOnce = 1;
+        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.runs(), 3);
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
+        QCOMPARE(fixture.job->outputs().size(), 3);
     }
 
     void nothingStartsWhileTheJobIsPaused()
     {
-        ExtractionBench bench({u"sleep 300"_s, wellDone, u"write 10 last"_s});
-        bench.world.toolsAtOnce = 1;
-        bench.start({videoTrack(), sound()});
-        QVERIFY(waitFor([&] { return bench.runs() == 1; }));
-        bench.job->pauseJob();
-        bench.post(u"taskCompletion"_s, u"Complete"_s, 0); // as if it had ended before
-        QVERIFY(!waitFor([&] { return bench.runs() > 1; }, 500));
-        bench.job->resumeJob();
-        QVERIFY(waitFor([&] { return bench.runs() == 2; }));
+        ExtractionFixture fixture({u"sleep 300"_s, wellDone, u"write 10 last"_s});
+        fixture.base.toolsAtOnce = 1;
+        fixture.start({videoTrack(), sound()});
+        QVERIFY(waitFor([&] { return fixture.runs() == 1; }));
+        fixture.job->pauseJob();
+        fixture.post(u"taskCompletion"_s, u"Complete"_s, 0); // as if it had ended before
+        QVERIFY(!waitFor([&] { return fixture.runs() > 1; }, 500));
+        fixture.job->resumeJob();
+        QVERIFY(waitFor([&] { return fixture.runs() == 2; }));
     }
 
     void aJobThatIsPausedAtItsBeginningWaits()
     {
-        ExtractionBench bench;
-        bench.start({videoTrack(), sound()});
-        bench.job->pauseJob();
-        QVERIFY(!waitFor([&] { return bench.runs() > 0 || bench.job->hasEnded(); }, 700));
-        bench.job->resumeJob();
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
+        ExtractionFixture fixture;
+        fixture.start({videoTrack(), sound()});
+        fixture.job->pauseJob();
+        QVERIFY(!waitFor([&] { return fixture.runs() > 0 || fixture.job->hasEnded(); }, 700));
+        fixture.job->resumeJob();
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
     }
 
     void theSourceIsAskedOnceForItsLength()
     {
-        ExtractionBench bench;
-        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"record "_s + bench.world.scratch.path(u"looks"_s),
-                                                      u"out   Duration: 00:02:00.00, start: 0.0"_s});
-        bench.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(FakeTool::recordedRuns(bench.world.scratch.path(u"looks"_s)).size(), 1);
+        ExtractionFixture fixture;
+        fixture.base.installTool(u"ffmpeg/ffprobe"_s, {u"record "_s + fixture.base.scratch.path(u"looks"_s),
+                                                       u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(FakeTool::recordedRuns(fixture.base.scratch.path(u"looks"_s)).size(), 1);
     }
 
     void aSourceThatIsAPipeByNowIsNotAsked()
     {
-        ExtractionBench bench;
-        QVERIFY(QFile::remove(bench.source.toLocalFile()));
-        QCOMPARE(::mkfifo(bench.source.toLocalFile().toUtf8().constData(), 0600), 0);
-        bench.start({videoTrack()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.job->stepConverterList().constFirst()->durationInSeconds(), u"10800"_s);
+        ExtractionFixture fixture;
+        QVERIFY(QFile::remove(fixture.source.toLocalFile()));
+        QCOMPARE(::mkfifo(fixture.source.toLocalFile().toUtf8().constData(), 0600), 0);
+        fixture.start({videoTrack()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.job->stepConverterList().constFirst()->durationInSeconds(), u"10800"_s);
     }
 
     void aStopEndsALookThatHangs()
     {
-        ExtractionBench bench;
-        const QString pids = bench.world.scratch.path(u"pids"_s);
-        bench.world.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
-        bench.start({videoTrack()});
-        QVERIFY(waitFor([&] { return !bench.world.scratch.read(u"pids"_s).isEmpty(); }));
-        bench.job->stopJob();
-        QVERIFY(!support::runs(bench.world.scratch.read(u"pids"_s).trimmed().toLongLong()));
-        QCOMPARE(bench.runs(), 0);
+        ExtractionFixture fixture;
+        const QString pids = fixture.base.scratch.path(u"pids"_s);
+        fixture.base.installTool(u"ffmpeg/ffprobe"_s, {u"ignore TERM"_s, u"pid "_s + pids, u"hang"_s});
+        fixture.start({videoTrack()});
+        QVERIFY(waitFor([&] { return !fixture.base.scratch.read(u"pids"_s).isEmpty(); }));
+        fixture.job->stopJob();
+        QVERIFY(!support::runs(fixture.base.scratch.read(u"pids"_s).trimmed().toLongLong()));
+        QCOMPARE(fixture.runs(), 0);
     }
 
     void eachTrackIsWritten()
     {
-        ExtractionBench bench;
-        bench.start({videoTrack(), sound()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(bench.job->outputs(), QList<QUrl>({bench.world.scratch.url(u"a.mkv.stream0.h264"_s),
-                                                    bench.world.scratch.url(u"a.mkv.stream1.ac3"_s)}));
-        QCOMPARE(bench.world.scratch.names().filter(u"stream"_s),
+        ExtractionFixture fixture;
+        fixture.start({videoTrack(), sound()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
+        QCOMPARE(fixture.job->outputs(), QList<QUrl>({fixture.base.scratch.url(u"a.mkv.stream0.h264"_s),
+                                                      fixture.base.scratch.url(u"a.mkv.stream1.ac3"_s)}));
+        QCOMPARE(fixture.base.scratch.names().filter(u"stream"_s),
                  QStringList({u"a.mkv.stream0.h264"_s, u"a.mkv.stream1.ac3"_s}));
     }
 
     void theSaveFolderIsThePreferences()
     {
-        ExtractionBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.world.scratch.path(u"s"_s));
-        bench.start({sound()});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(QFile::exists(bench.world.scratch.path(u"s/a.mkv.stream1.ac3"_s)));
+        ExtractionFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.base.scratch.path(u"s"_s));
+        fixture.start({sound()});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(QFile::exists(fixture.base.scratch.path(u"s/a.mkv.stream1.ac3"_s)));
     }
 
     void percentAndCompletion()
     {
-        ExtractionBench bench({u"hang"_s});
-        bench.start({videoTrack(), sound()});
-        bench.post(u"monitorExtractionUpdate"_s, u"45%"_s, 1);
-        bench.post(u"monitorExtractionUpdate"_s, u"no percent"_s, 0);
-        QCOMPARE(bench.job->progressList().at(0).progress, u"0%"_s);
-        QCOMPARE(bench.job->progressList().at(1).progress, u"45%"_s);
-        bench.post(u"taskCompletion"_s, u"Complete"_s, 1);
-        QCOMPARE(bench.job->progressList().at(1).progress, u"Complete"_s);
-        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 0; }, 100));
-        bench.post(u"taskCompletion"_s, u"Complete"_s, 0);
-        QVERIFY(bench.waitForEnd());
+        ExtractionFixture fixture({u"hang"_s});
+        fixture.start({videoTrack(), sound()});
+        fixture.post(u"monitorExtractionUpdate"_s, u"45%"_s, 1);
+        fixture.post(u"monitorExtractionUpdate"_s, u"no percent"_s, 0);
+        QCOMPARE(fixture.job->progressList().at(0).progress, u"0%"_s);
+        QCOMPARE(fixture.job->progressList().at(1).progress, u"45%"_s);
+        fixture.post(u"taskCompletion"_s, u"Complete"_s, 1);
+        QCOMPARE(fixture.job->progressList().at(1).progress, u"Complete"_s);
+        QVERIFY(!waitFor([&] { return fixture.record.count(u"jobDone"_s) > 0; }, 100));
+        fixture.post(u"taskCompletion"_s, u"Complete"_s, 0);
+        QVERIFY(fixture.waitForEnd());
     }
 
     void announcementsOfAnotherConversionDontCount()
     {
-        ExtractionBench bench({u"hang"_s});
-        bench.start({sound()});
-        bench.post(u"monitorConversionUpdate"_s, u"45%"_s, 0);
-        QCOMPARE(bench.job->progressList().first().progress, u"0%"_s);
+        ExtractionFixture fixture({u"hang"_s});
+        fixture.start({sound()});
+        fixture.post(u"monitorConversionUpdate"_s, u"45%"_s, 0);
+        QCOMPARE(fixture.job->progressList().first().progress, u"0%"_s);
     }
 
     /// The others are written all the same.
     void aTrackThatCantBeWrittenIsNamed()
     {
-        ExtractionBench bench({u"when 0:2"_s, u"err Unable to find a suitable output format"_s, u"exit 1"_s,
-                               u"end"_s, wellDone, u"write 10 last"_s});
+        ExtractionFixture fixture({u"when 0:2"_s, u"err Unable to find a suitable output format"_s,
+                                   u"exit 1"_s, u"end"_s, wellDone, u"write 10 last"_s});
         const auto subtitle = subtitleTrack(u"2"_s, u"teletext"_s);
         subtitle->setTrackExtension(u"xxx"_s);
         subtitle->setTrackInfo(u"Subtitle: (teletext)"_s);
-        bench.start({sound(), subtitle});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.job->outcome().verdict, Verdict::Failed);
+        fixture.start({sound(), subtitle});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Failed);
         QVERIFY2(
-            bench.job->outcome().sentence.startsWith(u"Track 2, Subtitle: (teletext), was not written. "_s),
-            qPrintable(bench.job->outcome().sentence));
-        QCOMPARE(bench.job->outputs(), QList<QUrl>{bench.world.scratch.url(u"a.mkv.stream1.ac3"_s)});
-        QVERIFY(
-            QFile::exists(bench.world.scratch.path(u"a.mkv.stream2.xxx.log"_s))); // a failed step's log stays
+            fixture.job->outcome().sentence.startsWith(u"Track 2, Subtitle: (teletext), was not written. "_s),
+            qPrintable(fixture.job->outcome().sentence));
+        QCOMPARE(fixture.job->outputs(), QList<QUrl>{fixture.base.scratch.url(u"a.mkv.stream1.ac3"_s)});
+        QVERIFY(QFile::exists(
+            fixture.base.scratch.path(u"a.mkv.stream2.xxx.log"_s))); // a failed step's log stays
     }
 
     void withoutTracksItEnds()
     {
-        ExtractionBench bench;
-        bench.start({});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.job->progressList().isEmpty());
+        ExtractionFixture fixture;
+        fixture.start({});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.job->progressList().isEmpty());
     }
 
     void theQueueKnowsTheJobs()
@@ -263,5 +264,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXExtractTracksJobTest)
+TESSARAY_TEST(KXExtractTracksJobTest)
 #include "KXExtractTracksJobTest.moc"

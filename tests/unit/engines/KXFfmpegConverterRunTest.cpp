@@ -1,5 +1,6 @@
-#include "support/FfmpegBench.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/engines/FfmpegFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFile>
 #include <QTest>
@@ -9,8 +10,8 @@ using namespace support;
 
 namespace {
 
-/// A bench whose converter follows a film of two minutes.
-class Following final : public FfmpegBench
+/// A fixture whose converter follows a film of two minutes.
+class Following final : public FfmpegFixture
 {
 public:
     explicit Following(const QString &passes = u"1"_s)
@@ -68,105 +69,105 @@ private Q_SLOTS:
 
     void progressTellsWhoseItIs()
     {
-        Following bench;
-        bench.read(u"time=00:00:30.00 "_s);
-        const auto info = bench.record.named(u"monitorConversionUpdate"_s).first().userInfo;
+        Following fixture;
+        fixture.read(u"time=00:00:30.00 "_s);
+        const auto info = fixture.record.named(u"monitorConversionUpdate"_s).first().userInfo;
         QCOMPARE(info.keys(), QStringList({u"stepName"_s, u"theConverter"_s, u"theTask"_s}));
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Video Conversion"_s);
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.converter);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.converter);
     }
 
     void whatComesDuringTheLookIsReadInItsOrder()
     {
-        Following bench;
-        bench.world.installTool(u"ffmpeg/ffprobe"_s,
-                                {u"sleep 300"_s, u"out   Duration: 00:02:00.00, start: 0.0"_s});
-        bench.converter.setInputFileURL(bench.source);
-        bench.converter.setDurationInSeconds(u"0"_s);
+        Following fixture;
+        fixture.base.installTool(u"ffmpeg/ffprobe"_s,
+                                 {u"sleep 300"_s, u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        fixture.converter.setInputFileURL(fixture.source);
+        fixture.converter.setDurationInSeconds(u"0"_s);
         const auto tell = [&](const QByteArray &data) {
-            bench.converter.readTaskError({tools::ToolProcess::Channel::Error, data, nullptr});
+            fixture.converter.readTaskError({tools::ToolProcess::Channel::Error, data, nullptr});
         };
         tell("frame=1 time=00:00:30.00 bitrate\r");
         tell("frame=2 time=00:01:00.00 bitrate\r");
         tell({});
-        bench.converter.readTaskOutput({tools::ToolProcess::Channel::Output, {}, nullptr});
-        QVERIFY(bench.converter.isHolding()); // nobody has waited
-        QVERIFY(bench.record.all().isEmpty());
-        QVERIFY(bench.waitForEnds(1));
-        QCOMPARE(bench.progress(), QStringList({u"25%"_s, u"50%"_s}));
-        QCOMPARE(bench.record.all().last().name, u"taskCompletion"_s);
-        QVERIFY(!bench.converter.isHolding());
+        fixture.converter.readTaskOutput({tools::ToolProcess::Channel::Output, {}, nullptr});
+        QVERIFY(fixture.converter.isHolding()); // nobody has waited
+        QVERIFY(fixture.record.all().isEmpty());
+        QVERIFY(fixture.waitForEnds(1));
+        QCOMPARE(fixture.progress(), QStringList({u"25%"_s, u"50%"_s}));
+        QCOMPARE(fixture.record.all().last().name, u"taskCompletion"_s);
+        QVERIFY(!fixture.converter.isHolding());
     }
 
     void withoutANewTimeTheOldOneCounts()
     {
-        Following bench;
-        bench.read(u"frame=1 time=00:00:30.00 bitrate\r"_s);
-        bench.read(u"[libx264 @ 0x1] something\n"_s);
-        QCOMPARE(bench.progress(), QStringList({u"25%"_s, u"25%"_s}));
-        QCOMPARE(bench.converter.oldProgress(), u"00:00:30.00"_s);
+        Following fixture;
+        fixture.read(u"frame=1 time=00:00:30.00 bitrate\r"_s);
+        fixture.read(u"[libx264 @ 0x1] something\n"_s);
+        QCOMPARE(fixture.progress(), QStringList({u"25%"_s, u"25%"_s}));
+        QCOMPARE(fixture.converter.oldProgress(), u"00:00:30.00"_s);
     }
 
     void aTimeMayComeInPieces()
     {
-        Following bench;
-        bench.read(u"frame=   74 fps=0.0 q=21.0 size=       0kB ti"_s);
-        bench.read(u"me=00:00:3"_s);
-        bench.read(u"0.00 bitrate="_s);
-        QCOMPARE(bench.progress(), QStringList({u"0%"_s, u"0%"_s, u"25%"_s}));
+        Following fixture;
+        fixture.read(u"frame=   74 fps=0.0 q=21.0 size=       0kB ti"_s);
+        fixture.read(u"me=00:00:3"_s);
+        fixture.read(u"0.00 bitrate="_s);
+        QCOMPARE(fixture.progress(), QStringList({u"0%"_s, u"0%"_s, u"25%"_s}));
     }
 
     void onlyTheErrorStreamCounts()
     {
-        Following bench;
-        bench.read(u"time=00:00:30.00 "_s, tools::ToolProcess::Channel::Output);
-        QVERIFY(bench.progress().isEmpty());
-        QCOMPARE(bench.converter.logString(), u"time=00:00:30.00 "_s);
+        Following fixture;
+        fixture.read(u"time=00:00:30.00 "_s, tools::ToolProcess::Channel::Output);
+        QVERIFY(fixture.progress().isEmpty());
+        QCOMPARE(fixture.converter.logString(), u"time=00:00:30.00 "_s);
     }
 
     void theMoovAtomIsTold()
     {
-        Following bench;
-        bench.read(u"frame=1 time=00:02:00.00 bitrate\r"_s);
-        bench.read(
+        Following fixture;
+        fixture.read(u"frame=1 time=00:02:00.00 bitrate\r"_s);
+        fixture.read(
             u"[mp4 @ 0x1] Starting second pass: moving the moov atom to the beginning of the file\n"_s);
-        QCOMPARE(bench.progress(), QStringList({u"100%"_s, u"moving moov atom"_s}));
+        QCOMPARE(fixture.progress(), QStringList({u"100%"_s, u"moving moov atom"_s}));
     }
 
     void theDurationIsLookedUpOnce()
     {
-        Following bench;
-        bench.converter.setDurationInSeconds(u"0"_s);
-        bench.converter.setInputFileURL(bench.source);
-        bench.read(u"time=00:00:30.00 "_s);
-        QCOMPARE(bench.converter.durationInSeconds(), u"120"_s);
-        QCOMPARE(bench.progress(), QStringList{u"25%"_s});
+        Following fixture;
+        fixture.converter.setDurationInSeconds(u"0"_s);
+        fixture.converter.setInputFileURL(fixture.source);
+        fixture.read(u"time=00:00:30.00 "_s);
+        QCOMPARE(fixture.converter.durationInSeconds(), u"120"_s);
+        QCOMPARE(fixture.progress(), QStringList{u"25%"_s});
     }
 
     /// Whatever is written for a duration: no division by zero.
     void aDurationThatIsNoneGivesNoPercent()
     {
-        Following bench;
+        Following fixture;
         for (const QString &duration : {u""_s, u"-5"_s, u"none"_s}) {
-            bench.converter.setDurationInSeconds(duration);
-            bench.read(u"\rtime=00:00:30.00 "_s);
-            QCOMPARE(bench.progress().last(), u"0%"_s);
+            fixture.converter.setDurationInSeconds(duration);
+            fixture.read(u"\rtime=00:00:30.00 "_s);
+            QCOMPARE(fixture.progress().last(), u"0%"_s);
         }
     }
 
     void fontsComeFirstWhileThereIsNoCache()
     {
-        Following bench;
-        bench.converter.setSubToBurnURL(bench.url(u"b.srt"_s));
-        bench.read(u"time=00:00:30.00 "_s);
-        QCOMPARE(bench.progress(), QStringList{u"Initializing Fontconfig"_s});
-        bench.world.scratch.write(u".fontconfig/cache"_s, "x");
-        bench.converter.setFontconfigDirectoryExists(false);
-        bench.converter.setFontconfigIsRebuilding(true);
-        bench.read(u"\rtime=00:01:00.00 "_s);
-        QCOMPARE(bench.progress().last(), u"50%"_s);
-        QVERIFY(bench.converter.fontconfigDirectoryExists());
-        QVERIFY(!bench.converter.fontconfigIsRebuilding());
+        Following fixture;
+        fixture.converter.setSubToBurnURL(fixture.url(u"b.srt"_s));
+        fixture.read(u"time=00:00:30.00 "_s);
+        QCOMPARE(fixture.progress(), QStringList{u"Initializing Fontconfig"_s});
+        fixture.base.scratch.write(u".fontconfig/cache"_s, "x");
+        fixture.converter.setFontconfigDirectoryExists(false);
+        fixture.converter.setFontconfigIsRebuilding(true);
+        fixture.read(u"\rtime=00:01:00.00 "_s);
+        QCOMPARE(fixture.progress().last(), u"50%"_s);
+        QVERIFY(fixture.converter.fontconfigDirectoryExists());
+        QVERIFY(!fixture.converter.fontconfigIsRebuilding());
     }
 
     // The end of a run.
@@ -205,61 +206,62 @@ private Q_SLOTS:
         QFETCH(QString, log);
         QFETCH(QString, text);
         QFETCH(bool, error);
-        Following bench;
-        bench.converter.setPasslogfileString(bench.path(u"temp/passLog"_s));
-        bench.converter.setCurrentPass(pass);
-        bench.converter.setLogString(log);
-        bench.converter.setOldProgress(u"00:01:00"_s);
-        bench.converter.backgroundReadingCompleted();
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{text});
-        QCOMPARE(bench.converter.conversionError(), error);
-        QCOMPARE(bench.converter.oldProgress(), pass == 1 ? u"00:00:00"_s : u"00:01:00"_s);
-        const auto info = bench.record.named(u"taskCompletion"_s).first().userInfo;
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.converter);
+        Following fixture;
+        fixture.converter.setPasslogfileString(fixture.path(u"temp/passLog"_s));
+        fixture.converter.setCurrentPass(pass);
+        fixture.converter.setLogString(log);
+        fixture.converter.setOldProgress(u"00:01:00"_s);
+        fixture.converter.backgroundReadingCompleted();
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{text});
+        QCOMPARE(fixture.converter.conversionError(), error);
+        QCOMPARE(fixture.converter.oldProgress(), pass == 1 ? u"00:00:00"_s : u"00:01:00"_s);
+        const auto info = fixture.record.named(u"taskCompletion"_s).first().userInfo;
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.converter);
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Video Conversion"_s);
     }
 
     void anErrorIsForgottenWhenTheNextRunEndsWell()
     {
-        Following bench;
-        bench.converter.setConversionError(true);
-        bench.converter.setLogString(u"frame=9"_s);
-        bench.converter.backgroundReadingCompleted();
-        QVERIFY(!bench.converter.conversionError());
+        Following fixture;
+        fixture.converter.setConversionError(true);
+        fixture.converter.setLogString(u"frame=9"_s);
+        fixture.converter.backgroundReadingCompleted();
+        QVERIFY(!fixture.converter.conversionError());
     }
 
     void passTwoRemovesWhatAnInterruptedPassOneLeft()
     {
-        Following bench;
+        Following fixture;
         for (const QString &name :
              {u"passLog-0.log.temp"_s, u"passLog-0.log.mbtree.temp"_s, u"passLog-0.log"_s})
-            bench.world.scratch.write(u"temp/"_s + name, "x");
-        bench.converter.setPasslogfileString(bench.path(u"temp/passLog"_s));
-        bench.converter.setCurrentPass(0);
-        bench.converter.backgroundReadingCompleted();
-        QVERIFY(QFile::exists(bench.path(u"temp/passLog-0.log.temp"_s)));
-        bench.converter.setCurrentPass(2);
-        bench.converter.backgroundReadingCompleted();
-        QVERIFY(!QFile::exists(bench.path(u"temp/passLog-0.log.temp"_s)));
-        QVERIFY(!QFile::exists(bench.path(u"temp/passLog-0.log.mbtree.temp"_s)));
-        QVERIFY(QFile::exists(bench.path(u"temp/passLog-0.log"_s)));
+            fixture.base.scratch.write(u"temp/"_s + name, "x");
+        fixture.converter.setPasslogfileString(fixture.path(u"temp/passLog"_s));
+        fixture.converter.setCurrentPass(0);
+        fixture.converter.backgroundReadingCompleted();
+        QVERIFY(QFile::exists(fixture.path(u"temp/passLog-0.log.temp"_s)));
+        fixture.converter.setCurrentPass(2);
+        fixture.converter.backgroundReadingCompleted();
+        QVERIFY(!QFile::exists(fixture.path(u"temp/passLog-0.log.temp"_s)));
+        QVERIFY(!QFile::exists(fixture.path(u"temp/passLog-0.log.mbtree.temp"_s)));
+        QVERIFY(QFile::exists(fixture.path(u"temp/passLog-0.log"_s)));
     }
 
     /// ffmpeg ended well, so every packet was written, whatever a title in its log says.
     void aTitleIsNoTimestampError()
     {
-        FfmpegBench bench({u"err Unknown packet with unknown timestamp"_s, u"err frame=9 time=00:02:00.00 "_s,
-                           u"write 10 last"_s});
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+        FfmpegFixture fixture({u"err Unknown packet with unknown timestamp"_s,
+                               u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Ok);
     }
 
     void aRunThatFailedForItsTimestampsAsksForARetry()
     {
-        FfmpegBench bench({u"err [matroska @ 0x1] Can't write packet with unknown timestamp"_s, u"exit 1"_s});
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"timestamp error"_s});
+        FfmpegFixture fixture(
+            {u"err [matroska @ 0x1] Can't write packet with unknown timestamp"_s, u"exit 1"_s});
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"timestamp error"_s});
     }
 
     void theOutcome_data()
@@ -267,28 +269,28 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<int>("verdict");
         QTest::addColumn<QString>("words");
-        const auto row = [](const char *name, const QStringList &script, step::Verdict verdict,
+        const auto row = [](const char *name, const QStringList &script, steps::Verdict verdict,
                             const QString &words) {
             QTest::newRow(name) << script << static_cast<int>(verdict) << words;
         };
         const QString done = u"err frame=9 time=00:02:00.00 "_s;
-        row("well", {done, u"write 10 last"_s}, step::Verdict::Ok, {});
-        row("exit status", {done, u"write 10 last"_s, u"exit 1"_s}, step::Verdict::Failed,
+        row("well", {done, u"write 10 last"_s}, steps::Verdict::Ok, {});
+        row("exit status", {done, u"write 10 last"_s, u"exit 1"_s}, steps::Verdict::Failed,
             u"exit status 1"_s);
-        row("killed", {done, u"write 10 last"_s, u"die KILL"_s}, step::Verdict::Failed,
+        row("killed", {done, u"write 10 last"_s, u"die KILL"_s}, steps::Verdict::Failed,
             u"ended from outside"_s);
-        row("no output", {done}, step::Verdict::Failed, u"without writing a.mkv.mkv"_s);
-        row("empty output", {done, u"write 0 last"_s}, step::Verdict::Failed, u"wrote nothing"_s);
-        row("no picture", {u"err time=00:02:00.00 "_s, u"write 10 last"_s}, step::Verdict::Failed,
+        row("no output", {done}, steps::Verdict::Failed, u"without writing a.mkv.mkv"_s);
+        row("empty output", {done, u"write 0 last"_s}, steps::Verdict::Failed, u"wrote nothing"_s);
+        row("no picture", {u"err time=00:02:00.00 "_s, u"write 10 last"_s}, steps::Verdict::Failed,
             u"no picture"_s);
         row("full disk", {done, u"err x: No space left on device"_s, u"write 10 last"_s},
-            step::Verdict::Failed, u"no space left"_s);
+            steps::Verdict::Failed, u"no space left"_s);
         row("full disk, exit status",
             {done, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s},
-            step::Verdict::Failed, u"There was no space left for the output."_s);
+            steps::Verdict::Failed, u"There was no space left for the output."_s);
         row("damaged", {u"err [matroska @ 0x1] File ended prematurely"_s, done, u"write 10 last"_s},
-            step::Verdict::Warnings, u"seems damaged"_s);
-        row("short", {u"err frame=9 time=00:00:10.00 "_s, u"write 10 last"_s}, step::Verdict::Warnings,
+            steps::Verdict::Warnings, u"seems damaged"_s);
+        row("short", {u"err frame=9 time=00:00:10.00 "_s, u"write 10 last"_s}, steps::Verdict::Warnings,
             u"ends at 10 s"_s);
     }
 
@@ -297,9 +299,9 @@ private Q_SLOTS:
         QFETCH(QStringList, script);
         QFETCH(int, verdict);
         QFETCH(QString, words);
-        FfmpegBench bench(script);
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack()})));
-        const auto outcome = bench.converter.outcome();
+        FfmpegFixture fixture(script);
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack()})));
+        const auto outcome = fixture.converter.outcome();
         QCOMPARE(static_cast<int>(outcome.verdict), verdict);
         QVERIFY2(outcome.sentence.contains(words), qPrintable(outcome.sentence));
     }
@@ -307,43 +309,44 @@ private Q_SLOTS:
     /// Also when the fonts were never ready: the time of the run is known all the same.
     void aRunWithoutAFontCacheIsNotShort()
     {
-        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
-        bench.converter.setSubToBurnURL(bench.source);
-        bench.converter.setDurationInSeconds(u"120"_s);
-        QVERIFY(bench.convert(
-            bench.selection(u"General"_s, {videoTrack(), subtitleTrack(u"3"_s, u"teletext"_s, u"burn"_s)})));
-        QCOMPARE(bench.posted(u"monitorConversionUpdate"_s).last(), u"Initializing Fontconfig"_s);
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+        FfmpegFixture fixture({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        fixture.converter.setSubToBurnURL(fixture.source);
+        fixture.converter.setDurationInSeconds(u"120"_s);
+        QVERIFY(fixture.convert(fixture.selection(
+            u"General"_s, {videoTrack(), subtitleTrack(u"3"_s, u"teletext"_s, u"burn"_s)})));
+        QCOMPARE(fixture.posted(u"monitorConversionUpdate"_s).last(), u"Initializing Fontconfig"_s);
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Ok);
     }
 
     /// A run without video has no "frame=" to miss.
     void soundAloneIsNoError()
     {
-        FfmpegBench bench({u"err size= 9kB time=00:02:00.00 "_s, u"write 10 last"_s});
+        FfmpegFixture fixture({u"err size= 9kB time=00:02:00.00 "_s, u"write 10 last"_s});
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {audio})));
-        QVERIFY(bench.converter.conversionError());
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {audio})));
+        QVERIFY(fixture.converter.conversionError());
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Ok);
     }
 
     void whatWasLeftOutIsAWarning()
     {
-        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        FfmpegFixture fixture({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
         const auto pgs = subtitleTrack(u"3"_s, u"teletext"_s);
         pgs->setProbedCodecName(u"hdmv_pgs_subtitle"_s);
-        QVERIFY(bench.convert(bench.selection(u"General"_s, {videoTrack(), pgs})));
-        QVERIFY(!bench.calls().first().contains(u"-codec:s:0"_s));
-        QVERIFY(tools::textsOf(bench.converter.optionArray1()).contains(u"-codec:s:0"_s));
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Warnings);
-        QVERIFY(bench.converter.outcome().sentence.contains(u"subtitle track 3 (hdmv_pgs_subtitle)"_s));
+        QVERIFY(fixture.convert(fixture.selection(u"General"_s, {videoTrack(), pgs})));
+        QVERIFY(!fixture.calls().first().contains(u"-codec:s:0"_s));
+        QVERIFY(tools::textsOf(fixture.converter.optionArray1()).contains(u"-codec:s:0"_s));
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Warnings);
+        QVERIFY(fixture.converter.outcome().sentence.contains(u"subtitle track 3 (hdmv_pgs_subtitle)"_s));
     }
 
     void anAviSaysWhichSubtitlesItLeavesOut()
     {
-        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
-        QVERIFY(bench.convert(bench.selection(u"AVI"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)})));
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Warnings);
-        QCOMPARE(bench.converter.outcome().sentence,
+        FfmpegFixture fixture({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        QVERIFY(
+            fixture.convert(fixture.selection(u"AVI"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)})));
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Warnings);
+        QCOMPARE(fixture.converter.outcome().sentence,
                  u"An AVI carries no subtitles, so track 3 was left out."_s);
     }
 
@@ -358,43 +361,44 @@ private Q_SLOTS:
     void namesOfAddedFilesSayNothing()
     {
         QFETCH(QString, name);
-        FfmpegBench bench;
-        const QString path = bench.path(name);
+        FfmpegFixture fixture;
+        const QString path = fixture.path(name);
         const QString shown = QString(path).replace(u'\n', u"\\n"_s);
-        bench.world.installTool(u"ffmpeg/ffmpeg"_s, {u"err Input #1, srt, from '%1':"_s.arg(shown),
-                                                     u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
-        QVERIFY(bench.convert(
-            bench.selection(u"MKV"_s, {videoTrack(), external(subtitleTrack(u"0"_s, u"srt"_s), path)})));
-        QVERIFY(bench.converter.logString().contains(path));
-        QCOMPARE(bench.converter.outcome().sentence, QString());
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Ok);
+        fixture.base.installTool(u"ffmpeg/ffmpeg"_s,
+                                 {u"err Input #1, srt, from '%1':"_s.arg(shown),
+                                  u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        QVERIFY(fixture.convert(
+            fixture.selection(u"MKV"_s, {videoTrack(), external(subtitleTrack(u"0"_s, u"srt"_s), path)})));
+        QVERIFY(fixture.converter.logString().contains(path));
+        QCOMPARE(fixture.converter.outcome().sentence, QString());
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Ok);
     }
 
     /// Their stream is always 0: the file's name tells them.
     void anAviNamesTheAddedFilesItLeavesOut()
     {
-        FfmpegBench bench({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
-        const auto text = external(subtitleTrack(u"0"_s, u"srt"_s), bench.path(u"100% new.srt"_s));
-        QVERIFY(bench.convert(bench.selection(u"AVI"_s, {videoTrack(), text})));
-        QCOMPARE(bench.converter.outcome().sentence,
+        FfmpegFixture fixture({u"err frame=9 time=00:02:00.00 "_s, u"write 10 last"_s});
+        const auto text = external(subtitleTrack(u"0"_s, u"srt"_s), fixture.path(u"100% new.srt"_s));
+        QVERIFY(fixture.convert(fixture.selection(u"AVI"_s, {videoTrack(), text})));
+        QCOMPARE(fixture.converter.outcome().sentence,
                  u"An AVI carries no subtitles, so the subtitle 100% new.srt was left out."_s);
     }
 
     void anOutputThatIsASourceIsNotStarted()
     {
-        FfmpegBench bench;
-        step::OutputGuard strict(bench.world.outputs, step::WhenTaken::Refuse);
-        bench.world.scratch.write(u"a.m4v"_s, "precious");
-        strict.setInputs({bench.source, bench.url(u"a.m4v"_s), bench.url(u"a.mkv.m4v"_s)});
-        KXFfmpegConverter converter(bench.world.converterContext(strict));
-        QVERIFY(!converter.startConversionForSelection(bench.selection(u"General"_s, {videoTrack()})));
+        FfmpegFixture fixture;
+        steps::OutputGuard strict(fixture.base.outputs, steps::WhenTaken::Refuse);
+        fixture.base.scratch.write(u"a.m4v"_s, "precious");
+        strict.setInputs({fixture.source, fixture.url(u"a.m4v"_s), fixture.url(u"a.mkv.m4v"_s)});
+        KXFfmpegConverter converter(fixture.base.converterContext(strict));
+        QVERIFY(!converter.startConversionForSelection(fixture.selection(u"General"_s, {videoTrack()})));
         QVERIFY(!converter.refusal().isNull());
-        QCOMPARE(converter.outcome().verdict, step::Verdict::Failed);
-        QVERIFY(bench.calls().isEmpty());
-        QCOMPARE(bench.record.count(u"conversionStarted"_s), 0);
-        QCOMPARE(bench.world.scratch.read(u"a.m4v"_s), QByteArray("precious"));
+        QCOMPARE(converter.outcome().verdict, steps::Verdict::Failed);
+        QVERIFY(fixture.calls().isEmpty());
+        QCOMPARE(fixture.record.count(u"conversionStarted"_s), 0);
+        QCOMPARE(fixture.base.scratch.read(u"a.m4v"_s), QByteArray("precious"));
     }
 };
 
-QTEST_GUILESS_MAIN(KXFfmpegConverterRunTest)
+TESSARAY_TEST(KXFfmpegConverterRunTest)
 #include "KXFfmpegConverterRunTest.moc"

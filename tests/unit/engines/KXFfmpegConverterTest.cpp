@@ -1,6 +1,7 @@
-#include "support/FfmpegBench.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/engines/FfmpegFixture.h"
+#include "support/selection/HandMade.h"
 #include "tools/Numbers.h"
 
 #include <QFile>
@@ -16,8 +17,8 @@ class KXFfmpegConverterTest final : public QObject
 private Q_SLOTS:
     void isMadeWithItsName()
     {
-        FfmpegBench bench;
-        const KXFfmpegConverter converter(bench.world.converterContext(bench.guard));
+        FfmpegFixture fixture;
+        const KXFfmpegConverter converter(fixture.base.converterContext(fixture.guard));
         QCOMPARE(converter.converterName(), u"ffmpegConverter"_s);
         QVERIFY(!converter.isTemporaryOutput());
         QCOMPARE(converter.durationInSeconds(), u"0"_s);
@@ -30,29 +31,29 @@ private Q_SLOTS:
 
     void namesAndStartsOnePass()
     {
-        FfmpegBench bench;
-        bench.converter.setTempFileToDeleteURL(bench.source);
-        bench.converter.setMonitorCounter(7);
+        FfmpegFixture fixture;
+        fixture.converter.setTempFileToDeleteURL(fixture.source);
+        fixture.converter.setMonitorCounter(7);
         const auto before = QDateTime::currentDateTime();
         const auto task =
-            bench.converter.startConversionForSelection(bench.selection(u"General"_s, {videoTrack()}));
+            fixture.converter.startConversionForSelection(fixture.selection(u"General"_s, {videoTrack()}));
         QVERIFY(task);
-        QCOMPARE(bench.converter.converterTask(), task);
-        QCOMPARE(bench.converter.appName(), u"Pollenta"_s);
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(u"a.m4v"_s));
-        QCOMPARE(bench.converter.logFileURL(), bench.url(u"a.mkv.log"_s));
-        QCOMPARE(bench.converter.passlogfileString(), bench.path(u"temp/passLog"_s));
-        QVERIFY(bench.converter.logModifiedDateOld() >= before);
-        QVERIFY(bench.converter.tempFileToDeleteURL().isEmpty());
-        QCOMPARE(bench.converter.monitorCounter(), 0);
-        QCOMPARE(bench.converter.oldProgress(), u"00:00:00"_s);
-        QCOMPARE(bench.converter.currentPass(), 0);
-        QCOMPARE(bench.record.named(u"conversionStarted"_s).first().object.toUrl(),
-                 bench.converter.outputFileURL());
-        QVERIFY(bench.waitForEnds(1));
-        QCOMPARE(bench.calls(), QList<QStringList>{tools::argumentsOf(bench.converter.optionArray1())});
-        QVERIFY(bench.converter.optionArray2().isEmpty());
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Warnings); // 1 s of 120
+        QCOMPARE(fixture.converter.converterTask(), task);
+        QCOMPARE(fixture.converter.appName(), u"Pollenta"_s);
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(u"a.m4v"_s));
+        QCOMPARE(fixture.converter.logFileURL(), fixture.url(u"a.mkv.log"_s));
+        QCOMPARE(fixture.converter.passlogfileString(), fixture.path(u"temp/passLog"_s));
+        QVERIFY(fixture.converter.logModifiedDateOld() >= before);
+        QVERIFY(fixture.converter.tempFileToDeleteURL().isEmpty());
+        QCOMPARE(fixture.converter.monitorCounter(), 0);
+        QCOMPARE(fixture.converter.oldProgress(), u"00:00:00"_s);
+        QCOMPARE(fixture.converter.currentPass(), 0);
+        QCOMPARE(fixture.record.named(u"conversionStarted"_s).first().object.toUrl(),
+                 fixture.converter.outputFileURL());
+        QVERIFY(fixture.waitForEnds(1));
+        QCOMPARE(fixture.calls(), QList<QStringList>{tools::argumentsOf(fixture.converter.optionArray1())});
+        QVERIFY(fixture.converter.optionArray2().isEmpty());
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Warnings); // 1 s of 120
     }
 
     void outputsBesideTheSource_data()
@@ -70,31 +71,31 @@ private Q_SLOTS:
     {
         QFETCH(QString, device);
         QFETCH(QString, name);
-        FfmpegBench bench;
-        QVERIFY(bench.convert(bench.selection(device, {videoTrack(u"passthru"_s)})));
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(name));
-        QCOMPARE(bench.world.scratch.read(u"a.mkv"_s), QByteArray("film"));
+        FfmpegFixture fixture;
+        QVERIFY(fixture.convert(fixture.selection(device, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(name));
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv"_s), QByteArray("film"));
     }
 
     void outputsGoToTheSaveFolder()
     {
-        FfmpegBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(u"s/a.mkv"_s));
-        QCOMPARE(bench.converter.logFileURL(), bench.url(u"s/a.mkv.log"_s));
+        FfmpegFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(u"s/a.mkv"_s));
+        QCOMPARE(fixture.converter.logFileURL(), fixture.url(u"s/a.mkv.log"_s));
     }
 
     void aTakenNameOrLogIsNotOverwritten()
     {
-        FfmpegBench bench;
-        bench.world.scratch.write(u"a.m4v"_s, "old");
-        bench.world.scratch.write(u"a.mkv.log"_s, "old log");
-        QVERIFY(bench.convert(bench.selection(u"General"_s, {videoTrack()})));
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(u"a (2).m4v"_s));
-        QCOMPARE(bench.world.scratch.read(u"a.m4v"_s), QByteArray("old"));
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.log"_s), QByteArray("old log"));
+        FfmpegFixture fixture;
+        fixture.base.scratch.write(u"a.m4v"_s, "old");
+        fixture.base.scratch.write(u"a.mkv.log"_s, "old log");
+        QVERIFY(fixture.convert(fixture.selection(u"General"_s, {videoTrack()})));
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(u"a (2).m4v"_s));
+        QCOMPARE(fixture.base.scratch.read(u"a.m4v"_s), QByteArray("old"));
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.log"_s), QByteArray("old log"));
     }
 
     void thePreferencesShapeTheList_data()
@@ -107,102 +108,102 @@ private Q_SLOTS:
     void thePreferencesShapeTheList()
     {
         QFETCH(bool, on);
-        FfmpegBench bench;
-        bench.world.preferences.overrideForThisRun(u"useDpliiFlag"_s, on);
-        bench.world.preferences.overrideForThisRun(u"moovInFrontFlag"_s, on);
+        FfmpegFixture fixture;
+        fixture.base.preferences.overrideForThisRun(u"useDpliiFlag"_s, on);
+        fixture.base.preferences.overrideForThisRun(u"moovInFrontFlag"_s, on);
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s));
-        QVERIFY(bench.convert(bench.selection(u"General"_s, {videoTrack(), audio})));
-        QCOMPARE(bench.calls().first().contains(u"aresample=matrix_encoding=dplii"_s), on);
-        QCOMPARE(bench.calls().first().contains(u"faststart"_s), on);
+        QVERIFY(fixture.convert(fixture.selection(u"General"_s, {videoTrack(), audio})));
+        QCOMPARE(fixture.calls().first().contains(u"aresample=matrix_encoding=dplii"_s), on);
+        QCOMPARE(fixture.calls().first().contains(u"faststart"_s), on);
     }
 
     void aCapIsWrittenIntoTheSelection()
     {
-        FfmpegBench bench;
-        const auto selection = bench.selection(u"PS3"_s, {videoTrack()});
+        FfmpegFixture fixture;
+        const auto selection = fixture.selection(u"PS3"_s, {videoTrack()});
         selection->setUserVideoBitRate(u"25000"_s);
-        QVERIFY(bench.convert(selection));
+        QVERIFY(fixture.convert(selection));
         QCOMPARE(selection->userVideoBitRate(), u"15000"_s);
-        QVERIFY(bench.calls().first().contains(u"15000k"_s));
+        QVERIFY(fixture.calls().first().contains(u"15000k"_s));
     }
 
     void passTwoUsesTheSecondList()
     {
-        FfmpegBench bench;
-        QVERIFY(bench.convert(bench.selection(u"General"_s, {videoTrack()}, u"2"_s)));
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Pass 1 Complete"_s});
-        QCOMPARE(bench.converter.currentPass(), 1);
-        bench.converter.setOldProgress(u"00:00:09"_s);
-        const auto second = bench.converter.startSecondPass();
+        FfmpegFixture fixture;
+        QVERIFY(fixture.convert(fixture.selection(u"General"_s, {videoTrack()}, u"2"_s)));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Pass 1 Complete"_s});
+        QCOMPARE(fixture.converter.currentPass(), 1);
+        fixture.converter.setOldProgress(u"00:00:09"_s);
+        const auto second = fixture.converter.startSecondPass();
         QVERIFY(second);
-        QCOMPARE(bench.converter.currentPass(), 2);
-        QCOMPARE(bench.converter.oldProgress(), u"00:00:09"_s); // not reset here
-        QVERIFY(bench.waitForEnds(2));
-        QCOMPARE(bench.posted(u"taskCompletion"_s).last(), u"Complete"_s);
-        QCOMPARE(bench.calls().size(), 2);
-        QCOMPARE(bench.calls().at(0), tools::argumentsOf(bench.converter.optionArray1()));
-        QCOMPARE(bench.calls().at(1), tools::argumentsOf(bench.converter.optionArray2()));
-        QVERIFY(bench.calls().at(0).contains(u"/dev/null"_s));
-        QCOMPARE(bench.calls().at(1).last(), bench.path(u"a.m4v"_s));
+        QCOMPARE(fixture.converter.currentPass(), 2);
+        QCOMPARE(fixture.converter.oldProgress(), u"00:00:09"_s); // not reset here
+        QVERIFY(fixture.waitForEnds(2));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s).last(), u"Complete"_s);
+        QCOMPARE(fixture.calls().size(), 2);
+        QCOMPARE(fixture.calls().at(0), tools::argumentsOf(fixture.converter.optionArray1()));
+        QCOMPARE(fixture.calls().at(1), tools::argumentsOf(fixture.converter.optionArray2()));
+        QVERIFY(fixture.calls().at(0).contains(u"/dev/null"_s));
+        QCOMPARE(fixture.calls().at(1).last(), fixture.path(u"a.m4v"_s));
     }
 
     /// One more pair for each retry, in front of all else.
     void aRetryStandsInFrontOfTheFirstList()
     {
-        FfmpegBench bench;
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
-        const QStringList list = tools::textsOf(bench.converter.optionArray1());
+        FfmpegFixture fixture;
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack(u"passthru"_s)})));
+        const QStringList list = tools::textsOf(fixture.converter.optionArray1());
         for (int retry = 1; retry <= 2; ++retry) {
-            QVERIFY(bench.converter.startTimeStampRetry());
-            QVERIFY(bench.waitForEnds(1 + retry));
-            QCOMPARE(bench.converter.currentPass(), 0);
+            QVERIFY(fixture.converter.startTimeStampRetry());
+            QVERIFY(fixture.waitForEnds(1 + retry));
+            QCOMPARE(fixture.converter.currentPass(), 0);
         }
         const QStringList pair{u"-fflags"_s, u"genpts"_s};
-        QCOMPARE(tools::textsOf(bench.converter.optionArray1()), pair + pair + list);
-        QCOMPARE(bench.calls().last(), pair + pair + list);
+        QCOMPARE(tools::textsOf(fixture.converter.optionArray1()), pair + pair + list);
+        QCOMPARE(fixture.calls().last(), pair + pair + list);
     }
 
     /// currentPass() stays 2, and yet pass 1 runs again: then pass 2 has to follow.
     void aRetriedPassTwoGoesThroughBothPasses()
     {
-        FfmpegBench bench;
-        QVERIFY(bench.convert(bench.selection(u"MKV"_s, {videoTrack()}, u"2"_s)));
-        bench.converter.startSecondPass();
-        QVERIFY(bench.waitForEnds(2));
-        bench.converter.startTimeStampRetry();
-        QCOMPARE(bench.converter.currentPass(), 2);
-        QVERIFY(bench.waitForEnds(3));
-        QVERIFY(bench.posted(u"monitorConversionUpdate"_s).last().startsWith(u"Pass #1 "_s));
-        QCOMPARE(bench.posted(u"taskCompletion"_s).last(), u"Pass 1 Complete"_s);
-        bench.converter.startSecondPass();
-        QVERIFY(bench.waitForEnds(4));
-        QCOMPARE(bench.posted(u"taskCompletion"_s).last(), u"Complete"_s);
-        QVERIFY(bench.calls().at(2).contains(u"/dev/null"_s));
-        QCOMPARE(bench.calls().at(3).mid(0, 2), QStringList({u"-fflags"_s, u"genpts"_s}));
-        QVERIFY(!tools::textsOf(bench.converter.optionArray2()).contains(u"genpts"_s));
+        FfmpegFixture fixture;
+        QVERIFY(fixture.convert(fixture.selection(u"MKV"_s, {videoTrack()}, u"2"_s)));
+        fixture.converter.startSecondPass();
+        QVERIFY(fixture.waitForEnds(2));
+        fixture.converter.startTimeStampRetry();
+        QCOMPARE(fixture.converter.currentPass(), 2);
+        QVERIFY(fixture.waitForEnds(3));
+        QVERIFY(fixture.posted(u"monitorConversionUpdate"_s).last().startsWith(u"Pass #1 "_s));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s).last(), u"Pass 1 Complete"_s);
+        fixture.converter.startSecondPass();
+        QVERIFY(fixture.waitForEnds(4));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s).last(), u"Complete"_s);
+        QVERIFY(fixture.calls().at(2).contains(u"/dev/null"_s));
+        QCOMPARE(fixture.calls().at(3).mid(0, 2), QStringList({u"-fflags"_s, u"genpts"_s}));
+        QVERIFY(!tools::textsOf(fixture.converter.optionArray2()).contains(u"genpts"_s));
     }
 
     // One track into a file of its own.
 
     void aSingleTrackRunsInTheBackground()
     {
-        FfmpegBench bench({u"write 10 last"_s});
+        FfmpegFixture fixture({u"write 10 last"_s});
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {});
         audio->setUserCodec(u"passthru"_s);
         audio->setTrackTitle(u"two words"_s);
-        bench.converter.setTrackItemToProcess(1);
-        const QString pid = bench.converter.startConvertingTrackItemToProcess(
-            bench.selection(u"General"_s, {videoTrack(), audio}));
+        fixture.converter.setTrackItemToProcess(1);
+        const QString pid = fixture.converter.startConvertingTrackItemToProcess(
+            fixture.selection(u"General"_s, {videoTrack(), audio}));
         QVERIFY(tools::isAllDigits(pid));
-        QCOMPARE(bench.converter.doShell_ID(), pid);
-        QCOMPARE(bench.converter.oldProgress(), u"00:00:00"_s);
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(u"a.m4v"_s));
-        QCOMPARE(bench.converter.logFileURL(), bench.url(u"a.mkv.log"_s));
+        QCOMPARE(fixture.converter.doShell_ID(), pid);
+        QCOMPARE(fixture.converter.oldProgress(), u"00:00:00"_s);
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(u"a.m4v"_s));
+        QCOMPARE(fixture.converter.logFileURL(), fixture.url(u"a.mkv.log"_s));
         QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
-        QCOMPARE(bench.calls().first(),
-                 QStringList({u"-i"_s, bench.path(u"a.mkv"_s), u"-map"_s, u"0:0"_s, u"-c:a"_s, u"copy"_s,
+        QCOMPARE(fixture.calls().first(),
+                 QStringList({u"-i"_s, fixture.path(u"a.mkv"_s), u"-map"_s, u"0:0"_s, u"-c:a"_s, u"copy"_s,
                               u"-metadata:s:a:0"_s, u"language=eng"_s, u"-metadata:s:a:0"_s,
-                              u"title=two words"_s, u"-y"_s, bench.path(u"a.m4v"_s)}));
+                              u"title=two words"_s, u"-y"_s, fixture.path(u"a.m4v"_s)}));
     }
 
     void singleTracksAreNamed_data()
@@ -223,42 +224,43 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(bool, isStereoCopy);
         QFETCH(QString, name);
-        FfmpegBench bench({u"write 10 last"_s});
+        FfmpegFixture fixture({u"write 10 last"_s});
         const auto track = videoTrack(u"passthru"_s);
         track->setIsStereoCopyFlag(isStereoCopy);
         const QString pid =
-            bench.converter.startConvertingTrackItemToProcess(bench.selection(device, {track}));
-        QCOMPARE(bench.converter.outputFileURL(), bench.url(name));
+            fixture.converter.startConvertingTrackItemToProcess(fixture.selection(device, {track}));
+        QCOMPARE(fixture.converter.outputFileURL(), fixture.url(name));
         QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
     }
 
     /// The list was written for a shell line; the process gets plain arguments.
     void aSingleTracksPassTwoIsAProcess()
     {
-        FfmpegBench bench;
-        const QString pid = bench.converter.startConvertingTrackItemToProcess(
-            bench.selection(u"MKV"_s, {videoTrack()}, u"2"_s));
-        QCOMPARE(bench.converter.currentPass(), 1);
+        FfmpegFixture fixture;
+        const QString pid = fixture.converter.startConvertingTrackItemToProcess(
+            fixture.selection(u"MKV"_s, {videoTrack()}, u"2"_s));
+        QCOMPARE(fixture.converter.currentPass(), 1);
         QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
-        QVERIFY(bench.converter.startSecondPass());
-        QVERIFY(bench.waitForEnds(1));
-        const QString statistics = bench.path(u"temp/passLog"_s);
-        QCOMPARE(bench.calls().at(0).mid(bench.calls().at(0).size() - 4),
-                 QStringList({u"-passlogfile"_s, statistics, u"-y"_s, bench.path(u"a.mkv.mkv"_s)}));
-        const QStringList second = bench.calls().at(1);
-        QCOMPARE(second.mid(second.size() - 4), bench.calls().at(0).mid(bench.calls().at(0).size() - 4));
+        QVERIFY(fixture.converter.startSecondPass());
+        QVERIFY(fixture.waitForEnds(1));
+        const QString statistics = fixture.path(u"temp/passLog"_s);
+        QCOMPARE(fixture.calls().at(0).mid(fixture.calls().at(0).size() - 4),
+                 QStringList({u"-passlogfile"_s, statistics, u"-y"_s, fixture.path(u"a.mkv.mkv"_s)}));
+        const QStringList second = fixture.calls().at(1);
+        QCOMPARE(second.mid(second.size() - 4), fixture.calls().at(0).mid(fixture.calls().at(0).size() - 4));
         QCOMPARE(second.mid(2, 2), QStringList({u"-pass"_s, u"2"_s}));
         QVERIFY(!second.contains(u"&>"_s));
     }
 
     void aTrackThatIsNotThereStartsNothing()
     {
-        FfmpegBench bench;
-        bench.converter.setTrackItemToProcess(3);
-        QVERIFY(bench.converter.startConvertingTrackItemToProcess(bench.selection(u"MKV"_s, {videoTrack()}))
-                    .isEmpty());
-        QCOMPARE(bench.converter.outcome().verdict, step::Verdict::Failed);
-        QVERIFY(bench.calls().isEmpty());
+        FfmpegFixture fixture;
+        fixture.converter.setTrackItemToProcess(3);
+        QVERIFY(
+            fixture.converter.startConvertingTrackItemToProcess(fixture.selection(u"MKV"_s, {videoTrack()}))
+                .isEmpty());
+        QCOMPARE(fixture.converter.outcome().verdict, steps::Verdict::Failed);
+        QVERIFY(fixture.calls().isEmpty());
     }
 
     // Burning.
@@ -282,46 +284,46 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QFETCH(QString, burned);
-        FfmpegBench bench;
-        bench.world.scratch.write(name, "words");
-        bench.world.scratch.write(u"temp/temp.ass"_s, "another's");
-        bench.converter.prepSubtitleForBurning(bench.url(name));
-        QCOMPARE(bench.converter.subToBurnURL(), burned.isNull() ? QUrl() : bench.url(burned));
+        FfmpegFixture fixture;
+        fixture.base.scratch.write(name, "words");
+        fixture.base.scratch.write(u"temp/temp.ass"_s, "another's");
+        fixture.converter.prepSubtitleForBurning(fixture.url(name));
+        QCOMPARE(fixture.converter.subToBurnURL(), burned.isNull() ? QUrl() : fixture.url(burned));
         if (burned == u"temp/temp.ass"_s) // whatever its format
-            QCOMPARE(bench.world.scratch.read(burned), QByteArray("words"));
-        QCOMPARE(bench.world.scratch.read(name), QByteArray("words"));
+            QCOMPARE(fixture.base.scratch.read(burned), QByteArray("words"));
+        QCOMPARE(fixture.base.scratch.read(name), QByteArray("words"));
     }
 
     void withoutACopyTheGivenPathIsUsed()
     {
-        FfmpegBench bench;
-        const QUrl missing = bench.url(u"a[1].srt"_s);
-        bench.converter.prepSubtitleForBurning(missing);
-        QCOMPARE(bench.converter.subToBurnURL(), missing);
+        FfmpegFixture fixture;
+        const QUrl missing = fixture.url(u"a[1].srt"_s);
+        fixture.converter.prepSubtitleForBurning(missing);
+        QCOMPARE(fixture.converter.subToBurnURL(), missing);
     }
 
     void aPictureTakesAwayAnEarlierChoice()
     {
-        FfmpegBench bench;
-        bench.converter.prepSubtitleForBurning(bench.url(u"b.srt"_s));
-        bench.converter.prepSubtitleForBurning(bench.url(u"b.sub"_s));
-        QVERIFY(bench.converter.subToBurnURL().isEmpty());
+        FfmpegFixture fixture;
+        fixture.converter.prepSubtitleForBurning(fixture.url(u"b.srt"_s));
+        fixture.converter.prepSubtitleForBurning(fixture.url(u"b.sub"_s));
+        QVERIFY(fixture.converter.subToBurnURL().isEmpty());
     }
 
     void theFontCacheIsLookedAtWhenBurning()
     {
         for (const bool isThere : {false, true}) {
-            FfmpegBench bench;
+            FfmpegFixture fixture;
             if (isThere)
-                bench.world.scratch.write(u".fontconfig/cache"_s, "x");
-            bench.converter.setSubToBurnURL(bench.url(u"b.srt"_s));
-            bench.converter.startConversionForSelection(bench.selection(u"General"_s, {videoTrack()}));
-            QCOMPARE(bench.converter.fontconfigDirectoryExists(), isThere);
-            QCOMPARE(bench.converter.fontconfigIsRebuilding(), !isThere);
-            QVERIFY(bench.waitForEnds(1));
+                fixture.base.scratch.write(u".fontconfig/cache"_s, "x");
+            fixture.converter.setSubToBurnURL(fixture.url(u"b.srt"_s));
+            fixture.converter.startConversionForSelection(fixture.selection(u"General"_s, {videoTrack()}));
+            QCOMPARE(fixture.converter.fontconfigDirectoryExists(), isThere);
+            QCOMPARE(fixture.converter.fontconfigIsRebuilding(), !isThere);
+            QVERIFY(fixture.waitForEnds(1));
         }
     }
 };
 
-QTEST_GUILESS_MAIN(KXFfmpegConverterTest)
+TESSARAY_TEST(KXFfmpegConverterTest)
 #include "KXFfmpegConverterTest.moc"

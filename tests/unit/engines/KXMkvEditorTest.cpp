@@ -1,15 +1,16 @@
-#include "engines/KXMkvEditor.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXMkvEditor.h"
 #include "support/ProbeJson.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QFileInfo>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 using tools::ToolProcess;
 
 namespace {
@@ -17,18 +18,18 @@ namespace {
 const QString joining = u"MKV Joining"_s;
 const QString splitting = u"MKV Splitting"_s;
 
-/// An editor alone in its world, for "a.mkv", "b.mkv" and "c.mkv".
-class EditorBench final : public MkvBench
+/// An editor alone in its fixture, for "a.mkv", "b.mkv" and "c.mkv".
+class EditorFixture final : public MkvFixture
 {
 public:
-    explicit EditorBench(const QStringList &mkvmerge = wellMuxed(), const QString &sourceName = {})
-        : MkvBench(mkvmerge, sourceName)
+    explicit EditorFixture(const QStringList &mkvmerge = wellMuxed(), const QString &sourceName = {})
+        : MkvFixture(mkvmerge, sourceName)
     {
         for (const QString &name : {u"b.mkv"_s, u"c.mkv"_s})
-            world.scratch.write(name, "film");
+            base.scratch.write(name, "film");
     }
-    ~EditorBench() { editor.terminatePIDWaitUntilTerminated(editor.doShell_ID(), KXHelpers::Wait::No); }
-    Q_DISABLE_COPY_MOVE(EditorBench)
+    ~EditorFixture() { editor.terminatePIDWaitUntilTerminated(editor.doShell_ID(), KXHelpers::Wait::No); }
+    Q_DISABLE_COPY_MOVE(EditorFixture)
 
     SelectionPointer joined(const QStringList &names) const
     {
@@ -78,7 +79,7 @@ public:
     void probeAs(const QByteArray &rate, const QString &otherName, const QByteArray &otherRate) const
     {
         const auto answer = [this](const QString &name, const QByteArray &value) {
-            return world.scratch.write(
+            return base.scratch.write(
                 name, probeJson({{"index=0", "codec_name=h264", "codec_type=video", "width=320", "height=240",
                                   "r_frame_rate=" + value, "avg_frame_rate=" + value}}));
         };
@@ -88,7 +89,7 @@ public:
     }
 
     KXMkvEditor editor{context()};
-    NotificationRecord joins{world.notifications, {u"monitorJoinUpdate"_s}};
+    NotificationRecord joins{base.notifications, {u"monitorJoinUpdate"_s}};
 };
 
 } // namespace
@@ -100,44 +101,44 @@ class KXMkvEditorTest final : public QObject
 private Q_SLOTS:
     void aNewEditorHasItsName()
     {
-        EditorBench bench;
-        QCOMPARE(bench.editor.converterName(), u"mkvEditor"_s);
-        QVERIFY(!bench.editor.conversionError());
-        QVERIFY(!bench.editor.isTemporaryOutput());
+        EditorFixture fixture;
+        QCOMPARE(fixture.editor.converterName(), u"mkvEditor"_s);
+        QVERIFY(!fixture.editor.conversionError());
+        QVERIFY(!fixture.editor.isTemporaryOutput());
     }
 
     // Joins.
 
     void joiningThreeFilesGivesTheOutputAndEachFurtherFileBehindAPlusInListOrder()
     {
-        EditorBench bench;
+        EditorFixture fixture;
         const auto task =
-            bench.editor.startConversionForSelection(bench.joined({u"c.mkv"_s, u"a.mkv"_s, u"b.mkv"_s}));
+            fixture.editor.startConversionForSelection(fixture.joined({u"c.mkv"_s, u"a.mkv"_s, u"b.mkv"_s}));
         QVERIFY(task);
-        QCOMPARE(bench.editor.converterTask(), task);
-        QCOMPARE(bench.editor.inputFileURL(), bench.url(u"c.mkv"_s));
-        QCOMPARE(bench.meant(), u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+|/v/a.mkv|+|/v/b.mkv"_s);
-        QCOMPARE(bench.launched(), bench.meant());
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.calls(), QList<QStringList>{bench.meant().split(u'|')});
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Ok);
+        QCOMPARE(fixture.editor.converterTask(), task);
+        QCOMPARE(fixture.editor.inputFileURL(), fixture.url(u"c.mkv"_s));
+        QCOMPARE(fixture.meant(), u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+|/v/a.mkv|+|/v/b.mkv"_s);
+        QCOMPARE(fixture.launched(), fixture.meant());
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(), QList<QStringList>{fixture.meant().split(u'|')});
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Ok);
     }
 
     /// Each further file is one item there: a plus sign and the quoted path.
     void aJoinInTheBackgroundGivesTheSameFilesAsQuotedItems()
     {
-        EditorBench bench;
+        EditorFixture fixture;
         const QString id =
-            bench.editor.startConversionFor(bench.joined({u"c.mkv"_s, u"a.mkv"_s, u"b.mkv"_s}));
+            fixture.editor.startConversionFor(fixture.joined({u"c.mkv"_s, u"a.mkv"_s, u"b.mkv"_s}));
         QVERIFY(id.toInt() > 0);
-        QCOMPARE(bench.editor.doShell_ID(), id);
-        QVERIFY(!bench.editor.converterTask());
-        QCOMPARE(bench.meant(), u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+'/v/a.mkv'|+'/v/b.mkv'|&>|"
-                                "/v/c.mkv.joined.log|& echo $!"_s);
-        QVERIFY(bench.waitForBackgroundEnd());
-        QCOMPARE(bench.calls(),
+        QCOMPARE(fixture.editor.doShell_ID(), id);
+        QVERIFY(!fixture.editor.converterTask());
+        QCOMPARE(fixture.meant(), u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+'/v/a.mkv'|+'/v/b.mkv'|&>|"
+                                  "/v/c.mkv.joined.log|& echo $!"_s);
+        QVERIFY(fixture.waitForBackgroundEnd());
+        QCOMPARE(fixture.calls(),
                  QList<QStringList>{u"-o|/v/c.mkv.joined.mkv|/v/c.mkv|+/v/a.mkv|+/v/b.mkv"_s.split(u'|')});
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Ok);
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Ok);
     }
 
     void joiningWithoutASaveFolderWritesTheWholeNameThenJoinedAndTheExtensionAgain_data()
@@ -150,17 +151,17 @@ private Q_SLOTS:
     void joiningWithoutASaveFolderWritesTheWholeNameThenJoinedAndTheExtensionAgain()
     {
         QFETCH(bool, inBackground);
-        EditorBench bench;
-        const auto selection = bench.joined({u"a.mkv"_s, u"b.mkv"_s});
+        EditorFixture fixture;
+        const auto selection = fixture.joined({u"a.mkv"_s, u"b.mkv"_s});
         if (inBackground)
-            bench.editor.startConversionFor(selection);
+            fixture.editor.startConversionFor(selection);
         else
-            bench.editor.startConversionForSelection(selection);
-        QCOMPARE(bench.output(), u"/v/a.mkv.joined.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/a.mkv.joined.log"_s);
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.joined.mkv"_s});
-        QVERIFY(bench.editor.tempFileToDeleteURL().isEmpty());
-        QVERIFY(bench.waitForRun());
+            fixture.editor.startConversionForSelection(selection);
+        QCOMPARE(fixture.output(), u"/v/a.mkv.joined.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mkv.joined.log"_s);
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.joined.mkv"_s});
+        QVERIFY(fixture.editor.tempFileToDeleteURL().isEmpty());
+        QVERIFY(fixture.waitForRun());
     }
 
     void theSaveFolderOfThePreferencesTakesOutputAndLog_data()
@@ -175,15 +176,15 @@ private Q_SLOTS:
     {
         QFETCH(QString, jobType);
         QFETCH(QString, word);
-        EditorBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        bench.editor.startConversionFor(jobType == joining ? bench.joined({u"b.mkv"_s, u"c.mkv"_s})
-                                                           : bench.split(u"time"_s));
+        EditorFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        fixture.editor.startConversionFor(jobType == joining ? fixture.joined({u"b.mkv"_s, u"c.mkv"_s})
+                                                             : fixture.split(u"time"_s));
         const QString base = jobType == joining ? u"/v/s/b.mkv."_s : u"/v/s/a.mkv."_s;
-        QCOMPARE(bench.output(), base + word + u".mkv"_s);
-        QCOMPARE(bench.log(), base + word + u".log"_s);
-        QVERIFY(bench.waitForRun());
+        QCOMPARE(fixture.output(), base + word + u".mkv"_s);
+        QCOMPARE(fixture.log(), base + word + u".log"_s);
+        QVERIFY(fixture.waitForRun());
     }
 
     void pathsOfAJoinArriveAsTheyAre_data()
@@ -200,112 +201,115 @@ private Q_SLOTS:
     void pathsOfAJoinArriveAsTheyAre()
     {
         QFETCH(QString, name);
-        EditorBench bench;
-        bench.world.scratch.write(name, "film");
-        bench.editor.startConversionFor(bench.joined({name, name, u"b.mkv"_s}));
-        QVERIFY(bench.waitForBackgroundEnd());
-        QCOMPARE(bench.calls(),
+        EditorFixture fixture;
+        fixture.base.scratch.write(name, "film");
+        fixture.editor.startConversionFor(fixture.joined({name, name, u"b.mkv"_s}));
+        QVERIFY(fixture.waitForBackgroundEnd());
+        QCOMPARE(fixture.calls(),
                  QList<QStringList>{QStringList({u"-o"_s, u"/v/"_s + name + u".joined.mkv"_s, u"/v/"_s + name,
                                                  u"+/v/"_s + name, u"+/v/b.mkv"_s})});
-        QVERIFY(!bench.world.scratch.names().contains(u"x"_s));
+        QVERIFY(!fixture.base.scratch.names().contains(u"x"_s));
     }
 
     /// Any other job type has the current process back, and nothing starts.
     void onlyAJoinStartsAProcessObject()
     {
-        EditorBench bench;
-        QVERIFY(!bench.editor.startConversionForSelection(bench.split(u"time"_s)));
-        const auto first = bench.editor.startConversionForSelection(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        EditorFixture fixture;
+        QVERIFY(!fixture.editor.startConversionForSelection(fixture.split(u"time"_s)));
+        const auto first =
+            fixture.editor.startConversionForSelection(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
         QVERIFY(first);
-        QCOMPARE(bench.editor.startConversionForSelection(bench.selection(u"MKV Remux"_s, {})), first);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.calls().size(), 1);
+        QCOMPARE(fixture.editor.startConversionForSelection(fixture.selection(u"MKV Remux"_s, {})), first);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls().size(), 1);
     }
 
     void withoutFilesNothingIsJoined()
     {
-        EditorBench bench;
-        QVERIFY(!bench.editor.startConversionForSelection(bench.joined({})));
-        QCOMPARE(bench.editor.refusal(), u"There are no files to join."_s);
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Failed);
-        QVERIFY(bench.calls().isEmpty());
+        EditorFixture fixture;
+        QVERIFY(!fixture.editor.startConversionForSelection(fixture.joined({})));
+        QCOMPARE(fixture.editor.refusal(), u"There are no files to join."_s);
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Failed);
+        QVERIFY(fixture.calls().isEmpty());
     }
 
     // What differs.
 
     void filesThatDifferAreNamedInAWarningThatClosesItselfAfter15SecondsAndTheJoinGoesOn()
     {
-        EditorBench bench;
-        bench.probeAs("25/1", u"b.mkv"_s, "30/1");
-        bench.editor.startConversionFor(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
-        QCOMPARE(bench.world.alerts.shown().size(), 1);
-        const auto alert = bench.world.alerts.shown().constFirst();
+        EditorFixture fixture;
+        fixture.probeAs("25/1", u"b.mkv"_s, "30/1");
+        fixture.editor.startConversionFor(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        QCOMPARE(fixture.base.alerts.shown().size(), 1);
+        const auto alert = fixture.base.alerts.shown().constFirst();
         QCOMPARE(alert->message,
                  u"The files to be joined appear to have the following properties mismatched, which may "
                  "cause errors or unexpected results in the join process."_s);
         QCOMPARE(alert->informativeText, u"Frame Rate"_s);
         QCOMPARE(alert->style, platform::AlertStyle::Warning);
         QCOMPARE(alert->closesAfter, std::chrono::milliseconds(15000));
-        QVERIFY(bench.waitForBackgroundEnd());
-        QCOMPARE(bench.calls().size(), 1);
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Ok);
+        QVERIFY(fixture.waitForBackgroundEnd());
+        QCOMPARE(fixture.calls().size(), 1);
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Ok);
     }
 
     void filesThatAgreeGiveNoWarning()
     {
-        EditorBench bench;
-        bench.probeAs("25/1", u"none of them"_s, "30/1");
-        QCOMPARE(bench.editor.findMismatchedProperetiesFor({bench.url(u"a.mkv"_s), bench.url(u"b.mkv"_s)}),
-                 QStringList());
-        bench.editor.startConversionForSelection(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
-        QVERIFY(bench.world.alerts.shown().isEmpty());
-        QVERIFY(bench.waitForEnd());
+        EditorFixture fixture;
+        fixture.probeAs("25/1", u"none of them"_s, "30/1");
+        QCOMPARE(
+            fixture.editor.findMismatchedProperetiesFor({fixture.url(u"a.mkv"_s), fixture.url(u"b.mkv"_s)}),
+            QStringList());
+        fixture.editor.startConversionForSelection(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
+        QVERIFY(fixture.waitForEnd());
     }
 
     /// The files on both sides of one that can't be probed become neighbours.
     void filesThatCantBeProbedAreLeftOutOfTheCheckSilently()
     {
-        EditorBench bench;
-        bench.probeAs("25/1", u"b.mkv"_s, "30/1");
-        const QList<QUrl> withGone{bench.url(u"a.mkv"_s), bench.url(u"gone.mkv"_s), bench.url(u"c.mkv"_s)};
-        QCOMPARE(bench.editor.findMismatchedProperetiesFor(withGone), QStringList());
-        QCOMPARE(bench.editor.findMismatchedProperetiesFor(
-                     {bench.url(u"a.mkv"_s), bench.url(u"gone.mkv"_s), bench.url(u"b.mkv"_s)}),
+        EditorFixture fixture;
+        fixture.probeAs("25/1", u"b.mkv"_s, "30/1");
+        const QList<QUrl> withGone{fixture.url(u"a.mkv"_s), fixture.url(u"gone.mkv"_s),
+                                   fixture.url(u"c.mkv"_s)};
+        QCOMPARE(fixture.editor.findMismatchedProperetiesFor(withGone), QStringList());
+        QCOMPARE(fixture.editor.findMismatchedProperetiesFor(
+                     {fixture.url(u"a.mkv"_s), fixture.url(u"gone.mkv"_s), fixture.url(u"b.mkv"_s)}),
                  QStringList{u"Frame Rate"_s});
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
     void oneFileHasNothingToDifferFrom()
     {
-        EditorBench bench;
-        bench.probeAs("25/1", u"b.mkv"_s, "30/1");
-        QCOMPARE(bench.editor.findMismatchedProperetiesFor({bench.url(u"b.mkv"_s)}), QStringList());
-        QCOMPARE(bench.editor.findMismatchedProperetiesFor({}), QStringList());
+        EditorFixture fixture;
+        fixture.probeAs("25/1", u"b.mkv"_s, "30/1");
+        QCOMPARE(fixture.editor.findMismatchedProperetiesFor({fixture.url(u"b.mkv"_s)}), QStringList());
+        QCOMPARE(fixture.editor.findMismatchedProperetiesFor({}), QStringList());
     }
 
     // Splits.
 
     void splittingWritesTheWholeNameThenSplitAndTheExtensionAgain()
     {
-        EditorBench bench;
-        const QString id = bench.editor.startConversionFor(bench.split(u"time"_s));
+        EditorFixture fixture;
+        const QString id = fixture.editor.startConversionFor(fixture.split(u"time"_s));
         QVERIFY(id.toInt() > 0);
-        QCOMPARE(bench.editor.doShell_ID(), id);
-        QCOMPARE(bench.output(), u"/v/a.mkv.split.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/a.mkv.split.log"_s);
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.split.mkv"_s});
-        QVERIFY(bench.waitForRun());
+        QCOMPARE(fixture.editor.doShell_ID(), id);
+        QCOMPARE(fixture.output(), u"/v/a.mkv.split.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mkv.split.log"_s);
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.split.mkv"_s});
+        QVERIFY(fixture.waitForRun());
     }
 
     /// Between "--split" and the size stand two blanks, on purpose; one argument a word is what arrives.
     void splittingBySize700GivesSplitThenTwoBlanksThen700000k()
     {
-        EditorBench bench;
-        bench.editor.startConversionFor(bench.split(u"size"_s));
-        QCOMPARE(bench.meant(), u"-o|/v/a.mkv.split.mkv|--split  700000k|--compression -1:none|/v/a.mkv|&>|"
-                                "/v/a.mkv.split.log|& echo $!"_s);
-        QVERIFY(bench.waitForRun());
-        QCOMPARE(bench.calls(),
+        EditorFixture fixture;
+        fixture.editor.startConversionFor(fixture.split(u"size"_s));
+        QCOMPARE(fixture.meant(), u"-o|/v/a.mkv.split.mkv|--split  700000k|--compression -1:none|/v/a.mkv|&>|"
+                                  "/v/a.mkv.split.log|& echo $!"_s);
+        QVERIFY(fixture.waitForRun());
+        QCOMPARE(fixture.calls(),
                  QList<QStringList>{
                      u"-o|/v/a.mkv.split.mkv|--split|700000k|--compression|-1:none|/v/a.mkv"_s.split(u'|')});
     }
@@ -322,52 +326,52 @@ private Q_SLOTS:
     {
         QFETCH(QString, type);
         QFETCH(QString, word);
-        EditorBench bench;
-        bench.editor.startConversionFor(bench.split(type));
-        QCOMPARE(bench.meant(), u"-o|/v/a.mkv.split.mkv|--split "_s + word +
-                                    u"|--compression -1:none|/v/a.mkv|&>|/v/a.mkv.split.log|& echo $!"_s);
-        QVERIFY(bench.waitForRun());
-        QCOMPARE(bench.calls().constFirst().mid(2, 2), QStringList({u"--split"_s, word}));
+        EditorFixture fixture;
+        fixture.editor.startConversionFor(fixture.split(type));
+        QCOMPARE(fixture.meant(), u"-o|/v/a.mkv.split.mkv|--split "_s + word +
+                                      u"|--compression -1:none|/v/a.mkv|&>|/v/a.mkv.split.log|& echo $!"_s);
+        QVERIFY(fixture.waitForRun());
+        QCOMPARE(fixture.calls().constFirst().mid(2, 2), QStringList({u"--split"_s, word}));
     }
 
     void anUnknownSplitTypeAnswersErrorAndNothingRuns()
     {
         for (const QString &type : {u"chapters"_s, u""_s, u"Size"_s}) {
-            EditorBench bench;
-            QCOMPARE(bench.editor.startConversionFor(bench.split(type)), u"error"_s);
-            QVERIFY(bench.editor.doShell_ID().isEmpty());
-            QCOMPARE(bench.editor.outcome().verdict, Verdict::Failed);
-            QCOMPARE(bench.editor.outcome().sentence,
+            EditorFixture fixture;
+            QCOMPARE(fixture.editor.startConversionFor(fixture.split(type)), u"error"_s);
+            QVERIFY(fixture.editor.doShell_ID().isEmpty());
+            QCOMPARE(fixture.editor.outcome().verdict, Verdict::Failed);
+            QCOMPARE(fixture.editor.outcome().sentence,
                      u"There is no way to split by \"%1\", so nothing was started."_s.arg(type));
-            QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
-            QVERIFY(bench.launches.of(u"mkvmerge"_s).isEmpty());
+            QVERIFY(fixture.posted(u"conversionStarted"_s).isEmpty());
+            QVERIFY(fixture.launches.of(u"mkvmerge"_s).isEmpty());
         }
     }
 
     void anotherJobTypeAnswersErrorAndNothingRuns()
     {
-        EditorBench bench;
-        QCOMPARE(bench.editor.startConversionFor(bench.selection(u"MKV Remux"_s, {})), u"error"_s);
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Failed);
-        QVERIFY(bench.launches.of(u"mkvmerge"_s).isEmpty());
+        EditorFixture fixture;
+        QCOMPARE(fixture.editor.startConversionFor(fixture.selection(u"MKV Remux"_s, {})), u"error"_s);
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Failed);
+        QVERIFY(fixture.launches.of(u"mkvmerge"_s).isEmpty());
     }
 
     void onlyThePartsThatThisRunWroteAreNamed()
     {
-        EditorBench bench;
-        bench.world.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
-        QStringList script = EditorBench::wellMuxed();
+        EditorFixture fixture;
+        fixture.base.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
+        QStringList script = EditorFixture::wellMuxed();
         script.removeLast();
-        script << u"write 10 "_s + bench.path(u"a.mkv.split (2)-001.mkv"_s)
-               << u"write 10 "_s + bench.path(u"a.mkv.split (2)-002.mkv"_s);
-        bench.setScript(u"mkvtoolnix/mkvmerge"_s, script);
-        bench.editor.startConversionFor(bench.split(u"duration"_s));
-        QCOMPARE(bench.output(), u"/v/a.mkv.split (2).mkv"_s);
-        QVERIFY(bench.waitForBackgroundEnd());
-        QCOMPARE(bench.editor.outputFiles(), QList<QUrl>({bench.url(u"a.mkv.split (2)-001.mkv"_s),
-                                                          bench.url(u"a.mkv.split (2)-002.mkv"_s)}));
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Ok);
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.split-001.mkv"_s), QByteArray("an earlier part"));
+        script << u"write 10 "_s + fixture.path(u"a.mkv.split (2)-001.mkv"_s)
+               << u"write 10 "_s + fixture.path(u"a.mkv.split (2)-002.mkv"_s);
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s, script);
+        fixture.editor.startConversionFor(fixture.split(u"duration"_s));
+        QCOMPARE(fixture.output(), u"/v/a.mkv.split (2).mkv"_s);
+        QVERIFY(fixture.waitForBackgroundEnd());
+        QCOMPARE(fixture.editor.outputFiles(), QList<QUrl>({fixture.url(u"a.mkv.split (2)-001.mkv"_s),
+                                                            fixture.url(u"a.mkv.split (2)-002.mkv"_s)}));
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Ok);
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.split-001.mkv"_s), QByteArray("an earlier part"));
     }
 
     void aSplitThatWroteNothingFailed_data()
@@ -380,11 +384,11 @@ private Q_SLOTS:
     void aSplitThatWroteNothingFailed()
     {
         QFETCH(QString, type);
-        EditorBench bench({u"out Progress: 100%"_s, u"out Multiplexing took 0 seconds."_s});
-        bench.editor.startConversionFor(bench.split(type));
-        QVERIFY(bench.waitForBackgroundEnd());
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Failed);
-        QCOMPARE(bench.editor.outcome().sentence, u"mkvmerge ended without writing a.mkv.split.mkv."_s);
+        EditorFixture fixture({u"out Progress: 100%"_s, u"out Multiplexing took 0 seconds."_s});
+        fixture.editor.startConversionFor(fixture.split(type));
+        QVERIFY(fixture.waitForBackgroundEnd());
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Failed);
+        QCOMPARE(fixture.editor.outcome().sentence, u"mkvmerge ended without writing a.mkv.split.mkv."_s);
     }
 
     // Progress and end.
@@ -393,41 +397,41 @@ private Q_SLOTS:
     /// this join shows no number.
     void aJoinReadsOnlyStandardError()
     {
-        EditorBench bench;
-        bench.read("Progress: 45%\r", ToolProcess::Channel::Output);
-        QCOMPARE(bench.updates(), QStringList());
-        bench.read("Progress: 45%\r", ToolProcess::Channel::Error);
-        QCOMPARE(bench.updates(), QStringList{u"45%"_s}); // and no second percent sign
-        bench.read("Progress: done\n", ToolProcess::Channel::Error);
-        QCOMPARE(bench.updates().size(), 1);
-        bench.read("one: two: 7", ToolProcess::Channel::Error);
-        bench.read("8%\r", ToolProcess::Channel::Error);
-        QCOMPARE(bench.updates(), QStringList({u"45%"_s, u"78%"_s}));
+        EditorFixture fixture;
+        fixture.read("Progress: 45%\r", ToolProcess::Channel::Output);
+        QCOMPARE(fixture.updates(), QStringList());
+        fixture.read("Progress: 45%\r", ToolProcess::Channel::Error);
+        QCOMPARE(fixture.updates(), QStringList{u"45%"_s}); // and no second percent sign
+        fixture.read("Progress: done\n", ToolProcess::Channel::Error);
+        QCOMPARE(fixture.updates().size(), 1);
+        fixture.read("one: two: 7", ToolProcess::Channel::Error);
+        fixture.read("8%\r", ToolProcess::Channel::Error);
+        QCOMPARE(fixture.updates(), QStringList({u"45%"_s, u"78%"_s}));
     }
 
     void aJoinAsAProcessObjectShowsNoNumber()
     {
-        EditorBench bench;
-        bench.editor.setStepName(u"Joining Videos"_s);
-        bench.editor.startConversionForSelection(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.editor.logString().contains(u"Progress: 100%"_s));
-        QCOMPARE(bench.updates(), QStringList());
-        const KXNotification end = bench.record.named(u"taskCompletion"_s).constFirst();
+        EditorFixture fixture;
+        fixture.editor.setStepName(u"Joining Videos"_s);
+        fixture.editor.startConversionForSelection(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.editor.logString().contains(u"Progress: 100%"_s));
+        QCOMPARE(fixture.updates(), QStringList());
+        const KXNotification end = fixture.record.named(u"taskCompletion"_s).constFirst();
         QCOMPARE(end.object.toString(), u"Complete"_s);
         QCOMPARE(end.userInfo.value(u"stepName"_s).toString(), u"Joining Videos"_s);
-        QCOMPARE(end.userInfo.value(u"theConverter"_s).value<QObject *>(), &bench.editor);
-        QCOMPARE(end.userInfo.value(u"theTask"_s).value<QObject *>(), bench.editor.converterTask().get());
+        QCOMPARE(end.userInfo.value(u"theConverter"_s).value<QObject *>(), &fixture.editor);
+        QCOMPARE(end.userInfo.value(u"theTask"_s).value<QObject *>(), fixture.editor.converterTask().get());
     }
 
     void anUpdateNamesItsStepTaskAndConverter()
     {
-        EditorBench bench;
-        bench.editor.setStepName(u"Joining Videos"_s);
-        bench.read("Progress: 3%\r", ToolProcess::Channel::Error);
-        const auto info = bench.joins.all().constFirst().userInfo;
+        EditorFixture fixture;
+        fixture.editor.setStepName(u"Joining Videos"_s);
+        fixture.read("Progress: 3%\r", ToolProcess::Channel::Error);
+        const auto info = fixture.joins.all().constFirst().userInfo;
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Joining Videos"_s);
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.editor);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.editor);
         QVERIFY(info.contains(u"theTask"_s));
     }
 
@@ -437,7 +441,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<bool>("isMarked");
-        const QStringList good = MkvBench::wellMuxed();
+        const QStringList good = MkvFixture::wellMuxed();
         QTest::newRow("a good join") << good << true;
         QTest::newRow("frame=") << QStringList{u"out frame=1"_s} + good << false;
         QTest::newRow("frame= and an invalid argument")
@@ -449,11 +453,11 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, script);
         QFETCH(bool, isMarked);
-        EditorBench bench(script);
-        bench.editor.startConversionForSelection(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.editor.conversionError(), isMarked);
-        QCOMPARE(bench.editor.outcome().verdict, Verdict::Ok);
+        EditorFixture fixture(script);
+        fixture.editor.startConversionForSelection(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.editor.conversionError(), isMarked);
+        QCOMPARE(fixture.editor.outcome().verdict, Verdict::Ok);
     }
 
     void howAJoinEnded_data()
@@ -461,7 +465,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<Verdict>("verdict");
         QTest::addColumn<QString>("sentence");
-        QTest::newRow("well") << MkvBench::wellMuxed() << Verdict::Ok << QString();
+        QTest::newRow("well") << MkvFixture::wellMuxed() << Verdict::Ok << QString();
         QTest::newRow("with warnings")
             << QStringList{u"out Warning: The tracks differ."_s, u"write 10 after:-o"_s, u"exit 1"_s}
             << Verdict::Warnings << u"mkvmerge warned: Warning: The tracks differ."_s;
@@ -478,12 +482,12 @@ private Q_SLOTS:
     void howAJoinEnded()
     {
         QFETCH(QStringList, script);
-        EditorBench bench(script);
-        bench.editor.startConversionForSelection(bench.joined({u"a.mkv"_s, u"b.mkv"_s}));
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(waitFor([&] { return !bench.editor.converterTask()->isRunning(); }));
-        QTEST(bench.editor.outcome().verdict, "verdict");
-        QTEST(bench.editor.outcome().sentence, "sentence");
+        EditorFixture fixture(script);
+        fixture.editor.startConversionForSelection(fixture.joined({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(waitFor([&] { return !fixture.editor.converterTask()->isRunning(); }));
+        QTEST(fixture.editor.outcome().verdict, "verdict");
+        QTEST(fixture.editor.outcome().sentence, "sentence");
     }
 
     void thePollReadsTheLastLineWhileTheToolRuns_data()
@@ -497,13 +501,13 @@ private Q_SLOTS:
     void thePollReadsTheLastLineWhileTheToolRuns()
     {
         QFETCH(QString, line);
-        EditorBench bench({line, u"hang"_s});
-        bench.editor.startConversionFor(bench.split(u"size"_s));
+        EditorFixture fixture({line, u"hang"_s});
+        fixture.editor.startConversionFor(fixture.split(u"size"_s));
         QVERIFY(
-            waitFor([&] { return QFileInfo(bench.editor.logFileURL().toLocalFile()).size() > 0; }, 20000));
-        QTEST(bench.editor.monitorConversion(), "answer");
+            waitFor([&] { return QFileInfo(fixture.editor.logFileURL().toLocalFile()).size() > 0; }, 20000));
+        QTEST(fixture.editor.monitorConversion(), "answer");
     }
 };
 
-QTEST_GUILESS_MAIN(KXMkvEditorTest)
+TESSARAY_TEST(KXMkvEditorTest)
 #include "KXMkvEditorTest.moc"

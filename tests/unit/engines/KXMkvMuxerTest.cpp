@@ -1,7 +1,8 @@
-#include "engines/KXMkvMuxer.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXMkvMuxer.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -15,11 +16,11 @@ namespace {
 const QString conversion = u"MKV Conversion"_s;
 const QString removal = u"MKV Track Removal"_s;
 
-/// A muxer alone in its world.
-class MuxerBench final : public MkvBench
+/// A muxer alone in its fixture.
+class MuxerFixture final : public MkvFixture
 {
 public:
-    using MkvBench::MkvBench;
+    using MkvFixture::MkvFixture;
 
     /// As the job does it before a mux: every track's snapshot is taken.
     QString mux(const TrackList &tracks, const QString &jobType = conversion)
@@ -67,89 +68,89 @@ class KXMkvMuxerTest final : public QObject
 private Q_SLOTS:
     void aNewMuxerHasItsName()
     {
-        MuxerBench bench;
-        QCOMPARE(bench.muxer.converterName(), u"MkvMuxer"_s);
-        QVERIFY(bench.muxer.tracksToMux().isEmpty());
+        MuxerFixture fixture;
+        QCOMPARE(fixture.muxer.converterName(), u"MkvMuxer"_s);
+        QVERIFY(fixture.muxer.tracksToMux().isEmpty());
     }
 
     // What it writes.
 
     void aConversionMuxWritesMuxed()
     {
-        MuxerBench bench;
-        const QString id = bench.mux({picture()});
-        QCOMPARE(bench.shown(bench.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed.mkv"_s);
-        QCOMPARE(bench.shown(bench.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed.log"_s);
+        MuxerFixture fixture;
+        const QString id = fixture.mux({picture()});
+        QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed.mkv"_s);
+        QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed.log"_s);
         QVERIFY(id.toInt() > 0);
-        QCOMPARE(bench.muxer.doShell_ID(), id);
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.muxed.mkv"_s});
-        QVERIFY(bench.waitForRuns(1));
+        QCOMPARE(fixture.muxer.doShell_ID(), id);
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.muxed.mkv"_s});
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     void aTrackRemovalMuxWritesRemovedFromTheTracksToKeep()
     {
-        MuxerBench bench;
+        MuxerFixture fixture;
         const TrackPointer kept = picture(u"Film"_s);
-        kept->setTrackFileURL(bench.source);
-        const auto chosen = bench.selection(removal, {sound()});
+        kept->setTrackFileURL(fixture.source);
+        const auto chosen = fixture.selection(removal, {sound()});
         chosen->setKeepTracksList({kept});
-        bench.muxer.startConversionFor(chosen);
-        QCOMPARE(bench.muxer.tracksToMux(), TrackList{kept});
+        fixture.muxer.startConversionFor(chosen);
+        QCOMPARE(fixture.muxer.tracksToMux(), TrackList{kept});
         // Nobody else took this track's snapshot.
         QCOMPARE(kept->muxingTrackTitle(), u"Film"_s);
-        QCOMPARE(kept->muxingTrackFileURL(), bench.source);
-        QCOMPARE(bench.meant(), u"-o|/v/a.removed.mkv|"_s + options(u"0"_s, u"'Film'"_s) +
-                                    u"-d 0|-A|-S|'/v/a.mkv'|&>|/v/a.mkv.removed.log|& echo $!"_s);
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.removed.mkv"_s});
-        QVERIFY(bench.waitForRuns(1));
+        QCOMPARE(kept->muxingTrackFileURL(), fixture.source);
+        QCOMPARE(fixture.meant(), u"-o|/v/a.removed.mkv|"_s + options(u"0"_s, u"'Film'"_s) +
+                                      u"-d 0|-A|-S|'/v/a.mkv'|&>|/v/a.mkv.removed.log|& echo $!"_s);
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.removed.mkv"_s});
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     void otherJobTypesMuxWhatTheCallerSet()
     {
         for (const QString &type : {u"MKV Remux"_s, u"MKV Track Replacement"_s, u""_s}) {
-            MuxerBench bench;
+            MuxerFixture fixture;
             const TrackPointer set = sound();
-            const auto chosen = bench.selection(type, {picture(), set});
+            const auto chosen = fixture.selection(type, {picture(), set});
             chosen->setKeepTracksList({picture()});
             set->initializeForMuxing();
-            bench.muxer.setTracksToMux({set});
-            bench.muxer.startConversionFor(chosen);
-            QCOMPARE(bench.muxer.tracksToMux(), TrackList{set});
-            QCOMPARE(bench.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"1"_s) +
-                                        u"-D|-a 1|-S|'/v/a.mkv'|&>|/v/a.mkv.muxed.log|& echo $!"_s);
-            QVERIFY(bench.waitForRuns(1));
+            fixture.muxer.setTracksToMux({set});
+            fixture.muxer.startConversionFor(chosen);
+            QCOMPARE(fixture.muxer.tracksToMux(), TrackList{set});
+            QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"1"_s) +
+                                          u"-D|-a 1|-S|'/v/a.mkv'|&>|/v/a.mkv.muxed.log|& echo $!"_s);
+            QVERIFY(fixture.waitForRuns(1));
         }
     }
 
     void theSaveFolderOfThePreferencesTakesOutputAndLog()
     {
-        MuxerBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        bench.mux({picture()});
-        QCOMPARE(bench.shown(bench.muxer.outputFileURL().toLocalFile()), u"/v/s/a.muxed.mkv"_s);
-        QCOMPARE(bench.shown(bench.muxer.logFileURL().toLocalFile()), u"/v/s/a.mkv.muxed.log"_s);
-        QVERIFY(bench.waitForRuns(1));
+        MuxerFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        fixture.mux({picture()});
+        QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/s/a.muxed.mkv"_s);
+        QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/s/a.mkv.muxed.log"_s);
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     void namesThatAreTakenGetANumber()
     {
-        MuxerBench bench;
-        bench.world.scratch.write(u"a.muxed.mkv"_s, "another film");
-        bench.world.scratch.write(u"a.mkv.muxed.log"_s, "another log");
-        bench.mux({picture()});
-        QCOMPARE(bench.shown(bench.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed (2).mkv"_s);
-        QCOMPARE(bench.shown(bench.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed (2).log"_s);
-        QVERIFY(bench.waitForRuns(1));
-        QCOMPARE(bench.world.scratch.read(u"a.muxed.mkv"_s), QByteArray("another film"));
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.muxed.log"_s), QByteArray("another log"));
+        MuxerFixture fixture;
+        fixture.base.scratch.write(u"a.muxed.mkv"_s, "another film");
+        fixture.base.scratch.write(u"a.mkv.muxed.log"_s, "another log");
+        fixture.mux({picture()});
+        QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed (2).mkv"_s);
+        QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed (2).log"_s);
+        QVERIFY(fixture.waitForRuns(1));
+        QCOMPARE(fixture.base.scratch.read(u"a.muxed.mkv"_s), QByteArray("another film"));
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.muxed.log"_s), QByteArray("another log"));
     }
 
     // The list.
 
     void theWholeListOfThreeFiles()
     {
-        MuxerBench bench;
+        MuxerFixture fixture;
         const TrackPointer video = picture(u"The Film"_s);
         video->setTrackDefaultFlag(true);
         const TrackPointer german = sound(u"1"_s);
@@ -157,13 +158,13 @@ private Q_SLOTS:
         german->setTrackForcedFlag(true);
         const TrackPointer subtitle = subtitleTrack(u"3"_s, u"srt"_s);
         subtitle->setTrackTitle(u"none"_s);
-        const TrackPointer added = external(sound(u"0"_s, u"Comments"_s), bench.path(u"b.ac3"_s));
+        const TrackPointer added = external(sound(u"0"_s, u"Comments"_s), fixture.path(u"b.ac3"_s));
         added->setTrackMkvmergeID(u"0"_s);
-        const TrackPointer foreign = external(subtitleTrack(u"0"_s, u"srt"_s), bench.path(u"c.mkv"_s));
+        const TrackPointer foreign = external(subtitleTrack(u"0"_s, u"srt"_s), fixture.path(u"c.mkv"_s));
         foreign->setTrackType(u"External Subtitle"_s);
         foreign->setTrackTitle(u""_s);
-        bench.mux({video, german, added, subtitle, foreign});
-        QCOMPARE(bench.meant(),
+        fixture.mux({video, german, added, subtitle, foreign});
+        QCOMPARE(fixture.meant(),
                  // flags are digits, and languages have their terminologic codes
                  u"-o|/v/a.muxed.mkv|--language 0:eng|--track-name 0:'The Film'|--default-track 0:1|"
                  "--forced-track 0:0|--compression 0:none|--language 1:deu|--track-name 1:''|"
@@ -171,16 +172,16 @@ private Q_SLOTS:
                      options(u"3"_s, u"'none'"_s) + u"-d 0|-a 1|-s 3|'/v/a.mkv'|"_s +
                      options(u"0"_s, u"'Comments'"_s) + u"-D|-a 0|-S|'/v/b.ac3'|"_s + options(u"0"_s) +
                      u"-D|-A|-s 0|'/v/c.mkv'|&>|/v/a.mkv.muxed.log|& echo $!"_s);
-        QVERIFY(bench.waitForRuns(1));
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     void everyWordArrives()
     {
-        MuxerBench bench;
-        bench.mux({picture(u"Film"_s), sound()});
-        QVERIFY(bench.waitForRuns(1));
+        MuxerFixture fixture;
+        fixture.mux({picture(u"Film"_s), sound()});
+        QVERIFY(fixture.waitForRuns(1));
         QCOMPARE(
-            bench.calls().first(),
+            fixture.calls().first(),
             words(u"-o /v/a.muxed.mkv --language 0:eng --track-name 0:Film --default-track 0:0 "
                   "--forced-track 0:0 --compression 0:none --language 1:eng --track-name 1: "
                   "--default-track 1:0 --forced-track 1:0 --compression 1:none -d 0 -a 1 -S /v/a.mkv"_s));
@@ -200,7 +201,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, types);
         QFETCH(QString, lists);
-        MuxerBench bench;
+        MuxerFixture fixture;
         TrackList tracks;
         if (types.contains(u'v'))
             tracks << picture();
@@ -208,9 +209,10 @@ private Q_SLOTS:
             tracks << sound();
         if (types.contains(u's'))
             tracks << subtitleTrack(u"2"_s, u"srt"_s);
-        bench.mux(tracks);
-        QVERIFY2(bench.meant().contains(u"none|"_s + lists + u"'/v/a.mkv'|"_s), qPrintable(bench.meant()));
-        QVERIFY(bench.waitForRuns(1));
+        fixture.mux(tracks);
+        QVERIFY2(fixture.meant().contains(u"none|"_s + lists + u"'/v/a.mkv'|"_s),
+                 qPrintable(fixture.meant()));
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     // Texts of the file: the list shows them between apostrophes, and the line makes one word of each.
@@ -234,13 +236,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, title);
         QFETCH(QString, item);
-        MuxerBench bench;
-        bench.mux({picture(title)});
-        QVERIFY2(bench.meant().contains(u"|--track-name 0:"_s + item + u"|--default"_s),
-                 qPrintable(bench.meant()));
-        QVERIFY(bench.waitForRuns(1));
-        QCOMPARE(bench.calls().first().value(5), u"0:"_s + title);
-        QCOMPARE(bench.calls().first().size(), 17);
+        MuxerFixture fixture;
+        fixture.mux({picture(title)});
+        QVERIFY2(fixture.meant().contains(u"|--track-name 0:"_s + item + u"|--default"_s),
+                 qPrintable(fixture.meant()));
+        QVERIFY(fixture.waitForRuns(1));
+        QCOMPARE(fixture.calls().first().value(5), u"0:"_s + title);
+        QCOMPARE(fixture.calls().first().size(), 17);
     }
 
     void pathsArriveAsTheyAre_data()
@@ -258,75 +260,75 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QFETCH(QString, item);
-        MuxerBench bench(MkvBench::wellMuxed(), name);
-        bench.mux({picture()});
-        QVERIFY2(bench.meant().contains(u"|-d 0|-A|-S|"_s + item + u"|&>|"_s), qPrintable(bench.meant()));
-        QVERIFY(bench.waitForRuns(1));
-        QCOMPARE(bench.calls().first().last(), u"/v/"_s + name);
-        QCOMPARE(bench.calls().first().value(1), u"/v/"_s + name.chopped(4) + u".muxed.mkv"_s);
+        MuxerFixture fixture(MkvFixture::wellMuxed(), name);
+        fixture.mux({picture()});
+        QVERIFY2(fixture.meant().contains(u"|-d 0|-A|-S|"_s + item + u"|&>|"_s), qPrintable(fixture.meant()));
+        QVERIFY(fixture.waitForRuns(1));
+        QCOMPARE(fixture.calls().first().last(), u"/v/"_s + name);
+        QCOMPARE(fixture.calls().first().value(1), u"/v/"_s + name.chopped(4) + u".muxed.mkv"_s);
     }
 
     // mkvmerge counts some containers' tracks in its own way: the list stays, the launched numbers change.
 
     void aSourceThatIsNoMkvIsAskedForItsNumbers()
     {
-        MuxerBench bench({u"when -J"_s,
-                          u"out {\"tracks\": [{\"id\": 0, \"type\": \"video\"}, {\"id\": 1, \"type\": "
-                          "\"audio\"}, {\"id\": 2, \"type\": \"subtitles\"}]}"_s,
-                          u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
-                         u"a.mp4"_s);
-        bench.mux({picture(), sound(u"3"_s), subtitleTrack(u"5"_s, u"mov_text"_s)});
-        QVERIFY(bench.waitForRuns(2));
-        QCOMPARE(bench.calls().first(), QStringList({u"-J"_s, u"/v/a.mp4"_s}));
-        QVERIFY2(bench.meant().contains(options(u"3"_s)), qPrintable(bench.meant()));
-        QVERIFY2(bench.meant().contains(u"|-d 0|-a 3|-s 5|"_s), qPrintable(bench.meant()));
-        QVERIFY2(bench.launched().contains(options(u"1"_s)), qPrintable(bench.launched()));
-        QVERIFY2(bench.launched().contains(u"--compression 2:none|-d 0|-a 1|-s 2|'/v/a.mp4'|"_s),
-                 qPrintable(bench.launched()));
-        QVERIFY(!bench.launched().contains(u"3:"_s) && !bench.launched().contains(u"5:"_s));
-        QCOMPARE(bench.calls().at(1).mid(bench.calls().at(1).size() - 7),
+        MuxerFixture fixture({u"when -J"_s,
+                              u"out {\"tracks\": [{\"id\": 0, \"type\": \"video\"}, {\"id\": 1, \"type\": "
+                              "\"audio\"}, {\"id\": 2, \"type\": \"subtitles\"}]}"_s,
+                              u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
+                             u"a.mp4"_s);
+        fixture.mux({picture(), sound(u"3"_s), subtitleTrack(u"5"_s, u"mov_text"_s)});
+        QVERIFY(fixture.waitForRuns(2));
+        QCOMPARE(fixture.calls().first(), QStringList({u"-J"_s, u"/v/a.mp4"_s}));
+        QVERIFY2(fixture.meant().contains(options(u"3"_s)), qPrintable(fixture.meant()));
+        QVERIFY2(fixture.meant().contains(u"|-d 0|-a 3|-s 5|"_s), qPrintable(fixture.meant()));
+        QVERIFY2(fixture.launched().contains(options(u"1"_s)), qPrintable(fixture.launched()));
+        QVERIFY2(fixture.launched().contains(u"--compression 2:none|-d 0|-a 1|-s 2|'/v/a.mp4'|"_s),
+                 qPrintable(fixture.launched()));
+        QVERIFY(!fixture.launched().contains(u"3:"_s) && !fixture.launched().contains(u"5:"_s));
+        QCOMPARE(fixture.calls().at(1).mid(fixture.calls().at(1).size() - 7),
                  QStringList({u"-d"_s, u"0"_s, u"-a"_s, u"1"_s, u"-s"_s, u"2"_s, u"/v/a.mp4"_s}));
     }
 
     void mkvAndAviAreNotAsked()
     {
         for (const QString &name : {u"a.mkv"_s, u"a.avi"_s, u"a.AVI"_s}) {
-            MuxerBench bench(MkvBench::wellMuxed(), name);
-            bench.mux({picture(), sound(u"3"_s)});
-            QVERIFY(bench.waitForRuns(1));
-            QCOMPARE(bench.calls().size(), 1);
-            QCOMPARE(bench.launched(), bench.meant());
+            MuxerFixture fixture(MkvFixture::wellMuxed(), name);
+            fixture.mux({picture(), sound(u"3"_s)});
+            QVERIFY(fixture.waitForRuns(1));
+            QCOMPARE(fixture.calls().size(), 1);
+            QCOMPARE(fixture.launched(), fixture.meant());
         }
     }
 
     void aConvertedFileIsNotAsked()
     {
-        MuxerBench bench(MkvBench::wellMuxed(), u"a.avi"_s);
+        MuxerFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
         const TrackPointer track = picture();
-        const auto chosen = bench.selection(conversion, {track});
+        const auto chosen = fixture.selection(conversion, {track});
         track->initializeForMuxing();
-        track->setMuxingTrackFileURL(bench.url(u"converted.m4v"_s));
-        bench.muxer.startConversionFor(chosen);
-        QVERIFY(bench.waitForRuns(1));
-        QVERIFY(!bench.calls().first().contains(u"-J"_s));
-        QCOMPARE(bench.launched(), bench.meant());
+        track->setMuxingTrackFileURL(fixture.url(u"converted.m4v"_s));
+        fixture.muxer.startConversionFor(chosen);
+        QVERIFY(fixture.waitForRuns(1));
+        QVERIFY(!fixture.calls().first().contains(u"-J"_s));
+        QCOMPARE(fixture.launched(), fixture.meant());
     }
 
     void numbersOfTracksThatAreNotWrittenCountToo()
     {
         // Two sounds in the file, one of them stays: it is mkvmerge's second.
-        MuxerBench bench({u"when -J"_s,
-                          u"out {\"tracks\": [{\"id\": 0, \"type\": \"audio\"}, {\"id\": 1, \"type\": "
-                          "\"audio\"}]}"_s,
-                          u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
-                         u"a.mp4"_s);
+        MuxerFixture fixture({u"when -J"_s,
+                              u"out {\"tracks\": [{\"id\": 0, \"type\": \"audio\"}, {\"id\": 1, \"type\": "
+                              "\"audio\"}]}"_s,
+                              u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
+                             u"a.mp4"_s);
         const TrackPointer kept = sound(u"4"_s);
-        kept->setTrackFileURL(bench.source);
-        const auto chosen = bench.selection(removal, {sound(u"2"_s)});
+        kept->setTrackFileURL(fixture.source);
+        const auto chosen = fixture.selection(removal, {sound(u"2"_s)});
         chosen->setKeepTracksList({kept});
-        bench.muxer.startConversionFor(chosen);
-        QVERIFY2(bench.launched().contains(u"|-D|-a 1|-S|'/v/a.mp4'"_s), qPrintable(bench.launched()));
-        QVERIFY(bench.waitForRuns(2));
+        fixture.muxer.startConversionFor(chosen);
+        QVERIFY2(fixture.launched().contains(u"|-D|-a 1|-S|'/v/a.mp4'"_s), qPrintable(fixture.launched()));
+        QVERIFY(fixture.waitForRuns(2));
     }
 
     // How far it is, by what mkvmerge left in the log.
@@ -358,24 +360,24 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, log);
         QFETCH(QString, answer);
-        MuxerBench bench({u"hang"_s});
-        const QString id = bench.mux({picture()});
-        QVERIFY(bench.waitForRuns(1));
-        bench.world.scratch.write(u"a.mkv.muxed.log"_s, log);
-        QCOMPARE(bench.muxer.monitorConversion(), answer);
+        MuxerFixture fixture({u"hang"_s});
+        const QString id = fixture.mux({picture()});
+        QVERIFY(fixture.waitForRuns(1));
+        fixture.base.scratch.write(u"a.mkv.muxed.log"_s, log);
+        QCOMPARE(fixture.muxer.monitorConversion(), answer);
         ::kill(id.toInt(), SIGKILL);
-        QVERIFY(waitFor([&] { return bench.muxer.monitorConversion() == u"Complete"_s; }));
+        QVERIFY(waitFor([&] { return fixture.muxer.monitorConversion() == u"Complete"_s; }));
     }
 
     void aToolThatHasEndedIsComplete()
     {
-        MuxerBench bench({u"err Error: The file could not be opened."_s, u"exit 2"_s});
-        bench.mux({picture()});
-        QVERIFY(waitFor([&] { return bench.muxer.monitorConversion() == u"Complete"_s; }));
+        MuxerFixture fixture({u"err Error: The file could not be opened."_s, u"exit 2"_s});
+        fixture.mux({picture()});
+        QVERIFY(waitFor([&] { return fixture.muxer.monitorConversion() == u"Complete"_s; }));
         // The end of a process is all that a poll tells. How it went is the outcome's matter.
-        QCOMPARE(bench.muxer.outcome().verdict, step::Verdict::Failed);
+        QCOMPARE(fixture.muxer.outcome().verdict, steps::Verdict::Failed);
     }
 };
 
-QTEST_GUILESS_MAIN(KXMkvMuxerTest)
+TESSARAY_TEST(KXMkvMuxerTest)
 #include "KXMkvMuxerTest.moc"

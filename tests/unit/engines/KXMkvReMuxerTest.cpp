@@ -1,6 +1,7 @@
-#include "engines/KXMkvReMuxer.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXMkvReMuxer.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
 
 #include <QTest>
 
@@ -13,10 +14,10 @@ namespace {
 
 const QString type = u"MKV Remux"_s;
 
-class ReMuxerBench final : public MkvBench
+class ReMuxerFixture final : public MkvFixture
 {
 public:
-    using MkvBench::MkvBench;
+    using MkvFixture::MkvFixture;
 
     bool waitForEnds(int count) const
     {
@@ -46,45 +47,45 @@ private Q_SLOTS:
     /// Both names keep the source's extension.
     void withoutASaveFolderItWritesBesideTheSource()
     {
-        ReMuxerBench bench;
+        ReMuxerFixture fixture;
         const auto task =
-            bench.remuxer.startConversionForSelectionWithSaveDirectoryURL(bench.selection(type, {}), {});
+            fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}), {});
         QVERIFY(task);
-        QCOMPARE(bench.remuxer.converterTask(), task);
-        QCOMPARE(bench.output(), u"/v/a.mkv.remux.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/a.mkv.remuxing.log"_s);
-        QVERIFY(bench.remuxer.temporaryFiles().isEmpty());
-        QVERIFY(bench.waitForEnds(1));
-        QCOMPARE(bench.meant(), u"-o|/v/a.mkv.remux.mkv|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(bench.calls(),
+        QCOMPARE(fixture.remuxer.converterTask(), task);
+        QCOMPARE(fixture.output(), u"/v/a.mkv.remux.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mkv.remuxing.log"_s);
+        QVERIFY(fixture.remuxer.temporaryFiles().isEmpty());
+        QVERIFY(fixture.waitForEnds(1));
+        QCOMPARE(fixture.meant(), u"-o|/v/a.mkv.remux.mkv|--compression|-1:none|/v/a.mkv"_s);
+        QCOMPARE(fixture.calls(),
                  QList<QStringList>{QStringList(
                      {u"-o"_s, u"/v/a.mkv.remux.mkv"_s, u"--compression"_s, u"-1:none"_s, u"/v/a.mkv"_s})});
-        QVERIFY(bench.world.scratch.read(u"a.mkv.remuxing.log"_s).contains("Multiplexing took"));
+        QVERIFY(fixture.base.scratch.read(u"a.mkv.remuxing.log"_s).contains("Multiplexing took"));
     }
 
     void aSaveFolderTakesOutputAndLog()
     {
-        ReMuxerBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.remuxer.startConversionForSelectionWithSaveDirectoryURL(bench.selection(type, {}),
-                                                                      bench.url(u"s"_s));
-        QCOMPARE(bench.output(), u"/v/s/a.mkv.remux.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/s/a.mkv.remuxing.log"_s);
-        QVERIFY(bench.waitForEnds(1));
+        ReMuxerFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}),
+                                                                        fixture.url(u"s"_s));
+        QCOMPARE(fixture.output(), u"/v/s/a.mkv.remux.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/s/a.mkv.remuxing.log"_s);
+        QVERIFY(fixture.waitForEnds(1));
     }
 
     void theStartAndTheEndAreAnnounced()
     {
-        ReMuxerBench bench;
-        bench.remuxer.setStepName(u"Re-Muxing MKV"_s);
-        bench.remuxer.startConversionForSelectionWithSaveDirectoryURL(bench.selection(type, {}), {});
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.remux.mkv"_s});
-        QVERIFY(bench.waitForEnds(1));
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
-        const auto end = bench.record.named(u"taskCompletion"_s).first();
+        ReMuxerFixture fixture;
+        fixture.remuxer.setStepName(u"Re-Muxing MKV"_s);
+        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}), {});
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.remux.mkv"_s});
+        QVERIFY(fixture.waitForEnds(1));
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
+        const auto end = fixture.record.named(u"taskCompletion"_s).first();
         QCOMPARE(end.userInfo.value(u"stepName"_s).toString(), u"Re-Muxing MKV"_s);
-        QCOMPARE(end.userInfo.value(u"theConverter"_s).value<QObject *>(), &bench.remuxer);
-        QCOMPARE(end.userInfo.value(u"theTask"_s).value<QObject *>(), bench.remuxer.converterTask().get());
+        QCOMPARE(end.userInfo.value(u"theConverter"_s).value<QObject *>(), &fixture.remuxer);
+        QCOMPARE(end.userInfo.value(u"theTask"_s).value<QObject *>(), fixture.remuxer.converterTask().get());
     }
 
     // Progress under the splitter's name, which is meant: the whole number and one percent sign.
@@ -117,22 +118,22 @@ private Q_SLOTS:
     {
         QFETCH(QByteArrayList, chunks);
         QFETCH(QStringList, texts);
-        ReMuxerBench bench;
-        bench.remuxer.setLogFileURL(bench.guard.claimFree(bench.url(u"x.log"_s)));
+        ReMuxerFixture fixture;
+        fixture.remuxer.setLogFileURL(fixture.guard.claimFree(fixture.url(u"x.log"_s)));
         for (const QByteArray &chunk : chunks)
-            bench.read(chunk);
-        QCOMPARE(bench.posted(u"monitorSplitUpdate"_s), texts);
-        QCOMPARE(bench.world.scratch.read(u"x.log"_s), chunks.join());
+            fixture.read(chunk);
+        QCOMPARE(fixture.posted(u"monitorSplitUpdate"_s), texts);
+        QCOMPARE(fixture.base.scratch.read(u"x.log"_s), chunks.join());
     }
 
     void progressTellsItsConverterAndStep()
     {
-        ReMuxerBench bench;
-        bench.remuxer.setStepName(u"Re-Muxing MKV"_s);
-        bench.read("Progress: 45%\r");
-        const auto update = bench.record.named(u"monitorSplitUpdate"_s).value(0);
+        ReMuxerFixture fixture;
+        fixture.remuxer.setStepName(u"Re-Muxing MKV"_s);
+        fixture.read("Progress: 45%\r");
+        const auto update = fixture.record.named(u"monitorSplitUpdate"_s).value(0);
         QCOMPARE(update.userInfo.value(u"stepName"_s).toString(), u"Re-Muxing MKV"_s);
-        QCOMPARE(update.userInfo.value(u"theConverter"_s).value<QObject *>(), &bench.remuxer);
+        QCOMPARE(update.userInfo.value(u"theConverter"_s).value<QObject *>(), &fixture.remuxer);
         QVERIFY(update.userInfo.contains(u"theTask"_s));
     }
 
@@ -140,43 +141,43 @@ private Q_SLOTS:
 
     void theBackgroundFormHasItsOwnList()
     {
-        ReMuxerBench bench(MkvBench::wellMuxed(), u"it's $(touch x).mkv"_s);
-        const QString id = bench.remuxer.startConversionFor(bench.selection(type, {}));
+        ReMuxerFixture fixture(MkvFixture::wellMuxed(), u"it's $(touch x).mkv"_s);
+        const QString id = fixture.remuxer.startConversionFor(fixture.selection(type, {}));
         QVERIFY(id.toInt() > 0);
-        QCOMPARE(bench.remuxer.doShell_ID(), id);
-        QCOMPARE(bench.meant(),
+        QCOMPARE(fixture.remuxer.doShell_ID(), id);
+        QCOMPARE(fixture.meant(),
                  u"-o|/v/it's $(touch x).mkv.remux.mkv|--compression -1:none|/v/it's $(touch x).mkv|&>|"
                  "/v/it's $(touch x).mkv.remuxing.log|& echo $!"_s);
-        QVERIFY(bench.waitForRuns(1));
-        QCOMPARE(bench.calls().first(),
+        QVERIFY(fixture.waitForRuns(1));
+        QCOMPARE(fixture.calls().first(),
                  QStringList({u"-o"_s, u"/v/it's $(touch x).mkv.remux.mkv"_s, u"--compression"_s,
                               u"-1:none"_s, u"/v/it's $(touch x).mkv"_s}));
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/it's $(touch x).mkv.remux.mkv"_s});
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/it's $(touch x).mkv.remux.mkv"_s});
     }
 
     void theBackgroundFormTakesThePreferencesFolder()
     {
-        ReMuxerBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        bench.remuxer.startConversionFor(bench.selection(type, {}));
-        QCOMPARE(bench.output(), u"/v/s/a.mkv.remux.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/s/a.mkv.remuxing.log"_s);
-        QVERIFY(bench.waitForRuns(1));
+        ReMuxerFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        fixture.remuxer.startConversionFor(fixture.selection(type, {}));
+        QCOMPARE(fixture.output(), u"/v/s/a.mkv.remux.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/s/a.mkv.remuxing.log"_s);
+        QVERIFY(fixture.waitForRuns(1));
     }
 
     void theBackgroundFormIsPolled()
     {
-        ReMuxerBench bench({u"hang"_s});
-        const QString id = bench.remuxer.startConversionFor(bench.selection(type, {}));
-        QVERIFY(bench.waitForRuns(1));
-        QCOMPARE(bench.remuxer.monitorConversion(), u"error"_s);
-        bench.world.scratch.write(u"a.mkv.remuxing.log"_s, "Progress: 44%\rProgress: 45%\r");
-        QCOMPARE(bench.remuxer.monitorConversion(), u"45%"_s);
+        ReMuxerFixture fixture({u"hang"_s});
+        const QString id = fixture.remuxer.startConversionFor(fixture.selection(type, {}));
+        QVERIFY(fixture.waitForRuns(1));
+        QCOMPARE(fixture.remuxer.monitorConversion(), u"error"_s);
+        fixture.base.scratch.write(u"a.mkv.remuxing.log"_s, "Progress: 44%\rProgress: 45%\r");
+        QCOMPARE(fixture.remuxer.monitorConversion(), u"45%"_s);
         ::kill(id.toInt(), SIGKILL);
-        QVERIFY(waitFor([&] { return bench.remuxer.monitorConversion() == u"Complete"_s; }));
+        QVERIFY(waitFor([&] { return fixture.remuxer.monitorConversion() == u"Complete"_s; }));
     }
 };
 
-QTEST_GUILESS_MAIN(KXMkvReMuxerTest)
+TESSARAY_TEST(KXMkvReMuxerTest)
 #include "KXMkvReMuxerTest.moc"

@@ -1,8 +1,9 @@
 // The player's options, and what becomes of them on the shell line. The player itself is a fake tool.
-#include "engines/KXMoviePlayer.h"
+#include "engines/player/KXMoviePlayer.h"
 #include "support/FakeTool.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
 
 #include <QFile>
 #include <QTest>
@@ -27,7 +28,7 @@ QUrl file(const QString &path)
 
 TrackPointer track(const QString &type, const QString &number, const QString &source = film)
 {
-    const auto made = JobWorld::track(type, source);
+    const auto made = JobFixture::track(type, source);
     made->setTrackMencoderID(number);
     return made;
 }
@@ -41,15 +42,15 @@ class KXMoviePlayerTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_world = std::make_unique<JobWorld>(JobWorld::Tools::Fake);
-        m_guard = std::make_unique<step::OutputGuard>(m_world->outputs, step::WhenTaken::NextFreeName);
-        m_player = std::make_unique<KXMoviePlayer>(m_world->converterContext(*m_guard));
+        m_fixture = std::make_unique<JobFixture>(JobFixture::Tools::Fake);
+        m_guard = std::make_unique<steps::OutputGuard>(m_fixture->outputs, steps::WhenTaken::NextFreeName);
+        m_player = std::make_unique<KXMoviePlayer>(m_fixture->converterContext(*m_guard));
     }
     void cleanup()
     {
         m_player.reset();
         m_guard.reset();
-        m_world.reset();
+        m_fixture.reset();
     }
 
     void itsNameIsMoviePlayer() { QCOMPARE(m_player->converterName(), u"moviePlayer"_s); }
@@ -132,7 +133,7 @@ private Q_SLOTS:
     void otherPathsRunAsTheyAreMeant()
     {
         const QString comma = u"/v/a,b.mkv"_s;
-        const auto selection = m_world->selectionFor(comma);
+        const auto selection = m_fixture->selectionFor(comma);
         selection->setTrackList(
             {track(u"Audio"_s, u"0"_s, u"/v/c,d.mka"_s), track(u"Subtitle"_s, u"0"_s, u"/v/e.srt"_s)});
         const OptionList expected{file(comma), u"-audiofile",       file(u"/v/c,d.mka"_s),
@@ -143,13 +144,13 @@ private Q_SLOTS:
 
     void thePlayerIsStartedAndNotWaitedFor()
     {
-        const QString runs = m_world->scratch.path(u"runs"_s);
-        const QString pid = m_world->scratch.path(u"pid"_s);
-        m_world->installTool(u"mplayer/mplayer"_s, {u"record "_s + runs, u"pid "_s + pid, u"hang"_s});
+        const QString runs = m_fixture->scratch.path(u"runs"_s);
+        const QString pid = m_fixture->scratch.path(u"pid"_s);
+        m_fixture->installTool(u"mplayer/mplayer"_s, {u"record "_s + runs, u"pid "_s + pid, u"hang"_s});
         m_player->playMovie(selection(
             {track(u"Video"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s, u"/v/it's,$(x) \"`.srt"_s)}, u"1"_s));
-        QVERIFY(waitFor([&] { return m_world->scratch.read(u"pid"_s).endsWith('\n'); }));
-        const qint64 player = m_world->scratch.read(u"pid"_s).trimmed().toLongLong();
+        QVERIFY(waitFor([&] { return m_fixture->scratch.read(u"pid"_s).endsWith('\n'); }));
+        const qint64 player = m_fixture->scratch.read(u"pid"_s).trimmed().toLongLong();
         QVERIFY(support::runs(player));
         const auto recorded = FakeTool::recordedRuns(runs);
         QCOMPARE(recorded.size(), 1);
@@ -166,13 +167,13 @@ private Q_SLOTS:
     void aMissingPlayerShowsNothing()
     {
         m_player->playMovie(selection({track(u"Video"_s, u"0"_s)}, u"0"_s));
-        QVERIFY(m_world->alerts.shown().isEmpty());
+        QVERIFY(m_fixture->alerts.shown().isEmpty());
     }
 
 private:
     SelectionPointer selection(const TrackList &tracks, const QString &subtitles) const
     {
-        const auto made = m_world->selectionFor(film);
+        const auto made = m_fixture->selectionFor(film);
         made->setTrackList(tracks);
         made->setSubCount(subtitles);
         return made;
@@ -182,10 +183,10 @@ private:
         return m_player->playerOptions(*selection(tracks, subtitles));
     }
 
-    std::unique_ptr<JobWorld> m_world;
-    std::unique_ptr<step::OutputGuard> m_guard;
+    std::unique_ptr<JobFixture> m_fixture;
+    std::unique_ptr<steps::OutputGuard> m_guard;
     std::unique_ptr<KXMoviePlayer> m_player;
 };
 
-QTEST_GUILESS_MAIN(KXMoviePlayerTest)
+TESSARAY_TEST(KXMoviePlayerTest)
 #include "KXMoviePlayerTest.moc"

@@ -1,24 +1,25 @@
-#include "engines/KXSendToLintwickJob.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXSendToLintwickJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 
 namespace {
 
 const QString application = u"/Applications/Lintwick.app"_s;
 
-class SendingBench final : public MkvBench
+class SendingFixture final : public MkvFixture
 {
 public:
-    explicit SendingBench(const QString &lintwickPath = application)
+    explicit SendingFixture(const QString &lintwickPath = application)
     {
-        world.preferences.overrideForThisRun(u"lintwickPath"_s, lintwickPath);
+        base.preferences.overrideForThisRun(u"lintwickPath"_s, lintwickPath);
     }
 
     std::shared_ptr<KXSendToLintwickJob> begin(const TrackList &tracks)
@@ -27,22 +28,22 @@ public:
     }
     void post(const QString &name, const QString &text, QObject *converter)
     {
-        world.notifications.post(name, text,
-                                 {{u"stepName"_s, u"Extracting Subtitle Track"_s},
-                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+        base.notifications.post(name, text,
+                                {{u"stepName"_s, u"Extracting Subtitle Track"_s},
+                                 {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
     }
     QObject *step() const { return job->stepConverterList().first().get(); }
     QStringList asked() const
     {
         QStringList texts;
-        for (const QString &text : world.workspace.asked())
+        for (const QString &text : base.workspace.asked())
             texts << shown(text);
         return texts;
     }
     /// The only alert, as its two texts; empty when there was none or the style is another.
     QStringList warning() const
     {
-        const auto alerts = world.alerts.shown();
+        const auto alerts = base.alerts.shown();
         if (alerts.size() != 1 || alerts.first()->style != platform::AlertStyle::Warning)
             return {};
         return {alerts.first()->message, alerts.first()->informativeText};
@@ -74,62 +75,62 @@ class KXSendToLintwickJobTest final : public QObject
 private Q_SLOTS:
     void theSubtitleAndThenTheFilmAreOpened()
     {
-        SendingBench bench;
-        const auto job = bench.begin({videoTrack(), sound(), subtitle()});
+        SendingFixture fixture;
+        const auto job = fixture.begin({videoTrack(), sound(), subtitle()});
         QCOMPARE(job->progressList(), jobs::ProgressList({{u"Extracting Subtitle Track"_s, u"0%"_s}}));
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked(), handedOver);
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked(), handedOver);
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.mkv.stream2.srt"_s)});
-        QVERIFY(bench.world.scratch.names().contains(u"a.mkv.stream2.srt"_s)); // not temporary
-        QCOMPARE(bench.progressTexts().last(), u"Extracting Subtitle Track=Complete"_s);
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.mkv.stream2.srt"_s)});
+        QVERIFY(fixture.base.scratch.names().contains(u"a.mkv.stream2.srt"_s)); // not temporary
+        QCOMPARE(fixture.progressTexts().last(), u"Extracting Subtitle Track=Complete"_s);
         // Which codec a subtitle gets is left to ffmpeg: no track has the type "Subittle".
-        QCOMPARE(bench.meant(0, u"ffmpeg"_s), u"-i|/v/a.mkv|-map|0:2|-y|/v/a.mkv.stream2.srt"_s);
+        QCOMPARE(fixture.meant(0, u"ffmpeg"_s), u"-i|/v/a.mkv|-map|0:2|-y|/v/a.mkv.stream2.srt"_s);
     }
 
     void ofTwoSubtitlesOnlyTheFirstIsSent()
     {
-        SendingBench bench;
-        const auto job = bench.begin({videoTrack(), subtitle(), subtitle(u"3"_s)});
+        SendingFixture fixture;
+        const auto job = fixture.begin({videoTrack(), subtitle(), subtitle(u"3"_s)});
         QCOMPARE(job->stepConverterList().size(), 1);
         QCOMPARE(job->stepConverterList().first()->trackItemToProcess(), 1);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.calls(u"ffmpeg"_s).size(), 1);
-        QCOMPARE(bench.asked(), handedOver);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 1);
+        QCOMPARE(fixture.asked(), handedOver);
     }
 
     void anExternalSubtitleIsOneToo()
     {
-        SendingBench bench;
+        SendingFixture fixture;
         const TrackPointer foreign = subtitle();
         foreign->setTrackType(u"External Subtitle"_s);
-        bench.begin({foreign, subtitle(u"3"_s)});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked(), handedOver);
+        fixture.begin({foreign, subtitle(u"3"_s)});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked(), handedOver);
     }
 
     void theSaveFolderIsThePreferences()
     {
-        SendingBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked().value(1), u"open /v/s/a.mkv.stream2.srt with "_s + application);
-        QCOMPARE(bench.asked().value(2), u"open /v/a.mkv with "_s + application);
+        SendingFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked().value(1), u"open /v/s/a.mkv.stream2.srt with "_s + application);
+        QCOMPARE(fixture.asked().value(2), u"open /v/a.mkv with "_s + application);
     }
 
     void withoutASubtitleThereIsNoStepAndNothingIsLaunched()
     {
-        SendingBench bench;
-        const auto job = bench.begin({videoTrack(), sound()});
+        SendingFixture fixture;
+        const auto job = fixture.begin({videoTrack(), sound()});
         QVERIFY(job->stepConverterList().isEmpty());
         QVERIFY(job->progressList().isEmpty());
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.asked().isEmpty());
-        QVERIFY(bench.world.alerts.shown().isEmpty());
-        QVERIFY(bench.calls(u"ffmpeg"_s).isEmpty());
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.asked().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
+        QVERIFY(fixture.calls(u"ffmpeg"_s).isEmpty());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QCOMPARE(job->outcome().sentence, u"There is no subtitle to send."_s);
     }
@@ -146,53 +147,53 @@ private Q_SLOTS:
     void aPathThatDoesNotNameTheApplicationIsRefusedEvenIfItWasLaunched()
     {
         QFETCH(QString, path);
-        SendingBench bench(path);
-        const auto job = bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked(), QStringList{u"launch "_s + path}); // meant: it is launched first
-        QCOMPARE(bench.warning(), notLaunched);
+        SendingFixture fixture(path);
+        const auto job = fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked(), QStringList{u"launch "_s + path}); // meant: it is launched first
+        QCOMPARE(fixture.warning(), notLaunched);
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
-        QVERIFY(bench.world.scratch.names().contains(u"a.mkv.stream2.srt"_s));
+        QVERIFY(fixture.base.scratch.names().contains(u"a.mkv.stream2.srt"_s));
     }
 
     void theNameMayStandAnywhereInThePath()
     {
-        SendingBench bench(u"/opt/Lintwick 2/bin/editor"_s);
-        bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked().size(), 3);
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        SendingFixture fixture(u"/opt/Lintwick 2/bin/editor"_s);
+        fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked().size(), 3);
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
     void noPathIsNoLocation()
     {
-        SendingBench bench(u""_s);
-        bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.asked().isEmpty());
-        QCOMPARE(bench.warning(), notLaunched);
+        SendingFixture fixture(u""_s);
+        fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.asked().isEmpty());
+        QCOMPARE(fixture.warning(), notLaunched);
     }
 
     void anApplicationThatDoesNotStartIsAWarning()
     {
-        SendingBench bench;
-        bench.world.workspace.launches = false;
-        const auto job = bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked(), QStringList{u"launch "_s + application});
-        QCOMPARE(bench.warning(), notLaunched);
+        SendingFixture fixture;
+        fixture.base.workspace.launches = false;
+        const auto job = fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked(), QStringList{u"launch "_s + application});
+        QCOMPARE(fixture.warning(), notLaunched);
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
     }
 
     void aSubtitleThatIsNotOpenedIsAWarningAndTheFilmIsOpenedAllTheSame()
     {
-        SendingBench bench;
-        bench.world.workspace.opens = false;
-        bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.asked(), handedOver);
+        SendingFixture fixture;
+        fixture.base.workspace.opens = false;
+        fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.asked(), handedOver);
         // Two blanks behind "installed.", on purpose.
-        QCOMPARE(bench.warning(),
+        QCOMPARE(fixture.warning(),
                  QStringList({u"Error Sending the Subtitle to Lintwick"_s,
                               u"Make sure that you have the most recent version of Lintwick installed.  "
                               "Check the Orvane website for the current version."_s}));
@@ -200,12 +201,12 @@ private Q_SLOTS:
 
     void aSubtitleThatWasNotWrittenIsNotSent()
     {
-        SendingBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
-        const auto job = bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        QVERIFY(bench.asked().isEmpty());
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        SendingFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
+        const auto job = fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        QVERIFY(fixture.asked().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
     }
 
@@ -213,77 +214,77 @@ private Q_SLOTS:
 
     void aVobSubIsTwoFiles()
     {
-        SendingBench bench;
-        bench.setScript(u"mkvtoolnix/mkvextract"_s,
-                        {u"out Progress: 100%"_s, u"write 10 "_s + bench.path(u"a.mkv.stream2.idx"_s),
-                         u"write 10 "_s + bench.path(u"a.mkv.stream2.sub"_s)});
+        SendingFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvextract"_s,
+                          {u"out Progress: 100%"_s, u"write 10 "_s + fixture.path(u"a.mkv.stream2.idx"_s),
+                           u"write 10 "_s + fixture.path(u"a.mkv.stream2.sub"_s)});
         const TrackPointer pictures = subtitleTrack(u"2"_s, u"vobsub"_s);
         pictures->setTrackExtension(u"idx"_s);
-        const auto job = bench.begin({pictures});
-        QVERIFY(bench.waitForEnd());
+        const auto job = fixture.begin({pictures});
+        QVERIFY(fixture.waitForEnd());
         QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
         QCOMPARE(job->outputs(),
-                 QList<QUrl>({bench.url(u"a.mkv.stream2.idx"_s), bench.url(u"a.mkv.stream2.sub"_s)}));
-        QCOMPARE(bench.asked().value(1), u"open /v/a.mkv.stream2.idx with "_s + application);
-        QCOMPARE(bench.calls(u"mkvextract"_s),
+                 QList<QUrl>({fixture.url(u"a.mkv.stream2.idx"_s), fixture.url(u"a.mkv.stream2.sub"_s)}));
+        QCOMPARE(fixture.asked().value(1), u"open /v/a.mkv.stream2.idx with "_s + application);
+        QCOMPARE(fixture.calls(u"mkvextract"_s),
                  QList<QStringList>{QStringList({u"tracks"_s, u"/v/a.mkv"_s, u"2:/v/a.mkv.stream2.idx"_s})});
     }
 
     void aVobSubOfWhichOneFileIsMissingIsNotSent()
     {
-        SendingBench bench;
-        bench.setScript(u"mkvtoolnix/mkvextract"_s,
-                        {u"out Progress: 100%"_s, u"write 10 "_s + bench.path(u"a.mkv.stream2.idx"_s)});
+        SendingFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvextract"_s,
+                          {u"out Progress: 100%"_s, u"write 10 "_s + fixture.path(u"a.mkv.stream2.idx"_s)});
         const TrackPointer pictures = subtitleTrack(u"2"_s, u"vobsub"_s);
         pictures->setTrackExtension(u"idx"_s);
-        const auto job = bench.begin({pictures});
-        QVERIFY(bench.waitForEnd());
+        const auto job = fixture.begin({pictures});
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
-        QVERIFY(bench.asked().isEmpty());
+        QVERIFY(fixture.asked().isEmpty());
     }
 
     // What it listens to.
 
     void theExtractorAnnouncesUnderThisJobsNameToo()
     {
-        SendingBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s,
-                        {u"part err frame=1 time=00:01:00.00 bitrate=1\\r"_s, u"sleep 300"_s,
-                         u"err frame=9 Lsize=9kB time=00:02:00.00 bitrate"_s, u"write 10 last"_s});
-        bench.begin({subtitle()});
-        QVERIFY(bench.waitForEnd());
-        const QStringList texts = bench.posted(u"monitorSendToLintwickUpdate"_s);
+        SendingFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s,
+                          {u"part err frame=1 time=00:01:00.00 bitrate=1\\r"_s, u"sleep 300"_s,
+                           u"err frame=9 Lsize=9kB time=00:02:00.00 bitrate"_s, u"write 10 last"_s});
+        fixture.begin({subtitle()});
+        QVERIFY(fixture.waitForEnd());
+        const QStringList texts = fixture.posted(u"monitorSendToLintwickUpdate"_s);
         QVERIFY2(texts.contains(u"50%"_s), qPrintable(texts.join(u' ')));
-        QCOMPARE(texts, bench.posted(u"monitorExtractionUpdate"_s)); // in addition
-        QVERIFY(bench.progressTexts().contains(u"Extracting Subtitle Track=50%"_s));
+        QCOMPARE(texts, fixture.posted(u"monitorExtractionUpdate"_s)); // in addition
+        QVERIFY(fixture.progressTexts().contains(u"Extracting Subtitle Track=50%"_s));
     }
 
     void onlyPercentagesOfItsOwnStepAreShown()
     {
-        SendingBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin({subtitle()});
+        SendingFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin({subtitle()});
         QObject other;
-        bench.post(u"monitorSendToLintwickUpdate"_s, u"45%"_s, &other);
-        bench.post(u"monitorSendToLintwickUpdate"_s, u"no number"_s, bench.step());
-        bench.post(u"monitorExtractionUpdate"_s, u"45%"_s, bench.step());
+        fixture.post(u"monitorSendToLintwickUpdate"_s, u"45%"_s, &other);
+        fixture.post(u"monitorSendToLintwickUpdate"_s, u"no number"_s, fixture.step());
+        fixture.post(u"monitorExtractionUpdate"_s, u"45%"_s, fixture.step());
         QCOMPARE(job->progressList().first().progress, u"0%"_s);
-        bench.post(u"monitorSendToLintwickUpdate"_s, u"45%"_s, bench.step());
+        fixture.post(u"monitorSendToLintwickUpdate"_s, u"45%"_s, fixture.step());
         QCOMPARE(job->progressList().first().progress, u"45%"_s);
     }
 
     void theEndOfAnotherStepSendsNothing()
     {
-        SendingBench bench;
-        bench.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = bench.begin({subtitle()});
+        SendingFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto job = fixture.begin({subtitle()});
         QObject other;
-        bench.post(u"taskCompletion"_s, u"Complete"_s, &other);
+        fixture.post(u"taskCompletion"_s, u"Complete"_s, &other);
         QCOMPARE(job->progressList().first().progress, u"0%"_s);
-        QVERIFY(bench.asked().isEmpty());
-        QVERIFY(!waitFor([&] { return bench.record.count(u"jobDone"_s) > 0; }, 150));
+        QVERIFY(fixture.asked().isEmpty());
+        QVERIFY(!waitFor([&] { return fixture.record.count(u"jobDone"_s) > 0; }, 150));
     }
 };
 
-QTEST_GUILESS_MAIN(KXSendToLintwickJobTest)
+TESSARAY_TEST(KXSendToLintwickJobTest)
 #include "KXSendToLintwickJobTest.moc"

@@ -1,8 +1,9 @@
-#include "engines/KXTrackDumper.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
 #include "support/FakeTool.h"
-#include "support/HandMade.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/selection/HandMade.h"
 #include "tools/Numbers.h"
 
 #include <QCoreApplication>
@@ -16,25 +17,25 @@ using tools::ToolProcess;
 namespace {
 
 /// A dumper for one track of "a.mkv" in the scratch folder.
-class DumperBench final
+class DumperFixture final
 {
 public:
-    explicit DumperBench(const QStringList &script = {u"write 10 last"_s})
-        : source(world.scratch.url(u"a.mkv"_s))
-        , guard(world.outputs, step::WhenTaken::NextFreeName)
-        , dumper(world.converterContext(guard))
-        , record(world.notifications,
+    explicit DumperFixture(const QStringList &script = {u"write 10 last"_s})
+        : source(base.scratch.url(u"a.mkv"_s))
+        , guard(base.outputs, steps::WhenTaken::NextFreeName)
+        , dumper(base.converterContext(guard))
+        , record(base.notifications,
                  {u"conversionStarted"_s, u"monitorExtractionUpdate"_s, u"taskCompletion"_s})
     {
-        world.scratch.write(u"a.mkv"_s, "film");
+        base.scratch.write(u"a.mkv"_s, "film");
         const QStringList whole = QStringList{u"record "_s + path(u"runs"_s)} + script;
-        world.installTool(u"ffmpeg/ffmpeg"_s, whole);
-        world.installTool(u"mkvtoolnix/mkvextract"_s, whole);
-        world.installTool(u"ffmpeg/ffprobe"_s, {u"out   Duration: 00:02:00.00, start: 0.0"_s});
+        base.installTool(u"ffmpeg/ffmpeg"_s, whole);
+        base.installTool(u"mkvtoolnix/mkvextract"_s, whole);
+        base.installTool(u"ffmpeg/ffprobe"_s, {u"out   Duration: 00:02:00.00, start: 0.0"_s});
         guard.setInputs({source});
     }
-    ~DumperBench() { dumper.terminatePIDWaitUntilTerminated(dumper.doShell_ID(), KXHelpers::Wait::No); }
-    Q_DISABLE_COPY_MOVE(DumperBench)
+    ~DumperFixture() { dumper.terminatePIDWaitUntilTerminated(dumper.doShell_ID(), KXHelpers::Wait::No); }
+    Q_DISABLE_COPY_MOVE(DumperFixture)
 
     SelectionPointer selection(const TrackList &tracks) const
     {
@@ -77,12 +78,12 @@ public:
             texts << update.object.toString();
         return texts;
     }
-    QString path(const QString &name) const { return world.scratch.path(name); }
-    QUrl url(const QString &name) const { return world.scratch.url(name); }
+    QString path(const QString &name) const { return base.scratch.path(name); }
+    QUrl url(const QString &name) const { return base.scratch.url(name); }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture base{JobFixture::Tools::Fake};
     QUrl source;
-    step::OutputGuard guard;
+    steps::OutputGuard guard;
     KXTrackDumper dumper;
     NotificationRecord record;
 };
@@ -106,24 +107,24 @@ private Q_SLOTS:
     /// Stream 0 of a.mkv without a save folder, with the start codes of a raw stream.
     void theVideoIsWrittenBesideTheSource()
     {
-        DumperBench bench;
-        const auto task = bench.dumper.startConversionForSelectionWithSaveDirectoryURL(
-            bench.selection({videoTrack()}), QUrl());
+        DumperFixture fixture;
+        const auto task = fixture.dumper.startConversionForSelectionWithSaveDirectoryURL(
+            fixture.selection({videoTrack()}), QUrl());
         QVERIFY(task);
-        QCOMPARE(bench.dumper.converterTask(), task);
-        QCOMPARE(bench.dumper.inputFileURL(), bench.source);
-        QCOMPARE(bench.dumper.outputFileURL(), bench.url(u"a.mkv.stream0.h264"_s));
-        QCOMPARE(bench.dumper.logFileURL(), bench.url(u"a.mkv.stream0.h264.log"_s));
-        QCOMPARE(bench.dumper.extractorName(), u"ffmpeg"_s);
-        QCOMPARE(bench.dumper.oldProgress(), u"00:00:00"_s);
-        QCOMPARE(bench.record.named(u"conversionStarted"_s).first().object.toUrl(),
-                 bench.dumper.outputFileURL());
-        QVERIFY(bench.waitForEnd());
+        QCOMPARE(fixture.dumper.converterTask(), task);
+        QCOMPARE(fixture.dumper.inputFileURL(), fixture.source);
+        QCOMPARE(fixture.dumper.outputFileURL(), fixture.url(u"a.mkv.stream0.h264"_s));
+        QCOMPARE(fixture.dumper.logFileURL(), fixture.url(u"a.mkv.stream0.h264.log"_s));
+        QCOMPARE(fixture.dumper.extractorName(), u"ffmpeg"_s);
+        QCOMPARE(fixture.dumper.oldProgress(), u"00:00:00"_s);
+        QCOMPARE(fixture.record.named(u"conversionStarted"_s).first().object.toUrl(),
+                 fixture.dumper.outputFileURL());
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(
-            bench.call(),
+            fixture.call(),
             words(u"-i %1 -map 0:0 -vcodec copy -bsf:v h264_mp4toannexb -an -sn -y %1.stream0.h264"_s.arg(
-                bench.source.toLocalFile())));
-        QCOMPARE(bench.record.named(u"taskCompletion"_s).first().object.toString(), u"Complete"_s);
+                fixture.source.toLocalFile())));
+        QCOMPARE(fixture.record.named(u"taskCompletion"_s).first().object.toString(), u"Complete"_s);
     }
 
     void aFolderIsUsedWhenGiven_data()
@@ -136,24 +137,24 @@ private Q_SLOTS:
     void aFolderIsUsedWhenGiven()
     {
         QFETCH(QString, ending);
-        DumperBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        const auto folder = QUrl::fromLocalFile(bench.path(u"s"_s) + ending);
-        bench.use(1, KXConverter::Keeping::TheOutput);
-        bench.dumper.startConversionForSelectionWithSaveDirectoryURL(
-            bench.selection({videoTrack(), audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {})}), folder);
-        QCOMPARE(bench.dumper.outputFileURL(), bench.url(u"s/a.mkv.stream1.ac3"_s));
-        QVERIFY(bench.waitForEnd());
+        DumperFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        const auto folder = QUrl::fromLocalFile(fixture.path(u"s"_s) + ending);
+        fixture.use(1, KXConverter::Keeping::TheOutput);
+        fixture.dumper.startConversionForSelectionWithSaveDirectoryURL(
+            fixture.selection({videoTrack(), audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {})}), folder);
+        QCOMPARE(fixture.dumper.outputFileURL(), fixture.url(u"s/a.mkv.stream1.ac3"_s));
+        QVERIFY(fixture.waitForEnd());
     }
 
     void anotherWayToStartTakesThePreferencesFolder()
     {
-        DumperBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        bench.dumper.startConversionForSelection(bench.selection({videoTrack()}));
-        QCOMPARE(bench.dumper.outputFileURL(), bench.url(u"s/a.mkv.stream0.h264"_s));
-        QVERIFY(bench.waitForEnd());
+        DumperFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        fixture.dumper.startConversionForSelection(fixture.selection({videoTrack()}));
+        QCOMPARE(fixture.dumper.outputFileURL(), fixture.url(u"s/a.mkv.stream0.h264"_s));
+        QVERIFY(fixture.waitForEnd());
     }
 
     void onlyAnIntermediateOutputIsATemporaryFile_data()
@@ -166,155 +167,155 @@ private Q_SLOTS:
     void onlyAnIntermediateOutputIsATemporaryFile()
     {
         QFETCH(bool, isTemporary);
-        DumperBench bench;
-        bench.use(0, isTemporary ? KXConverter::Keeping::Temporary : KXConverter::Keeping::TheOutput);
-        QCOMPARE(bench.dumper.stepName(), u"Extracting"_s);
-        const QString pid = bench.dumper.startConversionFor(bench.selection({videoTrack()}));
+        DumperFixture fixture;
+        fixture.use(0, isTemporary ? KXConverter::Keeping::Temporary : KXConverter::Keeping::TheOutput);
+        QCOMPARE(fixture.dumper.stepName(), u"Extracting"_s);
+        const QString pid = fixture.dumper.startConversionFor(fixture.selection({videoTrack()}));
         QVERIFY(tools::isAllDigits(pid));
-        QCOMPARE(bench.dumper.doShell_ID(), pid);
-        QCOMPARE(bench.dumper.tempFileToDeleteURL(),
-                 isTemporary ? bench.url(u"a.mkv.stream0.h264"_s) : QUrl());
-        QVERIFY(bench.waitForRun());
+        QCOMPARE(fixture.dumper.doShell_ID(), pid);
+        QCOMPARE(fixture.dumper.tempFileToDeleteURL(),
+                 isTemporary ? fixture.url(u"a.mkv.stream0.h264"_s) : QUrl());
+        QVERIFY(fixture.waitForRun());
     }
 
     void ttxtBecomesAss()
     {
-        DumperBench bench;
-        bench.dumper.startConversionForSelection(bench.selection({subtitleTrack(u"2"_s, u"ttxt"_s)}));
-        QCOMPARE(bench.dumper.outputFileURL(), bench.url(u"a.mkv.stream2.ass"_s));
-        QVERIFY(bench.waitForEnd());
+        DumperFixture fixture;
+        fixture.dumper.startConversionForSelection(fixture.selection({subtitleTrack(u"2"_s, u"ttxt"_s)}));
+        QCOMPARE(fixture.dumper.outputFileURL(), fixture.url(u"a.mkv.stream2.ass"_s));
+        QVERIFY(fixture.waitForEnd());
     }
 
     void aPgsOfAnMkvIsWrittenByMkvextract()
     {
-        DumperBench bench;
-        QVERIFY(bench.dumper.startConversionForSelection(bench.selection({pgs()})));
-        QCOMPARE(bench.dumper.extractorName(), u"mkvextractor"_s);
-        QCOMPARE(bench.record.count(u"conversionStarted"_s), 1);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.program(), u"mkvextract"_s);
-        QCOMPARE(bench.call(), QStringList({u"tracks"_s, bench.path(u"a.mkv"_s),
-                                            u"3:"_s + bench.path(u"a.mkv.stream5.sup"_s)}));
+        DumperFixture fixture;
+        QVERIFY(fixture.dumper.startConversionForSelection(fixture.selection({pgs()})));
+        QCOMPARE(fixture.dumper.extractorName(), u"mkvextractor"_s);
+        QCOMPARE(fixture.record.count(u"conversionStarted"_s), 1);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.program(), u"mkvextract"_s);
+        QCOMPARE(fixture.call(), QStringList({u"tracks"_s, fixture.path(u"a.mkv"_s),
+                                              u"3:"_s + fixture.path(u"a.mkv.stream5.sup"_s)}));
     }
 
     void inTheBackgroundToo()
     {
-        DumperBench bench({u"out Progress: 100%"_s});
-        QVERIFY(!bench.dumper.startConversionFor(bench.selection({pgs()})).isEmpty());
-        QCOMPARE(bench.dumper.extractorName(), u"mkvextractor"_s);
-        QVERIFY(bench.waitForRun());
-        QCOMPARE(bench.program(), u"mkvextract"_s);
-        QCOMPARE(bench.call(), QStringList({u"tracks"_s, bench.path(u"a.mkv"_s),
-                                            u"3:"_s + bench.path(u"a.mkv.stream5.sup"_s)}));
+        DumperFixture fixture({u"out Progress: 100%"_s});
+        QVERIFY(!fixture.dumper.startConversionFor(fixture.selection({pgs()})).isEmpty());
+        QCOMPARE(fixture.dumper.extractorName(), u"mkvextractor"_s);
+        QVERIFY(fixture.waitForRun());
+        QCOMPARE(fixture.program(), u"mkvextract"_s);
+        QCOMPARE(fixture.call(), QStringList({u"tracks"_s, fixture.path(u"a.mkv"_s),
+                                              u"3:"_s + fixture.path(u"a.mkv.stream5.sup"_s)}));
     }
 
     void otherPicturesAreLeftToFfmpeg()
     {
-        DumperBench bench;
-        bench.dumper.startConversionForSelection(bench.selection({pgs(u"mp4"_s)}));
-        QCOMPARE(bench.dumper.extractorName(), u"ffmpeg"_s);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.program(), u"ffmpeg"_s);
+        DumperFixture fixture;
+        fixture.dumper.startConversionForSelection(fixture.selection({pgs(u"mp4"_s)}));
+        QCOMPARE(fixture.dumper.extractorName(), u"ffmpeg"_s);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.program(), u"ffmpeg"_s);
     }
 
     /// No tool, no id; whoever waits for it finds it finished.
     void aPictureOfAnMp4StartsNothingInTheBackground()
     {
-        DumperBench bench;
-        QVERIFY(bench.dumper.startConversionFor(bench.selection({pgs(u"m4v"_s)})).isEmpty());
-        QCOMPARE(bench.dumper.extractorName(), u"mp4box"_s);
-        QVERIFY(bench.dumper.doShell_ID().isEmpty());
-        QCOMPARE(bench.dumper.monitorConversion(), u"Complete"_s);
-        QCOMPARE(bench.record.count(u"conversionStarted"_s), 0);
-        QVERIFY(bench.call().isEmpty());
-        QCOMPARE(bench.dumper.outcome().verdict, step::Verdict::Failed);
+        DumperFixture fixture;
+        QVERIFY(fixture.dumper.startConversionFor(fixture.selection({pgs(u"m4v"_s)})).isEmpty());
+        QCOMPARE(fixture.dumper.extractorName(), u"mp4box"_s);
+        QVERIFY(fixture.dumper.doShell_ID().isEmpty());
+        QCOMPARE(fixture.dumper.monitorConversion(), u"Complete"_s);
+        QCOMPARE(fixture.record.count(u"conversionStarted"_s), 0);
+        QVERIFY(fixture.call().isEmpty());
+        QCOMPARE(fixture.dumper.outcome().verdict, steps::Verdict::Failed);
     }
 
     void aTrackThatIsNotThere()
     {
-        DumperBench bench;
-        bench.use(7, KXConverter::Keeping::TheOutput);
-        const auto selection = bench.selection({videoTrack()});
-        QVERIFY(!bench.dumper.startConversionForSelection(selection));
-        QVERIFY(!bench.dumper.startConversionForSelectionWithSaveDirectoryURL(selection, {}));
-        QVERIFY(bench.dumper.startConversionFor(selection).isEmpty());
-        QCOMPARE(bench.dumper.outcome().verdict, step::Verdict::Failed);
-        QVERIFY(bench.call().isEmpty());
+        DumperFixture fixture;
+        fixture.use(7, KXConverter::Keeping::TheOutput);
+        const auto selection = fixture.selection({videoTrack()});
+        QVERIFY(!fixture.dumper.startConversionForSelection(selection));
+        QVERIFY(!fixture.dumper.startConversionForSelectionWithSaveDirectoryURL(selection, {}));
+        QVERIFY(fixture.dumper.startConversionFor(selection).isEmpty());
+        QCOMPARE(fixture.dumper.outcome().verdict, steps::Verdict::Failed);
+        QVERIFY(fixture.call().isEmpty());
     }
 
     // Progress of a process.
 
     void percentOfAProcess()
     {
-        DumperBench bench;
-        bench.dumper.setExtractorName(u"ffmpeg"_s);
-        bench.dumper.setStepName(u"Extracting"_s);
-        bench.dumper.setInputFileURL(bench.source);
-        bench.dumper.setLogFileURL(bench.url(u"log"_s));
-        bench.dumper.setDurationInSeconds({}); // absent counts as not known
+        DumperFixture fixture;
+        fixture.dumper.setExtractorName(u"ffmpeg"_s);
+        fixture.dumper.setStepName(u"Extracting"_s);
+        fixture.dumper.setInputFileURL(fixture.source);
+        fixture.dumper.setLogFileURL(fixture.url(u"log"_s));
+        fixture.dumper.setDurationInSeconds({}); // absent counts as not known
         const auto read = [&](const char *text, ToolProcess::Channel channel = ToolProcess::Channel::Error) {
-            bench.dumper.handleNewTaskResult({channel, QByteArray(text), nullptr});
-            waitFor([&] { return !bench.dumper.isHolding(); });
+            fixture.dumper.handleNewTaskResult({channel, QByteArray(text), nullptr});
+            waitFor([&] { return !fixture.dumper.isHolding(); });
         };
         read("frame=1 time=00:00:30.00 bitrate\r", ToolProcess::Channel::Output);
-        QVERIFY(bench.progress().isEmpty());
+        QVERIFY(fixture.progress().isEmpty());
         read("frame=1 time=00:00:30.00 bitrate\r");
         read("nothing new\n");
         read("frame=2 time=00:01:00.99 bitrate\r");
-        QCOMPARE(bench.progress(), QStringList({u"25%"_s, u"25%"_s, u"50%"_s}));
-        QCOMPARE(bench.dumper.durationInSeconds(), u"120"_s);
-        const auto info = bench.record.named(u"monitorExtractionUpdate"_s).first().userInfo;
+        QCOMPARE(fixture.progress(), QStringList({u"25%"_s, u"25%"_s, u"50%"_s}));
+        QCOMPARE(fixture.dumper.durationInSeconds(), u"120"_s);
+        const auto info = fixture.record.named(u"monitorExtractionUpdate"_s).first().userInfo;
         QCOMPARE(info.keys(), QStringList({u"stepName"_s, u"theConverter"_s, u"theTask"_s}));
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Extracting"_s);
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.dumper);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.dumper);
     }
 
     // Poll of a background run.
 
     void pollOfFfmpeg()
     {
-        DumperBench bench(
+        DumperFixture fixture(
             {u"part err frame=1 time=00:00:30.00 bitrate\\rframe=2 time=00:01:00.00 bitrate\\r"_s,
              u"hang"_s});
-        bench.dumper.startConversionFor(bench.selection({videoTrack()}));
-        QVERIFY(bench.waitForRun());
-        QVERIFY(waitFor([&] { return bench.dumper.monitorConversion() == u"50%"_s; }));
-        QCOMPARE(bench.dumper.oldProgress(), u"00:01:00.00"_s);
-        bench.world.scratch.write(u"a.mkv.stream0.h264.log"_s,
-                                  "frame=2 time=00:01:30.00 bitrate\rsomething else\n");
-        QCOMPARE(bench.dumper.monitorConversion(), u"50%"_s); // the last line has none
+        fixture.dumper.startConversionFor(fixture.selection({videoTrack()}));
+        QVERIFY(fixture.waitForRun());
+        QVERIFY(waitFor([&] { return fixture.dumper.monitorConversion() == u"50%"_s; }));
+        QCOMPARE(fixture.dumper.oldProgress(), u"00:01:00.00"_s);
+        fixture.base.scratch.write(u"a.mkv.stream0.h264.log"_s,
+                                   "frame=2 time=00:01:30.00 bitrate\rsomething else\n");
+        QCOMPARE(fixture.dumper.monitorConversion(), u"50%"_s); // the last line has none
     }
 
     void pollOfMkvextract()
     {
-        DumperBench bench({u"part out Progress: 10%\\rProgress: 45%\\r"_s, u"hang"_s});
-        bench.dumper.startConversionFor(bench.selection({pgs()}));
-        QVERIFY(bench.waitForRun());
-        QVERIFY(waitFor([&] { return bench.dumper.monitorConversion() == u"45%"_s; }));
-        bench.world.scratch.write(u"a.mkv.stream5.sup.log"_s, "Progress: 60%\rWarning: something\n");
-        QCOMPARE(bench.dumper.monitorConversion(), u"45%"_s);
-        QCOMPARE(bench.dumper.oldProgress(), u"45%"_s);
+        DumperFixture fixture({u"part out Progress: 10%\\rProgress: 45%\\r"_s, u"hang"_s});
+        fixture.dumper.startConversionFor(fixture.selection({pgs()}));
+        QVERIFY(fixture.waitForRun());
+        QVERIFY(waitFor([&] { return fixture.dumper.monitorConversion() == u"45%"_s; }));
+        fixture.base.scratch.write(u"a.mkv.stream5.sup.log"_s, "Progress: 60%\rWarning: something\n");
+        QCOMPARE(fixture.dumper.monitorConversion(), u"45%"_s);
+        QCOMPARE(fixture.dumper.oldProgress(), u"45%"_s);
     }
 
     void pollOfMp4box()
     {
-        DumperBench bench;
-        bench.dumper.setExtractorName(u"mp4box"_s);
-        bench.dumper.setDoShell_ID(QString::number(QCoreApplication::applicationPid()));
-        bench.dumper.setLogFileURL(bench.url(u"log"_s));
-        bench.world.scratch.write(u"log"_s, "12\r45 of 100\n");
-        QCOMPARE(bench.dumper.monitorConversion(), u"45%"_s);
-        bench.world.scratch.write(u"log"_s, "Error: 45\n");
-        QCOMPARE(bench.dumper.monitorConversion(), u"error"_s);
-        bench.dumper.setDoShell_ID({});
+        DumperFixture fixture;
+        fixture.dumper.setExtractorName(u"mp4box"_s);
+        fixture.dumper.setDoShell_ID(QString::number(QCoreApplication::applicationPid()));
+        fixture.dumper.setLogFileURL(fixture.url(u"log"_s));
+        fixture.base.scratch.write(u"log"_s, "12\r45 of 100\n");
+        QCOMPARE(fixture.dumper.monitorConversion(), u"45%"_s);
+        fixture.base.scratch.write(u"log"_s, "Error: 45\n");
+        QCOMPARE(fixture.dumper.monitorConversion(), u"error"_s);
+        fixture.dumper.setDoShell_ID({});
     }
 
     void aRunThatHasEndedIsComplete()
     {
         for (const QString &extractor : {u"ffmpeg"_s, u"mkvextractor"_s, u"mp4box"_s}) {
-            DumperBench bench;
-            bench.dumper.setExtractorName(extractor);
-            QCOMPARE(bench.dumper.monitorConversion(), u"Complete"_s);
+            DumperFixture fixture;
+            fixture.dumper.setExtractorName(extractor);
+            QCOMPARE(fixture.dumper.monitorConversion(), u"Complete"_s);
         }
     }
 
@@ -326,22 +327,22 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isBackground");
         QTest::addColumn<int>("verdict");
         QTest::addColumn<QString>("words");
-        const auto row = [](const char *name, const QStringList &script, step::Verdict verdict,
+        const auto row = [](const char *name, const QStringList &script, steps::Verdict verdict,
                             const QString &words) {
             QTest::addRow("process, %s", name) << script << false << static_cast<int>(verdict) << words;
             QTest::addRow("background, %s", name) << script << true << static_cast<int>(verdict) << words;
         };
         const QString end = u"err frame=9 Lsize=9kB time=00:02:00.00 bitrate"_s;
-        row("well", {end, u"write 10 last"_s}, step::Verdict::Ok, {});
-        row("failed", {u"err No such stream"_s, u"exit 1"_s}, step::Verdict::Failed,
+        row("well", {end, u"write 10 last"_s}, steps::Verdict::Ok, {});
+        row("failed", {u"err No such stream"_s, u"exit 1"_s}, steps::Verdict::Failed,
             u"Track 0, Video: (h264), was not written. ffmpeg"_s);
-        row("nothing written", {end}, step::Verdict::Failed,
+        row("nothing written", {end}, steps::Verdict::Failed,
             u"Track 0, Video: (h264), was not written. ffmpeg"_s);
         QTest::newRow("process, full disk")
             << QStringList{end, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s} << false
-            << static_cast<int>(step::Verdict::Failed)
+            << static_cast<int>(steps::Verdict::Failed)
             << u"Track 0, Video: (h264), was not written. There was no space left for the output."_s;
-        row("empty", {end, u"write 0 last"_s}, step::Verdict::Failed, u"wrote nothing"_s);
+        row("empty", {end, u"write 0 last"_s}, steps::Verdict::Failed, u"wrote nothing"_s);
     }
 
     void theOutcome()
@@ -350,29 +351,29 @@ private Q_SLOTS:
         QFETCH(bool, isBackground);
         QFETCH(int, verdict);
         QFETCH(QString, words);
-        DumperBench bench(script);
+        DumperFixture fixture(script);
         const auto track = videoTrack();
         track->setTrackInfo(u"Video: (h264)"_s);
         if (isBackground) {
-            const QString pid = bench.dumper.startConversionFor(bench.selection({track}));
+            const QString pid = fixture.dumper.startConversionFor(fixture.selection({track}));
             QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
         } else {
-            bench.dumper.startConversionForSelection(bench.selection({track}));
-            QVERIFY(bench.waitForEnd());
+            fixture.dumper.startConversionForSelection(fixture.selection({track}));
+            QVERIFY(fixture.waitForEnd());
         }
-        const auto outcome = bench.dumper.outcome();
+        const auto outcome = fixture.dumper.outcome();
         QCOMPARE(static_cast<int>(outcome.verdict), verdict);
         QVERIFY2(outcome.sentence.contains(words), qPrintable(outcome.sentence));
     }
 
     void aShortVideoIsAWarning()
     {
-        DumperBench bench({u"err frame=9 Lsize=9kB time=00:00:10.00 bitrate"_s, u"write 10 last"_s});
-        bench.dumper.startConversionForSelection(bench.selection({videoTrack()}));
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(bench.dumper.outcome().verdict, step::Verdict::Warnings);
+        DumperFixture fixture({u"err frame=9 Lsize=9kB time=00:00:10.00 bitrate"_s, u"write 10 last"_s});
+        fixture.dumper.startConversionForSelection(fixture.selection({videoTrack()}));
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.dumper.outcome().verdict, steps::Verdict::Warnings);
     }
 };
 
-QTEST_GUILESS_MAIN(KXTrackDumperTest)
+TESSARAY_TEST(KXTrackDumperTest)
 #include "KXTrackDumperTest.moc"

@@ -1,15 +1,16 @@
 // The join of several files: the step, and the job around it.
-#include "engines/KXVideoJoiner.h"
-#include "engines/KXJoinVideosJob.h"
-#include "support/MkvBench.h"
+#include "engines/join/KXVideoJoiner.h"
+#include "engines/join/KXJoinVideosJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
 
 #include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 using tools::ToolProcess;
 
 namespace {
@@ -17,14 +18,14 @@ namespace {
 const QString joining = u"MKV Joining"_s;
 const QString ffmpegEnd = u"err frame=9 Lsize=9kB time=00:04:00.00 bitrate"_s;
 
-/// A joiner alone in its world; each of its three tools records how it is called.
-class JoinBench final : public MkvBench
+/// A joiner alone in its fixture; each of its three tools records how it is called.
+class JoinFixture final : public MkvFixture
 {
 public:
-    explicit JoinBench(const QString &tool, const QStringList &mkvmerge = wellMuxed())
-        : MkvBench(mkvmerge)
+    explicit JoinFixture(const QString &tool, const QStringList &mkvmerge = wellMuxed())
+        : MkvFixture(mkvmerge)
     {
-        world.scratch.write(u"temp/x"_s, {});
+        base.scratch.write(u"temp/x"_s, {});
         setScript(u"mp4box/mp4box"_s, {u"write 10 last"_s});
         setScript(u"ffmpeg/ffmpeg"_s, {ffmpegEnd, u"write 10 last"_s});
         joiner.setJoinerName(tool);
@@ -35,7 +36,7 @@ public:
         const auto made = selection(joining, {});
         QList<QUrl> files;
         for (const QString &name : names) {
-            world.scratch.write(name, "film");
+            base.scratch.write(name, "film");
             files.append(url(name));
         }
         made->setEditFilesURLsList(files);
@@ -47,7 +48,7 @@ public:
     }
     std::shared_ptr<KXJoinVideosJob> startJob(const QStringList &names)
     {
-        return MkvBench::start<KXJoinVideosJob>(joined(names));
+        return MkvFixture::start<KXJoinVideosJob>(joined(names));
     }
     bool waitForTool() const
     {
@@ -70,13 +71,13 @@ public:
     void announce(const QString &name, const QString &text)
     {
         auto *converter = job->stepConverterList().constFirst().get();
-        world.notifications.post(name, text,
-                                 {{u"stepName"_s, converter->stepName()},
-                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+        base.notifications.post(name, text,
+                                {{u"stepName"_s, converter->stepName()},
+                                 {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
     }
 
     KXVideoJoiner joiner{context()};
-    NotificationRecord joins{world.notifications, {u"monitorJoinUpdate"_s}};
+    NotificationRecord joins{base.notifications, {u"monitorJoinUpdate"_s}};
 };
 
 } // namespace
@@ -88,8 +89,8 @@ class KXVideoJoinerTest final : public QObject
 private Q_SLOTS:
     void aNewJoinerJoinsWithMkvmerge()
     {
-        MkvBench bench;
-        KXVideoJoiner joiner(bench.context());
+        MkvFixture fixture;
+        KXVideoJoiner joiner(fixture.context());
         QCOMPARE(joiner.converterName(), u"videoJoiner"_s);
         QCOMPARE(joiner.joinerName(), u"mkvmerge"_s);
         QVERIFY(!joiner.isTemporaryOutput());
@@ -126,64 +127,64 @@ private Q_SLOTS:
         QFETCH(QString, joiner);
         QFETCH(QStringList, names);
         QFETCH(QString, launched);
-        JoinBench bench(joiner);
-        const auto task = bench.start(names);
+        JoinFixture fixture(joiner);
+        const auto task = fixture.start(names);
         QVERIFY(task);
-        QCOMPARE(bench.joiner.converterTask(), task);
-        QTEST(bench.meant(0, joiner), "meant");
-        QCOMPARE(bench.launched(0, joiner), launched);
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.calls(joiner), QList<QStringList>{launched.split(u'|')});
+        QCOMPARE(fixture.joiner.converterTask(), task);
+        QTEST(fixture.meant(0, joiner), "meant");
+        QCOMPARE(fixture.launched(0, joiner), launched);
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.calls(joiner), QList<QStringList>{launched.split(u'|')});
     }
 
     void joiningTwoFilesWithFfmpegWritesMylistWithALineForEachAndTheJoinedOutput()
     {
-        JoinBench bench(u"ffmpeg"_s);
-        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
-        QCOMPARE(bench.shown(QString::fromUtf8(bench.world.scratch.read(u"temp/mylist.txt"_s))),
+        JoinFixture fixture(u"ffmpeg"_s);
+        QVERIFY(fixture.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(fixture.shown(QString::fromUtf8(fixture.base.scratch.read(u"temp/mylist.txt"_s))),
                  u"file '/v/a.mp4'\nfile '/v/b.mp4'\n"_s);
-        QCOMPARE(bench.output(), u"/v/a.mp4.joined.mp4"_s);
-        QCOMPARE(bench.log(), u"/v/a.mp4.joined.log"_s);
-        QVERIFY(bench.waitForTool());
+        QCOMPARE(fixture.output(), u"/v/a.mp4.joined.mp4"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mp4.joined.log"_s);
+        QVERIFY(fixture.waitForTool());
     }
 
     /// An apostrophe ends the quotes, stands behind a backslash, and begins them anew.
     void apostrophesAreEscapedInTheListFile()
     {
-        JoinBench bench(u"ffmpeg"_s);
-        QVERIFY(bench.start({u"it's 'a'.mp4"_s, u"Élise \"b\" $(x).mp4"_s}));
-        QCOMPARE(bench.shown(QString::fromUtf8(bench.world.scratch.read(u"temp/mylist.txt"_s))),
+        JoinFixture fixture(u"ffmpeg"_s);
+        QVERIFY(fixture.start({u"it's 'a'.mp4"_s, u"Élise \"b\" $(x).mp4"_s}));
+        QCOMPARE(fixture.shown(QString::fromUtf8(fixture.base.scratch.read(u"temp/mylist.txt"_s))),
                  u"file '/v/it'\\''s '\\''a'\\''.mp4'\nfile '/v/Élise \"b\" $(x).mp4'\n"_s);
-        QVERIFY(bench.waitForTool());
+        QVERIFY(fixture.waitForTool());
     }
 
     void aListFileThatCantBeWrittenIsTold()
     {
-        JoinBench bench(u"ffmpeg"_s);
-        bench.world.scratch.write(u"temp/mylist.txt/x"_s, {}); // a folder in its place
-        QVERIFY(!bench.start({u"a.mp4"_s, u"b.mp4"_s}));
-        QCOMPARE(bench.shown(bench.joiner.outcome().sentence),
+        JoinFixture fixture(u"ffmpeg"_s);
+        fixture.base.scratch.write(u"temp/mylist.txt/x"_s, {}); // a folder in its place
+        QVERIFY(!fixture.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QCOMPARE(fixture.shown(fixture.joiner.outcome().sentence),
                  u"The list of files to join can't be written to /v/temp/mylist.txt."_s);
-        QVERIFY(bench.launches.of(u"ffmpeg"_s).isEmpty());
-        QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
+        QVERIFY(fixture.launches.of(u"ffmpeg"_s).isEmpty());
+        QVERIFY(fixture.posted(u"conversionStarted"_s).isEmpty());
     }
 
     void anUnknownToolStartsNothing()
     {
-        JoinBench bench(u"cat"_s);
-        QVERIFY(!bench.start({u"a.mkv"_s, u"b.mkv"_s}));
-        QVERIFY(!bench.joiner.converterTask());
-        QCOMPARE(bench.joiner.outcome().verdict, Verdict::Failed);
-        QCOMPARE(bench.joiner.outcome().sentence,
+        JoinFixture fixture(u"cat"_s);
+        QVERIFY(!fixture.start({u"a.mkv"_s, u"b.mkv"_s}));
+        QVERIFY(!fixture.joiner.converterTask());
+        QCOMPARE(fixture.joiner.outcome().verdict, Verdict::Failed);
+        QCOMPARE(fixture.joiner.outcome().sentence,
                  u"There is no tool \"cat\" to join with, so nothing was started."_s);
-        QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
+        QVERIFY(fixture.posted(u"conversionStarted"_s).isEmpty());
     }
 
     void withoutFilesNothingIsJoined()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        QVERIFY(!bench.start({}));
-        QCOMPARE(bench.joiner.outcome().sentence, u"There are no files to join."_s);
+        JoinFixture fixture(u"mkvmerge"_s);
+        QVERIFY(!fixture.start({}));
+        QCOMPARE(fixture.joiner.outcome().sentence, u"There are no files to join."_s);
     }
 
     // Names.
@@ -191,29 +192,29 @@ private Q_SLOTS:
     void theGivenFolderTakesOutputAndLog()
     {
         for (const QString &tool : {u"mkvmerge"_s, u"mp4box"_s, u"ffmpeg"_s}) {
-            JoinBench bench(tool);
-            bench.world.scratch.write(u"s/x"_s, {});
-            QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}, bench.url(u"s"_s)));
-            QCOMPARE(bench.output(), u"/v/s/a.mp4.joined.mp4"_s);
-            QCOMPARE(bench.log(), u"/v/s/a.mp4.joined.log"_s);
-            QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/s/a.mp4.joined.mp4"_s});
+            JoinFixture fixture(tool);
+            fixture.base.scratch.write(u"s/x"_s, {});
+            QVERIFY(fixture.start({u"a.mp4"_s, u"b.mp4"_s}, fixture.url(u"s"_s)));
+            QCOMPARE(fixture.output(), u"/v/s/a.mp4.joined.mp4"_s);
+            QCOMPARE(fixture.log(), u"/v/s/a.mp4.joined.log"_s);
+            QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/s/a.mp4.joined.mp4"_s});
             if (tool == u"mp4box"_s)
-                QVERIFY(bench.meant(0, tool).contains(u"|-tmp|/v/s|"_s));
-            QVERIFY(bench.waitForTool());
+                QVERIFY(fixture.meant(0, tool).contains(u"|-tmp|/v/s|"_s));
+            QVERIFY(fixture.waitForTool());
         }
     }
 
     void namesThatAreTakenGetANumber()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        bench.world.scratch.write(u"a.mkv.joined.mkv"_s, "another film");
-        bench.world.scratch.write(u"a.mkv.joined.log"_s, "another log");
-        QVERIFY(bench.start({u"a.mkv"_s, u"b.mkv"_s}));
-        QCOMPARE(bench.output(), u"/v/a.mkv.joined (2).mkv"_s);
-        QCOMPARE(bench.log(), u"/v/a.mkv.joined (2).log"_s);
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.joined.mkv"_s), QByteArray("another film"));
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.joined.log"_s), QByteArray("another log"));
+        JoinFixture fixture(u"mkvmerge"_s);
+        fixture.base.scratch.write(u"a.mkv.joined.mkv"_s, "another film");
+        fixture.base.scratch.write(u"a.mkv.joined.log"_s, "another log");
+        QVERIFY(fixture.start({u"a.mkv"_s, u"b.mkv"_s}));
+        QCOMPARE(fixture.output(), u"/v/a.mkv.joined (2).mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mkv.joined (2).log"_s);
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.joined.mkv"_s), QByteArray("another film"));
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.joined.log"_s), QByteArray("another log"));
     }
 
     // Progress.
@@ -221,40 +222,40 @@ private Q_SLOTS:
     /// The whole number with one percent sign: never "45%%".
     void aPercentageOfMkvmergeIsAnnouncedWithOnePercentSign()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        bench.joiner.setStepName(u"Joining Videos"_s);
-        bench.read("Progress: 0%\rProgress: 45%\r", ToolProcess::Channel::Output);
-        bench.read("Progress: 4", ToolProcess::Channel::Output);
-        bench.read("6%\r", ToolProcess::Channel::Output);
-        bench.read("'/v/a: 99%.mkv': Using the demultiplexer\n", ToolProcess::Channel::Output);
-        QCOMPARE(bench.updates(), QStringList({u"45%"_s, u"46%"_s}));
-        const auto info = bench.joins.all().constFirst().userInfo;
+        JoinFixture fixture(u"mkvmerge"_s);
+        fixture.joiner.setStepName(u"Joining Videos"_s);
+        fixture.read("Progress: 0%\rProgress: 45%\r", ToolProcess::Channel::Output);
+        fixture.read("Progress: 4", ToolProcess::Channel::Output);
+        fixture.read("6%\r", ToolProcess::Channel::Output);
+        fixture.read("'/v/a: 99%.mkv': Using the demultiplexer\n", ToolProcess::Channel::Output);
+        QCOMPARE(fixture.updates(), QStringList({u"45%"_s, u"46%"_s}));
+        const auto info = fixture.joins.all().constFirst().userInfo;
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Joining Videos"_s);
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.joiner);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.joiner);
         QVERIFY(info.contains(u"theTask"_s));
     }
 
     void aPercentageOfMp4boxIsItsShareOfTheLast()
     {
-        JoinBench bench(u"mp4box"_s);
-        bench.read("Appending: |=         | (10/100)\rAppending: |==    | (45/100)\r",
-                   ToolProcess::Channel::Error);
-        bench.read("Adding fragment\n", ToolProcess::Channel::Error);
-        bench.read("Writing: |====| (3/4)\n", ToolProcess::Channel::Output);
-        QCOMPARE(bench.updates(), QStringList({u"45%"_s, u"75%"_s}));
+        JoinFixture fixture(u"mp4box"_s);
+        fixture.read("Appending: |=         | (10/100)\rAppending: |==    | (45/100)\r",
+                     ToolProcess::Channel::Error);
+        fixture.read("Adding fragment\n", ToolProcess::Channel::Error);
+        fixture.read("Writing: |====| (3/4)\n", ToolProcess::Channel::Output);
+        QCOMPARE(fixture.updates(), QStringList({u"45%"_s, u"75%"_s}));
     }
 
     /// Two files of two minutes each: one minute is a quarter.
     void aPercentageOfFfmpegCountsAllFilesTogether()
     {
-        JoinBench bench(u"ffmpeg"_s, {});
-        bench.setScript(u"ffmpeg/ffmpeg"_s,
-                        {u"err frame=1 time=00:01:00.00 bitrate"_s, ffmpegEnd, u"write 10 last"_s});
-        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
-        QVERIFY(bench.waitForTool());
-        QVERIFY(!bench.updates().isEmpty());
-        QCOMPARE(bench.updates().constLast(), u"100%"_s);
-        JoinBench quarter(u"ffmpeg"_s);
+        JoinFixture fixture(u"ffmpeg"_s, {});
+        fixture.setScript(u"ffmpeg/ffmpeg"_s,
+                          {u"err frame=1 time=00:01:00.00 bitrate"_s, ffmpegEnd, u"write 10 last"_s});
+        QVERIFY(fixture.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QVERIFY(fixture.waitForTool());
+        QVERIFY(!fixture.updates().isEmpty());
+        QCOMPARE(fixture.updates().constLast(), u"100%"_s);
+        JoinFixture quarter(u"ffmpeg"_s);
         quarter.setScript(u"ffmpeg/ffmpeg"_s, {u"err frame=1 time=00:01:00.00 bitrate"_s, u"hang"_s});
         QVERIFY(quarter.start({u"a.mp4"_s, u"b.mp4"_s}));
         QVERIFY(waitFor([&] { return !quarter.updates().isEmpty(); }, 20000));
@@ -272,7 +273,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("script");
         QTest::addColumn<Verdict>("verdict");
         QTest::addColumn<QString>("says");
-        QTest::newRow("mkvmerge, well") << u"mkvmerge"_s << MkvBench::wellMuxed() << Verdict::Ok << u""_s;
+        QTest::newRow("mkvmerge, well") << u"mkvmerge"_s << MkvFixture::wellMuxed() << Verdict::Ok << u""_s;
         QTest::newRow("mkvmerge, with warnings")
             << u"mkvmerge"_s
             << QStringList{u"out Warning: They differ."_s, u"write 9 after:-o"_s, u"exit 1"_s}
@@ -301,18 +302,18 @@ private Q_SLOTS:
         QFETCH(QString, joiner);
         QFETCH(QStringList, script);
         QFETCH(QString, says);
-        JoinBench bench(joiner);
+        JoinFixture fixture(joiner);
         const QHash<QString, QString> places{{u"mkvmerge"_s, u"mkvtoolnix/mkvmerge"_s},
                                              {u"ffmpeg"_s, u"ffmpeg/ffmpeg"_s},
                                              {u"mp4box"_s, u"mp4box/mp4box"_s}};
-        bench.setScript(places.value(joiner), script);
-        QVERIFY(bench.start({u"a.mp4"_s, u"b.mp4"_s}));
-        QVERIFY(bench.waitForTool());
-        const step::Outcome outcome = bench.joiner.outcome();
+        fixture.setScript(places.value(joiner), script);
+        QVERIFY(fixture.start({u"a.mp4"_s, u"b.mp4"_s}));
+        QVERIFY(fixture.waitForTool());
+        const steps::Outcome outcome = fixture.joiner.outcome();
         QTEST(outcome.verdict, "verdict");
         QVERIFY2(outcome.sentence.contains(says), qPrintable(outcome.sentence));
         QCOMPARE(outcome.sentence.isEmpty(), says.isEmpty());
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s}); // whatever came of it
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Complete"_s}); // whatever came of it
     }
 
     // The job.
@@ -320,45 +321,45 @@ private Q_SLOTS:
     /// A word comes first, on purpose: a number stands there when the tool tells one.
     void theJobShowsJoiningUntilTheFirstPercentage()
     {
-        JoinBench bench(u"mkvmerge"_s, {u"hang"_s});
-        const auto job = bench.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        JoinFixture fixture(u"mkvmerge"_s, {u"hang"_s});
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
         QCOMPARE(job->progressList(), jobs::ProgressList({{u"Joining Videos"_s, u"Joining"_s}}));
-        QCOMPARE(bench.progressTexts().constLast(), u"Joining Videos=Joining"_s);
+        QCOMPARE(fixture.progressTexts().constLast(), u"Joining Videos=Joining"_s);
         QCOMPARE(job->stepConverterList().size(), 1);
         QCOMPARE(job->stepTaskList().size(), 1);
-        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{bench.url(u"a.mkv.joined.log"_s)});
+        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{fixture.url(u"a.mkv.joined.log"_s)});
         QVERIFY(job->tempFilesToDeleteList().isEmpty());
-        bench.announce(u"monitorJoinUpdate"_s, u"no percentage"_s);
-        bench.announce(u"monitorSplitUpdate"_s, u"44%"_s);
+        fixture.announce(u"monitorJoinUpdate"_s, u"no percentage"_s);
+        fixture.announce(u"monitorSplitUpdate"_s, u"44%"_s);
         QCOMPARE(job->progressList().constFirst().progress, u"Joining"_s);
-        bench.announce(u"monitorJoinUpdate"_s, u"45%"_s);
+        fixture.announce(u"monitorJoinUpdate"_s, u"45%"_s);
         QCOMPARE(job->progressList().constFirst(), (jobs::ProgressItem{u"Joining Videos"_s, u"45%"_s}));
-        bench.announce(u"taskCompletion"_s, u"Complete"_s);
+        fixture.announce(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(job->progressList().constFirst().progress, u"Complete"_s);
-        QVERIFY(bench.waitForEnd());
+        QVERIFY(fixture.waitForEnd());
     }
 
     /// The tool does not wait for the look at the files, the end of the step does; a stop ends both.
     void filesAreLookedAtWhileTheToolRuns()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        const QString pids = bench.path(u"pids"_s);
-        bench.setScript(u"ffmpeg/ffprobe"_s, {u"pid "_s + pids, u"hang"_s});
-        const auto job = bench.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        JoinFixture fixture(u"mkvmerge"_s);
+        const QString pids = fixture.path(u"pids"_s);
+        fixture.setScript(u"ffmpeg/ffprobe"_s, {u"pid "_s + pids, u"hang"_s});
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
         const auto joiner = job->stepConverterList().constFirst();
         QVERIFY(waitFor([&] { return !joiner->converterTask()->isRunning(); }));
-        QVERIFY(QFile::exists(bench.path(u"a.mkv.joined.mkv"_s)));
-        const auto looks = [&] { return bench.world.scratch.read(u"pids"_s).split('\n').size() - 1; };
+        QVERIFY(QFile::exists(fixture.path(u"a.mkv.joined.mkv"_s)));
+        const auto looks = [&] { return fixture.base.scratch.read(u"pids"_s).split('\n').size() - 1; };
         QVERIFY(waitFor([&] { return looks() == 2; })); // both files at once
         QTest::qWait(300);
-        QCOMPARE(bench.record.count(u"taskCompletion"_s), 0);
+        QCOMPARE(fixture.record.count(u"taskCompletion"_s), 0);
         QVERIFY(!job->hasEnded());
         job->stopJob();
         QCOMPARE(job->outcome().verdict, Verdict::Stopped);
-        QVERIFY(!QFile::exists(bench.path(u"a.mkv.joined.mkv"_s)));
-        for (const QByteArray &pid : bench.world.scratch.read(u"pids"_s).trimmed().split('\n'))
+        QVERIFY(!QFile::exists(fixture.path(u"a.mkv.joined.mkv"_s)));
+        for (const QByteArray &pid : fixture.base.scratch.read(u"pids"_s).trimmed().split('\n'))
             QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
-        QVERIFY(bench.world.alerts.shown().isEmpty());
+        QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
     void theJobTakesTheToolThatFitsTheFiles_data()
@@ -378,31 +379,31 @@ private Q_SLOTS:
         QFETCH(QStringList, names);
         QFETCH(bool, hasMp4box);
         QFETCH(QString, tool);
-        JoinBench bench(u"mkvmerge"_s);
+        JoinFixture fixture(u"mkvmerge"_s);
         if (!hasMp4box)
             QVERIFY(
-                QFile::remove(bench.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
-        const auto job = bench.startJob(names);
-        QVERIFY(bench.waitForEnd());
+                QFile::remove(fixture.base.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        const auto job = fixture.startJob(names);
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
         for (const QString &other : {u"mkvmerge"_s, u"ffmpeg"_s, u"mp4box"_s})
-            QCOMPARE(bench.calls(other).size(), other == tool ? 1 : 0);
+            QCOMPARE(fixture.calls(other).size(), other == tool ? 1 : 0);
     }
 
     /// Two joins that run after each other share no list.
     void theListFileLiesInTheJobsOwnFolderAndGoesWithIt()
     {
-        JoinBench bench(u"ffmpeg"_s);
-        QVERIFY(QFile::remove(bench.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
-        const auto job = bench.startJob({u"a.mp4"_s, u"b.mp4"_s});
-        QVERIFY(bench.waitForEnd());
-        const QStringList call = bench.calls(u"ffmpeg"_s).constFirst();
+        JoinFixture fixture(u"ffmpeg"_s);
+        QVERIFY(QFile::remove(fixture.base.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        const auto job = fixture.startJob({u"a.mp4"_s, u"b.mp4"_s});
+        QVERIFY(fixture.waitForEnd());
+        const QStringList call = fixture.calls(u"ffmpeg"_s).constFirst();
         const QString list = call.value(call.indexOf(u"-i"_s) + 1);
         QVERIFY2(list.endsWith(u"/mylist.txt"_s), qPrintable(list));
         QVERIFY(!list.startsWith(u"/v/mylist"_s)); // not beside the films
-        QVERIFY(!bench.world.scratch.names().contains(u"mylist.txt"_s));
-        JoinBench other(u"ffmpeg"_s);
-        QVERIFY(QFile::remove(other.world.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
+        QVERIFY(!fixture.base.scratch.names().contains(u"mylist.txt"_s));
+        JoinFixture other(u"ffmpeg"_s);
+        QVERIFY(QFile::remove(other.base.preferences.toolsLocation().toLocalFile() + u"/mp4box/mp4box"_s));
         const auto next = other.startJob({u"a.mp4"_s, u"b.mp4"_s});
         QVERIFY(other.waitForEnd());
         const QStringList second = other.calls(u"ffmpeg"_s).constFirst();
@@ -412,23 +413,23 @@ private Q_SLOTS:
 
     void theJobWritesIntoTheSaveFolder()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        const auto job = bench.startJob({u"b.mkv"_s, u"c.mkv"_s});
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"s/b.mkv.joined.mkv"_s)});
+        JoinFixture fixture(u"mkvmerge"_s);
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        const auto job = fixture.startJob({u"b.mkv"_s, u"c.mkv"_s});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"s/b.mkv.joined.mkv"_s)});
     }
 
     void aJobWithoutFilesEndsAsFailed()
     {
-        JoinBench bench(u"mkvmerge"_s);
-        const auto job = bench.startJob({});
-        QVERIFY(bench.waitForEnd());
+        JoinFixture fixture(u"mkvmerge"_s);
+        const auto job = fixture.startJob({});
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
-        QVERIFY(!bench.progressTexts().contains(u"Joining Videos=Joining"_s));
+        QVERIFY(!fixture.progressTexts().contains(u"Joining Videos=Joining"_s));
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoJoinerTest)
+TESSARAY_TEST(KXVideoJoinerTest)
 #include "KXVideoJoinerTest.moc"

@@ -1,24 +1,25 @@
 // The split of one file: the step, and the job around it.
-#include "engines/KXVideoSplitter.h"
-#include "engines/KXSplitVideosJob.h"
-#include "support/MkvBench.h"
+#include "engines/mkvtoolnix/KXVideoSplitter.h"
+#include "engines/mkvtoolnix/KXSplitVideosJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace support;
-using step::Verdict;
+using steps::Verdict;
 using tools::ToolProcess;
 
 namespace {
 
 const QString splitting = u"MKV Splitting"_s;
 
-class SplitBench final : public MkvBench
+class SplitFixture final : public MkvFixture
 {
 public:
-    using MkvBench::MkvBench;
+    using MkvFixture::MkvFixture;
 
     SelectionPointer split(const QString &type) const
     {
@@ -36,7 +37,7 @@ public:
     }
     std::shared_ptr<KXSplitVideosJob> startJob(const QString &type)
     {
-        return MkvBench::start<KXSplitVideosJob>(split(type));
+        return MkvFixture::start<KXSplitVideosJob>(split(type));
     }
     bool waitForTool() const
     {
@@ -59,9 +60,9 @@ public:
     void announce(const QString &name, const QString &text)
     {
         auto *converter = job->stepConverterList().constFirst().get();
-        world.notifications.post(name, text,
-                                 {{u"stepName"_s, converter->stepName()},
-                                  {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
+        base.notifications.post(name, text,
+                                {{u"stepName"_s, converter->stepName()},
+                                 {u"theConverter"_s, QVariant::fromValue<QObject *>(converter)}});
     }
 
     KXVideoSplitter splitter{context()};
@@ -76,9 +77,9 @@ class KXVideoSplitterTest final : public QObject
 private Q_SLOTS:
     void aNewSplitterHasItsName()
     {
-        SplitBench bench;
-        QCOMPARE(bench.splitter.converterName(), u"videoSplitter"_s);
-        QVERIFY(!bench.splitter.isTemporaryOutput());
+        SplitFixture fixture;
+        QCOMPARE(fixture.splitter.converterName(), u"videoSplitter"_s);
+        QVERIFY(!fixture.splitter.isTemporaryOutput());
     }
 
     // The list. Here one blank's worth of words is one argument each, also by size.
@@ -96,48 +97,48 @@ private Q_SLOTS:
     {
         QFETCH(QString, type);
         QFETCH(QString, word);
-        SplitBench bench;
-        const auto task = bench.start(type);
+        SplitFixture fixture;
+        const auto task = fixture.start(type);
         QVERIFY(task);
-        QCOMPARE(bench.splitter.converterTask(), task);
-        QCOMPARE(bench.meant(),
+        QCOMPARE(fixture.splitter.converterTask(), task);
+        QCOMPARE(fixture.meant(),
                  u"-o|/v/a.mkv.split.mkv|--split|"_s + word + u"|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(bench.launched(), bench.meant());
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.calls(), QList<QStringList>{bench.meant().split(u'|')});
+        QCOMPARE(fixture.launched(), fixture.meant());
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.calls(), QList<QStringList>{fixture.meant().split(u'|')});
     }
 
     void splittingWritesTheWholeNameThenSplitAndTheExtensionAgain()
     {
-        SplitBench bench;
-        bench.start(u"time"_s);
-        QCOMPARE(bench.splitter.inputFileURL(), bench.source);
-        QCOMPARE(bench.output(), u"/v/a.mkv.split.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/a.mkv.split.log"_s);
-        QVERIFY(bench.splitter.tempFileToDeleteURL().isEmpty());
-        QCOMPARE(bench.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.split.mkv"_s});
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.splitter.outcome().verdict, Verdict::Ok);
+        SplitFixture fixture;
+        fixture.start(u"time"_s);
+        QCOMPARE(fixture.splitter.inputFileURL(), fixture.source);
+        QCOMPARE(fixture.output(), u"/v/a.mkv.split.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/a.mkv.split.log"_s);
+        QVERIFY(fixture.splitter.tempFileToDeleteURL().isEmpty());
+        QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.split.mkv"_s});
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.splitter.outcome().verdict, Verdict::Ok);
     }
 
     void theGivenFolderTakesOutputAndLog()
     {
-        SplitBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.start(u"time"_s, bench.url(u"s"_s));
-        QCOMPARE(bench.output(), u"/v/s/a.mkv.split.mkv"_s);
-        QCOMPARE(bench.log(), u"/v/s/a.mkv.split.log"_s);
-        QVERIFY(bench.waitForTool());
+        SplitFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.start(u"time"_s, fixture.url(u"s"_s));
+        QCOMPARE(fixture.output(), u"/v/s/a.mkv.split.mkv"_s);
+        QCOMPARE(fixture.log(), u"/v/s/a.mkv.split.log"_s);
+        QVERIFY(fixture.waitForTool());
     }
 
     void anUnknownSplitTypeStartsNothing()
     {
-        SplitBench bench;
-        QVERIFY(!bench.start(u"chapters"_s));
-        QCOMPARE(bench.splitter.outcome().sentence,
+        SplitFixture fixture;
+        QVERIFY(!fixture.start(u"chapters"_s));
+        QCOMPARE(fixture.splitter.outcome().sentence,
                  u"There is no way to split by \"chapters\", so nothing was started."_s);
-        QVERIFY(bench.launches.of(u"mkvmerge"_s).isEmpty());
-        QVERIFY(bench.posted(u"conversionStarted"_s).isEmpty());
+        QVERIFY(fixture.launches.of(u"mkvmerge"_s).isEmpty());
+        QVERIFY(fixture.posted(u"conversionStarted"_s).isEmpty());
     }
 
     /// mkvmerge would put a part's number there.
@@ -153,27 +154,27 @@ private Q_SLOTS:
     void aNameThatLooksLikeThePlaceOfANumberIsChangedWherePartsAreNumbered()
     {
         QFETCH(QString, type);
-        SplitBench bench(MkvBench::wellMuxed(), u"100%3d %d.mkv"_s);
-        bench.start(type);
-        QTEST(bench.output(), "output");
-        QVERIFY(bench.waitForTool());
+        SplitFixture fixture(MkvFixture::wellMuxed(), u"100%3d %d.mkv"_s);
+        fixture.start(type);
+        QTEST(fixture.output(), "output");
+        QVERIFY(fixture.waitForTool());
     }
 
     // What it wrote.
 
     void aStretchIsOneFileAndPartsAreThoseThatAreThere()
     {
-        SplitBench bench;
-        bench.setScript(u"mkvtoolnix/mkvmerge"_s,
-                        bench.writing({u"a.mkv.split-002.mkv"_s, u"a.mkv.split-001.mkv"_s}));
-        bench.start(u"size"_s);
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.splitter.outputFiles(),
-                 QList<QUrl>({bench.url(u"a.mkv.split-001.mkv"_s), bench.url(u"a.mkv.split-002.mkv"_s)}));
-        QVERIFY(waitFor([&] { return !bench.splitter.converterTask()->isRunning(); }));
-        QCOMPARE(bench.splitter.outcome().verdict, Verdict::Ok);
-        SplitBench stretch;
-        stretch.world.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
+        SplitFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s,
+                          fixture.writing({u"a.mkv.split-002.mkv"_s, u"a.mkv.split-001.mkv"_s}));
+        fixture.start(u"size"_s);
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.splitter.outputFiles(),
+                 QList<QUrl>({fixture.url(u"a.mkv.split-001.mkv"_s), fixture.url(u"a.mkv.split-002.mkv"_s)}));
+        QVERIFY(waitFor([&] { return !fixture.splitter.converterTask()->isRunning(); }));
+        QCOMPARE(fixture.splitter.outcome().verdict, Verdict::Ok);
+        SplitFixture stretch;
+        stretch.base.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
         stretch.start(u"time"_s);
         QVERIFY(stretch.waitForTool());
         QCOMPARE(stretch.splitter.outputFiles(), QList<QUrl>{stretch.url(u"a.mkv.split.mkv"_s)});
@@ -181,16 +182,16 @@ private Q_SLOTS:
 
     void oldPartsOfAnEarlierSplitStayAndOnlyThoseOfThisRunAreNamed()
     {
-        SplitBench bench;
-        bench.world.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
-        bench.world.scratch.write(u"a.mkv.split-017.mkv"_s, "another one");
-        bench.setScript(u"mkvtoolnix/mkvmerge"_s, bench.writing({u"a.mkv.split (2)-001.mkv"_s}));
-        const auto job = bench.startJob(u"duration"_s);
-        QVERIFY(bench.waitForEnd());
+        SplitFixture fixture;
+        fixture.base.scratch.write(u"a.mkv.split-001.mkv"_s, "an earlier part");
+        fixture.base.scratch.write(u"a.mkv.split-017.mkv"_s, "another one");
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s, fixture.writing({u"a.mkv.split (2)-001.mkv"_s}));
+        const auto job = fixture.startJob(u"duration"_s);
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"a.mkv.split (2)-001.mkv"_s)});
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.split-001.mkv"_s), QByteArray("an earlier part"));
-        QCOMPARE(bench.world.scratch.read(u"a.mkv.split-017.mkv"_s), QByteArray("another one"));
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.mkv.split (2)-001.mkv"_s)});
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.split-001.mkv"_s), QByteArray("an earlier part"));
+        QCOMPARE(fixture.base.scratch.read(u"a.mkv.split-017.mkv"_s), QByteArray("another one"));
     }
 
     void aSplitThatWroteNothingFailed_data()
@@ -203,25 +204,25 @@ private Q_SLOTS:
     void aSplitThatWroteNothingFailed()
     {
         QFETCH(QString, type);
-        SplitBench bench;
-        bench.setScript(u"mkvtoolnix/mkvmerge"_s, bench.writing({}));
-        bench.start(type);
-        QVERIFY(bench.waitForTool());
-        QVERIFY(waitFor([&] { return !bench.splitter.converterTask()->isRunning(); }));
-        QCOMPARE(bench.splitter.outcome().verdict, Verdict::Failed);
-        QCOMPARE(bench.splitter.outcome().sentence, u"mkvmerge ended without writing a.mkv.split.mkv."_s);
+        SplitFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s, fixture.writing({}));
+        fixture.start(type);
+        QVERIFY(fixture.waitForTool());
+        QVERIFY(waitFor([&] { return !fixture.splitter.converterTask()->isRunning(); }));
+        QCOMPARE(fixture.splitter.outcome().verdict, Verdict::Failed);
+        QCOMPARE(fixture.splitter.outcome().sentence, u"mkvmerge ended without writing a.mkv.split.mkv."_s);
     }
 
     void anEmptyPartFails()
     {
-        SplitBench bench;
-        bench.setScript(u"mkvtoolnix/mkvmerge"_s,
-                        bench.writing({u"a.mkv.split-001.mkv"_s})
-                            << u"write 0 "_s + bench.path(u"a.mkv.split-002.mkv"_s));
-        bench.start(u"size"_s);
-        QVERIFY(bench.waitForTool());
-        QVERIFY(waitFor([&] { return !bench.splitter.converterTask()->isRunning(); }));
-        QCOMPARE(bench.splitter.outcome().sentence, u"mkvmerge wrote nothing into a.mkv.split-002.mkv."_s);
+        SplitFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s,
+                          fixture.writing({u"a.mkv.split-001.mkv"_s})
+                              << u"write 0 "_s + fixture.path(u"a.mkv.split-002.mkv"_s));
+        fixture.start(u"size"_s);
+        QVERIFY(fixture.waitForTool());
+        QVERIFY(waitFor([&] { return !fixture.splitter.converterTask()->isRunning(); }));
+        QCOMPARE(fixture.splitter.outcome().sentence, u"mkvmerge wrote nothing into a.mkv.split-002.mkv."_s);
     }
 
     // Progress.
@@ -229,83 +230,83 @@ private Q_SLOTS:
     /// The whole number with one percent sign: never "45%%".
     void aPercentageIsAnnouncedWithOnePercentSign()
     {
-        SplitBench bench;
-        bench.splitter.setStepName(u"Splitting Videos"_s);
-        bench.read("Progress: 0%\rProgress: 45%\r");
-        bench.read("Progress: 4");
-        bench.read("6%\r");
-        bench.read("The file 'a: 99.mkv' has been opened for writing.\n");
-        QCOMPARE(bench.posted(u"monitorSplitUpdate"_s), QStringList({u"45%"_s, u"46%"_s}));
-        const auto info = bench.record.named(u"monitorSplitUpdate"_s).constFirst().userInfo;
+        SplitFixture fixture;
+        fixture.splitter.setStepName(u"Splitting Videos"_s);
+        fixture.read("Progress: 0%\rProgress: 45%\r");
+        fixture.read("Progress: 4");
+        fixture.read("6%\r");
+        fixture.read("The file 'a: 99.mkv' has been opened for writing.\n");
+        QCOMPARE(fixture.posted(u"monitorSplitUpdate"_s), QStringList({u"45%"_s, u"46%"_s}));
+        const auto info = fixture.record.named(u"monitorSplitUpdate"_s).constFirst().userInfo;
         QCOMPARE(info.value(u"stepName"_s).toString(), u"Splitting Videos"_s);
-        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &bench.splitter);
+        QCOMPARE(info.value(u"theConverter"_s).value<QObject *>(), &fixture.splitter);
         QVERIFY(info.contains(u"theTask"_s));
     }
 
     void theEndOfBothStreamsIsTheCompletion()
     {
-        SplitBench bench;
-        bench.start(u"size"_s);
-        QVERIFY(bench.waitForTool());
-        QCOMPARE(bench.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
-        QVERIFY(!bench.splitter.conversionError());
+        SplitFixture fixture;
+        fixture.start(u"size"_s);
+        QVERIFY(fixture.waitForTool());
+        QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
+        QVERIFY(!fixture.splitter.conversionError());
     }
 
     // The job.
 
     void theJobShowsOneStepThatBeginsWithZero()
     {
-        SplitBench bench({u"hang"_s});
-        const auto job = bench.startJob(u"size"_s);
+        SplitFixture fixture({u"hang"_s});
+        const auto job = fixture.startJob(u"size"_s);
         QCOMPARE(job->progressList(), jobs::ProgressList({{u"Splitting Videos"_s, u"0%"_s}}));
-        QCOMPARE(bench.progressTexts(), QStringList{u"Splitting Videos=0%"_s});
+        QCOMPARE(fixture.progressTexts(), QStringList{u"Splitting Videos=0%"_s});
         QCOMPARE(job->stepConverterList().size(), 1);
         QCOMPARE(job->stepTaskList().size(), 1);
-        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{bench.url(u"a.mkv.split.log"_s)});
+        QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{fixture.url(u"a.mkv.split.log"_s)});
         QVERIFY(job->tempFilesToDeleteList().isEmpty());
     }
 
     void theJobFollowsItsOwnStepsPercentagesAndCompletion()
     {
-        SplitBench bench({u"hang"_s});
-        const auto job = bench.startJob(u"size"_s);
+        SplitFixture fixture({u"hang"_s});
+        const auto job = fixture.startJob(u"size"_s);
         const auto shows = [&] { return job->progressList().constFirst().progress; };
-        bench.announce(u"monitorSplitUpdate"_s, u"45%"_s);
+        fixture.announce(u"monitorSplitUpdate"_s, u"45%"_s);
         QCOMPARE(shows(), u"45%"_s);
-        bench.announce(u"monitorSplitUpdate"_s, u"no percentage"_s);
-        bench.announce(u"monitorJoinUpdate"_s, u"46%"_s);
-        bench.world.notifications.post(
+        fixture.announce(u"monitorSplitUpdate"_s, u"no percentage"_s);
+        fixture.announce(u"monitorJoinUpdate"_s, u"46%"_s);
+        fixture.base.notifications.post(
             u"monitorSplitUpdate"_s, u"47%"_s,
             {{u"stepName"_s, u"Splitting Videos"_s},
-             {u"theConverter"_s, QVariant::fromValue<QObject *>(&bench.splitter)}});
+             {u"theConverter"_s, QVariant::fromValue<QObject *>(&fixture.splitter)}});
         QCOMPARE(shows(), u"45%"_s);
-        bench.announce(u"taskCompletion"_s, u"Complete"_s);
+        fixture.announce(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(shows(), u"Complete"_s);
-        QVERIFY(bench.waitForEnd());
+        QVERIFY(fixture.waitForEnd());
     }
 
     void theJobWritesIntoTheSaveFolder()
     {
-        SplitBench bench;
-        bench.world.scratch.write(u"s/x"_s, {});
-        bench.world.setSaveFolder(bench.path(u"s"_s));
-        const auto job = bench.startJob(u"time"_s);
-        QVERIFY(bench.waitForEnd());
-        QCOMPARE(job->outputs(), QList<QUrl>{bench.url(u"s/a.mkv.split.mkv"_s)});
+        SplitFixture fixture;
+        fixture.base.scratch.write(u"s/x"_s, {});
+        fixture.base.setSaveFolder(fixture.path(u"s"_s));
+        const auto job = fixture.startJob(u"time"_s);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"s/a.mkv.split.mkv"_s)});
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void theJobOfAnUnknownSplitTypeEndsAsFailed()
     {
-        SplitBench bench;
-        const auto job = bench.startJob(u"chapters"_s);
-        QVERIFY(bench.waitForEnd());
+        SplitFixture fixture;
+        const auto job = fixture.startJob(u"chapters"_s);
+        QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QCOMPARE(job->outcome().sentence,
                  u"There is no way to split by \"chapters\", so nothing was started."_s);
-        QVERIFY(bench.calls().isEmpty());
+        QVERIFY(fixture.calls().isEmpty());
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoSplitterTest)
+TESSARAY_TEST(KXVideoSplitterTest)
 #include "KXVideoSplitterTest.moc"

@@ -1,7 +1,8 @@
 // What mkvmerge is told, list by list.
-#include "engines/MkvArguments.h"
-#include "engines/MkvTrackNumbers.h"
-#include "support/HandMade.h"
+#include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvTrackNumbers.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -206,5 +207,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(MkvArgumentsTest)
+TESSARAY_TEST(MkvArgumentsTest)
 #include "MkvArgumentsTest.moc"

@@ -1,16 +1,17 @@
 // A job that is refused touches nothing of what stands in the save folder, whether it ends or is stopped
 // first.
-#include "engines/KXConvertToMkvJob.h"
-#include "engines/KXConvertWithFfmpegJob.h"
-#include "engines/KXEditMkvJob.h"
-#include "engines/KXExtractTracksJob.h"
-#include "engines/KXJoinVideosJob.h"
-#include "engines/KXRemuxVideoJob.h"
-#include "engines/KXSendToLintwickJob.h"
-#include "engines/KXSplitVideosJob.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/ffmpeg/KXConvertWithFfmpegJob.h"
+#include "engines/ffmpeg/KXExtractTracksJob.h"
+#include "engines/join/KXJoinVideosJob.h"
+#include "engines/mkvtoolnix/KXConvertToMkvJob.h"
+#include "engines/mkvtoolnix/KXEditMkvJob.h"
+#include "engines/mkvtoolnix/KXRemuxVideoJob.h"
+#include "engines/mkvtoolnix/KXSendToLintwickJob.h"
+#include "engines/mkvtoolnix/KXSplitVideosJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QDir>
 #include <QTest>
@@ -80,35 +81,35 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(QString, device);
         QFETCH(bool, isStopped);
-        MkvBench bench;
+        MkvFixture fixture;
         for (const QString &name : taken)
-            bench.world.scratch.write(u"out/"_s + name, "theirs: " + name.toUtf8());
-        bench.world.setSaveFolder(bench.path(u"out"_s));
-        const auto selection = bench.selection(type, {subtitleTrack(u"2"_s, u"srt"_s)});
+            fixture.base.scratch.write(u"out/"_s + name, "theirs: " + name.toUtf8());
+        fixture.base.setSaveFolder(fixture.path(u"out"_s));
+        const auto selection = fixture.selection(type, {subtitleTrack(u"2"_s, u"srt"_s)});
         selection->setTheDevice(device);
-        selection->setEditFilesURLsList({bench.source, bench.source});
+        selection->setEditFilesURLsList({fixture.source, fixture.source});
         selection->setSplitType(u"duration"_s);
         selection->setSplitDurationSeconds(u"2"_s);
-        const auto job = maker(bench.world.jobContext(step::WhenTaken::Refuse));
-        bench.job = job;
-        job->initJobWithSelectionAndPreferences(selection, bench.world.preferences);
+        const auto job = maker(fixture.base.jobContext(steps::WhenTaken::Refuse));
+        fixture.job = job;
+        job->initJobWithSelectionAndPreferences(selection, fixture.base.preferences);
         job->startJob();
         if (isStopped)
             job->stopJob();
         QVERIFY(waitFor([&] { return job->hasEnded(); }, 30000));
-        QVERIFY(isStopped || job->outcome().verdict == step::Verdict::Failed);
+        QVERIFY(isStopped || job->outcome().verdict == steps::Verdict::Failed);
         QStringList names =
-            QDir(bench.path(u"out"_s))
+            QDir(fixture.path(u"out"_s))
                 .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
         QStringList expected = taken;
         expected.sort();
         names.sort();
         QCOMPARE(names, expected);
         for (const QString &name : taken)
-            QCOMPARE(bench.world.scratch.read(u"out/"_s + name), "theirs: " + name.toUtf8());
+            QCOMPARE(fixture.base.scratch.read(u"out/"_s + name), "theirs: " + name.toUtf8());
         QVERIFY(!job->outcome().sentence.contains(u"The log is"_s));
     }
 };
 
-QTEST_GUILESS_MAIN(RefusedJobsTest)
+TESSARAY_TEST(RefusedJobsTest)
 #include "RefusedJobsTest.moc"

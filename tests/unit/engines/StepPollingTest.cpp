@@ -1,5 +1,6 @@
 #include "engines/StepPolling.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
+#include "support/jobs/JobFixture.h"
 
 #include <QTest>
 
@@ -12,7 +13,7 @@ namespace {
 class Answering final : public KXConverter
 {
 public:
-    Answering(const step::ConverterContext &context, const QStringList &answers)
+    Answering(const steps::ConverterContext &context, const QStringList &answers)
         : KXConverter(context)
         , m_answers(answers)
     {
@@ -29,12 +30,12 @@ private:
 };
 
 /// Converters that are polled without a job; each cycle gets the items of the one before.
-class PollingBench final
+class PollingFixture final
 {
 public:
     ConverterPointer answering(const QStringList &answers)
     {
-        return std::make_shared<Answering>(world.converterContext(guard), answers);
+        return std::make_shared<Answering>(base.converterContext(guard), answers);
     }
 
     /// One text for each cycle, the last that of the cycle that said that all have finished.
@@ -57,8 +58,8 @@ public:
         return items.join(u',');
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
-    step::OutputGuard guard{world.outputs, step::WhenTaken::NextFreeName};
+    JobFixture base{JobFixture::Tools::Fake};
+    steps::OutputGuard guard{base.outputs, steps::WhenTaken::NextFreeName};
     engines::StepCounter counter{[](const KXConverter &converter, int step) {
         return u"%1 Step #%2"_s.arg(converter.stepName(), QString::number(step));
     }};
@@ -103,59 +104,59 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, answers);
         QFETCH(QStringList, texts);
-        PollingBench bench;
-        QCOMPARE(bench.counted({bench.answering(answers)}, fresh), texts);
+        PollingFixture fixture;
+        QCOMPARE(fixture.counted({fixture.answering(answers)}, fresh), texts);
     }
 
     /// The list before the first poll has no number yet, and an error keeps it so.
     void anErrorAtFirstShowsTheFreshList()
     {
-        PollingBench bench;
-        QCOMPARE(bench.counted({bench.answering({u"error"_s, u"3%"_s})}, fresh),
+        PollingFixture fixture;
+        QCOMPARE(fixture.counted({fixture.answering({u"error"_s, u"3%"_s})}, fresh),
                  QStringList({u"Muxing=0%"_s, u"Muxing Step #1=3%"_s, u"Muxing Step #1=Complete"_s}));
     }
 
     void anErrorWithoutAnItemBeforeIsEmpty()
     {
-        PollingBench bench;
-        QCOMPARE(bench.counted({bench.answering({u"error"_s})}, {}).first(), u"Muxing Step #1="_s);
+        PollingFixture fixture;
+        QCOMPARE(fixture.counted({fixture.answering({u"error"_s})}, {}).first(), u"Muxing Step #1="_s);
     }
 
     void theCounterStartsAtOne()
     {
-        PollingBench bench;
-        QCOMPARE(bench.counter.step(), 1);
-        bench.counted({bench.answering({u"9%"_s, u"1%"_s})}, fresh);
-        QCOMPARE(bench.counter.step(), 2);
+        PollingFixture fixture;
+        QCOMPARE(fixture.counter.step(), 1);
+        fixture.counted({fixture.answering({u"9%"_s, u"1%"_s})}, fresh);
+        QCOMPARE(fixture.counter.step(), 2);
     }
 
     void aStepWithNothingToDoHasFinishedAndShowsNothing()
     {
-        PollingBench bench;
-        QCOMPARE(bench.counted({nullptr}, {}), QStringList{QString()});
-        QCOMPARE(bench.counted({nullptr, bench.answering({u"7%"_s})}, fresh),
+        PollingFixture fixture;
+        QCOMPARE(fixture.counted({nullptr}, {}), QStringList{QString()});
+        QCOMPARE(fixture.counted({nullptr, fixture.answering({u"7%"_s})}, fresh),
                  QStringList({u"Muxing Step #1=7%"_s, u"Muxing Step #1=Complete"_s}));
     }
 
     void allHaveToFinish()
     {
-        PollingBench bench;
-        const QList<ConverterPointer> two{bench.answering({}), bench.answering({u"7%"_s, u"8%"_s})};
+        PollingFixture fixture;
+        const QList<ConverterPointer> two{fixture.answering({}), fixture.answering({u"7%"_s, u"8%"_s})};
         jobs::ProgressList current;
         QVERIFY(!engines::pollSteps(two, {}, current));
-        QCOMPARE(PollingBench::textOf(current), u"Muxing=Complete,Muxing=7%"_s);
+        QCOMPARE(PollingFixture::textOf(current), u"Muxing=Complete,Muxing=7%"_s);
     }
 
     void withoutCountingTheLabelIsTheName()
     {
-        PollingBench bench;
-        const QList<ConverterPointer> one{bench.answering({u"90%"_s, u"3%"_s, u"error"_s})};
+        PollingFixture fixture;
+        const QList<ConverterPointer> one{fixture.answering({u"90%"_s, u"3%"_s, u"error"_s})};
         QStringList texts;
         jobs::ProgressList previous;
         for (bool finished = false; !finished && texts.size() < 100;) {
             jobs::ProgressList current;
             finished = engines::pollSteps(one, previous, current);
-            texts << PollingBench::textOf(current);
+            texts << PollingFixture::textOf(current);
             previous = current;
         }
         QCOMPARE(texts, QStringList({u"Muxing=90%"_s, u"Muxing=3%"_s, u"Muxing=3%"_s, u"Muxing=Complete"_s}));
@@ -163,13 +164,13 @@ private Q_SLOTS:
 
     void aToolThatNeverRanIsNotWaitedFor()
     {
-        PollingBench bench;
-        const auto refused = bench.answering({u"error"_s});
+        PollingFixture fixture;
+        const auto refused = fixture.answering({u"error"_s});
         refused->setDoShell_ID({});
         QCOMPARE(engines::polled(*refused), u"Complete"_s);
-        QCOMPARE(engines::polled(*bench.answering({u"error"_s})), u"error"_s);
+        QCOMPARE(engines::polled(*fixture.answering({u"error"_s})), u"error"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(StepPollingTest)
+TESSARAY_TEST(StepPollingTest)
 #include "StepPollingTest.moc"

@@ -1,8 +1,9 @@
 // A subtitle of pictures is extracted into two files, the index and the pictures.
-#include "engines/KXTrackDumper.h"
-#include "support/HandMade.h"
-#include "support/MkvBench.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/MkvFixture.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -12,21 +13,21 @@ using Keeping = KXConverter::Keeping;
 
 namespace {
 
-class DumperBench final : public MkvBench
+class DumperFixture final : public MkvFixture
 {
 public:
-    explicit DumperBench(Keeping keeping)
+    explicit DumperFixture(Keeping keeping)
     {
         setScript(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
         dumper.inititializeForTrackWithStepLabelKeepingTheOutput(0, u"Extracting Subtitle Track"_s, keeping);
     }
-    ~DumperBench()
+    ~DumperFixture()
     {
         dumper.terminatePIDWaitUntilTerminated(dumper.doShell_ID(), KXHelpers::Wait::No);
         if (dumper.converterTask())
             dumper.converterTask()->terminate();
     }
-    Q_DISABLE_COPY_MOVE(DumperBench)
+    Q_DISABLE_COPY_MOVE(DumperFixture)
 
     SelectionPointer pictures() const
     {
@@ -56,47 +57,47 @@ class VobSubFilesTest final : public QObject
 private Q_SLOTS:
     void bothAreNamedAsOutputs()
     {
-        DumperBench bench(Keeping::TheOutput);
-        QVERIFY(!bench.dumper.startConversionFor(bench.pictures()).isEmpty());
-        QCOMPARE(bench.shownNames(bench.dumper.outputFiles()), both);
-        QVERIFY(bench.dumper.temporaryFiles().isEmpty());
+        DumperFixture fixture(Keeping::TheOutput);
+        QVERIFY(!fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
+        QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), both);
+        QVERIFY(fixture.dumper.temporaryFiles().isEmpty());
     }
 
     void bothAreTemporaryWhenOneIs()
     {
-        DumperBench bench(Keeping::Temporary);
-        QVERIFY(!bench.dumper.startConversionFor(bench.pictures()).isEmpty());
-        QCOMPARE(bench.shownNames(bench.dumper.temporaryFiles()), both);
+        DumperFixture fixture(Keeping::Temporary);
+        QVERIFY(!fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
+        QCOMPARE(fixture.shownNames(fixture.dumper.temporaryFiles()), both);
     }
 
     void theSameAsAProcessObject()
     {
-        DumperBench bench(Keeping::Temporary);
-        QVERIFY(bench.dumper.startConversionForSelectionWithSaveDirectoryURL(bench.pictures(), {}));
-        QCOMPARE(bench.shownNames(bench.dumper.outputFiles()), both);
-        QCOMPARE(bench.shownNames(bench.dumper.temporaryFiles()), both);
+        DumperFixture fixture(Keeping::Temporary);
+        QVERIFY(fixture.dumper.startConversionForSelectionWithSaveDirectoryURL(fixture.pictures(), {}));
+        QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), both);
+        QCOMPARE(fixture.shownNames(fixture.dumper.temporaryFiles()), both);
     }
 
     void theSecondOneNeverTakesAFileThatWasThere()
     {
-        DumperBench bench(Keeping::Temporary);
-        bench.world.scratch.write(u"a.mkv.stream2.sub"_s, "of another");
-        QVERIFY(bench.dumper.startConversionFor(bench.pictures()).isEmpty());
-        QCOMPARE(bench.shown(bench.dumper.refusal()),
+        DumperFixture fixture(Keeping::Temporary);
+        fixture.base.scratch.write(u"a.mkv.stream2.sub"_s, "of another");
+        QVERIFY(fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
+        QCOMPARE(fixture.shown(fixture.dumper.refusal()),
                  u"/v/a.mkv.stream2.sub exists already, so nothing was started."_s);
-        QVERIFY(bench.calls(u"mkvextract"_s).isEmpty());
-        QVERIFY(bench.dumper.temporaryFiles().isEmpty()); // nothing of another's is deleted
+        QVERIFY(fixture.calls(u"mkvextract"_s).isEmpty());
+        QVERIFY(fixture.dumper.temporaryFiles().isEmpty()); // nothing of another's is deleted
     }
 
     void anotherSubtitleIsOneFile()
     {
-        DumperBench bench(Keeping::Temporary);
-        const auto chosen = bench.selection(u"MKV Track Extraction"_s, {subtitleTrack(u"2"_s, u"srt"_s)});
-        QVERIFY(!bench.dumper.startConversionFor(chosen).isEmpty());
-        QCOMPARE(bench.shownNames(bench.dumper.outputFiles()), QStringList{u"/v/a.mkv.stream2.srt"_s});
-        QCOMPARE(bench.shownNames(bench.dumper.temporaryFiles()), QStringList{u"/v/a.mkv.stream2.srt"_s});
+        DumperFixture fixture(Keeping::Temporary);
+        const auto chosen = fixture.selection(u"MKV Track Extraction"_s, {subtitleTrack(u"2"_s, u"srt"_s)});
+        QVERIFY(!fixture.dumper.startConversionFor(chosen).isEmpty());
+        QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), QStringList{u"/v/a.mkv.stream2.srt"_s});
+        QCOMPARE(fixture.shownNames(fixture.dumper.temporaryFiles()), QStringList{u"/v/a.mkv.stream2.srt"_s});
     }
 };
 
-QTEST_GUILESS_MAIN(VobSubFilesTest)
+TESSARAY_TEST(VobSubFilesTest)
 #include "VobSubFilesTest.moc"

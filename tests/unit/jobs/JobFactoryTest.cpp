@@ -1,12 +1,13 @@
 #include "jobs/JobFactory.h"
 
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::JobWorld;
+using support::JobFixture;
 
 class JobFactoryTest final : public QObject
 {
@@ -15,35 +16,35 @@ class JobFactoryTest final : public QObject
 private Q_SLOTS:
     void jobsAreMadeByTheNameOfTheirClass()
     {
-        JobWorld world(JobWorld::Tools::Fake);
+        JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
         factory.add<KXJob>();
         QVERIFY(factory.knows(u"KXJob"_s));
-        const auto first = factory.make(u"KXJob"_s, world.jobContext());
-        const auto second = factory.make(u"KXJob"_s, world.jobContext());
+        const auto first = factory.make(u"KXJob"_s, fixture.jobContext());
+        const auto second = factory.make(u"KXJob"_s, fixture.jobContext());
         QVERIFY(first && second && first != second);
     }
 
     void classThatNobodyRegisteredIsUnknown()
     {
-        JobWorld world(JobWorld::Tools::Fake);
+        JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
         factory.add<KXJob>();
         QVERIFY(!factory.knows(u"KXSplitVideosJob"_s));
-        QVERIFY(!factory.make(u"KXSplitVideosJob"_s, world.jobContext()));
-        QVERIFY(!factory.make({}, world.jobContext()));
+        QVERIFY(!factory.make(u"KXSplitVideosJob"_s, fixture.jobContext()));
+        QVERIFY(!factory.make({}, fixture.jobContext()));
     }
 
     void laterMakerOfAClassWins()
     {
-        JobWorld world(JobWorld::Tools::Fake);
+        JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
         factory.add<KXJob>();
         support::registerTestJob(factory, u"KXJob"_s);
-        QVERIFY(dynamic_cast<support::TestJob *>(factory.make(u"KXJob"_s, world.jobContext()).get()) !=
+        QVERIFY(dynamic_cast<support::TestJob *>(factory.make(u"KXJob"_s, fixture.jobContext()).get()) !=
                 nullptr);
     }
 };
 
-QTEST_GUILESS_MAIN(JobFactoryTest)
+TESSARAY_TEST(JobFactoryTest)
 #include "JobFactoryTest.moc"

@@ -1,16 +1,17 @@
 // What a job leaves behind when it ends by itself, and what it says about it.
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using step::Outcome;
-using step::Verdict;
-using support::JobWorld;
+using steps::Outcome;
+using steps::Verdict;
+using support::JobFixture;
 using support::NotificationRecord;
 using support::TestConverterPointer;
 
@@ -19,15 +20,16 @@ namespace {
 /// A job whose steps' tools write outputs of some bytes and say a word.
 struct Job
 {
-    explicit Job(step::WhenTaken whenTaken = step::WhenTaken::NextFreeName)
-        : job(support::makeTestJob(world.jobContext(whenTaken)))
+    explicit Job(steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName)
+        : job(support::makeTestJob(fixture.jobContext(whenTaken)))
     {
-        world.setKeepLogs(false);
-        world.scratch.write(u"film.mkv"_s, "film");
-        job->initJobWithSelectionAndPreferences(world.selectionFor(path(u"film.mkv"_s)), world.preferences);
+        fixture.setKeepLogs(false);
+        fixture.scratch.write(u"film.mkv"_s, "film");
+        job->initJobWithSelectionAndPreferences(fixture.selectionFor(path(u"film.mkv"_s)),
+                                                fixture.preferences);
     }
 
-    QString path(const QString &name) const { return world.scratch.path(name); }
+    QString path(const QString &name) const { return fixture.scratch.path(name); }
     bool exists(const QString &name) const { return QFileInfo::exists(path(name)); }
     QUrl tool(int bytes, int status = 0)
     {
@@ -35,20 +37,20 @@ struct Job
         if (bytes >= 0)
             script.append(u"write %1 last"_s.arg(bytes));
         script.append(u"exit %1"_s.arg(status));
-        return world.installTool(u"tool%1_%2"_s.arg(bytes).arg(status), script);
+        return fixture.installTool(u"tool%1_%2"_s.arg(bytes).arg(status), script);
     }
     TestConverterPointer run(const QString &output, int bytes = 5, int status = 0)
     {
-        return job->runStep(output, world.scratch.url(output), tool(bytes, status));
+        return job->runStep(output, fixture.scratch.url(output), tool(bytes, status));
     }
     bool ends()
     {
         return support::waitFor([this] { return job->hasEnded(); });
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture fixture{JobFixture::Tools::Fake};
     support::TestJobPointer job;
-    NotificationRecord record{world.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
+    NotificationRecord record{fixture.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
 };
 
 QString lastLine(const QByteArray &log)
@@ -75,11 +77,11 @@ private Q_SLOTS:
     {
         QFETCH(bool, keepsLogs);
         Job job;
-        job.world.setKeepLogs(keepsLogs);
+        job.fixture.setKeepLogs(keepsLogs);
         job.run(u"out.m4v"_s);
-        const QUrl temporary = job.job->guard().claimFree(job.world.scratch.url(u"it's a temp.ass"_s));
+        const QUrl temporary = job.job->guard().claimFree(job.fixture.scratch.url(u"it's a temp.ass"_s));
         QVERIFY(job.job->guard().files().create(temporary, "x"));
-        job.job->setTempFilesToDeleteList({temporary, job.world.scratch.url(u"never made.ass"_s)});
+        job.job->setTempFilesToDeleteList({temporary, job.fixture.scratch.url(u"never made.ass"_s)});
         QVERIFY(job.ends());
         QCOMPARE(job.exists(u"out.m4v.log"_s), keepsLogs);
         QCOMPARE(job.exists(u"it's a temp.ass"_s), keepsLogs);
@@ -90,7 +92,7 @@ private Q_SLOTS:
     void temporaryFolderIsGoneWhateverIsKept()
     {
         Job job;
-        job.world.setKeepLogs(true);
+        job.fixture.setKeepLogs(true);
         const QString folder = job.job->temporaryFolder();
         QVERIFY(folder.endsWith(u'/') && QFileInfo(folder).isDir());
         QCOMPARE(job.job->temporaryFolder(), folder);
@@ -110,12 +112,12 @@ private Q_SLOTS:
     {
         Job job;
         QVERIFY(QFile::link(job.path(u"film.mkv"_s), job.path(u"link.mkv"_s)));
-        const QList<QUrl> inputs{job.world.scratch.url(u"film.mkv"_s), job.world.scratch.url(u"link.mkv"_s),
-                                 QUrl()};
+        const QList<QUrl> inputs{job.fixture.scratch.url(u"film.mkv"_s),
+                                 job.fixture.scratch.url(u"link.mkv"_s), QUrl()};
         job.job->setTempFilesToDeleteList(inputs);
         job.job->setLogFilesToDeleteList(inputs);
         job.job->jobDone();
-        QCOMPARE(job.world.scratch.read(u"film.mkv"_s), QByteArray("film")); // no outcome in it either
+        QCOMPARE(job.fixture.scratch.read(u"film.mkv"_s), QByteArray("film")); // no outcome in it either
         QVERIFY(job.exists(u"link.mkv"_s));
     }
 
@@ -132,7 +134,7 @@ private Q_SLOTS:
         QCOMPARE(done.userInfo.value(u"theJob"_s).value<QObject *>(), job.job.get());
         QVERIFY(job.job->progressList().isEmpty());
         QCOMPARE(changed.size(), 1);
-        job.world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        job.fixture.notifications.post(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(job.job->heard, 0);
     }
 
@@ -140,7 +142,7 @@ private Q_SLOTS:
     {
         Job job;
         Verdict seen = Verdict::Unknown;
-        const auto subscription = job.world.notifications.subscribe(
+        const auto subscription = job.fixture.notifications.subscribe(
             u"jobDone"_s, [&](const KXNotification &) { seen = job.job->outcome().verdict; });
         job.job->jobDone();
         QCOMPARE(seen, Verdict::Ok);
@@ -149,12 +151,12 @@ private Q_SLOTS:
     void outcomeIsTheLastLineOfEveryLog()
     {
         Job job;
-        job.world.setKeepLogs(true);
+        job.fixture.setKeepLogs(true);
         job.run(u"a.m4v"_s);
         job.run(u"b.m4v"_s)->judged = Outcome::warnings(u"The end is missing."_s);
         QVERIFY(job.ends());
         for (const auto &log : {u"a.m4v.log"_s, u"b.m4v.log"_s}) {
-            const QByteArray text = job.world.scratch.read(log);
+            const QByteArray text = job.fixture.scratch.read(log);
             QCOMPARE(lastLine(text), u"Tessaray: warnings: The end is missing."_s);
             QVERIFY(text.startsWith("words\n"));
             QVERIFY(text.endsWith('\n'));
@@ -164,17 +166,17 @@ private Q_SLOTS:
     void goodOutcomeIsOneWord()
     {
         Job job;
-        job.world.setKeepLogs(true);
+        job.fixture.setKeepLogs(true);
         job.run(u"a.m4v"_s);
         QVERIFY(job.ends());
-        QCOMPARE(lastLine(job.world.scratch.read(u"a.m4v.log"_s)), u"Tessaray: ok"_s);
+        QCOMPARE(lastLine(job.fixture.scratch.read(u"a.m4v.log"_s)), u"Tessaray: ok"_s);
     }
 
     void logThatWasNeverWrittenIsNotMade()
     {
         Job job;
-        job.world.setKeepLogs(true);
-        job.job->setLogFilesToDeleteList({job.world.scratch.url(u"never.log"_s)});
+        job.fixture.setKeepLogs(true);
+        job.job->setLogFilesToDeleteList({job.fixture.scratch.url(u"never.log"_s)});
         job.job->jobDone();
         QVERIFY(!job.exists(u"never.log"_s));
     }
@@ -206,7 +208,7 @@ private Q_SLOTS:
         job.run(u"temp.ac3"_s)->setIsTemporaryOutput(true);
         job.run(u"c.m4v"_s)->judged = Outcome::warnings(u"Short."_s);
         QVERIFY(job.ends());
-        const QList<QUrl> expected{job.world.scratch.url(u"a.m4v"_s), job.world.scratch.url(u"c.m4v"_s)};
+        const QList<QUrl> expected{job.fixture.scratch.url(u"a.m4v"_s), job.fixture.scratch.url(u"c.m4v"_s)};
         QCOMPARE(job.job->outputs(), expected);
     }
 
@@ -221,7 +223,7 @@ private Q_SLOTS:
         QVERIFY(!job.exists(u"good.m4v.log"_s));
         const QString named = u"The log is %1."_s.arg(job.path(u"bad.m4v.log"_s));
         QVERIFY2(job.job->outcome().sentence.contains(named), qPrintable(job.job->outcome().sentence));
-        QCOMPARE(lastLine(job.world.scratch.read(u"bad.m4v.log"_s)),
+        QCOMPARE(lastLine(job.fixture.scratch.read(u"bad.m4v.log"_s)),
                  u"Tessaray: failed: "_s + job.job->outcome().sentence);
     }
 
@@ -257,8 +259,8 @@ private Q_SLOTS:
 
     void refusedOutputIsLeftAlone()
     {
-        Job job(step::WhenTaken::Refuse);
-        job.world.scratch.write(u"old.m4v"_s, "");
+        Job job(steps::WhenTaken::Refuse);
+        job.fixture.scratch.write(u"old.m4v"_s, "");
         const auto converter = job.run(u"old.m4v"_s);
         QVERIFY(!converter->converterTask());
         job.job->endIfNothingRuns();
@@ -270,22 +272,22 @@ private Q_SLOTS:
 
     void emptyFileUnderARefusedNameIsLeftAloneEvenIfTheStepRanBefore()
     {
-        Job job(step::WhenTaken::Refuse);
-        job.world.scratch.write(u"old.m4v"_s, "");
+        Job job(steps::WhenTaken::Refuse);
+        job.fixture.scratch.write(u"old.m4v"_s, "");
         const auto converter = job.run(u"new.m4v"_s, 5, 1);
-        QVERIFY(!converter->claimOutput(job.world.scratch.url(u"old.m4v"_s)));
+        QVERIFY(!converter->claimOutput(job.fixture.scratch.url(u"old.m4v"_s)));
         QVERIFY(job.ends());
         QVERIFY(job.exists(u"old.m4v"_s));
     }
 
     void replacedFileReturnsWhenTheJobFails()
     {
-        Job job(step::WhenTaken::Replace);
-        job.world.scratch.write(u"a.m4v"_s, "old");
+        Job job(steps::WhenTaken::Replace);
+        job.fixture.scratch.write(u"a.m4v"_s, "old");
         job.run(u"a.m4v"_s, 5, 1);
         QVERIFY(job.ends());
-        QCOMPARE(job.world.scratch.read(u"a.m4v"_s), QByteArray("old"));
-        QCOMPARE(job.world.scratch.read(u"a (incomplete).m4v"_s), QByteArray("wwwww"));
+        QCOMPARE(job.fixture.scratch.read(u"a.m4v"_s), QByteArray("old"));
+        QCOMPARE(job.fixture.scratch.read(u"a (incomplete).m4v"_s), QByteArray("wwwww"));
         const QString sentence = job.job->outcome().sentence;
         QVERIFY(sentence.contains(
             u"The incomplete output %1 was kept."_s.arg(job.path(u"a (incomplete).m4v"_s))));
@@ -295,11 +297,11 @@ private Q_SLOTS:
 
     void replacedFileGoesWhenTheJobEndsWell()
     {
-        Job job(step::WhenTaken::Replace);
-        job.world.scratch.write(u"a.m4v"_s, "old");
+        Job job(steps::WhenTaken::Replace);
+        job.fixture.scratch.write(u"a.m4v"_s, "old");
         job.run(u"a.m4v"_s)->judged = Outcome::warnings(u"Short."_s);
         QVERIFY(job.ends());
-        QCOMPARE(job.world.scratch.read(u"a.m4v"_s), QByteArray("wwwww"));
+        QCOMPARE(job.fixture.scratch.read(u"a.m4v"_s), QByteArray("wwwww"));
         QVERIFY(!job.exists(u"a (replaced).m4v"_s));
         QVERIFY(!job.exists(u"a (incomplete).m4v"_s));
     }
@@ -308,10 +310,10 @@ private Q_SLOTS:
     {
         Job job;
         const auto converter = job.run(u"a.m4v"_s);
-        QVERIFY(job.world.outputs.isTaken(converter->outputFileURL(), nullptr));
+        QVERIFY(job.fixture.outputs.isTaken(converter->outputFileURL(), nullptr));
         QVERIFY(job.ends());
-        QVERIFY(!job.world.outputs.isTaken(converter->outputFileURL(), nullptr));
-        QVERIFY(!job.world.outputs.isTaken(job.world.scratch.url(u"film.mkv"_s), nullptr));
+        QVERIFY(!job.fixture.outputs.isTaken(converter->outputFileURL(), nullptr));
+        QVERIFY(!job.fixture.outputs.isTaken(job.fixture.scratch.url(u"film.mkv"_s), nullptr));
     }
 
     void almostFullVolumeIsTold_data()
@@ -328,13 +330,13 @@ private Q_SLOTS:
         QFETCH(qint64, free);
         QFETCH(bool, isTold);
         Job job;
-        job.world.volumes.setFree(free);
+        job.fixture.volumes.setFree(free);
         job.job->jobDone();
-        QCOMPARE(job.world.alerts.shown().size(), isTold ? 1 : 0);
+        QCOMPARE(job.fixture.alerts.shown().size(), isTold ? 1 : 0);
         QCOMPARE(job.record.count(u"jobDone"_s), 1);
         if (!isTold)
             return;
-        const auto alert = job.world.alerts.shown().first();
+        const auto alert = job.fixture.alerts.shown().first();
         QCOMPARE(alert->message, u"It appears that your save volume is almost out of free space."_s);
         QCOMPARE(alert->informativeText, u"The output of the just finished job may not be complete."_s);
         QCOMPARE(alert->style, platform::AlertStyle::Plain);
@@ -344,28 +346,28 @@ private Q_SLOTS:
     void volumeThatCannotBeReadIsPassedOver()
     {
         Job job;
-        job.world.volumes.setFree(std::nullopt);
+        job.fixture.volumes.setFree(std::nullopt);
         job.job->jobDone();
-        QVERIFY(job.world.alerts.shown().isEmpty());
+        QVERIFY(job.fixture.alerts.shown().isEmpty());
     }
 
     void volumeOfTheSaveFolderIsAsked()
     {
         Job job;
         job.job->jobDone();
-        QCOMPARE(job.world.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(job.world.scratch.path())});
+        QCOMPARE(job.fixture.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(job.fixture.scratch.path())});
         Job saved;
-        saved.world.setSaveFolder(u"/saved"_s);
+        saved.fixture.setSaveFolder(u"/saved"_s);
         saved.job->jobDone();
-        QCOMPARE(saved.world.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(u"/saved"_s)});
+        QCOMPARE(saved.fixture.volumes.asked(), QList<QUrl>{QUrl::fromLocalFile(u"/saved"_s)});
     }
 
     void alertClosesItselfAfterTenSeconds()
     {
         Job job;
-        job.world.volumes.setFree(0);
+        job.fixture.volumes.setFree(0);
         job.job->jobDone();
-        const auto &alerts = job.world.alerts;
+        const auto &alerts = job.fixture.alerts;
         QVERIFY(!support::waitFor([&] { return !alerts.closed().isEmpty(); }, 9500));
         QVERIFY(support::waitFor([&] { return !alerts.closed().isEmpty(); }, 2000));
         QCOMPARE(alerts.closed().first(), alerts.shown().first());
@@ -375,7 +377,7 @@ private Q_SLOTS:
     void alertDoesNotKeepTheJob()
     {
         Job job;
-        job.world.volumes.setFree(0);
+        job.fixture.volumes.setFree(0);
         job.job->jobDone();
         const std::weak_ptr<KXJob> weak = job.job;
         job.job.reset();
@@ -383,5 +385,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXJobEndTest)
+TESSARAY_TEST(KXJobEndTest)
 #include "KXJobEndTest.moc"

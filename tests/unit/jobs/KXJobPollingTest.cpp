@@ -1,7 +1,8 @@
 // How a job follows tools that run in the shell's background: the loop itself.
 #include "jobs/KXJob.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -22,20 +23,20 @@ public:
     using KXJob::runOnMain;
 };
 
-class PollBench final
+class PollFixture final
 {
 public:
-    PollBench()
-        : record(world.notifications, {u"progressUpdate"_s})
-        , job(std::make_shared<PolledJob>(world.jobContext()))
+    PollFixture()
+        : record(base.notifications, {u"progressUpdate"_s})
+        , job(std::make_shared<PolledJob>(base.jobContext()))
     {
     }
-    ~PollBench()
+    ~PollFixture()
     {
         if (job)
             job->stopJob();
     }
-    Q_DISABLE_COPY_MOVE(PollBench)
+    Q_DISABLE_COPY_MOVE(PollFixture)
 
     /// Polls so many cycles, each with its number as the progress.
     void poll(int cycles)
@@ -67,7 +68,7 @@ public:
         return list.isEmpty() ? QString() : list.first().progress;
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture base{JobFixture::Tools::Fake};
     QThread *main = QThread::currentThread();
     NotificationRecord record;
     std::shared_ptr<PolledJob> job;
@@ -87,61 +88,61 @@ class KXJobPollingTest final : public QObject
 private Q_SLOTS:
     void eachCycleGetsTheItemsOfTheOneBefore()
     {
-        PollBench bench;
-        bench.poll(3);
-        QVERIFY(waitFor([&] { return bench.finished > 0; }, 20000));
-        QCOMPARE(bench.before, QStringList({u"first"_s, u"1"_s, u"2"_s}));
-        QCOMPARE(bench.count.load(), 3);
-        QCOMPARE(bench.finished, 1);
-        QVERIFY(bench.finishedOnMain);
-        QVERIFY(!bench.onMain); // the tools are asked on the job's own thread
-        QCOMPARE(bench.record.count(u"progressUpdate"_s), 3);
-        QCOMPARE(PollBench::textOf(bench.job->progressList()), u"3"_s);
+        PollFixture fixture;
+        fixture.poll(3);
+        QVERIFY(waitFor([&] { return fixture.finished > 0; }, 20000));
+        QCOMPARE(fixture.before, QStringList({u"first"_s, u"1"_s, u"2"_s}));
+        QCOMPARE(fixture.count.load(), 3);
+        QCOMPARE(fixture.finished, 1);
+        QVERIFY(fixture.finishedOnMain);
+        QVERIFY(!fixture.onMain); // the tools are asked on the job's own thread
+        QCOMPARE(fixture.record.count(u"progressUpdate"_s), 3);
+        QCOMPARE(PollFixture::textOf(fixture.job->progressList()), u"3"_s);
     }
 
     void itRestsBetweenTwoCycles()
     {
-        PollBench bench;
+        PollFixture fixture;
         QElapsedTimer clock;
         clock.start();
-        bench.poll(3);
-        QVERIFY(waitFor([&] { return bench.finished > 0; }, 20000));
+        fixture.poll(3);
+        QVERIFY(waitFor([&] { return fixture.finished > 0; }, 20000));
         QVERIFY2(clock.elapsed() >= 3 * 480, qPrintable(QString::number(clock.elapsed())));
     }
 
     void aStopEndsItWithoutTheNextStep()
     {
-        PollBench bench;
-        bench.poll(1'000'000);
-        QVERIFY(waitFor([&] { return bench.count > 0; }));
-        bench.job->stopJob();
-        QVERIFY(bench.job->monitorQueue()->waitForDone(2000));
-        const int polls = bench.count;
-        QVERIFY(!waitFor([&] { return bench.finished > 0 || bench.count > polls; }, 700));
+        PollFixture fixture;
+        fixture.poll(1'000'000);
+        QVERIFY(waitFor([&] { return fixture.count > 0; }));
+        fixture.job->stopJob();
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
+        const int polls = fixture.count;
+        QVERIFY(!waitFor([&] { return fixture.finished > 0 || fixture.count > polls; }, 700));
     }
 
     /// The main thread may be waiting for the loop that waits for it.
     void aStopIsNotWaitedFor()
     {
-        PollBench bench;
+        PollFixture fixture;
         std::atomic_bool returned = false;
-        bench.job->monitorQueue()->start([&] {
-            bench.job->runOnMain([] {}, Qt::BlockingQueuedConnection); // nobody serves events now
+        fixture.job->monitorQueue()->start([&] {
+            fixture.job->runOnMain([] {}, Qt::BlockingQueuedConnection); // nobody serves events now
             returned = true;
         });
         QThread::msleep(100);
         QVERIFY(!returned);
-        bench.job->stopJob();
-        QVERIFY(bench.job->monitorQueue()->waitForDone(2000));
+        fixture.job->stopJob();
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
         QVERIFY(returned);
     }
 
     void whatWasAskedForBeforeAStopIsNotDoneAfterIt()
     {
-        PollBench bench;
+        PollFixture fixture;
         bool wasDone = false;
-        bench.job->runOnMain([&] { wasDone = true; }, Qt::QueuedConnection);
-        bench.job->stopJob();
+        fixture.job->runOnMain([&] { wasDone = true; }, Qt::QueuedConnection);
+        fixture.job->stopJob();
         QVERIFY(!waitFor([&] { return wasDone; }, 100));
     }
 
@@ -150,11 +151,11 @@ private Q_SLOTS:
     {
         std::weak_ptr<KXJob> forgotten;
         {
-            PollBench bench;
-            bench.poll(1'000'000);
-            QVERIFY(waitFor([&] { return bench.count > 0; }));
-            bench.job->runOnMain([] {}, Qt::QueuedConnection);
-            forgotten = bench.job;
+            PollFixture fixture;
+            fixture.poll(1'000'000);
+            QVERIFY(waitFor([&] { return fixture.count > 0; }));
+            fixture.job->runOnMain([] {}, Qt::QueuedConnection);
+            forgotten = fixture.job;
         }
         QVERIFY(forgotten.expired());
     }
@@ -162,70 +163,70 @@ private Q_SLOTS:
     /// The loop's own thread can't be waited for on that thread.
     void aStoppedJobIsDestroyedOnTheMainThread()
     {
-        PollBench bench;
-        bench.poll(1'000'000);
-        QVERIFY(waitFor([&] { return bench.count > 0; }));
-        bench.job->stopJob();
-        QCOMPARE(bench.threadOfItsEnd(), QThread::currentThread());
+        PollFixture fixture;
+        fixture.poll(1'000'000);
+        QVERIFY(waitFor([&] { return fixture.count > 0; }));
+        fixture.job->stopJob();
+        QCOMPARE(fixture.threadOfItsEnd(), QThread::currentThread());
     }
 
     void aFinishedJobIsDestroyedOnTheMainThread()
     {
-        PollBench bench;
+        PollFixture fixture;
         // The loop takes its time after its last words, while the main thread goes on.
         std::shared_ptr<int> slow(new int, [](const int *number) {
             QThread::msleep(300);
             delete number;
         });
-        bench.job->poll(
-            {}, [slow](const auto &, auto &) { return true; }, [&] { ++bench.finished; });
+        fixture.job->poll(
+            {}, [slow](const auto &, auto &) { return true; }, [&] { ++fixture.finished; });
         slow.reset();
-        QVERIFY(waitFor([&] { return bench.finished == 1; }));
-        QCOMPARE(bench.threadOfItsEnd(), QThread::currentThread());
+        QVERIFY(waitFor([&] { return fixture.finished == 1; }));
+        QCOMPARE(fixture.threadOfItsEnd(), QThread::currentThread());
     }
 
     void waitingWorkDoesNotKeepTheJob()
     {
-        PollBench bench;
-        bench.job->runOnMain([] {}, Qt::QueuedConnection);
-        const std::weak_ptr<KXJob> forgotten = bench.job;
-        bench.job.reset();
+        PollFixture fixture;
+        fixture.job->runOnMain([] {}, Qt::QueuedConnection);
+        const std::weak_ptr<KXJob> forgotten = fixture.job;
+        fixture.job.reset();
         QVERIFY(forgotten.expired());
     }
 
     void blockingFromTheMainThreadIsDoneAtOnce()
     {
-        PollBench bench;
+        PollFixture fixture;
         bool wasDone = false;
-        bench.job->runOnMain([&] { wasDone = true; }, Qt::BlockingQueuedConnection);
+        fixture.job->runOnMain([&] { wasDone = true; }, Qt::BlockingQueuedConnection);
         QVERIFY(wasDone);
     }
 
     void blockingFromAnotherThreadIsDoneOnTheMainThread()
     {
-        PollBench bench;
+        PollFixture fixture;
         QThread *where = nullptr;
         std::atomic_bool doneFirst = false;
-        bench.job->monitorQueue()->start([&] {
-            bench.job->runOnMain([&] { where = QThread::currentThread(); }, Qt::BlockingQueuedConnection);
+        fixture.job->monitorQueue()->start([&] {
+            fixture.job->runOnMain([&] { where = QThread::currentThread(); }, Qt::BlockingQueuedConnection);
             doneFirst = where != nullptr;
         });
-        QVERIFY(waitFor([&] { return bench.job->monitorQueue()->activeThreadCount() == 0; }));
+        QVERIFY(waitFor([&] { return fixture.job->monitorQueue()->activeThreadCount() == 0; }));
         QCOMPARE(where, QThread::currentThread());
         QVERIFY(doneFirst);
     }
 
     void theFirstListHasAnItemForEachConverterThatIsThere()
     {
-        PollBench bench;
-        step::OutputGuard guard(bench.world.outputs, step::WhenTaken::NextFreeName);
-        const auto converter = std::make_shared<KXConverter>(bench.world.converterContext(guard));
+        PollFixture fixture;
+        steps::OutputGuard guard(fixture.base.outputs, steps::WhenTaken::NextFreeName);
+        const auto converter = std::make_shared<KXConverter>(fixture.base.converterContext(guard));
         converter->setStepName(u"Step"_s);
-        bench.job->setStepConverterList({nullptr, converter, nullptr, converter});
-        QCOMPARE(bench.job->firstProgress(),
+        fixture.job->setStepConverterList({nullptr, converter, nullptr, converter});
+        QCOMPARE(fixture.job->firstProgress(),
                  jobs::ProgressList({{u"Step"_s, u"0%"_s}, {u"Step"_s, u"0%"_s}}));
     }
 };
 
-QTEST_GUILESS_MAIN(KXJobPollingTest)
+TESSARAY_TEST(KXJobPollingTest)
 #include "KXJobPollingTest.moc"

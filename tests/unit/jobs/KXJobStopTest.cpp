@@ -1,7 +1,8 @@
 // Pausing, resuming and stopping, with real processes of both kinds.
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -12,7 +13,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using support::JobWorld;
+using support::JobFixture;
 using support::NotificationRecord;
 
 namespace {
@@ -30,9 +31,10 @@ struct Running
     explicit Running(Kind how, const QStringList &habits = {}, const QStringList &rest = hang)
         : kind(how)
     {
-        world.setKeepLogs(true);
-        world.scratch.write(u"film.mkv"_s, "film");
-        job->initJobWithSelectionAndPreferences(world.selectionFor(path(u"film.mkv"_s)), world.preferences);
+        fixture.setKeepLogs(true);
+        fixture.scratch.write(u"film.mkv"_s, "film");
+        job->initJobWithSelectionAndPreferences(fixture.selectionFor(path(u"film.mkv"_s)),
+                                                fixture.preferences);
         step = start(u"out.m4v"_s, QStringList{u"out begun"_s} + habits + QStringList{u"pid PIDS"_s} + rest);
         ids = 1 + habits.filter(u"child "_s).size();
         if (!support::waitFor([this] { return pids().size() == ids; }))
@@ -42,16 +44,16 @@ struct Running
     support::TestConverterPointer start(const QString &output, QStringList script)
     {
         script.replaceInStrings(u"PIDS"_s, path(u"pids"_s));
-        const QUrl tool = world.installTool(output + u".tool"_s, script);
-        return kind == Kind::Process ? job->runStep(output, world.scratch.url(output), tool)
-                                     : job->runBackgroundStep(output, world.scratch.url(output), tool);
+        const QUrl tool = fixture.installTool(output + u".tool"_s, script);
+        return kind == Kind::Process ? job->runStep(output, fixture.scratch.url(output), tool)
+                                     : job->runBackgroundStep(output, fixture.scratch.url(output), tool);
     }
-    QString path(const QString &name) const { return world.scratch.path(name); }
+    QString path(const QString &name) const { return fixture.scratch.path(name); }
     bool exists(const QString &name) const { return QFileInfo::exists(path(name)); }
     QList<qint64> pids() const
     {
         QList<qint64> list;
-        for (const QByteArray &line : world.scratch.read(u"pids"_s).split('\n')) {
+        for (const QByteArray &line : fixture.scratch.read(u"pids"_s).split('\n')) {
             if (!line.isEmpty())
                 list.append(line.toLongLong());
         }
@@ -78,10 +80,10 @@ struct Running
 
     Kind kind;
     qsizetype ids = 0;
-    JobWorld world{JobWorld::Tools::Fake};
-    support::TestJobPointer job = support::makeTestJob(world.jobContext());
+    JobFixture fixture{JobFixture::Tools::Fake};
+    support::TestJobPointer job = support::makeTestJob(fixture.jobContext());
     support::TestConverterPointer step;
-    NotificationRecord record{world.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
+    NotificationRecord record{fixture.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
 };
 
 void addKinds()
@@ -175,8 +177,8 @@ private Q_SLOTS:
     {
         QFETCH(Kind, kind);
         Running running(kind);
-        QVERIFY(running.world.preferences.panelFlag(u"keepLogsFlag"_s));
-        const QUrl temporary = running.job->guard().claimFree(running.world.scratch.url(u"temp.ass"_s));
+        QVERIFY(running.fixture.preferences.panelFlag(u"keepLogsFlag"_s));
+        const QUrl temporary = running.job->guard().claimFree(running.fixture.scratch.url(u"temp.ass"_s));
         QVERIFY(running.job->guard().files().create(temporary, "x"));
         running.job->setTempFilesToDeleteList({temporary});
         const QString folder = running.job->temporaryFolder();
@@ -190,12 +192,12 @@ private Q_SLOTS:
     void stopNeverDeletesAnInput()
     {
         Running running(Kind::Process);
-        const QList<QUrl> film{running.world.scratch.url(u"film.mkv"_s)};
+        const QList<QUrl> film{running.fixture.scratch.url(u"film.mkv"_s)};
         running.job->setTempFilesToDeleteList(film);
         running.job->setLogFilesToDeleteList(film);
         running.step->setOutputFileURL(film.first());
         running.job->stopJob();
-        QCOMPARE(running.world.scratch.read(u"film.mkv"_s), QByteArray("film"));
+        QCOMPARE(running.fixture.scratch.read(u"film.mkv"_s), QByteArray("film"));
     }
 
     void unfinishedOutputGoesAndAFinishedOneStays_data() { addKinds(); }
@@ -204,14 +206,14 @@ private Q_SLOTS:
     {
         QFETCH(Kind, kind);
         Running running(kind);
-        running.world.scratch.write(u"out.m4v"_s, "whole");
+        running.fixture.scratch.write(u"out.m4v"_s, "whole");
         auto list = running.job->progressList();
         list[0].progress = u"Complete"_s;
         running.job->setProgressList(list);
         running.start(u"second.m4v"_s, {u"write 5 %1"_s.arg(running.path(u"second.m4v"_s)), u"hang"_s});
         QVERIFY(support::waitFor([&] { return running.exists(u"second.m4v"_s); }));
         running.job->stopJob();
-        QCOMPARE(running.world.scratch.read(u"out.m4v"_s), QByteArray("whole"));
+        QCOMPARE(running.fixture.scratch.read(u"out.m4v"_s), QByteArray("whole"));
         QVERIFY(!running.exists(u"second.m4v"_s));
         QVERIFY(running.exists(u"film.mkv"_s));
     }
@@ -219,23 +221,23 @@ private Q_SLOTS:
     void fileUnderANameThatWasRefusedStays()
     {
         Running running(Kind::Process);
-        running.world.scratch.write(u"users.m4v"_s, "the user's");
-        running.step->setOutputFileURL(running.world.scratch.url(u"users.m4v"_s));
+        running.fixture.scratch.write(u"users.m4v"_s, "the user's");
+        running.step->setOutputFileURL(running.fixture.scratch.url(u"users.m4v"_s));
         running.job->stopJob();
-        QCOMPARE(running.world.scratch.read(u"users.m4v"_s), QByteArray("the user's"));
+        QCOMPARE(running.fixture.scratch.read(u"users.m4v"_s), QByteArray("the user's"));
     }
 
     void replacedFileReturnsAndNothingElseIsLeft()
     {
-        JobWorld world(JobWorld::Tools::Fake);
-        world.scratch.write(u"a.m4v"_s, "old");
-        const auto job = support::makeTestJob(world.jobContext(step::WhenTaken::Replace));
-        job->runStep(u"one"_s, world.scratch.url(u"a.m4v"_s),
-                     world.installTool(u"tool"_s, {u"write 5 last"_s, u"hang"_s}));
-        QVERIFY(support::waitFor([&] { return world.scratch.read(u"a.m4v"_s) == "wwwww"; }));
+        JobFixture fixture(JobFixture::Tools::Fake);
+        fixture.scratch.write(u"a.m4v"_s, "old");
+        const auto job = support::makeTestJob(fixture.jobContext(steps::WhenTaken::Replace));
+        job->runStep(u"one"_s, fixture.scratch.url(u"a.m4v"_s),
+                     fixture.installTool(u"tool"_s, {u"write 5 last"_s, u"hang"_s}));
+        QVERIFY(support::waitFor([&] { return fixture.scratch.read(u"a.m4v"_s) == "wwwww"; }));
         job->stopJob();
-        QCOMPARE(world.scratch.read(u"a.m4v"_s), QByteArray("old"));
-        QCOMPARE(world.scratch.names().filter(u"a"_s).filter(u".m4v"_s), QStringList{u"a.m4v"_s});
+        QCOMPARE(fixture.scratch.read(u"a.m4v"_s), QByteArray("old"));
+        QCOMPARE(fixture.scratch.names().filter(u"a"_s).filter(u".m4v"_s), QStringList{u"a.m4v"_s});
     }
 
     void stoppedJobSaysSoAndIsSilentFromThen_data() { addKinds(); }
@@ -247,7 +249,7 @@ private Q_SLOTS:
         QSignalSpy changed(running.job.get(), &KXJob::outcomeChanged);
         running.job->stopJob();
         QVERIFY(running.job->jobIsCancelled());
-        QCOMPARE(running.job->outcome().verdict, step::Verdict::Stopped);
+        QCOMPARE(running.job->outcome().verdict, steps::Verdict::Stopped);
         QCOMPARE(changed.size(), 1);
         QCOMPARE(running.record.all().size(), 1);
         QVERIFY(running.record.all().first().object.value<jobs::ProgressList>().isEmpty());
@@ -257,7 +259,7 @@ private Q_SLOTS:
         running.step->post(u"taskCompletion"_s, u"Complete"_s);
         QVERIFY(!support::waitFor([&] { return running.record.all().size() > 1; }, 200));
         QCOMPARE(running.job->heard, 0);
-        QCOMPARE(running.job->outcome().verdict, step::Verdict::Stopped);
+        QCOMPARE(running.job->outcome().verdict, steps::Verdict::Stopped);
     }
 
     void requestedEndDoesNotComeAfterAStop()
@@ -282,7 +284,7 @@ private Q_SLOTS:
         QVERIFY(running.goesOn());
         running.job->pauseJob(); // any number of times
         running.job->resumeJob();
-        QVERIFY(support::waitFor([&] { return running.world.scratch.read(u"second.m4v"_s) == "wwwwwww"; }));
+        QVERIFY(support::waitFor([&] { return running.fixture.scratch.read(u"second.m4v"_s) == "wwwwwww"; }));
         running.job->stopJob();
     }
 
@@ -339,5 +341,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXJobStopTest)
+TESSARAY_TEST(KXJobStopTest)
 #include "KXJobStopTest.moc"

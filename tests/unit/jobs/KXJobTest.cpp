@@ -1,7 +1,8 @@
 // How a job follows its steps; pausing and stopping are in KXJobStopTest, the end in KXJobEndTest.
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -9,7 +10,7 @@
 using namespace Qt::StringLiterals;
 using jobs::ProgressItem;
 using jobs::ProgressList;
-using support::JobWorld;
+using support::JobFixture;
 using support::NotificationRecord;
 using support::TestConverterPointer;
 
@@ -20,11 +21,11 @@ struct JobOfSteps
 {
     explicit JobOfSteps(const QStringList &labels)
     {
-        job->initJobWithSelectionAndPreferences(world.selectionFor(u"/v/film.mkv"_s), world.preferences);
+        job->initJobWithSelectionAndPreferences(fixture.selectionFor(u"/v/film.mkv"_s), fixture.preferences);
         ProgressList list;
         for (const QString &label : labels) {
-            steps.append(job->addStep(label, world.scratch.url(label)));
-            steps.last()->judged = step::Outcome::ok();
+            steps.append(job->addStep(label, fixture.scratch.url(label)));
+            steps.last()->judged = steps::Outcome::ok();
             list.append({label, u"0%"_s});
         }
         job->setProgressList(list);
@@ -40,10 +41,10 @@ struct JobOfSteps
         return record.named(u"progressUpdate"_s).last().object.value<ProgressList>();
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
-    support::TestJobPointer job = support::makeTestJob(world.jobContext());
+    JobFixture fixture{JobFixture::Tools::Fake};
+    support::TestJobPointer job = support::makeTestJob(fixture.jobContext());
     QList<TestConverterPointer> steps;
-    NotificationRecord record{world.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
+    NotificationRecord record{fixture.notifications, {u"progressUpdate"_s, u"jobDone"_s}};
 };
 
 } // namespace
@@ -55,17 +56,17 @@ class KXJobTest final : public QObject
 private Q_SLOTS:
     void freshJob()
     {
-        JobWorld world(JobWorld::Tools::Fake);
-        const auto job = support::makeTestJob(world.jobContext());
+        JobFixture fixture(JobFixture::Tools::Fake);
+        const auto job = support::makeTestJob(fixture.jobContext());
         QVERIFY(!job->jobIsCancelled());
         QVERIFY(job->progressList().isEmpty());
         QVERIFY(job->tempFilesToDeleteList().isEmpty());
         QVERIFY(job->logFilesToDeleteList().isEmpty());
-        QCOMPARE(&job->appPreferences(), &world.preferences);
+        QCOMPARE(&job->appPreferences(), &fixture.preferences);
         QVERIFY(job->monitorQueue() != nullptr);
-        QCOMPARE(job->outcome().verdict, step::Verdict::Unknown);
+        QCOMPARE(job->outcome().verdict, steps::Verdict::Unknown);
         QVERIFY(job->refusal().isNull());
-        world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        fixture.notifications.post(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(job->heard, 1);
     }
 
@@ -81,10 +82,10 @@ private Q_SLOTS:
 
     void initTakesWhatTheQueueShows()
     {
-        JobWorld world(JobWorld::Tools::Fake);
-        const auto job = support::makeTestJob(world.jobContext());
-        const auto selection = world.selectionFor(u"/v/film.mkv"_s, u"MKV Joining"_s);
-        job->initJobWithSelectionAndPreferences(selection, world.preferences);
+        JobFixture fixture(JobFixture::Tools::Fake);
+        const auto job = support::makeTestJob(fixture.jobContext());
+        const auto selection = fixture.selectionFor(u"/v/film.mkv"_s, u"MKV Joining"_s);
+        job->initJobWithSelectionAndPreferences(selection, fixture.preferences);
         QCOMPARE(job->jobSelection(), selection);
         QCOMPARE(job->jobStatus(), u"Queued"_s);
         QCOMPARE(job->jobType(), u"MKV Joining"_s);
@@ -93,26 +94,26 @@ private Q_SLOTS:
 
     void initWithoutSelectionDoesNothing()
     {
-        JobWorld world(JobWorld::Tools::Fake);
-        const auto job = support::makeTestJob(world.jobContext());
-        job->initJobWithSelectionAndPreferences(nullptr, world.preferences);
+        JobFixture fixture(JobFixture::Tools::Fake);
+        const auto job = support::makeTestJob(fixture.jobContext());
+        job->initJobWithSelectionAndPreferences(nullptr, fixture.preferences);
         QVERIFY(!job->jobSelection());
         QVERIFY(job->jobStatus().isNull());
     }
 
     void everyFileOfTheSelectionIsAnInput()
     {
-        JobWorld world(JobWorld::Tools::Fake);
-        const auto job = support::makeTestJob(world.jobContext());
-        const auto path = [&](const QString &name) { return world.scratch.write(name, "x"); };
-        const auto selection = world.selectionFor(path(u"film"_s));
+        JobFixture fixture(JobFixture::Tools::Fake);
+        const auto job = support::makeTestJob(fixture.jobContext());
+        const auto path = [&](const QString &name) { return fixture.scratch.write(name, "x"); };
+        const auto selection = fixture.selectionFor(path(u"film"_s));
         selection->setEditFilesURLsList({QUrl::fromLocalFile(path(u"edited"_s))});
-        selection->setTrackList({JobWorld::track(u"Video"_s, path(u"video"_s))});
-        selection->setAddedAudioTrackList({JobWorld::track(u"Audio"_s, path(u"added"_s))});
-        selection->setKeepTracksList({JobWorld::track(u"Audio"_s, path(u"unticked"_s))});
+        selection->setTrackList({JobFixture::track(u"Video"_s, path(u"video"_s))});
+        selection->setAddedAudioTrackList({JobFixture::track(u"Audio"_s, path(u"added"_s))});
+        selection->setKeepTracksList({JobFixture::track(u"Audio"_s, path(u"unticked"_s))});
         job->setJobSelection(selection);
         for (const auto &name : {u"film"_s, u"edited"_s, u"video"_s, u"added"_s, u"unticked"_s})
-            QVERIFY2(job->guard().isInput(world.scratch.url(name)), qPrintable(name));
+            QVERIFY2(job->guard().isInput(fixture.scratch.url(name)), qPrintable(name));
         QVERIFY(!job->guard().isInput(QUrl::fromLocalFile(path(u"other"_s))));
     }
 
@@ -152,8 +153,8 @@ private Q_SLOTS:
             u"taskCompletion"_s,
             u"Complete"_s,
             {{u"theConverter"_s, QVariant::fromValue<QObject *>(others.steps.first().get())}}};
-        steps.world.notifications.post(foreign.name, foreign.object, foreign.userInfo);
-        steps.world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        steps.fixture.notifications.post(foreign.name, foreign.object, foreign.userInfo);
+        steps.fixture.notifications.post(u"taskCompletion"_s, u"Complete"_s);
         steps.steps.first()->post(u"monitorSplitUpdate"_s, u"45%"_s);
         QCOMPARE(steps.progressOf(0), u"0%"_s);
         QVERIFY(!steps.isDone());
@@ -162,8 +163,8 @@ private Q_SLOTS:
     void queuedJobDoesNotEndWithAnotherJobsSteps()
     {
         JobOfSteps queued({});
-        const auto other = support::makeTestJob(queued.world.jobContext());
-        const auto converter = other->addStep(u"one"_s, queued.world.scratch.url(u"one"_s));
+        const auto other = support::makeTestJob(queued.fixture.jobContext());
+        const auto converter = other->addStep(u"one"_s, queued.fixture.scratch.url(u"one"_s));
         converter->post(u"taskCompletion"_s, u"Complete"_s);
         QVERIFY(support::waitFor([&] { return other->hasEnded(); }));
         QCOMPARE(queued.job->heard, 1);
@@ -283,19 +284,19 @@ private Q_SLOTS:
     void jobWhoseStepsWereAllRefusedEnds()
     {
         JobOfSteps steps({});
-        const auto refused = steps.job->addStep(u"one"_s, steps.world.scratch.url(u"out"_s));
+        const auto refused = steps.job->addStep(u"one"_s, steps.fixture.scratch.url(u"out"_s));
         steps.job->stepStarted(refused, nullptr);
         QCOMPARE(steps.progressOf(0), u"Complete"_s);
         steps.job->endIfNothingRuns();
         QVERIFY(steps.isDone(3000));
-        QCOMPARE(steps.job->outcome().verdict, step::Verdict::Failed);
+        QCOMPARE(steps.job->outcome().verdict, steps::Verdict::Failed);
     }
 
     void jobOfWhichSomethingRunsDoesNotEnd()
     {
         JobOfSteps steps({});
-        steps.job->runStep(u"one"_s, steps.world.scratch.url(u"out"_s),
-                           steps.world.installTool(u"tool"_s, {u"hang"_s}));
+        steps.job->runStep(u"one"_s, steps.fixture.scratch.url(u"out"_s),
+                           steps.fixture.installTool(u"tool"_s, {u"hang"_s}));
         QCOMPARE(steps.progressOf(0), u"0%"_s);
         steps.job->endIfNothingRuns();
         QVERIFY(!steps.isDone());
@@ -304,13 +305,13 @@ private Q_SLOTS:
     void startedStepIsTakenIntoTheLists()
     {
         JobOfSteps steps({});
-        const auto converter = steps.job->addStep(u"one"_s, steps.world.scratch.url(u"out"_s));
-        converter->setTempFileToDeleteURL(steps.world.scratch.url(u"temp.ass"_s));
-        const auto task = converter->run(steps.world.installTool(u"tool"_s, {u"hang"_s}));
+        const auto converter = steps.job->addStep(u"one"_s, steps.fixture.scratch.url(u"out"_s));
+        converter->setTempFileToDeleteURL(steps.fixture.scratch.url(u"temp.ass"_s));
+        const auto task = converter->run(steps.fixture.installTool(u"tool"_s, {u"hang"_s}));
         steps.job->stepStarted(converter, task);
         QCOMPARE(steps.job->stepTaskList(), QList<jobs::StepTask>{task});
-        QCOMPARE(steps.job->tempFilesToDeleteList(), QList<QUrl>{steps.world.scratch.url(u"temp.ass"_s)});
-        QCOMPARE(steps.job->logFilesToDeleteList(), QList<QUrl>{steps.world.scratch.url(u"out.log"_s)});
+        QCOMPARE(steps.job->tempFilesToDeleteList(), QList<QUrl>{steps.fixture.scratch.url(u"temp.ass"_s)});
+        QCOMPARE(steps.job->logFilesToDeleteList(), QList<QUrl>{steps.fixture.scratch.url(u"out.log"_s)});
         steps.job->addTask(u"17"_s);
         steps.job->removeTask(task);
         QCOMPARE(steps.job->stepTaskList(), QList<jobs::StepTask>{u"17"_s});
@@ -326,5 +327,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXJobTest)
+TESSARAY_TEST(KXJobTest)
 #include "KXJobTest.moc"

@@ -1,15 +1,16 @@
 // What the user does to the queue: pause, resume, clear, delete a row, stop the running job.
 #include "jobs/KXQueueController.h"
 
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::JobWorld;
+using support::JobFixture;
 using support::TestJob;
 
 namespace {
@@ -23,15 +24,15 @@ struct Queue
     explicit Queue(int jobs, int completed = 0)
     {
         const QUrl tool =
-            world.installTool(u"tool"_s, {u"pid "_s + world.scratch.path(u"pids"_s), u"hang"_s});
+            fixture.installTool(u"tool"_s, {u"pid "_s + fixture.scratch.path(u"pids"_s), u"hang"_s});
         support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s, [this, tool](TestJob &job) {
             job.onStart = [this, tool](TestJob &self) {
-                self.runStep(u"Converting"_s, world.scratch.url(self.jobFileName()), tool);
+                self.runStep(u"Converting"_s, fixture.scratch.url(self.jobFileName()), tool);
             };
         });
         queue.initialize();
         for (int i = 0; i < jobs; ++i)
-            queue.addToQueue(world.selectionFor(u"/v/"_s + QChar(u'a' + i), u"MKV Conversion"_s));
+            queue.addToQueue(fixture.selectionFor(u"/v/"_s + QChar(u'a' + i), u"MKV Conversion"_s));
         for (int i = 0; i < completed; ++i) {
             job(i)->onStart = {};
             queue.manageQueue();
@@ -43,10 +44,10 @@ struct Queue
     void start()
     {
         queue.manageQueue();
-        QVERIFY(support::waitFor([&] { return !world.scratch.read(u"pids"_s).isEmpty(); }));
+        QVERIFY(support::waitFor([&] { return !fixture.scratch.read(u"pids"_s).isEmpty(); }));
     }
     TestJob *job(qsizetype row) const { return static_cast<TestJob *>(queue.qJobList().at(row).get()); }
-    qint64 tool() const { return world.scratch.read(u"pids"_s).split('\n').first().toLongLong(); }
+    qint64 tool() const { return fixture.scratch.read(u"pids"_s).split('\n').first().toLongLong(); }
     bool isPaused() const
     {
         return support::waitFor([this] { return support::stateOf(tool()) == 'T'; }, 1000);
@@ -67,9 +68,9 @@ struct Queue
         return all;
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture fixture{JobFixture::Tools::Fake};
     jobs::JobFactory factory;
-    KXQueueController queue{world.jobContext(), factory, nullptr};
+    KXQueueController queue{fixture.jobContext(), factory, nullptr};
     QSignalSpy removed{&queue, &KXQueueController::jobRemoved};
 };
 
@@ -184,9 +185,9 @@ private Q_SLOTS:
         q.queue.deleteJobRow(0, 1);
         QCOMPARE(q.names(), u"ac"_s);
         QCOMPARE(q.removed.first().first().toInt(), 1);
-        q.world.notifications.post(u"taskCompletion"_s, u"Complete"_s);
+        q.fixture.notifications.post(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(static_cast<TestJob *>(job.get())->heard, 0);
-        QVERIFY(q.world.alerts.shown().isEmpty());
+        QVERIFY(q.fixture.alerts.shown().isEmpty());
     }
 
     void rowAfterTheRunningOneIsDeleted()
@@ -197,7 +198,7 @@ private Q_SLOTS:
         QCOMPARE(q.names(), u"ab"_s);
         QCOMPARE(q.queue.currentJobRowIndex(), 1);
         QVERIFY(q.goesOn());
-        QVERIFY(q.world.alerts.shown().isEmpty());
+        QVERIFY(q.fixture.alerts.shown().isEmpty());
     }
 
     void rowBeforeTheRunningOneIsDeleted()
@@ -210,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(q.queue.qJobList().at(0), q.queue.currentJob());
         QVERIFY(q.goesOn());
         q.queue.deleteJobRow(0, 0); // and now that row is the running one
-        QCOMPARE(q.world.alerts.shown().size(), 1);
+        QCOMPARE(q.fixture.alerts.shown().size(), 1);
     }
 
     void deletingAnotherRowResumesAPausedJob()
@@ -228,8 +229,8 @@ private Q_SLOTS:
         Queue q(2);
         q.start();
         q.queue.deleteJobRow(0, 0);
-        QCOMPARE(q.world.alerts.messages(), QStringList{u"Stop the currently running job?"_s});
-        const auto alert = q.world.alerts.shown().first();
+        QCOMPARE(q.fixture.alerts.messages(), QStringList{u"Stop the currently running job?"_s});
+        const auto alert = q.fixture.alerts.shown().first();
         QCOMPARE(alert->buttons, (QStringList{u"OK"_s, u"Cancel"_s}));
         QCOMPARE(alert->style, platform::AlertStyle::Plain);
         QCOMPARE(alert->closesAfter.count(), 0);
@@ -242,7 +243,7 @@ private Q_SLOTS:
         Queue q(2);
         q.start();
         q.queue.deleteJobRow(0, 0);
-        QVERIFY(q.world.alerts.answer(cancel));
+        QVERIFY(q.fixture.alerts.answer(cancel));
         QVERIFY(q.goesOn());
         QCOMPARE(q.names(), u"ab"_s);
         QCOMPARE(q.job(0)->jobStatus(), u"Running"_s);
@@ -253,12 +254,12 @@ private Q_SLOTS:
     void okStopsTheJobAndRemovesItsRow()
     {
         Queue q(2);
-        q.world.alerts.willAnswer({ok});
+        q.fixture.alerts.willAnswer({ok});
         q.start();
         const auto job = q.queue.currentJob();
         q.queue.deleteJobRow(0, 0);
         QVERIFY(q.isGone());
-        QCOMPARE(job->outcome().verdict, step::Verdict::Stopped);
+        QCOMPARE(job->outcome().verdict, steps::Verdict::Stopped);
         QCOMPARE(q.names(), u"b"_s);
         QVERIFY(!q.queue.qJobIsRunning());
         QVERIFY(q.queue.jobProgressList().isEmpty());
@@ -276,7 +277,7 @@ private Q_SLOTS:
             q.job(0)->jobDone(); // meanwhile
             q.queue.manageQueue();
             q.queue.pauseQueueButton(u"Pause"_s);
-            QVERIFY(q.world.alerts.answer(answer));
+            QVERIFY(q.fixture.alerts.answer(answer));
             QCOMPARE(q.names(), u"ab"_s);
             QVERIFY(!q.job(1)->jobIsCancelled());
             QVERIFY(q.queue.qJobIsRunning());
@@ -290,7 +291,7 @@ private Q_SLOTS:
         q.start();
         q.queue.deleteJobRow(0, 1);
         q.queue.clearQueueButton();
-        QVERIFY(q.world.alerts.answer(ok));
+        QVERIFY(q.fixture.alerts.answer(ok));
         QCOMPARE(q.names(), u"c"_s);
         QVERIFY(q.isGone());
     }
@@ -318,16 +319,16 @@ private Q_SLOTS:
 
     void answerAfterTheQueueIsGoneIsIgnored()
     {
-        JobWorld world(JobWorld::Tools::Fake);
+        JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
         support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s);
-        auto queue = std::make_unique<KXQueueController>(world.jobContext(), factory, nullptr);
+        auto queue = std::make_unique<KXQueueController>(fixture.jobContext(), factory, nullptr);
         queue->initialize();
-        queue->addToQueue(world.selectionFor(u"/v/a"_s, u"MKV Conversion"_s));
+        queue->addToQueue(fixture.selectionFor(u"/v/a"_s, u"MKV Conversion"_s));
         queue->manageQueue();
         queue->deleteJobRow(0, 0);
         queue.reset();
-        QVERIFY(world.alerts.answer(ok));
+        QVERIFY(fixture.alerts.answer(ok));
     }
 
     void runningJobIsStoppedWithoutAQuestion()
@@ -341,30 +342,31 @@ private Q_SLOTS:
         QVERIFY(q.isGone());
         QCOMPARE(q.names(), u"b"_s);
         QCOMPARE(q.queue.pauseButtonTitle(), u"Pause"_s);
-        QVERIFY(q.world.alerts.shown().isEmpty());
+        QVERIFY(q.fixture.alerts.shown().isEmpty());
     }
 
     void queueThatGoesStopsItsRunningJob()
     {
-        JobWorld world(JobWorld::Tools::Fake);
+        JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
-        const QUrl tool = world.installTool(u"tool"_s, {u"pid "_s + world.scratch.path(u"pid"_s), u"hang"_s});
+        const QUrl tool =
+            fixture.installTool(u"tool"_s, {u"pid "_s + fixture.scratch.path(u"pid"_s), u"hang"_s});
         support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s, [&](TestJob &job) {
             job.onStart = [&](TestJob &self) {
-                self.runBackgroundStep(u"x"_s, world.scratch.url(u"x"_s), tool);
+                self.runBackgroundStep(u"x"_s, fixture.scratch.url(u"x"_s), tool);
             };
         });
         {
-            KXQueueController queue(world.jobContext(), factory, nullptr);
+            KXQueueController queue(fixture.jobContext(), factory, nullptr);
             queue.initialize();
-            queue.addToQueue(world.selectionFor(u"/v/a"_s, u"MKV Conversion"_s));
+            queue.addToQueue(fixture.selectionFor(u"/v/a"_s, u"MKV Conversion"_s));
             queue.manageQueue();
-            QVERIFY(support::waitFor([&] { return !world.scratch.read(u"pid"_s).isEmpty(); }));
+            QVERIFY(support::waitFor([&] { return !fixture.scratch.read(u"pid"_s).isEmpty(); }));
         }
-        const qint64 pid = world.scratch.read(u"pid"_s).trimmed().toLongLong();
+        const qint64 pid = fixture.scratch.read(u"pid"_s).trimmed().toLongLong();
         QVERIFY(support::waitFor([&] { return !support::runs(pid); }, 1000));
     }
 };
 
-QTEST_GUILESS_MAIN(KXQueueActionsTest)
+TESSARAY_TEST(KXQueueActionsTest)
 #include "KXQueueActionsTest.moc"

@@ -3,14 +3,15 @@
 
 #include "media/KXVideoTrack.h"
 #include "prefs/KXWatchModeController.h"
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::JobWorld;
+using support::JobFixture;
 using support::TestJob;
 
 namespace {
@@ -31,7 +32,7 @@ struct Queue
 
     SelectionPointer selection(const QString &type, const QString &source = u"/v/film.mkv"_s) const
     {
-        return world.selectionFor(source, type);
+        return fixture.selectionFor(source, type);
     }
     int add(const QString &type, const QString &source = u"/v/film.mkv"_s)
     {
@@ -45,10 +46,10 @@ struct Queue
             list.append(job->jobFileName());
         return list;
     }
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture fixture{JobFixture::Tools::Fake};
     jobs::JobFactory factory;
     KXWatchModeController watchMode;
-    KXQueueController queue{world.jobContext(), factory, &watchMode};
+    KXQueueController queue{fixture.jobContext(), factory, &watchMode};
     QSignalSpy added{&queue, &KXQueueController::jobAdded};
 };
 
@@ -118,9 +119,9 @@ private Q_SLOTS:
         QFETCH(QString, className);
         Queue q;
         const auto selection = q.selection(conversion, source);
-        TrackList tracks{JobWorld::track(u"Audio"_s, source, u"passthru"_s)};
+        TrackList tracks{JobFixture::track(u"Audio"_s, source, u"passthru"_s)};
         for (const QString &codec : codecs)
-            tracks.append(JobWorld::track(u"Video"_s, source, codec));
+            tracks.append(JobFixture::track(u"Video"_s, source, codec));
         selection->setTrackList(tracks);
         QCOMPARE(q.queue.addToQueue(selection), 1);
         QCOMPARE(q.job(0)->className, className);
@@ -197,8 +198,8 @@ private Q_SLOTS:
     {
         Queue q;
         const auto selection = q.selection(u"MKV Track Extraction"_s);
-        const auto shared = JobWorld::track(u"Audio"_s, u"/v/film.mkv"_s, u"aac"_s);
-        const auto other = JobWorld::track(u"Video"_s, u"/v/film.mkv"_s, u"h264"_s);
+        const auto shared = JobFixture::track(u"Audio"_s, u"/v/film.mkv"_s, u"aac"_s);
+        const auto other = JobFixture::track(u"Video"_s, u"/v/film.mkv"_s, u"h264"_s);
         selection->setTrackList({other, shared, shared});
         selection->setKeepTracksList({shared});
         selection->setAddedAudioTrackList({shared});
@@ -220,8 +221,8 @@ private Q_SLOTS:
     {
         Queue q;
         const auto selection = q.selection(conversion);
-        selection->setTrackList({JobWorld::track(u"Video"_s, u"/v/film.mkv"_s)});
-        selection->setAddedAudioTrackList({JobWorld::track(u"Audio"_s, u"/v/added.ac3"_s)});
+        selection->setTrackList({JobFixture::track(u"Video"_s, u"/v/film.mkv"_s)});
+        selection->setAddedAudioTrackList({JobFixture::track(u"Audio"_s, u"/v/added.ac3"_s)});
         q.queue.addToQueue(selection);
         const auto own = q.job(0)->jobSelection();
         QCOMPARE(own->trackList().size(), 2);
@@ -229,7 +230,7 @@ private Q_SLOTS:
         QCOMPARE(own->trackList().at(1)->trackFileURL(), QUrl::fromLocalFile(u"/v/added.ac3"_s));
         QCOMPARE(selection->trackList().size(), 1);
         const auto extraction = q.selection(u"MKV Track Extraction"_s);
-        extraction->setAddedAudioTrackList({JobWorld::track(u"Audio"_s, u"/v/added.ac3"_s)});
+        extraction->setAddedAudioTrackList({JobFixture::track(u"Audio"_s, u"/v/added.ac3"_s)});
         q.queue.addToQueue(extraction);
         QVERIFY(q.job(1)->jobSelection()->trackList().isEmpty());
     }
@@ -238,7 +239,7 @@ private Q_SLOTS:
     {
         Queue q;
         const auto selection = q.selection(u"MKV Splitting"_s);
-        selection->setTrackList({JobWorld::track(u"Video"_s, u"/v/film.mkv"_s)});
+        selection->setTrackList({JobFixture::track(u"Video"_s, u"/v/film.mkv"_s)});
         selection->setEditFilesURLsList(
             {QUrl::fromLocalFile(u"/v/a.mkv"_s), QUrl::fromLocalFile(u"/v/b.mkv"_s)});
         q.queue.addToQueue(selection);
@@ -247,5 +248,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXQueueControllerTest)
+TESSARAY_TEST(KXQueueControllerTest)
 #include "KXQueueControllerTest.moc"

@@ -2,15 +2,16 @@
 #include "jobs/KXQueueController.h"
 
 #include "prefs/KXWatchModeController.h"
-#include "support/JobWorld.h"
-#include "support/TestJob.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+#include "support/jobs/TestJob.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::JobWorld;
+using support::JobFixture;
 using support::TestJob;
 
 namespace {
@@ -27,7 +28,7 @@ struct Queue
 
     SelectionPointer selection(const QString &type, const QString &source = u"/v/film.mkv"_s) const
     {
-        return world.selectionFor(source, type);
+        return fixture.selectionFor(source, type);
     }
     int add(const QString &type, const QString &source = u"/v/film.mkv"_s)
     {
@@ -49,10 +50,10 @@ struct Queue
         return list;
     }
 
-    JobWorld world{JobWorld::Tools::Fake};
+    JobFixture fixture{JobFixture::Tools::Fake};
     jobs::JobFactory factory;
     KXWatchModeController watchMode;
-    KXQueueController queue{world.jobContext(), factory, &watchMode};
+    KXQueueController queue{fixture.jobContext(), factory, &watchMode};
     QSignalSpy drawer{&queue, &KXQueueController::drawerWanted};
     QSignalSpy changed{&queue, &KXQueueController::jobChanged};
 };
@@ -197,8 +198,8 @@ private Q_SLOTS:
         q.queue.manageQueue();
         const auto first = q.queue.qJobList().first();
         const auto endAgain = [&] {
-            q.world.notifications.post(u"jobDone"_s, QVariant::fromValue(jobs::ProgressList()),
-                                       {{u"theJob"_s, QVariant::fromValue<QObject *>(first.get())}});
+            q.fixture.notifications.post(u"jobDone"_s, QVariant::fromValue(jobs::ProgressList()),
+                                         {{u"theJob"_s, QVariant::fromValue<QObject *>(first.get())}});
         };
         first->jobDone();
         endAgain(); // nothing runs
@@ -214,11 +215,11 @@ private Q_SLOTS:
         q.add(conversion, u"/v/a.mkv"_s);
         q.add(conversion, u"/v/b.mkv"_s);
         q.queue.manageQueue();
-        q.job(0)->addOutcome(step::Outcome::failed(u"No."_s));
+        q.job(0)->addOutcome(steps::Outcome::failed(u"No."_s));
         q.changed.clear();
         q.job(0)->jobDone();
         QCOMPARE(q.states().first(), u"Completed"_s); // the texts of the queue stay as they are
-        QCOMPARE(q.job(0)->outcome().verdict, step::Verdict::Failed);
+        QCOMPARE(q.job(0)->outcome().verdict, steps::Verdict::Failed);
         QVERIFY(!q.changed.isEmpty());
         for (const auto &change : std::as_const(q.changed))
             QCOMPARE(change.first().toInt(), 0);
@@ -245,7 +246,7 @@ private Q_SLOTS:
         const QUrl before = QUrl::fromLocalFile(u"/w/before.mkv"_s);
         q.watchMode.setBaseWatchFolderMovieList({before});
         q.watchMode.setAppIsInWatchMode(watches);
-        q.world.notifications.post(u"conversionStarted"_s, QUrl::fromLocalFile(output));
+        q.fixture.notifications.post(u"conversionStarted"_s, QUrl::fromLocalFile(output));
         QList<QUrl> expected{before};
         if (isKnown)
             expected.append(QUrl::fromLocalFile(output));
@@ -255,16 +256,16 @@ private Q_SLOTS:
     void queueWithoutWatchModeWorks()
     {
         Queue q;
-        KXQueueController queue(q.world.jobContext(), q.factory, nullptr);
+        KXQueueController queue(q.fixture.jobContext(), q.factory, nullptr);
         queue.initialize();
         QSignalSpy drawer(&queue, &KXQueueController::drawerWanted);
         queue.addToQueue(q.selection(conversion));
         queue.theQueueLoop();
-        q.world.notifications.post(u"conversionStarted"_s, QUrl::fromLocalFile(u"/w/a.m4v"_s));
+        q.fixture.notifications.post(u"conversionStarted"_s, QUrl::fromLocalFile(u"/w/a.m4v"_s));
         QCOMPARE(drawer.size(), 2);
         QVERIFY(queue.qJobIsRunning());
     }
 };
 
-QTEST_GUILESS_MAIN(KXQueueRunTest)
+TESSARAY_TEST(KXQueueRunTest)
 #include "KXQueueRunTest.moc"

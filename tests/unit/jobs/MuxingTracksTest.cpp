@@ -1,5 +1,6 @@
 #include "jobs/MuxingTracks.h"
-#include "support/HandMade.h"
+#include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -93,5 +94,5 @@ private Q_SLOTS:
     void nothingStaysNothing() { QVERIFY(jobs::tracksForMuxing({}).isEmpty()); }
 };
 
-QTEST_GUILESS_MAIN(MuxingTracksTest)
+TESSARAY_TEST(MuxingTracksTest)
 #include "MuxingTracksTest.moc"

@@ -1,9 +1,10 @@
 // What a track that is added holds, and what it does to the list of the open file.
 #include "media/KXVideoFile.h"
 
-#include "support/AddingDesk.h"
 #include "support/HostileTexts.h"
 #include "support/ProbeJson.h"
+#include "support/TestMain.h"
+#include "support/media/AddingFixture.h"
 
 #include <QTest>
 
@@ -34,12 +35,12 @@ class AddedTrackFieldsTest final : public QObject
 private Q_SLOTS:
     void aNewAudioTrackHasTheseFields()
     {
-        AddingDesk desk;
-        desk.playStreams({{"index=0", "codec_type=audio", "codec_name=ac3", "channels=6", "bit_rate=384000",
-                           "tags.language=ger", "tags.title=Raumklang"}});
-        desk.newFile(u"Der Ton.AC3"_s);
-        QCOMPARE(desk.add(u"Der Ton.AC3"_s), u"OK"_s);
-        compareFields(*desk.file().trackList().constLast(),
+        AddingFixture fixture;
+        fixture.playStreams({{"index=0", "codec_type=audio", "codec_name=ac3", "channels=6",
+                              "bit_rate=384000", "tags.language=ger", "tags.title=Raumklang"}});
+        fixture.newFile(u"Der Ton.AC3"_s);
+        QCOMPARE(fixture.add(u"Der Ton.AC3"_s), u"OK"_s);
+        compareFields(*fixture.file().trackList().constLast(),
                       {{u"trackType"_s, u"Audio"_s},
                        {u"trackMp4boxID"_s, u"1"_s},
                        {u"trackFfmpegID"_s, u"0"_s},
@@ -58,22 +59,22 @@ private Q_SLOTS:
                         QVariant::fromValue(AudioSettingsList{{{u"userCodec"_s, u"passthru"_s},
                                                                {u"userBitRate"_s, u"0"_s},
                                                                {u"userNumberOfChannels"_s, u"6"_s}}})},
-                       {u"trackFilePath"_s, desk.path(u"Der Ton.AC3"_s)},
-                       {u"trackPathToFileFolder"_s, desk.scratch().path(u"media/"_s)},
-                       {u"trackFileURL"_s, desk.url(u"Der Ton.AC3"_s)},
-                       {u"trackURLToFileFolder"_s, QUrl::fromLocalFile(desk.scratch().path(u"media/"_s))},
+                       {u"trackFilePath"_s, fixture.path(u"Der Ton.AC3"_s)},
+                       {u"trackPathToFileFolder"_s, fixture.scratch().path(u"media/"_s)},
+                       {u"trackFileURL"_s, fixture.url(u"Der Ton.AC3"_s)},
+                       {u"trackURLToFileFolder"_s, QUrl::fromLocalFile(fixture.scratch().path(u"media/"_s))},
                        {u"trackFileName"_s, u"Der Ton.AC3"_s},
                        {u"trackFileExtension"_s, u"AC3"_s},
                        {u"externalTrackFlag"_s, true}});
-        QCOMPARE(desk.file().trackList().constLast()->probedCodecName(), u"ac3"_s);
+        QCOMPARE(fixture.file().trackList().constLast()->probedCodecName(), u"ac3"_s);
     }
 
     void aNewSubtitleHasTheseFields()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(), u"OK"_s);
-        compareFields(*desk.file().trackList().constLast(),
+        AddingFixture fixture;
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        compareFields(*fixture.file().trackList().constLast(),
                       {{u"trackType"_s, u"Subtitle"_s},
                        {u"trackMp4boxID"_s, u"1"_s},
                        {u"trackFfmpegID"_s, u"0"_s},
@@ -84,23 +85,23 @@ private Q_SLOTS:
                        {u"trackCodec"_s, u"srt"_s},
                        {u"trackExtension"_s, u"srt"_s},
                        {u"userCodec"_s, u"mux"_s},
-                       {u"trackFilePath"_s, desk.path()},
-                       {u"trackPathToFileFolder"_s, desk.scratch().path(u"media/"_s)},
-                       {u"trackFileURL"_s, desk.url()},
-                       {u"trackURLToFileFolder"_s, QUrl::fromLocalFile(desk.scratch().path(u"media/"_s))},
+                       {u"trackFilePath"_s, fixture.path()},
+                       {u"trackPathToFileFolder"_s, fixture.scratch().path(u"media/"_s)},
+                       {u"trackFileURL"_s, fixture.url()},
+                       {u"trackURLToFileFolder"_s, QUrl::fromLocalFile(fixture.scratch().path(u"media/"_s))},
                        {u"trackFileName"_s, u"new.srt"_s},
                        {u"trackFileExtension"_s, u"srt"_s},
                        {u"externalTrackFlag"_s, true}});
-        QCOMPARE(desk.file().trackList().constLast()->probedCodecName(), u"subrip"_s);
+        QCOMPARE(fixture.file().trackList().constLast()->probedCodecName(), u"subrip"_s);
     }
 
     /// It only becomes an external track by being added.
     void aCreatedTrackIsNotYetExternal()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
-        QCOMPARE(desk.created().tracks.value(0)->externalTrackFlag(), false);
-        QCOMPARE(desk.created().tracks.value(0)->trackIndex(), u"0"_s);
+        AddingFixture fixture;
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.created().tracks.value(0)->externalTrackFlag(), false);
+        QCOMPARE(fixture.created().tracks.value(0)->trackIndex(), u"0"_s);
     }
 
     void readsOneValue_data()
@@ -143,7 +144,7 @@ private Q_SLOTS:
             u"Audio Track"_s);
         row("None in capitals", with({"tags.title=None"}), "trackTitle", u"None"_s);
         row("none at the end", with({"tags.title=and then none"}), "trackTitle", u"and then none"_s);
-        row("a title with a comma", with({"tags.title=Hello, World"}), "trackTitle", u"Hello World"_s);
+        row("a title with a comma", with({"tags.title=Hello, Fixture"}), "trackTitle", u"Hello Fixture"_s);
         row("a title with a colon", with({"tags.title=Part 1: Intro"}), "trackTitle", u"Part 1"_s);
         row("a title outside the tags", with({"title=Kommentar"}), "trackTitle", u"Audio Track"_s);
 
@@ -155,7 +156,7 @@ private Q_SLOTS:
         row("two letters", with({"tags.language=fr"}), "trackLanguage", u"French"_s);
         row("in capitals", with({"tags.LANGUAGE=jpn"}), "trackLanguage", u"Japanese"_s);
         row("und", with({"tags.language=und"}), "trackLanguage", u"undetermined"_s);
-        row("no language of this world", with({"tags.language=xxx"}), "trackLanguage", u"undetermined"_s);
+        row("no language of this base", with({"tags.language=xxx"}), "trackLanguage", u"undetermined"_s);
 
         row("a bit rate", with({"bit_rate=192000"}), "trackBitRate", u"192"_s);
         row("a bit rate that is cut", with({"bit_rate=192999"}), "trackBitRate", u"192"_s);
@@ -191,9 +192,9 @@ private Q_SLOTS:
         QFETCH(QByteArrayList, stream);
         QFETCH(QString, word);
         QFETCH(QString, expected);
-        AddingDesk desk;
-        desk.playStreams(behindOthers(stream));
-        const TrackPointer track = desk.created().tracks.value(0);
+        AddingFixture fixture;
+        fixture.playStreams(behindOthers(stream));
+        const TrackPointer track = fixture.created().tracks.value(0);
         QVERIFY(track);
         QCOMPARE(track->property(qPrintable(word)).toString(), expected);
     }
@@ -214,19 +215,19 @@ private Q_SLOTS:
     {
         QFETCH(QList<QByteArrayList>, streams);
         QFETCH(bool, hasCompany);
-        AddingDesk desk;
-        desk.playStreams(streams);
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.file().trackList().constLast()->hasCompany(), hasCompany);
+        AddingFixture fixture;
+        fixture.playStreams(streams);
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().constLast()->hasCompany(), hasCompany);
     }
 
     /// Each stands first among its kind in the added file.
     void oneTrackOfEachKindIsNumberedAlone()
     {
-        AddingDesk desk;
-        desk.playStreams({{"index=0", "codec_type=audio", "codec_name=aac"},
-                          {"index=1", "codec_type=subtitle", "codec_name=ass"}});
-        const auto added = desk.created();
+        AddingFixture fixture;
+        fixture.playStreams({{"index=0", "codec_type=audio", "codec_name=aac"},
+                             {"index=1", "codec_type=subtitle", "codec_name=ass"}});
+        const auto added = fixture.created();
         QCOMPARE(fieldOf(added.tracks, "trackType"), u"Audio,Subtitle"_s);
         QCOMPARE(fieldOf(added.tracks, "trackMencoderID"), u"0,0"_s);
         QCOMPARE(fieldOf(added.tracks, "trackMp4boxID"), u"1,2"_s);
@@ -261,14 +262,14 @@ private Q_SLOTS:
         QFETCH(QByteArrayList, stream);
         QFETCH(QString, indexes);
         QFETCH(QString, counts);
-        AddingDesk desk(types);
-        for (const TrackPointer &track : desk.file().trackList())
+        AddingFixture fixture(types);
+        for (const TrackPointer &track : fixture.file().trackList())
             track->setTrackIndex(u"77"_s);
-        desk.playStreams({stream});
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(fieldOf(desk.file().trackList(), "trackIndex"), indexes);
-        QCOMPARE(QStringList({desk.file().theNumberOfVideoTracks(), desk.file().theNumberOfAudioTracks(),
-                              desk.file().theNumberOfSubTracks()})
+        fixture.playStreams({stream});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fieldOf(fixture.file().trackList(), "trackIndex"), indexes);
+        QCOMPARE(QStringList({fixture.file().theNumberOfVideoTracks(),
+                              fixture.file().theNumberOfAudioTracks(), fixture.file().theNumberOfSubTracks()})
                      .join(u','),
                  counts);
     }
@@ -276,73 +277,73 @@ private Q_SLOTS:
     /// It stays behind the file's own tracks, whatever its kind.
     void whatIsAddedComesLast()
     {
-        AddingDesk desk(u"Video,Audio,Subtitle"_s);
-        const TrackList own = desk.file().trackList();
-        desk.playStreams({aac});
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.file().trackList().first(3), own);
-        QCOMPARE(desk.file().trackList().constLast()->trackType(), u"Audio"_s);
+        AddingFixture fixture(u"Video,Audio,Subtitle"_s);
+        const TrackList own = fixture.file().trackList();
+        fixture.playStreams({aac});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().first(3), own);
+        QCOMPARE(fixture.file().trackList().constLast()->trackType(), u"Audio"_s);
     }
 
     void addsThreeFiles()
     {
-        AddingDesk desk(u"Video,Audio"_s);
+        AddingFixture fixture(u"Video,Audio"_s);
         for (const QString &name : {u"one.ac3"_s, u"two.srt"_s, u"three.ass"_s})
-            desk.newFile(name);
-        desk.playStreams({aac});
-        QCOMPARE(desk.add(u"one.ac3"_s), u"OK"_s);
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(u"two.srt"_s), u"OK"_s);
-        QCOMPARE(desk.add(u"three.ass"_s), u"OK"_s);
-        const TrackList tracks = desk.file().trackList();
+            fixture.newFile(name);
+        fixture.playStreams({aac});
+        QCOMPARE(fixture.add(u"one.ac3"_s), u"OK"_s);
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(u"two.srt"_s), u"OK"_s);
+        QCOMPARE(fixture.add(u"three.ass"_s), u"OK"_s);
+        const TrackList tracks = fixture.file().trackList();
         QCOMPARE(fieldOf(tracks, "trackFileName"), u"none,none,one.ac3,two.srt,three.ass"_s);
         QCOMPARE(fieldOf(tracks, "trackIndex"), u"1,1,2,1,2"_s);
         QCOMPARE(fieldOf(tracks, "externalTrackFlag"), u"false,false,true,true,true"_s);
-        QCOMPARE(desk.file().theNumberOfVideoTracks(), u"1"_s);
-        QCOMPARE(desk.file().theNumberOfAudioTracks(), u"2"_s);
-        QCOMPARE(desk.file().theNumberOfSubTracks(), u"2"_s);
+        QCOMPARE(fixture.file().theNumberOfVideoTracks(), u"1"_s);
+        QCOMPARE(fixture.file().theNumberOfAudioTracks(), u"2"_s);
+        QCOMPARE(fixture.file().theNumberOfSubTracks(), u"2"_s);
     }
 
     void aFileCanBeAddedTwice()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.file().trackList().size(), 4);
-        QVERIFY(desk.file().trackList().at(2) != desk.file().trackList().at(3));
-        QCOMPARE(desk.file().theNumberOfSubTracks(), u"2"_s);
+        AddingFixture fixture;
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().size(), 4);
+        QVERIFY(fixture.file().trackList().at(2) != fixture.file().trackList().at(3));
+        QCOMPARE(fixture.file().theNumberOfSubTracks(), u"2"_s);
     }
 
     /// Who holds the list, or a copy of the file, keeps what it had.
     void listsThatOthersHoldStayAsTheyAre()
     {
-        AddingDesk desk(u"Video,Audio"_s);
-        const TrackList held = desk.file().trackList();
-        const VideoFilePointer copy = desk.file().copy();
+        AddingFixture fixture(u"Video,Audio"_s);
+        const TrackList held = fixture.file().trackList();
+        const VideoFilePointer copy = fixture.file().copy();
         KXVideoFile other(nullptr);
-        other.makeSelfCopyOfVideoFile(desk.file());
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.file().trackList().size(), 3);
+        other.makeSelfCopyOfVideoFile(fixture.file());
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().size(), 3);
         QCOMPARE(held.size(), 2);
         QCOMPARE(copy->trackList(), held);
         QCOMPARE(other.trackList(), held);
         QCOMPARE(copy->theNumberOfSubTracks(), u"0"_s);
-        QCOMPARE(desk.file().copy()->trackList(), desk.file().trackList());
+        QCOMPARE(fixture.file().copy()->trackList(), fixture.file().trackList());
     }
 
     /// Only its tracks and their numbers: the probe, the names and the picture are the video's.
     void theFilesOwnPropertiesStay()
     {
-        AddingDesk desk;
-        KXVideoFile &file = desk.file();
+        AddingFixture fixture;
+        KXVideoFile &file = fixture.file();
         file.setTheFileName(u"film.mkv"_s);
         file.setTheFileURL(QUrl::fromLocalFile(u"/v/film.mkv"_s));
         file.setTheWidth(u"320"_s);
         file.setFfprobeResultsDictionaryArray({QVariantMap{{u"index"_s, u"0"_s}}});
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(), u"OK"_s);
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(), u"OK"_s);
         QCOMPARE(file.theFileName(), u"film.mkv"_s);
         QCOMPARE(file.theFileURL(), QUrl::fromLocalFile(u"/v/film.mkv"_s));
         QCOMPARE(file.theWidth(), u"320"_s);
@@ -353,16 +354,16 @@ private Q_SLOTS:
 
     void hostileNamesReachTheToolToTheByte()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
+        AddingFixture fixture;
+        fixture.playStreams({srt});
         const QStringList names = support::hostileNames(40);
         for (const QString &name : names) {
-            const QString path = desk.scratch().write(u"bad/x"_s + name, "new");
-            QCOMPARE(desk.file().addTrack(QUrl::fromLocalFile(path)), u"OK"_s);
-            QCOMPARE(desk.file().trackList().constLast()->trackFileName(), u'x' + name);
-            QCOMPARE(desk.runs().constLast().arguments.value(1), path.toUtf8());
+            const QString path = fixture.scratch().write(u"bad/x"_s + name, "new");
+            QCOMPARE(fixture.file().addTrack(QUrl::fromLocalFile(path)), u"OK"_s);
+            QCOMPARE(fixture.file().trackList().constLast()->trackFileName(), u'x' + name);
+            QCOMPARE(fixture.runs().constLast().arguments.value(1), path.toUtf8());
         }
-        QCOMPARE(desk.file().trackList().size(), 2 + names.size());
+        QCOMPARE(fixture.file().trackList().size(), 2 + names.size());
     }
 
 private:
@@ -379,5 +380,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(AddedTrackFieldsTest)
+TESSARAY_TEST(AddedTrackFieldsTest)
 #include "AddedTrackFieldsTest.moc"

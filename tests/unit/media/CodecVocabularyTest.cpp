@@ -1,4 +1,5 @@
 #include "media/CodecVocabulary.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -223,5 +224,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(CodecVocabularyTest)
+TESSARAY_TEST(CodecVocabularyTest)
 #include "CodecVocabularyTest.moc"

@@ -1,6 +1,7 @@
 #include "media/FileNames.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,11 +106,11 @@ private Q_SLOTS:
 
     void leavesTheFilmsOwnOtherNameAlone()
     {
-        const QString film = m_scratch.write(u"twin.mkv"_s, "film");
+        const QString film = m_scratch.write(u"cli.mkv"_s, "film");
         QCOMPARE(::link(qPrintable(film), qPrintable(film + u".error.txt"_s)), 0);
         media::writeErrorFile(QUrl::fromLocalFile(film), u"text"_s);
-        QCOMPARE(m_scratch.read(u"twin.mkv"_s), "film");
-        QCOMPARE(m_scratch.read(u"twin.mkv.error.txt"_s), "film");
+        QCOMPARE(m_scratch.read(u"cli.mkv"_s), "film");
+        QCOMPARE(m_scratch.read(u"cli.mkv.error.txt"_s), "film");
     }
 
     void leavesAPipeOrFolderOfThatNameAlone()
@@ -135,5 +136,5 @@ private:
     support::Scratch m_scratch;
 };
 
-QTEST_GUILESS_MAIN(FileNamesTest)
+TESSARAY_TEST(FileNamesTest)
 #include "FileNamesTest.moc"

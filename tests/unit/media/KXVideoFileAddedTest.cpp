@@ -1,8 +1,9 @@
 // What is answered for a separate file that is to be added, and what is left of one that is refused.
 #include "media/KXVideoFile.h"
 
-#include "support/AddingDesk.h"
 #include "support/ProbeJson.h"
+#include "support/TestMain.h"
+#include "support/media/AddingFixture.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -120,31 +121,31 @@ private Q_SLOTS:
         QFETCH(QString, answer);
         QFETCH(int, left);
         QFETCH(QByteArray, codec);
-        AddingDesk desk;
-        desk.play(probe);
+        AddingFixture fixture;
+        fixture.play(probe);
         const QString name = u"new.xyz"_s;
-        desk.newFile(name);
-        const QStringList before = desk.everything();
-        QCOMPARE(desk.whatToDo(name), whatToDo);
+        fixture.newFile(name);
+        const QStringList before = fixture.everything();
+        QCOMPARE(fixture.whatToDo(name), whatToDo);
         // Of the question alone only a probe that gave no list is left.
-        QCOMPARE(desk.leftAnErrorFile(name), left == int(Left::Probe) && whatToDo == u"replace file"_s);
-        desk.removeErrorFile(name);
+        QCOMPARE(fixture.leftAnErrorFile(name), left == int(Left::Probe) && whatToDo == u"replace file"_s);
+        fixture.removeErrorFile(name);
 
         const bool leaves = left != int(Left::Nothing);
         const QByteArray reason = left == int(Left::Codec) ? "\n\nProblem Codec: " + codec : QByteArray();
         const QByteArray expected = leaves ? probe.trimmed() + reason : QByteArray();
-        const auto created = desk.created(name);
+        const auto created = fixture.created(name);
         QCOMPARE(created.refusal, refusal);
         QCOMPARE(created.tracks.isEmpty(), !refusal.isEmpty());
-        QCOMPARE(desk.leftAnErrorFile(name), leaves);
-        QCOMPARE(desk.errorFile(name), expected);
-        desk.removeErrorFile(name);
-        QCOMPARE(desk.everything(), before);
+        QCOMPARE(fixture.leftAnErrorFile(name), leaves);
+        QCOMPARE(fixture.errorFile(name), expected);
+        fixture.removeErrorFile(name);
+        QCOMPARE(fixture.everything(), before);
 
-        QCOMPARE(desk.add(name), answer);
-        QCOMPARE(desk.leftAnErrorFile(name), leaves);
-        QCOMPARE(desk.errorFile(name), expected);
-        QCOMPARE(desk.everything() == before, answer != u"OK"_s);
+        QCOMPARE(fixture.add(name), answer);
+        QCOMPARE(fixture.leftAnErrorFile(name), leaves);
+        QCOMPARE(fixture.errorFile(name), expected);
+        QCOMPARE(fixture.everything() == before, answer != u"OK"_s);
     }
 
     /// A probe that finds nothing in a file may just not know subtitles of that kind.
@@ -165,48 +166,49 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(bool, isSubtitle);
         for (const QList<QByteArrayList> &streams : {QList<QByteArrayList>{}, QList<QByteArrayList>{data}}) {
-            AddingDesk desk;
-            desk.playStreams(streams);
-            const QUrl url = desk.newFile(name);
-            QCOMPARE(desk.file().whatToDoWithFile(url), isSubtitle ? u"add file"_s : u"not a video file"_s);
-            QVERIFY(!desk.leftAnErrorFile(name));
-            QCOMPARE(desk.file().addTrack(url), u"not a video"_s);
+            AddingFixture fixture;
+            fixture.playStreams(streams);
+            const QUrl url = fixture.newFile(name);
+            QCOMPARE(fixture.file().whatToDoWithFile(url),
+                     isSubtitle ? u"add file"_s : u"not a video file"_s);
+            QVERIFY(!fixture.leftAnErrorFile(name));
+            QCOMPARE(fixture.file().addTrack(url), u"not a video"_s);
         }
     }
 
     /// The name does not help where the probe found streams, or no list of them.
     void theNameCountsForNothingElse()
     {
-        AddingDesk desk;
-        desk.playStreams({aac, srt});
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
-        desk.playStreams({h264});
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
-        desk.play("nothing");
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
+        AddingFixture fixture;
+        fixture.playStreams({aac, srt});
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
+        fixture.playStreams({h264});
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
+        fixture.play("nothing");
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
     }
 
     void withNoFileOpenEverythingReplaces()
     {
-        AddingDesk desk(u""_s);
-        desk.playStreams({srt});
+        AddingFixture fixture(u""_s);
+        fixture.playStreams({srt});
         for (const QString &name : {u"new.srt"_s, u"vanished.srt"_s, u"film.mkv"_s, u""_s})
-            QCOMPARE(desk.whatToDo(name), u"replace file"_s);
-        QCOMPARE(desk.file().whatToDoWithFile(QUrl()), u"replace file"_s);
-        QVERIFY(desk.runs().isEmpty());
+            QCOMPARE(fixture.whatToDo(name), u"replace file"_s);
+        QCOMPARE(fixture.file().whatToDoWithFile(QUrl()), u"replace file"_s);
+        QVERIFY(fixture.runs().isEmpty());
     }
 
     /// Another refusal in between costs nothing of what was added before.
     void aRefusedFileChangesNothing()
     {
-        AddingDesk desk(u"Video,Audio,Subtitle"_s);
-        desk.playStreams({srt});
-        QCOMPARE(desk.add(), u"OK"_s);
-        const QStringList before = desk.everything();
+        AddingFixture fixture(u"Video,Audio,Subtitle"_s);
+        fixture.playStreams({srt});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        const QStringList before = fixture.everything();
         const auto refused = [&](const QByteArray &probe, const QString &answer) {
-            desk.play(probe);
-            QCOMPARE(desk.add(), answer);
-            QCOMPARE(desk.everything(), before);
+            fixture.play(probe);
+            QCOMPARE(fixture.add(), answer);
+            QCOMPARE(fixture.everything(), before);
         };
         refused(probeJson({aac, srt}), u"too many tracks"_s);
         refused(probeJson({aac, aac}), u"too many tracks"_s);
@@ -214,9 +216,9 @@ private Q_SLOTS:
         refused(probeJson({opus}), u"track not identified"_s);
         refused(probeJson({}), u"not a video"_s);
         refused("nothing", u"not a video"_s);
-        desk.playStreams({aac});
-        QCOMPARE(desk.add(), u"OK"_s);
-        QCOMPARE(desk.file().trackList().size(), 5);
+        fixture.playStreams({aac});
+        QCOMPARE(fixture.add(), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().size(), 5);
     }
 
     void theToolIsRunAsOftenAsNeeded_data()
@@ -235,32 +237,33 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, probe);
         QFETCH(int, count);
-        AddingDesk desk;
-        desk.play(probe);
-        desk.add();
-        QCOMPARE(desk.runs().size(), count);
-        const QByteArrayList expected{"-i", desk.path().toUtf8(), "-show_streams", "-print_format", "json"};
-        for (const FakeTool::Run &run : desk.runs())
+        AddingFixture fixture;
+        fixture.play(probe);
+        fixture.add();
+        QCOMPARE(fixture.runs().size(), count);
+        const QByteArrayList expected{"-i", fixture.path().toUtf8(), "-show_streams", "-print_format",
+                                      "json"};
+        for (const FakeTool::Run &run : fixture.runs())
             QCOMPARE(run.arguments, expected);
     }
 
     /// Whatever it had found before: a tool that fails is heard by its error stream.
     void aToolThatFailsLeavesItsWords()
     {
-        AddingDesk desk;
-        desk.play({}, {u"out \"streams\": ["_s, u"err out of memory"_s, u"exit 1"_s});
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
-        QCOMPARE(desk.add(), u"not a video"_s);
-        QCOMPARE(desk.errorFile(), QByteArray("out of memory"));
+        AddingFixture fixture;
+        fixture.play({}, {u"out \"streams\": ["_s, u"err out of memory"_s, u"exit 1"_s});
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
+        QCOMPARE(fixture.add(), u"not a video"_s);
+        QCOMPARE(fixture.errorFile(), QByteArray("out of memory"));
     }
 
     void anOlderErrorFileIsReplaced()
     {
-        AddingDesk desk;
-        desk.scratch().write(u"media/new.srt.error.txt"_s, QByteArray(100000, 'x'));
-        desk.playStreams({opus});
-        QCOMPARE(desk.add(), u"track not identified"_s);
-        QCOMPARE(desk.errorFile(), probeJson({opus}).trimmed() + "\n\nProblem Codec: opus");
+        AddingFixture fixture;
+        fixture.scratch().write(u"media/new.srt.error.txt"_s, QByteArray(100000, 'x'));
+        fixture.playStreams({opus});
+        QCOMPARE(fixture.add(), u"track not identified"_s);
+        QCOMPARE(fixture.errorFile(), probeJson({opus}).trimmed() + "\n\nProblem Codec: opus");
     }
 
     void whatIsNotOursIsNotOverwritten_data()
@@ -274,109 +277,109 @@ private Q_SLOTS:
     void whatIsNotOursIsNotOverwritten()
     {
         QFETCH(QByteArray, probe);
-        AddingDesk desk;
-        desk.play(probe);
-        const QString precious = desk.scratch().write(u"precious"_s, "film");
-        const QString place = desk.path(u"new.srt.error.txt"_s);
+        AddingFixture fixture;
+        fixture.play(probe);
+        const QString precious = fixture.scratch().write(u"precious"_s, "film");
+        const QString place = fixture.path(u"new.srt.error.txt"_s);
         QFile::link(precious, place);
-        desk.add();
+        fixture.add();
         QVERIFY(QFileInfo(place).isSymLink());
-        QCOMPARE(desk.scratch().read(u"precious"_s), QByteArray("film"));
+        QCOMPARE(fixture.scratch().read(u"precious"_s), QByteArray("film"));
         QFile::remove(place);
 
-        QFile::link(desk.scratch().path(u"nowhere"_s), place);
-        desk.add();
-        QVERIFY(!QFile::exists(desk.scratch().path(u"nowhere"_s)));
+        QFile::link(fixture.scratch().path(u"nowhere"_s), place);
+        fixture.add();
+        QVERIFY(!QFile::exists(fixture.scratch().path(u"nowhere"_s)));
         QFile::remove(place);
 
         QDir().mkpath(place);
-        desk.add();
+        fixture.add();
         QVERIFY(QDir(place).isEmpty());
         QDir().rmdir(place);
 
         // A second name of the added file itself, and of any other, keeps its content.
-        QCOMPARE(::link(qPrintable(desk.path()), qPrintable(place)), 0);
-        desk.add();
-        QCOMPARE(desk.scratch().read(u"media/new.srt"_s), QByteArray("new"));
+        QCOMPARE(::link(qPrintable(fixture.path()), qPrintable(place)), 0);
+        fixture.add();
+        QCOMPARE(fixture.scratch().read(u"media/new.srt"_s), QByteArray("new"));
         QFile::remove(place);
         QCOMPARE(::link(qPrintable(precious), qPrintable(place)), 0);
-        desk.add();
-        QCOMPARE(desk.scratch().read(u"precious"_s), QByteArray("film"));
+        fixture.add();
+        QCOMPARE(fixture.scratch().read(u"precious"_s), QByteArray("film"));
     }
 
     void onlyPlainFilesAreProbed()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
-        QCOMPARE(::mkfifo(qPrintable(desk.path(u"pipe.srt"_s)), 0600), 0);
-        QDir().mkpath(desk.path(u"folder.srt"_s));
-        QFile::link(desk.scratch().path(u"nowhere"_s), desk.path(u"dangling.srt"_s));
-        const QStringList before = desk.names();
+        AddingFixture fixture;
+        fixture.playStreams({srt});
+        QCOMPARE(::mkfifo(qPrintable(fixture.path(u"pipe.srt"_s)), 0600), 0);
+        QDir().mkpath(fixture.path(u"folder.srt"_s));
+        QFile::link(fixture.scratch().path(u"nowhere"_s), fixture.path(u"dangling.srt"_s));
+        const QStringList before = fixture.names();
         for (const QString &name : {u"pipe.srt"_s, u"folder.srt"_s, u"dangling.srt"_s, u"vanished.srt"_s}) {
-            QCOMPARE(desk.whatToDo(name), u"replace file"_s);
-            QCOMPARE(desk.created(name).refusal, u"not a video"_s);
-            QCOMPARE(desk.add(name), u"not a video"_s);
+            QCOMPARE(fixture.whatToDo(name), u"replace file"_s);
+            QCOMPARE(fixture.created(name).refusal, u"not a video"_s);
+            QCOMPARE(fixture.add(name), u"not a video"_s);
         }
         for (const QUrl &url :
              {QUrl(), QUrl(u"https://example.org/a.srt"_s), QUrl::fromLocalFile(u"/dev/zero"_s)})
-            QCOMPARE(desk.file().addTrack(url), u"not a video"_s);
-        QVERIFY(desk.runs().isEmpty());
-        QCOMPARE(desk.names(), before);
-        QCOMPARE(desk.file().trackList().size(), 2);
+            QCOMPARE(fixture.file().addTrack(url), u"not a video"_s);
+        QVERIFY(fixture.runs().isEmpty());
+        QCOMPARE(fixture.names(), before);
+        QCOMPARE(fixture.file().trackList().size(), 2);
     }
 
     void aLinkToAFileIsAsGoodAsTheFile()
     {
-        AddingDesk desk;
-        desk.playStreams({srt});
-        QFile::link(desk.path(), desk.path(u"link.srt"_s));
-        QCOMPARE(desk.add(u"link.srt"_s), u"OK"_s);
-        QCOMPARE(desk.file().trackList().constLast()->trackFileURL(), desk.url(u"link.srt"_s));
+        AddingFixture fixture;
+        fixture.playStreams({srt});
+        QFile::link(fixture.path(), fixture.path(u"link.srt"_s));
+        QCOMPARE(fixture.add(u"link.srt"_s), u"OK"_s);
+        QCOMPARE(fixture.file().trackList().constLast()->trackFileURL(), fixture.url(u"link.srt"_s));
     }
 
     void withoutToolsNothingIsAdded()
     {
-        AddingDesk desk;
+        AddingFixture fixture;
         KXVideoFile homeless(nullptr);
         homeless.setTrackList(tracksOfTypes(u"Video"_s));
-        QCOMPARE(homeless.whatToDoWithFile(desk.url()), u"replace file"_s);
-        QCOMPARE(homeless.addTrack(desk.url()), u"not a video"_s);
-        QVERIFY(!desk.leftAnErrorFile());
+        QCOMPARE(homeless.whatToDoWithFile(fixture.url()), u"replace file"_s);
+        QCOMPARE(homeless.addTrack(fixture.url()), u"not a video"_s);
+        QVERIFY(!fixture.leftAnErrorFile());
         // The shell's complaint about a missing tool is left like any other answer.
-        QCOMPARE(desk.add(), u"not a video"_s);
-        QVERIFY(desk.errorFile().contains("ffprobe"));
+        QCOMPARE(fixture.add(), u"not a video"_s);
+        QVERIFY(fixture.errorFile().contains("ffprobe"));
     }
 
     /// Bytes that are no text give no answer, so none is left.
     void anAnswerThatIsNoTextLeavesNothing()
     {
-        AddingDesk desk;
-        desk.play("\"streams\": [ \xe9\xff");
-        QCOMPARE(desk.add(), u"not a video"_s);
-        QVERIFY(!desk.leftAnErrorFile());
+        AddingFixture fixture;
+        fixture.play("\"streams\": [ \xe9\xff");
+        QCOMPARE(fixture.add(), u"not a video"_s);
+        QVERIFY(!fixture.leftAnErrorFile());
     }
 
     void aFileThatVanishesOnTheWayLeavesNothing()
     {
-        AddingDesk desk;
-        desk.playStreams({opus});
-        const QString path = desk.path();
+        AddingFixture fixture;
+        fixture.playStreams({opus});
+        const QString path = fixture.path();
         QTimer::singleShot(0, this, [&] { QFile::remove(path); });
-        QCOMPARE(desk.add(), u"track not identified"_s);
-        QVERIFY(desk.names().isEmpty());
-        QCOMPARE(desk.runs().size(), 1);
+        QCOMPARE(fixture.add(), u"track not identified"_s);
+        QVERIFY(fixture.names().isEmpty());
+        QCOMPARE(fixture.runs().size(), 1);
     }
 
     void aStopBeforehandRunsNothing()
     {
-        AddingDesk desk;
-        desk.play("nothing");
-        desk.file().setStopFlag(std::make_shared<std::atomic_bool>(true));
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
-        QCOMPARE(desk.created().refusal, u"not a video"_s);
-        QCOMPARE(desk.add(), u"not a video"_s);
-        QVERIFY(desk.runs().isEmpty());
-        QCOMPARE(desk.names(), QStringList{u"new.srt"_s});
+        AddingFixture fixture;
+        fixture.play("nothing");
+        fixture.file().setStopFlag(std::make_shared<std::atomic_bool>(true));
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
+        QCOMPARE(fixture.created().refusal, u"not a video"_s);
+        QCOMPARE(fixture.add(), u"not a video"_s);
+        QVERIFY(fixture.runs().isEmpty());
+        QCOMPARE(fixture.names(), QStringList{u"new.srt"_s});
     }
 
     void aStopEndsAHangingProbe_data()
@@ -392,33 +395,33 @@ private Q_SLOTS:
     {
         QFETCH(int, run);
         QFETCH(QByteArray, probe);
-        AddingDesk desk;
-        desk.hangFrom(run, probe);
-        const QStringList before = desk.everything();
+        AddingFixture fixture;
+        fixture.hangFrom(run, probe);
+        const QStringList before = fixture.everything();
         const auto stop = std::make_shared<std::atomic_bool>(false);
-        desk.file().setStopFlag(stop);
+        fixture.file().setStopFlag(stop);
         QTimer::singleShot(300, this, [&] { *stop = true; });
         QElapsedTimer clock;
         clock.start();
-        QCOMPARE(desk.add(), u"not a video"_s);
+        QCOMPARE(fixture.add(), u"not a video"_s);
         QVERIFY(clock.elapsed() >= 250);
         QVERIFY(clock.elapsed() < 30000);
-        QCOMPARE(desk.countedRuns(), run);
-        QCOMPARE(desk.names(), QStringList{u"new.srt"_s});
-        QCOMPARE(desk.everything(), before);
+        QCOMPARE(fixture.countedRuns(), run);
+        QCOMPARE(fixture.names(), QStringList{u"new.srt"_s});
+        QCOMPARE(fixture.everything(), before);
     }
 
     void aStopEndsTheQuestionToo()
     {
-        AddingDesk desk;
-        desk.hangFrom(1, {});
+        AddingFixture fixture;
+        fixture.hangFrom(1, {});
         const auto stop = std::make_shared<std::atomic_bool>(false);
-        desk.file().setStopFlag(stop);
+        fixture.file().setStopFlag(stop);
         QTimer::singleShot(300, this, [&] { *stop = true; });
-        QCOMPARE(desk.whatToDo(), u"replace file"_s);
-        QCOMPARE(desk.names(), QStringList{u"new.srt"_s});
+        QCOMPARE(fixture.whatToDo(), u"replace file"_s);
+        QCOMPARE(fixture.names(), QStringList{u"new.srt"_s});
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoFileAddedTest)
+TESSARAY_TEST(KXVideoFileAddedTest)
 #include "KXVideoFileAddedTest.moc"

@@ -3,6 +3,7 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -11,10 +12,10 @@ using namespace support;
 
 namespace {
 
-class InfoBench final
+class InfoFixture final
 {
 public:
-    explicit InfoBench(const QStringList &output)
+    explicit InfoFixture(const QStringList &output)
     {
         QStringList script{u"record "_s + scratch.path(u"runs"_s)};
         for (const QString &line : output)
@@ -70,8 +71,8 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, output);
         QFETCH(bool, answer);
-        InfoBench bench(output);
-        QCOMPARE(bench.check(), answer);
+        InfoFixture fixture(output);
+        QCOMPARE(fixture.check(), answer);
     }
 
     void theFileIsTheOnlyOption_data()
@@ -86,28 +87,28 @@ private Q_SLOTS:
     void theFileIsTheOnlyOption()
     {
         QFETCH(QString, name);
-        InfoBench bench(compressed);
-        QVERIFY(bench.check(name));
-        QCOMPARE(bench.runs().size(), 1);
-        QCOMPARE(bench.runs().first().arguments, QByteArrayList{bench.scratch.path(name).toUtf8()});
+        InfoFixture fixture(compressed);
+        QVERIFY(fixture.check(name));
+        QCOMPARE(fixture.runs().size(), 1);
+        QCOMPARE(fixture.runs().first().arguments, QByteArrayList{fixture.scratch.path(name).toUtf8()});
     }
 
     void theAnswerIsNotKept()
     {
-        InfoBench bench(compressed);
-        QVERIFY(bench.check());
-        QVERIFY(!bench.file.headerRemovalFlag()); // whoever asks sets it
+        InfoFixture fixture(compressed);
+        QVERIFY(fixture.check());
+        QVERIFY(!fixture.file.headerRemovalFlag()); // whoever asks sets it
     }
 
     void aFileThatIsNotThereIsNotAskedFor()
     {
-        InfoBench bench(compressed);
-        QVERIFY(!bench.file.checkForHeaderRemovalFor(bench.scratch.url(u"gone.mkv"_s)));
-        QVERIFY(!bench.file.checkForHeaderRemovalFor(bench.scratch.url(u"home"_s)));
-        QVERIFY(!bench.file.checkForHeaderRemovalFor(QUrl()));
-        QVERIFY(bench.runs().isEmpty());
+        InfoFixture fixture(compressed);
+        QVERIFY(!fixture.file.checkForHeaderRemovalFor(fixture.scratch.url(u"gone.mkv"_s)));
+        QVERIFY(!fixture.file.checkForHeaderRemovalFor(fixture.scratch.url(u"home"_s)));
+        QVERIFY(!fixture.file.checkForHeaderRemovalFor(QUrl()));
+        QVERIFY(fixture.runs().isEmpty());
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoFileHeaderRemovalTest)
+TESSARAY_TEST(KXVideoFileHeaderRemovalTest)
 #include "KXVideoFileHeaderRemovalTest.moc"

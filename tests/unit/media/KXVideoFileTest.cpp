@@ -4,6 +4,7 @@
 #include "support/FakeTool.h"
 #include "support/ProbeJson.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -594,5 +595,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoFileTest)
+TESSARAY_TEST(KXVideoFileTest)
 #include "KXVideoFileTest.moc"

@@ -1,4 +1,5 @@
 #include "media/KXVideoTrack.h"
+#include "support/TestMain.h"
 
 #include <QMetaProperty>
 #include <QTest>
@@ -272,5 +273,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXVideoTrackTest)
+TESSARAY_TEST(KXVideoTrackTest)
 #include "KXVideoTrackTest.moc"

@@ -1,6 +1,7 @@
 #include "media/MatroskaPackets.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -92,5 +93,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(MatroskaPacketsTest)
+TESSARAY_TEST(MatroskaPacketsTest)
 #include "MatroskaPacketsTest.moc"

@@ -1,6 +1,7 @@
 #include "media/Playlists.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -58,5 +59,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PlaylistsTest)
+TESSARAY_TEST(PlaylistsTest)
 #include "PlaylistsTest.moc"

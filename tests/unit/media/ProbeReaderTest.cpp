@@ -1,6 +1,7 @@
 #include "media/ProbeReader.h"
 
 #include "fuzz/ProbeReaderCheck.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -111,7 +112,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("title");
         QTest::newRow("plain") << u"\"title\": \"Film\""_s << u"Film"_s;
-        QTest::newRow("commas go") << u"\"title\": \"Hello, World\","_s << u"Hello World"_s;
+        QTest::newRow("commas go") << u"\"title\": \"Hello, Fixture\","_s << u"Hello Fixture"_s;
         QTest::newRow("ends at a colon and a blank") << u"\"title\": \"Part 1: Intro\""_s << u"Part 1"_s;
         QTest::newRow("a comma in between makes one") << u"\"title\": \"Part 1:, Intro\""_s << u"Part 1"_s;
         QTest::newRow("a colon alone stays") << u"\"title\": \"12:30\""_s << u"12:30"_s;
@@ -391,5 +392,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ProbeReaderTest)
+TESSARAY_TEST(ProbeReaderTest)
 #include "ProbeReaderTest.moc"

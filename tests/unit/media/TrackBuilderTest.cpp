@@ -1,4 +1,5 @@
 #include "media/TrackBuilder.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -277,5 +278,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TrackBuilderTest)
+TESSARAY_TEST(TrackBuilderTest)
 #include "TrackBuilderTest.moc"

@@ -1,6 +1,7 @@
 #include "platform/DefaultsStore.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Unprivileged.h"
 
 #include <QCoreApplication>
@@ -257,13 +258,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"--count-up"_s)
-        return countUpIn(arguments.value(2));
-    DefaultsStoreTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TESSARAY_TEST(DefaultsStoreTest)
+TESSARAY_ROLE("--count-up", countUpIn(words.value(1)))
 #include "DefaultsStoreTest.moc"

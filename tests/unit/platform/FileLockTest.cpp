@@ -1,5 +1,6 @@
 #include "platform/FileLock.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -152,15 +153,7 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"--hold"_s)
-        return hold(arguments.value(2));
-    if (arguments.value(1) == u"--add"_s)
-        return addOneAtATime(arguments.value(2), arguments.value(3));
-    FileLockTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+TESSARAY_TEST(FileLockTest)
+TESSARAY_ROLE("--hold", hold(words.value(1)))
+TESSARAY_ROLE("--add", addOneAtATime(words.value(1), words.value(2)))
 #include "FileLockTest.moc"

@@ -1,4 +1,5 @@
 #include "platform/KXNotificationCenter.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -161,5 +162,5 @@ private:
     QStringList m_calls;
 };
 
-QTEST_GUILESS_MAIN(KXNotificationCenterTest)
+TESSARAY_TEST(KXNotificationCenterTest)
 #include "KXNotificationCenterTest.moc"

@@ -1,5 +1,6 @@
 #include "platform/OrdinaryFile.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -99,5 +100,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(OrdinaryFileTest)
+TESSARAY_TEST(OrdinaryFileTest)
 #include "OrdinaryFileTest.moc"

@@ -1,4 +1,5 @@
 #include "platform/VisibleText.h"
+#include "support/TestMain.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -85,5 +86,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(VisibleTextTest)
+TESSARAY_TEST(VisibleTextTest)
 #include "VisibleTextTest.moc"

@@ -1,5 +1,6 @@
 #include "platform/Volumes.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -50,5 +51,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(VolumesTest)
+TESSARAY_TEST(VolumesTest)
 #include "VolumesTest.moc"

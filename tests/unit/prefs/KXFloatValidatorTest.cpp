@@ -1,4 +1,5 @@
 #include "prefs/KXFloatValidator.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -104,5 +105,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXFloatValidatorTest)
+TESSARAY_TEST(KXFloatValidatorTest)
 #include "KXFloatValidatorTest.moc"

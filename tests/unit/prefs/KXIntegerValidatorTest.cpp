@@ -1,4 +1,5 @@
 #include "prefs/KXIntegerValidator.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -130,5 +131,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXIntegerValidatorTest)
+TESSARAY_TEST(KXIntegerValidatorTest)
 #include "KXIntegerValidatorTest.moc"

@@ -5,6 +5,7 @@
 #include "prefs/KXPreferences.h"
 #include "support/Scratch.h"
 #include "support/ScriptedChooser.h"
+#include "support/TestMain.h"
 
 #include <QJsonDocument>
 #include <QMetaProperty>
@@ -236,5 +237,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXPreferencesControllerTest)
+TESSARAY_TEST(KXPreferencesControllerTest)
 #include "KXPreferencesControllerTest.moc"

@@ -2,6 +2,7 @@
 
 #include "platform/DefaultsStore.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QJsonDocument>
 #include <QSignalSpy>
@@ -195,9 +196,9 @@ private Q_SLOTS:
     {
         const support::Scratch scratch;
         Program window(scratch);
-        Program twin(scratch);
-        twin.setPanel(u"keepLogsFlag"_s, false);
-        QVERIFY(twin.preferences.savePreferencesToDefaults().isNull());
+        Program cli(scratch);
+        cli.setPanel(u"keepLogsFlag"_s, false);
+        QVERIFY(cli.preferences.savePreferencesToDefaults().isNull());
         window.setPanel(u"useDpliiFlag"_s, false);
         QVERIFY(window.preferences.savePreferencesToDefaults().isNull());
         QVERIFY(window.preferences.savePreferencesToDefaults().isNull());
@@ -210,14 +211,14 @@ private Q_SLOTS:
     {
         const support::Scratch scratch;
         Program window(scratch);
-        Program twin(scratch);
-        QVERIFY(twin.preferences.saveUserPresetSettingsListFor({preset(u"twin"_s)}).isNull());
+        Program cli(scratch);
+        QVERIFY(cli.preferences.saveUserPresetSettingsListFor({preset(u"cli"_s)}).isNull());
         QVERIFY(window.preferences.saveUserPresetSettingsListFor({preset(u"window"_s)}).isNull());
         window.setPanel(u"keepLogsFlag"_s, false);
         QVERIFY(window.preferences.savePreferencesToDefaults().isNull()); // not even when saving again
         const Program next(scratch);
         QCOMPARE(next.preferences.userPresetSettingsList(),
-                 QVariantList({preset(u"window"_s), preset(u"twin"_s)}));
+                 QVariantList({preset(u"window"_s), preset(u"cli"_s)}));
     }
 
     void failedSaveIsMadeUpForByTheNext()
@@ -283,5 +284,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXPreferencesTest)
+TESSARAY_TEST(KXPreferencesTest)
 #include "KXPreferencesTest.moc"

@@ -1,7 +1,8 @@
 #include "prefs/KXTimeValidator.h"
 
 #include "platform/KXNotificationCenter.h"
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
@@ -219,10 +220,10 @@ private Q_SLOTS:
 
     void selectionFollowsWhatIsTypedIntoItsFields()
     {
-        support::ControllerBench bench({support::probedVideo()});
-        KXTimeValidator start(bench.center, 1001);
-        KXTimeValidator end(bench.center, 1002);
-        KXTimeValidator duration(bench.center, 1003);
+        support::ControllerFixture fixture({support::probedVideo()});
+        KXTimeValidator start(fixture.center, 1001);
+        KXTimeValidator end(fixture.center, 1002);
+        KXTimeValidator duration(fixture.center, 1003);
         for (KXTimeValidator *field : {&start, &end, &duration})
             field->controlTextShouldBeginEditing(u"00:00:00"_s, {});
         start.controlTextDidChange(u"00:00:500"_s, 7);
@@ -230,11 +231,11 @@ private Q_SLOTS:
         end.controlTextDidChange(u"00:7x0:00"_s, 5);
         duration.controlTextDidChange(u"100:00:00"_s, 1);
         duration.controlIsValidObject({}, u"10:00:00"_s);
-        QCOMPARE(bench.controller.enteredSplitStartTime(), u"00:00:50"_s);
-        QCOMPARE(bench.controller.enteredSplitEndTime(), u"00:70:00"_s);
-        QCOMPARE(bench.controller.enteredSplitDuration(), u"10:00:00"_s);
-        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"50"_s);
-        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"4200"_s);
+        QCOMPARE(fixture.controller.enteredSplitStartTime(), u"00:00:50"_s);
+        QCOMPARE(fixture.controller.enteredSplitEndTime(), u"00:70:00"_s);
+        QCOMPARE(fixture.controller.enteredSplitDuration(), u"10:00:00"_s);
+        QCOMPARE(fixture.selection->splitStartTimeSeconds(), u"50"_s);
+        QCOMPARE(fixture.selection->splitEndTimeSeconds(), u"4200"_s);
     }
 
     void secondsOfATime_data()
@@ -289,5 +290,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXTimeValidatorTest)
+TESSARAY_TEST(KXTimeValidatorTest)
 #include "KXTimeValidatorTest.moc"

@@ -1,5 +1,6 @@
 #include "prefs/KXToolTips.h"
 #include "prefs/ToolTipTexts.h"
+#include "support/TestMain.h"
 
 #include <QCryptographicHash>
 #include <QMetaProperty>
@@ -106,5 +107,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXToolTipsTest)
+TESSARAY_TEST(KXToolTipsTest)
 #include "KXToolTipsTest.moc"

@@ -3,7 +3,8 @@
 
 #include "platform/Chooser.h"
 #include "prefs/KXPreferences.h"
-#include "support/JobWorld.h"
+#include "support/TestMain.h"
+#include "support/jobs/JobFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -91,9 +92,9 @@ private Q_SLOTS:
     void init()
     {
         m_shelf = std::make_unique<Shelf>();
-        m_world = std::make_unique<support::JobWorld>();
-        m_world->preferences.setWatchFolderURL(url(folder));
-        m_watch = std::make_unique<KXWatchModeController>(&m_world->preferences);
+        m_fixture = std::make_unique<support::JobFixture>();
+        m_fixture->preferences.setWatchFolderURL(url(folder));
+        m_watch = std::make_unique<KXWatchModeController>(&m_fixture->preferences);
         m_watch->setListing(std::make_unique<ShelfListing>(*m_shelf));
         m_ready.clear();
         connect(m_watch.get(), &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
@@ -107,7 +108,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_watch.reset();
-        m_world.reset();
+        m_fixture.reset();
     }
 
     void knowsMoviesByTheirExtensionsAndStartsOff()
@@ -169,7 +170,7 @@ private Q_SLOTS:
     void startingWithNoValidFolderShowsTheMessageAndKeepsTheMainWindow()
     {
         QFETCH(QUrl, chosen);
-        m_world->preferences.setWatchFolderURL(chosen);
+        m_fixture->preferences.setWatchFolderURL(chosen);
         QSignalSpy swapped(m_watch.get(), &KXWatchModeController::windowsSwapped);
         QSignalSpy drawer(m_watch.get(), &KXWatchModeController::drawerWanted);
         QSignalSpy changed(m_watch.get(), &KXWatchModeController::folderChanged);
@@ -247,10 +248,10 @@ private Q_SLOTS:
         QVERIFY(panel.asked.what == platform::ChooserRequest::What::Folder);
         QCOMPARE(panel.asked.startPath, folder);
         panel.answer({});
-        QCOMPARE(m_world->preferences.watchFolderPath(), folder);
+        QCOMPARE(m_fixture->preferences.watchFolderPath(), folder);
         QVERIFY(changed.isEmpty());
         panel.answer({url(u"/other"_s)});
-        QCOMPARE(m_world->preferences.watchFolderPath(), u"/other"_s);
+        QCOMPARE(m_fixture->preferences.watchFolderPath(), u"/other"_s);
         QCOMPARE(changed.size(), 1);
     }
 
@@ -598,11 +599,11 @@ private:
     }
 
     std::unique_ptr<Shelf> m_shelf;
-    std::unique_ptr<support::JobWorld> m_world;
+    std::unique_ptr<support::JobFixture> m_fixture;
     std::unique_ptr<KXWatchModeController> m_watch;
     QStringList m_ready;
     int m_handOvers = 0;
 };
 
-QTEST_GUILESS_MAIN(KXWatchModeControllerTest)
+TESSARAY_TEST(KXWatchModeControllerTest)
 #include "KXWatchModeControllerTest.moc"

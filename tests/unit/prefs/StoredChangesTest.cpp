@@ -1,4 +1,5 @@
 #include "prefs/StoredChanges.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -99,5 +100,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(StoredChangesTest)
+TESSARAY_TEST(StoredChangesTest)
 #include "StoredChangesTest.moc"

@@ -1,6 +1,7 @@
 #include "prefs/TimeMask.h"
 
 #include "fuzz/TimeMaskCheck.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -356,5 +357,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TimeMaskTest)
+TESSARAY_TEST(TimeMaskTest)
 #include "TimeMaskTest.moc"

@@ -2,6 +2,7 @@
 #include "prefs/WatchListing.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -157,5 +158,5 @@ private:
     std::unique_ptr<support::Scratch> m_scratch;
 };
 
-QTEST_GUILESS_MAIN(WatchListingTest)
+TESSARAY_TEST(WatchListingTest)
 #include "WatchListingTest.moc"

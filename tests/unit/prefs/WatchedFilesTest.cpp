@@ -1,6 +1,7 @@
 #include "prefs/WatchedFiles.h"
 
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -153,5 +154,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(WatchedFilesTest)
+TESSARAY_TEST(WatchedFilesTest)
 #include "WatchedFilesTest.moc"

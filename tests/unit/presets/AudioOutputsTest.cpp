@@ -1,6 +1,7 @@
 #include "presets/KXPresetSettings.h"
 
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
@@ -147,9 +148,9 @@ private:
         QFETCH(const QString, channels);
         QFETCH(const QString, outputs);
         const TrackList sounds{soundOf(channels), soundOf(channels)};
-        support::ControllerBench bench({support::probedVideo(), sounds.at(0), sounds.at(1)});
-        bench.selectAll();
-        KXPresetSettings preset(bench.file, bench.controller);
+        support::ControllerFixture fixture({support::probedVideo(), sounds.at(0), sounds.at(1)});
+        fixture.selectAll();
+        KXPresetSettings preset(fixture.file, fixture.controller);
         preset.initializeAsNewUserPreset();
         takeAudioRow(preset);
         preset.makeSettings();
@@ -158,5 +159,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(AudioOutputsTest)
+TESSARAY_TEST(AudioOutputsTest)
 #include "AudioOutputsTest.moc"

@@ -2,7 +2,8 @@
 
 #include "media/TrackBuilder.h"
 #include "presets/TrackFilters.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
 #include "tools/KXHelpers.h"
 
 #include <QSet>
@@ -166,7 +167,7 @@ private Q_SLOTS:
         QTest::newRow("the first target") << u"General"_s << u""_s;
         QTest::newRow("the last target") << u"AVI"_s << u""_s;
         QTest::newRow("what a new preset has") << u"Apple TV"_s << u" | Apple TV"_s;
-        QTest::newRow("another one's own") << u"Kitchen radio"_s << u" | Kitchen radio"_s;
+        QTest::newRow("another one's own") << u"Factory radio"_s << u" | Factory radio"_s;
         QTest::newRow("other capitals") << u"ps3"_s << u" | ps3"_s;
     }
 
@@ -183,5 +184,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ChoiceListsTest)
+TESSARAY_TEST(ChoiceListsTest)
 #include "ChoiceListsTest.moc"

@@ -1,14 +1,15 @@
 #include "presets/KXPresetsController.h"
 
-#include "support/ControllerBench.h"
-#include "support/PresetBench.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::PresetBench;
+using support::PresetFixture;
 using support::settingsRecord;
 using support::storeTwoOfEach;
 
@@ -21,15 +22,15 @@ private Q_SLOTS:
     void choosingManualChangesNoTick()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        const QSignalSpy ticks(&bench.controller, &KXSelectionController::trackTicksChanged);
-        bench.presets.setSelectionMethodIndex(0);
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u"3"_s);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        const QSignalSpy ticks(&fixture.controller, &KXSelectionController::trackTicksChanged);
+        fixture.presets.setSelectionMethodIndex(0);
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u"3"_s);
         QCOMPARE(ticks.count(), 0);
-        bench.presets.applyCurrentPresetSelections();
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u"3"_s);
+        fixture.presets.applyCurrentPresetSelections();
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u"3"_s);
         QCOMPARE(ticks.count(), 0);
     }
 
@@ -53,74 +54,74 @@ private Q_SLOTS:
         QFETCH(const int, index);
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        bench.file->trackList().at(3)->setTrackSelected(true);
-        bench.presets.setSelectionMethodIndex(1);
-        bench.file->trackList().at(0)->setTrackSelected(false);
-        bench.file->trackList().at(1)->setTrackSelected(false);
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        const QSignalSpy methods(&bench.presets, &KXPresetsController::methodsChanged);
-        bench.presets.setSelectionMethodIndex(index);
-        QTEST(bench.presets.selectionMethodIndex(), "chosen");
-        QTEST(support::ticksOf(bench.file->trackList()), "ticked");
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        fixture.file->trackList().at(3)->setTrackSelected(true);
+        fixture.presets.setSelectionMethodIndex(1);
+        fixture.file->trackList().at(0)->setTrackSelected(false);
+        fixture.file->trackList().at(1)->setTrackSelected(false);
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        const QSignalSpy methods(&fixture.presets, &KXPresetsController::methodsChanged);
+        fixture.presets.setSelectionMethodIndex(index);
+        QTEST(fixture.presets.selectionMethodIndex(), "chosen");
+        QTEST(support::ticksOf(fixture.file->trackList()), "ticked");
         QCOMPARE(methods.count(), 1);
     }
 
     void choosingTheSameRuleAgainAppliesItAgain()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSelectionMethodIndex(1);
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        bench.presets.setSelectionMethodIndex(1);
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u"1 2 4"_s);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSelectionMethodIndex(1);
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        fixture.presets.setSelectionMethodIndex(1);
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u"1 2 4"_s);
     }
 
     void nextFileGetsTheChosenRule()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        bench.presets.setSelectionMethodIndex(2);
-        bench.open(support::probedFilm());
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u""_s);
-        bench.presets.applyCurrentPresetSelections();
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u"1 2 3 4"_s);
-        QCOMPARE(bench.selection->trackList().size(), 4);
+        PresetFixture fixture(scratch);
+        fixture.presets.setSelectionMethodIndex(2);
+        fixture.open(support::probedFilm());
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u""_s);
+        fixture.presets.applyCurrentPresetSelections();
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u"1 2 3 4"_s);
+        QCOMPARE(fixture.selection->trackList().size(), 4);
     }
 
     void tickingByHandLeavesTheRule()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSelectionMethodIndex(1);
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        bench.controller.trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
-        QCOMPARE(bench.presets.selectionMethodIndex(), 0);
-        QCOMPARE(support::ticksOf(bench.file->trackList()), u"1 2 3 4"_s);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSelectionMethodIndex(1);
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        fixture.controller.trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0);
+        QCOMPARE(support::ticksOf(fixture.file->trackList()), u"1 2 3 4"_s);
     }
 
     void choosingManualSettingsOnlyStoresIt()
     {
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSettingMethodIndex(2);
-        bench.selection->setJobType(u"none"_s);
-        bench.file->trackList().at(0)->setTrackSelected(true);
-        bench.selection->setVidCount(u"1"_s); // an update would make of it that conversion is possible
-        const QSignalSpy state(&bench.controller, &KXSelectionController::stateChanged);
-        const QSignalSpy methods(&bench.presets, &KXPresetsController::methodsChanged);
-        bench.presets.setSettingMethodIndex(0);
-        QCOMPARE(bench.presets.settingMethodIndex(), 0);
-        QCOMPARE(bench.selection->jobType(), u"none"_s);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSettingMethodIndex(2);
+        fixture.selection->setJobType(u"none"_s);
+        fixture.file->trackList().at(0)->setTrackSelected(true);
+        fixture.selection->setVidCount(u"1"_s); // an update would make of it that conversion is possible
+        const QSignalSpy state(&fixture.controller, &KXSelectionController::stateChanged);
+        const QSignalSpy methods(&fixture.presets, &KXPresetsController::methodsChanged);
+        fixture.presets.setSettingMethodIndex(0);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
+        QCOMPARE(fixture.selection->jobType(), u"none"_s);
         QCOMPARE(state.count(), 0);
         QCOMPARE(methods.count(), 1);
-        QVERIFY(!bench.controller.canConvert());
+        QVERIFY(!fixture.controller.canConvert());
     }
 
     void choosingSettingsAppliesThem_data()
@@ -143,29 +144,29 @@ private Q_SLOTS:
         QFETCH(const int, index);
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSettingMethodIndex(index);
-        QTEST(bench.presets.settingMethodIndex(), "chosen");
-        QTEST(bench.selection->jobType(), "jobType");
-        QTEST(bench.controller.mp4Device(), "device");
-        QVERIFY(!bench.presets.changingPresetSetting());
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSettingMethodIndex(index);
+        QTEST(fixture.presets.settingMethodIndex(), "chosen");
+        QTEST(fixture.selection->jobType(), "jobType");
+        QTEST(fixture.controller.mp4Device(), "device");
+        QVERIFY(!fixture.presets.changingPresetSetting());
     }
 
     void whileSettingsAreAppliedTheyAreBeingChanged()
     {
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
         QList<bool> seen;
-        connect(&bench.controller, &KXSelectionController::trackRowsDeselected, this,
-                [&] { seen.append(bench.presets.changingPresetSetting()); });
-        bench.presets.setSettingMethodIndex(2);
-        bench.presets.applyCurrentPresetSettings(); // nobody chose anything here
-        bench.presets.setSettingMethodIndex(1);
+        connect(&fixture.controller, &KXSelectionController::trackRowsDeselected, this,
+                [&] { seen.append(fixture.presets.changingPresetSetting()); });
+        fixture.presets.setSettingMethodIndex(2);
+        fixture.presets.applyCurrentPresetSettings(); // nobody chose anything here
+        fixture.presets.setSettingMethodIndex(1);
         QCOMPARE(seen, QList<bool>({true, false, true}));
-        QVERIFY(!bench.presets.changingPresetSetting());
+        QVERIFY(!fixture.presets.changingPresetSetting());
     }
 
     /// The change of the tab does not take back the choice that made it.
@@ -173,14 +174,14 @@ private Q_SLOTS:
     {
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.controller.setCurrentTab(u"Edit Files"_s);
-        bench.presets.setSettingMethodIndex(3);
-        QCOMPARE(bench.controller.currentTab(), u"MKV"_s);
-        QCOMPARE(bench.presets.settingMethodIndex(), 3);
-        bench.controller.setCurrentTab(u"Edit Files"_s); // but a change by hand leaves it
-        QCOMPARE(bench.presets.settingMethodIndex(), 0);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
+        fixture.presets.setSettingMethodIndex(3);
+        QCOMPARE(fixture.controller.currentTab(), u"MKV"_s);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 3);
+        fixture.controller.setCurrentTab(u"Edit Files"_s); // but a change by hand leaves it
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
     }
 
     void appliedSettingsReachTheTracks()
@@ -190,14 +191,14 @@ private Q_SLOTS:
         record.insert(u"pSubAction"_s, u"Burn (hard)"_s);
         record.insert(u"pVideoActionIndex"_s, 2);
         support::storePresets(scratch, {}, {record});
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSelectionMethodIndex(2);
-        bench.presets.setSettingMethodIndex(2);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSelectionMethodIndex(2);
+        fixture.presets.setSettingMethodIndex(2);
         // The update behind the settings is what writes these.
-        QCOMPARE(bench.file->trackList().at(0)->userCodec(), u"h264"_s);
-        QCOMPARE(bench.file->trackList().at(3)->userCodec(), u"burn"_s);
-        QCOMPARE(bench.selection->userPassNumber(), u"2"_s);
+        QCOMPARE(fixture.file->trackList().at(0)->userCodec(), u"h264"_s);
+        QCOMPARE(fixture.file->trackList().at(3)->userCodec(), u"burn"_s);
+        QCOMPARE(fixture.selection->userPassNumber(), u"2"_s);
     }
 
     void everyNewSelectionGetsTheChosenSettings()
@@ -206,38 +207,38 @@ private Q_SLOTS:
         QVariantMap record = settingsRecord(u"AC3"_s);
         record.insert(u"pSurroundActionIndex"_s, 3);
         support::storePresets(scratch, {}, {record});
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.presets.setSelectionMethodIndex(1);
-        bench.presets.setSettingMethodIndex(2);
-        QCOMPARE(support::outputsOf(*bench.file->trackList().at(2)), u"passthru 6 0"_s);
-        bench.file->trackList().at(2)->setTrackSelected(true);
-        bench.controller.trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
-        QCOMPARE(support::outputsOf(*bench.file->trackList().at(2)), u"ac3 6 448"_s);
-        QCOMPARE(bench.presets.settingMethodIndex(), 2);
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.presets.setSelectionMethodIndex(1);
+        fixture.presets.setSettingMethodIndex(2);
+        QCOMPARE(support::outputsOf(*fixture.file->trackList().at(2)), u"passthru 6 0"_s);
+        fixture.file->trackList().at(2)->setTrackSelected(true);
+        fixture.controller.trackTableSelectionChanged(KXSelectionController::Sender::TrackTable);
+        QCOMPARE(support::outputsOf(*fixture.file->trackList().at(2)), u"ac3 6 448"_s);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 2);
     }
 
     void manualSettingsStillUpdateWhatMayBeDone()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        bench.open(support::probedFilm());
-        bench.selection->setVidCount(u"1"_s);
-        QVERIFY(!bench.controller.canConvert());
-        bench.presets.applyCurrentPresetSettings();
-        QVERIFY(bench.controller.canConvert());
+        PresetFixture fixture(scratch);
+        fixture.open(support::probedFilm());
+        fixture.selection->setVidCount(u"1"_s);
+        QVERIFY(!fixture.controller.canConvert());
+        fixture.presets.applyCurrentPresetSettings();
+        QVERIFY(fixture.controller.canConvert());
     }
 
     void chosenSettingsHaveAName()
     {
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        QCOMPARE(bench.presets.currentPresetSettingName(), u"Manual"_s);
-        bench.presets.setSettingMethodIndex(1);
-        QCOMPARE(bench.presets.currentPresetSettingName(), u"Extract Tracks"_s);
-        bench.presets.setSettingMethodIndex(3);
-        QCOMPARE(bench.presets.currentPresetSettingName(), u"For Xbox"_s);
+        PresetFixture fixture(scratch);
+        QCOMPARE(fixture.presets.currentPresetSettingName(), u"Manual"_s);
+        fixture.presets.setSettingMethodIndex(1);
+        QCOMPARE(fixture.presets.currentPresetSettingName(), u"Extract Tracks"_s);
+        fixture.presets.setSettingMethodIndex(3);
+        QCOMPARE(fixture.presets.currentPresetSettingName(), u"For Xbox"_s);
     }
 
     /// Rows are of the sheet, which hides "Manual"; they are removed one after another.
@@ -273,17 +274,17 @@ private Q_SLOTS:
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
         {
-            PresetBench bench(scratch);
+            PresetFixture fixture(scratch);
             for (const int row : removedRows) {
-                bench.presets.selectionListTableClicked(row);
-                bench.presets.removePresetSelection();
+                fixture.presets.selectionListTableClicked(row);
+                fixture.presets.removePresetSelection();
             }
-            QVERIFY(bench.presets.savePresetSelectionsListToUserDefaults().isNull());
-            bench.presets.setSelectionMethodIndex(index);
-            QCOMPARE(bench.presets.presetSelectionsList().at(index)->pName(), name);
-            QCOMPARE(bench.presets.selectionMethodIndexToStore(), stored);
+            QVERIFY(fixture.presets.savePresetSelectionsListToUserDefaults().isNull());
+            fixture.presets.setSelectionMethodIndex(index);
+            QCOMPARE(fixture.presets.presetSelectionsList().at(index)->pName(), name);
+            QCOMPARE(fixture.presets.selectionMethodIndexToStore(), stored);
         }
-        const PresetBench next(scratch);
+        const PresetFixture next(scratch);
         QCOMPARE(next.presets.presetSelectionsNamesList().at(stored), name);
     }
 
@@ -313,17 +314,17 @@ private Q_SLOTS:
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
         {
-            PresetBench bench(scratch);
+            PresetFixture fixture(scratch);
             for (const int row : removedRows) {
-                bench.presets.settingsListTableClicked(row);
-                bench.presets.removePresetSettings();
+                fixture.presets.settingsListTableClicked(row);
+                fixture.presets.removePresetSettings();
             }
-            QVERIFY(bench.presets.savePresetSettingsListToUserDefaults().isNull());
-            bench.presets.setSettingMethodIndex(index);
-            QCOMPARE(bench.presets.presetSettingsList().at(index)->pName(), name);
-            QCOMPARE(bench.presets.settingMethodIndexToStore(), stored);
+            QVERIFY(fixture.presets.savePresetSettingsListToUserDefaults().isNull());
+            fixture.presets.setSettingMethodIndex(index);
+            QCOMPARE(fixture.presets.presetSettingsList().at(index)->pName(), name);
+            QCOMPARE(fixture.presets.settingMethodIndexToStore(), stored);
         }
-        const PresetBench next(scratch);
+        const PresetFixture next(scratch);
         QCOMPARE(next.presets.presetSettingsNamesList().at(stored), name);
     }
 
@@ -331,21 +332,21 @@ private Q_SLOTS:
     {
         const support::Scratch scratch;
         storeTwoOfEach(scratch);
-        PresetBench bench(scratch);
-        bench.presets.setSelectionMethodIndex(4);
-        bench.presets.setSettingMethodIndex(3);
-        bench.presets.selectionListTableClicked(3);
-        bench.presets.removePresetSelection();
-        bench.presets.settingsListTableClicked(2);
-        bench.presets.removePresetSettings();
+        PresetFixture fixture(scratch);
+        fixture.presets.setSelectionMethodIndex(4);
+        fixture.presets.setSettingMethodIndex(3);
+        fixture.presets.selectionListTableClicked(3);
+        fixture.presets.removePresetSelection();
+        fixture.presets.settingsListTableClicked(2);
+        fixture.presets.removePresetSettings();
         // The sheets are still open: the indices point behind the lists.
-        QCOMPARE(bench.presets.selectionMethodIndexToStore(), 0);
-        QCOMPARE(bench.presets.settingMethodIndexToStore(), 0);
-        QVERIFY(bench.presets.currentPresetSettingName().isNull());
-        bench.presets.applyCurrentPresetSelections();
-        bench.presets.applyCurrentPresetSettings();
+        QCOMPARE(fixture.presets.selectionMethodIndexToStore(), 0);
+        QCOMPARE(fixture.presets.settingMethodIndexToStore(), 0);
+        QVERIFY(fixture.presets.currentPresetSettingName().isNull());
+        fixture.presets.applyCurrentPresetSelections();
+        fixture.presets.applyCurrentPresetSettings();
     }
 };
 
-QTEST_GUILESS_MAIN(ChosenPresetsTest)
+TESSARAY_TEST(ChosenPresetsTest)
 #include "ChosenPresetsTest.moc"

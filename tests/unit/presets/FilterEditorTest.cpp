@@ -1,14 +1,15 @@
 #include "presets/FilterEditor.h"
 
-#include "support/FilterBench.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/FilterFixture.h"
+#include "support/presets/PresetFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using presets::FilterKind;
-using support::FilterBench;
+using support::FilterFixture;
 using support::filterOf;
 using support::sounds;
 using support::subtitles;
@@ -44,21 +45,21 @@ private Q_SLOTS:
         QFETCH(const QString, thirdButton);
         QFETCH(const bool, thirdButtonShown);
         for (const int base : {100, 200}) {
-            FilterBench bench(1, 1);
+            FilterFixture fixture(1, 1);
             const QVariant filter = filterOf(base == 100 ? sounds.at(0) : subtitles.at(0));
             if (base == 100)
-                bench.preset->setPAudioFilterArray(QVariantList(filters, filter));
+                fixture.preset->setPAudioFilterArray(QVariantList(filters, filter));
             else
-                bench.preset->setPSubtitleFilterArray(QVariantList(filters, filter));
-            bench.editor.adjustFilterButtonsCount();
-            QVERIFY(bench.button(base + 1).visible);
-            QCOMPARE(bench.button(base + 2).visible, second);
-            QCOMPARE(bench.button(base + 3).visible, third);
-            QVERIFY(bench.button(base + 92).visible);
-            QCOMPARE(bench.button(base + 93).visible, thirdButtonShown);
-            QCOMPARE(bench.title(base + 92), secondButton);
-            QCOMPARE(bench.title(base + 93), thirdButton);
-            const FilterEditor &editor = bench.editor;
+                fixture.preset->setPSubtitleFilterArray(QVariantList(filters, filter));
+            fixture.editor.adjustFilterButtonsCount();
+            QVERIFY(fixture.button(base + 1).visible);
+            QCOMPARE(fixture.button(base + 2).visible, second);
+            QCOMPARE(fixture.button(base + 3).visible, third);
+            QVERIFY(fixture.button(base + 92).visible);
+            QCOMPARE(fixture.button(base + 93).visible, thirdButtonShown);
+            QCOMPARE(fixture.title(base + 92), secondButton);
+            QCOMPARE(fixture.title(base + 93), thirdButton);
+            const FilterEditor &editor = fixture.editor;
             QCOMPARE(base == 100 ? editor.af2Visibility() : editor.sf2Visibility(), second);
             QCOMPARE(base == 100 ? editor.af3Visibility() : editor.sf3Visibility(), third);
             QVERIFY(!(base == 100 ? editor.sf2Visibility() : editor.af2Visibility())); // it has one
@@ -67,53 +68,53 @@ private Q_SLOTS:
 
     void buttonsCarryTheirTagsAndTitles()
     {
-        const FilterBench bench;
+        const FilterFixture fixture;
         for (const int tag : {101, 102, 103, 201, 202, 203, 192, 193, 292, 293})
-            QCOMPARE(bench.button(tag).tag, tag);
+            QCOMPARE(fixture.button(tag).tag, tag);
         for (const int base : {100, 200}) {
-            QCOMPARE(bench.title(base + 1), u"Filter #1"_s);
-            QCOMPARE(bench.title(base + 2), u"Filter #2"_s);
-            QCOMPARE(bench.title(base + 3), u"Filter #3"_s);
+            QCOMPARE(fixture.title(base + 1), u"Filter #1"_s);
+            QCOMPARE(fixture.title(base + 2), u"Filter #2"_s);
+            QCOMPARE(fixture.title(base + 3), u"Filter #3"_s);
         }
-        QCOMPARE(bench.enabled(FilterKind::Audio), support::allAudioButtons);
-        QCOMPARE(bench.enabled(FilterKind::Subtitle), support::allSubtitleButtons);
-        QCOMPARE(bench.editor.panelTag(), 0);
+        QCOMPARE(fixture.enabled(FilterKind::Audio), support::allAudioButtons);
+        QCOMPARE(fixture.enabled(FilterKind::Subtitle), support::allSubtitleButtons);
+        QCOMPARE(fixture.editor.panelTag(), 0);
     }
 
     void editorShowsThePresetsFilters()
     {
-        FilterBench bench(2, 3);
-        QCOMPARE(textOf(bench.editor.currentAudioFilterArray()), sounds.mid(0, 2).join(u"; "_s));
-        QCOMPARE(textOf(bench.editor.currentSubtitleFilterArray()), subtitles.join(u"; "_s));
-        bench.editor.setPreset(nullptr);
-        QVERIFY(bench.editor.currentAudioFilterArray().isEmpty());
-        QVERIFY(bench.editor.currentSubtitleFilterArray().isEmpty());
-        QVERIFY(!bench.editor.af2Visibility());
-        QVERIFY(!bench.editor.sf2Visibility());
-        QCOMPARE(bench.enabled(FilterKind::Audio), u""_s);
-        QCOMPARE(bench.enabled(FilterKind::Subtitle), u""_s);
+        FilterFixture fixture(2, 3);
+        QCOMPARE(textOf(fixture.editor.currentAudioFilterArray()), sounds.mid(0, 2).join(u"; "_s));
+        QCOMPARE(textOf(fixture.editor.currentSubtitleFilterArray()), subtitles.join(u"; "_s));
+        fixture.editor.setPreset(nullptr);
+        QVERIFY(fixture.editor.currentAudioFilterArray().isEmpty());
+        QVERIFY(fixture.editor.currentSubtitleFilterArray().isEmpty());
+        QVERIFY(!fixture.editor.af2Visibility());
+        QVERIFY(!fixture.editor.sf2Visibility());
+        QCOMPARE(fixture.enabled(FilterKind::Audio), u""_s);
+        QCOMPARE(fixture.enabled(FilterKind::Subtitle), u""_s);
     }
 
     void plusAppendsADefaultFilter()
     {
-        FilterBench bench(1, 1);
-        const QSignalSpy changed(&bench.editor, &FilterEditor::changed);
-        bench.editor.addFilterButtonClicked(192);
-        QCOMPARE(bench.audio(), sounds.at(0) + u"; "_s + sounds.at(0));
-        QCOMPARE(bench.subtitle(), subtitles.at(0));
-        QCOMPARE(bench.title(192), u"-"_s);
-        QVERIFY(bench.editor.af2Visibility());
+        FilterFixture fixture(1, 1);
+        const QSignalSpy changed(&fixture.editor, &FilterEditor::changed);
+        fixture.editor.addFilterButtonClicked(192);
+        QCOMPARE(fixture.audio(), sounds.at(0) + u"; "_s + sounds.at(0));
+        QCOMPARE(fixture.subtitle(), subtitles.at(0));
+        QCOMPARE(fixture.title(192), u"-"_s);
+        QVERIFY(fixture.editor.af2Visibility());
         QVERIFY(changed.count() > 0);
-        bench.editor.addFilterButtonClicked(193);
-        QCOMPARE(bench.preset->pAudioFilterArray().size(), 3);
-        QVERIFY(bench.editor.af3Visibility());
-        QCOMPARE(bench.title(193), u"-"_s);
-        bench.editor.addFilterButtonClicked(292);
-        QCOMPARE(bench.subtitle(), subtitles.at(0) + u"; "_s + subtitles.at(0));
-        bench.editor.addFilterButtonClicked(293);
-        QCOMPARE(bench.preset->pSubtitleFilterArray().size(), 3);
-        QCOMPARE(bench.preset->pAudioFilterArray().size(), 3);
-        QVERIFY(bench.editor.sf3Visibility());
+        fixture.editor.addFilterButtonClicked(193);
+        QCOMPARE(fixture.preset->pAudioFilterArray().size(), 3);
+        QVERIFY(fixture.editor.af3Visibility());
+        QCOMPARE(fixture.title(193), u"-"_s);
+        fixture.editor.addFilterButtonClicked(292);
+        QCOMPARE(fixture.subtitle(), subtitles.at(0) + u"; "_s + subtitles.at(0));
+        fixture.editor.addFilterButtonClicked(293);
+        QCOMPARE(fixture.preset->pSubtitleFilterArray().size(), 3);
+        QCOMPARE(fixture.preset->pAudioFilterArray().size(), 3);
+        QVERIFY(fixture.editor.sf3Visibility());
     }
 
     void minusInRowTwoRemovesTheSecondFilter_data() { kinds(); }
@@ -121,12 +122,12 @@ private Q_SLOTS:
     void minusInRowTwoRemovesTheSecondFilter()
     {
         QFETCH(const int, base);
-        FilterBench bench(base == 100 ? 2 : 3, base == 100 ? 3 : 2);
-        bench.editor.addFilterButtonClicked(base + 92);
-        QCOMPARE(bench.audio(), base == 100 ? sounds.at(0) : sounds.join(u"; "_s));
-        QCOMPARE(bench.subtitle(), base == 100 ? subtitles.join(u"; "_s) : subtitles.at(0));
-        QCOMPARE(bench.title(base + 92), u"+"_s);
-        QVERIFY(!bench.button(base + 2).visible);
+        FilterFixture fixture(base == 100 ? 2 : 3, base == 100 ? 3 : 2);
+        fixture.editor.addFilterButtonClicked(base + 92);
+        QCOMPARE(fixture.audio(), base == 100 ? sounds.at(0) : sounds.join(u"; "_s));
+        QCOMPARE(fixture.subtitle(), base == 100 ? subtitles.join(u"; "_s) : subtitles.at(0));
+        QCOMPARE(fixture.title(base + 92), u"+"_s);
+        QVERIFY(!fixture.button(base + 2).visible);
     }
 
     /// Meant: from row 3 too it is the second one that goes.
@@ -135,18 +136,18 @@ private Q_SLOTS:
     void minusInRowThreeRemovesTheSecondFilter()
     {
         QFETCH(const int, base);
-        FilterBench bench;
-        QVERIFY(bench.button(base + 2).visible);
-        QVERIFY(bench.button(base + 3).visible);
-        QCOMPARE(bench.title(base + 92), u"-"_s);
-        QCOMPARE(bench.title(base + 93), u"-"_s);
-        bench.editor.addFilterButtonClicked(base + 93);
-        QCOMPARE(bench.audio(), base == 100 ? sounds.at(0) + u"; "_s + sounds.at(2) : sounds.join(u"; "_s));
-        QCOMPARE(bench.subtitle(),
+        FilterFixture fixture;
+        QVERIFY(fixture.button(base + 2).visible);
+        QVERIFY(fixture.button(base + 3).visible);
+        QCOMPARE(fixture.title(base + 92), u"-"_s);
+        QCOMPARE(fixture.title(base + 93), u"-"_s);
+        fixture.editor.addFilterButtonClicked(base + 93);
+        QCOMPARE(fixture.audio(), base == 100 ? sounds.at(0) + u"; "_s + sounds.at(2) : sounds.join(u"; "_s));
+        QCOMPARE(fixture.subtitle(),
                  base == 100 ? subtitles.join(u"; "_s) : subtitles.at(0) + u"; "_s + subtitles.at(2));
-        QVERIFY(bench.button(base + 2).visible);
-        QVERIFY(!bench.button(base + 3).visible);
-        QCOMPARE(bench.title(base + 93), u"+"_s);
+        QVERIFY(fixture.button(base + 2).visible);
+        QVERIFY(!fixture.button(base + 3).visible);
+        QCOMPARE(fixture.title(base + 93), u"+"_s);
     }
 
     void minusEndsWhatItsRowsButtonShows_data()
@@ -163,12 +164,12 @@ private Q_SLOTS:
     {
         QFETCH(const int, hovered);
         QFETCH(const int, pressed);
-        FilterBench bench;
-        bench.editor.pointerEntered(hovered);
-        QCOMPARE(bench.title(hovered), u"Edit"_s);
-        bench.editor.addFilterButtonClicked(pressed);
-        QCOMPARE(bench.title(hovered), u"Filter #%1"_s.arg(hovered % 10));
-        QCOMPARE(bench.editor.panelTag(), 0);
+        FilterFixture fixture;
+        fixture.editor.pointerEntered(hovered);
+        QCOMPARE(fixture.title(hovered), u"Edit"_s);
+        fixture.editor.addFilterButtonClicked(pressed);
+        QCOMPARE(fixture.title(hovered), u"Filter #%1"_s.arg(hovered % 10));
+        QCOMPARE(fixture.editor.panelTag(), 0);
     }
 
     void tagsOfNoButtonDoNothing_data()
@@ -181,32 +182,32 @@ private Q_SLOTS:
     void tagsOfNoButtonDoNothing()
     {
         QFETCH(const int, tag);
-        FilterBench bench;
-        const QSignalSpy changed(&bench.editor, &FilterEditor::changed);
-        bench.editor.addFilterButtonClicked(tag);
-        bench.editor.openFilterPanelForButton(tag);
-        bench.editor.pointerEntered(tag);
-        bench.editor.editFilterPanel(tag);
-        bench.editor.pointerLeft(tag);
+        FilterFixture fixture;
+        const QSignalSpy changed(&fixture.editor, &FilterEditor::changed);
+        fixture.editor.addFilterButtonClicked(tag);
+        fixture.editor.openFilterPanelForButton(tag);
+        fixture.editor.pointerEntered(tag);
+        fixture.editor.editFilterPanel(tag);
+        fixture.editor.pointerLeft(tag);
         QCOMPARE(changed.count(), 0);
-        QCOMPARE(bench.audio(), sounds.join(u"; "_s));
-        QCOMPARE(bench.subtitle(), subtitles.join(u"; "_s));
+        QCOMPARE(fixture.audio(), sounds.join(u"; "_s));
+        QCOMPARE(fixture.subtitle(), subtitles.join(u"; "_s));
     }
 
     void filterAndAddButtonsAreNotMistaken()
     {
-        FilterBench bench;
-        const QSignalSpy changed(&bench.editor, &FilterEditor::changed);
+        FilterFixture fixture;
+        const QSignalSpy changed(&fixture.editor, &FilterEditor::changed);
         for (const int tag : {101, 102, 103, 201, 202, 203})
-            bench.editor.addFilterButtonClicked(tag);
+            fixture.editor.addFilterButtonClicked(tag);
         for (const int tag : {192, 193, 292, 293}) {
-            bench.editor.openFilterPanelForButton(tag);
-            bench.editor.pointerEntered(tag);
-            bench.editor.editFilterPanel(tag);
-            bench.editor.pointerLeft(tag);
+            fixture.editor.openFilterPanelForButton(tag);
+            fixture.editor.pointerEntered(tag);
+            fixture.editor.editFilterPanel(tag);
+            fixture.editor.pointerLeft(tag);
         }
         QCOMPARE(changed.count(), 0);
-        QCOMPARE(bench.audio(), sounds.join(u"; "_s));
+        QCOMPARE(fixture.audio(), sounds.join(u"; "_s));
     }
 
     void pointerShowsTheFilterOfItsButton_data()
@@ -219,47 +220,47 @@ private Q_SLOTS:
     void pointerShowsTheFilterOfItsButton()
     {
         QFETCH(const int, tag);
-        FilterBench bench;
+        FilterFixture fixture;
         const FilterKind kind = tag < 200 ? FilterKind::Audio : FilterKind::Subtitle;
-        bench.editor.pointerEntered(tag);
-        QCOMPARE(textOf({bench.editor.fields(kind).filter()}),
+        fixture.editor.pointerEntered(tag);
+        QCOMPARE(textOf({fixture.editor.fields(kind).filter()}),
                  (tag < 200 ? sounds : subtitles).at(tag % 10 - 1));
-        QCOMPARE(bench.title(tag), u"Edit"_s);
-        QCOMPARE(bench.editor.panelTag(), tag);
-        QVERIFY(!bench.button(tag).isInEditMode);
-        bench.editor.pointerLeft(tag);
-        QCOMPARE(bench.title(tag), u"Filter #%1"_s.arg(tag % 10));
-        QCOMPARE(bench.editor.panelTag(), 0);
-        QCOMPARE(bench.audio(), sounds.join(u"; "_s));
+        QCOMPARE(fixture.title(tag), u"Edit"_s);
+        QCOMPARE(fixture.editor.panelTag(), tag);
+        QVERIFY(!fixture.button(tag).isInEditMode);
+        fixture.editor.pointerLeft(tag);
+        QCOMPARE(fixture.title(tag), u"Filter #%1"_s.arg(tag % 10));
+        QCOMPARE(fixture.editor.panelTag(), 0);
+        QCOMPARE(fixture.audio(), sounds.join(u"; "_s));
     }
 
     void pointerOverTheSecondSubtitleButtonShowsTheSecondSubtitleFilter()
     {
-        FilterBench bench;
-        bench.editor.pointerEntered(202);
-        const presets::FilterFields &fields = bench.editor.fields(FilterKind::Subtitle);
+        FilterFixture fixture;
+        fixture.editor.pointerEntered(202);
+        const presets::FilterFields &fields = fixture.editor.fields(FilterKind::Subtitle);
         QCOMPARE(fields.userTrackChoice(), u"Tracks w/ Properties ..."_s);
         QCOMPARE(fields.userTrackNumber(), u"2"_s);
         QCOMPARE(fields.userLanguage(), u"English"_s);
         QCOMPARE(fields.userCodec(), u"srt"_s);
         QVERIFY(fields.userChannels().isEmpty());
-        bench.editor.pointerLeft(202);
-        QCOMPARE(bench.title(202), u"Filter #2"_s);
+        fixture.editor.pointerLeft(202);
+        QCOMPARE(fixture.title(202), u"Filter #2"_s);
     }
 
     void openedPanelIsLoadedWithoutBeingShown()
     {
-        FilterBench bench;
-        const QSignalSpy changed(&bench.editor, &FilterEditor::changed);
-        bench.editor.openFilterPanelForButton(103);
-        const presets::FilterFields &fields = bench.editor.fields(FilterKind::Audio);
+        FilterFixture fixture;
+        const QSignalSpy changed(&fixture.editor, &FilterEditor::changed);
+        fixture.editor.openFilterPanelForButton(103);
+        const presets::FilterFields &fields = fixture.editor.fields(FilterKind::Audio);
         QCOMPARE(fields.userTrackChoice(), u"All"_s);
         QCOMPARE(fields.userTrackNumber(), u"3"_s);
         QCOMPARE(fields.userLanguage(), u"German"_s);
         QCOMPARE(fields.userCodec(), u"ac3"_s);
         QCOMPARE(fields.userChannels(), u"Surround Only"_s);
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(bench.editor.panelTag(), 0);
+        QCOMPARE(fixture.editor.panelTag(), 0);
     }
 
     void shownPartFollowsTheChoice_data()
@@ -288,24 +289,24 @@ private Q_SLOTS:
         QFETCH(const int, base);
         QFETCH(const QString, choice);
         QFETCH(const int, height);
-        FilterBench bench;
+        FilterFixture fixture;
         const FilterKind kind = base == 100 ? FilterKind::Audio : FilterKind::Subtitle;
-        bench.editor.setField(kind, u"currentTrackChoice"_s, choice);
-        QCOMPARE(bench.editor.fields(kind).userTrackChoice(), choice);
-        QTEST(bench.editor.fields(kind).isByTrackNumber(), "byNumber");
-        QTEST(bench.editor.fields(kind).isByProperties(), "byProperties");
-        QCOMPARE(bench.editor.property(base == 100 ? "afPanelHeight" : "sfPanelHeight").toInt(), height);
-        QCOMPARE(bench.editor.property(base == 100 ? "sfPanelHeight" : "afPanelHeight").toInt(), 100);
+        fixture.editor.setField(kind, u"currentTrackChoice"_s, choice);
+        QCOMPARE(fixture.editor.fields(kind).userTrackChoice(), choice);
+        QTEST(fixture.editor.fields(kind).isByTrackNumber(), "byNumber");
+        QTEST(fixture.editor.fields(kind).isByProperties(), "byProperties");
+        QCOMPARE(fixture.editor.property(base == 100 ? "afPanelHeight" : "sfPanelHeight").toInt(), height);
+        QCOMPARE(fixture.editor.property(base == 100 ? "sfPanelHeight" : "afPanelHeight").toInt(), 100);
     }
 
     void fieldsThatNoFilterHasAreNotTaken()
     {
-        FilterBench bench;
-        bench.edit(201);
-        bench.editor.setField(FilterKind::Subtitle, u"currentChannels"_s, u"Stereo Only"_s);
-        bench.editor.setField(FilterKind::Subtitle, u"colour"_s, u"blue"_s);
-        bench.editor.editFilterPanel(201);
-        QCOMPARE(bench.subtitle(), subtitles.join(u"; "_s));
+        FilterFixture fixture;
+        fixture.edit(201);
+        fixture.editor.setField(FilterKind::Subtitle, u"currentChannels"_s, u"Stereo Only"_s);
+        fixture.editor.setField(FilterKind::Subtitle, u"colour"_s, u"blue"_s);
+        fixture.editor.editFilterPanel(201);
+        QCOMPARE(fixture.subtitle(), subtitles.join(u"; "_s));
     }
 
 private:
@@ -317,5 +318,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(FilterEditorTest)
+TESSARAY_TEST(FilterEditorTest)
 #include "FilterEditorTest.moc"

@@ -1,7 +1,8 @@
 #include "presets/KXPresetSelections.h"
 
-#include "support/ControllerBench.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QJsonObject>
 #include <QTest>
@@ -12,14 +13,14 @@ using support::textOf;
 
 namespace {
 
-struct Bench
+struct Fixture
 {
-    Bench()
+    Fixture()
         : preset(window.file, window.controller)
     {
     }
 
-    support::ControllerBench window;
+    support::ControllerFixture window;
     KXPresetSelections preset;
 };
 
@@ -96,8 +97,8 @@ class KXPresetSelectionsTest final : public QObject
 private Q_SLOTS:
     void newPresetTakesFirstTracks()
     {
-        const Bench bench;
-        const KXPresetSelections &preset = bench.preset;
+        const Fixture fixture;
+        const KXPresetSelections &preset = fixture.preset;
         QCOMPARE(preset.pName(), u""_s);
         QCOMPARE(preset.pSelectedVideoTrack(), u"First Track"_s);
         QCOMPARE(preset.pSelectedAudioTrack(), u"First Track"_s);
@@ -143,13 +144,13 @@ private Q_SLOTS:
     {
         QFETCH(const Initializer, initializer);
         QFETCH(const QVariantMap, record);
-        Bench bench;
-        (bench.preset.*initializer)();
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        (fixture.preset.*initializer)();
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  textOf(record.value(u"pAudioFilterArray"_s).toList()));
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()),
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()),
                  textOf(record.value(u"pSubtitleFilterArray"_s).toList()));
-        QCOMPARE(bench.preset.makeRecord(), record);
+        QCOMPARE(fixture.preset.makeRecord(), record);
     }
 
     void recordHasExactlyTheFifteenKeys()
@@ -170,8 +171,8 @@ private Q_SLOTS:
                                u"pSubtitleFilterMode"_s,
                                u"pSubtitleFilterArray"_s};
         QCOMPARE(KXPresetSelections::recordWords(), keys);
-        const Bench bench;
-        const QVariantMap record = bench.preset.makeRecord();
+        const Fixture fixture;
+        const QVariantMap record = fixture.preset.makeRecord();
         const QStringList found = record.keys();
         QCOMPARE(QSet<QString>(found.begin(), found.end()), QSet<QString>(keys.begin(), keys.end()));
         const QStringList flags{u"pAudioIsByLanguage"_s, u"pSubtitleIsByLanguage"_s,
@@ -187,9 +188,9 @@ private Q_SLOTS:
 
     void recordIsTakenAndMadeAgain()
     {
-        Bench bench;
-        bench.preset.initFromRecord(ownRecord());
-        const KXPresetSelections &preset = bench.preset;
+        Fixture fixture;
+        fixture.preset.initFromRecord(ownRecord());
+        const KXPresetSelections &preset = fixture.preset;
         QCOMPARE(preset.pName(), u"Mine"_s);
         QCOMPARE(preset.pSelectedVideoTrack(), u"0"_s);
         QCOMPARE(preset.pSelectedAudioTrack(), u"By Language"_s);
@@ -211,9 +212,9 @@ private Q_SLOTS:
 
     void recordSurvivesTheStore()
     {
-        Bench bench;
-        bench.preset.initFromRecord(QJsonObject::fromVariantMap(ownRecord()).toVariantMap());
-        QCOMPARE(bench.preset.makeRecord(), ownRecord());
+        Fixture fixture;
+        fixture.preset.initFromRecord(QJsonObject::fromVariantMap(ownRecord()).toVariantMap());
+        QCOMPARE(fixture.preset.makeRecord(), ownRecord());
     }
 
     void flagsMayBeNumbers()
@@ -222,21 +223,21 @@ private Q_SLOTS:
         record.insert(u"isEditable"_s, 1);
         record.insert(u"useFirstIfNoAudioLanguageMatch"_s, 1.0);
         record.insert(u"useFirstIfNoSubtitleLanguageMatch"_s, 0);
-        Bench bench;
-        bench.preset.initFromRecord(record);
-        QVERIFY(bench.preset.isEditable());
-        QVERIFY(bench.preset.useFirstIfNoAudioLanguageMatch());
-        QVERIFY(!bench.preset.useFirstIfNoSubtitleLanguageMatch());
+        Fixture fixture;
+        fixture.preset.initFromRecord(record);
+        QVERIFY(fixture.preset.isEditable());
+        QVERIFY(fixture.preset.useFirstIfNoAudioLanguageMatch());
+        QVERIFY(!fixture.preset.useFirstIfNoSubtitleLanguageMatch());
     }
 
     void presetAndItsRecordAreIndependent()
     {
         const QVariantMap record = ownRecord();
-        Bench bench;
-        bench.preset.initFromRecord(record);
-        const QVariantMap made = bench.preset.makeRecord();
-        bench.preset.addDictionaryToAudioFilterArray();
-        bench.preset.setPName(u"Other"_s);
+        Fixture fixture;
+        fixture.preset.initFromRecord(record);
+        const QVariantMap made = fixture.preset.makeRecord();
+        fixture.preset.addDictionaryToAudioFilterArray();
+        fixture.preset.setPName(u"Other"_s);
         QCOMPARE(record, ownRecord());
         QCOMPARE(made, ownRecord());
     }
@@ -260,10 +261,10 @@ private Q_SLOTS:
     void audioFilterIsDerivedFromTheOldChoice()
     {
         QFETCH(const QString, choice);
-        Bench bench;
-        bench.preset.initFromRecord(oldRecord(choice, u"None"_s));
-        QTEST(textOf(bench.preset.pAudioFilterArray()), "filter");
-        QCOMPARE(bench.preset.pAudioFilterMode(), u"Apply All"_s);
+        Fixture fixture;
+        fixture.preset.initFromRecord(oldRecord(choice, u"None"_s));
+        QTEST(textOf(fixture.preset.pAudioFilterArray()), "filter");
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u"Apply All"_s);
     }
 
     void subtitleFilterIsDerivedFromTheOldChoice_data()
@@ -283,30 +284,30 @@ private Q_SLOTS:
     void subtitleFilterIsDerivedFromTheOldChoice()
     {
         QFETCH(const QString, choice);
-        Bench bench;
-        bench.preset.initFromRecord(oldRecord(u"First Track"_s, choice));
-        QTEST(textOf(bench.preset.pSubtitleFilterArray()), "filter");
-        QCOMPARE(bench.preset.pSubtitleFilterMode(), u"Apply All"_s);
+        Fixture fixture;
+        fixture.preset.initFromRecord(oldRecord(u"First Track"_s, choice));
+        QTEST(textOf(fixture.preset.pSubtitleFilterArray()), "filter");
+        QCOMPARE(fixture.preset.pSubtitleFilterMode(), u"Apply All"_s);
     }
 
     void oldRecordByLanguageGetsOneFilterInItsAudioLanguage()
     {
-        Bench bench;
-        bench.preset.initFromRecord(oldRecord(u"By Language"_s, u"None"_s));
-        QCOMPARE(bench.preset.pAudioFilterArray().size(), 1);
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(oldRecord(u"By Language"_s, u"None"_s));
+        QCOMPARE(fixture.preset.pAudioFilterArray().size(), 1);
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s);
-        QCOMPARE(bench.preset.pAudioFilterMode(), u"Apply All"_s);
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u"Apply All"_s);
     }
 
     /// Meant: the subtitles' own language is kept in the record and never used.
     void subtitlesByLanguageTakeTheAudioLanguage()
     {
-        Bench bench;
-        bench.preset.initFromRecord(oldRecord(u"First Track"_s, u"By Language"_s));
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(oldRecord(u"First Track"_s, u"By Language"_s));
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec"_s);
-        QCOMPARE(bench.preset.pSelectedSubtitleLanguage(), u"French"_s);
+        QCOMPARE(fixture.preset.pSelectedSubtitleLanguage(), u"French"_s);
     }
 
     void emptyFilterListIsLikeNone()
@@ -314,52 +315,52 @@ private Q_SLOTS:
         QVariantMap record = ownRecord();
         record.insert(u"pAudioFilterArray"_s, QVariantList());
         record.insert(u"pSubtitleFilterArray"_s, QVariantList());
-        Bench bench;
-        bench.preset.initFromRecord(record);
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(record);
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s);
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()),
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec"_s);
-        QCOMPARE(bench.preset.pAudioFilterMode(), u"Prioritized"_s); // stored modes stay all the same
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u"Prioritized"_s); // stored modes stay all the same
     }
 
     void eachKindIsDerivedOnItsOwn()
     {
-        Bench bench;
-        bench.preset.initFromRecord(without(ownRecord(), {u"pAudioFilterArray"_s}));
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(without(ownRecord(), {u"pAudioFilterArray"_s}));
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s);
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()), u"All|4|French|srt"_s);
-        bench.preset.initFromRecord(without(ownRecord(), {u"pSubtitleFilterArray"_s}));
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()), u"All|4|French|srt"_s);
+        fixture.preset.initFromRecord(without(ownRecord(), {u"pSubtitleFilterArray"_s}));
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"All|2|German|ac3|Surround Only; None|3|Latin|aac|Any Type"_s);
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()),
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec"_s);
     }
 
     void modesAreApplyAllWhereTheRecordHasNone()
     {
-        Bench bench;
-        bench.preset.initFromRecord(without(ownRecord(), {u"pAudioFilterMode"_s}));
-        QCOMPARE(bench.preset.pAudioFilterMode(), u"Apply All"_s);
+        Fixture fixture;
+        fixture.preset.initFromRecord(without(ownRecord(), {u"pAudioFilterMode"_s}));
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u"Apply All"_s);
         QVariantMap record = ownRecord();
         record.insert(u"pSubtitleFilterMode"_s, u"Prioritized"_s);
-        bench.preset.initFromRecord(record);
-        QCOMPARE(bench.preset.pAudioFilterMode(), u"Prioritized"_s);
-        QCOMPARE(bench.preset.pSubtitleFilterMode(), u"Prioritized"_s);
-        bench.preset.initFromRecord(without(record, {u"pSubtitleFilterMode"_s}));
-        QCOMPARE(bench.preset.pSubtitleFilterMode(), u"Apply All"_s);
+        fixture.preset.initFromRecord(record);
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u"Prioritized"_s);
+        QCOMPARE(fixture.preset.pSubtitleFilterMode(), u"Prioritized"_s);
+        fixture.preset.initFromRecord(without(record, {u"pSubtitleFilterMode"_s}));
+        QCOMPARE(fixture.preset.pSubtitleFilterMode(), u"Apply All"_s);
         record.insert(u"pAudioFilterMode"_s, u""_s); // an empty one is one
-        bench.preset.initFromRecord(record);
-        QCOMPARE(bench.preset.pAudioFilterMode(), u""_s);
+        fixture.preset.initFromRecord(record);
+        QCOMPARE(fixture.preset.pAudioFilterMode(), u""_s);
     }
 
     void emptyRecordGivesEmptyValues()
     {
-        Bench bench;
-        bench.preset.initializeAsNewUserPreset();
-        bench.preset.initFromRecord({});
-        const KXPresetSelections &preset = bench.preset;
+        Fixture fixture;
+        fixture.preset.initializeAsNewUserPreset();
+        fixture.preset.initFromRecord({});
+        const KXPresetSelections &preset = fixture.preset;
         for (const QString &text : {preset.pName(), preset.pSelectedVideoTrack(),
                                     preset.pSelectedAudioTrack(), preset.pSelectedAudioLanguage(),
                                     preset.pSelectedSubtitleTrack(), preset.pSelectedSubtitleLanguage()})
@@ -380,19 +381,19 @@ private Q_SLOTS:
         record.insert(u"pName"_s, QVariantList{1, 2});
         record.insert(u"isEditable"_s, QVariantList{1});
         record.insert(u"pAudioFilterArray"_s, 7);
-        Bench bench;
-        bench.preset.initFromRecord(ownRecord()); // nothing of it may stay
-        bench.preset.initFromRecord(record);
-        QCOMPARE(bench.preset.pName(), u""_s);
-        QVERIFY(!bench.preset.isEditable());
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(ownRecord()); // nothing of it may stay
+        fixture.preset.initFromRecord(record);
+        QCOMPARE(fixture.preset.pName(), u""_s);
+        QVERIFY(!fixture.preset.isEditable());
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s);
     }
 
     void byLanguageFollowsTheChoice()
     {
-        Bench bench;
-        KXPresetSelections &preset = bench.preset;
+        Fixture fixture;
+        KXPresetSelections &preset = fixture.preset;
         preset.setPSelectedAudioTrack(u"By Language"_s);
         QVERIFY(preset.pAudioIsByLanguage());
         QVERIFY(!preset.pSubtitleIsByLanguage());
@@ -412,30 +413,30 @@ private Q_SLOTS:
         QVariantMap record = ownRecord();
         record.insert(u"pAudioIsByLanguage"_s, false);
         record.insert(u"pSubtitleIsByLanguage"_s, false);
-        Bench bench;
-        bench.preset.initFromRecord(record);
-        QVERIFY(bench.preset.pAudioIsByLanguage());
-        QVERIFY(bench.preset.pSubtitleIsByLanguage());
-        bench.preset.initFromRecord(oldRecord(u"All Tracks"_s, u"None"_s)); // it says true
-        QVERIFY(!bench.preset.pAudioIsByLanguage());
-        QVERIFY(!bench.preset.pSubtitleIsByLanguage());
+        Fixture fixture;
+        fixture.preset.initFromRecord(record);
+        QVERIFY(fixture.preset.pAudioIsByLanguage());
+        QVERIFY(fixture.preset.pSubtitleIsByLanguage());
+        fixture.preset.initFromRecord(oldRecord(u"All Tracks"_s, u"None"_s)); // it says true
+        QVERIFY(!fixture.preset.pAudioIsByLanguage());
+        QVERIFY(!fixture.preset.pSubtitleIsByLanguage());
     }
 
     void addedFiltersTakeTheFirstTrackOfTheirKind()
     {
-        Bench bench;
-        bench.preset.initFromRecord(ownRecord());
-        bench.preset.addDictionaryToAudioFilterArray();
-        QCOMPARE(textOf(bench.preset.pAudioFilterArray()),
+        Fixture fixture;
+        fixture.preset.initFromRecord(ownRecord());
+        fixture.preset.addDictionaryToAudioFilterArray();
+        QCOMPARE(textOf(fixture.preset.pAudioFilterArray()),
                  u"All|2|German|ac3|Surround Only; None|3|Latin|aac|Any Type; "
                  "Audio Track Number|1|Any Language|Any Codec|Any Type"_s);
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()), u"All|4|French|srt"_s);
-        bench.preset.addDictionaryToSubtitleFilterArray();
-        QCOMPARE(textOf(bench.preset.pSubtitleFilterArray()),
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()), u"All|4|French|srt"_s);
+        fixture.preset.addDictionaryToSubtitleFilterArray();
+        QCOMPARE(textOf(fixture.preset.pSubtitleFilterArray()),
                  u"All|4|French|srt; Subtitle Track Number|1|Any Language|Any Codec"_s);
-        QCOMPARE(bench.preset.pAudioFilterArray().size(), 3);
+        QCOMPARE(fixture.preset.pAudioFilterArray().size(), 3);
     }
 };
 
-QTEST_GUILESS_MAIN(KXPresetSelectionsTest)
+TESSARAY_TEST(KXPresetSelectionsTest)
 #include "KXPresetSelectionsTest.moc"

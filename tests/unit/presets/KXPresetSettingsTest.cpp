@@ -1,6 +1,7 @@
 #include "presets/KXPresetSettings.h"
 
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QJsonObject>
 #include <QTest>
@@ -9,14 +10,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Bench
+struct Fixture
 {
-    Bench()
+    Fixture()
         : preset(window.file, window.controller)
     {
     }
 
-    support::ControllerBench window;
+    support::ControllerFixture window;
     KXPresetSettings preset;
 };
 
@@ -69,8 +70,8 @@ class KXPresetSettingsTest final : public QObject
 private Q_SLOTS:
     void nothingIsSetUntilSomebodyDoes()
     {
-        const Bench bench;
-        const KXPresetSettings &preset = bench.preset;
+        const Fixture fixture;
+        const KXPresetSettings &preset = fixture.preset;
         for (const QString &text :
              {preset.pName(), preset.pDevice(), preset.pVideoBitRate(), preset.pWidth(), preset.pFPS(),
               preset.pStereoBitRate(), preset.pSurroundBitRate(), preset.pSubAction()})
@@ -100,15 +101,15 @@ private Q_SLOTS:
     {
         QFETCH(const Initializer, initializer);
         QFETCH(const QString, name);
-        Bench bench;
-        (bench.preset.*initializer)();
-        QCOMPARE(bench.preset.makeRecord(), bareRecord(name));
-        bench.preset.initFromRecord(ownRecord());
-        (bench.preset.*initializer)();
+        Fixture fixture;
+        (fixture.preset.*initializer)();
+        QCOMPARE(fixture.preset.makeRecord(), bareRecord(name));
+        fixture.preset.initFromRecord(ownRecord());
+        (fixture.preset.*initializer)();
         QVariantMap record = ownRecord();
         record.insert(u"pName"_s, name);
         record.insert(u"isEditable"_s, false);
-        QCOMPARE(bench.preset.makeRecord(), record);
+        QCOMPARE(fixture.preset.makeRecord(), record);
     }
 
     void newUserPresetIsLiteral()
@@ -131,12 +132,12 @@ private Q_SLOTS:
                                    {u"pKeepSurroundTrack"_s, false},
                                    {u"pSubAction"_s, u"Mux (soft)"_s},
                                    {u"isEditable"_s, true}};
-        Bench bench;
-        bench.preset.initializeAsNewUserPreset();
-        QCOMPARE(bench.preset.makeRecord(), expected);
-        bench.preset.initFromRecord(ownRecord());
-        bench.preset.initializeAsNewUserPreset();
-        QCOMPARE(bench.preset.makeRecord(), expected);
+        Fixture fixture;
+        fixture.preset.initializeAsNewUserPreset();
+        QCOMPARE(fixture.preset.makeRecord(), expected);
+        fixture.preset.initFromRecord(ownRecord());
+        fixture.preset.initializeAsNewUserPreset();
+        QCOMPARE(fixture.preset.makeRecord(), expected);
     }
 
     void recordHasExactlyTheEighteenKeys()
@@ -161,8 +162,8 @@ private Q_SLOTS:
                                u"isEditable"_s};
         QCOMPARE(keys.size(), 18);
         QCOMPARE(KXPresetSettings::recordWords(), keys);
-        const Bench bench;
-        const QVariantMap record = bench.preset.makeRecord();
+        const Fixture fixture;
+        const QVariantMap record = fixture.preset.makeRecord();
         const QStringList found = record.keys();
         QCOMPARE(QSet<QString>(found.begin(), found.end()), QSet<QString>(keys.begin(), keys.end()));
         const QStringList flags{u"pAudioAddStereo"_s, u"pKeepStereoTrack"_s, u"pKeepSurroundTrack"_s,
@@ -177,9 +178,9 @@ private Q_SLOTS:
 
     void recordIsTakenAndMadeAgain()
     {
-        Bench bench;
-        bench.preset.initFromRecord(ownRecord());
-        const KXPresetSettings &preset = bench.preset;
+        Fixture fixture;
+        fixture.preset.initFromRecord(ownRecord());
+        const KXPresetSettings &preset = fixture.preset;
         QCOMPARE(preset.pName(), u"Mine"_s);
         QCOMPARE(preset.pDevice(), u"PS3"_s);
         QCOMPARE(preset.pVideoActionIndex(), 2);
@@ -203,9 +204,9 @@ private Q_SLOTS:
 
     void recordSurvivesTheStore()
     {
-        Bench bench;
-        bench.preset.initFromRecord(QJsonObject::fromVariantMap(ownRecord()).toVariantMap());
-        QCOMPARE(bench.preset.makeRecord(), ownRecord());
+        Fixture fixture;
+        fixture.preset.initFromRecord(QJsonObject::fromVariantMap(ownRecord()).toVariantMap());
+        QCOMPARE(fixture.preset.makeRecord(), ownRecord());
     }
 
     void missingKeyIsEmptyOrZero_data()
@@ -221,9 +222,9 @@ private Q_SLOTS:
         QFETCH(const QString, key);
         QVariantMap record = ownRecord();
         record.remove(key);
-        Bench bench;
-        bench.preset.initFromRecord(ownRecord()); // no rest of this may stay
-        bench.preset.initFromRecord(record);
+        Fixture fixture;
+        fixture.preset.initFromRecord(ownRecord()); // no rest of this may stay
+        fixture.preset.initFromRecord(record);
         QVariantMap expected = ownRecord();
         if (expected.value(key).typeId() == QMetaType::QString)
             expected.insert(key, u""_s);
@@ -231,7 +232,7 @@ private Q_SLOTS:
             expected.insert(key, 0);
         else
             expected.insert(key, false);
-        QCOMPARE(bench.preset.makeRecord(), expected);
+        QCOMPARE(fixture.preset.makeRecord(), expected);
     }
 
     void actionsThreeAndFourAreGuesses_data()
@@ -251,16 +252,16 @@ private Q_SLOTS:
     {
         QFETCH(const int, action);
         QFETCH(const bool, guesses);
-        Bench bench;
-        bench.preset.setPVideoActionIsBestGuess(!guesses);
-        bench.preset.setPVideoActionIndex(action);
-        QCOMPARE(bench.preset.pVideoActionIndex(), action);
-        QCOMPARE(bench.preset.pVideoActionIsBestGuess(), guesses);
+        Fixture fixture;
+        fixture.preset.setPVideoActionIsBestGuess(!guesses);
+        fixture.preset.setPVideoActionIndex(action);
+        QCOMPARE(fixture.preset.pVideoActionIndex(), action);
+        QCOMPARE(fixture.preset.pVideoActionIsBestGuess(), guesses);
 
         QVariantMap record = ownRecord();
         record.insert(u"pVideoActionIndex"_s, action);
         record.insert(u"pVideoActionIsBestGuess"_s, !guesses); // no such key is read, nor written
-        Bench stored;
+        Fixture stored;
         stored.preset.initFromRecord(record);
         QCOMPARE(stored.preset.pVideoActionIsBestGuess(), guesses);
         QVERIFY(!stored.preset.makeRecord().contains(u"pVideoActionIsBestGuess"_s));
@@ -302,5 +303,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXPresetSettingsTest)
+TESSARAY_TEST(KXPresetSettingsTest)
 #include "KXPresetSettingsTest.moc"

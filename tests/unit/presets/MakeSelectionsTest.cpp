@@ -1,7 +1,8 @@
 #include "presets/KXPresetSelections.h"
 
-#include "support/ControllerBench.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -37,9 +38,9 @@ TrackList film()
             externalSubtitle(u"French"_s)};
 }
 
-struct Bench
+struct Fixture
 {
-    explicit Bench(const TrackList &tracks = film())
+    explicit Fixture(const TrackList &tracks = film())
         : window(tracks)
         , preset(window.file, window.controller)
     {
@@ -73,7 +74,7 @@ struct Bench
         return ticked();
     }
 
-    support::ControllerBench window;
+    support::ControllerFixture window;
     KXPresetSelections preset;
 };
 
@@ -87,55 +88,55 @@ class MakeSelectionsTest final : public QObject
 private Q_SLOTS:
     void manualTouchesNothingAndTellsNobody()
     {
-        Bench bench;
-        bench.tick({2, 5});
-        bench.preset.initializeAsByID();
-        const QSignalSpy ticks(&bench.window.controller, &KXSelectionController::trackTicksChanged);
-        QCOMPARE(bench.applied(), u"2 5"_s);
-        QVERIFY(bench.window.presets.calls.isEmpty());
+        Fixture fixture;
+        fixture.tick({2, 5});
+        fixture.preset.initializeAsByID();
+        const QSignalSpy ticks(&fixture.window.controller, &KXSelectionController::trackTicksChanged);
+        QCOMPARE(fixture.applied(), u"2 5"_s);
+        QVERIFY(fixture.window.presets.calls.isEmpty());
         QCOMPARE(ticks.count(), 0);
-        QVERIFY(bench.window.selection->trackList().isEmpty());
+        QVERIFY(fixture.window.selection->trackList().isEmpty());
     }
 
     void theNameAloneMakesItManual()
     {
-        Bench bench;
-        bench.preset.initializeAsAll();
-        bench.preset.setPName(u"Manual"_s);
-        QCOMPARE(bench.applied(), u""_s);
-        bench.preset.setPName(u"manual"_s);
-        QCOMPARE(bench.applied(), u"1 2 3 4 5 6"_s);
+        Fixture fixture;
+        fixture.preset.initializeAsAll();
+        fixture.preset.setPName(u"Manual"_s);
+        QCOMPARE(fixture.applied(), u""_s);
+        fixture.preset.setPName(u"manual"_s);
+        QCOMPARE(fixture.applied(), u"1 2 3 4 5 6"_s);
     }
 
     void withoutAFileNothingHappens()
     {
-        Bench bench;
-        bench.tick({2, 5});
-        bench.window.file->setTheFileName(u"none"_s);
-        const QSignalSpy ticks(&bench.window.controller, &KXSelectionController::trackTicksChanged);
-        QCOMPARE(bench.applied(), u"2 5"_s);
-        QVERIFY(bench.window.presets.calls.isEmpty());
+        Fixture fixture;
+        fixture.tick({2, 5});
+        fixture.window.file->setTheFileName(u"none"_s);
+        const QSignalSpy ticks(&fixture.window.controller, &KXSelectionController::trackTicksChanged);
+        QCOMPARE(fixture.applied(), u"2 5"_s);
+        QVERIFY(fixture.window.presets.calls.isEmpty());
         QCOMPARE(ticks.count(), 0);
     }
 
     void everythingIsUntickedFirst()
     {
-        Bench bench;
-        bench.tick({1, 2, 3, 4, 5, 6});
-        bench.preset.setPSelectedVideoTrack(u"0"_s);
-        bench.setFilters({noAudio}, {noSubtitle});
-        QCOMPARE(bench.applied(), u""_s);
+        Fixture fixture;
+        fixture.tick({1, 2, 3, 4, 5, 6});
+        fixture.preset.setPSelectedVideoTrack(u"0"_s);
+        fixture.setFilters({noAudio}, {noSubtitle});
+        QCOMPARE(fixture.applied(), u""_s);
     }
 
     void everyRunStartsAnew()
     {
-        Bench bench;
-        KXPresetSelections all(bench.window.file, bench.window.controller);
+        Fixture fixture;
+        KXPresetSelections all(fixture.window.file, fixture.window.controller);
         all.initializeAsAll();
         all.makeSelections();
-        QCOMPARE(bench.ticked(), u"1 2 3 4 5 6"_s);
-        QCOMPARE(bench.applied(), u"1 2"_s);
-        QCOMPARE(bench.applied(), u"1 2"_s);
+        QCOMPARE(fixture.ticked(), u"1 2 3 4 5 6"_s);
+        QCOMPARE(fixture.applied(), u"1 2"_s);
+        QCOMPARE(fixture.applied(), u"1 2"_s);
     }
 
     void builtInsChoose_data()
@@ -150,8 +151,8 @@ private Q_SLOTS:
     void builtInsChoose()
     {
         QFETCH(const int, builtIn);
-        Bench bench;
-        KXPresetSelections preset(bench.window.file, bench.window.controller);
+        Fixture fixture;
+        KXPresetSelections preset(fixture.window.file, fixture.window.controller);
         if (builtIn == 1)
             preset.initializeAsFirst();
         else if (builtIn == 2)
@@ -159,7 +160,7 @@ private Q_SLOTS:
         else
             preset.initializeAsNewUserPreset();
         preset.makeSelections();
-        QTEST(bench.ticked(), "ticked");
+        QTEST(fixture.ticked(), "ticked");
     }
 
     void onlyTheFirstTrackCanBeTheVideo_data()
@@ -189,81 +190,82 @@ private Q_SLOTS:
             tracks.append(probedVideo());
             tracks.constLast()->setTrackType(type);
         }
-        Bench bench(tracks);
-        bench.preset.setPSelectedVideoTrack(choice);
-        bench.setFilters({noAudio}, {noSubtitle});
-        QTEST(bench.applied(), "ticked");
+        Fixture fixture(tracks);
+        fixture.preset.setPSelectedVideoTrack(choice);
+        fixture.setFilters({noAudio}, {noSubtitle});
+        QTEST(fixture.applied(), "ticked");
     }
 
     void audioAsFirstTrackLeavesNoVideo()
     {
-        Bench bench({probedAudio(), probedVideo()});
-        QCOMPARE(bench.applied(), u"1"_s); // the sound that the rule takes, and no video
+        Fixture fixture({probedAudio(), probedVideo()});
+        QCOMPARE(fixture.applied(), u"1"_s); // the sound that the rule takes, and no video
     }
 
     void thirdOfTwoSoundsIsNone()
     {
-        Bench bench;
-        bench.setFilters({u"Audio Track Number|3|Any Language|Any Codec|Any Type"_s}, {noSubtitle});
-        QCOMPARE(bench.applied(), u"1"_s);
+        Fixture fixture;
+        fixture.setFilters({u"Audio Track Number|3|Any Language|Any Codec|Any Type"_s}, {noSubtitle});
+        QCOMPARE(fixture.applied(), u"1"_s);
     }
 
     void prioritizedLanguageEndsTheList()
     {
-        Bench bench({probedVideo(), probedAudio(u"aac"_s, u"2"_s, u"German"_s),
-                     probedAudio(u"aac"_s, u"2"_s, u"English"_s)});
-        bench.setFilters({u"Tracks w/ Properties ...|1|English|Any Codec|Any Type"_s,
-                          u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s},
-                         {noSubtitle});
-        bench.preset.setPAudioFilterMode(u"Prioritized"_s);
-        QCOMPARE(bench.applied(), u"1 3"_s);
-        bench.preset.setPAudioFilterMode(u"Apply All"_s);
-        QCOMPARE(bench.applied(), u"1 2 3"_s);
+        Fixture fixture({probedVideo(), probedAudio(u"aac"_s, u"2"_s, u"German"_s),
+                         probedAudio(u"aac"_s, u"2"_s, u"English"_s)});
+        fixture.setFilters({u"Tracks w/ Properties ...|1|English|Any Codec|Any Type"_s,
+                            u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s},
+                           {noSubtitle});
+        fixture.preset.setPAudioFilterMode(u"Prioritized"_s);
+        QCOMPARE(fixture.applied(), u"1 3"_s);
+        fixture.preset.setPAudioFilterMode(u"Apply All"_s);
+        QCOMPARE(fixture.applied(), u"1 2 3"_s);
     }
 
     void stereoOnlyTakesTwoChannelsAndNotSix()
     {
-        Bench bench;
-        bench.setFilters({u"Tracks w/ Properties ...|1|Any Language|Any Codec|Stereo Only"_s}, {noSubtitle});
-        QCOMPARE(bench.applied(), u"1 2"_s);
+        Fixture fixture;
+        fixture.setFilters({u"Tracks w/ Properties ...|1|Any Language|Any Codec|Stereo Only"_s},
+                           {noSubtitle});
+        QCOMPARE(fixture.applied(), u"1 2"_s);
     }
 
     void modesArePerKind()
     {
-        Bench bench;
-        bench.setFilters({u"Audio Track Number|1|||"_s, u"Audio Track Number|2|||"_s},
-                         {u"Subtitle Track Number|1||"_s, u"Subtitle Track Number|2||"_s});
-        bench.preset.setPAudioFilterMode(u"Prioritized"_s);
-        bench.preset.setPSubtitleFilterMode(u"Apply All"_s);
-        QCOMPARE(bench.applied(), u"1 2 4 5"_s);
-        bench.preset.setPAudioFilterMode(u"Apply All"_s);
-        bench.preset.setPSubtitleFilterMode(u"Prioritized"_s);
-        QCOMPARE(bench.applied(), u"1 2 3 4"_s);
+        Fixture fixture;
+        fixture.setFilters({u"Audio Track Number|1|||"_s, u"Audio Track Number|2|||"_s},
+                           {u"Subtitle Track Number|1||"_s, u"Subtitle Track Number|2||"_s});
+        fixture.preset.setPAudioFilterMode(u"Prioritized"_s);
+        fixture.preset.setPSubtitleFilterMode(u"Apply All"_s);
+        QCOMPARE(fixture.applied(), u"1 2 4 5"_s);
+        fixture.preset.setPAudioFilterMode(u"Apply All"_s);
+        fixture.preset.setPSubtitleFilterMode(u"Prioritized"_s);
+        QCOMPARE(fixture.applied(), u"1 2 3 4"_s);
     }
 
     void addedSubtitlesCountAsSubtitles()
     {
-        Bench bench({probedVideo(), externalSubtitle(u"French"_s), probedSubtitleOf(u"srt"_s, u"English"_s),
-                     externalSubtitle(u"English"_s)});
-        bench.setFilters({noAudio}, {u"Subtitle Track Number|1||"_s});
-        QCOMPARE(bench.applied(), u"1 2"_s); // in the file's order, whoever is of which type
-        bench.setFilters({noAudio}, {u"Subtitle Track Number|3||"_s});
-        QCOMPARE(bench.applied(), u"1 4"_s);
-        bench.setFilters({noAudio}, {u"Tracks w/ Properties ...|1|English|Any Codec"_s});
-        QCOMPARE(bench.applied(), u"1 3 4"_s);
-        bench.setFilters({noAudio}, {u"All|1||"_s});
-        QCOMPARE(bench.applied(), u"1 2 3 4"_s);
+        Fixture fixture({probedVideo(), externalSubtitle(u"French"_s),
+                         probedSubtitleOf(u"srt"_s, u"English"_s), externalSubtitle(u"English"_s)});
+        fixture.setFilters({noAudio}, {u"Subtitle Track Number|1||"_s});
+        QCOMPARE(fixture.applied(), u"1 2"_s); // in the file's order, whoever is of which type
+        fixture.setFilters({noAudio}, {u"Subtitle Track Number|3||"_s});
+        QCOMPARE(fixture.applied(), u"1 4"_s);
+        fixture.setFilters({noAudio}, {u"Tracks w/ Properties ...|1|English|Any Codec"_s});
+        QCOMPARE(fixture.applied(), u"1 3 4"_s);
+        fixture.setFilters({noAudio}, {u"All|1||"_s});
+        QCOMPARE(fixture.applied(), u"1 2 3 4"_s);
     }
 
     void filtersOfOneKindLeaveTheOtherAlone()
     {
-        Bench bench;
-        bench.setFilters({u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s}, {noSubtitle});
-        QCOMPARE(bench.applied(), u"1 3"_s);
-        bench.setFilters({noAudio}, {u"Tracks w/ Properties ...|1|German|Any Codec"_s});
-        QCOMPARE(bench.applied(), u"1 5"_s);
-        bench.setFilters({u"All|1|||"_s}, {noSubtitle});
-        QCOMPARE(bench.applied(), u"1 2 3"_s);
+        Fixture fixture;
+        fixture.setFilters({u"Tracks w/ Properties ...|1|German|Any Codec|Any Type"_s}, {noSubtitle});
+        QCOMPARE(fixture.applied(), u"1 3"_s);
+        fixture.setFilters({noAudio}, {u"Tracks w/ Properties ...|1|German|Any Codec"_s});
+        QCOMPARE(fixture.applied(), u"1 5"_s);
+        fixture.setFilters({u"All|1|||"_s}, {noSubtitle});
+        QCOMPARE(fixture.applied(), u"1 2 3"_s);
     }
 
     void tracksOfOtherTypesAreNeverTicked()
@@ -271,37 +273,37 @@ private Q_SLOTS:
         const TrackList tracks = film();
         tracks.at(2)->setTrackType(u"audio"_s);
         tracks.at(4)->setTrackType(u"Attachment"_s);
-        Bench bench(tracks);
-        bench.preset.initializeAsAll();
-        QCOMPARE(bench.applied(), u"1 2 4 6"_s);
+        Fixture fixture(tracks);
+        fixture.preset.initializeAsAll();
+        QCOMPARE(fixture.applied(), u"1 2 4 6"_s);
     }
 
     /// They are kept in records and mean nothing any more.
     void oldChoicesAndFlagsAreNotConsulted()
     {
-        Bench bench;
-        bench.setFilters({u"Tracks w/ Properties ...|1|Latin|Any Codec|Any Type"_s},
-                         {u"Tracks w/ Properties ...|1|Latin|Any Codec"_s});
-        bench.preset.setPSelectedAudioTrack(u"All Tracks"_s);
-        bench.preset.setPSelectedSubtitleTrack(u"By Language"_s);
-        QVERIFY(bench.preset.useFirstIfNoAudioLanguageMatch());
-        QVERIFY(bench.preset.useFirstIfNoSubtitleLanguageMatch());
-        QCOMPARE(bench.applied(), u"1"_s);
+        Fixture fixture;
+        fixture.setFilters({u"Tracks w/ Properties ...|1|Latin|Any Codec|Any Type"_s},
+                           {u"Tracks w/ Properties ...|1|Latin|Any Codec"_s});
+        fixture.preset.setPSelectedAudioTrack(u"All Tracks"_s);
+        fixture.preset.setPSelectedSubtitleTrack(u"By Language"_s);
+        QVERIFY(fixture.preset.useFirstIfNoAudioLanguageMatch());
+        QVERIFY(fixture.preset.useFirstIfNoSubtitleLanguageMatch());
+        QCOMPARE(fixture.applied(), u"1"_s);
     }
 
     void theSelectionIsMadeAnewOnceAndLast()
     {
-        Bench bench;
+        Fixture fixture;
         QString tickedThen;
-        bench.window.presets.onApply = [&] { tickedThen = bench.ticked(); };
-        const QSignalSpy ticks(&bench.window.controller, &KXSelectionController::trackTicksChanged);
-        bench.setFilters({u"All|1|||"_s}, {u"Subtitle Track Number|2||"_s});
-        bench.preset.makeSelections();
+        fixture.window.presets.onApply = [&] { tickedThen = fixture.ticked(); };
+        const QSignalSpy ticks(&fixture.window.controller, &KXSelectionController::trackTicksChanged);
+        fixture.setFilters({u"All|1|||"_s}, {u"Subtitle Track Number|2||"_s});
+        fixture.preset.makeSelections();
         QCOMPARE(tickedThen, u"1 2 3 5"_s);
         // No "selectionMethodIndex 0": a rule that ticks is no hand that ticks.
-        QCOMPARE(bench.window.presets.calls, QStringList{u"applySettings"_s});
+        QCOMPARE(fixture.window.presets.calls, QStringList{u"applySettings"_s});
         QCOMPARE(ticks.count(), 1);
-        const KXSelection &selection = *bench.window.selection;
+        const KXSelection &selection = *fixture.window.selection;
         QCOMPARE(selection.trackList().size(), 4);
         QCOMPARE(selection.keepTracksList().size(), 2);
         QCOMPARE(selection.vidCount(), u"1"_s);
@@ -311,21 +313,21 @@ private Q_SLOTS:
 
     void fileWithoutTracksIsToldToo()
     {
-        Bench bench(TrackList{});
-        QCOMPARE(bench.applied(), u""_s);
-        QCOMPARE(bench.window.presets.calls, QStringList{u"applySettings"_s});
+        Fixture fixture(TrackList{});
+        QCOMPARE(fixture.applied(), u""_s);
+        QCOMPARE(fixture.window.presets.calls, QStringList{u"applySettings"_s});
     }
 
     void laterFileIsTheCurrentOne()
     {
-        Bench bench;
-        const TrackList before = bench.window.file->trackList();
-        bench.preset.initializeAsAll();
-        bench.window.setFile(u"/v/b.mkv"_s, {probedVideo(), probedAudio()});
-        QCOMPARE(bench.applied(), u"1 2"_s);
+        Fixture fixture;
+        const TrackList before = fixture.window.file->trackList();
+        fixture.preset.initializeAsAll();
+        fixture.window.setFile(u"/v/b.mkv"_s, {probedVideo(), probedAudio()});
+        QCOMPARE(fixture.applied(), u"1 2"_s);
         QCOMPARE(ticksOf(before), u""_s);
     }
 };
 
-QTEST_GUILESS_MAIN(MakeSelectionsTest)
+TESSARAY_TEST(MakeSelectionsTest)
 #include "MakeSelectionsTest.moc"

@@ -1,7 +1,8 @@
 #include "presets/KXPresetSettings.h"
 
-#include "support/ControllerBench.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QMetaProperty>
 #include <QSignalSpy>
@@ -28,9 +29,9 @@ TrackList filmOf(const QString &channels)
     return {probedVideo(), soundOf(channels), soundOf(channels), support::probedSubtitle()};
 }
 
-struct Bench
+struct Fixture
 {
-    explicit Bench(const TrackList &tracks = filmOf(u"6"_s))
+    explicit Fixture(const TrackList &tracks = filmOf(u"6"_s))
         : window(tracks)
         , controller(window.controller)
         , preset(window.file, window.controller)
@@ -43,7 +44,7 @@ struct Bench
 
     TrackPointer track(int place) const { return window.file->trackList().at(place - 1); }
 
-    support::ControllerBench window;
+    support::ControllerFixture window;
     KXSelectionController &controller;
     KXPresetSettings preset;
     QSignalSpy deselected;
@@ -63,11 +64,11 @@ QVariantMap stateOf(const QObject &object)
 }
 
 /// The window's controls, the selection and each track with its outputs.
-QVariantMap stateOf(const Bench &bench)
+QVariantMap stateOf(const Fixture &fixture)
 {
-    QVariantMap state{{u"controller"_s, stateOf(bench.controller)},
-                      {u"selection"_s, stateOf(*bench.window.selection)}};
-    const TrackList tracks = bench.window.file->trackList();
+    QVariantMap state{{u"controller"_s, stateOf(fixture.controller)},
+                      {u"selection"_s, stateOf(*fixture.window.selection)}};
+    const TrackList tracks = fixture.window.file->trackList();
     for (qsizetype i = 0; i < tracks.size(); ++i) {
         state.insert(u"track %1"_s.arg(i), stateOf(*tracks.at(i)));
         state.insert(u"outputs %1"_s.arg(i), outputsOf(*tracks.at(i)));
@@ -93,16 +94,16 @@ class MakeSettingsTest final : public QObject
 private Q_SLOTS:
     void manualChangesNothingNotEvenTheTablesRows()
     {
-        Bench bench;
-        bench.controller.setCurrentTab(u"Edit Files"_s);
-        bench.preset.setPName(u"Manual"_s);
-        bench.preset.setPVideoActionIndex(1);
-        bench.window.forgetCalls();
-        const QVariantMap before = stateOf(bench);
-        bench.preset.makeSettings();
-        QCOMPARE(stateOf(bench), before);
-        QCOMPARE(bench.deselected.count(), 0);
-        QVERIFY(bench.window.presets.calls.isEmpty());
+        Fixture fixture;
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
+        fixture.preset.setPName(u"Manual"_s);
+        fixture.preset.setPVideoActionIndex(1);
+        fixture.window.forgetCalls();
+        const QVariantMap before = stateOf(fixture);
+        fixture.preset.makeSettings();
+        QCOMPARE(stateOf(fixture), before);
+        QCOMPARE(fixture.deselected.count(), 0);
+        QVERIFY(fixture.window.presets.calls.isEmpty());
     }
 
     void jobKindsSetTheJobTypeAndTheTablesRowsOnly_data()
@@ -117,78 +118,78 @@ private Q_SLOTS:
     {
         QFETCH(const QString, name);
         QFETCH(const QString, jobType);
-        Bench bench;
-        bench.controller.setCurrentTab(u"Edit Files"_s);
-        bench.preset.setPName(name);
-        bench.preset.setPVideoActionIndex(1);
-        bench.window.forgetCalls();
-        const QVariantMap before = stateOf(bench);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.currentTab(), u"Edit Files"_s);
-        QCOMPARE(stateOf(bench), withJobType(before, jobType));
-        QCOMPARE(bench.deselected.count(), 1);
-        QVERIFY(bench.window.presets.calls.isEmpty());
+        Fixture fixture;
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
+        fixture.preset.setPName(name);
+        fixture.preset.setPVideoActionIndex(1);
+        fixture.window.forgetCalls();
+        const QVariantMap before = stateOf(fixture);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.currentTab(), u"Edit Files"_s);
+        QCOMPARE(stateOf(fixture), withJobType(before, jobType));
+        QCOMPARE(fixture.deselected.count(), 1);
+        QVERIFY(fixture.window.presets.calls.isEmpty());
     }
 
     void jobKindsNeedNoTracks()
     {
-        Bench bench(TrackList{});
-        bench.preset.setPName(u"Extract Tracks"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.window.selection->jobType(), u"MKV Track Extraction"_s);
-        QCOMPARE(bench.deselected.count(), 1);
+        Fixture fixture(TrackList{});
+        fixture.preset.setPName(u"Extract Tracks"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.window.selection->jobType(), u"MKV Track Extraction"_s);
+        QCOMPARE(fixture.deselected.count(), 1);
     }
 
     void withoutTracksOnlyTheTabIsSet()
     {
-        Bench bench(TrackList{});
-        bench.controller.setCurrentTab(u"Edit Files"_s);
-        bench.preset.setPVideoActionIndex(1);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.currentTab(), u"MKV"_s);
-        QCOMPARE(bench.window.selection->jobType(), u"none"_s);
-        QCOMPARE(bench.controller.mp4Device(), u"General"_s);
-        QCOMPARE(bench.controller.videoMatrixIndex(), 0);
-        QCOMPARE(bench.deselected.count(), 0);
+        Fixture fixture(TrackList{});
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
+        fixture.preset.setPVideoActionIndex(1);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.currentTab(), u"MKV"_s);
+        QCOMPARE(fixture.window.selection->jobType(), u"none"_s);
+        QCOMPARE(fixture.controller.mp4Device(), u"General"_s);
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 0);
+        QCOMPARE(fixture.deselected.count(), 0);
     }
 
     void conversionHasItsTabJobTypeAndDevice()
     {
-        Bench bench;
-        bench.controller.setCurrentTab(u"Edit Files"_s);
-        bench.preset.setPDevice(u"PS3"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.currentTab(), u"MKV"_s);
-        QCOMPARE(bench.window.selection->jobType(), u"MKV Conversion"_s);
-        QCOMPARE(bench.controller.mp4Device(), u"PS3"_s);
-        QCOMPARE(bench.window.selection->theDevice(), u"PS3"_s);
-        QCOMPARE(bench.deselected.count(), 1);
+        Fixture fixture;
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
+        fixture.preset.setPDevice(u"PS3"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.currentTab(), u"MKV"_s);
+        QCOMPARE(fixture.window.selection->jobType(), u"MKV Conversion"_s);
+        QCOMPARE(fixture.controller.mp4Device(), u"PS3"_s);
+        QCOMPARE(fixture.window.selection->theDevice(), u"PS3"_s);
+        QCOMPARE(fixture.deselected.count(), 1);
     }
 
     void namesInOtherCapitalsAreNoBuiltIns()
     {
-        Bench bench;
+        Fixture fixture;
         for (const QString &name : {u"manual"_s, u"extract tracks"_s, u"remove tracks"_s}) {
-            bench.window.selection->setJobType(u"none"_s);
-            bench.preset.setPName(name);
-            bench.preset.makeSettings();
-            QCOMPARE(bench.window.selection->jobType(), u"MKV Conversion"_s);
+            fixture.window.selection->setJobType(u"none"_s);
+            fixture.preset.setPName(name);
+            fixture.preset.makeSettings();
+            QCOMPARE(fixture.window.selection->jobType(), u"MKV Conversion"_s);
         }
     }
 
     /// Whoever is told has everything before him.
     void tablesRowsAreDeselectedLast()
     {
-        Bench bench;
-        bench.preset.setPSubAction(u"Mux (soft)"_s);
-        bench.preset.setPSurroundActionIndex(3);
+        Fixture fixture;
+        fixture.preset.setPSubAction(u"Mux (soft)"_s);
+        fixture.preset.setPSurroundActionIndex(3);
         QString outputs;
         int subtitleIndex = -1;
-        connect(&bench.controller, &KXSelectionController::trackRowsDeselected, this, [&] {
-            outputs = outputsOf(*bench.track(3));
-            subtitleIndex = bench.controller.subtitleMatrixIndex();
+        connect(&fixture.controller, &KXSelectionController::trackRowsDeselected, this, [&] {
+            outputs = outputsOf(*fixture.track(3));
+            subtitleIndex = fixture.controller.subtitleMatrixIndex();
         });
-        bench.preset.makeSettings();
+        fixture.preset.makeSettings();
         QCOMPARE(outputs, u"ac3 6 448"_s);
         QCOMPARE(subtitleIndex, 1);
     }
@@ -233,38 +234,38 @@ private Q_SLOTS:
         QFETCH(const QString, bitRate);
         QFETCH(const QString, width);
         QFETCH(const QString, fps);
-        Bench bench;
-        bench.controller.setVideoMatrixIndex(9);
-        bench.controller.setEnteredUserVideoBitRate(u"111"_s);
-        bench.controller.setEnteredUserWidth(u"222"_s);
-        bench.controller.setEnteredUserFPS(u"12"_s);
-        bench.preset.setPVideoActionIndex(action);
-        bench.preset.setPVideoBitRateIndex(bitRate.section(u' ', 0, 0).toInt());
-        bench.preset.setPVideoBitRate(bitRate.section(u' ', 1));
-        bench.preset.setPWidthIndex(width.section(u' ', 0, 0).toInt());
-        bench.preset.setPWidth(width.section(u' ', 1));
-        bench.preset.setPFPSIndex(fps.section(u' ', 0, 0).toInt());
-        bench.preset.setPFPS(fps.section(u' ', 1));
-        bench.preset.makeSettings();
-        const KXSelectionController &controls = bench.controller;
+        Fixture fixture;
+        fixture.controller.setVideoMatrixIndex(9);
+        fixture.controller.setEnteredUserVideoBitRate(u"111"_s);
+        fixture.controller.setEnteredUserWidth(u"222"_s);
+        fixture.controller.setEnteredUserFPS(u"12"_s);
+        fixture.preset.setPVideoActionIndex(action);
+        fixture.preset.setPVideoBitRateIndex(bitRate.section(u' ', 0, 0).toInt());
+        fixture.preset.setPVideoBitRate(bitRate.section(u' ', 1));
+        fixture.preset.setPWidthIndex(width.section(u' ', 0, 0).toInt());
+        fixture.preset.setPWidth(width.section(u' ', 1));
+        fixture.preset.setPFPSIndex(fps.section(u' ', 0, 0).toInt());
+        fixture.preset.setPFPS(fps.section(u' ', 1));
+        fixture.preset.makeSettings();
+        const KXSelectionController &controls = fixture.controller;
         QTEST((QStringList{QString::number(controls.videoMatrixIndex()), controls.enteredUserVideoBitRate(),
                            controls.enteredUserWidth(), controls.enteredUserFPS()}
                    .join(u' ')),
               "controls");
-        QCOMPARE(bench.deselected.count(), 1);
+        QCOMPARE(fixture.deselected.count(), 1);
     }
 
     void customWidthNeverEnlarges()
     {
-        Bench bench;
-        bench.preset.setPVideoActionIndex(1);
-        bench.preset.setPWidthIndex(1);
-        bench.preset.setPWidth(u"1920"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.enteredUserWidth(), u"1280"_s);
-        bench.preset.setPWidth(u"720"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.enteredUserWidth(), u"720"_s);
+        Fixture fixture;
+        fixture.preset.setPVideoActionIndex(1);
+        fixture.preset.setPWidthIndex(1);
+        fixture.preset.setPWidth(u"1920"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.enteredUserWidth(), u"1280"_s);
+        fixture.preset.setPWidth(u"720"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.enteredUserWidth(), u"720"_s);
     }
 
     void bestGuessLeavesTheVideoAndDoesTheRest_data()
@@ -277,68 +278,68 @@ private Q_SLOTS:
     void bestGuessLeavesTheVideoAndDoesTheRest()
     {
         QFETCH(const int, action);
-        Bench bench;
-        bench.controller.setVideoMatrixIndex(2);
-        bench.controller.setEnteredUserVideoBitRate(u"111"_s);
-        bench.preset.setPVideoActionIndex(action);
-        bench.preset.setPSurroundActionIndex(3);
-        bench.preset.setPSubAction(u"Mux (soft)"_s);
-        bench.preset.setPDevice(u"PS3"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.videoMatrixIndex(), 2);
-        QCOMPARE(bench.controller.enteredUserVideoBitRate(), u"111"_s);
-        QCOMPARE(outputsOf(*bench.track(2)), u"ac3 6 448"_s);
-        QCOMPARE(outputsOf(*bench.track(3)), u"ac3 6 448"_s);
-        QCOMPARE(bench.controller.subtitleMatrixIndex(), 1);
-        QCOMPARE(bench.controller.mp4Device(), u"PS3"_s);
+        Fixture fixture;
+        fixture.controller.setVideoMatrixIndex(2);
+        fixture.controller.setEnteredUserVideoBitRate(u"111"_s);
+        fixture.preset.setPVideoActionIndex(action);
+        fixture.preset.setPSurroundActionIndex(3);
+        fixture.preset.setPSubAction(u"Mux (soft)"_s);
+        fixture.preset.setPDevice(u"PS3"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 2);
+        QCOMPARE(fixture.controller.enteredUserVideoBitRate(), u"111"_s);
+        QCOMPARE(outputsOf(*fixture.track(2)), u"ac3 6 448"_s);
+        QCOMPARE(outputsOf(*fixture.track(3)), u"ac3 6 448"_s);
+        QCOMPARE(fixture.controller.subtitleMatrixIndex(), 1);
+        QCOMPARE(fixture.controller.mp4Device(), u"PS3"_s);
     }
 
     void surroundMadeStereoGetsNoSecondStereo()
     {
-        Bench bench;
-        bench.preset.setPSurroundActionIndex(1);
-        bench.preset.setPAudioAddStereo(true);
-        bench.preset.makeSettings();
-        QCOMPARE(outputsOf(*bench.track(3)), u"aac 2 160"_s);
+        Fixture fixture;
+        fixture.preset.setPSurroundActionIndex(1);
+        fixture.preset.setPAudioAddStereo(true);
+        fixture.preset.makeSettings();
+        QCOMPARE(outputsOf(*fixture.track(3)), u"aac 2 160"_s);
     }
 
     void surroundKeptWithStereoHasThreeStreamsInOrder()
     {
-        Bench bench;
-        bench.preset.setPSurroundActionIndex(3);
-        bench.preset.setPSurroundBitRate(u"Original"_s);
-        bench.preset.setPAudioAddStereo(true);
-        bench.preset.setPKeepSurroundTrack(true);
-        bench.preset.makeSettings();
-        QCOMPARE(outputsOf(*bench.track(3)), u"ac3 6 640, aac 2 160, passthru 6 0"_s);
+        Fixture fixture;
+        fixture.preset.setPSurroundActionIndex(3);
+        fixture.preset.setPSurroundBitRate(u"Original"_s);
+        fixture.preset.setPAudioAddStereo(true);
+        fixture.preset.setPKeepSurroundTrack(true);
+        fixture.preset.makeSettings();
+        QCOMPARE(outputsOf(*fixture.track(3)), u"ac3 6 640, aac 2 160, passthru 6 0"_s);
     }
 
     void stereoPassedThroughIsKeptOnce()
     {
-        Bench bench(filmOf(u"2"_s));
-        bench.preset.setPKeepStereoTrack(true);
-        bench.preset.makeSettings();
-        QCOMPARE(outputsOf(*bench.track(3)), u"passthru 2 0"_s);
+        Fixture fixture(filmOf(u"2"_s));
+        fixture.preset.setPKeepStereoTrack(true);
+        fixture.preset.makeSettings();
+        QCOMPARE(outputsOf(*fixture.track(3)), u"passthru 2 0"_s);
     }
 
     void stereoIsKeptByTheSurroundFlagToo()
     {
-        Bench bench(filmOf(u"2"_s));
-        bench.preset.setPStereoActionIndex(1);
-        bench.preset.setPKeepSurroundTrack(true);
-        bench.preset.makeSettings();
-        QCOMPARE(outputsOf(*bench.track(3)), u"aac 2 160, passthru 2 0"_s);
+        Fixture fixture(filmOf(u"2"_s));
+        fixture.preset.setPStereoActionIndex(1);
+        fixture.preset.setPKeepSurroundTrack(true);
+        fixture.preset.makeSettings();
+        QCOMPARE(outputsOf(*fixture.track(3)), u"aac 2 160, passthru 2 0"_s);
     }
 
     void eachTrackGetsItsOwnOutputs()
     {
         TrackList tracks{probedVideo(), soundOf(u"2"_s), soundOf(u"6"_s), soundOf(u"1"_s), soundOf(u"8"_s)};
         tracks.at(4)->setTrackBitRate(u"1536"_s);
-        Bench bench(tracks);
-        bench.preset.setPStereoActionIndex(1);
-        bench.preset.setPSurroundActionIndex(2);
-        bench.preset.setPSurroundBitRate(u"Original"_s);
-        bench.preset.makeSettings();
+        Fixture fixture(tracks);
+        fixture.preset.setPStereoActionIndex(1);
+        fixture.preset.setPSurroundActionIndex(2);
+        fixture.preset.setPSurroundBitRate(u"Original"_s);
+        fixture.preset.makeSettings();
         QCOMPARE(outputsOf(*tracks.at(1)), u"aac 2 160"_s);
         QCOMPARE(outputsOf(*tracks.at(2)), u"aac 6 640"_s);
         QCOMPARE(outputsOf(*tracks.at(3)), u"aac 2 160"_s);
@@ -347,47 +348,47 @@ private Q_SLOTS:
 
     void onlySelectedAudioTracksAreTouched()
     {
-        Bench bench;
-        bench.window.tick(1, false);
-        support::setOutputs(*bench.track(1), u"mp3 2 99"_s);
-        support::setOutputs(*bench.track(2), u"mp3 2 99"_s);
-        support::setOutputs(*bench.track(4), u"mp3 2 99"_s);
-        bench.preset.setPSurroundActionIndex(3);
-        bench.preset.makeSettings();
-        QCOMPARE(outputsOf(*bench.track(1)), u"mp3 2 99"_s);
-        QCOMPARE(outputsOf(*bench.track(2)), u"mp3 2 99"_s);
-        QCOMPARE(outputsOf(*bench.track(3)), u"ac3 6 448"_s);
-        QCOMPARE(outputsOf(*bench.track(4)), u"mp3 2 99"_s);
+        Fixture fixture;
+        fixture.window.tick(1, false);
+        support::setOutputs(*fixture.track(1), u"mp3 2 99"_s);
+        support::setOutputs(*fixture.track(2), u"mp3 2 99"_s);
+        support::setOutputs(*fixture.track(4), u"mp3 2 99"_s);
+        fixture.preset.setPSurroundActionIndex(3);
+        fixture.preset.makeSettings();
+        QCOMPARE(outputsOf(*fixture.track(1)), u"mp3 2 99"_s);
+        QCOMPARE(outputsOf(*fixture.track(2)), u"mp3 2 99"_s);
+        QCOMPARE(outputsOf(*fixture.track(3)), u"ac3 6 448"_s);
+        QCOMPARE(outputsOf(*fixture.track(4)), u"mp3 2 99"_s);
     }
 
     void againIsTheSameAgain()
     {
-        Bench bench;
-        bench.preset.setPSurroundActionIndex(2);
-        bench.preset.setPAudioAddStereo(true);
-        bench.preset.setPKeepSurroundTrack(true);
-        bench.preset.makeSettings();
-        bench.controller.updateTabs();
-        const QVariantMap once = stateOf(bench);
-        bench.preset.makeSettings();
-        bench.controller.updateTabs();
-        QCOMPARE(stateOf(bench), once);
-        QCOMPARE(outputsOf(*bench.track(2)), u"aac 6 448, aac 2 160, passthru 6 0"_s);
+        Fixture fixture;
+        fixture.preset.setPSurroundActionIndex(2);
+        fixture.preset.setPAudioAddStereo(true);
+        fixture.preset.setPKeepSurroundTrack(true);
+        fixture.preset.makeSettings();
+        fixture.controller.updateTabs();
+        const QVariantMap once = stateOf(fixture);
+        fixture.preset.makeSettings();
+        fixture.controller.updateTabs();
+        QCOMPARE(stateOf(fixture), once);
+        QCOMPARE(outputsOf(*fixture.track(2)), u"aac 6 448, aac 2 160, passthru 6 0"_s);
     }
 
     void audioControlsShowWhatWasWritten()
     {
-        Bench bench({probedVideo(), soundOf(u"2"_s), soundOf(u"6"_s)});
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.preset.setPSurroundActionIndex(3);
-        bench.preset.setPSurroundBitRate(u"640"_s);
-        bench.preset.setPAudioAddStereo(true);
-        bench.preset.setPStereoBitRate(u"224"_s);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-        QCOMPARE(bench.controller.audioMatrixSelections(), QStringList({u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s}));
-        QCOMPARE(bench.controller.enteredAC351BitRate(), u"640 kbps"_s);
-        QCOMPARE(bench.controller.enteredAAC2BitRate(), u"224 kbps"_s);
+        Fixture fixture({probedVideo(), soundOf(u"2"_s), soundOf(u"6"_s)});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.preset.setPSurroundActionIndex(3);
+        fixture.preset.setPSurroundBitRate(u"640"_s);
+        fixture.preset.setPAudioAddStereo(true);
+        fixture.preset.setPStereoBitRate(u"224"_s);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(fixture.controller.audioMatrixSelections(), QStringList({u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s}));
+        QCOMPARE(fixture.controller.enteredAC351BitRate(), u"640 kbps"_s);
+        QCOMPARE(fixture.controller.enteredAAC2BitRate(), u"224 kbps"_s);
     }
 
     void subtitleAction_data()
@@ -409,26 +410,26 @@ private Q_SLOTS:
     {
         QFETCH(const QString, action);
         QFETCH(const int, before);
-        Bench bench;
-        bench.controller.setSubtitleMatrixIndex(before);
-        bench.preset.setPSubAction(action);
-        bench.preset.makeSettings();
-        QTEST(bench.controller.subtitleMatrixIndex(), "after");
+        Fixture fixture;
+        fixture.controller.setSubtitleMatrixIndex(before);
+        fixture.preset.setPSubAction(action);
+        fixture.preset.makeSettings();
+        QTEST(fixture.controller.subtitleMatrixIndex(), "after");
     }
 
     void laterFileIsTheCurrentOne()
     {
-        Bench bench;
-        bench.window.setFile(u"/v/b.mkv"_s, filmOf(u"2"_s));
-        bench.window.file->setTheVideoBitRate(u"777"_s);
-        bench.window.selectAll();
-        bench.preset.setPVideoActionIndex(1);
-        bench.preset.setPVideoBitRateIndex(0);
-        bench.preset.makeSettings();
-        QCOMPARE(bench.controller.enteredUserVideoBitRate(), u"777"_s);
-        QCOMPARE(outputsOf(*bench.track(3)), u"passthru 2 0"_s);
+        Fixture fixture;
+        fixture.window.setFile(u"/v/b.mkv"_s, filmOf(u"2"_s));
+        fixture.window.file->setTheVideoBitRate(u"777"_s);
+        fixture.window.selectAll();
+        fixture.preset.setPVideoActionIndex(1);
+        fixture.preset.setPVideoBitRateIndex(0);
+        fixture.preset.makeSettings();
+        QCOMPARE(fixture.controller.enteredUserVideoBitRate(), u"777"_s);
+        QCOMPARE(outputsOf(*fixture.track(3)), u"passthru 2 0"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(MakeSettingsTest)
+TESSARAY_TEST(MakeSettingsTest)
 #include "MakeSettingsTest.moc"

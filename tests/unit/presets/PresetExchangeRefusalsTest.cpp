@@ -1,14 +1,15 @@
 #include "presets/PresetExchange.h"
 
 #include "presets/KXPresetsController.h"
-#include "support/ExchangeBench.h"
+#include "support/TestMain.h"
+#include "support/presets/ExchangeFixture.h"
 
 #include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ExchangeBench;
+using support::ExchangeFixture;
 using support::presetFile;
 using support::secondSound;
 using support::selectionsRecord;
@@ -91,11 +92,11 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, file);
         QFETCH(const QString, sentence);
-        ExchangeBench bench;
-        const QByteArray before = bench.storedBytes();
-        const QJsonObject exported = presets::exported(bench.presets);
-        const QSignalSpy changed(&bench.presets, &KXPresetsController::listsChanged);
-        const presets::Import result = presets::importInto(bench.presets, file);
+        ExchangeFixture fixture;
+        const QByteArray before = fixture.storedBytes();
+        const QJsonObject exported = presets::exported(fixture.presets);
+        const QSignalSpy changed(&fixture.presets, &KXPresetsController::listsChanged);
+        const presets::Import result = presets::importInto(fixture.presets, file);
         if (sentence.endsWith(u'*')) { // what follows are the reader's own words
             QVERIFY2(result.problem.startsWith(sentence.chopped(1)), qPrintable(result.problem));
             QVERIFY(result.problem.size() > sentence.size());
@@ -104,25 +105,25 @@ private Q_SLOTS:
         }
         QCOMPARE(result.selections, 0);
         QCOMPARE(result.settings, 0);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
-        QCOMPARE(presets::exported(bench.presets), exported);
-        QCOMPARE(bench.storedBytes(), before);
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
+        QCOMPARE(presets::exported(fixture.presets), exported);
+        QCOMPARE(fixture.storedBytes(), before);
         QCOMPARE(changed.count(), 0);
     }
 
     void everyLackingKeyIsNamed()
     {
         for (const QString &word : selectionsRecord({}).keys()) {
-            ExchangeBench bench;
+            ExchangeFixture fixture;
             const QByteArray file = selectionsFile(without(selectionsRecord(u"New"_s), word));
-            QCOMPARE(presets::importInto(bench.presets, file).problem,
+            QCOMPARE(presets::importInto(fixture.presets, file).problem,
                      u"Entry 1 of \"presetSelectionsArray\" does not fit: it lacks \"%1\"."_s.arg(word));
         }
         for (const QString &word : settingsRecord({}).keys()) {
-            ExchangeBench bench;
+            ExchangeFixture fixture;
             const QByteArray file = settingsFile(without(settingsRecord(u"New"_s), word));
-            QCOMPARE(presets::importInto(bench.presets, file).problem,
+            QCOMPARE(presets::importInto(fixture.presets, file).problem,
                      u"Entry 1 of \"presetSettingsArray\" does not fit: it lacks \"%1\"."_s.arg(word));
         }
     }
@@ -132,18 +133,19 @@ private Q_SLOTS:
         const QVariantMap rule = selectionsRecord(u"New"_s);
         for (const QString &word : rule.keys()) {
             // An object is right nowhere.
-            ExchangeBench bench;
+            ExchangeFixture fixture;
             QCOMPARE(
-                presets::importInto(bench.presets, selectionsFile(with(rule, word, QVariantMap()))).problem,
+                presets::importInto(fixture.presets, selectionsFile(with(rule, word, QVariantMap()))).problem,
                 u"Entry 1 of \"presetSelectionsArray\" does not fit: its \"%1\" is not what a preset "
                 "holds there."_s.arg(word));
         }
         const QVariantMap bundle = settingsRecord(u"New"_s);
         for (const QString &word : bundle.keys()) {
-            ExchangeBench bench;
-            QCOMPARE(presets::importInto(bench.presets, settingsFile(with(bundle, word, QVariant()))).problem,
-                     u"Entry 1 of \"presetSettingsArray\" does not fit: its \"%1\" is not what a preset "
-                     "holds there."_s.arg(word));
+            ExchangeFixture fixture;
+            QCOMPARE(
+                presets::importInto(fixture.presets, settingsFile(with(bundle, word, QVariant()))).problem,
+                u"Entry 1 of \"presetSettingsArray\" does not fit: its \"%1\" is not what a preset "
+                "holds there."_s.arg(word));
         }
     }
 
@@ -288,5 +290,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(PresetExchangeRefusalsTest)
+TESSARAY_TEST(PresetExchangeRefusalsTest)
 #include "PresetExchangeRefusalsTest.moc"

@@ -1,7 +1,8 @@
 #include "presets/PresetExchange.h"
 
 #include "presets/KXPresetsController.h"
-#include "support/ExchangeBench.h"
+#include "support/TestMain.h"
+#include "support/presets/ExchangeFixture.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -10,9 +11,9 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ExchangeBench;
-using support::PresetBench;
+using support::ExchangeFixture;
 using support::presetFile;
+using support::PresetFixture;
 using support::secondSound;
 using support::selectionsRecord;
 using support::settingsRecord;
@@ -35,11 +36,11 @@ class PresetExchangeTest final : public QObject
 private Q_SLOTS:
     void manyOfOneNameGetNumbersInOrder()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         const QVariantList records(1000, selectionsRecord(u"Own"_s));
-        const presets::Import import = presets::importInto(bench.presets, presetFile(records, {}));
+        const presets::Import import = presets::importInto(fixture.presets, presetFile(records, {}));
         QVERIFY2(import.problem.isNull(), qPrintable(import.problem));
-        const QStringList names = bench.presets.presetSelectionsNamesList();
+        const QStringList names = fixture.presets.presetSelectionsNamesList();
         const qsizetype first = names.indexOf(u"Own"_s);
         for (int number = 2; number <= 1001; ++number)
             QCOMPARE(names.at(first + number - 1), u"Own (%1)"_s.arg(number));
@@ -47,23 +48,23 @@ private Q_SLOTS:
 
     void exportedFileIsLiteral()
     {
-        const ExchangeBench bench;
+        const ExchangeFixture fixture;
         const QJsonObject expected{
             {u"version"_s, 1},
             {u"presetSelectionsArray"_s, QJsonArray{QJsonObject::fromVariantMap(selectionsRecord(u"Own"_s))}},
             {u"presetSettingsArray"_s,
              QJsonArray{QJsonObject::fromVariantMap(settingsRecord(u"For PS3"_s))}}};
-        QCOMPARE(presets::exported(bench.presets), expected);
+        QCOMPARE(presets::exported(fixture.presets), expected);
     }
 
     void builtInsAloneAreExportedAsEmptyLists()
     {
         const support::Scratch scratch;
-        const PresetBench bench(scratch);
+        const PresetFixture fixture(scratch);
         const QJsonObject expected{{u"version"_s, 1},
                                    {u"presetSelectionsArray"_s, QJsonArray()},
                                    {u"presetSettingsArray"_s, QJsonArray()}};
-        QCOMPARE(presets::exported(bench.presets), expected);
+        QCOMPARE(presets::exported(fixture.presets), expected);
     }
 
     void presetsComeToAnotherUserAsTheyWere()
@@ -74,33 +75,33 @@ private Q_SLOTS:
         const QVariantMap bundle = with(settingsRecord(u"日本"_s), u"pVideoActionIndex"_s, 2);
         support::storePresets(from, {rule, selectionsRecord(u"Other"_s)},
                               {bundle, settingsRecord(u"Third"_s), settingsRecord(u"Fourth"_s)});
-        const QByteArray file = bytesOf(presets::exported(PresetBench(from).presets));
+        const QByteArray file = bytesOf(presets::exported(PresetFixture(from).presets));
 
         const support::Scratch to;
-        PresetBench bench(to);
-        const QSignalSpy lists(&bench.presets, &KXPresetsController::listsChanged);
-        const presets::Import result = presets::importInto(bench.presets, file);
+        PresetFixture fixture(to);
+        const QSignalSpy lists(&fixture.presets, &KXPresetsController::listsChanged);
+        const presets::Import result = presets::importInto(fixture.presets, file);
         QVERIFY(result.problem.isNull());
         QCOMPARE(result.selections, 2);
         QCOMPARE(result.settings, 3);
         QVERIFY(lists.count() > 0);
-        QCOMPARE(bench.presets.presetSelectionsNamesList().join(u", "_s),
+        QCOMPARE(fixture.presets.presetSelectionsNamesList().join(u", "_s),
                  u"Manual, First Track, All Tracks, Größtes 5.1 \"best\", Other"_s);
-        QCOMPARE(bench.presets.presetSettingsNamesList().join(u", "_s),
+        QCOMPARE(fixture.presets.presetSettingsNamesList().join(u", "_s),
                  u"Manual, Extract Tracks, 日本, Third, Fourth"_s);
-        QCOMPARE(bench.presets.presetSelectionsList().at(3)->makeRecord(), rule);
-        QCOMPARE(bench.presets.presetSettingsList().at(2)->makeRecord(), bundle);
-        QCOMPARE(bytesOf(presets::exported(bench.presets)), file);
-        QCOMPARE(bytesOf(presets::exported(PresetBench(to).presets)), file); // stored at once
-        QCOMPARE(bench.presets.selectionMethodIndex(), 0);
-        QCOMPARE(bench.presets.settingMethodIndex(), 0);
+        QCOMPARE(fixture.presets.presetSelectionsList().at(3)->makeRecord(), rule);
+        QCOMPARE(fixture.presets.presetSettingsList().at(2)->makeRecord(), bundle);
+        QCOMPARE(bytesOf(presets::exported(fixture.presets)), file);
+        QCOMPARE(bytesOf(presets::exported(PresetFixture(to).presets)), file); // stored at once
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
     }
 
     void storedRecordsAreExactlyThoseOfTheFile()
     {
         const support::Scratch scratch;
-        PresetBench bench(scratch);
-        QVERIFY(presets::importInto(bench.presets,
+        PresetFixture fixture(scratch);
+        QVERIFY(presets::importInto(fixture.presets,
                                     presetFile({selectionsRecord(u"New"_s)}, {settingsRecord(u"New"_s)}))
                     .problem.isNull());
         const QVariantMap expected{{u"presetSelectionsArray"_s, QVariantList{selectionsRecord(u"New"_s)}},
@@ -111,84 +112,84 @@ private Q_SLOTS:
 
     void importAddsBehindWhatIsThere()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         const presets::Import result =
-            presets::importInto(bench.presets, presetFile({selectionsRecord(u"New"_s)}, {}));
+            presets::importInto(fixture.presets, presetFile({selectionsRecord(u"New"_s)}, {}));
         QVERIFY(result.problem.isNull());
         QCOMPARE(result.selections, 1);
         QCOMPARE(result.settings, 0);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, New"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
-        QCOMPARE(bench.namesAtNextStart(),
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own, New"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
+        QCOMPARE(fixture.namesAtNextStart(),
                  u"Manual, First Track, All Tracks, Own, New / Manual, Extract Tracks, For PS3"_s);
-        QVERIFY(
-            presets::importInto(bench.presets, presetFile({}, {settingsRecord(u"New"_s)})).problem.isNull());
-        QCOMPARE(bench.namesAtNextStart(),
+        QVERIFY(presets::importInto(fixture.presets, presetFile({}, {settingsRecord(u"New"_s)}))
+                    .problem.isNull());
+        QCOMPARE(fixture.namesAtNextStart(),
                  u"Manual, First Track, All Tracks, Own, New / Manual, Extract Tracks, For PS3, New"_s);
     }
 
     void emptyListsAddNothing()
     {
-        ExchangeBench bench;
-        const QByteArray before = bench.storedBytes();
-        const presets::Import result = presets::importInto(bench.presets, presetFile({}, {}));
+        ExchangeFixture fixture;
+        const QByteArray before = fixture.storedBytes();
+        const presets::Import result = presets::importInto(fixture.presets, presetFile({}, {}));
         QVERIFY(result.problem.isNull());
         QCOMPARE(result.selections, 0);
         QCOMPARE(result.settings, 0);
-        QCOMPARE(bench.storedBytes(), before);
+        QCOMPARE(fixture.storedBytes(), before);
     }
 
     void namesThatAreTakenGetANumber()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         const QByteArray file =
             presetFile({selectionsRecord(u"Own"_s), selectionsRecord(u"New"_s), selectionsRecord(u"Own"_s),
                         selectionsRecord(u"New"_s), selectionsRecord(u"For PS3"_s)},
                        {settingsRecord(u"For PS3"_s), settingsRecord(u"Own"_s)});
-        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
-        QCOMPARE(bench.names(),
+        QVERIFY(presets::importInto(fixture.presets, file).problem.isNull());
+        QCOMPARE(fixture.names(),
                  u"Manual, First Track, All Tracks, Own, Own (2), New, Own (3), New (2), For PS3"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3, For PS3 (2), Own"_s);
-        QCOMPARE(bench.presets.presetSelectionsList().at(4)->pName(), u"Own (2)"_s);
-        QCOMPARE(bench.namesAtNextStart(), bench.names() + u" / "_s + bench.settingsNames());
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3, For PS3 (2), Own"_s);
+        QCOMPARE(fixture.presets.presetSelectionsList().at(4)->pName(), u"Own (2)"_s);
+        QCOMPARE(fixture.namesAtNextStart(), fixture.names() + u" / "_s + fixture.settingsNames());
     }
 
     void numbersThatAreTakenAreLeftOut()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         const QByteArray file = presetFile(
             {selectionsRecord(u"Own (2)"_s), selectionsRecord(u"Own"_s), selectionsRecord(u"Own (2)"_s)}, {});
-        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, Own (2), Own (3), Own (2) (2)"_s);
+        QVERIFY(presets::importInto(fixture.presets, file).problem.isNull());
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own, Own (2), Own (3), Own (2) (2)"_s);
     }
 
     void namesAreTextsAndNotPatterns()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         const QByteArray file =
             presetFile({selectionsRecord(u"%2 of %1"_s), selectionsRecord(u"%2 of %1"_s)}, {});
-        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, %2 of %1, %2 of %1 (2)"_s);
+        QVERIFY(presets::importInto(fixture.presets, file).problem.isNull());
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own, %2 of %1, %2 of %1 (2)"_s);
     }
 
     void sameFileTwiceComesTwice()
     {
-        ExchangeBench bench;
-        const QByteArray file = bytesOf(presets::exported(bench.presets));
-        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
-        QVERIFY(presets::importInto(bench.presets, file).problem.isNull());
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own, Own (2), Own (3)"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3, For PS3 (2), For PS3 (3)"_s);
+        ExchangeFixture fixture;
+        const QByteArray file = bytesOf(presets::exported(fixture.presets));
+        QVERIFY(presets::importInto(fixture.presets, file).problem.isNull());
+        QVERIFY(presets::importInto(fixture.presets, file).problem.isNull());
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own, Own (2), Own (3)"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3, For PS3 (2), For PS3 (3)"_s);
     }
 
     void whatARecordLeavesOpenIsDerived()
     {
-        ExchangeBench bench;
+        ExchangeFixture fixture;
         QVariantMap record = with(selectionsRecord(u"Old"_s), u"pAudioFilterArray"_s, QVariantList());
         record.insert(u"pSelectedAudioTrack"_s, u"By Language"_s);
         record.insert(u"pAudioIsByLanguage"_s, false); // it says otherwise and does not count
-        QVERIFY(presets::importInto(bench.presets, presetFile({record}, {})).problem.isNull());
-        const KXPresetSelections &preset = *bench.presets.presetSelectionsList().at(4);
+        QVERIFY(presets::importInto(fixture.presets, presetFile({record}, {})).problem.isNull());
+        const KXPresetSelections &preset = *fixture.presets.presetSelectionsList().at(4);
         QVERIFY(preset.pAudioIsByLanguage());
         QCOMPARE(support::textOf(preset.pAudioFilterArray()),
                  u"Tracks w/ Properties ...|1|English|Any Codec|Any Type"_s);
@@ -197,49 +198,49 @@ private Q_SLOTS:
     /// What settings do not offer they still tolerate: best guesses, odd indices, odd words.
     void oddValuesOfTheRightKindFit()
     {
-        ExchangeBench bench;
-        QVariantMap bundle = settingsRecord(u"Guess"_s, u"Kitchen radio"_s);
+        ExchangeFixture fixture;
+        QVariantMap bundle = settingsRecord(u"Guess"_s, u"Factory radio"_s);
         bundle.insert(u"pVideoActionIndex"_s, 4);
         bundle.insert(u"pSurroundActionIndex"_s, -9);
         bundle.insert(u"pSubAction"_s, u""_s);
         const QVariantMap rule = selectionsRecord(u"Odd"_s, u"Every|x|Klingon|wv|Mono"_s, u"||||"_s);
-        QVERIFY(presets::importInto(bench.presets, presetFile({rule}, {bundle})).problem.isNull());
-        QCOMPARE(bench.presets.presetSettingsList().at(3)->makeRecord(), bundle);
-        QVERIFY(bench.presets.presetSettingsList().at(3)->pVideoActionIsBestGuess());
-        QCOMPARE(bench.presets.presetSelectionsList().at(4)->makeRecord(), rule);
+        QVERIFY(presets::importInto(fixture.presets, presetFile({rule}, {bundle})).problem.isNull());
+        QCOMPARE(fixture.presets.presetSettingsList().at(3)->makeRecord(), bundle);
+        QVERIFY(fixture.presets.presetSettingsList().at(3)->pVideoActionIsBestGuess());
+        QCOMPARE(fixture.presets.presetSelectionsList().at(4)->makeRecord(), rule);
     }
 
     void storeThatCantBeWrittenLeavesTheListsAsBefore()
     {
-        ExchangeBench bench;
-        const QByteArray stored = bench.storedBytes();
-        const QJsonObject exported = presets::exported(bench.presets);
-        QVERIFY(QFile::remove(bench.scratch.path(u"defaults.json"_s)));
-        QVERIFY(QDir().mkdir(bench.scratch.path(u"defaults.json"_s))); // can be neither read nor replaced
-        const QSignalSpy changed(&bench.presets, &KXPresetsController::listsChanged);
+        ExchangeFixture fixture;
+        const QByteArray stored = fixture.storedBytes();
+        const QJsonObject exported = presets::exported(fixture.presets);
+        QVERIFY(QFile::remove(fixture.scratch.path(u"defaults.json"_s)));
+        QVERIFY(QDir().mkdir(fixture.scratch.path(u"defaults.json"_s))); // can be neither read nor replaced
+        const QSignalSpy changed(&fixture.presets, &KXPresetsController::listsChanged);
         const presets::Import result = presets::importInto(
-            bench.presets, presetFile({selectionsRecord(u"New"_s)}, {settingsRecord(u"New"_s)}));
+            fixture.presets, presetFile({selectionsRecord(u"New"_s)}, {settingsRecord(u"New"_s)}));
         QVERIFY2(result.problem.startsWith(u"The settings in"_s), qPrintable(result.problem));
         QCOMPARE(result.selections, 0);
         QCOMPARE(result.settings, 0);
-        QCOMPARE(presets::exported(bench.presets), exported);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Own"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
+        QCOMPARE(presets::exported(fixture.presets), exported);
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Own"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3"_s);
         QCOMPARE(changed.count(), 0);
-        QCOMPARE(support::namesIn(bench.program.preferences.userPresetSelectionsList()), u"Own"_s);
-        QCOMPARE(support::namesIn(bench.program.preferences.userPresetSettingsList()), u"For PS3"_s);
+        QCOMPARE(support::namesIn(fixture.program.preferences.userPresetSelectionsList()), u"Own"_s);
+        QCOMPARE(support::namesIn(fixture.program.preferences.userPresetSettingsList()), u"For PS3"_s);
 
         // And nothing of it comes in later by itself.
-        QVERIFY(QDir().rmdir(bench.scratch.path(u"defaults.json"_s)));
-        bench.scratch.write(u"defaults.json"_s, stored);
-        QVERIFY(bench.program.preferences.savePreferencesToDefaults().isNull());
-        QCOMPARE(bench.storedBytes(), stored);
-        QVERIFY(presets::importInto(bench.presets, presetFile({selectionsRecord(u"New"_s)}, {}))
+        QVERIFY(QDir().rmdir(fixture.scratch.path(u"defaults.json"_s)));
+        fixture.scratch.write(u"defaults.json"_s, stored);
+        QVERIFY(fixture.program.preferences.savePreferencesToDefaults().isNull());
+        QCOMPARE(fixture.storedBytes(), stored);
+        QVERIFY(presets::importInto(fixture.presets, presetFile({selectionsRecord(u"New"_s)}, {}))
                     .problem.isNull());
-        QCOMPARE(bench.namesAtNextStart(),
+        QCOMPARE(fixture.namesAtNextStart(),
                  u"Manual, First Track, All Tracks, Own, New / Manual, Extract Tracks, For PS3"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(PresetExchangeTest)
+TESSARAY_TEST(PresetExchangeTest)
 #include "PresetExchangeTest.moc"

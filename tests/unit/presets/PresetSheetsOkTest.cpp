@@ -1,8 +1,9 @@
 #include "presets/KXPresetsController.h"
 
-#include "support/PresetBench.h"
 #include "support/Scratch.h"
-#include "support/SheetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/presets/SheetFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -10,9 +11,9 @@
 using namespace Qt::StringLiterals;
 using presets::FilterKind;
 using support::firstSubtitle;
-using support::PresetBench;
+using support::PresetFixture;
 using support::secondSound;
-using support::SheetBench;
+using support::SheetFixture;
 
 /// Names in the sheets, and what OK makes of everything.
 class PresetSheetsOkTest final : public QObject
@@ -22,18 +23,18 @@ class PresetSheetsOkTest final : public QObject
 private Q_SLOTS:
     void presetsAreRenamed()
     {
-        SheetBench bench;
-        QVERIFY(bench.presets.renamePresetSelection(2, u"Zweite Spur"_s).isNull());
-        QVERIFY(bench.presets.renamePresetSettings(1, u"Für alle"_s).isNull());
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, Für alle, For Xbox"_s);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Second, Own"_s); // not before OK
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
-        QVERIFY(bench.presets.okPresetSettingsPanel().isNull());
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, Für alle, For Xbox"_s);
-        QCOMPARE(bench.storedNames(u"presetSelectionsArray"_s), u"Zweite Spur, Own"_s);
-        QCOMPARE(bench.storedNames(u"presetSettingsArray"_s), u"Für alle, For Xbox"_s);
+        SheetFixture fixture;
+        QVERIFY(fixture.presets.renamePresetSelection(2, u"Zweite Spur"_s).isNull());
+        QVERIFY(fixture.presets.renamePresetSettings(1, u"Für alle"_s).isNull());
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, Für alle, For Xbox"_s);
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Second, Own"_s); // not before OK
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Zweite Spur, Own"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, Für alle, For Xbox"_s);
+        QCOMPARE(fixture.storedNames(u"presetSelectionsArray"_s), u"Zweite Spur, Own"_s);
+        QCOMPARE(fixture.storedNames(u"presetSettingsArray"_s), u"Für alle, For Xbox"_s);
     }
 
     void namesOfBuiltInsAndNoneAreRefused_data()
@@ -53,11 +54,11 @@ private Q_SLOTS:
     {
         QFETCH(const QString, name);
         QFETCH(const QString, sentence);
-        SheetBench bench;
-        QCOMPARE(bench.presets.renamePresetSelection(2, name), sentence);
-        QCOMPARE(bench.presets.renamePresetSettings(1, name), sentence);
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
+        SheetFixture fixture;
+        QCOMPARE(fixture.presets.renamePresetSelection(2, name), sentence);
+        QCOMPARE(fixture.presets.renamePresetSettings(1, name), sentence);
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
     }
 
     void namesThatOnlyLookLikeABuiltInsAreFree_data()
@@ -73,11 +74,11 @@ private Q_SLOTS:
     void namesThatOnlyLookLikeABuiltInsAreFree()
     {
         QFETCH(const QString, name);
-        SheetBench bench;
-        QVERIFY(bench.presets.renamePresetSelection(2, name).isNull());
-        QCOMPARE(bench.presets.presetSelectionsList().at(3)->pName(), name);
-        QVERIFY(bench.presets.renamePresetSettings(1, name).isNull());
-        QCOMPARE(bench.presets.presetSettingsList().at(2)->pName(), name);
+        SheetFixture fixture;
+        QVERIFY(fixture.presets.renamePresetSelection(2, name).isNull());
+        QCOMPARE(fixture.presets.presetSelectionsList().at(3)->pName(), name);
+        QVERIFY(fixture.presets.renamePresetSettings(1, name).isNull());
+        QCOMPARE(fixture.presets.presetSettingsList().at(2)->pName(), name);
     }
 
     void onlyUsersPresetsCanBeRenamed_data()
@@ -95,97 +96,97 @@ private Q_SLOTS:
     {
         QFETCH(const int, row);
         QFETCH(const int, settingsRow);
-        SheetBench bench;
+        SheetFixture fixture;
         const QString sentence = u"This preset can't be renamed."_s;
-        QCOMPARE(bench.presets.renamePresetSelection(row, u"Mine"_s), sentence);
-        QCOMPARE(bench.presets.renamePresetSettings(settingsRow, u"Mine"_s), sentence);
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
+        QCOMPARE(fixture.presets.renamePresetSelection(row, u"Mine"_s), sentence);
+        QCOMPARE(fixture.presets.renamePresetSettings(settingsRow, u"Mine"_s), sentence);
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
     }
 
     void okChoosesTheSelectedRuleAndStores()
     {
-        SheetBench bench;
-        bench.presets.openPresetSelectionPanel();
-        bench.presets.addPresetSelection();
-        bench.presets.selectionListTableClicked(2);
-        QCOMPARE(bench.ticked(), u""_s);
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
-        QCOMPARE(bench.presets.selectionMethodIndex(), 3);
-        QCOMPARE(bench.ticked(), u"1 3 4"_s);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Second, Own, User Preset"_s);
-        QCOMPARE(bench.storedNames(u"presetSelectionsArray"_s), u"Second, Own, User Preset"_s);
-        QCOMPARE(bench.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox"_s);
+        SheetFixture fixture;
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.addPresetSelection();
+        fixture.presets.selectionListTableClicked(2);
+        QCOMPARE(fixture.ticked(), u""_s);
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 3);
+        QCOMPARE(fixture.ticked(), u"1 3 4"_s);
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Second, Own, User Preset"_s);
+        QCOMPARE(fixture.storedNames(u"presetSelectionsArray"_s), u"Second, Own, User Preset"_s);
+        QCOMPARE(fixture.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox"_s);
     }
 
     void okChoosesTheSelectedSettingsAndStores()
     {
-        SheetBench bench;
-        bench.presets.openPresetSettingsPanel();
-        bench.presets.addPresetSettings();
-        bench.presets.settingsListTableClicked(2);
+        SheetFixture fixture;
+        fixture.presets.openPresetSettingsPanel();
+        fixture.presets.addPresetSettings();
+        fixture.presets.settingsListTableClicked(2);
         QList<bool> seen;
-        connect(&bench.program.controller, &KXSelectionController::trackRowsDeselected, this,
-                [&] { seen.append(bench.presets.changingPresetSetting()); });
-        QVERIFY(bench.presets.okPresetSettingsPanel().isNull());
-        QCOMPARE(bench.presets.settingMethodIndex(), 3);
-        QCOMPARE(bench.program.controller.mp4Device(), u"Xbox"_s);
+        connect(&fixture.program.controller, &KXSelectionController::trackRowsDeselected, this,
+                [&] { seen.append(fixture.presets.changingPresetSetting()); });
+        QVERIFY(fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.presets.settingMethodIndex(), 3);
+        QCOMPARE(fixture.program.controller.mp4Device(), u"Xbox"_s);
         QCOMPARE(seen, QList<bool>{true});
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, For PS3, For Xbox, User Preset"_s);
-        QCOMPARE(bench.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox, User Preset"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3, For Xbox, User Preset"_s);
+        QCOMPARE(fixture.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox, User Preset"_s);
     }
 
     /// The row before the first is that of "Manual".
     void okWithoutASelectedRowChoosesManual()
     {
-        SheetBench bench;
-        bench.presets.setSelectionMethodIndex(1);
-        bench.presets.setSettingMethodIndex(1);
-        bench.presets.selectionListTableClicked(-1);
-        bench.presets.settingsListTableClicked(-1);
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
-        QVERIFY(bench.presets.okPresetSettingsPanel().isNull());
-        QCOMPARE(bench.presets.selectionMethodIndex(), 0);
-        QCOMPARE(bench.presets.settingMethodIndex(), 0);
-        QCOMPARE(bench.ticked(), u"1 2 4"_s); // as "First Track" left them
+        SheetFixture fixture;
+        fixture.presets.setSelectionMethodIndex(1);
+        fixture.presets.setSettingMethodIndex(1);
+        fixture.presets.selectionListTableClicked(-1);
+        fixture.presets.settingsListTableClicked(-1);
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
+        QCOMPARE(fixture.ticked(), u"1 2 4"_s); // as "First Track" left them
     }
 
     void okAfterRemovingTheChosenOneChoosesTheRowBefore()
     {
-        SheetBench bench;
-        bench.presets.setSelectionMethodIndex(4);
-        bench.presets.setSettingMethodIndex(3);
-        bench.presets.openPresetSelectionPanel();
-        bench.presets.openPresetSettingsPanel();
-        bench.presets.removePresetSelection();
-        bench.presets.removePresetSettings();
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
-        QVERIFY(bench.presets.okPresetSettingsPanel().isNull());
-        QCOMPARE(bench.presets.selectionMethodIndex(), 3);
-        QCOMPARE(bench.ticked(), u"1 3 4"_s);
-        QCOMPARE(bench.presets.currentPresetSettingName(), u"For PS3"_s);
-        QCOMPARE(bench.program.controller.mp4Device(), u"PS3"_s);
+        SheetFixture fixture;
+        fixture.presets.setSelectionMethodIndex(4);
+        fixture.presets.setSettingMethodIndex(3);
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.openPresetSettingsPanel();
+        fixture.presets.removePresetSelection();
+        fixture.presets.removePresetSettings();
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 3);
+        QCOMPARE(fixture.ticked(), u"1 3 4"_s);
+        QCOMPARE(fixture.presets.currentPresetSettingName(), u"For PS3"_s);
+        QCOMPARE(fixture.program.controller.mp4Device(), u"PS3"_s);
     }
 
     void okWritesBackWhatIsBeingEdited()
     {
-        SheetBench bench;
-        FilterEditor &editor = bench.presets.filterEditor();
-        bench.presets.selectionListTableClicked(2);
+        SheetFixture fixture;
+        FilterEditor &editor = fixture.presets.filterEditor();
+        fixture.presets.selectionListTableClicked(2);
         editor.pointerEntered(101);
         editor.editFilterPanel(101);
         editor.setField(FilterKind::Audio, u"currentTrackNumber"_s, u"1"_s);
         editor.pointerEntered(201);
         editor.editFilterPanel(201);
         editor.setField(FilterKind::Subtitle, u"currentTrackChoice"_s, u"None"_s);
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
         const QVariantMap record =
-            support::storedSettings(bench.scratch).value(u"presetSelectionsArray"_s).toList().at(0).toMap();
+            support::storedSettings(fixture.scratch).value(u"presetSelectionsArray"_s).toList().at(0).toMap();
         QCOMPARE(support::textOf(record.value(u"pAudioFilterArray"_s).toList()),
                  u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s);
         QCOMPARE(support::textOf(record.value(u"pSubtitleFilterArray"_s).toList()),
                  u"None|1|Any Language|Any Codec"_s);
-        QCOMPARE(bench.ticked(), u"1 2"_s); // and applied as edited
+        QCOMPARE(fixture.ticked(), u"1 2"_s); // and applied as edited
         QVERIFY(!editor.isEditingAudioFilter());
         QVERIFY(!editor.isEditingSubtitleFilter());
         QVERIFY(editor.currentAudioFilterArray().isEmpty()); // the sheet is closed
@@ -193,50 +194,50 @@ private Q_SLOTS:
 
     void anotherRowWritesBackWhatIsBeingEdited()
     {
-        SheetBench bench;
-        FilterEditor &editor = bench.presets.filterEditor();
-        bench.presets.selectionListTableClicked(2);
+        SheetFixture fixture;
+        FilterEditor &editor = fixture.presets.filterEditor();
+        fixture.presets.selectionListTableClicked(2);
         editor.pointerEntered(101);
         editor.editFilterPanel(101);
         editor.setField(FilterKind::Audio, u"currentTrackNumber"_s, u"7"_s);
-        bench.presets.selectionListTableClicked(3);
-        QCOMPARE(support::textOf(bench.presets.presetSelectionsList().at(3)->pAudioFilterArray()),
+        fixture.presets.selectionListTableClicked(3);
+        QCOMPARE(support::textOf(fixture.presets.presetSelectionsList().at(3)->pAudioFilterArray()),
                  u"Audio Track Number|7|Any Language|Any Codec|Any Type"_s);
-        QCOMPARE(support::textOf(bench.presets.presetSelectionsList().at(4)->pAudioFilterArray()),
+        QCOMPARE(support::textOf(fixture.presets.presetSelectionsList().at(4)->pAudioFilterArray()),
                  u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s);
     }
 
     void removingWhileEditingChangesNoOther()
     {
-        SheetBench bench;
-        FilterEditor &editor = bench.presets.filterEditor();
-        bench.presets.selectionListTableClicked(3);
+        SheetFixture fixture;
+        FilterEditor &editor = fixture.presets.filterEditor();
+        fixture.presets.selectionListTableClicked(3);
         editor.pointerEntered(101);
         editor.editFilterPanel(101);
         editor.setField(FilterKind::Audio, u"currentTrackNumber"_s, u"7"_s);
-        bench.presets.removePresetSelection();
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second"_s);
-        QCOMPARE(support::textOf(bench.presets.presetSelectionsList().at(3)->pAudioFilterArray()),
+        fixture.presets.removePresetSelection();
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second"_s);
+        QCOMPARE(support::textOf(fixture.presets.presetSelectionsList().at(3)->pAudioFilterArray()),
                  secondSound);
         QVERIFY(!editor.isEditingAudioFilter());
     }
 
     void okThatCantStoreSaysSoAndKeepsWhatWasEdited()
     {
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(2);
-        bench.presets.settingsListTableClicked(1);
-        QVERIFY(bench.presets.renamePresetSelection(2, u"Mine"_s).isNull());
-        QVERIFY(bench.presets.renamePresetSettings(1, u"Mine"_s).isNull());
-        QVERIFY(bench.block());
-        QVERIFY(bench.presets.okPresetSelectionPanel().startsWith(u"The settings in"_s));
-        QVERIFY(bench.presets.okPresetSettingsPanel().startsWith(u"The settings in"_s));
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Mine, Own"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, Extract Tracks, Mine, For Xbox"_s);
-        QCOMPARE(bench.presets.selectionMethodIndex(), 3);
-        QCOMPARE(bench.presets.settingMethodIndex(), 2);
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(2);
+        fixture.presets.settingsListTableClicked(1);
+        QVERIFY(fixture.presets.renamePresetSelection(2, u"Mine"_s).isNull());
+        QVERIFY(fixture.presets.renamePresetSettings(1, u"Mine"_s).isNull());
+        QVERIFY(fixture.block());
+        QVERIFY(fixture.presets.okPresetSelectionPanel().startsWith(u"The settings in"_s));
+        QVERIFY(fixture.presets.okPresetSettingsPanel().startsWith(u"The settings in"_s));
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Mine, Own"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, Mine, For Xbox"_s);
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 3);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 2);
     }
 };
 
-QTEST_GUILESS_MAIN(PresetSheetsOkTest)
+TESSARAY_TEST(PresetSheetsOkTest)
 #include "PresetSheetsOkTest.moc"

@@ -1,8 +1,9 @@
 #include "presets/KXPresetsController.h"
 
-#include "support/PresetBench.h"
 #include "support/Scratch.h"
-#include "support/SheetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/presets/SheetFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -10,9 +11,9 @@
 using namespace Qt::StringLiterals;
 using presets::FilterKind;
 using support::firstSubtitle;
-using support::PresetBench;
+using support::PresetFixture;
 using support::secondSound;
-using support::SheetBench;
+using support::SheetFixture;
 
 /// The two sheets in which presets are edited.
 class PresetSheetsTest final : public QObject
@@ -22,9 +23,9 @@ class PresetSheetsTest final : public QObject
 private Q_SLOTS:
     void noRowIsSelectedBeforeASheetOpens()
     {
-        const SheetBench bench;
-        QCOMPARE(bench.presets.selectionPanelRow(), -1);
-        QCOMPARE(bench.presets.settingsPanelRow(), -1);
+        const SheetFixture fixture;
+        QCOMPARE(fixture.presets.selectionPanelRow(), -1);
+        QCOMPARE(fixture.presets.settingsPanelRow(), -1);
     }
 
     void openedSheetShowsTheChosenRule_data()
@@ -43,17 +44,17 @@ private Q_SLOTS:
     void openedSheetShowsTheChosenRule()
     {
         QFETCH(const int, index);
-        SheetBench bench;
-        bench.presets.setSelectionMethodIndex(index);
-        const QSignalSpy lists(&bench.presets, &KXPresetsController::listsChanged);
-        const QSignalSpy rows(&bench.presets, &KXPresetsController::panelRowsChanged);
-        bench.presets.openPresetSelectionPanel();
-        QTEST(bench.presets.selectionPanelRow(), "row");
-        QTEST(support::textOf(bench.presets.filterEditor().currentAudioFilterArray()), "audio");
-        QTEST(support::textOf(bench.presets.filterEditor().currentSubtitleFilterArray()), "subtitle");
+        SheetFixture fixture;
+        fixture.presets.setSelectionMethodIndex(index);
+        const QSignalSpy lists(&fixture.presets, &KXPresetsController::listsChanged);
+        const QSignalSpy rows(&fixture.presets, &KXPresetsController::panelRowsChanged);
+        fixture.presets.openPresetSelectionPanel();
+        QTEST(fixture.presets.selectionPanelRow(), "row");
+        QTEST(support::textOf(fixture.presets.filterEditor().currentAudioFilterArray()), "audio");
+        QTEST(support::textOf(fixture.presets.filterEditor().currentSubtitleFilterArray()), "subtitle");
         QCOMPARE(lists.count(), 1); // the table loads anew
         QCOMPARE(rows.count(), 1);
-        QCOMPARE(bench.presets.selectionMethodIndex(), index);
+        QCOMPARE(fixture.presets.selectionMethodIndex(), index);
     }
 
     void openedSheetShowsTheChosenSettings_data()
@@ -69,59 +70,59 @@ private Q_SLOTS:
     void openedSheetShowsTheChosenSettings()
     {
         QFETCH(const int, index);
-        SheetBench bench;
-        bench.presets.setSettingMethodIndex(index);
-        const QSignalSpy lists(&bench.presets, &KXPresetsController::listsChanged);
-        const QSignalSpy rows(&bench.presets, &KXPresetsController::panelRowsChanged);
-        bench.presets.openPresetSettingsPanel();
-        QTEST(bench.presets.settingsPanelRow(), "row");
+        SheetFixture fixture;
+        fixture.presets.setSettingMethodIndex(index);
+        const QSignalSpy lists(&fixture.presets, &KXPresetsController::listsChanged);
+        const QSignalSpy rows(&fixture.presets, &KXPresetsController::panelRowsChanged);
+        fixture.presets.openPresetSettingsPanel();
+        QTEST(fixture.presets.settingsPanelRow(), "row");
         QCOMPARE(lists.count(), 1);
         QCOMPARE(rows.count(), 1);
-        QCOMPARE(bench.presets.selectionPanelRow(), -1); // the other sheet is another one
-        QCOMPARE(bench.presets.settingMethodIndex(), index);
+        QCOMPARE(fixture.presets.selectionPanelRow(), -1); // the other sheet is another one
+        QCOMPARE(fixture.presets.settingMethodIndex(), index);
     }
 
     void openedSheetWithoutRowsSelectsNone()
     {
-        SheetBench bench;
+        SheetFixture fixture;
         for (int i = 0; i < 4; ++i) {
-            bench.presets.selectionListTableClicked(0);
-            bench.presets.removePresetSelection();
-            bench.presets.settingsListTableClicked(0);
-            bench.presets.removePresetSettings();
+            fixture.presets.selectionListTableClicked(0);
+            fixture.presets.removePresetSelection();
+            fixture.presets.settingsListTableClicked(0);
+            fixture.presets.removePresetSettings();
         }
-        QCOMPARE(bench.listed(), u"Manual"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual"_s);
-        bench.presets.openPresetSelectionPanel();
-        bench.presets.openPresetSettingsPanel();
-        QCOMPARE(bench.presets.selectionPanelRow(), -1);
-        QCOMPARE(bench.presets.settingsPanelRow(), -1);
-        QVERIFY(bench.presets.filterEditor().currentAudioFilterArray().isEmpty());
+        QCOMPARE(fixture.listed(), u"Manual"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual"_s);
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.openPresetSettingsPanel();
+        QCOMPARE(fixture.presets.selectionPanelRow(), -1);
+        QCOMPARE(fixture.presets.settingsPanelRow(), -1);
+        QVERIFY(fixture.presets.filterEditor().currentAudioFilterArray().isEmpty());
     }
 
     void clickedRowShowsItsFilters()
     {
-        SheetBench bench;
-        bench.presets.openPresetSelectionPanel();
-        const QSignalSpy rows(&bench.presets, &KXPresetsController::panelRowsChanged);
-        FilterEditor &editor = bench.presets.filterEditor();
-        bench.presets.selectionListTableClicked(2);
-        QCOMPARE(bench.presets.selectionPanelRow(), 2);
+        SheetFixture fixture;
+        fixture.presets.openPresetSelectionPanel();
+        const QSignalSpy rows(&fixture.presets, &KXPresetsController::panelRowsChanged);
+        FilterEditor &editor = fixture.presets.filterEditor();
+        fixture.presets.selectionListTableClicked(2);
+        QCOMPARE(fixture.presets.selectionPanelRow(), 2);
         QCOMPARE(support::textOf(editor.currentAudioFilterArray()), secondSound);
         QCOMPARE(support::textOf(editor.currentSubtitleFilterArray()), firstSubtitle);
         editor.addFilterButtonClicked(192);
         QVERIFY(editor.af2Visibility());
-        bench.presets.selectionListTableClicked(3);
+        fixture.presets.selectionListTableClicked(3);
         QVERIFY(!editor.af2Visibility()); // the rows follow the preset's filters
-        bench.presets.selectionListTableClicked(2);
+        fixture.presets.selectionListTableClicked(2);
         QVERIFY(editor.af2Visibility());
         QCOMPARE(rows.count(), 3);
-        bench.presets.settingsListTableClicked(1);
-        QCOMPARE(bench.presets.settingsPanelRow(), 1);
-        QCOMPARE(bench.presets.selectionPanelRow(), 2);
+        fixture.presets.settingsListTableClicked(1);
+        QCOMPARE(fixture.presets.settingsPanelRow(), 1);
+        QCOMPARE(fixture.presets.selectionPanelRow(), 2);
         QCOMPARE(rows.count(), 4);
-        QCOMPARE(bench.presets.selectionMethodIndex(), 0); // nothing is chosen before OK
-        QCOMPARE(bench.presets.settingMethodIndex(), 0);
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0); // nothing is chosen before OK
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
     }
 
     void clickBesideTheRowsShowsNoFilters_data()
@@ -135,22 +136,22 @@ private Q_SLOTS:
     void clickBesideTheRowsShowsNoFilters()
     {
         QFETCH(const int, row);
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(2);
-        bench.presets.selectionListTableClicked(row);
-        QVERIFY(bench.presets.filterEditor().currentAudioFilterArray().isEmpty());
-        QVERIFY(bench.presets.filterEditor().currentSubtitleFilterArray().isEmpty());
-        bench.presets.filterEditor().addFilterButtonClicked(192);
-        QCOMPARE(support::textOf(bench.presets.presetSelectionsList().at(0)->pAudioFilterArray()),
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(2);
+        fixture.presets.selectionListTableClicked(row);
+        QVERIFY(fixture.presets.filterEditor().currentAudioFilterArray().isEmpty());
+        QVERIFY(fixture.presets.filterEditor().currentSubtitleFilterArray().isEmpty());
+        fixture.presets.filterEditor().addFilterButtonClicked(192);
+        QCOMPARE(support::textOf(fixture.presets.presetSelectionsList().at(0)->pAudioFilterArray()),
                  u"None|1|||"_s);
     }
 
     void onlyUsersPresetsCanHaveTheirFiltersEdited()
     {
-        SheetBench bench;
-        FilterEditor &editor = bench.presets.filterEditor();
+        SheetFixture fixture;
+        FilterEditor &editor = fixture.presets.filterEditor();
         for (int row = 0; row < 4; ++row) {
-            bench.presets.selectionListTableClicked(row);
+            fixture.presets.selectionListTableClicked(row);
             const bool isUsers = row >= 2;
             QCOMPARE(editor.rows(FilterKind::Audio).filterButton(1).enabled, isUsers);
             QCOMPARE(editor.rows(FilterKind::Subtitle).addButton(2).enabled, isUsers);
@@ -159,80 +160,80 @@ private Q_SLOTS:
 
     void addedPresetsStandLast()
     {
-        SheetBench bench;
-        bench.presets.openPresetSelectionPanel();
-        bench.presets.openPresetSettingsPanel();
-        const QSignalSpy lists(&bench.presets, &KXPresetsController::listsChanged);
-        bench.presets.addPresetSelection();
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second, Own, User Preset"_s);
+        SheetFixture fixture;
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.openPresetSettingsPanel();
+        const QSignalSpy lists(&fixture.presets, &KXPresetsController::listsChanged);
+        fixture.presets.addPresetSelection();
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second, Own, User Preset"_s);
         QCOMPARE(lists.count(), 1);
-        bench.presets.addPresetSettings();
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox, User Preset"_s);
+        fixture.presets.addPresetSettings();
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox, User Preset"_s);
         QCOMPARE(lists.count(), 2);
-        bench.presets.addPresetSelection(); // the same name twice
-        bench.presets.addPresetSettings();
-        QCOMPARE(bench.presets.presetSelectionsList().size(), 7);
-        QCOMPARE(bench.presets.presetSettingsList().size(), 6);
-        QVERIFY(bench.presets.presetSelectionsList().constLast()->isEditable());
-        QCOMPARE(support::textOf(bench.presets.presetSelectionsList().constLast()->pSubtitleFilterArray()),
+        fixture.presets.addPresetSelection(); // the same name twice
+        fixture.presets.addPresetSettings();
+        QCOMPARE(fixture.presets.presetSelectionsList().size(), 7);
+        QCOMPARE(fixture.presets.presetSettingsList().size(), 6);
+        QVERIFY(fixture.presets.presetSelectionsList().constLast()->isEditable());
+        QCOMPARE(support::textOf(fixture.presets.presetSelectionsList().constLast()->pSubtitleFilterArray()),
                  u"None|1|Any Language|Any Codec"_s);
-        QVERIFY(bench.presets.presetSettingsList().constLast()->isEditable());
-        QCOMPARE(bench.presets.presetSettingsList().constLast()->pDevice(), u"Apple TV"_s);
-        QCOMPARE(bench.presets.selectionPanelRow(), 0); // the selected row stays
-        QCOMPARE(bench.presets.settingsPanelRow(), 0);
-        QCOMPARE(bench.storedNames(u"presetSelectionsArray"_s), u"Second, Own"_s); // not before OK
-        QCOMPARE(bench.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox"_s);
-        QCOMPARE(bench.names(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QVERIFY(fixture.presets.presetSettingsList().constLast()->isEditable());
+        QCOMPARE(fixture.presets.presetSettingsList().constLast()->pDevice(), u"Apple TV"_s);
+        QCOMPARE(fixture.presets.selectionPanelRow(), 0); // the selected row stays
+        QCOMPARE(fixture.presets.settingsPanelRow(), 0);
+        QCOMPARE(fixture.storedNames(u"presetSelectionsArray"_s), u"Second, Own"_s); // not before OK
+        QCOMPARE(fixture.storedNames(u"presetSettingsArray"_s), u"For PS3, For Xbox"_s);
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Second, Own"_s);
     }
 
     void removingSelectsTheRowBefore()
     {
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(3);
-        const QSignalSpy lists(&bench.presets, &KXPresetsController::listsChanged);
-        const QSignalSpy rows(&bench.presets, &KXPresetsController::panelRowsChanged);
-        bench.presets.removePresetSelection();
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second"_s);
-        QCOMPARE(bench.presets.selectionPanelRow(), 2);
-        QCOMPARE(support::textOf(bench.presets.filterEditor().currentAudioFilterArray()), secondSound);
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(3);
+        const QSignalSpy lists(&fixture.presets, &KXPresetsController::listsChanged);
+        const QSignalSpy rows(&fixture.presets, &KXPresetsController::panelRowsChanged);
+        fixture.presets.removePresetSelection();
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second"_s);
+        QCOMPARE(fixture.presets.selectionPanelRow(), 2);
+        QCOMPARE(support::textOf(fixture.presets.filterEditor().currentAudioFilterArray()), secondSound);
         QCOMPARE(lists.count(), 1);
         QCOMPARE(rows.count(), 1);
-        bench.presets.settingsListTableClicked(1);
-        bench.presets.removePresetSettings();
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, For Xbox"_s);
-        QCOMPARE(bench.presets.settingsPanelRow(), 0);
+        fixture.presets.settingsListTableClicked(1);
+        fixture.presets.removePresetSettings();
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For Xbox"_s);
+        QCOMPARE(fixture.presets.settingsPanelRow(), 0);
         QCOMPARE(lists.count(), 2);
         QCOMPARE(rows.count(), 3);
     }
 
     void removingTheFirstRowSelectsNone()
     {
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(0);
-        bench.presets.removePresetSelection();
-        QCOMPARE(bench.presets.selectionPanelRow(), -1);
-        QVERIFY(bench.presets.filterEditor().currentAudioFilterArray().isEmpty());
-        bench.presets.settingsListTableClicked(0);
-        bench.presets.removePresetSettings();
-        QCOMPARE(bench.presets.settingsPanelRow(), -1);
-        QCOMPARE(bench.listed(), u"Manual, All Tracks, Second, Own"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual, For PS3, For Xbox"_s);
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(0);
+        fixture.presets.removePresetSelection();
+        QCOMPARE(fixture.presets.selectionPanelRow(), -1);
+        QVERIFY(fixture.presets.filterEditor().currentAudioFilterArray().isEmpty());
+        fixture.presets.settingsListTableClicked(0);
+        fixture.presets.removePresetSettings();
+        QCOMPARE(fixture.presets.settingsPanelRow(), -1);
+        QCOMPARE(fixture.listed(), u"Manual, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual, For PS3, For Xbox"_s);
     }
 
     /// Meant: nothing asks whether a preset may be removed, since built-ins are made anew.
     void removedBuiltInsAreBackAtTheNextStart()
     {
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(1);
-        bench.presets.removePresetSelection();
-        bench.presets.removePresetSelection();
-        bench.presets.settingsListTableClicked(0);
-        bench.presets.removePresetSettings();
-        QVERIFY(bench.presets.okPresetSelectionPanel().isNull());
-        QVERIFY(bench.presets.okPresetSettingsPanel().isNull());
-        QCOMPARE(bench.names(), u"Manual, Second, Own"_s);
-        QCOMPARE(bench.settingsNames(), u"Manual, For PS3, For Xbox"_s);
-        const PresetBench next(bench.scratch);
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(1);
+        fixture.presets.removePresetSelection();
+        fixture.presets.removePresetSelection();
+        fixture.presets.settingsListTableClicked(0);
+        fixture.presets.removePresetSettings();
+        QVERIFY(fixture.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.names(), u"Manual, Second, Own"_s);
+        QCOMPARE(fixture.settingsNames(), u"Manual, For PS3, For Xbox"_s);
+        const PresetFixture next(fixture.scratch);
         QCOMPARE(next.presets.presetSelectionsNamesList().join(u", "_s),
                  u"Manual, First Track, All Tracks, Second, Own"_s);
         QCOMPARE(next.presets.presetSettingsNamesList().join(u", "_s),
@@ -250,17 +251,17 @@ private Q_SLOTS:
     void removingWithoutASelectedRowRemovesNothing()
     {
         QFETCH(const int, row);
-        SheetBench bench;
-        bench.presets.selectionListTableClicked(row);
-        bench.presets.settingsListTableClicked(row);
-        bench.presets.removePresetSelection();
-        bench.presets.removePresetSettings();
-        QCOMPARE(bench.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
-        QCOMPARE(bench.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
-        QCOMPARE(bench.presets.selectionPanelRow(), row);
-        QCOMPARE(bench.presets.settingsPanelRow(), row);
+        SheetFixture fixture;
+        fixture.presets.selectionListTableClicked(row);
+        fixture.presets.settingsListTableClicked(row);
+        fixture.presets.removePresetSelection();
+        fixture.presets.removePresetSettings();
+        QCOMPARE(fixture.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
+        QCOMPARE(fixture.presets.selectionPanelRow(), row);
+        QCOMPARE(fixture.presets.settingsPanelRow(), row);
     }
 };
 
-QTEST_GUILESS_MAIN(PresetSheetsTest)
+TESSARAY_TEST(PresetSheetsTest)
 #include "PresetSheetsTest.moc"

@@ -1,7 +1,8 @@
 #include "presets/TrackFilters.h"
 
-#include "support/ControllerBench.h"
-#include "support/PresetBench.h"
+#include "support/TestMain.h"
+#include "support/presets/PresetFixture.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
@@ -325,5 +326,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TrackFiltersTest)
+TESSARAY_TEST(TrackFiltersTest)
 #include "TrackFiltersTest.moc"

@@ -1,6 +1,7 @@
 #include "selection/AudioActions.h"
 
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
@@ -163,5 +164,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(AudioActionsTest)
+TESSARAY_TEST(AudioActionsTest)
 #include "AudioActionsTest.moc"

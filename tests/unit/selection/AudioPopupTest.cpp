@@ -1,4 +1,5 @@
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -6,7 +7,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 using support::outputsOf;
 using support::probedAudio;
 using support::probedSubtitle;
@@ -23,10 +24,10 @@ TrackPointer audioWith(const QString &outputs)
 }
 
 /// A video and one stereo track for each language; the audio tracks start at row 1.
-struct Languages : ControllerBench
+struct Languages : ControllerFixture
 {
     explicit Languages(const QStringList &languages)
-        : ControllerBench(tracks(languages))
+        : ControllerFixture(tracks(languages))
     {
         selectAll();
     }
@@ -76,109 +77,109 @@ class AudioPopupTest final : public QObject
 private Q_SLOTS:
     void labelsSayChannelsCodecAndLanguage()
     {
-        ControllerBench bench({probedVideo(), probedAudio(u"dtshd"_s, u"8"_s, u"German"_s),
-                               probedAudio(u"aac"_s, u"2"_s, u"undetermined"_s), probedSubtitle()});
-        bench.selectAll();
-        QCOMPARE(bench.controller.audioTrackLabels(),
+        ControllerFixture fixture({probedVideo(), probedAudio(u"dtshd"_s, u"8"_s, u"German"_s),
+                                   probedAudio(u"aac"_s, u"2"_s, u"undetermined"_s), probedSubtitle()});
+        fixture.selectAll();
+        QCOMPARE(fixture.controller.audioTrackLabels(),
                  QStringList({u"8 Ch. DTSHD - German"_s, u"2 Ch. AAC - undetermined"_s}));
     }
 
     void popupIsShownFromTwoTracksOn()
     {
-        Languages bench({u"English"_s, u"French"_s});
-        QVERIFY(!bench.controller.hideAudioTrackPopupFlag());
-        bench.tick(1, false);
-        QCOMPARE(bench.controller.audioTrackLabels(), QStringList{u"2 Ch. AAC - French"_s});
-        QVERIFY(bench.controller.hideAudioTrackPopupFlag());
-        bench.tick(1);
-        QVERIFY(!bench.controller.hideAudioTrackPopupFlag());
-        bench.selectRows({0});
-        QVERIFY(bench.controller.audioTrackLabels().isEmpty());
-        QVERIFY(bench.controller.hideAudioTrackPopupFlag());
+        Languages fixture({u"English"_s, u"French"_s});
+        QVERIFY(!fixture.controller.hideAudioTrackPopupFlag());
+        fixture.tick(1, false);
+        QCOMPARE(fixture.controller.audioTrackLabels(), QStringList{u"2 Ch. AAC - French"_s});
+        QVERIFY(fixture.controller.hideAudioTrackPopupFlag());
+        fixture.tick(1);
+        QVERIFY(!fixture.controller.hideAudioTrackPopupFlag());
+        fixture.selectRows({0});
+        QVERIFY(fixture.controller.audioTrackLabels().isEmpty());
+        QVERIFY(fixture.controller.hideAudioTrackPopupFlag());
     }
 
     void shownTrackStaysShownWhenTheListGrows()
     {
-        Languages bench({u"English"_s, u"French"_s, u"German"_s});
-        bench.selectRows({0, 2, 3});
-        bench.controller.setAudioTrackPopupIndex(1);
-        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
-        bench.tick(1);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 2);
-        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+        Languages fixture({u"English"_s, u"French"_s, u"German"_s});
+        fixture.selectRows({0, 2, 3});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(fixture.shown(), u"2 Ch. AAC - German"_s);
+        fixture.tick(1);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 2);
+        QCOMPARE(fixture.shown(), u"2 Ch. AAC - German"_s);
     }
 
     void firstTrackIsShownWhenTheGrownListLacksTheShownOne()
     {
-        Languages bench({u"English"_s, u"French"_s});
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.setFile(u"/v/b.mkv"_s, Languages::tracks({u"Greek"_s, u"Latin"_s, u"Welsh"_s}));
-        bench.selectAll();
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        Languages fixture({u"English"_s, u"French"_s});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.setFile(u"/v/b.mkv"_s, Languages::tracks({u"Greek"_s, u"Latin"_s, u"Welsh"_s}));
+        fixture.selectAll();
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 0);
     }
 
     /// Meant: labels are all that is compared, so the first of the tracks that are alike is shown.
     void tracksWithOneLabelAreNotToldApart()
     {
-        Languages bench({u"English"_s, u"English"_s, u"French"_s});
-        bench.selectRows({0, 1, 2});
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.tick(3);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        Languages fixture({u"English"_s, u"English"_s, u"French"_s});
+        fixture.selectRows({0, 1, 2});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.tick(3);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 0);
     }
 
     /// Meant: only a list that grew moves the index.
     void indexStaysWhenTheListShrinks()
     {
-        Languages bench({u"English"_s, u"French"_s, u"German"_s});
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.tick(1, false);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+        Languages fixture({u"English"_s, u"French"_s, u"German"_s});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.tick(1, false);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(fixture.shown(), u"2 Ch. AAC - German"_s);
     }
 
     /// Meant: the same.
     void indexStaysWhenTheListIsAsLong()
     {
-        Languages bench({u"English"_s, u"French"_s, u"German"_s});
-        bench.selectRows({1, 2});
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.selectRows({2, 3});
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-        QCOMPARE(bench.shown(), u"2 Ch. AAC - German"_s);
+        Languages fixture({u"English"_s, u"French"_s, u"German"_s});
+        fixture.selectRows({1, 2});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.selectRows({2, 3});
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(fixture.shown(), u"2 Ch. AAC - German"_s);
     }
 
     void indexOutsideTheListIsTheFirst()
     {
-        Languages bench({u"English"_s, u"French"_s, u"German"_s});
-        bench.controller.setAudioTrackPopupIndex(2);
-        bench.tick(1, false);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        Languages fixture({u"English"_s, u"French"_s, u"German"_s});
+        fixture.controller.setAudioTrackPopupIndex(2);
+        fixture.tick(1, false);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 0);
         for (const int outside : {-1, 2, 99}) {
-            bench.controller.setAudioTrackPopupIndex(1);
-            QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-            bench.controller.setAudioTrackPopupIndex(outside);
-            QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+            fixture.controller.setAudioTrackPopupIndex(1);
+            QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+            fixture.controller.setAudioTrackPopupIndex(outside);
+            QCOMPARE(fixture.controller.audioTrackPopupIndex(), 0);
         }
     }
 
     void nobodyEverSeesAnIndexOutsideTheLabels()
     {
-        Languages bench({u"English"_s, u"French"_s, u"German"_s});
-        bench.controller.setAudioTrackPopupIndex(2);
+        Languages fixture({u"English"_s, u"French"_s, u"German"_s});
+        fixture.controller.setAudioTrackPopupIndex(2);
         QStringList wrong;
         int announced = 0;
-        connect(&bench.controller, &KXSelectionController::stateChanged, this, [&] {
+        connect(&fixture.controller, &KXSelectionController::stateChanged, this, [&] {
             ++announced;
-            const int index = bench.controller.audioTrackPopupIndex();
-            const qsizetype labels = bench.controller.audioTrackLabels().size();
+            const int index = fixture.controller.audioTrackPopupIndex();
+            const qsizetype labels = fixture.controller.audioTrackLabels().size();
             if (index < 0 || index >= std::max<qsizetype>(labels, 1))
                 wrong.append(u"%1 of %2"_s.arg(index).arg(labels));
         });
-        bench.selectRows({0, 2});
-        bench.selectRows({1, 3});
-        bench.selectRows({});
-        bench.selectRows({1, 2, 3});
+        fixture.selectRows({0, 2});
+        fixture.selectRows({1, 3});
+        fixture.selectRows({});
+        fixture.selectRows({1, 2, 3});
         QCOMPARE(wrong, QStringList());
         QVERIFY(announced > 0);
     }
@@ -213,104 +214,104 @@ private Q_SLOTS:
         QFETCH(QString, bitRates);
         const TrackPointer first = audioWith(u""_s);
         const TrackPointer second = audioWith(outputs);
-        ControllerBench bench({probedVideo(), first, second});
-        bench.selectAll();
-        bench.controller.setAudioTrackPopupIndex(1);
-        QCOMPARE(ticks(bench.controller), actions);
-        QCOMPARE(states(bench.controller), boxes);
-        QCOMPARE(rates(bench.controller), bitRates);
+        ControllerFixture fixture({probedVideo(), first, second});
+        fixture.selectAll();
+        fixture.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(ticks(fixture.controller), actions);
+        QCOMPARE(states(fixture.controller), boxes);
+        QCOMPARE(rates(fixture.controller), bitRates);
         QCOMPARE(outputsOf(*second), outputs); // looking at a track does not change it
         QCOMPARE(outputsOf(*first), u""_s);
     }
 
     void ticksOfTheTrackBeforeAreCleared()
     {
-        ControllerBench bench({probedVideo(), audioWith(u"passthru 6 0, ac3 6 640"_s), audioWith(u""_s)});
-        bench.selectAll();
-        QCOMPARE(states(bench.controller), u"1001"_s);
-        bench.controller.setAudioTrackPopupIndex(1);
-        QCOMPARE(states(bench.controller), u"0000"_s);
-        bench.controller.setAudioTrackPopupIndex(0);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru, AC3 (5.1)"_s);
+        ControllerFixture fixture({probedVideo(), audioWith(u"passthru 6 0, ac3 6 640"_s), audioWith(u""_s)});
+        fixture.selectAll();
+        QCOMPARE(states(fixture.controller), u"1001"_s);
+        fixture.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(states(fixture.controller), u"0000"_s);
+        fixture.controller.setAudioTrackPopupIndex(0);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru, AC3 (5.1)"_s);
     }
 
     void withoutAnAudioTrackNothingIsTicked()
     {
-        Languages bench({u"English"_s});
-        QCOMPARE(states(bench.controller), u"1000"_s);
-        bench.selectRows({0});
-        QCOMPARE(states(bench.controller), u"0000"_s);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 0);
+        Languages fixture({u"English"_s});
+        QCOMPARE(states(fixture.controller), u"1000"_s);
+        fixture.selectRows({0});
+        QCOMPARE(states(fixture.controller), u"0000"_s);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 0);
     }
 
     void anotherTrackInThePopupUpdatesTheTabs()
     {
-        ControllerBench bench({probedVideo(), probedAudio(), probedAudio(u"dts"_s, u"6"_s)});
-        bench.selectAll();
-        QVERIFY(!bench.controller.popupAudioIsSurround());
-        bench.controller.setAudioTrackPopupIndex(1);
-        QVERIFY(bench.controller.popupAudioIsSurround());
-        QCOMPARE(bench.controller.mkvAudioPassThruColor(), u"red"_s);
-        QCOMPARE(bench.openFiles.calls.size(), 1);
+        ControllerFixture fixture({probedVideo(), probedAudio(), probedAudio(u"dts"_s, u"6"_s)});
+        fixture.selectAll();
+        QVERIFY(!fixture.controller.popupAudioIsSurround());
+        fixture.controller.setAudioTrackPopupIndex(1);
+        QVERIFY(fixture.controller.popupAudioIsSurround());
+        QCOMPARE(fixture.controller.mkvAudioPassThruColor(), u"red"_s);
+        QCOMPARE(fixture.openFiles.calls.size(), 1);
     }
 
     void popupDoesNotCallBackWhileTheTabsAreUpdated()
     {
-        Languages bench({u"English"_s, u"French"_s});
+        Languages fixture({u"English"_s, u"French"_s});
         int calls = 0;
-        connect(&bench.controller, &KXSelectionController::stateChanged, this, [&] {
-            if (bench.controller.appIsUpdatingTabs() && ++calls == 1)
-                bench.controller.setAudioTrackPopupIndex(1);
+        connect(&fixture.controller, &KXSelectionController::stateChanged, this, [&] {
+            if (fixture.controller.appIsUpdatingTabs() && ++calls == 1)
+                fixture.controller.setAudioTrackPopupIndex(1);
         });
-        bench.controller.setCanAddTrack(false); // so that the update has something to say
-        bench.forgetCalls();
-        bench.controller.updateTabs();
+        fixture.controller.setCanAddTrack(false); // so that the update has something to say
+        fixture.forgetCalls();
+        fixture.controller.updateTabs();
         QVERIFY(calls > 0);
-        QCOMPARE(bench.openFiles.calls.size(), 1);
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-        QVERIFY(!bench.controller.appIsUpdatingTabs());
+        QCOMPARE(fixture.openFiles.calls.size(), 1);
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+        QVERIFY(!fixture.controller.appIsUpdatingTabs());
     }
 
     void sameLabelsLoadTheControlsAgain()
     {
-        Languages bench({u"English"_s});
-        setOutputs(*bench.file->trackList().at(1), u"aac 2 256"_s);
-        bench.controller.upddateAudioTrackPopupFor();
-        QCOMPARE(ticks(bench.controller), u"AAC (2-Ch.)"_s);
-        QCOMPARE(bench.controller.enteredAAC2BitRate(), u"256 kbps"_s);
+        Languages fixture({u"English"_s});
+        setOutputs(*fixture.file->trackList().at(1), u"aac 2 256"_s);
+        fixture.controller.upddateAudioTrackPopupFor();
+        QCOMPARE(ticks(fixture.controller), u"AAC (2-Ch.)"_s);
+        QCOMPARE(fixture.controller.enteredAAC2BitRate(), u"256 kbps"_s);
     }
 
     void otherLabelsLoadTheControlsAgain()
     {
-        Languages bench({u"English"_s, u"French"_s});
-        bench.controller.setAudioTrackPopupIndex(1);
-        setOutputs(*bench.file->trackList().at(2), u"aac 2 256"_s);
-        bench.controller.setAudioTrackLabels({u"one"_s, u"two"_s});
-        QCOMPARE(bench.controller.audioTrackLabels(), QStringList({u"one"_s, u"two"_s}));
-        QCOMPARE(bench.controller.audioTrackPopupIndex(), 1);
-        QCOMPARE(ticks(bench.controller), u"AAC (2-Ch.)"_s);
+        Languages fixture({u"English"_s, u"French"_s});
+        fixture.controller.setAudioTrackPopupIndex(1);
+        setOutputs(*fixture.file->trackList().at(2), u"aac 2 256"_s);
+        fixture.controller.setAudioTrackLabels({u"one"_s, u"two"_s});
+        QCOMPARE(fixture.controller.audioTrackLabels(), QStringList({u"one"_s, u"two"_s}));
+        QCOMPARE(fixture.controller.audioTrackPopupIndex(), 1);
+        QCOMPARE(ticks(fixture.controller), u"AAC (2-Ch.)"_s);
     }
 
     void labelsThatAreSetAgainChangeNothing()
     {
-        Languages bench({u"English"_s});
-        setOutputs(*bench.file->trackList().at(1), u"aac 2 256"_s);
-        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-        bench.controller.setAudioTrackLabels({u"2 Ch. AAC - English"_s});
+        Languages fixture({u"English"_s});
+        setOutputs(*fixture.file->trackList().at(1), u"aac 2 256"_s);
+        QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+        fixture.controller.setAudioTrackLabels({u"2 Ch. AAC - English"_s});
         QCOMPARE(changes.count(), 0);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru"_s);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru"_s);
     }
 
     void tickingAacSurroundForTheSecondTrackGivesThatTrackTheOutput()
     {
         const TrackPointer first = probedAudio(u"dts"_s, u"6"_s, u"English"_s);
         const TrackPointer second = probedAudio(u"dts"_s, u"6"_s, u"French"_s);
-        ControllerBench bench({probedVideo(), first, second});
-        bench.selectAll();
-        bench.controller.setAudioTrackPopupIndex(1);
-        bench.controller.tickAudioAction(u"Pass Thru"_s, false);
-        bench.controller.setEnteredAAC51BitRate(u"384 kbps"_s);
-        bench.controller.tickAudioAction(u"AAC (5.1)"_s, true);
+        ControllerFixture fixture({probedVideo(), first, second});
+        fixture.selectAll();
+        fixture.controller.setAudioTrackPopupIndex(1);
+        fixture.controller.tickAudioAction(u"Pass Thru"_s, false);
+        fixture.controller.setEnteredAAC51BitRate(u"384 kbps"_s);
+        fixture.controller.tickAudioAction(u"AAC (5.1)"_s, true);
         const QVariantMap expected{
             {u"userCodec"_s, u"aac"_s}, {u"userBitRate"_s, u"384"_s}, {u"userNumberOfChannels"_s, u"6"_s}};
         QCOMPARE(second->userAudioSettingsDictionaryArray(), AudioSettingsList{expected});
@@ -319,35 +320,35 @@ private Q_SLOTS:
 
     void tickedActionsStandInTheOfferedOrder()
     {
-        ControllerBench bench({probedVideo(), audioWith(u""_s)});
-        bench.selectAll();
+        ControllerFixture fixture({probedVideo(), audioWith(u""_s)});
+        fixture.selectAll();
         for (const QString &action :
              {u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s, u"AAC (5.1)"_s, u"Pass Thru"_s, u"AAC (2-Ch.)"_s})
-            bench.controller.tickAudioAction(action, true);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AAC (5.1), AC3 (5.1)"_s);
-        bench.controller.tickAudioAction(u"AAC (5.1)"_s, false);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
-        QCOMPARE(outputsOf(*bench.file->trackList().at(1)), u"passthru 6 0, aac 2 128, ac3 6 448"_s);
+            fixture.controller.tickAudioAction(action, true);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru, AAC (2-Ch.), AAC (5.1), AC3 (5.1)"_s);
+        fixture.controller.tickAudioAction(u"AAC (5.1)"_s, false);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
+        QCOMPARE(outputsOf(*fixture.file->trackList().at(1)), u"passthru 6 0, aac 2 128, ac3 6 448"_s);
     }
 
     void tickPutsLoadedActionsIntoTheOfferedOrder()
     {
         const TrackPointer track = audioWith(u"ac3 6 640, passthru 6 0"_s);
-        ControllerBench bench({probedVideo(), track});
-        bench.selectAll();
-        QCOMPARE(ticks(bench.controller), u"AC3 (5.1), Pass Thru"_s);
-        bench.controller.tickAudioAction(u"AAC (2-Ch.)"_s, true);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
+        ControllerFixture fixture({probedVideo(), track});
+        fixture.selectAll();
+        QCOMPARE(ticks(fixture.controller), u"AC3 (5.1), Pass Thru"_s);
+        fixture.controller.tickAudioAction(u"AAC (2-Ch.)"_s, true);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru, AAC (2-Ch.), AC3 (5.1)"_s);
         QCOMPARE(outputsOf(*track), u"passthru 6 0, aac 2 128, ac3 6 640"_s);
     }
 
     void unknownActionIsNotTicked()
     {
-        Languages bench({u"English"_s});
-        bench.controller.tickAudioAction(u"MP3"_s, true);
-        QCOMPARE(ticks(bench.controller), u"Pass Thru"_s);
+        Languages fixture({u"English"_s});
+        fixture.controller.tickAudioAction(u"MP3"_s, true);
+        QCOMPARE(ticks(fixture.controller), u"Pass Thru"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(AudioPopupTest)
+TESSARAY_TEST(AudioPopupTest)
 #include "AudioPopupTest.moc"

@@ -1,4 +1,5 @@
 #include "selection/EnteredNumber.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -105,5 +106,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(EnteredNumberTest)
+TESSARAY_TEST(EnteredNumberTest)
 #include "EnteredNumberTest.moc"

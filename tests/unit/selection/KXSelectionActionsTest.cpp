@@ -1,4 +1,5 @@
 #include "selection/KXSelection.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -229,5 +230,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXSelectionActionsTest)
+TESSARAY_TEST(KXSelectionActionsTest)
 #include "KXSelectionActionsTest.moc"

@@ -1,14 +1,15 @@
 // The fields themselves: names, defaults, and setters with a rule.
 #include "selection/KXSelectionController.h"
 
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 
 namespace {
 
@@ -146,45 +147,45 @@ private Q_SLOTS:
     void initializePutsEveryDefaultBack()
     {
         const TrackPointer surround = support::probedAudio(u"dts"_s, u"6"_s);
-        ControllerBench bench({support::probedVideo(), support::probedAudio(), surround});
-        bench.selectAll();
+        ControllerFixture fixture({support::probedVideo(), support::probedAudio(), surround});
+        fixture.selectAll();
         // From the end, as the popup's fields have the others computed anew.
         for (auto field = defaults().rbegin(); field != defaults().rend(); ++field)
-            bench.controller.setProperty(field->name, otherValue(field->value));
+            fixture.controller.setProperty(field->name, otherValue(field->value));
         for (const FieldValue &field : defaults())
-            QVERIFY2(bench.controller.property(field.name) != field.value, field.name);
-        bench.controller.initialize();
+            QVERIFY2(fixture.controller.property(field.name) != field.value, field.name);
+        fixture.controller.initialize();
         for (const FieldValue &field : defaults()) {
-            const QVariant value = bench.controller.property(field.name);
+            const QVariant value = fixture.controller.property(field.name);
             QVERIFY2(value == field.value, qPrintable(said(field, value)));
         }
     }
 
     void initializeAnnouncesItself()
     {
-        ControllerBench bench;
-        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-        bench.controller.initialize();
+        ControllerFixture fixture;
+        QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+        fixture.controller.initialize();
         QCOMPARE(changes.count(), 1);
     }
 
     void collaboratorsAreReadByName()
     {
-        ControllerBench bench;
-        const QObject &controller = bench.controller;
-        QCOMPARE(controller.property("currentSelection").value<SelectionPointer>(), bench.selection);
-        QCOMPARE(controller.property("currentVideoFile").value<VideoFilePointer>(), bench.file);
-        QCOMPARE(controller.property("presetsController").value<PresetDriver *>(), &bench.presets);
+        ControllerFixture fixture;
+        const QObject &controller = fixture.controller;
+        QCOMPARE(controller.property("currentSelection").value<SelectionPointer>(), fixture.selection);
+        QCOMPARE(controller.property("currentVideoFile").value<VideoFilePointer>(), fixture.file);
+        QCOMPARE(controller.property("presetsController").value<PresetDriver *>(), &fixture.presets);
     }
 
     void offeredListsAreTheseTexts()
     {
-        ControllerBench bench;
-        QCOMPARE(bench.controller.audioBitRateContent(),
+        ControllerFixture fixture;
+        QCOMPARE(fixture.controller.audioBitRateContent(),
                  QStringList({u"128 kbps"_s, u"160 kbps"_s, u"192 kbps"_s, u"224 kbps"_s, u"256 kbps"_s,
                               u"320 kbps"_s, u"384 kbps"_s, u"448 kbps"_s, u"512 kbps"_s, u"640 kbps"_s}));
-        QCOMPARE(bench.controller.fpsList(), QStringList({u"23.976"_s, u"25"_s, u"29.97"_s}));
-        QCOMPARE(bench.controller.deviceList(),
+        QCOMPARE(fixture.controller.fpsList(), QStringList({u"23.976"_s, u"25"_s, u"29.97"_s}));
+        QCOMPARE(fixture.controller.deviceList(),
                  QStringList({u"General"_s, u"Apple TV 2"_s, u"Apple TV 3"_s, u"iPad (2 and Earlier)"_s,
                               u"iPad 3/iPhone 4S"_s, u"iPhone 4/iPod Touch (4G and Later)"_s,
                               u"iPhone/iPod Touch (3G and Earlier)"_s, u"iPod"_s, u"PS3"_s, u"Xbox"_s}));
@@ -198,9 +199,9 @@ private Q_SLOTS:
             const QMetaProperty property = meta.property(i);
             if (!property.isWritable() || !property.hasNotifySignal())
                 continue;
-            ControllerBench bench;
-            QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-            QVERIFY(property.write(&bench.controller, otherValue(property.read(&bench.controller))));
+            ControllerFixture fixture;
+            QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+            QVERIFY(property.write(&fixture.controller, otherValue(property.read(&fixture.controller))));
             QVERIFY2(!changes.isEmpty(), property.name());
             ++tried;
         }
@@ -209,50 +210,50 @@ private Q_SLOTS:
 
     void plainSetterKeepsTheValueAndIsSilentAboutTheSameOne()
     {
-        ControllerBench bench;
-        bench.controller.setVideoMatrixIndex(2);
-        bench.controller.setCanSplit(true);
-        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-        bench.controller.setVideoMatrixIndex(2);
-        bench.controller.setCanSplit(true);
+        ControllerFixture fixture;
+        fixture.controller.setVideoMatrixIndex(2);
+        fixture.controller.setCanSplit(true);
+        QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+        fixture.controller.setVideoMatrixIndex(2);
+        fixture.controller.setCanSplit(true);
         QCOMPARE(changes.count(), 0);
-        QCOMPARE(bench.controller.videoMatrixIndex(), 2);
-        QVERIFY(bench.controller.canSplit());
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 2);
+        QVERIFY(fixture.controller.canSplit());
     }
 
     void chosenDeviceIsTheSelectionsDevice()
     {
-        ControllerBench bench;
-        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-        bench.controller.setMp4Device(u"Apple TV (3 and Later)"_s);
-        QCOMPARE(bench.controller.mp4Device(), u"Apple TV (3 and Later)"_s);
-        QCOMPARE(bench.selection->theDevice(), u"Apple TV (3 and Later)"_s);
+        ControllerFixture fixture;
+        QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+        fixture.controller.setMp4Device(u"Apple TV (3 and Later)"_s);
+        QCOMPARE(fixture.controller.mp4Device(), u"Apple TV (3 and Later)"_s);
+        QCOMPARE(fixture.selection->theDevice(), u"Apple TV (3 and Later)"_s);
         QCOMPARE(changes.count(), 1);
     }
 
     void sameDeviceIsNoChangeButReachesTheSelection()
     {
-        ControllerBench bench;
-        bench.controller.setMp4Device(u"PS3"_s);
-        bench.selection->setTheDevice(u"none"_s);
-        QSignalSpy changes(&bench.controller, &KXSelectionController::stateChanged);
-        bench.controller.setMp4Device(u"PS3"_s);
+        ControllerFixture fixture;
+        fixture.controller.setMp4Device(u"PS3"_s);
+        fixture.selection->setTheDevice(u"none"_s);
+        QSignalSpy changes(&fixture.controller, &KXSelectionController::stateChanged);
+        fixture.controller.setMp4Device(u"PS3"_s);
         QCOMPARE(changes.count(), 0);
-        QCOMPARE(bench.selection->theDevice(), u"PS3"_s);
+        QCOMPARE(fixture.selection->theDevice(), u"PS3"_s);
     }
 
     void splitSizeAndPixelShapeReachTheSelection()
     {
-        ControllerBench bench;
-        bench.controller.setEnteredSplitSize(u"700"_s);
-        bench.controller.setEnteredParWidth(u"16"_s);
-        bench.controller.setEnteredParHeight(u"15"_s);
-        QCOMPARE(bench.controller.enteredSplitSize(), u"700"_s);
-        QCOMPARE(bench.controller.enteredParWidth(), u"16"_s);
-        QCOMPARE(bench.controller.enteredParHeight(), u"15"_s);
-        QCOMPARE(bench.selection->splitSize(), u"700"_s);
-        QCOMPARE(bench.selection->userParWidth(), u"16"_s);
-        QCOMPARE(bench.selection->userParHeight(), u"15"_s);
+        ControllerFixture fixture;
+        fixture.controller.setEnteredSplitSize(u"700"_s);
+        fixture.controller.setEnteredParWidth(u"16"_s);
+        fixture.controller.setEnteredParHeight(u"15"_s);
+        QCOMPARE(fixture.controller.enteredSplitSize(), u"700"_s);
+        QCOMPARE(fixture.controller.enteredParWidth(), u"16"_s);
+        QCOMPARE(fixture.controller.enteredParHeight(), u"15"_s);
+        QCOMPARE(fixture.selection->splitSize(), u"700"_s);
+        QCOMPARE(fixture.selection->userParWidth(), u"16"_s);
+        QCOMPARE(fixture.selection->userParHeight(), u"15"_s);
     }
 
     void typedNumbers_data()
@@ -282,8 +283,8 @@ private Q_SLOTS:
         QFETCH(QString, whole);
         QFETCH(QString, rate);
         QFETCH(bool, isNumber);
-        ControllerBench bench;
-        KXSelectionController &controller = bench.controller;
+        ControllerFixture fixture;
+        KXSelectionController &controller = fixture.controller;
         controller.setUserBitRateOK(!isNumber);
         controller.setUserWidthOK(!isNumber);
         controller.setUserFPSOK(!isNumber);
@@ -293,9 +294,9 @@ private Q_SLOTS:
         QCOMPARE(controller.enteredUserVideoBitRate(), whole);
         QCOMPARE(controller.enteredUserWidth(), whole);
         QCOMPARE(controller.enteredUserFPS(), rate);
-        QCOMPARE(bench.selection->userVideoBitRate(), whole);
-        QCOMPARE(bench.selection->userWidth(), whole);
-        QCOMPARE(bench.selection->userFPS(), rate);
+        QCOMPARE(fixture.selection->userVideoBitRate(), whole);
+        QCOMPARE(fixture.selection->userWidth(), whole);
+        QCOMPARE(fixture.selection->userFPS(), rate);
         QCOMPARE(controller.userBitRateOK(), isNumber);
         QCOMPARE(controller.userWidthOK(), isNumber);
         QCOMPARE(controller.userFPSOK(), isNumber);
@@ -303,8 +304,8 @@ private Q_SLOTS:
 
     void eachNumberFieldChangesItsOwnAlone()
     {
-        ControllerBench bench;
-        KXSelectionController &controller = bench.controller;
+        ControllerFixture fixture;
+        KXSelectionController &controller = fixture.controller;
         controller.setEnteredUserVideoBitRate(u"1"_s);
         controller.setEnteredUserWidth(u"2"_s);
         controller.setEnteredUserFPS(u"3"_s);
@@ -312,9 +313,9 @@ private Q_SLOTS:
         QCOMPARE(controller.enteredUserVideoBitRate(), u"1"_s);
         QCOMPARE(controller.enteredUserWidth(), u"0"_s);
         QCOMPARE(controller.enteredUserFPS(), u"3"_s);
-        QCOMPARE(bench.selection->userVideoBitRate(), u"1"_s);
-        QCOMPARE(bench.selection->userWidth(), u"0"_s);
-        QCOMPARE(bench.selection->userFPS(), u"3"_s);
+        QCOMPARE(fixture.selection->userVideoBitRate(), u"1"_s);
+        QCOMPARE(fixture.selection->userWidth(), u"0"_s);
+        QCOMPARE(fixture.selection->userFPS(), u"3"_s);
         QVERIFY(controller.userBitRateOK() && !controller.userWidthOK() && controller.userFPSOK());
     }
 
@@ -342,25 +343,25 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         QFETCH(QString, label);
-        ControllerBench bench;
-        bench.controller.setEditTrackMatrixIndex(index);
-        QCOMPARE(bench.controller.editTrackMatrixIndex(), index);
-        QCOMPARE(bench.controller.editTrackLabel(), label);
+        ControllerFixture fixture;
+        fixture.controller.setEditTrackMatrixIndex(index);
+        QCOMPARE(fixture.controller.editTrackMatrixIndex(), index);
+        QCOMPARE(fixture.controller.editTrackLabel(), label);
         // An index that stands for nothing is kept, the text stays.
-        bench.controller.setEditTrackMatrixIndex(3);
-        QCOMPARE(bench.controller.editTrackMatrixIndex(), 3);
-        QCOMPARE(bench.controller.editTrackLabel(), label);
+        fixture.controller.setEditTrackMatrixIndex(3);
+        QCOMPARE(fixture.controller.editTrackMatrixIndex(), 3);
+        QCOMPARE(fixture.controller.editTrackLabel(), label);
     }
 
     void encoderFollowsItsCheckBox()
     {
-        ControllerBench bench;
-        bench.controller.useNewEncoderCheckBox(false);
-        QCOMPARE(bench.selection->currentEncoder(), u"mencoder"_s);
-        bench.controller.useNewEncoderCheckBox(true);
-        QCOMPARE(bench.selection->currentEncoder(), u"ffmpeg"_s);
+        ControllerFixture fixture;
+        fixture.controller.useNewEncoderCheckBox(false);
+        QCOMPARE(fixture.selection->currentEncoder(), u"mencoder"_s);
+        fixture.controller.useNewEncoderCheckBox(true);
+        QCOMPARE(fixture.selection->currentEncoder(), u"ffmpeg"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(KXSelectionControllerTest)
+TESSARAY_TEST(KXSelectionControllerTest)
 #include "KXSelectionControllerTest.moc"

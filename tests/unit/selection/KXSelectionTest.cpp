@@ -1,5 +1,6 @@
 #include "selection/KXSelection.h"
 #include "media/KXVideoFile.h"
+#include "support/TestMain.h"
 
 #include <QMetaProperty>
 #include <QTest>
@@ -344,5 +345,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXSelectionTest)
+TESSARAY_TEST(KXSelectionTest)
 #include "KXSelectionTest.moc"

@@ -1,11 +1,12 @@
 // One opened file gives way to another, each with its own selection.
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 using support::outputsOf;
 using support::probedAudio;
 using support::probedSubtitle;
@@ -17,7 +18,7 @@ namespace {
 /// An opened file with a video, a surround track and a subtitle, all selected, and choices of its own.
 OpenedFile otherFile()
 {
-    ControllerBench other({probedVideo(), probedAudio(u"dts"_s, u"6"_s), probedSubtitle()});
+    ControllerFixture other({probedVideo(), probedAudio(u"dts"_s, u"6"_s), probedSubtitle()});
     other.setFile(u"/v/other.mkv"_s, other.file->trackList());
     other.controller.setSubtitleMatrixIndex(1);
     other.selectAll();
@@ -33,11 +34,11 @@ TrackPointer trackOf(const OpenedFile &entry, qsizetype row)
     return entry.videoFile->trackList().at(row);
 }
 
-/// A bench whose own file is "/v/a.mkv" with a video and a stereo track, both selected.
-struct TwoFiles : ControllerBench
+/// A fixture whose own file is "/v/a.mkv" with a video and a stereo track, both selected.
+struct TwoFiles : ControllerFixture
 {
     TwoFiles()
-        : ControllerBench({probedVideo(), probedAudio()})
+        : ControllerFixture({probedVideo(), probedAudio()})
     {
         selection->initializeFrom(*file);
         selectAll();
@@ -63,36 +64,36 @@ class OtherFileTest final : public QObject
 private Q_SLOTS:
     void currentObjectsStayAndTakeTheOthersContents()
     {
-        TwoFiles bench;
+        TwoFiles fixture;
         const OpenedFile entry = otherFile();
-        bench.take(entry);
-        QCOMPARE(bench.controller.currentVideoFile(), bench.file);
-        QCOMPARE(bench.controller.currentSelection(), bench.selection);
-        QCOMPARE(bench.file->theFilePath(), u"/v/other.mkv"_s);
-        QCOMPARE(bench.file->trackList(), entry.videoFile->trackList());
-        QCOMPARE(bench.selection->trackList(), entry.videoSelection->trackList());
-        QCOMPARE(bench.selection->theDevice(), u"Xbox"_s);
-        QCOMPARE(bench.selection->subCount(), u"1"_s);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.currentVideoFile(), fixture.file);
+        QCOMPARE(fixture.controller.currentSelection(), fixture.selection);
+        QCOMPARE(fixture.file->theFilePath(), u"/v/other.mkv"_s);
+        QCOMPARE(fixture.file->trackList(), entry.videoFile->trackList());
+        QCOMPARE(fixture.selection->trackList(), entry.videoSelection->trackList());
+        QCOMPARE(fixture.selection->theDevice(), u"Xbox"_s);
+        QCOMPARE(fixture.selection->subCount(), u"1"_s);
     }
 
     void wherePresetsAreAppliedTheControlsStay()
     {
-        TwoFiles bench;
-        bench.controller.setMp4Device(u"PS3"_s);
-        bench.controller.setEnteredUserWidth(u"100"_s);
-        bench.forgetCalls();
-        bench.take(otherFile());
-        QCOMPARE(bench.controller.mp4Device(), u"PS3"_s);
-        QCOMPARE(bench.controller.enteredUserWidth(), u"100"_s);
-        QCOMPARE(bench.selection->userWidth(), u"640"_s);
-        QVERIFY(bench.openFiles.calls.isEmpty());
+        TwoFiles fixture;
+        fixture.controller.setMp4Device(u"PS3"_s);
+        fixture.controller.setEnteredUserWidth(u"100"_s);
+        fixture.forgetCalls();
+        fixture.take(otherFile());
+        QCOMPARE(fixture.controller.mp4Device(), u"PS3"_s);
+        QCOMPARE(fixture.controller.enteredUserWidth(), u"100"_s);
+        QCOMPARE(fixture.selection->userWidth(), u"640"_s);
+        QVERIFY(fixture.openFiles.calls.isEmpty());
     }
 
     void whereChoicesAreMadeByHandTheControlsFollow()
     {
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setVideoMatrixIndex(0);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setVideoMatrixIndex(0);
         const OpenedFile entry = otherFile();
         trackOf(entry, 0)->setUserCodec(u"h264"_s);
         entry.videoSelection->setUserPassNumber(u"2"_s);
@@ -103,11 +104,11 @@ private Q_SLOTS:
         entry.videoSelection->initializeSplitForStartTimeAndEndTime(u"00:00:01"_s, u"00:00:02"_s);
         entry.videoSelection->setUserParWidth(u"16"_s);
         entry.videoSelection->setUserParHeight(u"15"_s);
-        bench.forgetCalls();
-        bench.take(entry);
-        const KXSelectionController &controller = bench.controller;
+        fixture.forgetCalls();
+        fixture.take(entry);
+        const KXSelectionController &controller = fixture.controller;
         QCOMPARE(controller.mp4Device(), u"Xbox"_s);
-        QCOMPARE(bench.numbers(), u"800 23.976 640"_s);
+        QCOMPARE(fixture.numbers(), u"800 23.976 640"_s);
         QCOMPARE(controller.videoMatrixIndex(), 2);
         QCOMPARE(controller.subtitleMatrixIndex(), 1);
         QCOMPARE(controller.splitTypeMatrixIndex(), 1);
@@ -120,43 +121,43 @@ private Q_SLOTS:
         QCOMPARE(controller.audioMatrixSelections(), QStringList({u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s}));
         QCOMPARE(controller.enteredAAC2BitRate(), u"192 kbps"_s);
         QCOMPARE(controller.enteredAC351BitRate(), u"640 kbps"_s);
-        QVERIFY(bench.openFiles.calls.isEmpty()); // none of it updated the tabs
+        QVERIFY(fixture.openFiles.calls.isEmpty()); // none of it updated the tabs
         QVERIFY(!controller.appIsUpdatingTabs());
     }
 
     void tabsCountAsUpdatedWhileTheControlsFollow()
     {
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
         QList<bool> said;
-        connect(&bench.controller, &KXSelectionController::stateChanged, this,
-                [&] { said.append(bench.controller.appIsUpdatingTabs()); });
-        bench.take(otherFile());
+        connect(&fixture.controller, &KXSelectionController::stateChanged, this,
+                [&] { said.append(fixture.controller.appIsUpdatingTabs()); });
+        fixture.take(otherFile());
         QVERIFY(!said.isEmpty() && !said.contains(false));
     }
 
     /// A split duration belongs to the receiver, so its field stays too.
     void durationOfTheSplitStays()
     {
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setEnteredSplitDuration(u"00:00:09"_s);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setEnteredSplitDuration(u"00:00:09"_s);
         const OpenedFile entry = otherFile();
         entry.videoSelection->initializeSplitDurationForTimeText(u"00:00:01"_s);
-        bench.take(entry);
-        QCOMPARE(bench.controller.enteredSplitDuration(), u"00:00:09"_s);
-        QCOMPARE(bench.selection->splitDurationText(), u"00:00:00"_s);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.enteredSplitDuration(), u"00:00:09"_s);
+        QCOMPARE(fixture.selection->splitDurationText(), u"00:00:00"_s);
     }
 
     void selectionWithoutADeviceLeavesTheChosenOne()
     {
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setMp4Device(u"PS3"_s);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setMp4Device(u"PS3"_s);
         const OpenedFile entry = otherFile();
         entry.videoSelection->setTheDevice(u"none"_s);
-        bench.take(entry);
-        QCOMPARE(bench.controller.mp4Device(), u"PS3"_s);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.mp4Device(), u"PS3"_s);
     }
 
     void videoChoiceIsReadFromTheTrack_data()
@@ -177,14 +178,14 @@ private Q_SLOTS:
         QFETCH(QString, codec);
         QFETCH(QString, passes);
         QFETCH(int, index);
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setVideoMatrixIndex(7);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setVideoMatrixIndex(7);
         const OpenedFile entry = otherFile();
         trackOf(entry, 0)->setUserCodec(codec);
         entry.videoSelection->setUserPassNumber(passes);
-        bench.take(entry);
-        QCOMPARE(bench.controller.videoMatrixIndex(), index);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.videoMatrixIndex(), index);
     }
 
     void subtitleChoiceIsReadFromTheTrack_data()
@@ -204,14 +205,14 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(QString, codec);
         QFETCH(int, index);
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setSubtitleMatrixIndex(7);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setSubtitleMatrixIndex(7);
         const OpenedFile entry = otherFile();
         trackOf(entry, 2)->setTrackType(type);
         trackOf(entry, 2)->setUserCodec(codec);
-        bench.take(entry);
-        QCOMPARE(bench.controller.subtitleMatrixIndex(), index);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.subtitleMatrixIndex(), index);
     }
 
     void splitKindIsReadFromTheSelection_data()
@@ -228,25 +229,25 @@ private Q_SLOTS:
     {
         QFETCH(QString, type);
         QFETCH(int, index);
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setSplitTypeMatrixIndex(7);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setSplitTypeMatrixIndex(7);
         const OpenedFile entry = otherFile();
         entry.videoSelection->setSplitType(type);
-        bench.take(entry);
-        QCOMPARE(bench.controller.splitTypeMatrixIndex(), index);
+        fixture.take(entry);
+        QCOMPARE(fixture.controller.splitTypeMatrixIndex(), index);
     }
 
     void presentFileIsStoredAsACopyBeforeTheOtherComes()
     {
-        TwoFiles bench;
-        const TrackList tracks = bench.file->trackList();
-        bench.controller.makeCurrent(otherFile());
-        QCOMPARE(bench.openFiles.calls.value(0), u"store"_s);
-        QCOMPARE(bench.openFiles.calls.count(u"store"_s), 1);
-        const OpenedFile &stored = bench.openFiles.stored;
+        TwoFiles fixture;
+        const TrackList tracks = fixture.file->trackList();
+        fixture.controller.makeCurrent(otherFile());
+        QCOMPARE(fixture.openFiles.calls.value(0), u"store"_s);
+        QCOMPARE(fixture.openFiles.calls.count(u"store"_s), 1);
+        const OpenedFile &stored = fixture.openFiles.stored;
         QCOMPARE(stored.fileName, u"a.mkv"_s);
-        QVERIFY(stored.videoFile != bench.file && stored.videoSelection != bench.selection);
+        QVERIFY(stored.videoFile != fixture.file && stored.videoSelection != fixture.selection);
         QCOMPARE(stored.videoFile->theFilePath(), u"/v/a.mkv"_s);
         QCOMPARE(stored.videoFile->trackList(), tracks);
         QCOMPARE(stored.videoSelection->trackList(), tracks);
@@ -262,28 +263,28 @@ private Q_SLOTS:
     void numbersFollowWhateverTheMode()
     {
         QFETCH(int, mode);
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(mode);
-        bench.controller.makeCurrent(otherFile());
-        QCOMPARE(bench.numbers(), u"800 23.976 640"_s);
-        QCOMPARE(bench.selection->userVideoBitRate(), u"800"_s);
-        QCOMPARE(bench.selection->userFPS(), u"23.976"_s);
-        QCOMPARE(bench.selection->userWidth(), u"640"_s);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(mode);
+        fixture.controller.makeCurrent(otherFile());
+        QCOMPARE(fixture.numbers(), u"800 23.976 640"_s);
+        QCOMPARE(fixture.selection->userVideoBitRate(), u"800"_s);
+        QCOMPARE(fixture.selection->userFPS(), u"23.976"_s);
+        QCOMPARE(fixture.selection->userWidth(), u"640"_s);
     }
 
     void otherFileUpdatesTheTabsOnceAndTellsTheTable()
     {
-        TwoFiles bench;
-        bench.openFiles.count = 2;
-        QSignalSpy ticks(&bench.controller, &KXSelectionController::trackTicksChanged);
-        bench.controller.makeCurrent(otherFile());
-        QCOMPARE(bench.openFiles.calls, QStringList({u"store"_s, u"canOpenQueuePopover true"_s}));
+        TwoFiles fixture;
+        fixture.openFiles.count = 2;
+        QSignalSpy ticks(&fixture.controller, &KXSelectionController::trackTicksChanged);
+        fixture.controller.makeCurrent(otherFile());
+        QCOMPARE(fixture.openFiles.calls, QStringList({u"store"_s, u"canOpenQueuePopover true"_s}));
         QCOMPARE(ticks.count(), 1);
-        QCOMPARE(bench.controller.currentFileText(), u"/v/other.mkv"_s);
-        QVERIFY(bench.controller.canConvert() && bench.controller.oneSubSelected());
-        QVERIFY(bench.controller.popupAudioIsSurround());
-        QVERIFY(bench.presets.calls.isEmpty());
-        QVERIFY(!bench.controller.appIsUpdatingTabs());
+        QCOMPARE(fixture.controller.currentFileText(), u"/v/other.mkv"_s);
+        QVERIFY(fixture.controller.canConvert() && fixture.controller.oneSubSelected());
+        QVERIFY(fixture.controller.popupAudioIsSurround());
+        QVERIFY(fixture.presets.calls.isEmpty());
+        QVERIFY(!fixture.controller.appIsUpdatingTabs());
     }
 
     void ticksOfTheFileBeforeDoNotReachTheOthersTracks_data() { numbersFollowWhateverTheMode_data(); }
@@ -291,53 +292,53 @@ private Q_SLOTS:
     void ticksOfTheFileBeforeDoNotReachTheOthersTracks()
     {
         QFETCH(int, mode);
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(mode);
-        bench.controller.tickAudioAction(u"AAC (2-Ch.)"_s, true);
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(mode);
+        fixture.controller.tickAudioAction(u"AAC (2-Ch.)"_s, true);
         const OpenedFile entry = otherFile();
         setOutputs(*trackOf(entry, 1), u"ac3 6 640"_s);
-        bench.controller.makeCurrent(entry);
+        fixture.controller.makeCurrent(entry);
         QCOMPARE(outputsOf(*trackOf(entry, 1)), u"ac3 6 640"_s);
-        QCOMPARE(bench.controller.audioMatrixSelections(), QStringList{u"AC3 (5.1)"_s});
-        const TrackPointer before = bench.openFiles.stored.videoFile->trackList().at(1);
+        QCOMPARE(fixture.controller.audioMatrixSelections(), QStringList{u"AC3 (5.1)"_s});
+        const TrackPointer before = fixture.openFiles.stored.videoFile->trackList().at(1);
         QCOMPARE(outputsOf(*before), u"passthru 2 0, aac 2 128"_s);
     }
 
     void wherePresetsAreAppliedTheWindowsVideoChoiceHoldsForTheOtherFile()
     {
-        TwoFiles bench;
-        bench.controller.setVideoMatrixIndex(2);
+        TwoFiles fixture;
+        fixture.controller.setVideoMatrixIndex(2);
         const OpenedFile entry = otherFile();
-        bench.controller.makeCurrent(entry);
-        QCOMPARE(bench.controller.videoMatrixIndex(), 2);
+        fixture.controller.makeCurrent(entry);
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 2);
         QCOMPARE(trackOf(entry, 0)->userCodec(), u"h264"_s);
-        QCOMPARE(bench.selection->theDevice(), u"General"_s);
+        QCOMPARE(fixture.selection->theDevice(), u"General"_s);
     }
 
     void whereChoicesAreMadeByHandEachFileKeepsItsOwn()
     {
-        TwoFiles bench;
-        bench.controller.setOpenQueueMatrixIndex(1);
-        bench.controller.setVideoMatrixIndex(2);
-        bench.controller.setSubtitleMatrixIndex(0);
-        bench.controller.setMp4Device(u"PS3"_s);
-        bench.controller.setEnteredUserWidth(u"320"_s);
-        bench.controller.updateTabs();
+        TwoFiles fixture;
+        fixture.controller.setOpenQueueMatrixIndex(1);
+        fixture.controller.setVideoMatrixIndex(2);
+        fixture.controller.setSubtitleMatrixIndex(0);
+        fixture.controller.setMp4Device(u"PS3"_s);
+        fixture.controller.setEnteredUserWidth(u"320"_s);
+        fixture.controller.updateTabs();
         const OpenedFile entry = otherFile();
-        bench.controller.makeCurrent(entry);
-        QCOMPARE(bench.controller.videoMatrixIndex(), 0);
-        QCOMPARE(bench.controller.subtitleMatrixIndex(), 1);
+        fixture.controller.makeCurrent(entry);
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 0);
+        QCOMPARE(fixture.controller.subtitleMatrixIndex(), 1);
         QCOMPARE(trackOf(entry, 0)->userCodec(), u"passthru"_s);
         QCOMPARE(trackOf(entry, 2)->userCodec(), u"mux"_s);
-        QCOMPARE(bench.selection->theDevice(), u"Xbox"_s);
-        bench.controller.makeCurrent(OpenedFile(bench.openFiles.stored));
-        QCOMPARE(bench.controller.videoMatrixIndex(), 2);
-        QCOMPARE(bench.file->trackList().at(0)->userCodec(), u"h264"_s);
-        QCOMPARE(bench.selection->userPassNumber(), u"2"_s);
-        QCOMPARE(bench.selection->theDevice(), u"PS3"_s);
-        QCOMPARE(bench.controller.enteredUserWidth(), u"320"_s);
+        QCOMPARE(fixture.selection->theDevice(), u"Xbox"_s);
+        fixture.controller.makeCurrent(OpenedFile(fixture.openFiles.stored));
+        QCOMPARE(fixture.controller.videoMatrixIndex(), 2);
+        QCOMPARE(fixture.file->trackList().at(0)->userCodec(), u"h264"_s);
+        QCOMPARE(fixture.selection->userPassNumber(), u"2"_s);
+        QCOMPARE(fixture.selection->theDevice(), u"PS3"_s);
+        QCOMPARE(fixture.controller.enteredUserWidth(), u"320"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(OtherFileTest)
+TESSARAY_TEST(OtherFileTest)
 #include "OtherFileTest.moc"

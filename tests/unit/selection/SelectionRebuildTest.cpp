@@ -1,11 +1,12 @@
 // What is ticked becomes the selection, and a loaded file takes the place of the one before.
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 using support::outputsOf;
 using support::probedAudio;
 using support::probedSubtitle;
@@ -51,15 +52,15 @@ private Q_SLOTS:
     void tickedTracksAreTakenAndTheOthersKeptInTheirOrder()
     {
         const TrackList tracks = film();
-        ControllerBench bench(tracks);
+        ControllerFixture fixture(tracks);
         tracks.at(0)->setTrackSelected(true);
         tracks.at(2)->setTrackSelected(true);
-        bench.controller.trackTableSelectionChanged(Sender::TrackTable);
-        QCOMPARE(bench.selection->trackList(), TrackList({tracks.at(0), tracks.at(2)}));
-        QCOMPARE(bench.selection->keepTracksList(), TrackList({tracks.at(1), tracks.at(3)}));
-        bench.tick(0, false);
-        QCOMPARE(bench.selection->trackList(), TrackList{tracks.at(2)});
-        QCOMPARE(bench.selection->keepTracksList(), TrackList({tracks.at(0), tracks.at(1), tracks.at(3)}));
+        fixture.controller.trackTableSelectionChanged(Sender::TrackTable);
+        QCOMPARE(fixture.selection->trackList(), TrackList({tracks.at(0), tracks.at(2)}));
+        QCOMPARE(fixture.selection->keepTracksList(), TrackList({tracks.at(1), tracks.at(3)}));
+        fixture.tick(0, false);
+        QCOMPARE(fixture.selection->trackList(), TrackList{tracks.at(2)});
+        QCOMPARE(fixture.selection->keepTracksList(), TrackList({tracks.at(0), tracks.at(1), tracks.at(3)}));
     }
 
     void tickedTracksAreCountedByKind_data()
@@ -87,30 +88,30 @@ private Q_SLOTS:
         TrackList tracks;
         for (const QString &type : types)
             tracks.append(ofType(type));
-        ControllerBench bench(tracks);
-        bench.selectAll();
-        QCOMPARE(counts(*bench.selection), expected);
+        ControllerFixture fixture(tracks);
+        fixture.selectAll();
+        QCOMPARE(counts(*fixture.selection), expected);
     }
 
     void tracksThatAreNotTickedDoNotCount()
     {
-        ControllerBench bench(film());
-        bench.selectAll();
-        QCOMPARE(counts(*bench.selection), u"1 2 1"_s);
-        bench.tick(2, false);
-        QCOMPARE(counts(*bench.selection), u"1 1 1"_s);
+        ControllerFixture fixture(film());
+        fixture.selectAll();
+        QCOMPARE(counts(*fixture.selection), u"1 2 1"_s);
+        fixture.tick(2, false);
+        QCOMPARE(counts(*fixture.selection), u"1 1 1"_s);
     }
 
     void selectedAudioTracksAreNumberedFromZero()
     {
         const TrackList tracks = film();
-        ControllerBench bench(tracks);
+        ControllerFixture fixture(tracks);
         tracks.at(0)->setSelectedAudioTrackIndex(u"9"_s);
-        bench.selectAll();
+        fixture.selectAll();
         QCOMPARE(audioNumbers(tracks), QStringList({u"9"_s, u"0"_s, u"1"_s, u"0"_s}));
-        bench.tick(1, false);
+        fixture.tick(1, false);
         QCOMPARE(tracks.at(2)->selectedAudioTrackIndex(), u"0"_s);
-        bench.tick(1);
+        fixture.tick(1);
         QCOMPARE(audioNumbers(tracks), QStringList({u"9"_s, u"0"_s, u"1"_s, u"0"_s}));
     }
 
@@ -118,11 +119,11 @@ private Q_SLOTS:
     {
         const TrackList tracks = film();
         tracks.at(1)->setCreateStereoCopyFlag(true);
-        ControllerBench bench(tracks);
-        bench.selectAll();
-        QCOMPARE(bench.selection->addedAudioTrackList().size(), 1);
-        bench.tick(1, false);
-        QVERIFY(bench.selection->addedAudioTrackList().isEmpty());
+        ControllerFixture fixture(tracks);
+        fixture.selectAll();
+        QCOMPARE(fixture.selection->addedAudioTrackList().size(), 1);
+        fixture.tick(1, false);
+        QVERIFY(fixture.selection->addedAudioTrackList().isEmpty());
     }
 
     /// Meant: a copy has the number that its source had when the ticks changed.
@@ -130,115 +131,115 @@ private Q_SLOTS:
     {
         const TrackList tracks = film();
         tracks.at(2)->setCreateStereoCopyFlag(true);
-        ControllerBench bench(tracks);
-        bench.selectAll();
-        bench.tick(1, false);
+        ControllerFixture fixture(tracks);
+        fixture.selectAll();
+        fixture.tick(1, false);
         QCOMPARE(tracks.at(2)->selectedAudioTrackIndex(), u"0"_s);
-        QCOMPARE(bench.selection->addedAudioTrackList().at(0)->selectedAudioTrackIndex(), u"1"_s);
+        QCOMPARE(fixture.selection->addedAudioTrackList().at(0)->selectedAudioTrackIndex(), u"1"_s);
     }
 
     void tickingByHandLeavesTheTrackPreset()
     {
-        ControllerBench bench(film());
-        bench.tick(0);
-        QCOMPARE(bench.presets.calls, QStringList({u"selectionMethodIndex 0"_s, u"applySettings"_s}));
-        bench.forgetCalls();
-        bench.controller.toggleAllAudio();
-        QCOMPARE(bench.presets.calls, QStringList({u"selectionMethodIndex 0"_s, u"applySettings"_s}));
+        ControllerFixture fixture(film());
+        fixture.tick(0);
+        QCOMPARE(fixture.presets.calls, QStringList({u"selectionMethodIndex 0"_s, u"applySettings"_s}));
+        fixture.forgetCalls();
+        fixture.controller.toggleAllAudio();
+        QCOMPARE(fixture.presets.calls, QStringList({u"selectionMethodIndex 0"_s, u"applySettings"_s}));
     }
 
     void ticksThatWereNotMadeByHandKeepTheTrackPreset()
     {
-        ControllerBench bench(film());
-        bench.controller.trackTableSelectionChanged(Sender::MakeSelections);
-        bench.controller.trackTableSelectionChanged(Sender::Other);
-        QCOMPARE(bench.presets.calls, QStringList({u"applySettings"_s, u"applySettings"_s}));
+        ControllerFixture fixture(film());
+        fixture.controller.trackTableSelectionChanged(Sender::MakeSelections);
+        fixture.controller.trackTableSelectionChanged(Sender::Other);
+        QCOMPARE(fixture.presets.calls, QStringList({u"applySettings"_s, u"applySettings"_s}));
     }
 
     void settingsAreAppliedToTheFinishedSelection()
     {
-        ControllerBench bench(film());
+        ControllerFixture fixture(film());
         QStringList seen;
-        bench.presets.onApply = [&] {
-            seen = {counts(*bench.selection), bench.controller.audioTrackLabels().join(u", "_s),
-                    bench.file->trackList().at(2)->selectedAudioTrackIndex(),
-                    bench.openFiles.calls.join(u',')};
+        fixture.presets.onApply = [&] {
+            seen = {counts(*fixture.selection), fixture.controller.audioTrackLabels().join(u", "_s),
+                    fixture.file->trackList().at(2)->selectedAudioTrackIndex(),
+                    fixture.openFiles.calls.join(u',')};
         };
-        bench.selectAll();
+        fixture.selectAll();
         QCOMPARE(seen, QStringList({u"1 2 1"_s, u"6 Ch. DTS - English, 2 Ch. AAC - French"_s, u"1"_s,
                                     u"canOpenQueuePopover false"_s}));
     }
 
     void trackPresetIsLeftBeforeThePopupIsFilled()
     {
-        ControllerBench bench(film());
+        ControllerFixture fixture(film());
         bool left = false;
-        bench.controller.upddateAudioTrackPopupFor();
+        fixture.controller.upddateAudioTrackPopupFor();
         connect(
-            &bench.controller, &KXSelectionController::stateChanged, this,
-            [&] { left = bench.presets.calls.contains(u"selectionMethodIndex 0"_s); },
+            &fixture.controller, &KXSelectionController::stateChanged, this,
+            [&] { left = fixture.presets.calls.contains(u"selectionMethodIndex 0"_s); },
             Qt::SingleShotConnection);
-        bench.tick(1);
+        fixture.tick(1);
         QVERIFY(left);
     }
 
     void tableIsToldOfTicksThatItDidNotMake()
     {
-        ControllerBench bench(film());
-        QSignalSpy ticks(&bench.controller, &KXSelectionController::trackTicksChanged);
-        bench.controller.trackTableSelectionChanged(Sender::TrackTable);
+        ControllerFixture fixture(film());
+        QSignalSpy ticks(&fixture.controller, &KXSelectionController::trackTicksChanged);
+        fixture.controller.trackTableSelectionChanged(Sender::TrackTable);
         QCOMPARE(ticks.count(), 0);
-        bench.controller.trackTableSelectionChanged(Sender::MakeSelections);
+        fixture.controller.trackTableSelectionChanged(Sender::MakeSelections);
         QCOMPARE(ticks.count(), 1);
-        bench.controller.trackTableSelectionChanged(Sender::Other);
+        fixture.controller.trackTableSelectionChanged(Sender::Other);
         QCOMPARE(ticks.count(), 2);
     }
 
     void rebuildingUpdatesTheTabsWithoutPresetsToo()
     {
-        ControllerBench bench(film());
-        bench.controller.setPresetsController(nullptr);
-        bench.selectAll();
-        QVERIFY(bench.controller.canConvert());
-        QVERIFY(bench.controller.userMadeAudioSelection());
+        ControllerFixture fixture(film());
+        fixture.controller.setPresetsController(nullptr);
+        fixture.selectAll();
+        QVERIFY(fixture.controller.canConvert());
+        QVERIFY(fixture.controller.userMadeAudioSelection());
     }
 
     void loadedFileGivesItsNamesAndNumbers()
     {
-        ControllerBench bench;
-        bench.setFile(u"/v/new.mkv"_s, film());
-        bench.controller.takeLoadedFile();
-        QCOMPARE(bench.selection->videoTrackFilePath(), u"/v/new.mkv"_s);
-        QCOMPARE(bench.controller.currentFileText(), u"/v/new.mkv"_s);
-        QCOMPARE(bench.controller.enteredUserVideoBitRate(), u"3000"_s);
-        QCOMPARE(bench.controller.enteredUserFPS(), u"25"_s);
-        QCOMPARE(bench.controller.enteredUserWidth(), u"1920"_s);
-        QCOMPARE(bench.selection->userFPS(), u"25"_s);
-        QVERIFY(bench.controller.canAddTrack());
-        QCOMPARE(bench.presets.calls, QStringList{u"applySettings"_s});
+        ControllerFixture fixture;
+        fixture.setFile(u"/v/new.mkv"_s, film());
+        fixture.controller.takeLoadedFile();
+        QCOMPARE(fixture.selection->videoTrackFilePath(), u"/v/new.mkv"_s);
+        QCOMPARE(fixture.controller.currentFileText(), u"/v/new.mkv"_s);
+        QCOMPARE(fixture.controller.enteredUserVideoBitRate(), u"3000"_s);
+        QCOMPARE(fixture.controller.enteredUserFPS(), u"25"_s);
+        QCOMPARE(fixture.controller.enteredUserWidth(), u"1920"_s);
+        QCOMPARE(fixture.selection->userFPS(), u"25"_s);
+        QVERIFY(fixture.controller.canAddTrack());
+        QCOMPARE(fixture.presets.calls, QStringList{u"applySettings"_s});
     }
 
     void loadedFileWithoutAFrameRateShowsNone()
     {
-        ControllerBench bench;
-        bench.file->setTheFPS(u"nan"_s);
-        bench.controller.takeLoadedFile();
-        QCOMPARE(bench.controller.enteredUserFPS(), u"0"_s);
-        QVERIFY(!bench.controller.userFPSOK());
-        QVERIFY(bench.controller.userWidthOK() && bench.controller.userBitRateOK());
+        ControllerFixture fixture;
+        fixture.file->setTheFPS(u"nan"_s);
+        fixture.controller.takeLoadedFile();
+        QCOMPARE(fixture.controller.enteredUserFPS(), u"0"_s);
+        QVERIFY(!fixture.controller.userFPSOK());
+        QVERIFY(fixture.controller.userWidthOK() && fixture.controller.userBitRateOK());
     }
 
     void loadedFileIsSelectedAsItIsTicked()
     {
-        ControllerBench bench;
+        ControllerFixture fixture;
         const TrackList tracks = film();
         tracks.at(0)->setTrackSelected(true);
         tracks.at(1)->setTrackSelected(true);
-        bench.setFile(u"/v/new.mkv"_s, tracks);
-        bench.controller.takeLoadedFile();
-        QCOMPARE(counts(*bench.selection), u"1 1 0"_s);
-        QVERIFY(bench.controller.canConvert());
-        QCOMPARE(bench.controller.audioMatrixSelections(), QStringList{u"Pass Thru"_s});
+        fixture.setFile(u"/v/new.mkv"_s, tracks);
+        fixture.controller.takeLoadedFile();
+        QCOMPARE(counts(*fixture.selection), u"1 1 0"_s);
+        QVERIFY(fixture.controller.canConvert());
+        QCOMPARE(fixture.controller.audioMatrixSelections(), QStringList{u"Pass Thru"_s});
         QCOMPARE(outputsOf(*tracks.at(1)), u"passthru 6 0"_s);
     }
 
@@ -246,40 +247,40 @@ private Q_SLOTS:
     void secondFileLeavesNothingOfTheFirst()
     {
         const TrackList first = film();
-        ControllerBench bench(first);
-        bench.controller.takeLoadedFile();
-        bench.selectAll();
-        bench.controller.setAudioTrackPopupIndex(0);
-        bench.controller.tickAudioAction(u"AC3 (5.1)"_s, true);
-        bench.controller.setAddStereoTrackButton(1);
-        bench.controller.setVideoMatrixIndex(2);
-        bench.controller.updateTabs();
+        ControllerFixture fixture(first);
+        fixture.controller.takeLoadedFile();
+        fixture.selectAll();
+        fixture.controller.setAudioTrackPopupIndex(0);
+        fixture.controller.tickAudioAction(u"AC3 (5.1)"_s, true);
+        fixture.controller.setAddStereoTrackButton(1);
+        fixture.controller.setVideoMatrixIndex(2);
+        fixture.controller.updateTabs();
         const TrackList second = film();
-        bench.setFile(u"/v/second.mp4"_s, second);
-        bench.controller.takeLoadedFile();
-        QVERIFY(bench.selection->trackList().isEmpty());
-        QCOMPARE(bench.selection->keepTracksList(), second);
-        QVERIFY(bench.selection->addedAudioTrackList().isEmpty());
-        QCOMPARE(counts(*bench.selection), u"0 0 0"_s);
-        QVERIFY(!bench.controller.canConvert() && !bench.controller.canEditTracks());
-        QVERIFY(bench.controller.audioTrackLabels().isEmpty());
-        QVERIFY(bench.controller.hideAudioTrackPopupFlag());
+        fixture.setFile(u"/v/second.mp4"_s, second);
+        fixture.controller.takeLoadedFile();
+        QVERIFY(fixture.selection->trackList().isEmpty());
+        QCOMPARE(fixture.selection->keepTracksList(), second);
+        QVERIFY(fixture.selection->addedAudioTrackList().isEmpty());
+        QCOMPARE(counts(*fixture.selection), u"0 0 0"_s);
+        QVERIFY(!fixture.controller.canConvert() && !fixture.controller.canEditTracks());
+        QVERIFY(fixture.controller.audioTrackLabels().isEmpty());
+        QVERIFY(fixture.controller.hideAudioTrackPopupFlag());
     }
 
     void tracksOfTheFirstFileKeepTheirChoicesAndTheSecondsTheirs()
     {
         const TrackList first = film();
-        ControllerBench bench(first);
-        bench.controller.takeLoadedFile();
-        bench.selectAll();
-        bench.controller.tickAudioAction(u"AC3 (5.1)"_s, true);
+        ControllerFixture fixture(first);
+        fixture.controller.takeLoadedFile();
+        fixture.selectAll();
+        fixture.controller.tickAudioAction(u"AC3 (5.1)"_s, true);
         const TrackList second = film();
         for (const TrackPointer &track : second)
             track->setTrackSelected(true);
         setOutputs(*second.at(1), u"aac 2 160"_s);
-        bench.setFile(u"/v/second.mkv"_s, second);
-        bench.controller.setVideoMatrixIndex(1);
-        bench.controller.takeLoadedFile();
+        fixture.setFile(u"/v/second.mkv"_s, second);
+        fixture.controller.setVideoMatrixIndex(1);
+        fixture.controller.takeLoadedFile();
         QCOMPARE(outputsOf(*first.at(1)), u"passthru 6 0, ac3 6 448"_s);
         QCOMPARE(first.at(0)->userCodec(), u"passthru"_s);
         QCOMPARE(outputsOf(*second.at(1)), u"aac 2 160"_s);
@@ -288,5 +289,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SelectionRebuildTest)
+TESSARAY_TEST(SelectionRebuildTest)
 #include "SelectionRebuildTest.moc"

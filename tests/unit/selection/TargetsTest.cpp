@@ -1,4 +1,5 @@
 #include "selection/Targets.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -43,5 +44,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TargetsTest)
+TESSARAY_TEST(TargetsTest)
 #include "TargetsTest.moc"

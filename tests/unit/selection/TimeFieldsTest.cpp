@@ -1,16 +1,17 @@
-#include "support/ControllerBench.h"
+#include "support/TestMain.h"
+#include "support/selection/ControllerFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 
 namespace {
 
 /// A controller to whose tab "Edit Files" one file was dropped.
-struct EditBench : ControllerBench
+struct EditFixture : ControllerFixture
 {
-    EditBench()
+    EditFixture()
     {
         selection->setEditFilesURLsList({QUrl::fromLocalFile(u"/v/a.mkv"_s)});
         controller.setCurrentTab(u"Edit Files"_s);
@@ -37,49 +38,49 @@ class TimeFieldsTest final : public QObject
 private Q_SLOTS:
     void startTimeIsTaken()
     {
-        EditBench bench;
-        bench.controller.setEnteredSplitEndTime(u"00:20:00"_s);
-        bench.type(u"00:10:05"_s, u"1001"_s);
-        QCOMPARE(bench.times(), QStringList({u"00:10:05"_s, u"00:20:00"_s, u"00:00:00"_s}));
-        QCOMPARE(bench.selection->splitStartTimeText(), u"00:10:05"_s);
-        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"605"_s);
-        QCOMPARE(bench.selection->splitEndTimeText(), u"00:20:00"_s);
-        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"1200"_s);
-        QCOMPARE(bench.selection->splitDurationText(), u"00:00:00"_s);
-        QVERIFY(bench.controller.canSplit());
+        EditFixture fixture;
+        fixture.controller.setEnteredSplitEndTime(u"00:20:00"_s);
+        fixture.type(u"00:10:05"_s, u"1001"_s);
+        QCOMPARE(fixture.times(), QStringList({u"00:10:05"_s, u"00:20:00"_s, u"00:00:00"_s}));
+        QCOMPARE(fixture.selection->splitStartTimeText(), u"00:10:05"_s);
+        QCOMPARE(fixture.selection->splitStartTimeSeconds(), u"605"_s);
+        QCOMPARE(fixture.selection->splitEndTimeText(), u"00:20:00"_s);
+        QCOMPARE(fixture.selection->splitEndTimeSeconds(), u"1200"_s);
+        QCOMPARE(fixture.selection->splitDurationText(), u"00:00:00"_s);
+        QVERIFY(fixture.controller.canSplit());
     }
 
     void endTimeIsTaken()
     {
-        EditBench bench;
-        bench.controller.setEnteredSplitStartTime(u"00:00:30"_s);
-        bench.type(u"01:00:00"_s, u"1002"_s);
-        QCOMPARE(bench.times(), QStringList({u"00:00:30"_s, u"01:00:00"_s, u"00:00:00"_s}));
-        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"30"_s);
-        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"3600"_s);
-        QVERIFY(bench.controller.canSplit());
+        EditFixture fixture;
+        fixture.controller.setEnteredSplitStartTime(u"00:00:30"_s);
+        fixture.type(u"01:00:00"_s, u"1002"_s);
+        QCOMPARE(fixture.times(), QStringList({u"00:00:30"_s, u"01:00:00"_s, u"00:00:00"_s}));
+        QCOMPARE(fixture.selection->splitStartTimeSeconds(), u"30"_s);
+        QCOMPARE(fixture.selection->splitEndTimeSeconds(), u"3600"_s);
+        QVERIFY(fixture.controller.canSplit());
     }
 
     void durationIsTaken()
     {
-        EditBench bench;
-        bench.controller.setSplitTypeMatrixIndex(2);
-        bench.type(u"00:01:30"_s, u"1003"_s);
-        QCOMPARE(bench.times(), QStringList({u"00:00:00"_s, u"00:00:00"_s, u"00:01:30"_s}));
-        QCOMPARE(bench.selection->splitDurationText(), u"00:01:30"_s);
-        QCOMPARE(bench.selection->splitDurationSeconds(), u"90"_s);
-        QCOMPARE(bench.selection->splitStartTimeText(), u"00:00:00"_s);
-        QCOMPARE(bench.selection->splitEndTimeText(), u"00:00:00"_s);
-        QVERIFY(bench.controller.canSplit());
+        EditFixture fixture;
+        fixture.controller.setSplitTypeMatrixIndex(2);
+        fixture.type(u"00:01:30"_s, u"1003"_s);
+        QCOMPARE(fixture.times(), QStringList({u"00:00:00"_s, u"00:00:00"_s, u"00:01:30"_s}));
+        QCOMPARE(fixture.selection->splitDurationText(), u"00:01:30"_s);
+        QCOMPARE(fixture.selection->splitDurationSeconds(), u"90"_s);
+        QCOMPARE(fixture.selection->splitStartTimeText(), u"00:00:00"_s);
+        QCOMPARE(fixture.selection->splitEndTimeText(), u"00:00:00"_s);
+        QVERIFY(fixture.controller.canSplit());
     }
 
     void durationLeavesTheSelectionsTimesAlone()
     {
-        EditBench bench;
-        bench.selection->initializeSplitForStartTimeAndEndTime(u"00:00:01"_s, u"00:00:02"_s);
-        bench.type(u"00:01:30"_s, u"1003"_s);
-        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"1"_s);
-        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"2"_s);
+        EditFixture fixture;
+        fixture.selection->initializeSplitForStartTimeAndEndTime(u"00:00:01"_s, u"00:00:02"_s);
+        fixture.type(u"00:01:30"_s, u"1003"_s);
+        QCOMPARE(fixture.selection->splitStartTimeSeconds(), u"1"_s);
+        QCOMPARE(fixture.selection->splitEndTimeSeconds(), u"2"_s);
     }
 
     void announcementsThatAreNotOursChangeNothing_data()
@@ -100,23 +101,23 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QFETCH(QVariantMap, userInfo);
-        EditBench bench;
-        bench.center.post(name, u"00:10:00"_s, userInfo);
-        QCOMPARE(bench.times(), QStringList({u"00:00:00"_s, u"00:00:00"_s, u"00:00:00"_s}));
-        QCOMPARE(bench.selection->splitStartTimeSeconds(), u"0"_s);
-        QCOMPARE(bench.selection->splitEndTimeSeconds(), u"0"_s);
-        QCOMPARE(bench.selection->splitDurationSeconds(), u"0"_s);
-        QVERIFY(bench.openFiles.calls.isEmpty()); // nor were the tabs updated
+        EditFixture fixture;
+        fixture.center.post(name, u"00:10:00"_s, userInfo);
+        QCOMPARE(fixture.times(), QStringList({u"00:00:00"_s, u"00:00:00"_s, u"00:00:00"_s}));
+        QCOMPARE(fixture.selection->splitStartTimeSeconds(), u"0"_s);
+        QCOMPARE(fixture.selection->splitEndTimeSeconds(), u"0"_s);
+        QCOMPARE(fixture.selection->splitDurationSeconds(), u"0"_s);
+        QVERIFY(fixture.openFiles.calls.isEmpty()); // nor were the tabs updated
     }
 
     void initializingTwiceListensOnce()
     {
-        EditBench bench;
-        bench.controller.initialize();
-        bench.type(u"00:10:00"_s, u"1001"_s);
-        QCOMPARE(bench.openFiles.calls.count(u"close"_s), 1);
+        EditFixture fixture;
+        fixture.controller.initialize();
+        fixture.type(u"00:10:00"_s, u"1001"_s);
+        QCOMPARE(fixture.openFiles.calls.count(u"close"_s), 1);
     }
 };
 
-QTEST_GUILESS_MAIN(TimeFieldsTest)
+TESSARAY_TEST(TimeFieldsTest)
 #include "TimeFieldsTest.moc"

@@ -1,12 +1,13 @@
 // Every combination of what may be selected, picked and open, against the rules said a second time: as
 // tables of decisions, the last that applies wins.
-#include "support/TabWorld.h"
+#include "support/TestMain.h"
+#include "support/selection/TabFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using support::TabCase;
-using support::TabWorld;
+using support::TabFixture;
 
 namespace {
 
@@ -193,10 +194,10 @@ QVariantMap expectedAfter(const TabCase &tabCase, QVariantMap state)
 /// Empty where all is as expected.
 QString differences(const TabCase &tabCase)
 {
-    TabWorld world(tabCase);
-    const QVariantMap expected = expectedAfter(tabCase, world.state());
-    world.controller.updateTabs();
-    const QVariantMap state = world.state();
+    TabFixture fixture(tabCase);
+    const QVariantMap expected = expectedAfter(tabCase, fixture.state());
+    fixture.controller.updateTabs();
+    const QVariantMap state = fixture.state();
     QString text;
     for (auto field = expected.begin(); field != expected.end(); ++field) {
         if (state.value(field.key()) != field.value())
@@ -365,5 +366,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(UpdateTabsCombinationsTest)
+TESSARAY_TEST(UpdateTabsCombinationsTest)
 #include "UpdateTabsCombinationsTest.moc"

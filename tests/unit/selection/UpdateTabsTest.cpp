@@ -1,16 +1,17 @@
 // What an update of the tabs says and writes, case by case; UpdateTabsCombinationsTest.cpp has them all.
-#include "support/TabWorld.h"
+#include "support/TestMain.h"
+#include "support/selection/TabFixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using support::ControllerBench;
+using support::ControllerFixture;
 using support::outputsOf;
 using support::probedAudio;
 using support::probedSubtitle;
 using support::probedVideo;
 using support::TabCase;
-using support::TabWorld;
+using support::TabFixture;
 
 Q_DECLARE_METATYPE(support::TabCase)
 
@@ -37,9 +38,9 @@ void checkRow()
 {
     QFETCH(TabCase, tabCase);
     QFETCH(QVariantMap, expected);
-    TabWorld world(tabCase);
-    world.controller.updateTabs();
-    const QVariantMap state = world.state();
+    TabFixture base(tabCase);
+    base.controller.updateTabs();
+    const QVariantMap state = base.state();
     for (auto field = expected.begin(); field != expected.end(); ++field) {
         QString text;
         QDebug(&text) << field.key() << state.value(field.key()) << "instead of" << field.value();
@@ -247,11 +248,11 @@ private Q_SLOTS:
 
     void onlyOutputsOfAudioTracksCount()
     {
-        TabWorld world({.tracks = u"video srt"_s});
-        for (const TrackPointer &track : world.selection->trackList())
+        TabFixture base({.tracks = u"video srt"_s});
+        for (const TrackPointer &track : base.selection->trackList())
             support::setOutputs(*track, u"passthru 2 0"_s);
-        world.controller.updateTabs();
-        QVERIFY(!world.controller.userMadeAudioSelection());
+        base.controller.updateTabs();
+        QVERIFY(!base.controller.userMadeAudioSelection());
     }
 
     void enteredNumbersReachTheSelection_data()
@@ -326,35 +327,35 @@ private Q_SLOTS:
 
     void twoSubtitlesCanBeMuxedAndNotBurned()
     {
-        ControllerBench bench({probedVideo(), probedSubtitle(), probedSubtitle()});
-        bench.tick(1);
-        QVERIFY(bench.controller.canMuxSubtitles() && bench.controller.canBurnSubtitles());
-        bench.tick(2);
-        QVERIFY(bench.controller.canMuxSubtitles() && !bench.controller.canBurnSubtitles());
+        ControllerFixture fixture({probedVideo(), probedSubtitle(), probedSubtitle()});
+        fixture.tick(1);
+        QVERIFY(fixture.controller.canMuxSubtitles() && fixture.controller.canBurnSubtitles());
+        fixture.tick(2);
+        QVERIFY(fixture.controller.canMuxSubtitles() && !fixture.controller.canBurnSubtitles());
     }
 
     void dtsInThePopupPaintsTheAudioPassThroughOptionRed()
     {
-        ControllerBench bench({probedVideo(), probedAudio(u"dts"_s, u"6"_s), probedAudio()});
-        bench.selectAll();
-        QCOMPARE(bench.controller.mkvAudioPassThruColor(), u"red"_s);
-        bench.controller.setAudioTrackPopupIndex(1);
-        QCOMPARE(bench.controller.mkvAudioPassThruColor(), u"black"_s);
+        ControllerFixture fixture({probedVideo(), probedAudio(u"dts"_s, u"6"_s), probedAudio()});
+        fixture.selectAll();
+        QCOMPARE(fixture.controller.mkvAudioPassThruColor(), u"red"_s);
+        fixture.controller.setAudioTrackPopupIndex(1);
+        QCOMPARE(fixture.controller.mkvAudioPassThruColor(), u"black"_s);
     }
 
     void splitByTimeThatEndsBeforeItStartsCanNotBeMade()
     {
-        ControllerBench bench;
-        bench.selection->setEditFilesURLsList({QUrl::fromLocalFile(u"/v/a.mkv"_s)});
-        bench.controller.setCurrentTab(u"Edit Files"_s);
+        ControllerFixture fixture;
+        fixture.selection->setEditFilesURLsList({QUrl::fromLocalFile(u"/v/a.mkv"_s)});
+        fixture.controller.setCurrentTab(u"Edit Files"_s);
         const auto type = [&](const QString &text, const QString &field) {
-            bench.center.post(u"timeTextFieldChangedNotification"_s, text, {{u"textFieldID"_s, field}});
+            fixture.center.post(u"timeTextFieldChangedNotification"_s, text, {{u"textFieldID"_s, field}});
         };
         type(u"00:15:00"_s, u"1002"_s);
         type(u"00:10:00"_s, u"1001"_s);
-        QVERIFY(bench.controller.canSplit());
+        QVERIFY(fixture.controller.canSplit());
         type(u"00:05:00"_s, u"1002"_s);
-        QVERIFY(!bench.controller.canSplit());
+        QVERIFY(!fixture.controller.canSplit());
     }
 
     void updatingIsSaidWhileItLastsAndNotAfterwards()
@@ -363,16 +364,16 @@ private Q_SLOTS:
              {TabCase{.tab = u"MKV"_s}, TabCase{.tab = u"MKV"_s, .fileIsEmpty = true, .before = true},
               TabCase{.tab = u"Edit Files"_s}, TabCase{.tab = u"Edit Files"_s, .editFiles = 1},
               TabCase{.tab = u"Queue"_s}}) {
-            TabWorld world(tabCase);
+            TabFixture base(tabCase);
             QList<bool> said;
-            connect(&world.controller, &KXSelectionController::stateChanged, this,
-                    [&] { said.append(world.controller.appIsUpdatingTabs()); });
-            world.controller.updateTabs();
+            connect(&base.controller, &KXSelectionController::stateChanged, this,
+                    [&] { said.append(base.controller.appIsUpdatingTabs()); });
+            base.controller.updateTabs();
             QVERIFY2(!said.isEmpty() && !said.contains(false), qPrintable(tabCase.text()));
-            QVERIFY2(!world.controller.appIsUpdatingTabs(), qPrintable(tabCase.text()));
+            QVERIFY2(!base.controller.appIsUpdatingTabs(), qPrintable(tabCase.text()));
         }
     }
 };
 
-QTEST_GUILESS_MAIN(UpdateTabsTest)
+TESSARAY_TEST(UpdateTabsTest)
 #include "UpdateTabsTest.moc"

@@ -1,6 +1,7 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "tools/KXHelpers.h"
 #include "tools/ToolProcess.h"
@@ -245,5 +246,5 @@ private:
     KXHelpers m_helpers{&m_places};
 };
 
-QTEST_GUILESS_MAIN(BackgroundToolsTest)
+TESSARAY_TEST(BackgroundToolsTest)
 #include "BackgroundToolsTest.moc"

@@ -1,5 +1,6 @@
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QProcess>
 #include <QTest>
@@ -86,5 +87,5 @@ private:
     support::Scratch m_scratch;
 };
 
-QTEST_GUILESS_MAIN(FakeToolTest)
+TESSARAY_TEST(FakeToolTest)
 #include "FakeToolTest.moc"

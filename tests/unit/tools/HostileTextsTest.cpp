@@ -4,6 +4,7 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
 #include <QDir>
@@ -213,5 +214,5 @@ private:
     QUrl m_tool = QUrl::fromLocalFile(FakeTool::install(m_scratch.path(u"tools/ffmpeg/ffprobe"_s)));
 };
 
-QTEST_GUILESS_MAIN(HostileTextsTest)
+TESSARAY_TEST(HostileTextsTest)
 #include "HostileTextsTest.moc"

@@ -1,6 +1,7 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
 #include <QDir>
@@ -231,5 +232,5 @@ private:
     KXHelpers m_helpers{&m_places};
 };
 
-QTEST_GUILESS_MAIN(KXHelpersProcessesTest)
+TESSARAY_TEST(KXHelpersProcessesTest)
 #include "KXHelpersProcessesTest.moc"

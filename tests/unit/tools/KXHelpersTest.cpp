@@ -1,6 +1,7 @@
 #include "tools/KXHelpers.h"
 #include "support/FakePlaces.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QDir>
 #include <QTest>
@@ -269,5 +270,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KXHelpersTest)
+TESSARAY_TEST(KXHelpersTest)
 #include "KXHelpersTest.moc"

@@ -1,3 +1,4 @@
+#include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
 #include <QSet>
@@ -177,5 +178,5 @@ private:
     KXHelpers m_helpers;
 };
 
-QTEST_GUILESS_MAIN(LanguagesTest)
+TESSARAY_TEST(LanguagesTest)
 #include "LanguagesTest.moc"

@@ -1,4 +1,5 @@
 #include "tools/LineCutter.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -78,5 +79,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(LineCutterTest)
+TESSARAY_TEST(LineCutterTest)
 #include "LineCutterTest.moc"

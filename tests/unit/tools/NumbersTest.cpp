@@ -1,4 +1,5 @@
 #include "tools/Numbers.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -90,5 +91,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(NumbersTest)
+TESSARAY_TEST(NumbersTest)
 #include "NumbersTest.moc"

@@ -1,4 +1,5 @@
 #include "tools/OptionItem.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -264,5 +265,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(OptionItemTest)
+TESSARAY_TEST(OptionItemTest)
 #include "OptionItemTest.moc"

@@ -1,4 +1,5 @@
 #include "tools/ShellLine.h"
+#include "support/TestMain.h"
 #include "tools/ToolPlaces.h"
 
 #include <QTest>
@@ -158,5 +159,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ShellLineTest)
+TESSARAY_TEST(ShellLineTest)
 #include "ShellLineTest.moc"

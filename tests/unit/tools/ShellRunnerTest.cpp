@@ -1,6 +1,7 @@
 #include "tools/ShellRunner.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "tools/OptionItem.h"
 
@@ -319,5 +320,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(ShellRunnerTest)
+TESSARAY_TEST(ShellRunnerTest)
 #include "ShellRunnerTest.moc"

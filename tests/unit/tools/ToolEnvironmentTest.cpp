@@ -1,6 +1,7 @@
 #include "tools/ToolEnvironment.h"
 #include "support/FakePlaces.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 
 #include <QTest>
 
@@ -98,5 +99,5 @@ private:
     support::FakePlaces m_places{m_scratch.path()};
 };
 
-QTEST_GUILESS_MAIN(ToolEnvironmentTest)
+TESSARAY_TEST(ToolEnvironmentTest)
 #include "ToolEnvironmentTest.moc"

@@ -1,6 +1,7 @@
 #include "tools/ToolProcess.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/TestMain.h"
 #include "support/Waiting.h"
 
 #include <QDir>
@@ -396,5 +397,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ToolProcessTest)
+TESSARAY_TEST(ToolProcessTest)
 #include "ToolProcessTest.moc"

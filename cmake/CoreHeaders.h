@@ -1,0 +1,46 @@
+// The headers that most sources of the core include, compiled once. Each source still includes what it uses.
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QList>
+#include <QLocale>
+#include <QLockFile>
+#include <QMap>
+#include <QMetaProperty>
+#include <QMutex>
+#include <QObject>
+#include <QPointer>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QSet>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QStorageInfo>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+#include <QVariant>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>

@@ -1,0 +1,15 @@
+# A module is one folder of src/: a static library that links only the modules below it. The lowest one brings the
+# precompiled header that all share; what is said twice in one batch of a unity build wants one place anyway.
+function(tessaray_module name)
+  cmake_parse_arguments(MODULE "" "" "SOURCES;MODULES" ${ARGN})
+  add_library(tessaray_${name} STATIC ${MODULE_SOURCES})
+  target_include_directories(tessaray_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  list(TRANSFORM MODULE_MODULES PREPEND tessaray_)
+  target_link_libraries(tessaray_${name} PUBLIC Qt6::Core ${MODULE_MODULES} PRIVATE tessaray_compile)
+  if(name STREQUAL platform)
+    target_precompile_headers(tessaray_platform PRIVATE ${PROJECT_SOURCE_DIR}/cmake/CoreHeaders.h)
+  else()
+    tessaray_share_headers(tessaray_${name} tessaray_platform)
+  endif()
+  tessaray_in_batches(tessaray_${name})
+endfunction()

@@ -1,0 +1,136 @@
+#include "cli/DryRunPrinter.h"
+
+#include "cli/FileJobs.h"
+#include "cli/PastableText.h"
+#include "cli/Session.h"
+#include "platform/FileIdentity.h"
+#include "steps/DryRun.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+namespace cli {
+
+namespace {
+
+QJsonArray wordsOf(const tools::OptionList &list)
+{
+    QJsonArray words;
+    for (const tools::OptionItem &item : list)
+        words.append(item.text());
+    return words;
+}
+
+QJsonArray argumentWordsOf(const tools::OptionList &list)
+{
+    return QJsonArray::fromStringList(tools::argumentsOf(list));
+}
+
+QJsonObject environmentOf(const steps::Launch &launch)
+{
+    QJsonObject environment;
+    for (const auto &[name, value] : launch.environment)
+        environment.insert(name, value);
+    return environment;
+}
+
+QString commandOf(const steps::DryRun::Entry &entry)
+{
+    if (entry.isShellLine)
+        return entry.line.launched;
+    return pastableCommand(entry.launch.environment, QStringList{entry.launch.tool.toLocalFile()} +
+                                                         tools::argumentsOf(entry.launch.launched));
+}
+
+QJsonObject objectOf(const steps::DryRun::Entry &entry, const KXJob &job, int number)
+{
+    const steps::Launch &launch = entry.launch;
+    QJsonObject object{{u"job"_s, number},
+                       {u"jobType"_s, job.jobType()},
+                       {u"step"_s, launch.stepName},
+                       {u"pass"_s, launch.pass},
+                       {u"program"_s, launch.tool.toLocalFile()},
+                       {u"output"_s, launch.output.toLocalFile()},
+                       {u"log"_s, launch.log.toLocalFile()}};
+    if (entry.isShellLine) {
+        object.insert(u"line"_s, entry.line.meant);
+        if (entry.line.launched != entry.line.meant)
+            object.insert(u"launchedLine"_s, entry.line.launched);
+        return object;
+    }
+    object.insert(u"arguments"_s, wordsOf(launch.meant));
+    if (argumentWordsOf(launch.launched) != wordsOf(launch.meant))
+        object.insert(u"launched"_s, argumentWordsOf(launch.launched));
+    if (!launch.environment.isEmpty())
+        object.insert(u"environment"_s, environmentOf(launch));
+    return object;
+}
+
+/// The jobs of the selections as a queue would make them, in a queue that never ticks.
+struct Stage
+{
+    explicit Stage(Session &session)
+        : queue(session.program().contextFor(launcher, outputs), session.program().factory(), nullptr)
+    {
+    }
+
+    steps::DryRun launcher;
+    steps::OutputRegistry outputs;
+    KXQueueController queue;
+};
+
+} // namespace
+
+DryRunPrinter::DryRunPrinter(Session &session)
+    : m_session(session)
+{
+}
+
+bool DryRunPrinter::print(const QList<SelectionPointer> &selections)
+{
+    Stage stage(m_session);
+    for (const SelectionPointer &selection : selections)
+        enqueue(stage.queue, selection);
+    bool allStart = true;
+    int number = 0;
+    for (const JobPointer &job : stage.queue.qJobList()) {
+        ++number;
+        stage.launcher.clear();
+        job->startJob();
+        const QString refusal = job->startProblem();
+        if (!refusal.isNull()) {
+            m_session.console().say(u"%1: %2"_s.arg(job->jobFileName(), refusal));
+            allStart = false;
+        }
+        for (const auto &entry : stage.launcher.entries()) {
+            m_session.console().object(objectOf(entry, *job, number));
+            m_session.console().command(commandOf(entry));
+        }
+    }
+    return allStart;
+}
+
+QString DryRunPrinter::clash(const QList<SelectionPointer> &selections)
+{
+    Stage stage(m_session);
+    for (const SelectionPointer &selection : selections)
+        enqueue(stage.queue, selection);
+    QHash<QString, JobPointer> owners;
+    for (const JobPointer &job : stage.queue.qJobList()) {
+        job->startJob();
+        for (const ConverterPointer &converter : job->stepConverterList()) {
+            const QUrl output = converter ? converter->outputFileURL() : QUrl();
+            if (output.toLocalFile().isEmpty())
+                continue;
+            const JobPointer other = owners.value(platform::canonicalKey(output));
+            if (other && other != job)
+                return u"%1 and %2 would both write %3, so nothing was started."_s.arg(
+                    other->jobFileName(), job->jobFileName(), output.toLocalFile());
+            owners.insert(platform::canonicalKey(output), job);
+        }
+    }
+    return {};
+}
+
+} // namespace cli

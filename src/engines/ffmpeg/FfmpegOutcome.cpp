@@ -1,0 +1,72 @@
+#include "engines/ffmpeg/FfmpegOutcome.h"
+
+#include "steps/ToolLog.h"
+#include "tools/KXHelpers.h"
+#include "tools/Numbers.h"
+
+using namespace Qt::StringLiterals;
+using steps::Outcome;
+
+namespace engines {
+
+namespace {
+
+constexpr qint64 toleratedSeconds = 2;
+constexpr qint64 toleratedPercent = 90;
+
+steps::ToolLog saidIn(const FfmpegRun &run)
+{
+    QString log = run.log;
+    for (const QString &file : run.files) {
+        if (!file.isEmpty())
+            log.replace(file, u"the file"_s);
+    }
+    return steps::ToolLog(log);
+}
+
+bool isShort(const FfmpegRun &run)
+{
+    const qint64 duration = tools::leadingInteger(run.durationInSeconds);
+    const qint64 done = KXHelpers::convertToTimeInSecondsFrom(run.lastTime);
+    return run.hasVideo && !run.lastTime.isEmpty() && duration - done > toleratedSeconds &&
+           tools::percentOf(done, duration) < toleratedPercent;
+}
+
+} // namespace
+
+Outcome outcomeOfMessages(const FfmpegRun &run)
+{
+    const steps::ToolLog log = saidIn(run);
+    if (log.hasLineContaining(u"No space left on device"_s))
+        return Outcome::failed(u"There was no space left for the output."_s);
+    if (log.hasLineContaining(u"Output file is empty, nothing was encoded"_s))
+        return Outcome::failed(u"ffmpeg wrote only headers, and nothing of any track."_s);
+    Outcome outcome = Outcome::ok();
+    const QString damage = log.firstLineContaining(
+        {u"File ended prematurely"_s, u"partial file"_s, u"Error while decoding stream"_s,
+         u"error while decoding MB"_s, u"corrupt decoded frame"_s, u"corrupt input packet"_s,
+         u"invalid as first byte of an EBML number"_s, u"exceeds containing master element"_s,
+         u"Invalid data found when processing input"_s});
+    if (!damage.isNull())
+        outcome = outcome.joinedWith(Outcome::warnings(u"The source seems damaged: %1."_s.arg(damage)));
+    if (isShort(run)) {
+        const auto sentence = u"The output ends at %1 s, the source is %2 s long."_s;
+        const QString done = QString::number(KXHelpers::convertToTimeInSecondsFrom(run.lastTime));
+        outcome = outcome.joinedWith(Outcome::warnings(sentence.arg(done, run.durationInSeconds)));
+    }
+    return outcome;
+}
+
+bool hasWriteError(const FfmpegRun &run)
+{
+    const steps::ToolLog log = saidIn(run);
+    return !log.hasLineContaining(u"frame="_s) ||
+           log.hasLineContaining(u"av_interleaved_write_frame(): Invalid argument"_s);
+}
+
+bool hasTimestampError(const QString &log)
+{
+    return steps::ToolLog(log).hasLineContaining(u"packet with unknown timestamp"_s);
+}
+
+} // namespace engines

@@ -1,0 +1,267 @@
+#include "engines/ffmpeg/KXConvertWithFfmpegJob.h"
+
+#include "engines/UpdateNames.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
+#include "engines/ffmpeg/KXMetadataPadder.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "tools/Numbers.h"
+
+#include <QEventLoop>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int extractionPollMs = 100;
+
+bool isText(const KXVideoTrack &track)
+{
+    return QStringList{u"srt"_s, u"ssa"_s, u"ass"_s, u"ttxt"_s}.contains(track.trackCodec().toLower());
+}
+
+/// Neither muxed nor extracted: to be burned.
+bool isBurned(const KXVideoTrack &track)
+{
+    const QString codec = track.userCodec().toLower();
+    return engines::isSubtitle(track) && codec != u"mux"_s && codec != u"extract"_s;
+}
+
+QString refusalOfNumbers(const KXSelection &selection)
+{
+    const QString rate = selection.userVideoBitRate();
+    const QString width = selection.userWidth();
+    if (!tools::isAllDigits(rate))
+        return u"The video bit rate \"%1\" is not a number of kb/s, so the video can't be re-encoded."_s.arg(
+            rate);
+    if (selection.userPassNumber() == u"2"_s && tools::leadingInteger(rate) == 0)
+        return u"Two passes need a video bit rate above 0."_s;
+    const bool isTooSmall =
+        tools::leadingInteger(width) < 2 && tools::leadingInteger(selection.videoTrackWidth()) > 0;
+    if (!tools::isAllDigits(width) || isTooSmall)
+        return u"The width \"%1\" is not a number of pixels, so the video can't be re-encoded."_s.arg(width);
+    return {};
+}
+
+} // namespace
+
+KXConvertWithFfmpegJob::KXConvertWithFfmpegJob(const jobs::JobContext &context)
+    : KXJob(context)
+{
+    observe(engines::updates::conversion);
+}
+
+QString KXConvertWithFfmpegJob::refusal() const
+{
+    const TrackList tracks = jobSelection()->trackList();
+    const auto video = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
+        return track->trackType() == u"Video"_s;
+    });
+    if (video == tracks.end())
+        return {};
+    if ((*video)->userCodec() != u"passthru"_s)
+        return refusalOfNumbers(*jobSelection());
+    const bool burns =
+        std::any_of(tracks.begin(), tracks.end(), [](const TrackPointer &track) { return isBurned(*track); });
+    return burns ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString();
+}
+
+void KXConvertWithFfmpegJob::startJob()
+{
+    const auto self = shared_from_this(); // a wait in here serves timers, and our row may go meanwhile
+    setTheTracks(jobSelection()->trackList());
+    setSubWasBurned(false);
+    const QString refused = refusal();
+    if (!refused.isNull()) {
+        addOutcome(steps::Outcome::failed(refused));
+        setProgressList({});
+        return requestJobDone();
+    }
+    m_converter = std::make_shared<KXFfmpegConverter>(converterContext());
+    m_converter->setStepName(u"Video Conversion"_s);
+    setStepConverterList({m_converter});
+    if (tools::leadingInteger(jobSelection()->subCount()) >= 1)
+        prepareSubtitles(*m_converter);
+    if (!jobIsCancelled())
+        startConversion(m_converter);
+}
+
+void KXConvertWithFfmpegJob::startConversion(const std::shared_ptr<KXFfmpegConverter> &converter)
+{
+    setStepTaskList({});
+    setProgressList({});
+    stepStarted(converter, converter->startConversionForSelection(jobSelection()));
+    setFfmpegOutputURL(converter->outputFileURL());
+    if (context().launcher.isDryRun() && converter->currentPass() == 1)
+        converter->startSecondPass();
+    postProgress(progressList());
+    endIfNothingRuns();
+}
+
+/// Walks up to the first subtitle that is burned; only that one is prepared.
+void KXConvertWithFfmpegJob::prepareSubtitles(KXFfmpegConverter &converter)
+{
+    for (qsizetype index = 0; index < theTracks().size() && !jobIsCancelled(); ++index) {
+        KXVideoTrack &track = *theTracks().at(index);
+        track.initializeForMuxing();
+        if (isBurned(track))
+            return prepareBurning(converter, index);
+        if (engines::isSubtitle(track) && track.userCodec().toLower() == u"extract"_s &&
+            !track.externalTrackFlag())
+            extracted(index, KXConverter::Keeping::TheOutput);
+    }
+}
+
+void KXConvertWithFfmpegJob::prepareBurning(KXFfmpegConverter &converter, qsizetype index)
+{
+    const KXVideoTrack &track = *theTracks().at(index);
+    setSubWasBurned(true);
+    if (!isText(track)) {
+        converter.setSubToBurnURL(track.trackFileURL());
+        return noteUnlessDrawn(converter, track);
+    }
+    const QUrl file =
+        track.externalTrackFlag() ? track.trackFileURL() : extracted(index, KXConverter::Keeping::Temporary);
+    converter.prepSubtitleForBurning(file);
+    noteUnlessDrawn(converter, track);
+    if (!isEmpty(converter.tempFileToDeleteURL()))
+        setTempFilesToDeleteList(tempFilesToDeleteList() << converter.tempFileToDeleteURL());
+}
+
+/// Of added files only plain text is drawn; whoever chose another one to be burned should hear of it.
+void KXConvertWithFfmpegJob::noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track)
+{
+    const bool isDrawn = isText(track) && !isEmpty(converter.subToBurnURL());
+    if (track.externalTrackFlag() && !isDrawn)
+        addOutcome(steps::Outcome::warnings(
+            u"The subtitle %1 can't be drawn into the picture and was left out."_s.arg(
+                track.trackFileURL().fileName())));
+}
+
+/// Extracts a subtitle of the source into a file beside the output and answers where it is. One that is
+/// to be burned is gone with the job; one that the user wants to have stays. A failed extraction leaves
+/// it missing; the conversion still runs and says so.
+QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping keeping)
+{
+    KXTrackDumper dumper(converterContext());
+    dumper.inititializeForTrackWithStepLabelKeepingTheOutput(index, u"Extracting Subtitle"_s,
+                                                             KXConverter::Keeping::Temporary);
+    dumper.setIsTemporaryOutput(true);
+    const QString pid = dumper.startConversionFor(jobSelection());
+    noteFilesOf(dumper);
+    waitForBackground(pid);
+    if (context().launcher.isDryRun() || jobIsCancelled())
+        return dumper.outputFileURL();
+    const steps::Outcome outcome = outcomeOfStep(dumper);
+    if (outcome.verdict == steps::Verdict::Failed)
+        addOutcome(outcome);
+    else if (keeping == KXConverter::Keeping::TheOutput)
+        keepFiles(dumper.outputFiles());
+    return dumper.outputFileURL();
+}
+
+/// What was to go with the job if it had been stopped meanwhile now stays.
+void KXConvertWithFfmpegJob::keepFiles(const QList<QUrl> &kept)
+{
+    QList<QUrl> files = tempFilesToDeleteList();
+    files.removeIf([&](const QUrl &file) { return kept.contains(file); });
+    setTempFilesToDeleteList(files);
+}
+
+/// Keeps a window painting while it waits. A missing id counts as finished.
+void KXConvertWithFfmpegJob::waitForBackground(const QString &pid)
+{
+    if (pid.isEmpty())
+        return;
+    addTask(pid);
+    while (!jobIsCancelled() && processIsRunningWithPID(pid)) {
+        QEventLoop loop;
+        QTimer::singleShot(extractionPollMs, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    removeTask(pid);
+}
+
+void KXConvertWithFfmpegJob::monitorNotifications(const KXNotification &notification)
+{
+    const qsizetype index = stepOf(notification);
+    if (index < 0)
+        return;
+    const QString label = notification.userInfo.value(u"stepName"_s).toString();
+    const QString text = notification.object.toString();
+    if (notification.name == u"taskCompletion"_s)
+        completion(notification, index);
+    else if (text.contains(u'%'))
+        updateProgressWithProgressItem({index, {label, text}});
+    else if (text == u"Initializing Fontconfig"_s || text == u"moving moov atom"_s)
+        flashProgressWithProgressItem({index, {label, text}});
+}
+
+void KXConvertWithFfmpegJob::completion(const KXNotification &notification, qsizetype index)
+{
+    const QString label = notification.userInfo.value(u"stepName"_s).toString();
+    const QString text = notification.object.toString();
+    if (text == u"Complete"_s) {
+        completeStep(index, label);
+    } else if (text == u"Pass 1 Complete"_s && m_converter) {
+        startPass2SelectorFor(*m_converter);
+        if (!progressList().at(index).isComplete())
+            updateProgressWithProgressItem({index, {label, text}});
+    } else if (text == u"timestamp error"_s && m_converter) {
+        retryForTimeStampError(*m_converter);
+    }
+    if (everyStepIsComplete())
+        conversionCompleted();
+}
+
+/// A film that came out well gets its padding as a last step, where that is asked for.
+void KXConvertWithFfmpegJob::conversionCompleted()
+{
+    if (m_padder)
+        m_padder->finishPadding();
+    const bool pads = !m_padder && m_converter && !m_converter->isTemporaryOutput() &&
+                      KXMetadataPadder::isWantedFor(ffmpegOutputURL(), appPreferences()) &&
+                      m_converter->outcome().verdict == steps::Verdict::Ok;
+    if (!pads)
+        return requestJobDone();
+    m_padder = std::make_shared<KXMetadataPadder>(converterContext());
+    setStepConverterList(stepConverterList() << m_padder);
+    const auto task = m_padder->startPadding(ffmpegOutputURL());
+    stepStarted(m_padder, task);
+    postProgress(progressList());
+    if (!task)
+        conversionCompleted();
+}
+
+/// A failed first pass leaves no statistics, or somebody's old ones: pass 2 must not run on them.
+void KXConvertWithFfmpegJob::startPass2SelectorFor(KXFfmpegConverter &converter)
+{
+    const auto first = converter.converterTask();
+    removeTask(first);
+    const bool mayGoOn = !first || first->exitStatus() == 0;
+    if (!mayGoOn && converter.asksForTimestamps())
+        return retryForTimeStampError(converter); // else a copied picture would never come through
+    const auto task = mayGoOn ? converter.startSecondPass() : nullptr;
+    if (task)
+        addTask(task);
+    else
+        completeStep(0, converter.stepName());
+}
+
+void KXConvertWithFfmpegJob::retryForTimeStampError(KXFfmpegConverter &converter)
+{
+    removeTask(converter.converterTask());
+    const bool givesUp = ++m_retries > mostRetries;
+    const auto task = givesUp ? nullptr : converter.startTimeStampRetry();
+    if (task) {
+        addTask(task);
+        return;
+    }
+    if (givesUp)
+        addOutcome(steps::Outcome::failed(
+            u"The source has packets without timestamps, and generating them did not help."_s));
+    completeStep(0, converter.stepName());
+}

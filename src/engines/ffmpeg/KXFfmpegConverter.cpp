@@ -1,0 +1,199 @@
+// What ffmpeg is told; following it is in KXFfmpegConverterRun.cpp.
+#include "engines/ffmpeg/KXFfmpegConverter.h"
+
+#include "engines/OutputBase.h"
+#include "engines/ffmpeg/FfmpegArguments.h"
+#include "engines/ffmpeg/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegSingleTrack.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
+#include "media/KXVideoTrack.h"
+#include "prefs/KXPreferences.h"
+#include "steps/OutputGuard.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+using engines::OutputKind;
+
+KXFfmpegConverter::KXFfmpegConverter(const steps::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"ffmpegConverter"_s);
+    setIsTemporaryOutput(false);
+    setDurationInSeconds(u"0"_s);
+    setSubCanBurnList({u"srt"_s, u"ass"_s, u"ssa"_s, u"ttxt"_s});
+    setFontconfigDirectoryExists(true);
+}
+
+void KXFfmpegConverter::initializeFor(const SelectionPointer &selection)
+{
+    KXConverter::initializeFor(selection);
+    setAppName(engines::appNameForDevice(selection->theDevice()));
+}
+
+/// Where the output would be a source, its base keeps the extension: "a.mkv" to MKV is "a.mkv.mkv".
+QUrl KXFfmpegConverter::wantedOutput() const
+{
+    const OutputKind kind = engines::outputKindNamed(appName());
+    const QString device = converterSelection()->theDevice();
+    const QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device);
+    if (!context().guard.isInput(wanted))
+        return wanted;
+    return engines::outputForBase(outputFileURL().toLocalFile(), kind, device);
+}
+
+void KXFfmpegConverter::prepareNames(const QUrl &wanted)
+{
+    const QUrl log = QUrl::fromLocalFile(logFileURL().toLocalFile() + u".log"_s);
+    if (isTemporaryOutput())
+        setOutputFileURL(context().guard.claimFree(wanted));
+    else if (!claimOutput(wanted))
+        return;
+    postConversionStarted();
+    setPasslogfileString(context().temporaryFolder + u"passLog"_s);
+    claimLog(log);
+    setLogModifiedDateOld(QDateTime::currentDateTime());
+    setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
+    setMonitorCounter(0);
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    prepareNames(wantedOutput());
+    if (!refusal().isNull())
+        return nullptr;
+    engines::ConversionRequest request;
+    request.kind = engines::outputKindNamed(appName());
+    request.output = outputFileURL();
+    request.subToBurn = subToBurnURL();
+    request.passlogfile = passlogfileString();
+    request.useDplii = appPreferences().panelFlag(u"useDpliiFlag"_s);
+    request.moovInFront = appPreferences().panelFlag(u"moovInFrontFlag"_s);
+    if (!isEmpty(subToBurnURL()))
+        checkFontCache();
+    const auto lists = engines::conversionLists(*selection, request);
+    setOptionArray1(lists.first);
+    setOptionArray2(lists.second);
+    setCurrentPass(lists.currentPass);
+    m_isShellLine = false;
+    noteSubtitlesWithoutPlace();
+    const auto task =
+        runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
+    setOldProgress(u"00:00:00"_s);
+    return task;
+}
+
+/// An AVI carries no subtitles; whoever chose one should hear of it.
+void KXFfmpegConverter::noteSubtitlesWithoutPlace()
+{
+    if (engines::outputKindNamed(appName()) != OutputKind::Marbleon || !isEmpty(subToBurnURL()))
+        return;
+    for (const TrackPointer &track : converterSelection()->trackList()) {
+        if (!engines::isSubtitle(*track) || track->userCodec() != u"mux"_s)
+            continue;
+        const QString name = track->externalTrackFlag()
+                                 ? u"the subtitle "_s + track->trackFileURL().fileName()
+                                 : u"track "_s + track->trackFfmpegID();
+        m_warnings.append(QString(u"An AVI carries no subtitles, so "_s + name + u" was left out."_s));
+    }
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
+{
+    setCurrentPass(2);
+    m_repeatsFirstPass = false;
+    m_isShellLine = false;
+    m_startsSecondPass = true;
+    m_progress.clear();
+    m_lastTime.clear();
+    const auto task =
+        runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
+    m_secondPassRuns = task != nullptr;
+    return task;
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
+{
+    tools::OptionList list = optionArray1();
+    list.prepend(u"genpts");
+    list.prepend(u"-fflags");
+    setOptionArray1(list);
+    m_repeatsFirstPass = currentPass() == 2;
+    m_generatesTimestamps = true;
+    m_isShellLine = false;
+    m_startsSecondPass = false;
+    m_progress.clear();
+    m_lastTime.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
+}
+
+QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPointer &selection)
+{
+    return prepareTrackItemToProcess(selection) ? startPreparedTrack() : QString();
+}
+
+bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    const TrackList tracks = selection->trackList();
+    if (trackItemToProcess() < 0 || trackItemToProcess() >= tracks.size()) {
+        refuse(u"The track to convert is not there."_s);
+        return false;
+    }
+    const KXVideoTrack &track = *tracks.at(trackItemToProcess());
+    const QString suffix = engines::singleTrackSuffix(track);
+    // No device has a file extension of its own here, "Xbox" included.
+    const OutputKind kind = engines::outputKindNamed(appName());
+    QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()) + suffix, kind, {});
+    if (context().guard.isInput(wanted))
+        wanted = engines::outputForBase(outputFileURL().toLocalFile() + suffix, kind, {});
+    prepareNames(wanted);
+    if (!refusal().isNull())
+        return false;
+    const auto lists = engines::singleTrackLists(*selection, track, outputFileURL(), logFileURL());
+    setOptionArray1(lists.first);
+    setOptionArray2(lists.second);
+    setCurrentPass(lists.currentPass);
+    m_isShellLine = true;
+    return true;
+}
+
+QString KXFfmpegConverter::startPreparedTrack()
+{
+    setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), optionArray1()));
+    setOldProgress(u"00:00:00"_s);
+    return doShell_ID();
+}
+
+void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
+{
+    const QString path = subtitle.toLocalFile();
+    if (!subCanBurnList().contains(QFileInfo(path).suffix().toLower())) {
+        setSubToBurnURL(QUrl());
+        return;
+    }
+    setSubToBurnURL(subtitle);
+    if (engines::filterCanTake(path))
+        return;
+    // The copy keeps its content whatever its format; only its name ends in ".ass".
+    const QUrl copy = QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
+    if (context().launcher.copyFile(context().guard, subtitle, copy))
+        setSubToBurnURL(copy);
+}
+
+tools::OptionList KXFfmpegConverter::launchForm(const tools::OptionList &meant)
+{
+    const OutputKind kind = engines::outputKindNamed(appName());
+    engines::LaunchFacts facts = engines::launchFactsOf(*converterSelection(), kind);
+    facts.isSecondPass = m_startsSecondPass;
+    facts.isShellLine = m_isShellLine;
+    facts.generatesTimestamps = m_generatesTimestamps;
+    facts.passlogfile = passlogfileString();
+    const engines::LaunchForm form = engines::ffmpegLaunchForm(meant, facts);
+    for (const QString &warning : form.warnings) {
+        if (!m_warnings.contains(warning))
+            m_warnings.append(warning);
+    }
+    return form.list;
+}

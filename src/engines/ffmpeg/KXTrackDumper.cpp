@@ -1,0 +1,226 @@
+#include "engines/ffmpeg/KXTrackDumper.h"
+
+#include "engines/UpdateNames.h"
+#include "engines/ffmpeg/ExtractionArguments.h"
+#include "engines/ffmpeg/FfmpegOutcome.h"
+#include "media/KXVideoTrack.h"
+#include "platform/FileIdentity.h"
+#include "prefs/KXPreferences.h"
+#include "steps/OutputGuard.h"
+#include "tools/Numbers.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+KXTrackDumper::KXTrackDumper(const steps::ConverterContext &context)
+    : KXConverter(context)
+{
+}
+
+const KXVideoTrack *KXTrackDumper::track() const
+{
+    const TrackList tracks = converterSelection()->trackList();
+    const bool isThere = trackItemToProcess() >= 0 && trackItemToProcess() < tracks.size();
+    return isThere ? tracks.at(trackItemToProcess()).get() : nullptr;
+}
+
+/// Names for output and log, by the base path.
+bool KXTrackDumper::prepare(const QString &base, Naming naming)
+{
+    if (track() == nullptr) {
+        refuse(u"The track to extract is not there."_s);
+        return false;
+    }
+    const QUrl wanted = engines::extractionOutput(base, *track());
+    if (naming == Naming::Intermediate)
+        setOutputFileURL(context().guard.claimFree(wanted));
+    else if (!claimOutput(wanted))
+        return false;
+    const QUrl companion = engines::extractionCompanion(outputFileURL(), *track());
+    if (!isEmpty(companion) && platform::isTakenName(companion)) {
+        refuse(u"%1 exists already, so nothing was started."_s.arg(companion.toLocalFile()));
+        return false;
+    }
+    if (!isEmpty(companion))
+        context().guard.claimFree(companion); // ours from here on
+    claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
+    setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
+    return true;
+}
+
+bool KXTrackDumper::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                            const QUrl &folder)
+{
+    setConverterSelection(selection);
+    if (track() != nullptr)
+        setInputFileURL(track()->trackFileURL());
+    const QFileInfo source(selection->videoTrackFileURL().toLocalFile());
+    setSaveDirectoryURL(isEmpty(folder) ? QUrl::fromLocalFile(source.absolutePath()) : folder);
+    const QString path = saveDirectoryURL().toLocalFile();
+    return prepare((path.endsWith(u'/') ? path : path + u'/') + inputFileURL().fileName(), Naming::Output);
+}
+
+bool KXTrackDumper::prepareForSelection(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    return prepare(outputFileURL().toLocalFile(), Naming::Output);
+}
+
+tools::ToolProcessPointer
+KXTrackDumper::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                               const QUrl &folder)
+{
+    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXTrackDumper::startConversionForSelection(const SelectionPointer &selection)
+{
+    return prepareForSelection(selection) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXTrackDumper::startPrepared()
+{
+    postConversionStarted();
+    if (engines::isForMkvextract(*track())) {
+        setExtractorName(u"mkvextractor"_s);
+        return runAndMonitorBinaryURLWithOptionsShouldWait(
+            urlOfApp(u"mkvextract"_s), engines::mkvextractArguments(*track(), outputFileURL()),
+            ShouldWait::No);
+    }
+    setExtractorName(u"ffmpeg"_s);
+    setOldProgress(u"00:00:00"_s);
+    m_progress.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(
+        urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionArguments(*track(), outputFileURL()), ShouldWait::No);
+}
+
+QString KXTrackDumper::startConversionFor(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    setDoShell_ID({});
+    if (!prepare(outputFileURL().toLocalFile(), isTemporaryOutput() ? Naming::Intermediate : Naming::Output))
+        return {};
+    if (engines::isForMkvextract(*track())) {
+        setExtractorName(u"mkvextractor"_s);
+        postConversionStarted();
+        setDoShell_ID(
+            startInBackground(urlOfApp(u"mkvextract"_s),
+                              engines::mkvextractShellItems(*track(), outputFileURL(), logFileURL())));
+    } else if (engines::isForMp4box(*track())) {
+        setExtractorName(u"mp4box"_s); // and no tool: nothing writes such a subtitle
+    } else {
+        setExtractorName(u"ffmpeg"_s);
+        setOldProgress(u"00:00:00"_s);
+        postConversionStarted();
+        setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionShellItems(
+                                                                   *track(), outputFileURL(), logFileURL())));
+    }
+    return doShell_ID();
+}
+
+tools::OptionList KXTrackDumper::launchForm(const tools::OptionList &meant)
+{
+    return extractorName() == u"ffmpeg"_s ? engines::extractionLaunchForm(meant, outputFileURL()) : meant;
+}
+
+void KXTrackDumper::handleNewTaskResult(const steps::ReadEvent &event)
+{
+    const bool isProgress = event.channel == tools::ToolProcess::Channel::Error && !event.data.isEmpty() &&
+                            extractorName() == u"ffmpeg"_s;
+    if (isProgress && (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())) {
+        if (holdsUntilDurationsAreKnown(event))
+            return;
+        takeDurationOf(inputFileURL());
+    }
+    KXConverter::handleNewTaskResult(event);
+    if (!isProgress)
+        return;
+    const steps::FfmpegReading reading = m_progress.feed(event.data);
+    if (!reading.time.isNull())
+        setOldProgress(reading.time);
+    const QString text =
+        QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    post(engines::updates::extraction, text);
+    if (converterSelection() && converterSelection()->jobType() == u"Send To Lintwick"_s)
+        post(engines::updates::sending, text);
+}
+
+/// A VobSub is two files.
+QList<QUrl> KXTrackDumper::outputFiles() const
+{
+    const KXVideoTrack *source = converterSelection() ? track() : nullptr;
+    const QUrl companion =
+        source != nullptr ? engines::extractionCompanion(outputFileURL(), *source) : QUrl();
+    return isEmpty(companion) ? QList<QUrl>{outputFileURL()} : QList<QUrl>{outputFileURL(), companion};
+}
+
+QList<QUrl> KXTrackDumper::temporaryFiles() const
+{
+    return isEmpty(tempFileToDeleteURL()) ? QList<QUrl>() : outputFiles();
+}
+
+void KXTrackDumper::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    post(u"taskCompletion"_s, u"Complete"_s);
+}
+
+QString KXTrackDumper::monitorConversion()
+{
+    if (!processIsRunningWithPID(doShell_ID()))
+        return u"Complete"_s;
+    if (extractorName() == u"ffmpeg"_s)
+        return pollFfmpeg();
+    if (extractorName() == u"mkvextractor"_s)
+        return pollMkvextract();
+    const QString line = lastLogLine();
+    return isStringInteger(line) ? u"%1%"_s.arg(tools::leadingInteger(line)) : u"error"_s;
+}
+
+QString KXTrackDumper::pollFfmpeg()
+{
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    const QString line =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
+    const QString time = steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
+    if (!time.isNull())
+        setOldProgress(time);
+    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+QString KXTrackDumper::pollMkvextract()
+{
+    const QString piece = lastLogLine().section(u": "_s, -1);
+    if (piece.endsWith(u'%'))
+        setOldProgress(piece);
+    return oldProgress();
+}
+
+/// What ffmpeg's lines say of a run that ended so; a full disk is the reason, whatever the exit status.
+steps::Outcome KXTrackDumper::outcomeBeside(const steps::Outcome &ended, const KXVideoTrack &source) const
+{
+    engines::FfmpegRun run;
+    run.log = logString();
+    run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
+    run.lastTime = oldProgress();
+    run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
+    run.hasVideo = source.trackType() == u"Video"_s && doShell_ID().isEmpty();
+    const steps::Outcome said = engines::outcomeOfMessages(run);
+    return ended.verdict == steps::Verdict::Ok || said.verdict == steps::Verdict::Failed ? said : ended;
+}
+
+steps::Outcome KXTrackDumper::outcome() const
+{
+    if (extractorName() == u"mp4box"_s)
+        return steps::Outcome::failed(u"No tool here writes that kind of subtitle out of this container."_s);
+    steps::Outcome ended = KXConverter::outcome();
+    const KXVideoTrack *source = converterSelection() ? track() : nullptr;
+    if (source != nullptr && refusal().isNull() && extractorName() == u"ffmpeg"_s)
+        ended = outcomeBeside(ended, *source);
+    if (ended.verdict != steps::Verdict::Failed || source == nullptr)
+        return ended;
+    return steps::Outcome::failed(u"Track %1, %2, was not written. %3"_s.arg(
+        source->trackFfmpegID(), source->trackInfo(), ended.sentence));
+}

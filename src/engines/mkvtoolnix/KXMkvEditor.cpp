@@ -1,0 +1,145 @@
+#include "engines/mkvtoolnix/KXMkvEditor.h"
+
+#include "engines/OutputBase.h"
+#include "engines/UpdateNames.h"
+#include "engines/join/JoinCheck.h"
+#include "engines/mkvtoolnix/KXVideoSplitter.h"
+#include "engines/mkvtoolnix/MkvArguments.h"
+#include "prefs/KXPreferences.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString joining = u"MKV Joining"_s;
+const QString splitting = u"MKV Splitting"_s;
+const QString error = u"error"_s;
+
+} // namespace
+
+KXMkvEditor::KXMkvEditor(const steps::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"mkvEditor"_s);
+}
+
+QStringList KXMkvEditor::findMismatchedProperetiesFor(const QList<QUrl> &files)
+{
+    return engines::mismatchedProperties(
+        engines::probedForJoining(files, appPreferences(), stopFlag(), context().toolsAtOnce));
+}
+
+/// Names, and the warning; false when nothing may be started.
+bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    const QList<QUrl> files = selection->editFilesURLsList();
+    if (files.isEmpty()) {
+        refuse(u"There are no files to join."_s);
+        return false;
+    }
+    setInputFileURL(files.constFirst());
+    const QStringList mismatched = findMismatchedProperetiesFor(files);
+    if (isStopped())
+        return false;
+    if (!mismatched.isEmpty())
+        warn(engines::mismatchAlert(mismatched));
+    determineSaveDirectoryURL();
+    setTempFileToDeleteURL(QUrl());
+    const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
+    if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
+        return false;
+    claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
+    postConversionStarted();
+    return true;
+}
+
+tools::ToolProcessPointer KXMkvEditor::startConversionForSelection(const SelectionPointer &selection)
+{
+    if (selection->jobType() != joining)
+        return converterTask();
+    if (!prepareJoin(selection))
+        return nullptr;
+    return runAndMonitorBinaryURLWithOptionsShouldWait(
+        urlOfApp(u"mkvmerge"_s), engines::joinArguments(selection->editFilesURLsList(), outputFileURL()),
+        ShouldWait::No);
+}
+
+QString KXMkvEditor::startConversionFor(const SelectionPointer &selection)
+{
+    setDoShell_ID({});
+    if (selection->jobType() == joining)
+        return startJoin(selection);
+    if (selection->jobType() == splitting)
+        return startSplit(selection);
+    refuse(u"This is neither a join nor a split, so nothing was started."_s);
+    return error;
+}
+
+QString KXMkvEditor::startJoin(const SelectionPointer &selection)
+{
+    if (!prepareJoin(selection))
+        return {};
+    setDoShell_ID(
+        startInBackground(urlOfApp(u"mkvmerge"_s), engines::joinShellItems(selection->editFilesURLsList(),
+                                                                           outputFileURL(), logFileURL())));
+    return doShell_ID();
+}
+
+QString KXMkvEditor::startSplit(const SelectionPointer &selection)
+{
+    initializeFor(selection);
+    setInputFileURL(selection->videoTrackFileURL());
+    determineSaveDirectoryURL();
+    setTempFileToDeleteURL(QUrl());
+    if (engines::splitWord(*selection).isNull()) {
+        refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
+        return error;
+    }
+    const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
+    if (!claimOutput(engines::splitOutput(base, *selection), engines::splitForm(*selection)))
+        return {};
+    claimLog(QUrl::fromLocalFile(base + u".split.log"_s));
+    postConversionStarted();
+    setDoShell_ID(
+        startInBackground(urlOfApp(u"mkvmerge"_s), engines::splitShellItems(*selection, inputFileURL(),
+                                                                            outputFileURL(), logFileURL())));
+    return doShell_ID();
+}
+
+QList<QUrl> KXMkvEditor::outputFiles() const
+{
+    const SelectionPointer selection = converterSelection();
+    const bool isInParts = selection && selection->jobType() == splitting &&
+                           engines::splitForm(*selection) == steps::OutputForm::NumberedParts;
+    return isInParts ? steps::partsOf(outputFileURL()) : QList<QUrl>{outputFileURL()};
+}
+
+/// mkvmerge says how far it is on standard output, and only the error stream is read, on purpose: a join
+/// that runs so shows no number.
+void KXMkvEditor::handleNewTaskResult(const steps::ReadEvent &event)
+{
+    KXConverter::handleNewTaskResult(event);
+    if (event.channel != tools::ToolProcess::Channel::Error)
+        return;
+    QStringList lines = m_errorLines.feed(event.data);
+    lines.append(m_errorLines.rest());
+    QString last;
+    for (const QString &line : std::as_const(lines)) {
+        const QString piece = line.section(u": "_s, -1).trimmed();
+        if (piece.contains(u'%'))
+            last = piece;
+    }
+    if (!last.isNull())
+        post(engines::updates::joining, last);
+}
+
+/// The mark follows ffmpeg's rule, on purpose, although mkvmerge never says "frame=": how the step ended is
+/// the outcome's to say.
+void KXMkvEditor::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    setConversionError(!logString().contains(u"frame="_s) ||
+                       logString().contains(u"av_interleaved_write_frame(): Invalid argument"_s));
+    post(u"taskCompletion"_s, u"Complete"_s);
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "steps/KXConverter.h"
+
+/// Puts tracks into one Matroska file with mkvmerge, in the shell's background: those of a selection, or,
+/// for a track removal, those that stay. Runs one tool once.
+class KXMkvMuxer final : public KXConverter
+{
+    Q_OBJECT
+    /// What is written. For job types other than conversion and removal the caller sets it.
+    KX_FIELD(TrackList, tracksToMux, setTracksToMux, {})
+
+public:
+    explicit KXMkvMuxer(const steps::ConverterContext &context);
+
+    QString startConversionFor(const SelectionPointer &selection) override;
+    QString monitorConversion() override { return pollPercentage(); }
+
+protected:
+    tools::OptionList launchForm(const tools::OptionList &meant) override;
+
+private:
+    /// "muxed" or "removed"; takes the tracks of the job type on the way.
+    QString takeTracks();
+    TrackList tracksOfFile(const QString &path) const;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "steps/KXConverter.h"
+#include "steps/MkvProgress.h"
+
+/// Rewrites an MKV file with header-removal compression switched off, for players that can't read it.
+/// Runs mkvmerge once, as a process object or in the shell's background.
+class KXMkvReMuxer final : public KXConverter
+{
+    Q_OBJECT
+
+public:
+    explicit KXMkvReMuxer(const steps::ConverterContext &context);
+
+    tools::ToolProcessPointer
+    startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                    const QUrl &folder) override;
+    QString startConversionFor(const SelectionPointer &selection) override;
+    void handleNewTaskResult(const steps::ReadEvent &event) override;
+    void backgroundReadingCompleted() override;
+    QString monitorConversion() override { return pollPercentage(); }
+
+private:
+    bool prepare(const SelectionPointer &selection, const QUrl &folder);
+
+    steps::MkvProgressReader m_progress;
+};

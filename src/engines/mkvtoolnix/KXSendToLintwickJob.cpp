@@ -1,0 +1,60 @@
+#include "engines/mkvtoolnix/KXSendToLintwickJob.h"
+
+#include "engines/UpdateNames.h"
+#include "engines/ffmpeg/FfmpegSubtitles.h"
+#include "engines/ffmpeg/KXTrackDumper.h"
+#include "engines/mkvtoolnix/SubtitleHandOver.h"
+#include "prefs/KXPreferences.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+KXSendToLintwickJob::KXSendToLintwickJob(const jobs::JobContext &context)
+    : KXJob(context)
+{
+    observe(engines::updates::sending);
+}
+
+void KXSendToLintwickJob::startJob()
+{
+    const TrackList tracks = jobSelection()->trackList();
+    const auto subtitle = std::find_if(tracks.begin(), tracks.end(),
+                                       [](const TrackPointer &track) { return engines::isSubtitle(*track); });
+    if (subtitle == tracks.end()) {
+        setStepConverterList({});
+        setProgressList({});
+        addOutcome(steps::Outcome::failed(u"There is no subtitle to send."_s));
+        return endIfNothingRuns();
+    }
+    const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
+    dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
+        subtitle - tracks.begin(), u"Extracting Subtitle Track"_s, KXConverter::Keeping::TheOutput);
+    startSingleStep(dumper, [&] {
+        return dumper->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
+                                                                       appPreferences().saveDirectoryURL());
+    });
+}
+
+void KXSendToLintwickJob::monitorNotifications(const KXNotification &notification)
+{
+    followNotification(notification, engines::updates::sending);
+    if (notification.name != u"taskCompletion"_s || stepOf(notification) < 0)
+        return;
+    const auto self = shared_from_this();
+    if (stepConverterList().constLast()->outcome().verdict != steps::Verdict::Failed)
+        handOver(); // a subtitle that was not written is nothing to send
+}
+
+/// On the main thread, and before the job says that it is done.
+void KXSendToLintwickJob::handOver()
+{
+    const QString path = appPreferences().panelValue(u"lintwickPath"_s).toString();
+    const auto problem =
+        engines::handOver(context().workspace, path, stepConverterList().constLast()->outputFileURL(),
+                          QUrl::fromLocalFile(jobSelection()->videoTrackFilePath()));
+    if (!problem)
+        return;
+    openAlertSheet(problem);
+    addOutcome(steps::Outcome::failed(problem->message + u". "_s + problem->informativeText));
+}

@@ -1,0 +1,82 @@
+#include "engines/mkvtoolnix/KXVideoSplitter.h"
+
+#include "engines/OutputBase.h"
+#include "engines/UpdateNames.h"
+#include "engines/mkvtoolnix/MkvArguments.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace engines {
+
+steps::OutputForm splitForm(const KXSelection &selection)
+{
+    return selection.splitType() == u"time"_s ? steps::OutputForm::OneFile : steps::OutputForm::NumberedParts;
+}
+
+QUrl splitOutput(const QString &base, const KXSelection &selection)
+{
+    static const QRegularExpression number(u"%[0-9]*d"_s);
+    const QFileInfo info(base);
+    QString name = info.fileName();
+    if (splitForm(selection) == steps::OutputForm::NumberedParts)
+        name.replace(number, u"_"_s);
+    return QUrl::fromLocalFile(
+        u"%1.split.%2"_s.arg(pathInFolder(QUrl::fromLocalFile(info.path()), name), info.suffix()));
+}
+
+} // namespace engines
+
+KXVideoSplitter::KXVideoSplitter(const steps::ConverterContext &context)
+    : KXConverter(context)
+{
+    setConverterName(u"videoSplitter"_s);
+    setIsTemporaryOutput(false);
+}
+
+tools::ToolProcessPointer
+KXVideoSplitter::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                                 const QUrl &folder)
+{
+    setConverterSelection(selection);
+    setInputFileURL(selection->videoTrackFileURL());
+    setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
+    setTempFileToDeleteURL(QUrl());
+    const QString word = engines::splitWord(*selection);
+    if (word.isNull()) {
+        refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
+        return nullptr;
+    }
+    const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
+    if (!claimOutput(engines::splitOutput(base, *selection), engines::splitForm(*selection)))
+        return nullptr;
+    claimLog(QUrl::fromLocalFile(base + u".split.log"_s));
+    postConversionStarted();
+    m_progress.clear();
+    return runAndMonitorBinaryURLWithOptionsShouldWait(
+        urlOfApp(u"mkvmerge"_s), engines::splitArguments(word, inputFileURL(), outputFileURL()),
+        ShouldWait::No);
+}
+
+QList<QUrl> KXVideoSplitter::outputFiles() const
+{
+    const bool isOneFile =
+        !converterSelection() || engines::splitForm(*converterSelection()) == steps::OutputForm::OneFile;
+    return isOneFile ? QList<QUrl>{outputFileURL()} : steps::partsOf(outputFileURL());
+}
+
+void KXVideoSplitter::handleNewTaskResult(const steps::ReadEvent &event)
+{
+    KXConverter::handleNewTaskResult(event);
+    const QString number = m_progress.feed(event.data);
+    if (!number.isNull())
+        post(engines::updates::splitting, number + u'%');
+}
+
+void KXVideoSplitter::backgroundReadingCompleted()
+{
+    KXConverter::backgroundReadingCompleted();
+    post(u"taskCompletion"_s, u"Complete"_s);
+}

@@ -1,0 +1,88 @@
+#include "steps/FfmpegProgress.h"
+
+#include "tools/KXHelpers.h"
+#include "tools/Numbers.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace steps {
+
+namespace {
+
+/// "[mp4 @ 0x55c5] Starting second pass: moving the moov atom to the beginning of the file", with or
+/// without its head. Such words elsewhere in a line are somebody's file name.
+bool tellsOfMoov(const QString &line)
+{
+    const QString own = line.startsWith(u'[') ? line.section(u"] "_s, 1) : line;
+    return own.startsWith(u"moving the moov atom"_s) ||
+           own.startsWith(u"Starting second pass: moving the moov atom"_s);
+}
+
+FfmpegReading saidBy(const QString &line)
+{
+    if (isStatusLine(line))
+        return {timeInStatusLine(line), false};
+    return {QString(), tellsOfMoov(line)};
+}
+
+} // namespace
+
+FfmpegReading FfmpegProgressReader::feed(const QByteArray &chunk)
+{
+    FfmpegReading reading;
+    for (const QString &line : m_lines.feed(chunk)) {
+        hear(line, reading);
+        m_saidByRest = {};
+    }
+    hear(m_lines.rest(), reading);
+    return reading;
+}
+
+void FfmpegProgressReader::hear(const QString &line, FfmpegReading &reading)
+{
+    const FfmpegReading said = saidBy(line);
+    if (said == m_saidByRest)
+        return;
+    m_saidByRest = said;
+    if (!said.time.isNull())
+        reading = said;
+    else
+        reading.movesMoov = said.movesMoov;
+}
+
+void FfmpegProgressReader::clear()
+{
+    m_lines.clear();
+    m_saidByRest = {};
+}
+
+bool isStatusLine(QStringView line)
+{
+    // Never indented: what is indented comes from the file.
+    return line.startsWith(u"frame="_s) || line.startsWith(u"size="_s) || line.startsWith(u"Lsize="_s) ||
+           line.startsWith(u"time="_s);
+}
+
+QString timeInStatusLine(const QString &line)
+{
+    const qsizetype at = line.lastIndexOf(u"time="_s);
+    if (at < 0)
+        return {};
+    const qsizetype start = at + 5;
+    const qsizetype blank = line.indexOf(u' ', start);
+    const QString time = blank < 0 ? QString() : line.mid(start, blank - start);
+    return time.contains(u':') ? time : QString();
+}
+
+int percentOfDuration(const QString &time, const QString &durationInSeconds)
+{
+    if (time.startsWith(u'-'))
+        return 0;
+    const qint64 percent = tools::percentOf(KXHelpers::convertToTimeInSecondsFrom(time),
+                                            tools::leadingInteger(durationInSeconds));
+    return static_cast<int>(std::clamp<qint64>(percent, 0, 1'000'000));
+}
+
+} // namespace steps

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "tools/LineCutter.h"
+
+#include <QString>
+
+namespace steps {
+
+/// What one chunk of ffmpeg's error stream tells about progress.
+struct FfmpegReading
+{
+    QString time;           ///< the last whole time value; null when the chunk finished none
+    bool movesMoov = false; ///< the last thing it said is that it moves the index to the front
+
+    bool operator==(const FfmpegReading &) const = default;
+};
+
+/// Reads progress out of ffmpeg's error stream. Only ffmpeg's own status lines count: titles and
+/// names in the banner may hold anything. What an unfinished line tells counts at once, and only once.
+/// One per run.
+class FfmpegProgressReader final
+{
+public:
+    FfmpegReading feed(const QByteArray &chunk);
+    void clear();
+
+private:
+    void hear(const QString &line, FfmpegReading &reading);
+
+    tools::LineCutter m_lines;
+    FfmpegReading m_saidByRest;
+};
+
+/// True for a line in which ffmpeg reports how far it is.
+bool isStatusLine(QStringView line);
+/// The value behind the last "time=" of a status line, up to the blank; null when there is no whole
+/// value, or none that is a time ("N/A").
+QString timeInStatusLine(const QString &line);
+/// Whole percent that a time text is of the duration, truncated; 0 without a duration, and for the
+/// negative times with which some runs begin.
+int percentOfDuration(const QString &time, const QString &durationInSeconds);
+
+} // namespace steps

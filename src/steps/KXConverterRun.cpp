@@ -1,0 +1,318 @@
+// The half of KXConverter that starts a tool and reads what it prints.
+#include "steps/KXConverter.h"
+
+#include "media/FileNames.h"
+#include "media/Playlists.h"
+#include "prefs/KXPreferences.h"
+#include "steps/DurationLooks.h"
+#include "steps/FfmpegProgress.h"
+#include "steps/OutputGuard.h"
+#include "tools/Numbers.h"
+#include "tools/ToolEnvironment.h"
+
+#include <QTimer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using tools::ToolProcess;
+
+steps::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &meant,
+                                    const tools::OptionList &launched) const
+{
+    steps::Launch launch;
+    launch.stepName = stepName();
+    launch.pass = currentPass();
+    launch.tool = tool;
+    launch.output = outputFileURL();
+    launch.log = logFileURL();
+    launch.meant = meant;
+    launch.launched = launched;
+    launch.environment = tools::addedEnvironment(tool, tools::textsOf(meant), appPreferences());
+    return launch;
+}
+
+tools::OptionList KXConverter::fittingLaunchForm(const tools::OptionList &meant)
+{
+    const tools::OptionList launched = launchForm(meant);
+    const tools::OptionList fitting = tools::withTitlesThatFit(launched);
+    m_cutsTitles = m_cutsTitles || fitting != launched;
+    return fitting;
+}
+
+/// Null, or why the tool must not be started.
+QString KXConverter::makeWay()
+{
+    for (const QUrl &input : m_context.guard.inputs()) {
+        if (media::namesOtherFiles(input))
+            return u"%1 is a list of other files and no film, so nothing was started."_s.arg(
+                input.toLocalFile());
+    }
+    for (const QUrl &name : namesToWrite()) {
+        const QString problem = m_context.launcher.makeWay(m_context.guard, name);
+        if (!problem.isNull())
+            return problem;
+    }
+    return {};
+}
+
+tools::ToolProcessPointer
+KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const tools::OptionList &options,
+                                                         ShouldWait wait)
+{
+    m_tool = tool;
+    m_refusal = makeWay();
+    if (!m_refusal.isNull())
+        return nullptr;
+    if (!m_context.launcher.isDryRun())
+        m_context.guard.files().remove(logFileURL()); // that of the run before
+    ToolProcess::Request request;
+    request.program = tool.toLocalFile();
+    const tools::OptionList launched = fittingLaunchForm(options);
+    request.arguments = tools::argumentsOf(launched);
+    request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
+    request.workingFolder = appPreferences().workingFolder();
+    setBackgroundReadStatus(0);
+    setLogString(u""_s);
+    m_logIsBegun = false;
+    m_outputDecoder.resetState();
+    m_errorDecoder.resetState();
+    const auto task = m_context.launcher.startProcess(launchOf(tool, options, launched), request);
+    const QString name = tool.fileName().toLower();
+    if (!name.contains(u"mediainfo"_s) && !name.contains(u"mkvinfo"_s)) {
+        logObjectWithString(request.program, u"[theTask launchPath]"_s);
+        logObjectWithString(request.environment.toStringList(), u"[theTask environment]"_s);
+        logObjectWithString(tools::textsOf(options), u"optionsArray"_s);
+        logObjectWithString(tools::textsOf(options).join(u' '), u"optionsArrayString"_s);
+    }
+    if (!task)
+        return nullptr;
+    setConverterTask(task);
+    watch(task);
+    if (wait == ShouldWait::Yes)
+        task->waitUntilExit(-1);
+    return task;
+}
+
+void KXConverter::watch(const tools::ToolProcessPointer &task)
+{
+    const ToolProcess *source = task.get();
+    const auto hand = [this, source](ToolProcess::Channel channel, const QByteArray &bytes) {
+        const steps::ReadEvent event{channel, bytes, source};
+        channel == ToolProcess::Channel::Output ? readTaskOutput(event) : readTaskError(event);
+    };
+    connect(source, &ToolProcess::chunkRead, this, hand);
+    connect(source, &ToolProcess::channelEnded, this,
+            [hand](ToolProcess::Channel channel) { hand(channel, QByteArray()); });
+}
+
+void KXConverter::readTaskOutput(const steps::ReadEvent &event)
+{
+    if (event.channel == ToolProcess::Channel::Output)
+        take(event);
+}
+
+void KXConverter::readTaskError(const steps::ReadEvent &event)
+{
+    if (event.channel == ToolProcess::Channel::Error)
+        take(event);
+}
+
+void KXConverter::take(const steps::ReadEvent &event)
+{
+    if (event.source != converterTask().get())
+        return;
+    if (isHolding())
+        m_held.append(event);
+    else
+        deliver(event);
+}
+
+void KXConverter::deliver(const steps::ReadEvent &event)
+{
+    if (!event.data.isEmpty())
+        return handleNewTaskResult(event);
+    endOfStream(event.channel);
+}
+
+/// Whichever stream ends second completes the reading.
+void KXConverter::endOfStream(ToolProcess::Channel channel)
+{
+    const int mine = channel == ToolProcess::Channel::Output ? 1 : 2;
+    const int others = 3 - mine;
+    if (backgroundReadStatus() == others)
+        backgroundReadingCompleted();
+    else
+        setBackgroundReadStatus(mine);
+}
+
+void KXConverter::handleNewTaskResult(const steps::ReadEvent &event)
+{
+    if (event.data.isEmpty()) {
+        logString(u"no data"_s);
+        return;
+    }
+    const bool isOutput = event.channel == ToolProcess::Channel::Output;
+    const QString text = isOutput ? m_outputDecoder.decode(event.data) : m_errorDecoder.decode(event.data);
+    setMonitorOutputString(text);
+    m_logString += text;
+    appendToLog(event.data);
+}
+
+/// A log that can't be written is no reason to end the tool.
+void KXConverter::appendToLog(const QByteArray &bytes)
+{
+    const bool isFirst = !std::exchange(m_logIsBegun, true);
+    steps::OwnFiles &files = m_context.guard.files();
+    // A log that was taken away is written whole again; a new one gets the bytes as they came, which
+    // may end within a character.
+    if (!files.append(logFileURL(), bytes))
+        files.create(logFileURL(), isFirst ? bytes : m_logString.toUtf8());
+}
+
+QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
+{
+    m_tool = tool;
+    m_refusal = makeWay();
+    if (m_refusal.isNull())
+        m_refusal = m_context.launcher.makeLog(m_context.guard, logFileURL());
+    if (!m_refusal.isNull())
+        return {};
+    const tools::OptionList launched = fittingLaunchForm(options);
+    tools::ShellLine line = tools::toolLine(tool, options, appPreferences(), tools::shellKind());
+    line.launched = tools::toolLine(tool, launched, appPreferences(), tools::shellKind()).launched;
+    const QString pid = m_context.launcher.startShellLine(
+        launchOf(tool, options, launched), line, [&] { return doShellScriptForWithOptions(tool, launched); });
+    // Only a whole number is an id: anything else is the shell's word on why nothing runs.
+    if (tools::isAllDigits(pid))
+        return pid;
+    m_context.guard.files().remove(logFileURL());
+    if (!pid.isNull())
+        m_refusal = pid.isEmpty() ? u"%1 could not be started."_s.arg(tool.fileName()) : pid;
+    return {};
+}
+
+bool KXConverter::stringFoundInLog(const QString &text) const
+{
+    if (!fileExistsAtURL(logFileURL()))
+        return false; // else the shell's complaint would be searched
+    const tools::OptionItem pattern = tools::OptionItem(u"| grep ").withData(text, tools::Quoting::Single);
+    const QString found =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -20", pattern});
+    return found.contains(text);
+}
+
+QString KXConverter::lastTimeInLog() const
+{
+    const QString line =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
+    return steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
+}
+
+QString KXConverter::lastLogLine() const
+{
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1"});
+}
+
+QString KXConverter::pollPercentage() const
+{
+    if (!processIsRunningWithPID(doShell_ID()))
+        return u"Complete"_s;
+    const QString piece = lastLogLine().section(u": "_s, -1);
+    return piece.endsWith(u'%') ? piece : u"error"_s;
+}
+
+void KXConverter::warn(const platform::AlertPointer &alert)
+{
+    if (presenter() == nullptr || m_context.launcher.isDryRun())
+        return;
+    openAlertSheet(alert);
+    QTimer::singleShot(alert->closesAfter, this, [this, alert] { alertTimedOut(alert); });
+}
+
+QString KXConverter::monitorConversion()
+{
+    if (doShell_ID().isEmpty())
+        return {};
+    if (!processIsRunningWithPID(doShell_ID())) {
+        if (currentPass() != 1)
+            return u"Complete"_s;
+        setCurrentPass(0); // said once
+        return u"Pass 1 Complete"_s;
+    }
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    const QString time = lastTimeInLog();
+    if (!time.isNull())
+        setOldProgress(time);
+    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+steps::DurationLooks &KXConverter::durations()
+{
+    if (m_context.durations != nullptr)
+        return *m_context.durations;
+    if (!m_ownDurations)
+        m_ownDurations = std::make_unique<steps::DurationLooks>(m_context.preferences);
+    return *m_ownDurations;
+}
+
+bool KXConverter::holdsUntilDurationsAreKnown(const steps::ReadEvent &event)
+{
+    if (!durations().ask(timedSources()))
+        return false;
+    m_held.append(event);
+    if (!m_answered)
+        m_answered = connect(&durations(), &steps::DurationLooks::answered, this, &KXConverter::deliverHeld);
+    return true;
+}
+
+/// What comes meanwhile is kept behind it.
+void KXConverter::deliverHeld()
+{
+    disconnect(std::exchange(m_answered, {}));
+    while (!m_held.isEmpty()) {
+        const steps::ReadEvent event = m_held.constFirst();
+        if (event.source == converterTask().get() || event.source == nullptr)
+            deliver(event);
+        m_held.removeFirst();
+    }
+}
+
+void KXConverter::findDurationInSeconds()
+{
+    auto answer = durations().answerFor(inputFileURL());
+    if (!answer) {
+        answer = media::isRegularFile(inputFileURL())
+                     ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i", inputFileURL(), u"2>&1"})
+                     : QString();
+        durations().keep(inputFileURL(), *answer);
+    }
+    takeDuration(*answer);
+}
+
+void KXConverter::takeDurationOf(const QUrl &source)
+{
+    takeDuration(durations().answerFor(source).value_or(QString()));
+}
+
+void KXConverter::takeDuration(const QString &printed)
+{
+    QString time = u"0"_s;
+    for (const QString &line : withoutNames(printed).split(u'\n')) {
+        if (!line.trimmed().startsWith(u"Duration:"_s))
+            continue; // a title may say "Duration:" too
+        const QString value = line.section(u", "_s, 0, 0).section(u": "_s, 1, 1);
+        if (!value.isEmpty() && value != u"N/A"_s) {
+            time = value;
+            break;
+        }
+    }
+    // Three hours on purpose, so that percentages stay finite.
+    const bool isUnknown = time == u"0"_s;
+    if (isUnknown)
+        time = u"03:00:00"_s;
+    const qint64 seconds = convertToTimeInSecondsFrom(time);
+    m_durationIsAssumed = isUnknown || seconds <= 0;
+    setDurationInSeconds(seconds > 0 ? QString::number(seconds) : u"180"_s);
+}

@@ -1,0 +1,104 @@
+// A film with many tracks: never more tools at once than the machine has cores, and a signal ends all of it.
+#include "support/CliFixture.h"
+#include "support/Clips.h"
+#include "support/TestMain.h"
+#include "support/Waiting.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+#include <QThread>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using support::CliFixture;
+
+namespace {
+
+constexpr int subtitles = 60;
+constexpr int patienceMs = 120000;
+
+} // namespace
+
+class CliManyTracksTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_cli = std::make_unique<CliFixture>();
+        const QString subtitle =
+            m_cli->scratch().write(u"s.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\nHello\n");
+        QStringList words{u"-q"_s, u"-o"_s, m_cli->media(u"film.mkv"_s), support::longMkv(4)};
+        words += QStringList(subtitles, subtitle);
+        QProcess mkvmerge;
+        mkvmerge.start(u"mkvmerge"_s, words);
+        QVERIFY(mkvmerge.waitForFinished());
+        QCOMPARE(mkvmerge.exitCode(), 0);
+    }
+
+    void cleanup()
+    {
+        for (const qint64 pid : m_cli->processes()) // only after a failure
+            ::kill(static_cast<pid_t>(pid), SIGKILL);
+    }
+
+    void anExtractionRunsAToolACore()
+    {
+        const auto process = m_cli->start({u"extract"_s, u"film.mkv"_s, u"--no-keep-logs"_s});
+        qsizetype most = 0;
+        support::waitFor(
+            [&] {
+                most = qMax(most, tools());
+                return process->state() == QProcess::NotRunning;
+            },
+            patienceMs);
+        const auto run = CliFixture::outcomeOf(*process);
+        QVERIFY2(run.status == 0, qPrintable(run.said()));
+        QCOMPARE(m_cli->mediaNames().size(), 1 + 2 + subtitles);
+        QVERIFY2(most >= 1 && most <= QThread::idealThreadCount(), qPrintable(QString::number(most)));
+    }
+
+    void aSignalEndsAllOfIt()
+    {
+        const auto process = m_cli->start({u"extract"_s, u"film.mkv"_s, u"--json"_s});
+        QByteArray told;
+        QVERIFY(support::waitFor(
+            [&] { return (told += process->readAllStandardOutput()).count("\"Complete\"") > 3; },
+            patienceMs));
+        QElapsedTimer clock;
+        clock.start();
+        ::kill(static_cast<pid_t>(process->processId()), SIGTERM);
+        QVERIFY(process->waitForFinished(patienceMs));
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(CliFixture::outcomeOf(*process).status, 143);
+        QVERIFY2(m_cli->processes().isEmpty(), qPrintable(m_cli->commandLines().join(u'\n')));
+        QVERIFY(m_cli->mediaNames().size() < 1 + 2 + subtitles); // it was still at it
+        for (const QString &name : m_cli->mediaNames())
+            QVERIFY2(!name.endsWith(u".log"_s), qPrintable(name));
+    }
+
+private:
+    /// Those that were there at one moment: between two looks at all processes, of which each takes a while.
+    qsizetype tools() const
+    {
+        const QList<qint64> before = m_cli->processes();
+        QList<qint64> both = m_cli->processes();
+        both.removeIf([&](qint64 pid) { return !before.contains(pid) || !isTool(pid); });
+        return both.size();
+    }
+
+    static bool isTool(qint64 pid)
+    {
+        QFile file(u"/proc/%1/cmdline"_s.arg(pid));
+        const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return !line.isEmpty() && !line.contains("tessaray-cli") && !line.startsWith("/bin/sh");
+    }
+
+    std::unique_ptr<CliFixture> m_cli;
+};
+
+TESSARAY_TEST(CliManyTracksTest)
+#include "CliManyTracksTest.moc"

@@ -1,0 +1,236 @@
+#include "steps/FfmpegProgress.h"
+#include "support/TestMain.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using steps::FfmpegProgressReader;
+using steps::FfmpegReading;
+
+namespace {
+
+const QByteArray first =
+    "frame=    1 fps=0.0 q=-1.0 size=       0kB time=-00:00:00.07 bitrate=N/A speed=N/A    \r";
+const QByteArray second =
+    "frame=   74 fps=0.0 q=21.0 size=       0kB time=00:00:03.23 bitrate=   0.1kbits/s speed=   6x    \r";
+const QByteArray last =
+    "frame=  200 fps=0.0 q=-1.0 Lsize=      36kB time=00:00:07.96 bitrate= 337.5kbits/s speed=3e+03x    \n";
+const QByteArray moov =
+    "[mp4 @ 0x55c503ed2180] Starting second pass: moving the moov atom to the beginning of the file\n";
+
+/// A banner that says all the words we look for, each in a place where only the file speaks.
+const QByteArray hostileBanner =
+    "Input #0, matroska,webm, from '/v/moving the moov atom time=09:00:00.00 .mkv':\n"
+    "  Metadata:\n"
+    "    title           : frame= size= time=08:00:00.00 bitrate\n"
+    "                    : moving the moov atom time=07:00:00.00 bitrate\n"
+    "    time=06:00:00.00 : a tag of that name\n"
+    "    size=1 time=05:00:00.00 : another\n"
+    "  Stream #0:0: Video: h264\n"
+    "      title           : Starting second pass: moving the moov atom\n"
+    "Output #0, mp4, to '/v/time=04:00:00.00 moving the moov atom.m4v':\n"
+    "[matroska,webm @ 0x1] moved '] moving the moov atom' time=03:00:00.00 \n";
+
+/// Everything a reader says about a text that comes in chunks of one size.
+struct Heard
+{
+    QStringList times;
+    int moov = 0;
+};
+
+Heard heardIn(const QByteArray &text, qsizetype chunk)
+{
+    FfmpegProgressReader reader;
+    Heard heard;
+    for (qsizetype at = 0; at < text.size(); at += chunk) {
+        const FfmpegReading reading = reader.feed(text.mid(at, chunk));
+        if (!reading.time.isNull())
+            heard.times.append(reading.time);
+        heard.moov += reading.movesMoov ? 1 : 0;
+    }
+    return heard;
+}
+
+} // namespace
+
+class FfmpegProgressTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void statusLines_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("isStatus");
+        QTest::newRow("video") << u"frame=   74 fps=0.0 q=21.0 size=       0kB time=00:00:03.23 "_s << true;
+        QTest::newRow("audio only") << u"size=     128kB time=00:00:03.23 bitrate"_s << true;
+        QTest::newRow("last size") << u"Lsize=     128kB time=00:00:03.23 bitrate"_s << true;
+        QTest::newRow("bare time") << u"time=00:00:03.23 bitrate"_s << true;
+        QTest::newRow("indented") << u" frame= 1 time=00:00:03.23 "_s << false;
+        QTest::newRow("title") << u"    title           : frame= time=00:00:03.23 "_s << false;
+        QTest::newRow("input") << u"Input #0, matroska, from 'time=00:00:03.23 '"_s << false;
+        QTest::newRow("summary") << u"video:35kB audio:0kB subtitle:0kB"_s << false;
+        QTest::newRow("empty") << QString() << false;
+    }
+
+    void statusLines()
+    {
+        QFETCH(QString, line);
+        QFETCH(bool, isStatus);
+        QCOMPARE(steps::isStatusLine(line), isStatus);
+    }
+
+    void timeIsTakenUpToItsBlank_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("time");
+        QTest::newRow("video") << QString::fromLatin1(second) << u"00:00:03.23"_s;
+        QTest::newRow("negative") << QString::fromLatin1(first) << u"-00:00:00.07"_s;
+        QTest::newRow("the last of two")
+            << u"frame=1 time=00:00:01.00 bitrate frame=2 time=00:00:02.00 bitrate"_s << u"00:00:02.00"_s;
+        QTest::newRow("not known") << u"frame=1 time=N/A bitrate=N/A"_s << QString();
+        QTest::newRow("half a value") << u"frame=1 time=00:00:0"_s << QString();
+        QTest::newRow("whole value, no blank yet") << u"frame=1 time=00:00:03.23"_s << QString();
+        QTest::newRow("no value") << u"frame=1 fps=0.0 "_s << QString();
+        QTest::newRow("nothing behind it") << u"frame=1 time="_s << QString();
+    }
+
+    void timeIsTakenUpToItsBlank()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, time);
+        const QString taken = steps::timeInStatusLine(line);
+        QCOMPARE(taken, time);
+        QCOMPARE(taken.isNull(), time.isNull());
+    }
+
+    void chunksOfEverySizeTellEachValueOnce()
+    {
+        const QByteArray text = hostileBanner + first + second + moov + last;
+        for (qsizetype size = 1; size <= text.size(); ++size) {
+            const Heard heard = heardIn(text, size);
+            QVERIFY2(!heard.times.isEmpty(), qPrintable(QString::number(size)));
+            QCOMPARE(heard.times.last(), u"00:00:07.96"_s);
+            if (size <= 20) { // shorter than what lies between two values
+                QCOMPARE(heard.times, (QStringList{u"-00:00:00.07"_s, u"00:00:03.23"_s, u"00:00:07.96"_s}));
+                QCOMPARE(heard.moov, 1);
+            }
+        }
+    }
+
+    void lineFeedsCountLikeCarriageReturns()
+    {
+        QByteArray text = first + second;
+        text.replace('\r', '\n');
+        QCOMPARE(heardIn(text, 10).times, (QStringList{u"-00:00:00.07"_s, u"00:00:03.23"_s}));
+    }
+
+    void lastOfSeveralValuesInAChunkIsTold()
+    {
+        FfmpegProgressReader reader;
+        QCOMPARE(reader.feed(first + second).time, u"00:00:03.23"_s);
+    }
+
+    void unfinishedLineCountsOnceItHoldsAWholeValue()
+    {
+        FfmpegProgressReader reader;
+        QVERIFY(reader.feed("frame=   74 fps=0.0 time=00:0").time.isNull());
+        QVERIFY(reader.feed("0:03.2").time.isNull());
+        QCOMPARE(reader.feed("3 bit").time, u"00:00:03.23"_s);
+        QVERIFY(reader.feed("rate= 0.1kbits/s").time.isNull()); // told already
+        QVERIFY(reader.feed("\r").time.isNull());
+        QCOMPARE(reader.feed("frame=   74 time=00:00:03.23 \r").time, u"00:00:03.23"_s); // another line
+    }
+
+    void notKnownTimeIsNoValue()
+    {
+        FfmpegProgressReader reader;
+        QVERIFY(reader.feed("frame=    0 fps=0.0 size=       0kB time=N/A bitrate=N/A speed=N/A    \r")
+                    .time.isNull());
+        QCOMPARE(reader.feed(second + "frame=   75 time=N/A bitrate=N/A \r").time, u"00:00:03.23"_s);
+    }
+
+    void titlesAndNamesInTheBannerNeverCount()
+    {
+        for (const qsizetype size : {1, 7, 64, 100000}) {
+            const Heard heard = heardIn(hostileBanner, size);
+            QCOMPARE(heard.times, QStringList());
+            QCOMPARE(heard.moov, 0);
+        }
+    }
+
+    void movingTheIndexIsTold_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::newRow("as ffmpeg says it") << moov;
+        QTest::newRow("without the head") << moov.mid(moov.indexOf("Starting"));
+        QTest::newRow("only the words") << QByteArray("moving the moov atom\n");
+        QTest::newRow("not finished yet") << moov.left(moov.indexOf(" to the"));
+    }
+
+    void movingTheIndexIsTold()
+    {
+        QFETCH(QByteArray, line);
+        FfmpegProgressReader reader;
+        const FfmpegReading reading = reader.feed(second + line);
+        QVERIFY(reading.movesMoov);
+        QCOMPARE(reading.time, u"00:00:03.23"_s);
+    }
+
+    void laterValueEndsTheMovingOfTheIndex()
+    {
+        FfmpegProgressReader reader;
+        const FfmpegReading reading = reader.feed(moov + last);
+        QVERIFY(!reading.movesMoov);
+        QCOMPARE(reading.time, u"00:00:07.96"_s);
+    }
+
+    void charactersAreDecodedAcrossChunkBorders()
+    {
+        const QByteArray text = "\xe2\x82\xac \xc3\xa9\r" + second;
+        for (qsizetype size = 1; size <= 5; ++size)
+            QCOMPARE(heardIn(text, size).times, QStringList{u"00:00:03.23"_s});
+        FfmpegProgressReader reader;
+        reader.feed("frame=1 \xe2\x82");
+        QCOMPARE(reader.feed("\xac time=00:00:09.00 ").time, u"00:00:09.00"_s);
+    }
+
+    void clearForgetsTheUnfinishedLine()
+    {
+        FfmpegProgressReader reader;
+        QCOMPARE(reader.feed("frame=1 time=00:00:01.00 bit").time, u"00:00:01.00"_s);
+        reader.clear();
+        QCOMPARE(reader.feed("frame=1 time=00:00:01.00 bit").time, u"00:00:01.00"_s);
+    }
+
+    void percentOfDuration_data()
+    {
+        QTest::addColumn<QString>("time");
+        QTest::addColumn<QString>("duration");
+        QTest::addColumn<int>("percent");
+        QTest::newRow("30 s of 120 s") << u"00:00:30.00"_s << u"120"_s << 25;
+        QTest::newRow("truncated") << u"00:01:59.99"_s << u"120"_s << 99;
+        QTest::newRow("whole") << u"00:02:00.00"_s << u"120"_s << 100;
+        QTest::newRow("beyond") << u"00:03:00.00"_s << u"120"_s << 150;
+        QTest::newRow("fraction dropped") << u"00:00:00.99"_s << u"10"_s << 0;
+        QTest::newRow("a little negative") << u"-00:00:00.07"_s << u"120"_s << 0;
+        QTest::newRow("negative by a minute") << u"-00:01:00.00"_s << u"120"_s << 0;
+        QTest::newRow("no duration") << u"00:00:30.00"_s << u"0"_s << 0;
+        QTest::newRow("absent duration") << u"00:00:30.00"_s << QString() << 0;
+        QTest::newRow("negative duration") << u"00:00:30.00"_s << u"-5"_s << 0;
+        QTest::newRow("no time") << QString() << u"120"_s << 0;
+        QTest::newRow("no time text") << u"N/A"_s << u"120"_s << 0;
+        QTest::newRow("absurd time") << u"999999999999:00:00"_s << u"1"_s << 1'000'000;
+    }
+
+    void percentOfDuration()
+    {
+        QFETCH(QString, time);
+        QFETCH(QString, duration);
+        QFETCH(int, percent);
+        QCOMPARE(steps::percentOfDuration(time, duration), percent);
+    }
+};
+
+TESSARAY_TEST(FfmpegProgressTest)
+#include "FfmpegProgressTest.moc"

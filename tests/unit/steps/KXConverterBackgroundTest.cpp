@@ -1,0 +1,380 @@
+// Runs in the shell's background, and how both kinds of run are judged.
+#include "steps/KXConverter.h"
+
+#include "steps/DryRun.h"
+#include "steps/OutputGuard.h"
+#include "support/FakeTool.h"
+#include "support/TestMain.h"
+#include "support/Waiting.h"
+#include "support/jobs/JobFixture.h"
+
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using steps::Verdict;
+using support::JobFixture;
+
+namespace {
+
+class OpenConverter final : public KXConverter
+{
+public:
+    using KXConverter::claimLog;
+    using KXConverter::claimOutput;
+    using KXConverter::KXConverter;
+    using KXConverter::startInBackground;
+
+    tools::OptionList launchForm(const tools::OptionList &meant) override
+    {
+        return added.isEmpty() ? meant : added + meant;
+    }
+    void backgroundReadingCompleted() override { ended = true; }
+
+    tools::OptionList added;
+    bool ended = false;
+};
+
+struct Run
+{
+    explicit Run(steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName)
+        : guard(fixture.outputs, whenTaken)
+        , converter(fixture.converterContext(guard))
+    {
+        converter.claimLog(fixture.scratch.url(u"step.log"_s));
+        converter.setOutputFileURL(fixture.scratch.url(u"out.mkv"_s));
+        converter.setInputFileURL(fixture.scratch.url(u"in.mkv"_s));
+    }
+    ~Run()
+    {
+        if (!converter.doShell_ID().isEmpty() && support::runs(converter.doShell_ID().toLongLong()))
+            ::kill(converter.doShell_ID().toInt(), SIGKILL);
+    }
+    Q_DISABLE_COPY_MOVE(Run)
+
+    QString start(const QUrl &tool, const tools::OptionList &options = {})
+    {
+        converter.setDoShell_ID(converter.startInBackground(
+            tool, options + tools::OptionList{u"&>", converter.logFileURL(), u"& echo $!"}));
+        return converter.doShell_ID();
+    }
+    QString start(const QString &place, const QStringList &script, const tools::OptionList &options = {})
+    {
+        return start(fixture.installTool(place, script), options);
+    }
+    bool ends()
+    {
+        return support::waitFor([&] { return !support::runs(converter.doShell_ID().toLongLong()); });
+    }
+    /// A background run that ended with this log and an output of so many bytes (-1: none).
+    steps::Outcome outcomeOf(const QString &place, const QByteArray &log, qint64 output = 5)
+    {
+        start(place, {});
+        ends();
+        fixture.scratch.write(u"step.log"_s, log);
+        if (output >= 0)
+            fixture.scratch.write(u"out.mkv"_s, QByteArray(output, 'x'));
+        return converter.outcome();
+    }
+    /// A process object that played this script, which may write "last".
+    steps::Outcome outcomeOfProcess(const QString &place, const QStringList &script)
+    {
+        converter.ended = false;
+        converter.runAndMonitorBinaryURLWithOptionsShouldWait(
+            fixture.installTool(place, script), {converter.outputFileURL()}, KXConverter::ShouldWait::No);
+        support::waitFor([&] { return converter.ended; });
+        return converter.outcome();
+    }
+
+    JobFixture fixture{JobFixture::Tools::Fake};
+    steps::OutputGuard guard;
+    OpenConverter converter;
+};
+
+const QByteArray banner = "Input #0, matroska,webm, from '/v/Lsize= video: Error: Multiplexing took.mkv':\n"
+                          "    title           : Lsize=\n"
+                          "    video:0kB\n";
+const QByteArray videoEnd =
+    "frame=   25 fps=0.0 q=-1.0 Lsize=      36kB time=00:00:00.88 bitrate= 337.5kbits/s\n";
+const QByteArray summary = "video:0kB audio:16kB subtitle:0kB other streams:0kB muxing overhead: 1.392638%\n";
+const QByteArray audioEnd =
+    "size=      16kB time=00:00:02.01 bitrate=  65.7kbits/s speed=  79x    \n" + summary;
+const QByteArray mergeEnd =
+    "Progress: 100%\rThe cue entries (the index) are being written...\nMultiplexing took 0 seconds.\n";
+
+} // namespace
+
+class KXConverterBackgroundTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startAnswersTheToolsOwnId()
+    {
+        Run run;
+        const QString pids = run.fixture.scratch.path(u"pids"_s);
+        const QString pid = run.start(u"ffmpeg/ffmpeg"_s, {u"pid "_s + pids, u"hang"_s});
+        QVERIFY(pid.toLongLong() > 1);
+        QVERIFY(support::waitFor([&] { return !run.fixture.scratch.read(u"pids"_s).isEmpty(); }));
+        QCOMPARE(QString::fromUtf8(run.fixture.scratch.read(u"pids"_s)).trimmed(), pid);
+    }
+
+    void bothStreamsGoIntoTheLog()
+    {
+        Run run;
+        run.start(u"ffmpeg/ffmpeg"_s, {u"out one"_s, u"err two"_s});
+        QVERIFY(run.ends());
+        QCOMPARE(run.fixture.scratch.read(u"step.log"_s), QByteArray("one\ntwo\n"));
+    }
+
+    void launchFormIsWhatRuns()
+    {
+        Run run;
+        run.converter.added = {u"-fflags", u"genpts"};
+        const QString record = run.fixture.scratch.path(u"record"_s);
+        run.start(u"ffmpeg/ffmpeg"_s, {u"record "_s + record}, {u"-i"});
+        QVERIFY(run.ends());
+        const QByteArrayList expected{"-fflags", "genpts", "-i"};
+        QCOMPARE(support::FakeTool::recordedRuns(record).first().arguments, expected);
+    }
+
+    void missingToolCountsAsEndedWithItsMessageInTheLog()
+    {
+        Run run;
+        const QString pid = run.start(run.fixture.scratch.url(u"missing/ffmpeg"_s));
+        QVERIFY(pid.toLongLong() > 1);
+        QVERIFY(run.ends());
+        QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
+        QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
+        QVERIFY(run.fixture.scratch.read(u"step.log"_s).contains("not found") ||
+                run.fixture.scratch.read(u"step.log"_s).contains("No such file"));
+    }
+
+    void answerThatIsNoIdIsTheReason()
+    {
+        Run run;
+        const QUrl tool = run.fixture.installTool(u"ffmpeg/ffmpeg"_s);
+        QVERIFY(run.converter.startInBackground(tool, {u"> /no/such/folder/log; false"}).isNull());
+        QVERIFY(run.converter.refusal().contains(u"/no/such/folder/log"_s));
+        QVERIFY(run.converter.startInBackground(tool, {u"; echo 12abc"}).isNull());
+        QCOMPARE(run.converter.refusal(), u"12abc"_s);
+        QVERIFY(run.converter.startInBackground(tool, {}).isNull());
+        QCOMPARE(run.converter.refusal(), u"ffmpeg could not be started."_s);
+        QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
+    }
+
+    void dryRunIsNotRefused()
+    {
+        JobFixture fixture(JobFixture::Tools::Fake);
+        steps::OutputGuard guard(fixture.outputs, steps::WhenTaken::NextFreeName);
+        steps::DryRun dryRun;
+        OpenConverter converter({fixture.preferences, fixture.notifications, dryRun, guard, {}});
+        converter.added = {u"-y"};
+        const QUrl tool = fixture.installTool(u"ffmpeg/ffmpeg"_s, {u"out x"_s});
+        QVERIFY(converter.startInBackground(tool, {u"-i"}).isNull());
+        QVERIFY(converter.refusal().isNull());
+        const auto &line = dryRun.entries().first().line;
+        QCOMPARE(line.meant, u"\"%1\" -i"_s.arg(tool.toLocalFile()));
+        QCOMPARE(line.launched, u"\"%1\" -y -i"_s.arg(tool.toLocalFile()));
+    }
+
+    void pollTellsThePercentageOfTheLastTime()
+    {
+        Run run;
+        run.converter.setDurationInSeconds(u"120"_s);
+        run.start(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        const auto poll = [&](const QByteArray &log) {
+            run.fixture.scratch.write(u"step.log"_s, log);
+            return run.converter.monitorConversion();
+        };
+        QCOMPARE(poll(""), u"0%"_s);
+        QCOMPARE(poll("frame= 1 time=00:00:06.00 bitrate=1\rframe= 2 time=00:00:30.00 bitrate=1\r"),
+                 u"25%"_s);
+        QCOMPARE(poll("frame= 2 time=00:00:30.00 bitrate=1\rframe= 3 ti"),
+                 u"25%"_s); // nothing new: the old one
+        QCOMPARE(poll("frame= 3 time=N/A bitrate=N/A\r"), u"25%"_s);
+        QCOMPARE(poll("    title : time=00:02:00.00 x\n"), u"25%"_s);
+        QCOMPARE(poll("size= 3 time=00:01:00.00 bitrate=1\r"), u"50%"_s);
+    }
+
+    void pollMeasuresTheDurationOnce()
+    {
+        Run run;
+        const QString record = run.fixture.scratch.path(u"record"_s);
+        run.fixture.scratch.write(u"in.mkv"_s, "film");
+        run.fixture.installTool(u"ffmpeg/ffprobe"_s,
+                                {u"record "_s + record, u"err   Duration: 00:00:40.00, start: 0.0"_s});
+        run.start(u"ffmpeg/ffmpeg"_s, {u"err frame= 1 time=00:00:10.00 bitrate=1"_s, u"hang"_s});
+        QVERIFY(support::waitFor([&] { return !run.fixture.scratch.read(u"step.log"_s).isEmpty(); }));
+        QCOMPARE(run.converter.monitorConversion(), u"25%"_s);
+        QCOMPARE(run.converter.monitorConversion(), u"25%"_s);
+        QCOMPARE(support::FakeTool::recordedRuns(record).size(), 1);
+    }
+
+    void endOfTheFirstPassIsSaidOnce()
+    {
+        Run run;
+        run.converter.setCurrentPass(1);
+        run.start(u"ffmpeg/ffmpeg"_s, {});
+        QVERIFY(run.ends());
+        QCOMPARE(run.converter.monitorConversion(), u"Pass 1 Complete"_s);
+        QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
+    }
+
+    void pollEndsWithComplete_data()
+    {
+        QTest::addColumn<int>("pass");
+        QTest::newRow("no passes") << 0;
+        QTest::newRow("second pass") << 2;
+    }
+
+    void pollEndsWithComplete()
+    {
+        QFETCH(int, pass);
+        Run run;
+        run.converter.setCurrentPass(pass);
+        run.start(u"ffmpeg/ffmpeg"_s, {});
+        QVERIFY(run.ends());
+        QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
+    }
+
+    void backgroundRunIsJudgedByItsLog_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QByteArray>("log");
+        QTest::addColumn<Verdict>("verdict");
+        QTest::addColumn<QString>("says");
+        const auto ffmpeg = u"ffmpeg/ffmpeg"_s;
+        const auto mkvmerge = u"mkvtoolnix/mkvmerge"_s;
+        const auto mkvextract = u"mkvtoolnix/mkvextract"_s;
+        QTest::newRow("ffmpeg, video") << ffmpeg << banner + videoEnd + summary << Verdict::Ok << u""_s;
+        QTest::newRow("ffmpeg, only the last size") << ffmpeg << banner + videoEnd << Verdict::Ok << u""_s;
+        QTest::newRow("ffmpeg, no video") << ffmpeg << banner + audioEnd << Verdict::Ok << u""_s;
+        QTest::newRow("ffmpeg, killed") << ffmpeg << banner + "frame= 3 size= 3 time=00:00:01.00 \r"
+                                        << Verdict::Failed << u"ffmpeg did not finish."_s;
+        QTest::newRow("ffmpeg, asked to end")
+            << ffmpeg << videoEnd + summary + "Exiting normally, received signal 15.\n"
+            << Verdict::Failed << u"did not finish"_s;
+        QTest::newRow("ffmpeg, gave up") << ffmpeg << "No room\n" + audioEnd + "Conversion failed!\n"
+                                         << Verdict::Failed << u"did not finish"_s;
+        QTest::newRow("ffmpeg, never began") << ffmpeg << QByteArray("in.mkv: Invalid data found\n")
+                                             << Verdict::Failed << u"in.mkv: Invalid data found."_s;
+        QTest::newRow("ffmpeg, only hostile texts")
+            << ffmpeg << banner << Verdict::Failed << u"did not finish"_s;
+        QTest::newRow("mkvmerge") << mkvmerge << mergeEnd << Verdict::Ok << u""_s;
+        QTest::newRow("mkvmerge, warned") << mkvmerge << "Warning: 'a': odd\n" + mergeEnd << Verdict::Warnings
+                                          << u"mkvmerge warned: Warning: 'a': odd."_s;
+        QTest::newRow("mkvmerge, failed")
+            << mkvmerge << "Warning: w\nError: The file is gone.\n" + mergeEnd << Verdict::Failed
+            << u"mkvmerge failed: Error: The file is gone."_s;
+        QTest::newRow("mkvmerge, killed")
+            << mkvmerge << QByteArray("Progress: 45%\r") << Verdict::Failed << u"mkvmerge did not finish"_s;
+        QTest::newRow("mkvmerge, hostile names")
+            << mkvmerge << "'Error: Warning: .mkv': Using the demultiplexer\n" + mergeEnd << Verdict::Ok
+            << u""_s;
+        QTest::newRow("mkvmerge, only hostile names")
+            << mkvmerge << QByteArray("'Multiplexing took.mkv': Using\nProgress: 100%\r") << Verdict::Failed
+            << u"did not finish"_s;
+        QTest::newRow("mkvextract") << mkvextract
+                                    << QByteArray("Extracting track 0\nProgress: 99%\rProgress: 100%\n")
+                                    << Verdict::Ok << u""_s;
+        QTest::newRow("mkvextract, killed") << mkvextract << QByteArray("Extracting track 0\nProgress: 45%\r")
+                                            << Verdict::Failed << u"mkvextract did not finish"_s;
+        QTest::newRow("mkvextract, failed")
+            << mkvextract << QByteArray("Error: No track with the ID 5 was found.\n") << Verdict::Failed
+            << u"Error: No track with the ID 5"_s;
+    }
+
+    void backgroundRunIsJudgedByItsLog()
+    {
+        QFETCH(QString, tool);
+        QFETCH(QByteArray, log);
+        QFETCH(Verdict, verdict);
+        QFETCH(QString, says);
+        Run run;
+        const steps::Outcome outcome = run.outcomeOf(tool, log);
+        QCOMPARE(outcome.verdict, verdict);
+        QVERIFY2(outcome.sentence.contains(says), qPrintable(outcome.sentence));
+        QCOMPARE(outcome.sentence.isEmpty(), verdict == Verdict::Ok);
+    }
+
+    void namesWithLineFeedsAreNotTakenForTheToolsWords()
+    {
+        Run run;
+        run.converter.setInputFileURL(run.fixture.scratch.url(u"a\nError: x\nMultiplexing took.mkv"_s));
+        const QByteArray path = run.converter.inputFileURL().toLocalFile().toUtf8();
+        QCOMPARE(run.outcomeOf(u"mkvtoolnix/mkvmerge"_s, "'" + path + "': Using\n" + mergeEnd).verdict,
+                 Verdict::Ok);
+        QCOMPARE(run.outcomeOf(u"mkvtoolnix/mkvmerge"_s, "'" + path + "': Using\n").verdict, Verdict::Failed);
+    }
+
+    void missingOrEmptyOutputIsAFailure()
+    {
+        Run run;
+        const auto missing = run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, -1);
+        QCOMPARE(missing.verdict, Verdict::Failed);
+        QCOMPARE(missing.sentence, u"ffmpeg ended without writing out.mkv."_s);
+        const auto empty = run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, 0);
+        QCOMPARE(empty.verdict, Verdict::Failed);
+        QCOMPARE(empty.sentence, u"ffmpeg wrote nothing into out.mkv."_s);
+        QCOMPARE(run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, 1).verdict, Verdict::Ok);
+    }
+
+    void processIsJudgedByItsExitStatus_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<Verdict>("verdict");
+        QTest::addColumn<QString>("sentence");
+        const auto ffmpeg = u"ffmpeg/ffmpeg"_s;
+        const auto mkvmerge = u"mkvtoolnix/mkvmerge"_s;
+        const auto write = u"write 5 last"_s;
+        QTest::newRow("well") << ffmpeg << QStringList{write} << Verdict::Ok << u""_s;
+        QTest::newRow("words don't matter")
+            << ffmpeg << QStringList{u"err Error: Conversion failed!"_s, write} << Verdict::Ok << u""_s;
+        QTest::newRow("failed") << ffmpeg
+                                << QStringList{u"err No such filter"_s, u"err Conversion failed!"_s, write,
+                                               u"exit 1"_s}
+                                << Verdict::Failed << u"ffmpeg failed (exit status 1): No such filter."_s;
+        QTest::newRow("failed without a word")
+            << ffmpeg << QStringList{u"exit 8"_s} << Verdict::Failed << u"ffmpeg failed (exit status 8)."_s;
+        QTest::newRow("killed") << ffmpeg << QStringList{write, u"die KILL"_s} << Verdict::Failed
+                                << u"ffmpeg was ended from outside or crashed."_s;
+        QTest::newRow("crashed") << ffmpeg << QStringList{write, u"die SEGV"_s} << Verdict::Failed
+                                 << u"ffmpeg was ended from outside or crashed."_s;
+        QTest::newRow("mkvmerge warned")
+            << mkvmerge
+            << QStringList{u"out 'Warning: .mkv': Using"_s, u"out Warning: odd"_s, write, u"exit 1"_s}
+            << Verdict::Warnings << u"mkvmerge warned: Warning: odd."_s;
+        QTest::newRow("mkvmerge failed")
+            << mkvmerge << QStringList{u"out Error: gone."_s, write, u"exit 2"_s} << Verdict::Failed
+            << u"mkvmerge failed (exit status 2): Error: gone."_s;
+        QTest::newRow("no output") << mkvmerge << QStringList{} << Verdict::Failed
+                                   << u"mkvmerge ended without writing out.mkv."_s;
+        QTest::newRow("empty output") << mkvmerge << QStringList{u"write 0 last"_s, u"exit 1"_s}
+                                      << Verdict::Failed << u"mkvmerge wrote nothing into out.mkv."_s;
+    }
+
+    void processIsJudgedByItsExitStatus()
+    {
+        QFETCH(QString, tool);
+        QFETCH(QStringList, script);
+        QFETCH(Verdict, verdict);
+        QFETCH(QString, sentence);
+        Run run;
+        const steps::Outcome outcome = run.outcomeOfProcess(tool, script);
+        QCOMPARE(outcome.verdict, verdict);
+        QCOMPARE(outcome.sentence, sentence);
+    }
+
+    void stepThatWasNeverStartedFailed()
+    {
+        Run run;
+        QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
+        QVERIFY(!run.converter.outcome().sentence.isEmpty());
+    }
+};
+
+TESSARAY_TEST(KXConverterBackgroundTest)
+#include "KXConverterBackgroundTest.moc"
