@@ -27,7 +27,7 @@ QString lineOf(const prefs::ToolReport &report)
 {
     const QString start = report.name.leftJustified(14) + report.location.toLocalFile() + u"  "_s;
     if (report.works())
-        return start + report.version;
+        return start + (report.version.isNull() ? u"works; its version is unknown"_s : report.version);
     return start + prefs::describe(report.state) + u". "_s + report.switchesOff;
 }
 

@@ -23,7 +23,7 @@ struct KnownTool
 {
     QString name;
     tools::Literal versionFlag; ///< its words
-    QString versionPattern;
+    QString answerPattern; ///< of what it says then; its group is the version, which some builds don't have
     QString switchesOff;
 };
 
@@ -40,8 +40,9 @@ const QList<KnownTool> &knownTools()
         {u"mkvinfo"_s, u"--version", u"mkvinfo v(\\S+)"_s,
          u"Without it MKV files with header-removal compression are not recognised."_s},
         {u"mp4box"_s, u"-version", u"version (\\S+)"_s, u"Without it ffmpeg joins MP4 files."_s},
-        {u"mplayer"_s, u"-noconfig all", u"^MPlayer (\\S+)"_s, u"Without it there is no preview playback."_s},
-        {u"atomicparsley"_s, u"--version", u"version:?\\s*(\\S+)"_s,
+        {u"mplayer"_s, u"-noconfig all", u"^MPlayer (?:UNKNOWN|(\\S+))"_s,
+         u"Without it there is no preview playback."_s},
+        {u"atomicparsley"_s, u"--version", u"version:?\\s*(?:(\\d\\S*)|\\()"_s,
          u"Padding can't be added to MP4 files."_s},
         {u"mediainfo"_s, u"--Version", u"v(\\d\\S*)"_s, u"Nothing needs it so far."_s},
         {u"tesseract"_s, u"--version", u"tesseract v?(\\S+)"_s, u"Nothing needs it so far."_s},
@@ -141,13 +142,16 @@ ToolReport ToolCheck::check(const QString &name) const
     report.program = program;
     if (report.state != ToolReport::State::Silent)
         return report;
-    report.version = askedVersion(report.location, known->versionFlag, known->versionPattern);
-    if (!report.version.isNull())
+    if (const auto version = askedVersion(report.location, known->versionFlag, known->answerPattern)) {
+        report.version = *version;
         report.state = ToolReport::State::Works;
+    }
     return report;
 }
 
-QString ToolCheck::askedVersion(const QUrl &location, tools::Literal flag, const QString &pattern) const
+/// Absent when the tool does not answer as it should, null when its answer has no version.
+std::optional<QString> ToolCheck::askedVersion(const QUrl &location, tools::Literal flag,
+                                               const QString &pattern) const
 {
     const QTemporaryDir home; // mplayer writes a configuration into its home whenever it runs
     tools::ShellRequest request;
@@ -159,10 +163,10 @@ QString ToolCheck::askedVersion(const QUrl &location, tools::Literal flag, const
     request.timeoutMs = patienceMs;
     const tools::ShellReply reply = tools::runShell(request);
     if (reply.status != 0)
-        return {};
+        return std::nullopt;
     const QRegularExpression version(pattern, QRegularExpression::MultilineOption);
     const auto match = version.match(QString::fromUtf8(reply.output));
-    return match.hasMatch() ? match.captured(1) : QString();
+    return match.hasMatch() ? std::optional(match.captured(1)) : std::nullopt;
 }
 
 } // namespace prefs

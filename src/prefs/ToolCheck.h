@@ -6,6 +6,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <optional>
+
 class KXHelpers;
 
 namespace tools {
@@ -18,7 +20,7 @@ namespace prefs {
 struct ToolReport
 {
     enum class State {
-        Works,         ///< it is there and told its version
+        Works,         ///< it is there and answered as it should
         Missing,       ///< no file where it should be
         NotExecutable, ///< a file without run bits
         Hollow,        ///< a launcher whose program is gone
@@ -29,7 +31,7 @@ struct ToolReport
     QUrl location;
     QString program; ///< what a launcher runs, else the tool itself; null when missing
     State state = State::Missing;
-    QString version;     ///< null unless it works
+    QString version;     ///< null unless it works, and where the tool was built without one
     QString switchesOff; ///< a sentence: what does not work without it
 
     bool works() const { return state == State::Works; }
@@ -53,7 +55,8 @@ public:
     static QStringList toolNames();
 
 private:
-    QString askedVersion(const QUrl &location, tools::Literal flag, const QString &pattern) const;
+    std::optional<QString> askedVersion(const QUrl &location, tools::Literal flag,
+                                        const QString &pattern) const;
 
     const KXHelpers &m_runner;
     const tools::ToolPlaces &m_places;

@@ -229,6 +229,10 @@ private Q_SLOTS:
         const QString tools = said(link.filePath(), {u"tools"_s, u"--defaults"_s, defaults});
         QVERIFY2(tools.contains(QRegularExpression(u"ffmpeg +%1/ffmpeg/ffmpeg  [0-9]"_s.arg(resources))),
                  qPrintable(tools));
+        for (const QString &line : tools.split(u'\n', Qt::SkipEmptyParts))
+            QVERIFY2(line.contains(QRegularExpression(
+                         u"^\\w+ +/\\S+  ([0-9N]\\S+|works; its version is unknown|is missing\\. .*)$"_s)),
+                     qPrintable(line));
         QVERIFY(QFile::setPermissions(resources, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QCOMPARE(everything(resources), before);
     }
