@@ -14,7 +14,7 @@ constexpr quint64 header = 0x1A45DFA3;
 constexpr quint64 segment = 0x18538067;
 constexpr quint64 cluster = 0x1F43B675;
 constexpr quint64 trackList = 0x1654AE6B;
-constexpr quint64 track = 0xAE;
+constexpr quint64 trackEntry = 0xAE;
 constexpr quint64 trackUid = 0x73C5;
 constexpr quint64 trackType = 0x83;
 constexpr quint64 tagList = 0x1254C367;
@@ -128,7 +128,7 @@ QHash<QByteArray, QString> kindsByUid(const QByteArray &tracks)
 {
     QHash<QByteArray, QString> kinds;
     for (const Element &entry : childrenOf(tracks)) {
-        const QByteArray type = entry.id == track ? childOf(entry.content, trackType) : QByteArray();
+        const QByteArray type = entry.id == trackEntry ? childOf(entry.content, trackType) : QByteArray();
         if (type == "\x01")
             kinds.insert(childOf(entry.content, trackUid), QStringLiteral("video"));
         else if (type == "\x02")
