@@ -9,8 +9,8 @@ namespace cli {
 const QList<OptionSpec> &allOptions()
 {
     static const QList<OptionSpec> options{
-        {u"help"_s, {}, u"Show help, with an example, and end."_s, true},
-        {u"version"_s, {}, u"Show the version and end."_s, true},
+        {u"help"_s, {}, u"Show help with an example, and exit."_s, true},
+        {u"version"_s, {}, u"Show the version and exit."_s, true},
         {u"json"_s, {}, u"Print one JSON object per line on standard output."_s, true},
         {u"quiet"_s, {}, u"Show no progress."_s, true},
         {u"save-dir"_s, u"DIR"_s, u"Write results into this folder, for this run."_s, true},
@@ -24,17 +24,16 @@ const QList<OptionSpec> &allOptions()
         {u"video-bitrate"_s, u"KBPS"_s, u"Video bit rate in kb/s; the source's when not given."_s},
         {u"width"_s, u"PX"_s, u"Width in pixels; the source's when not given. Never enlarges."_s},
         {u"audio"_s, u"TRACK=SETTINGS"_s,
-         u"passthru or CODEC:CHANNELS:KBPS (aac, ac3, mp3), several by commas; repeatable."_s},
-        {u"subtitles"_s, u"mux|burn"_s, u"Carry subtitles as tracks, or draw one into the picture."_s},
-        {u"add"_s, u"FILE"_s, u"A subtitle or audio file to take in as a further track; repeatable."_s},
+         u"passthru or CODEC:CHANNELS:KBPS (aac, ac3, mp3), or several, separated by commas; repeatable."_s},
+        {u"subtitles"_s, u"mux|burn"_s, u"Keep subtitles as tracks, or draw one into the picture."_s},
+        {u"add"_s, u"FILE"_s, u"A subtitle or audio file to add as a further track; repeatable."_s},
         {u"track-preset"_s, u"NAME"_s, u"Let this preset choose the tracks."_s},
-        {u"settings-preset"_s, u"NAME"_s,
-         u"Let this preset choose the settings; what is given by hand wins."_s},
-        {u"time"_s, u"START-END"_s, u"Take this stretch, as HH:MM:SS-HH:MM:SS."_s},
-        {u"size"_s, u"MB"_s, u"Parts of at most so many megabytes."_s},
-        {u"duration"_s, u"HH:MM:SS"_s, u"Parts of this length."_s},
-        {u"force"_s, {}, u"Replace an existing output; the old one is kept until all went well."_s},
-        {u"dry-run"_s, {}, u"Print the commands that would run, and run none of them."_s},
+        {u"settings-preset"_s, u"NAME"_s, u"Let this preset choose the settings; options override it."_s},
+        {u"time"_s, u"START-END"_s, u"Take this part, as HH:MM:SS-HH:MM:SS."_s},
+        {u"size"_s, u"MB"_s, u"Make parts of at most this size in megabytes."_s},
+        {u"duration"_s, u"HH:MM:SS"_s, u"Make parts of this duration."_s},
+        {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
+        {u"dry-run"_s, {}, u"Print the commands that would run, without running them."_s},
     };
     return options;
 }
@@ -50,7 +49,7 @@ CommandLine::CommandLine(const QStringList &words)
             takeOption(word, words, i);
         else if (optionsMayCome && word.size() > 1 && word.startsWith(u'-'))
             m_error =
-                u"There is no option %1. A file name that begins with \"-\" goes behind \"--\"."_s.arg(word);
+                u"Unknown option %1. A file name that begins with \"-\" must come after \"--\"."_s.arg(word);
         else if (m_command.isNull())
             m_command = word;
         else
@@ -65,7 +64,7 @@ void CommandLine::takeOption(const QString &word, const QStringList &words, qsiz
     const auto spec = std::find_if(options.begin(), options.end(),
                                    [&](const OptionSpec &option) { return option.name == name; });
     if (spec == options.end()) {
-        m_error = u"There is no option --%1."_s.arg(name);
+        m_error = u"Unknown option --%1."_s.arg(name);
         return;
     }
     const bool hasInlineValue = word.contains(u'=');

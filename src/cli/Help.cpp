@@ -14,6 +14,8 @@ constexpr int leftColumn = 34;
 
 QString row(const QString &left, const QString &right)
 {
+    if (left.size() > leftColumn)
+        return u"  "_s + left + u'\n' + row({}, right);
     return u"  "_s + left.leftJustified(leftColumn) + u' ' + right + u'\n';
 }
 
@@ -36,7 +38,7 @@ QString generalHelp()
         if (option.isGlobal)
             text += optionRow(option);
     }
-    return text + u"\nExit status: 0 all well, 1 done with warnings, 2 something failed, 64 wrong usage,\n"
+    return text + u"\nExit status: 0 success, 1 finished with warnings, 2 something failed, 64 wrong usage,\n"
                   "130 interrupted, 143 terminated.\n\n"
                   "Example: tessaray-cli convert film.mkv --device \"PS3\"\n"_s;
 }

@@ -11,7 +11,7 @@ public:
     QString name() const override { return QStringLiteral("presets"); }
     QString summary() const override
     {
-        return QStringLiteral("Show presets, write them to a file, take them from one.");
+        return QStringLiteral("Show presets, export them to a file, import them from one.");
     }
     QString arguments() const override
     {

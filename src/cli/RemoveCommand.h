@@ -11,7 +11,7 @@ public:
     QString name() const override { return QStringLiteral("remove"); }
     QString summary() const override
     {
-        return QStringLiteral("Write an MKV file without the tracks of the list.");
+        return QStringLiteral("Write an MKV file without the listed tracks.");
     }
     QString arguments() const override { return QStringLiteral("FILE --tracks LIST"); }
     QString example() const override { return QStringLiteral("tessaray-cli remove film.mkv --tracks 2,4"); }

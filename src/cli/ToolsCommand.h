@@ -11,7 +11,7 @@ public:
     QString name() const override { return QStringLiteral("tools"); }
     QString summary() const override
     {
-        return QStringLiteral("Show the tools, and what a missing one switches off.");
+        return QStringLiteral("Show the tools, and what does not work without a missing one.");
     }
     QString arguments() const override { return {}; }
     QString example() const override { return QStringLiteral("tessaray-cli tools"); }

@@ -29,7 +29,7 @@ QString problemWith(Session &session)
     if (line.arguments().size() != 1)
         return u"One folder is watched. See tessaray-cli watch --help."_s;
     if (!line.has(u"track-preset"_s) || !line.has(u"settings-preset"_s))
-        return u"Both --track-preset and --settings-preset are needed: nobody is there to choose by hand."_s;
+        return u"Both --track-preset and --settings-preset are required."_s;
     if (line.value(u"track-preset"_s) == u"Manual"_s || line.value(u"settings-preset"_s) == u"Manual"_s)
         return u"With the preset \"Manual\" nothing can be watched."_s;
     return choosePresets(session);

@@ -4,14 +4,14 @@
 
 namespace cli {
 
-/// Watches a folder and converts what lands in it, until it is interrupted.
+/// Watches a folder and converts new films in it until it is interrupted.
 class WatchCommand final : public Command
 {
 public:
     QString name() const override { return QStringLiteral("watch"); }
     QString summary() const override
     {
-        return QStringLiteral("Convert what lands in a folder, until interrupted.");
+        return QStringLiteral("Convert new films in a folder until interrupted.");
     }
     QString arguments() const override
     {

@@ -112,7 +112,7 @@ private Q_SLOTS:
     void theManualPageSaysTheExitStatus()
     {
         const QString text = page(u"tessaray-cli.1"_s).section(u"EXIT STATUS"_s, 1);
-        for (const auto &status : {u"0 All well"_s, u"1 Done, with warnings"_s, u"2 Something failed"_s,
+        for (const auto &status : {u"0 Success"_s, u"1 Finished with warnings"_s, u"2 Something failed"_s,
                                    u"64 Wrong usage"_s, u"130 Interrupted"_s, u"143 Terminated"_s})
             QVERIFY2(text.contains(status), qPrintable(status));
     }
