@@ -1,7 +1,6 @@
 #include "cli/Choices.h"
 
 #include "cli/CommandLine.h"
-#include "engines/ffmpeg/FfmpegDevices.h"
 #include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "selection/KXSelection.h"
 #include "selection/Targets.h"
@@ -31,7 +30,7 @@ qsizetype countOf(const KXSelection &selection, bool (*isIt)(const KXVideoTrack 
 
 bool isMp4(const QString &device)
 {
-    return engines::outputKindNamed(engines::appNameForDevice(device)) == engines::OutputKind::Pollenta;
+    return selection::outputKindFor(device) == selection::OutputKind::Mp4;
 }
 
 bool isVideo(const KXVideoTrack &track)

@@ -1,12 +1,33 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 
 namespace selection {
 
-/// The devices whose limits a conversion knows, in the order in which they are offered.
-const QStringList &deviceNames();
-/// What a target popup offers: "General", the devices, "MKV", "AVI".
+/// The kind of file that a conversion writes.
+enum class OutputKind { Mp4, Mkv, Avi, Unknown };
+
+/// What a film is converted for: its name as it is offered and stored, and its limits. A cap of 0 is none.
+struct Target
+{
+    QString name;
+    OutputKind kind = OutputKind::Mp4;
+    QList<int> levels;  ///< of H.264, each an option of its own; the last one counts
+    int bitRateCap = 0; ///< kb/s
+    int widthCap = 0;   ///< pixels
+    QString extension;
+};
+
+/// All targets, in the order in which they are offered: "General", the devices, "MKV", "AVI".
+const QList<Target> &targets();
+/// The target of exactly that name; null for any other text, which is converted like "General".
+const Target *targetNamed(const QString &name);
+OutputKind outputKindFor(const QString &targetName);
+
+/// What a target popup offers.
 const QStringList &targetNames();
+/// Those of them that are devices.
+const QStringList &deviceNames();
 
 } // namespace selection

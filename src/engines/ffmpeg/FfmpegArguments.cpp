@@ -33,14 +33,6 @@ OptionItem kilobits(const QString &rate)
     return OptionItem::ofData(rate).with(u"k");
 }
 
-TrackPointer videoTrackOf(const TrackList &tracks)
-{
-    const auto found = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
-        return track->trackType() == u"Video"_s;
-    });
-    return found == tracks.end() ? nullptr : *found;
-}
-
 /// The position of the video track's file among the inputs; 0 in practice.
 int videoInputIndex(const KXSelection &selection, const KXVideoTrack &video)
 {
@@ -49,22 +41,22 @@ int videoInputIndex(const KXSelection &selection, const KXVideoTrack &video)
     return static_cast<int>(std::max<qsizetype>(0, inputs.indexOf(video.trackFileURL())));
 }
 
-OptionList pictureArguments(KXSelection &selection, OutputKind kind)
+OptionList pictureArguments(const KXSelection &selection, OutputKind kind)
 {
     OptionList list;
-    if (kind == OutputKind::Pollenta || kind == OutputKind::Tessaray)
+    if (kind == OutputKind::Mp4 || kind == OutputKind::Mkv)
         list << u"-vcodec" << u"libx264";
-    else if (kind == OutputKind::Marbleon)
+    else if (kind == OutputKind::Avi)
         list << u"-vcodec" << u"mpeg4";
-    if (kind == OutputKind::Pollenta)
-        list << applyDeviceRule(selection);
+    if (kind == OutputKind::Mp4)
+        list << levelArguments(selection.theDevice());
     const FilterText scale = scaleFilter(selection);
     if (!scale.isEmpty())
         list << u"-vf" << scale.item();
     return list << u"-b:v" << kilobits(selection.userVideoBitRate());
 }
 
-OptionList videoArguments(KXSelection &selection, OutputKind kind, const KXVideoTrack &video, int input)
+OptionList videoArguments(const KXSelection &selection, OutputKind kind, const KXVideoTrack &video, int input)
 {
     OptionList list{u"-map", OptionItem::ofNumber(input).with(u":").with(video.streamIndex())};
     if (video.userCodec() == u"passthru"_s)
@@ -120,15 +112,15 @@ OptionList audioArguments(const TrackList &tracks, int videoInput, bool useDplii
 void addContainer(ConversionLists &lists, OptionList &target, const ConversionRequest &request)
 {
     switch (request.kind) {
-    case OutputKind::Pollenta:
+    case OutputKind::Mp4:
         if (request.moovInFront)
             target << u"-movflags" << u"faststart";
         lists.first << u"-f" << u"mp4";
         break;
-    case OutputKind::Tessaray:
+    case OutputKind::Mkv:
         lists.first << u"-f" << u"matroska";
         break;
-    case OutputKind::Marbleon:
+    case OutputKind::Avi:
         lists.first << u"-vtag" << u"xvid" << u"-f" << u"avi";
         break;
     case OutputKind::Unknown:
@@ -160,17 +152,27 @@ void splitIntoPasses(ConversionLists &lists)
 
 QUrl outputForBase(const QString &base, OutputKind kind, const QString &device)
 {
+    const selection::Target *target = selection::targetNamed(device);
     switch (kind) {
-    case OutputKind::Pollenta:
-        return QUrl::fromLocalFile(base + (device == u"Xbox"_s ? u".mp4"_s : u".m4v"_s));
-    case OutputKind::Tessaray:
+    case OutputKind::Mp4:
+        return QUrl::fromLocalFile(
+            base + (target != nullptr && target->kind == kind ? u'.' + target->extension : u".m4v"_s));
+    case OutputKind::Mkv:
         return QUrl::fromLocalFile(base + u".mkv"_s);
-    case OutputKind::Marbleon:
+    case OutputKind::Avi:
         return QUrl::fromLocalFile(base + u".avi"_s);
     case OutputKind::Unknown:
         break;
     }
     return QUrl::fromLocalFile(QString());
+}
+
+TrackPointer videoTrackOf(const TrackList &tracks)
+{
+    const auto found = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
+        return track->trackType() == u"Video"_s;
+    });
+    return found == tracks.end() ? nullptr : *found;
 }
 
 qint64 pixelsIn(const QString &text)
@@ -188,7 +190,7 @@ FilterText scaleFilter(const KXSelection &selection)
     return filter;
 }
 
-ConversionLists conversionLists(KXSelection &selection, const ConversionRequest &request)
+ConversionLists conversionLists(const KXSelection &selection, const ConversionRequest &request)
 {
     ConversionLists lists;
     const TrackList tracks = selection.trackList();
@@ -207,7 +209,7 @@ ConversionLists conversionLists(KXSelection &selection, const ConversionRequest 
     OptionList &target = twoPasses ? lists.second : lists.first;
     if (!KXHelpers::isEmpty(request.subToBurn)) {
         burnSubtitle(target, selection, request.subToBurn);
-    } else if (request.kind != OutputKind::Marbleon) {
+    } else if (request.kind != OutputKind::Avi) {
         if (twoPasses)
             lists.first << u"-sn";
         target += softSubtitleArguments(tracks, videoInput, request.kind);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engines/ffmpeg/FilterText.h"
+#include "media/KXVideoTrack.h"
+#include "selection/Targets.h"
 #include "tools/OptionItem.h"
 
 #include <QUrl>
@@ -9,7 +11,7 @@ class KXSelection;
 
 namespace engines {
 
-enum class OutputKind;
+using selection::OutputKind;
 
 /// What a whole-file conversion is made from, beside the selection.
 struct ConversionRequest
@@ -33,9 +35,11 @@ struct ConversionLists
 /// The path of the output that belongs to a base path; an empty one for an unknown kind.
 QUrl outputForBase(const QString &base, OutputKind kind, const QString &device);
 
-/// Builds the lists. Device caps are written into the selection on the way.
-ConversionLists conversionLists(KXSelection &selection, const ConversionRequest &request);
+/// Builds the lists. A device's caps are in the selection already.
+ConversionLists conversionLists(const KXSelection &selection, const ConversionRequest &request);
 
+/// The first video track; null when there is none.
+TrackPointer videoTrackOf(const TrackList &tracks);
 /// The number of pixels at the head of a width or height.
 qint64 pixelsIn(const QString &text);
 /// The scale filter from the source's width to the chosen one; empty when that is no reduction.

@@ -1,28 +1,24 @@
 #pragma once
 
+#include "selection/Targets.h"
 #include "tools/OptionItem.h"
-
-#include <QString>
 
 class KXSelection;
 
 namespace engines {
 
-/// The kind of file a conversion writes.
-enum class OutputKind {
-    Pollenta, ///< MP4 / M4V
-    Tessaray, ///< MKV
-    Marbleon, ///< AVI
-    Unknown
-};
+using selection::OutputKind;
 
-/// From the kind's name; Unknown for any other text.
+/// A converter's "appName" says which kind it writes: "Pollenta" is MP4, "Tessaray" MKV, "Marbleon" AVI.
+/// Unknown for any other text.
 OutputKind outputKindNamed(const QString &appName);
-/// The kind's name for a target: "MKV" and "AVI" have kinds of their own, everything else is MP4.
+/// The converter's word for a target: "MKV" and "AVI" have kinds of their own, everything else is MP4.
 QString appNameForDevice(const QString &device);
 
-/// The level arguments of a device (none for others), and its caps written into the selection:
-/// "userVideoBitRate" in kb/s and "userWidth" in pixels.
-tools::OptionList applyDeviceRule(KXSelection &selection);
+/// The level arguments of a device; none for any other target.
+tools::OptionList levelArguments(const QString &device);
+/// Writes the caps of the selection's device into it: "userVideoBitRate" in kb/s and "userWidth" in pixels.
+/// They hold for an MP4 whose picture is re-encoded; anything else stays as it was chosen.
+void applyDeviceCaps(KXSelection &selection, OutputKind kind);
 
 } // namespace engines

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "selection/Targets.h"
 #include "tools/OptionItem.h"
 
 #include <QHash>
@@ -11,7 +12,7 @@ class KXSelection;
 
 namespace engines {
 
-enum class OutputKind;
+using selection::OutputKind;
 
 /// What a stream is that a list maps, by the text behind its "-map".
 struct MappedStream

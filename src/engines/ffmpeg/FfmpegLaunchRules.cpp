@@ -61,7 +61,7 @@ constexpr char16_t evenScaleAtEnd[] = u",scale=trunc(iw/2)*2:trunc(ih/2)*2[outv]
 bool holdsSubtitle(OutputKind kind, const MappedStream &stream)
 {
     static const QStringList texts{u"srt"_s, u"ass"_s, u"ssa"_s, u"sub"_s, u"ttxt"_s};
-    if (kind == OutputKind::Pollenta)
+    if (kind == OutputKind::Mp4)
         return texts.contains(stream.codec);
     return stream.probedCodec != u"dvb_teletext"_s; // Matroska takes every other kind we know
 }
@@ -210,7 +210,7 @@ void leaveOutSubtitles(LaunchForm &form, const LaunchFacts &facts)
 
 void textForMatroska(LaunchForm &form, const LaunchFacts &facts)
 {
-    if (facts.kind != OutputKind::Tessaray)
+    if (facts.kind != OutputKind::Mkv)
         return;
     for (qsizetype i = 1; i + 1 < form.list.size(); ++i) {
         const bool isSubtitle = streamNumber(form.list.at(i), u's').has_value();

@@ -111,7 +111,7 @@ OptionList softSubtitleArguments(const TrackList &tracks, int videoInput, Output
         const OptionItem metadata = OptionItem(u"-metadata:s:s:").with(number);
         list << u"-map" << mapArgument(*track, tracks, videoInput);
         list << OptionItem(u"-codec:s:").with(number);
-        list << (kind == OutputKind::Pollenta ? OptionItem(u"mov_text") : OptionItem(u"copy"));
+        list << (kind == OutputKind::Mp4 ? OptionItem(u"mov_text") : OptionItem(u"copy"));
         const QString language = KXHelpers::language3CodeFor(track->trackLanguage());
         list << metadata << OptionItem(u"language=").withData(language);
         list << metadata << OptionItem(u"title=").withTitle(track->trackTitle());

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "media/KXVideoTrack.h"
+#include "selection/Targets.h"
 #include "tools/OptionItem.h"
 
 class KXSelection;
 
 namespace engines {
 
-enum class OutputKind;
+using selection::OutputKind;
 
 /// The files of the tracks that are files of their own, in track order.
 QList<QUrl> externalFiles(const TrackList &tracks);

@@ -72,6 +72,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const S
     request.moovInFront = appPreferences().panelFlag(u"moovInFrontFlag"_s);
     if (!isEmpty(subToBurnURL()))
         checkFontCache();
+    engines::applyDeviceCaps(*selection, request.kind);
     const auto lists = engines::conversionLists(*selection, request);
     setOptionArray1(lists.first);
     setOptionArray2(lists.second);
@@ -87,7 +88,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const S
 /// An AVI carries no subtitles; whoever chose one should hear of it.
 void KXFfmpegConverter::noteSubtitlesWithoutPlace()
 {
-    if (engines::outputKindNamed(appName()) != OutputKind::Marbleon || !isEmpty(subToBurnURL()))
+    if (engines::outputKindNamed(appName()) != OutputKind::Avi || !isEmpty(subToBurnURL()))
         return;
     for (const TrackPointer &track : converterSelection()->trackList()) {
         if (!engines::isSubtitle(*track) || track->userCodec() != u"mux"_s)

@@ -23,7 +23,9 @@ ConversionRequest requestFor(const QString &device, const QString &output)
 
 ConversionLists listsFor(const SelectionPointer &selection)
 {
-    return conversionLists(*selection, requestFor(selection->theDevice(), u"/v/out"_s));
+    const ConversionRequest request = requestFor(selection->theDevice(), u"/v/out"_s);
+    applyDeviceCaps(*selection, request.kind);
+    return conversionLists(*selection, request);
 }
 
 QString first(const SelectionPointer &selection)

@@ -34,7 +34,7 @@ QString audioLine(const TrackList &tracks, bool useDplii = false)
 {
     const auto selection = handMadeSelection(u"MKV"_s, TrackList{videoTrack(u"passthru"_s)} + tracks);
     ConversionRequest request;
-    request.kind = OutputKind::Tessaray;
+    request.kind = OutputKind::Mkv;
     request.output = QUrl::fromLocalFile(u"/v/out"_s);
     request.useDplii = useDplii;
     const QString line = tools::textsOf(conversionLists(*selection, request).first).join(u' ');
@@ -221,7 +221,7 @@ private Q_SLOTS:
         const auto track = audioTrack(u"1"_s, u"dts"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s));
         const auto selection = handMadeSelection(u"MKV"_s, {videoTrack(), track}, u"2"_s);
         ConversionRequest request;
-        request.kind = OutputKind::Tessaray;
+        request.kind = OutputKind::Mkv;
         const auto lists = conversionLists(*selection, request);
         const QString sound = u" -map 0:1 -codec:a:0 aac -strict experimental -ab:a:0 160k -ac:a:0 2 "
                               "-ar:a:0 48000 -metadata:s:a:0 language=eng -metadata:s:a:0 title=Audio1 "_s;

@@ -94,8 +94,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, device);
         QFETCH(QString, arguments);
-        const auto selection = support::handMadeSelection(device, {});
-        QCOMPARE(tools::textsOf(applyDeviceRule(*selection)), support::words(arguments));
+        QCOMPARE(tools::textsOf(levelArguments(device)), support::words(arguments));
     }
 
     void bitRatesAreCapped_data()
@@ -121,9 +120,9 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, asked);
         QFETCH(QString, given);
-        const auto selection = support::handMadeSelection(device, {});
+        const auto selection = support::handMadeSelection(device, {support::videoTrack()});
         selection->setUserVideoBitRate(asked);
-        applyDeviceRule(*selection);
+        applyDeviceCaps(*selection, outputKindNamed(appNameForDevice(device)));
         QCOMPARE(selection->userVideoBitRate(), given);
     }
 
@@ -150,10 +149,25 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, asked);
         QFETCH(QString, given);
-        const auto selection = support::handMadeSelection(device, {});
+        const auto selection = support::handMadeSelection(device, {support::videoTrack()});
         selection->setUserWidth(asked);
-        applyDeviceRule(*selection);
+        applyDeviceCaps(*selection, outputKindNamed(appNameForDevice(device)));
         QCOMPARE(selection->userWidth(), given);
+    }
+
+    /// Of an MP4 whose picture is re-encoded; and only the words that were chosen change.
+    void capsHoldOnlyForAPictureThatIsEncodedIntoMp4()
+    {
+        const auto changed = [](const QString &codec, OutputKind kind) {
+            const auto selection = support::handMadeSelection(u"PS3"_s, {support::videoTrack(codec)});
+            selection->setUserVideoBitRate(u"25000"_s);
+            applyDeviceCaps(*selection, kind);
+            return selection->userVideoBitRate();
+        };
+        QCOMPARE(changed(u"h264"_s, OutputKind::Mp4), u"15000"_s);
+        QCOMPARE(changed(u"passthru"_s, OutputKind::Mp4), u"25000"_s);
+        QCOMPARE(changed(u"h264"_s, OutputKind::Mkv), u"25000"_s);
+        QCOMPARE(changed(u"h264"_s, OutputKind::Avi), u"25000"_s);
     }
 
     void theTargetDecidesTheKindOfFile_data()
@@ -164,14 +178,14 @@ private Q_SLOTS:
         const auto row = [](const char *target, const QString &appName, OutputKind kind) {
             QTest::newRow(target) << QString::fromLatin1(target) << appName << static_cast<int>(kind);
         };
-        row("MKV", u"Tessaray"_s, OutputKind::Tessaray);
-        row("AVI", u"Marbleon"_s, OutputKind::Marbleon);
-        row("General", u"Pollenta"_s, OutputKind::Pollenta);
-        row("PS3", u"Pollenta"_s, OutputKind::Pollenta);
-        row("none", u"Pollenta"_s, OutputKind::Pollenta);
-        row("mkv", u"Pollenta"_s, OutputKind::Pollenta);
-        row("Toaster", u"Pollenta"_s, OutputKind::Pollenta);
-        row("", u"Pollenta"_s, OutputKind::Pollenta);
+        row("MKV", u"Tessaray"_s, OutputKind::Mkv);
+        row("AVI", u"Marbleon"_s, OutputKind::Avi);
+        row("General", u"Pollenta"_s, OutputKind::Mp4);
+        row("PS3", u"Pollenta"_s, OutputKind::Mp4);
+        row("none", u"Pollenta"_s, OutputKind::Mp4);
+        row("mkv", u"Pollenta"_s, OutputKind::Mp4);
+        row("Toaster", u"Pollenta"_s, OutputKind::Mp4);
+        row("", u"Pollenta"_s, OutputKind::Mp4);
     }
 
     void theTargetDecidesTheKindOfFile()

@@ -41,7 +41,7 @@ OptionList listOf(const QString &line)
     return list;
 }
 
-LaunchFacts factsFor(OutputKind kind = OutputKind::Pollenta)
+LaunchFacts factsFor(OutputKind kind = OutputKind::Mp4)
 {
     LaunchFacts facts;
     facts.kind = kind;
@@ -139,8 +139,8 @@ private Q_SLOTS:
         const auto selection = handMadeSelection(u"MKV"_s, {videoTrack(), german, pgs});
         selection->setVideoTrackWidth(u"321"_s);
         selection->setVideoTrackHeight(u"241"_s);
-        const LaunchFacts facts = launchFactsOf(*selection, OutputKind::Tessaray);
-        QVERIFY(facts.kind == OutputKind::Tessaray);
+        const LaunchFacts facts = launchFactsOf(*selection, OutputKind::Mkv);
+        QVERIFY(facts.kind == OutputKind::Mkv);
         QCOMPARE(facts.sourceWidth, 321);
         QCOMPARE(facts.sourceHeight, 241);
         QCOMPARE(facts.streams.size(), 3);
@@ -278,7 +278,7 @@ private Q_SLOTS:
         compareUnchanged(
             listOf(
                 u"-i /v/a -vcodec copy -map 0:1 -codec:a:0 aac -ar:a:0 48000 -af F -codec:s:0 copy -y /o"_s),
-            factsFor(OutputKind::Tessaray));
+            factsFor(OutputKind::Mkv));
     }
 
     // Odd sizes.
@@ -388,7 +388,7 @@ private Q_SLOTS:
     {
         const QString line =
             u"-i /v/a -map 0:3 -codec:s:0 copy -metadata:s:s:0 language=eng -f matroska -y /o"_s;
-        LaunchFacts facts = factsFor(OutputKind::Tessaray);
+        LaunchFacts facts = factsFor(OutputKind::Mkv);
         facts.streams.insert(u"0:3"_s, stream(u"teletext"_s, u"hdmv_pgs_subtitle"_s));
         compareUnchanged(listOf(line), facts);
         facts.streams.insert(u"0:3"_s, stream(u"teletext"_s, u"dvb_teletext"_s));
@@ -398,11 +398,11 @@ private Q_SLOTS:
     void mp4TextBecomesSrtInMatroska()
     {
         const QString line = u"-i /v/a -map 0:2 -codec:s:0 copy -map 0:3 -codec:s:1 copy -y /o"_s;
-        LaunchFacts facts = factsFor(OutputKind::Tessaray);
+        LaunchFacts facts = factsFor(OutputKind::Mkv);
         facts.streams.insert(u"0:2"_s, stream(u"srt"_s));
         facts.streams.insert(u"0:3"_s, stream(u"ttxt"_s, u"mov_text"_s));
         QCOMPARE(launched(line, facts), u"-i /v/a -map 0:2 -codec:s:0 copy -map 0:3 -codec:s:1 srt -y /o"_s);
-        facts.kind = OutputKind::Pollenta;
+        facts.kind = OutputKind::Mp4;
         compareUnchanged(listOf(line), facts);
     }
 
@@ -505,8 +505,7 @@ private Q_SLOTS:
             external(text, u"/s/b.mks"_s);
         text->setTrackFfmpegID(u"2"_s);
         text->setHasCompany(hasCompany);
-        const auto facts =
-            launchFactsOf(*handMadeSelection(u"MKV"_s, {videoTrack(), text}), OutputKind::Tessaray);
+        const auto facts = launchFactsOf(*handMadeSelection(u"MKV"_s, {videoTrack(), text}), OutputKind::Mkv);
         QVERIFY(facts.streams.contains(mapped));
         QCOMPARE(facts.streams.value(mapped).picked.value_or(-1), picked);
     }
@@ -534,7 +533,7 @@ private Q_SLOTS:
                           "-y /o/a.m4v"_s,
                           facts),
                  u"-i /v/a -map 2:1 -codec:a:0 copy -passlogfile P -f mp4 -y /o/a.m4v"_s);
-        facts.kind = OutputKind::Tessaray;
+        facts.kind = OutputKind::Mkv;
         facts.streams.insert(u"1"_s, {u"ttxt"_s, u"mov_text"_s, {}, 4});
         QCOMPARE(launched(u"-i /v/a -map 1 -codec:s:0 copy -y /o"_s, facts),
                  u"-i /v/a -map 1:4 -codec:s:0 srt -y /o"_s);
