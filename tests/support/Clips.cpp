@@ -33,9 +33,9 @@ void mkvmerge(const QString &output, const QStringList &arguments)
     runProgram(u"mkvmerge"_s, QStringList{u"-o"_s, output} + arguments);
 }
 
-QString picture(const QString &size, int seconds)
+QString picture(const QString &size, int seconds, int rate = 25)
 {
-    return u"-f lavfi -i testsrc2=s=%1:r=25:d=%2"_s.arg(size).arg(seconds);
+    return u"-f lavfi -i testsrc2=s=%1:r=%2:d=%3"_s.arg(size).arg(rate).arg(seconds);
 }
 
 QString sound(int seconds)
@@ -70,7 +70,7 @@ QString surroundDts()
 QString blackVideo()
 {
     return clip(u"black-video.mkv"_s, [](const QString &path) {
-        ffmpeg(u"-f lavfi -i color=black:s=320x240:r=25:d=8 -c:v libx264 -preset veryfast -g 25"_s, path);
+        ffmpeg(u"-f lavfi -i color=black:s=320x240:r=5:d=8 -c:v libx264 -preset veryfast -g 5"_s, path);
     });
 }
 
@@ -130,7 +130,7 @@ QString fullMkv()
 QString wideMkv()
 {
     return clip(u"wide.mkv"_s, [](const QString &path) {
-        mkvmerge(path, {h264(u"wide-video.mkv"_s, u"2560x1440"_s, 4), stereoAac(u"stereo4.m4a"_s, 4),
+        mkvmerge(path, {h264(u"wide-video.mkv"_s, u"2560x1440"_s, 1), stereoAac(u"stereo4.m4a"_s, 4),
                         clip(u"surround4.ac3"_s,
                              [](const QString &audio) {
                                  ffmpeg(sound(4) + u" -ac 6 -c:a ac3 -b:a 384k"_s, audio);
@@ -142,7 +142,7 @@ QString wideMkv()
 QString film1920()
 {
     return clip(u"film1920.mkv"_s, [](const QString &path) {
-        mkvmerge(path, {h264(u"film-video.mkv"_s, u"1920x1080"_s, 4), u"--language"_s, u"0:eng"_s,
+        mkvmerge(path, {h264(u"film-video.mkv"_s, u"1920x1080"_s, 1), u"--language"_s, u"0:eng"_s,
                         stereoAac(u"stereo4.m4a"_s, 4), u"--language"_s, u"0:eng"_s, srtFile()});
     });
 }
@@ -173,10 +173,10 @@ QString manyTracksMkv()
     });
 }
 
-QString longMkv(int seconds)
+QString longMkv(int seconds, int rate)
 {
-    return clip(u"long%1.mkv"_s.arg(seconds), [&](const QString &path) {
-        ffmpeg(picture(u"320x240"_s, seconds) + u' ' + sound(seconds) +
+    return clip(u"long%1-%2.mkv"_s.arg(seconds).arg(rate), [&](const QString &path) {
+        ffmpeg(picture(u"320x240"_s, seconds, rate) + u' ' + sound(seconds) +
                    u" -c:v libx264 -preset veryfast -g 25 -pix_fmt yuv420p -c:a aac -ac 2"_s,
                path);
     });

@@ -28,7 +28,7 @@ QString film1920();
 /// AC-3 tracks tell a bit rate: 384 and 192 kb/s.
 QString manyTracksMkv();
 /// h264 (0) and aac 2ch (1) of that length.
-QString longMkv(int seconds);
+QString longMkv(int seconds, int rate = 25);
 /// A black picture on which drawn text or boxes can be measured: h264 (0), aac 2ch (1), srt (2), ass (3).
 QString blackMkv();
 /// The same black h264 (0) and aac 2ch (1) with a picture subtitle (2): a white box from second 1 to 6.

@@ -122,6 +122,12 @@ int signalNamed(const std::string &name)
         ::pause();
 }
 
+void await(const std::string &path)
+{
+    while (::access(path.c_str(), F_OK) != 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
 void flood(int descriptor, size_t bytes)
 {
     const std::string line = std::string(79, 'x') + '\n';
@@ -210,6 +216,8 @@ private:
             std::_Exit(std::stoi(rest));
         else if (command == "hang")
             hang();
+        else if (command == "await")
+            await(rest);
         else if (command == "ignore")
             std::signal(signalNamed(rest), SIG_IGN);
         else if (command == "die")

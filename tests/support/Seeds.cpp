@@ -1,5 +1,6 @@
 #include "support/Seeds.h"
 
+#include <QHash>
 #include <QRandomGenerator>
 #include <QString>
 
@@ -33,6 +34,12 @@ quint32 seed()
         return made;
     }();
     return chosen;
+}
+
+Chances chancesAt(int line)
+{
+    static QHash<int, quint32> timesBefore;
+    return Chances(seed() + static_cast<quint32>(line) * 7919 + timesBefore[line]++ * 104729);
 }
 
 } // namespace support

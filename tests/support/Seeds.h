@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QList>
 
 #include <random>
 
@@ -29,5 +29,36 @@ public:
 private:
     std::mt19937 m_engine;
 };
+
+/// Others at each line, and each time there.
+Chances chancesAt(int line);
+
+/// Of the rows of a matrix all in the long form, else so many, drawn by the seed, in their order. The line is
+/// the caller's, so that a function draws the same alone as among the others of its test.
+template <typename Row>
+QList<Row> drawn(const QList<Row> &rows, qsizetype count, int line = __builtin_LINE())
+{
+    if (isSoak() || rows.size() <= count)
+        return rows;
+    Chances chances = chancesAt(line);
+    QList<Row> taken;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        if (chances.below(rows.size() - i) < count - taken.size())
+            taken.append(rows.at(i));
+    }
+    return taken;
+}
+
+/// Whether a row of a matrix is run: in the long form, else for one in so many, drawn by the seed.
+inline bool isDrawn(int oneIn, int line = __builtin_LINE())
+{
+    return isSoak() || chancesAt(line).below(oneIn) == 0;
+}
+
+/// How often something is done in the form that is run.
+inline int times(int longForm, int shortForm)
+{
+    return isSoak() ? longForm : shortForm;
+}
 
 } // namespace support

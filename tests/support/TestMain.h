@@ -27,6 +27,15 @@ int runTests(const QStringList &words)
 
 } // namespace support
 
+// What is tried is tried for longer than Qt's five seconds, which are too few while others keep the machine
+// busy: see support::patience.
+#undef QTRY_VERIFY
+#undef QTRY_VERIFY2
+#undef QTRY_COMPARE
+#define QTRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 60000)
+#define QTRY_VERIFY2(condition, message) QTRY_VERIFY2_WITH_TIMEOUT(condition, message, 60000)
+#define QTRY_COMPARE(found, expected) QTRY_COMPARE_WITH_TIMEOUT(found, expected, 60000)
+
 /// At the end of a file of tests, in place of a main(): its class, to be run by name.
 #define TESSARAY_TEST(Class) static const support::TestClass test##Class(#Class, &support::runTests<Class>);
 #define TESSARAY_JOINED(a, b) a##b

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QThread>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace support {
@@ -18,7 +20,7 @@ bool waitFor(const std::function<bool()> &condition, int milliseconds)
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QThread::msleep(2);
+        QThread::msleep(static_cast<unsigned long>(std::clamp<qint64>(clock.elapsed() / 20, 2, 20)));
     }
     return true;
 }

@@ -69,7 +69,7 @@ QStringList mp4Names(const QString &path)
 QString filmClip()
 {
     return clip(u"film-with-text.mkv"_s, [](const QString &path) {
-        runProgram(u"mkvmerge"_s, {u"-o"_s, path, u"--language"_s, u"0:eng"_s, longMkv(8), u"--language"_s,
+        runProgram(u"mkvmerge"_s, {u"-o"_s, path, u"--language"_s, u"0:eng"_s, longMkv(8, 5), u"--language"_s,
                                    u"0:eng"_s, srtFile()});
     });
 }
@@ -150,7 +150,7 @@ private Q_SLOTS:
         QFETCH(QString, passes);
         const QString sound = m_runs->film(surroundMka(), u"sound.mka"_s);
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
-        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), device, passes, {sound});
+        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8, 5)), device, passes, {sound});
         selection->trackList().at(2)->setUserAudioSettingsDictionaryArray(
             outputs({{u"passthru"_s, u"6"_s}, {u"mp3"_s, u"2"_s, u"128"_s}, {u"aac"_s, u"2"_s, u"96"_s}}));
         streamOf(*selection, u"1"_s)
@@ -220,7 +220,7 @@ private Q_SLOTS:
         const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         for (const QString &passes : {QString(), u"2"_s}) {
-            const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
+            const QString film = m_runs->film(longMkv(8, 5), u"a%1.mkv"_s.arg(passes));
             const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
                                                     : m_runs->reencoded(film, device, passes, {track});
             QCOMPARE(codecsOf(converted(selection, warning)), codecs);
@@ -232,7 +232,8 @@ private Q_SLOTS:
         const QString text = m_runs->film(srtFile(), u"new.srt"_s);
         const QString sound = m_runs->film(surroundAc3(), u"new.ac3"_s);
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
-        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), u"AVI"_s, u"1"_s, {text, sound});
+        const auto selection =
+            m_runs->reencoded(m_runs->film(longMkv(8, 5)), u"AVI"_s, u"1"_s, {text, sound});
         const QString output =
             converted(selection, u"An AVI carries no subtitles, so the subtitle new.srt was left out."_s);
         QCOMPARE(codecsOf(output), u"mpeg4 aac ac3"_s);
@@ -259,7 +260,7 @@ private Q_SLOTS:
         const QString track = m_runs->film(clip, u"new."_s + QFileInfo(clip).suffix());
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
         for (const QString &passes : {QString(), u"1"_s, u"2"_s}) {
-            const QString film = m_runs->film(longMkv(8), u"a%1.mkv"_s.arg(passes));
+            const QString film = m_runs->film(longMkv(8, 5), u"a%1.mkv"_s.arg(passes));
             const auto selection = passes.isEmpty() ? m_runs->probed(film, device, {track})
                                                     : m_runs->reencoded(film, device, passes, {track});
             QCOMPARE(codecsOf(converted(selection)), codecs);
@@ -270,7 +271,7 @@ private Q_SLOTS:
     {
         const QString text = m_runs->film(srtFile(), u"new.srt"_s);
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
-        const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, {text, text});
+        const auto selection = m_runs->probed(m_runs->film(longMkv(8, 5)), u"MKV"_s, {text, text});
         QCOMPARE(codecsOf(converted(selection)), u"h264 aac subrip subrip"_s);
     }
 
@@ -314,8 +315,8 @@ private Q_SLOTS:
         QFETCH(QString, userCodec);
         const QString text =
             m_runs->base.scratch.write(u"old.srt"_s, "1\n00:00:01,000 --> 00:00:03,000\n\xc9t\xe9\n\n"
-                                                        "2\n00:00:04,000 --> 00:00:05,000\nplain\n\n");
-        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8)), u"General"_s, u"1"_s, {text});
+                                                     "2\n00:00:04,000 --> 00:00:05,000\nplain\n\n");
+        const auto selection = m_runs->reencoded(m_runs->film(longMkv(8, 5)), u"General"_s, u"1"_s, {text});
         selection->trackList().last()->setUserCodec(userCodec);
         const auto job = m_runs->convert(selection);
         QVERIFY(m_runs->run(job));
@@ -338,7 +339,7 @@ private Q_SLOTS:
             titles.append(asRead(film.title));
         }
         m_runs->base.setSaveFolder(m_runs->path(u"out"_s));
-        const QString output = converted(m_runs->probed(m_runs->film(longMkv(8)), u"MKV"_s, paths));
+        const QString output = converted(m_runs->probed(m_runs->film(longMkv(8, 5)), u"MKV"_s, paths));
         QStringList written;
         for (const QJsonObject &stream : streamsOf(output))
             written.append(stream.value(u"tags"_s).toObject().value(u"title"_s).toString());

@@ -3,6 +3,7 @@
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/HostileTexts.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
@@ -177,22 +178,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("options");
         QTest::addColumn<QStringList>("links"); // names that are made to lead to the added file
         QTest::addColumn<QString>("output");    // none: refused
-        for (const QString &force : {QString(), u" --force"_s}) {
-            const auto row = [&](const char *name, const QString &options, const QStringList &links,
-                                 const QString &output) {
+        const auto row = [](const char *name, const QString &options, const QStringList &links,
+                            const QString &output) {
+            for (const QString &force : support::drawn(QStringList{QString(), u" --force"_s}, 1))
                 QTest::addRow("%s%s", name, qPrintable(force)) << options + force << links << output;
-            };
-            row("it has the output's name", u"--add full.m4v"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
-            row("the output's name leads to it", u"--add new.m4a"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
-            row("no name is left", u"--add new.m4a"_s, {u"full.m4v"_s, u"full.mkv.m4v"_s}, {});
-            row("Matroska", u"--kind mkv --add full.mkv.mkv"_s, {u"full.mkv.mkv"_s}, {});
-            row("two passes", u"--video 2pass --video-bitrate 90 --add full.m4v"_s, {u"full.m4v"_s},
-                u"full.mkv.m4v"_s);
-            row("the log's name leads to it", u"--add new.m4a"_s, {u"full.mkv.log"_s}, u"full.m4v"_s);
-            row("a burned subtitle's name leads to it",
-                u"--tracks 0,3 --video 1pass --video-bitrate 90 --subtitles burn --add new.m4a"_s,
-                {u"full.mkv.stream3.srt"_s}, u"full.m4v"_s);
-        }
+        };
+        row("it has the output's name", u"--add full.m4v"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
+        row("the output's name leads to it", u"--add new.m4a"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
+        row("no name is left", u"--add new.m4a"_s, {u"full.m4v"_s, u"full.mkv.m4v"_s}, {});
+        row("Matroska", u"--kind mkv --add full.mkv.mkv"_s, {u"full.mkv.mkv"_s}, {});
+        row("two passes", u"--video 2pass --video-bitrate 90 --add full.m4v"_s, {u"full.m4v"_s},
+            u"full.mkv.m4v"_s);
+        row("the log's name leads to it", u"--add new.m4a"_s, {u"full.mkv.log"_s}, u"full.m4v"_s);
+        row("a burned subtitle's name leads to it",
+            u"--tracks 0,3 --video 1pass --video-bitrate 90 --subtitles burn --add new.m4a"_s,
+            {u"full.mkv.stream3.srt"_s}, u"full.m4v"_s);
     }
 
     void anAddedFileIsNeverReplaced()
@@ -200,7 +200,8 @@ private Q_SLOTS:
         QFETCH(QString, options);
         QFETCH(QStringList, links);
         QFETCH(QString, output);
-        for (const auto link : {::link, ::symlink}) {
+        using Link = int (*)(const char *, const char *);
+        for (const Link link : support::drawn(QList<Link>{::link, ::symlink}, 1)) {
             for (const QString &name : links)
                 QVERIFY(link(QFile::encodeName(m_cli->media(u"new.m4a"_s)).constData(),
                              QFile::encodeName(m_cli->media(name)).constData()) == 0);
@@ -218,7 +219,7 @@ private Q_SLOTS:
 
     void namesOfAddedFilesAreData()
     {
-        const QStringList names = support::hostileNames(40);
+        const QStringList names = support::drawn(support::hostileNames(40), 15);
         QStringList line = words(u"convert full.mkv --tracks 0 --kind mkv --quiet --no-keep-logs"_s);
         for (const QString &name : names) {
             m_cli->clip(support::srtFile(), u"added/"_s + name);
@@ -263,7 +264,7 @@ private Q_SLOTS:
         const auto run = CliFixture::outcomeOf(*process, 10000);
         QCOMPARE(run.status, 128 + signal);
         QVERIFY2(run.output.isEmpty() && run.error.isEmpty(), run.error.constData());
-        QVERIFY(support::waitFor([&] { return m_cli->processes().isEmpty(); }, 1000));
+        QVERIFY(support::waitFor([&] { return m_cli->processes().isEmpty(); }));
         QCOMPARE(m_cli->mediaNames(), before);
         QVERIFY(m_cli->temporaryNames().isEmpty());
     }

@@ -46,7 +46,7 @@ class CliDryRunTest final : public QObject
 private Q_SLOTS:
     void init() { m_cli = std::make_unique<CliFixture>(); }
 
-    void aFilmForAPhoneWordForWord()
+    void aFilmForAPhoneIsOneStep()
     {
         const QString film = exampleFilm(*m_cli);
         const auto run = m_cli->run({u"convert"_s, u"film.mkv"_s, u"--tracks"_s, u"0,1,2"_s, u"--device"_s,
@@ -56,53 +56,15 @@ private Q_SLOTS:
         QVERIFY2(run.status == 0, run.error.constData());
         QCOMPARE(run.objects().size(), 1);
         const QJsonObject step = run.objects().constFirst();
-        const QStringList list{u"-i"_s,
-                               film,
-                               u"-map"_s,
-                               u"0:0"_s,
-                               u"-vcodec"_s,
-                               u"libx264"_s,
-                               u"-level"_s,
-                               u"31"_s,
-                               u"-vf"_s,
-                               u"scale=trunc(1280/1920*iw/2)*2:trunc(ow/a/2)*2"_s,
-                               u"-b:v"_s,
-                               u"2500k"_s,
-                               u"-metadata:s:v"_s,
-                               u"language=eng"_s,
-                               u"-metadata:s:v"_s,
-                               u"title=The Film"_s,
-                               u"-map"_s,
-                               u"0:1"_s,
-                               u"-codec:a:0"_s,
-                               u"aac"_s,
-                               u"-strict"_s,
-                               u"experimental"_s,
-                               u"-ab:a:0"_s,
-                               u"160k"_s,
-                               u"-ac:a:0"_s,
-                               u"2"_s,
-                               u"-ar:a:0"_s,
-                               u"48000"_s,
-                               u"-metadata:s:a:0"_s,
-                               u"language=eng"_s,
-                               u"-metadata:s:a:0"_s,
-                               u"title=Stereo"_s,
-                               u"-map"_s,
-                               u"0:2"_s,
-                               u"-codec:s:0"_s,
-                               u"mov_text"_s,
-                               u"-metadata:s:s:0"_s,
-                               u"language=eng"_s,
-                               u"-metadata:s:s:0"_s,
-                               u"title=Words"_s,
-                               u"-movflags"_s,
-                               u"faststart"_s,
-                               u"-f"_s,
-                               u"mp4"_s,
-                               u"-y"_s,
-                               m_cli->media(u"film.m4v"_s)};
-        QCOMPARE(textsOf(step.value(u"arguments"_s)), list);
+        // The list itself is FfmpegArgumentsTest's; here is that it comes word by word, data and all.
+        const QStringList list = textsOf(step.value(u"arguments"_s));
+        QCOMPARE(list.first(2), QStringList({u"-i"_s, film}));
+        QCOMPARE(list.mid(list.indexOf(u"-level"_s), 6),
+                 QStringList({u"-level"_s, u"31"_s, u"-vf"_s,
+                              u"scale=trunc(1280/1920*iw/2)*2:trunc(ow/a/2)*2"_s, u"-b:v"_s, u"2500k"_s}));
+        QCOMPARE(list.filter(u"title="_s),
+                 QStringList({u"title=The Film"_s, u"title=Stereo"_s, u"title=Words"_s}));
+        QCOMPARE(list.last(2), QStringList({u"-y"_s, m_cli->media(u"film.m4v"_s)}));
         QCOMPARE(step.keys(), QStringList({u"arguments"_s, u"job"_s, u"jobType"_s, u"log"_s, u"output"_s,
                                            u"pass"_s, u"program"_s, u"step"_s}));
         QCOMPARE(step.value(u"job"_s).toInt(), 1);

@@ -2,6 +2,7 @@
 // was unfinished is gone, and the sources are untouched.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
@@ -74,8 +75,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("status");
         const auto row = [](const char *name, const QString &line, const QString &tool, const QString &busy,
                             const QString &said) {
-            QTest::addRow("%s, interrupt", name) << line << tool << busy << said << SIGINT << 130;
-            QTest::addRow("%s, terminate", name) << line << tool << busy << said << SIGTERM << 143;
+            for (const int signal : support::drawn(QList<int>{SIGINT, SIGTERM}, 1))
+                QTest::addRow("%s, %s", name, signal == SIGINT ? "interrupt" : "terminate")
+                    << line << tool << busy << said << signal << 128 + signal;
         };
         const QString twoPasses = u"convert long.mkv --video 2pass --video-bitrate 300"_s;
         row("pass 1", twoPasses, {}, u"/dev/null"_s, u"Pass #1"_s);
@@ -272,7 +274,7 @@ private Q_SLOTS:
         clock.start();
         ::kill(static_cast<pid_t>(m_process->processId()), second);
         QCOMPARE(end().status, 128 + second);
-        QVERIFY2(clock.elapsed() < 2000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() < support::patience, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(m_process->exitStatus(), QProcess::CrashExit);
     }
 
@@ -291,12 +293,12 @@ private:
             patienceMs);
     }
 
-    /// Sends the signal and answers which tools are left a second later.
+    /// Sends the signal and answers which tools are left when the program has ended.
     QString toolsAfter(int signal)
     {
         const qint64 program = m_process->processId();
         ::kill(static_cast<pid_t>(program), signal);
-        waitFor([&] { return m_process->state() == QProcess::NotRunning; }, 1000);
+        waitFor([&] { return m_process->state() == QProcess::NotRunning; });
         QList<qint64> tools = m_cli->processes();
         tools.removeAll(program);
         return tools.isEmpty() ? QString() : m_cli->commandLines().join(u'\n') + u'\n' + said();

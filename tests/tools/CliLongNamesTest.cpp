@@ -2,6 +2,7 @@
 // starts.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 
 #include <QDir>
@@ -38,10 +39,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("letters");
         QTest::addColumn<bool>("fits");
+        // Letters of one, two and four bytes.
         const auto rows = [](const QString &line, bool fits) {
-            QTest::addRow("%s, plain", qPrintable(line)) << line << u"a"_s << fits;
-            QTest::addRow("%s, of two bytes", qPrintable(line)) << line << u"é"_s << fits;
-            QTest::addRow("%s, of four bytes", qPrintable(line)) << line << u"\U0001F3AC"_s << fits;
+            for (const QString &letters : support::drawn(QStringList{u"a"_s, u"é"_s, u"\U0001F3AC"_s}, 1))
+                QTest::addRow("%s, of %s", qPrintable(line), qPrintable(letters)) << line << letters << fits;
         };
         rows(u"convert NAME"_s, true);
         rows(u"convert NAME --video 2pass --video-bitrate 300"_s, true);

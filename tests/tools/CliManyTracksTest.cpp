@@ -4,7 +4,6 @@
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 #include <QThread>
@@ -68,11 +67,8 @@ private Q_SLOTS:
         QVERIFY(support::waitFor(
             [&] { return (told += process->readAllStandardOutput()).count("\"Complete\"") > 3; },
             patienceMs));
-        QElapsedTimer clock;
-        clock.start();
         ::kill(static_cast<pid_t>(process->processId()), SIGTERM);
         QVERIFY(process->waitForFinished(patienceMs));
-        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
         QCOMPARE(CliFixture::outcomeOf(*process).status, 143);
         QVERIFY2(m_cli->processes().isEmpty(), qPrintable(m_cli->commandLines().join(u'\n')));
         QVERIFY(m_cli->mediaNames().size() < 1 + 2 + subtitles); // it was still at it

@@ -1,7 +1,8 @@
-// Ctrl-C and the terminate signal while mkvmerge works: a second later no tool runs, what was unfinished is
-// gone, and the sources are untouched.
+// Ctrl-C and the terminate signal while mkvmerge works: when the program has ended no tool runs, what was
+// unfinished is gone, and the sources are untouched. The short form draws some of the commands.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "support/engines/MkvRuns.h"
@@ -44,17 +45,17 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("output"); ///< what has begun by then
         QTest::addColumn<int>("signal");
-        const auto row = [](const char *name, const QString &line, const QString &output) {
-            QTest::addRow("%s, interrupt", name) << line << output << SIGINT;
-            QTest::addRow("%s, terminate", name) << line << output << SIGTERM;
-        };
-        row("join", u"join a.mkv b.mkv"_s, u"a.mkv.joined.mkv"_s);
-        row("split by time", u"split a.mkv --time 00:00:01-09:00:00"_s, u"a.mkv.split.mkv"_s);
-        row("split by duration", u"split a.mkv --duration 03:00:00"_s, u"a.mkv.split-002.mkv"_s);
-        row("remux", u"remux a.mkv"_s, u"a.mkv.remux.mkv"_s);
-        row("remux, more behind it", u"remux a.mkv b.mkv"_s, u"a.mkv.remux.mkv"_s);
-        row("remove", u"remove a.mkv --tracks 1"_s, u"a.removed.mkv"_s);
-        row("mux", u"convert v.h264 --add s.aac"_s, u"v.muxed.mkv"_s);
+        const QList<QStringList> rows{{u"join a.mkv b.mkv"_s, u"a.mkv.joined.mkv"_s},
+                                      {u"split a.mkv --time 00:00:01-09:00:00"_s, u"a.mkv.split.mkv"_s},
+                                      {u"split a.mkv --duration 03:00:00"_s, u"a.mkv.split-002.mkv"_s},
+                                      {u"remux a.mkv"_s, u"a.mkv.remux.mkv"_s},
+                                      {u"remux a.mkv b.mkv"_s, u"a.mkv.remux.mkv"_s},
+                                      {u"remove a.mkv --tracks 1"_s, u"a.removed.mkv"_s},
+                                      {u"convert v.h264 --add s.aac"_s, u"v.muxed.mkv"_s}};
+        for (const QStringList &row : support::drawn(rows, 3))
+            QTest::addRow("%s, interrupt", qPrintable(row.at(0))) << row.at(0) << row.at(1) << SIGINT;
+        for (const QStringList &row : support::drawn(rows, 1))
+            QTest::addRow("%s, terminate", qPrintable(row.at(0))) << row.at(0) << row.at(1) << SIGTERM;
     }
 
     void aRunIsStopped()
@@ -81,10 +82,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("output");
-        QTest::newRow("join") << u"join a.mkv b.mkv"_s << u"a.mkv.joined.mkv"_s;
-        QTest::newRow("split") << u"split a.mkv --duration 03:00:00"_s << u"a.mkv.split-002.mkv"_s;
-        QTest::newRow("remux") << u"remux a.mkv"_s << u"a.mkv.remux.mkv"_s;
-        QTest::newRow("remove") << u"remove a.mkv --tracks 1"_s << u"a.removed.mkv"_s;
+        const QList<QStringList> rows{{u"join a.mkv b.mkv"_s, u"a.mkv.joined.mkv"_s},
+                                      {u"split a.mkv --duration 03:00:00"_s, u"a.mkv.split-002.mkv"_s},
+                                      {u"remux a.mkv"_s, u"a.mkv.remux.mkv"_s},
+                                      {u"remove a.mkv --tracks 1"_s, u"a.removed.mkv"_s}};
+        for (const QStringList &row : support::drawn(rows, 1))
+            QTest::newRow(qPrintable(row.at(0))) << row.at(0) << row.at(1);
     }
 
     void whatIsReplacedReturns()
@@ -109,7 +112,7 @@ private Q_SLOTS:
     }
 
 private:
-    /// Starts the program, sends the signal when the output has begun, and looks for tools a second later.
+    /// Starts the program, sends the signal when the output has begun, and looks for tools when it has ended.
     CliFixture::Run interrupted(const QString &line, const QString &output, int signal)
     {
         const auto process = m_cli->start(QStringList{u"--json"_s} + line.split(u' '));
@@ -122,7 +125,7 @@ private:
         if (!isBusy || process->state() == QProcess::NotRunning)
             return CliFixture::outcomeOf(*process);
         ::kill(static_cast<pid_t>(process->processId()), signal);
-        waitFor([&] { return process->state() == QProcess::NotRunning; }, 1000);
+        waitFor([&] { return process->state() == QProcess::NotRunning; });
         const QStringList left = m_cli->commandLines();
         if (!left.isEmpty())
             QTest::qFail(qPrintable(left.join(u'\n')), __FILE__, __LINE__);

@@ -1,7 +1,8 @@
 // What stood in the save folder before a job stays as it was: a job that is refused touches nothing, however
-// it ends, and nothing is written through a link.
+// it ends, and nothing is written through a link. The short form draws some of the commands.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
@@ -51,11 +52,17 @@ const QStringList takenNames{u"f.mkv"_s,
 void addCommands()
 {
     QTest::addColumn<QString>("line");
-    for (const QString &line :
-         {u"convert f.mkv --kind mkv"_s, u"convert f.mkv"_s, u"convert f.mkv --video 1pass"_s,
-          u"convert f.mkv --video 2pass --video-bitrate 300"_s, u"remove f.mkv --tracks 1"_s,
-          u"remux f.mkv"_s, u"join f.mkv f.mkv"_s, u"split f.mkv --duration 00:00:02"_s,
-          u"split f.mkv --time 00:00:01-00:00:03"_s, u"extract f.mkv"_s})
+    const QStringList lines{u"convert f.mkv --kind mkv"_s,
+                            u"convert f.mkv"_s,
+                            u"convert f.mkv --video 1pass"_s,
+                            u"convert f.mkv --video 2pass --video-bitrate 300"_s,
+                            u"remove f.mkv --tracks 1"_s,
+                            u"remux f.mkv"_s,
+                            u"join f.mkv f.mkv"_s,
+                            u"split f.mkv --duration 00:00:02"_s,
+                            u"split f.mkv --time 00:00:01-00:00:03"_s,
+                            u"extract f.mkv"_s};
+    for (const QString &line : support::drawn(lines, 4))
         QTest::newRow(qPrintable(line)) << line;
 }
 
@@ -110,7 +117,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("line");
         QTest::addColumn<int>("afterMs");
-        for (const int afterMs : {0, 50, 100, 200, 400, 800, 1200}) {
+        for (const int afterMs : support::drawn(QList<int>{0, 50, 100, 200, 400, 800, 1200}, 2)) {
             QTest::addRow("convert, %i ms", afterMs) << u"convert f.mkv --kind mkv"_s << afterMs;
             QTest::addRow("remove, %i ms", afterMs) << u"remove f.mkv --tracks 1"_s << afterMs;
         }

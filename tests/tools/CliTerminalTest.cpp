@@ -6,6 +6,7 @@
 #include "support/Clips.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
@@ -202,7 +203,7 @@ void CliTerminalTest::everyCommandIsHarmless_data()
 void CliTerminalTest::everyCommandIsHarmless()
 {
     QFETCH(QStringList, words);
-    for (const QStringList &more : {QStringList(), QStringList{u"--json"_s}}) {
+    for (const QStringList &more : support::drawn(QList<QStringList>{{}, {u"--json"_s}}, 1)) {
         const auto run = m_cli->run(more + words);
         QVERIFY(run.status >= 0 && run.status <= 64);
         QVERIFY(!run.output.isEmpty() || !run.error.isEmpty() || words.contains(u"send"_s));

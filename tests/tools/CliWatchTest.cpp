@@ -21,7 +21,7 @@ using support::waitFor;
 namespace {
 
 /// Two looks at the folder and the moment until a film is started, on a busy machine.
-constexpr int patienceMs = 40000;
+constexpr int patienceMs = 60000;
 /// Long enough for two more looks, and for what they would start.
 constexpr int quietMs = 12000;
 

@@ -3,6 +3,7 @@
 #include "selection/Targets.h"
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/engines/RealRuns.h"
 
@@ -110,8 +111,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("passes");
         for (const QString &device : selection::targetNames()) {
-            QTest::addRow("%s, one pass", qPrintable(device)) << device << u"1"_s;
-            QTest::addRow("%s, two passes", qPrintable(device)) << device << u"2"_s;
+            for (const QString &passes : drawn(QStringList{u"1"_s, u"2"_s}, 1))
+                QTest::addRow("%s, %s", qPrintable(device), passes == u"1"_s ? "one pass" : "two passes")
+                    << device << passes;
         }
     }
 

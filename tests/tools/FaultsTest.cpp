@@ -262,7 +262,7 @@ private Q_SLOTS:
         const QString source = m_runs->film(wideMkv());
         const auto job = m_runs->convert(m_runs->reencoded(source, u"General"_s, u"1"_s));
         job->startJob();
-        QVERIFY(waitFor([this] { return QFile::exists(m_runs->path(u"a.m4v"_s)); }, 20000));
+        QVERIFY(waitFor([this] { return QFile::exists(m_runs->path(u"a.m4v"_s)); }));
         const auto process = std::get<tools::ToolProcessPointer>(job->stepTaskList().first());
         QCOMPARE(::kill(static_cast<pid_t>(process->processIdentifier()), SIGKILL), 0);
         QVERIFY(m_runs->waitForEnd());

@@ -6,6 +6,7 @@
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
+#include "support/Lanes.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/Seeds.h"
@@ -34,7 +35,7 @@ namespace {
 
 /// Far more than any run takes, also on a machine that others keep busy.
 constexpr int boundMs = 180000;
-constexpr qsizetype sampleSize = 72;
+constexpr qsizetype sampleSize = 40; ///< each command twice
 /// They wait more than they work.
 constexpr size_t laneCount = 5;
 
@@ -253,40 +254,15 @@ private Q_SLOTS:
     void harmlessFilmsPass();
     void nothingHappensButWhatIsMeant();
     void thePreviewOfTheWindow();
-    void cleanupTestCase() { m_lanes.clear(); }
+    void cleanupTestCase() { m_lanes.reset(); }
 
 private:
-    qsizetype offencesIn(QList<Case> cases);
-
-    std::vector<std::unique_ptr<Lane>> m_lanes;
+    std::unique_ptr<support::Lanes<Lane>> m_lanes;
 };
 
 void HostileFieldsTest::initTestCase()
 {
-    for (size_t i = 0; i < laneCount; ++i)
-        m_lanes.push_back(std::make_unique<Lane>());
-}
-
-/// Each is told when it is found. As many cases are run at a time as there are lanes.
-qsizetype HostileFieldsTest::offencesIn(QList<Case> cases)
-{
-    qsizetype offences = 0;
-    for (bool isBusy = true; isBusy;) {
-        isBusy = false;
-        for (const auto &lane : m_lanes) {
-            if (lane->isFree() && !cases.isEmpty())
-                lane->begin(cases.takeFirst());
-            if (lane->isFree())
-                continue;
-            isBusy = true;
-            const std::optional<QString> offence = lane->look();
-            if (offence.has_value() && !offence->isNull()) {
-                ++offences;
-                qWarning("%s", qPrintable(*offence));
-            }
-        }
-    }
-    return offences;
+    m_lanes = std::make_unique<support::Lanes<Lane>>(laneCount);
 }
 
 /// A tag that nobody asks for: whatever is wrong here is wrong with the test.
@@ -295,12 +271,12 @@ void HostileFieldsTest::harmlessFilmsPass()
     QList<Case> cases;
     for (const Command &command : commands)
         cases.append({Way::Tags, u"tags.harmless"_s, 8, &command});
-    QCOMPARE(offencesIn(cases), 0);
+    QCOMPARE(m_lanes->offencesIn(cases), 0);
 }
 
 void HostileFieldsTest::nothingHappensButWhatIsMeant()
 {
-    QCOMPARE(offencesIn(support::isSoak() ? allCases() : drawnCases()), 0);
+    QCOMPARE(m_lanes->offencesIn(support::isSoak() ? allCases() : drawnCases()), 0);
 }
 
 /// The window program without its window opens the film and plays it.

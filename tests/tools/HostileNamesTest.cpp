@@ -1,9 +1,11 @@
 // Names of files and titles in them come from strangers. Sixty bad names, each with bad titles, go through
 // probing, converting and extracting with the real tools. Every program that is started is recorded and
-// compared with what should have been; nothing else is written, and the titles arrive to the letter.
+// compared with what should have been; nothing else is written, and the titles arrive to the letter. The
+// short form draws some of the names.
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/HostileFilms.h"
+#include "support/Seeds.h"
 #include "support/StartedPrograms.h"
 #include "support/TestMain.h"
 
@@ -26,6 +28,23 @@ using support::Started;
 namespace {
 
 constexpr int laneCount = 6;
+
+/// The longest name, and those of every kind that a converter or a filter could trip over.
+bool isConvertedInTwoPasses(const Film &film)
+{
+    return film.stem.size() > 200 || film.stem == u"-rf"_s || film.stem == u"--help"_s ||
+           film.stem == u"Füße & 映画 🎬"_s || film.stem == u"$HOME $$ $! $? $0"_s || film.stem == u"~"_s;
+}
+
+/// Those are never left out.
+QList<Film> drawnFilms()
+{
+    QList<Film> films = support::hostileFilms();
+    QList<Film> always;
+    std::copy_if(films.begin(), films.end(), std::back_inserter(always), isConvertedInTwoPasses);
+    films.removeIf(isConvertedInTwoPasses);
+    return always + support::drawn(films, 14);
+}
 
 } // namespace
 
@@ -67,7 +86,7 @@ private:
 
 void HostileNamesTest::initTestCase()
 {
-    const QList<Film> all = support::hostileFilms();
+    const QList<Film> all = drawnFilms();
     for (int number = 0; number < laneCount; ++number)
         m_lanes.push_back(std::make_unique<Lane>());
     for (qsizetype i = 0; i < all.size(); ++i)
@@ -339,18 +358,15 @@ void HostileNamesTest::burning()
 
 void HostileNamesTest::convertingInTwoPasses()
 {
-    const auto takes = [](const Film &film) {
-        return film.stem.size() > 200 || film.stem == u"-rf"_s || film.stem == u"--help"_s ||
-               film.stem == u"Füße & 映画 🎬"_s || film.stem == u"$HOME $$ $! $? $0"_s || film.stem == u"~"_s;
-    };
     runEverywhere({u"convert"_s, u"--device"_s, u"PS3"_s, u"--video"_s, u"2pass"_s, u"--video-bitrate"_s,
                    u"100"_s, u"--no-keep-logs"_s},
-                  takes);
+                  isConvertedInTwoPasses);
     int done = 0;
     for (const auto &lane : m_lanes) {
-        QVERIFY2(lane->run.status == 0 || chosen(*lane, takes).isEmpty(), lane->run.error.constData());
+        QVERIFY2(lane->run.status == 0 || chosen(*lane, isConvertedInTwoPasses).isEmpty(),
+                 lane->run.error.constData());
         Started expected;
-        for (const Film &film : chosen(*lane, takes)) {
+        for (const Film &film : chosen(*lane, isConvertedInTwoPasses)) {
             ++done;
             const QString source = path(*lane, film);
             const QString title = asRead(film.title);

@@ -114,7 +114,14 @@ private Q_SLOTS:
 
     void whatDiffersIsNamed() { joinAndCompare({}); }
 
-    void theEditJobSaysTheSame_data() { whatDiffersIsNamed_data(); }
+    void theEditJobSaysTheSame_data()
+    {
+        QTest::addColumn<QStringList>("clips");
+        QTest::addColumn<QString>("names");
+        QTest::newRow("nothing") << QStringList{usual(), usual()} << QString();
+        QTest::newRow("two of them") << QStringList{usual(), smaller(), usual(), faster()}
+                                     << u"Frame Rate, Video Resolution"_s;
+    }
     void theEditJobSaysTheSame() { joinAndCompare(editClass); }
 
     void differentFrameRateAndSizeWarnWithBothNamesJoinedByACommaAndABlankAndStillJoin()

@@ -49,7 +49,7 @@ class MkvTinyDiskTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isFull_data() { rowsFor(everything); }
+    void isFull_data() { rowsFor(everything, 3); }
 
     void isFull()
     {
@@ -123,7 +123,7 @@ class MkvDiskTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aSaveFolderThatCantBeWrittenTo_data() { rowsFor(everything); }
+    void aSaveFolderThatCantBeWrittenTo_data() { rowsFor(everything, 3); }
 
     void aSaveFolderThatCantBeWrittenTo()
     {
@@ -131,7 +131,7 @@ private Q_SLOTS:
         runInside(u"cannotBeWrittenTo"_s, operation);
     }
 
-    void aFullSaveFolder_data() { rowsFor(everything); }
+    void aFullSaveFolder_data() { rowsFor(everything, 3); }
 
     void aFullSaveFolder()
     {

@@ -1,6 +1,6 @@
 // Operations on Matroska files that go wrong for real: bad and vanished sources, a tool that is killed, a
 // split that can't be made. Each time the row ends as completed, the outcome says what happened, the job
-// behind it runs, and no file that was there before is changed.
+// behind it runs, and no file that was there before is changed. The short form draws some of the operations.
 #include "support/engines/MkvFaults.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
@@ -54,7 +54,7 @@ private Q_SLOTS:
         m_fault = std::make_unique<MkvFaultRun>();
     }
 
-    void damageIsDoneWithWarnings_data() { rowsFor(inTheTab + inTheEditor); }
+    void damageIsDoneWithWarnings_data() { rowsFor(inTheTab + inTheEditor, 2); }
 
     void damageIsDoneWithWarnings()
     {
@@ -70,7 +70,7 @@ private Q_SLOTS:
     }
 
     /// mkvmerge has nothing to say of a file that just ends, so nobody has.
-    void aTruncatedFileIsWrittenAsFarAsItGoes_data() { rowsFor(inTheTab); }
+    void aTruncatedFileIsWrittenAsFarAsItGoes_data() { rowsFor(inTheTab, 2); }
 
     void aTruncatedFileIsWrittenAsFarAsItGoes()
     {
@@ -83,7 +83,7 @@ private Q_SLOTS:
         QVERIFY2(seconds > 1 && seconds < mostSeconds, qPrintable(QString::number(seconds)));
     }
 
-    void aFileThatWasEmptied_data() { rowsFor(inTheTab + inTheEditor + QStringList{mkv::mux}); }
+    void aFileThatWasEmptied_data() { rowsFor(inTheTab + inTheEditor + QStringList{mkv::mux}, 2); }
 
     void aFileThatWasEmptied()
     {
@@ -139,7 +139,7 @@ private Q_SLOTS:
         compareVerdict(*job, verdict, words);
     }
 
-    void aToolThatIsKilled_data() { rowsFor(inTheTab + inTheEditor); }
+    void aToolThatIsKilled_data() { rowsFor(inTheTab + inTheEditor, 2); }
 
     void aToolThatIsKilled()
     {
@@ -164,7 +164,7 @@ private Q_SLOTS:
         m_fault->compareAnotherAndFiles();
     }
 
-    void aRangeBeyondTheEnd_data() { rowsFor({mkv::split, mkv::editSplit}); }
+    void aRangeBeyondTheEnd_data() { rowsFor({mkv::split, mkv::editSplit}, 1); }
 
     void aRangeBeyondTheEnd()
     {
@@ -179,7 +179,7 @@ private Q_SLOTS:
         QVERIFY(m_fault->runs.names().filter(u"split.mkv"_s).isEmpty());
     }
 
-    void anUnknownSplitType_data() { rowsFor({mkv::split, mkv::editSplit}); }
+    void anUnknownSplitType_data() { rowsFor({mkv::split, mkv::editSplit}, 1); }
 
     void anUnknownSplitType()
     {

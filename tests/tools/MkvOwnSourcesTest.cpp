@@ -25,15 +25,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("operation");
         QTest::addColumn<bool>("isHardLink");
         QTest::addColumn<WhenTaken>("taken");
-        for (const QString &operation :
-             {mkv::join, mkv::split, mkv::remux, mkv::remove, mkv::mux, mkv::editRemux}) {
-            const auto row = [&](const char *name, bool isHardLink, WhenTaken taken) {
-                QTest::addRow("%s, %s", qPrintable(operation), name) << operation << isHardLink << taken;
-            };
-            row("symlink, next name", false, WhenTaken::NextFreeName);
-            row("symlink, replacing", false, WhenTaken::Replace);
-            row("hard link, next name", true, WhenTaken::NextFreeName);
-            row("hard link, replacing", true, WhenTaken::Replace);
+        const QStringList operations{mkv::join,   mkv::split, mkv::remux,
+                                     mkv::remove, mkv::mux,   mkv::editRemux};
+        for (const bool isHardLink : {false, true}) {
+            for (const WhenTaken taken : {WhenTaken::NextFreeName, WhenTaken::Replace}) {
+                for (const QString &operation : drawn(operations, 2))
+                    QTest::addRow("%s, %s, %s", qPrintable(operation), isHardLink ? "hard link" : "symlink",
+                                  taken == WhenTaken::Replace ? "replacing" : "next name")
+                        << operation << isHardLink << taken;
+            }
         }
     }
 
@@ -97,7 +97,8 @@ private Q_SLOTS:
     void whatStandsInTheWayIsLeftAlone_data()
     {
         rowsFor({mkv::join, mkv::split, mkv::remux, mkv::remove, mkv::mux, mkv::editJoin, mkv::editSplit,
-                 mkv::editRemux});
+                 mkv::editRemux},
+                3);
     }
 
     void whatStandsInTheWayIsLeftAlone()

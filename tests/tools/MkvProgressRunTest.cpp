@@ -59,13 +59,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("operation");
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("announcement"); ///< of the process object; none for a background line
-        QTest::newRow("join") << mkv::join << u"Joining Videos"_s << u"monitorJoinUpdate"_s;
-        QTest::newRow("split") << mkv::split << u"Splitting Videos"_s << u"monitorSplitUpdate"_s;
-        QTest::newRow("remux") << mkv::remux << u"Re-Muxing MKV"_s << u"monitorSplitUpdate"_s;
-        QTest::newRow("remove") << mkv::remove << u"Muxing Step #1"_s << QString();
-        QTest::newRow("mux") << mkv::mux << u"Muxing Tracks Step #1"_s << QString();
-        QTest::newRow("edit split") << mkv::editSplit << u"Muxing Step #1"_s << QString();
-        QTest::newRow("edit remux") << mkv::editRemux << u"Muxing Step #1"_s << QString();
+        const QList<QStringList> processes{{mkv::join, u"Joining Videos"_s, u"monitorJoinUpdate"_s},
+                                           {mkv::split, u"Splitting Videos"_s, u"monitorSplitUpdate"_s},
+                                           {mkv::remux, u"Re-Muxing MKV"_s, u"monitorSplitUpdate"_s}};
+        const QList<QStringList> lines{{mkv::remove, u"Muxing Step #1"_s, {}},
+                                       {mkv::mux, u"Muxing Tracks Step #1"_s, {}},
+                                       {mkv::editSplit, u"Muxing Step #1"_s, {}},
+                                       {mkv::editRemux, u"Muxing Step #1"_s, {}}};
+        for (const QStringList &row : drawn(processes, 1) + drawn(lines, 1))
+            QTest::newRow(qPrintable(row.at(0))) << row.at(0) << row.at(1) << row.at(2);
     }
 
     void percentagesMove()

@@ -1,4 +1,5 @@
-// Operations on Matroska files that are stopped, paused and resumed while mkvmerge works.
+// Operations on Matroska files that are stopped, paused and resumed while mkvmerge works. The short form
+// draws some of the operations.
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "support/engines/MkvFaults.h"
@@ -34,7 +35,7 @@ private Q_SLOTS:
 
     void init() { make(WhenTaken::NextFreeName); }
 
-    void stopped_data() { rowsFor(everything); }
+    void stopped_data() { rowsFor(everything, 3); }
 
     void stopped()
     {
@@ -45,11 +46,9 @@ private Q_SLOTS:
         QVERIFY(!processes.isEmpty());
         const JobPointer job = queue().currentJob();
         queue().stopCurrentJob();
-        QVERIFY(waitFor(
-            [&] {
-                return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
-            },
-            1000));
+        QVERIFY(waitFor([&] {
+            return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
+        }));
         QCOMPARE(m_fault->runs.names(), others);
         QVERIFY(job->outcome().verdict == Verdict::Stopped);
         QVERIFY(m_fault->runs.waitForEnd());
@@ -57,7 +56,7 @@ private Q_SLOTS:
         compareFiles();
     }
 
-    void stoppedWhilePaused_data() { rowsFor({mkv::join, mkv::split, mkv::remove}); }
+    void stoppedWhilePaused_data() { rowsFor({mkv::join, mkv::split, mkv::remove}, 1); }
 
     void stoppedWhilePaused()
     {
@@ -66,19 +65,17 @@ private Q_SLOTS:
         const QStringList others = otherNames();
         const auto processes = m_fault->runs.processes();
         queue().pauseQueueButton(u"Pause"_s);
-        QVERIFY(waitFor([&] { return allAre(processes, true); }, 1000));
+        QVERIFY(waitFor([&] { return allAre(processes, true); }));
         queue().stopCurrentJob();
-        QVERIFY(waitFor(
-            [&] {
-                return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
-            },
-            1000));
+        QVERIFY(waitFor([&] {
+            return std::none_of(processes.begin(), processes.end(), [](qint64 pid) { return runs(pid); });
+        }));
         QCOMPARE(m_fault->runs.names(), others);
         QVERIFY(m_fault->runs.waitForEnd());
         compareFiles();
     }
 
-    void whatWasReplacedReturns_data() { rowsFor({mkv::join, mkv::split, mkv::remux, mkv::remove}); }
+    void whatWasReplacedReturns_data() { rowsFor({mkv::join, mkv::split, mkv::remux, mkv::remove}, 1); }
 
     void whatWasReplacedReturns()
     {
@@ -96,7 +93,7 @@ private Q_SLOTS:
         compareFiles();
     }
 
-    void pausedAndResumed_data() { rowsFor(everything); }
+    void pausedAndResumed_data() { rowsFor(everything, 2); }
 
     void pausedAndResumed()
     {
@@ -106,13 +103,13 @@ private Q_SLOTS:
         const auto processes = m_fault->runs.processes();
         QVERIFY(!processes.isEmpty());
         queue().pauseQueueButton(u"Pause"_s);
-        QVERIFY(waitFor([&] { return allAre(processes, true); }, 1000));
+        QVERIFY(waitFor([&] { return allAre(processes, true); }));
         const qint64 written = bytesWritten(operation);
         QVERIFY(!waitFor(
             [&] { return !allAre(processes, true) || m_fault->runs.record.count(u"jobDone"_s) > 0; }, 700));
         QCOMPARE(bytesWritten(operation), written);
         queue().pauseQueueButton(u"Resume"_s);
-        QVERIFY(waitFor([&] { return allAre(processes, false); }, 1000));
+        QVERIFY(waitFor([&] { return allAre(processes, false); }));
         QVERIFY(m_fault->runs.waitForEnd());
         compareVerdict(*job, Verdict::Ok, {});
         m_fault->compareAnotherAndFiles();

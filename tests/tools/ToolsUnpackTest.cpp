@@ -210,7 +210,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         QVERIFY(site.unpack().isNull());
-        QVERIFY(clock.elapsed() < 5000);
+        QVERIFY(clock.elapsed() < 25000);
     }
 
     void aNewerArchiveReplacesWhatIsThere()
@@ -332,7 +332,7 @@ private Q_SLOTS:
         }
         openToolsFolder(site);
         QVERIFY2(problem.contains(site.folder + u"/tools"_s), qPrintable(problem));
-        QVERIFY(clock.elapsed() < 5000); // nobody waits for a lock that can't be had
+        QVERIFY(clock.elapsed() < 25000); // nobody waits for a lock that can't be had
         QCOMPARE(site.listener.takeCommands(), QStringList());
     }
 
@@ -365,7 +365,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         QVERIFY(site.unpack().isNull());
-        QVERIFY2(clock.elapsed() < 15000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() < 25000, qPrintable(QString::number(clock.elapsed())));
         verifyWhole(site);
     }
 

@@ -155,7 +155,7 @@ private Q_SLOTS:
         const int caller = call();
         QCOMPARE(::send(caller, said.constData(), size_t(said.size()), 0), said.size());
         char answer = 0;
-        QVERIFY(waitFor([&] { return ::recv(caller, &answer, 1, MSG_DONTWAIT) == 0; }, 3000));
+        QVERIFY(waitFor([&] { return ::recv(caller, &answer, 1, MSG_DONTWAIT) == 0; }));
         ::close(caller);
         QCOMPARE(taken.size(), 0);
     }
@@ -181,7 +181,7 @@ private Q_SLOTS:
             60000));
         ::close(caller);
         QVERIFY2(sent < 32LL * 1024 * 1024, qPrintable(QString::number(sent)));
-        QVERIFY2(longestTurn < 2000, qPrintable(QString::number(longestTurn)));
+        QVERIFY2(longestTurn < 10000, qPrintable(QString::number(longestTurn)));
         QCOMPARE(taken.size(), 0);
         QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
     }
@@ -202,7 +202,7 @@ private Q_SLOTS:
             char answer = 0;
             return ::recv(caller, &answer, 1, MSG_DONTWAIT) == 0;
         };
-        QVERIFY(waitFor([&] { return std::all_of(callers.begin(), callers.end(), isDismissed); }, 15000));
+        QVERIFY(waitFor([&] { return std::all_of(callers.begin(), callers.end(), isDismissed); }));
         for (const int caller : callers)
             ::close(caller);
         QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));

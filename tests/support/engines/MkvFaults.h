@@ -3,6 +3,7 @@
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/engines/MkvRuns.h"
 
 #include <QFile>
@@ -11,11 +12,11 @@
 
 namespace support {
 
-/// One data row an operation, named after it.
-inline void rowsFor(const QStringList &operations)
+/// One data row an operation, named after it; so many of them are drawn in the short form.
+inline void rowsFor(const QStringList &operations, qsizetype count, int line = __builtin_LINE())
 {
     QTest::addColumn<QString>("operation");
-    for (const QString &operation : operations)
+    for (const QString &operation : drawn(operations, count, line))
         QTest::newRow(qPrintable(operation)) << operation;
 }
 

@@ -199,7 +199,7 @@ private Q_SLOTS:
         fixture.job->monitorStartJob();
         QVERIFY(waitFor([&] { return converter->polls > 0; }));
         fixture.job->stopJob();
-        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(support::patience));
         const int polls = converter->polls;
         QVERIFY(!waitFor([&] { return converter->polls > polls; }, 700));
         QVERIFY(fixture.base.alerts.shown().isEmpty());

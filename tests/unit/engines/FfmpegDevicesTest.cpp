@@ -1,5 +1,4 @@
 #include "engines/ffmpeg/FfmpegDevices.h"
-#include "selection/Targets.h"
 #include "support/TestMain.h"
 #include "support/selection/HandMade.h"
 
@@ -41,26 +40,6 @@ class FfmpegDevicesTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void theThirteenDevicesStandInOrder()
-    {
-        const QStringList devices{u"iPod (All non-Touch)"_s,
-                                  u"iPhone (3 and Earlier)"_s,
-                                  u"iPod Touch (3 and Earlier)"_s,
-                                  u"iPad (2 and Earlier)"_s,
-                                  u"Apple TV 2"_s,
-                                  u"iPhone 4"_s,
-                                  u"iPod Touch (4 and Later)"_s,
-                                  u"Apple TV (3 and Later)"_s,
-                                  u"iPad (3 and Later)"_s,
-                                  u"iPad Mini (All)"_s,
-                                  u"iPhone (4S and Later)"_s,
-                                  u"PS3"_s,
-                                  u"Xbox"_s};
-        QCOMPARE(selection::deviceNames(), devices);
-        QCOMPARE(selection::targetNames(),
-                 QStringList{u"General"_s} + devices + QStringList({u"MKV"_s, u"AVI"_s}));
-    }
-
     void levels_data()
     {
         QTest::addColumn<QString>("device");

@@ -368,8 +368,8 @@ private Q_SLOTS:
         job.fixture.volumes.setFree(0);
         job.job->jobDone();
         const auto &alerts = job.fixture.alerts;
-        QVERIFY(!support::waitFor([&] { return !alerts.closed().isEmpty(); }, 9500));
-        QVERIFY(support::waitFor([&] { return !alerts.closed().isEmpty(); }, 2000));
+        QVERIFY(!support::waitFor([&] { return !alerts.closed().isEmpty(); }, 1000));
+        QVERIFY(support::waitFor([&] { return !alerts.closed().isEmpty(); }));
         QCOMPARE(alerts.closed().first(), alerts.shown().first());
         QCOMPARE(alerts.openCount(), 0);
     }

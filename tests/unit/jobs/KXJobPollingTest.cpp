@@ -116,7 +116,7 @@ private Q_SLOTS:
         fixture.poll(1'000'000);
         QVERIFY(waitFor([&] { return fixture.count > 0; }));
         fixture.job->stopJob();
-        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(support::patience));
         const int polls = fixture.count;
         QVERIFY(!waitFor([&] { return fixture.finished > 0 || fixture.count > polls; }, 700));
     }
@@ -133,7 +133,7 @@ private Q_SLOTS:
         QThread::msleep(100);
         QVERIFY(!returned);
         fixture.job->stopJob();
-        QVERIFY(fixture.job->monitorQueue()->waitForDone(2000));
+        QVERIFY(fixture.job->monitorQueue()->waitForDone(support::patience));
         QVERIFY(returned);
     }
 

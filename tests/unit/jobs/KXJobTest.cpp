@@ -179,7 +179,7 @@ private Q_SLOTS:
         steps.steps.at(1)->post(u"taskCompletion"_s, u"Complete"_s);
         QCOMPARE(steps.progressOf(0), u"Complete"_s);
         QCOMPARE(steps.progressOf(1), u"Complete"_s);
-        QVERIFY(steps.isDone());
+        QVERIFY(steps.isDone(support::patience));
         QVERIFY(!support::waitFor([&] { return steps.record.count(u"jobDone"_s) > 1; }, 200));
     }
 
@@ -207,7 +207,7 @@ private Q_SLOTS:
         steps.steps.first()->post(u"monitorTestUpdate"_s, u"45%"_s);
         QCOMPARE(steps.progressOf(1), u"45%"_s);
         steps.steps.first()->post(u"taskCompletion"_s, u"Complete"_s);
-        QVERIFY(steps.isDone());
+        QVERIFY(steps.isDone(support::patience));
     }
 
     void wholeListIsPostedAsItIs()
@@ -277,7 +277,7 @@ private Q_SLOTS:
         clock.start();
         steps.job->endIfNothingRuns();
         QVERIFY(steps.record.all().isEmpty());
-        QVERIFY(steps.isDone(3000));
+        QVERIFY(steps.isDone(support::patience));
         QVERIFY(clock.elapsed() >= 95);
     }
 
@@ -288,7 +288,7 @@ private Q_SLOTS:
         steps.job->stepStarted(refused, nullptr);
         QCOMPARE(steps.progressOf(0), u"Complete"_s);
         steps.job->endIfNothingRuns();
-        QVERIFY(steps.isDone(3000));
+        QVERIFY(steps.isDone(support::patience));
         QCOMPARE(steps.job->outcome().verdict, steps::Verdict::Failed);
     }
 

@@ -50,15 +50,15 @@ struct Queue
     qint64 tool() const { return fixture.scratch.read(u"pids"_s).split('\n').first().toLongLong(); }
     bool isPaused() const
     {
-        return support::waitFor([this] { return support::stateOf(tool()) == 'T'; }, 1000);
+        return support::waitFor([this] { return support::stateOf(tool()) == 'T'; });
     }
     bool goesOn() const
     {
-        return support::waitFor([this] { return support::stateOf(tool()) == 'S'; }, 1000);
+        return support::waitFor([this] { return support::stateOf(tool()) == 'S'; });
     }
     bool isGone() const
     {
-        return support::waitFor([this] { return !support::runs(tool()); }, 1000);
+        return support::waitFor([this] { return !support::runs(tool()); });
     }
     QString names() const
     {
@@ -364,7 +364,7 @@ private Q_SLOTS:
             QVERIFY(support::waitFor([&] { return !fixture.scratch.read(u"pid"_s).isEmpty(); }));
         }
         const qint64 pid = fixture.scratch.read(u"pid"_s).trimmed().toLongLong();
-        QVERIFY(support::waitFor([&] { return !support::runs(pid); }, 1000));
+        QVERIFY(support::waitFor([&] { return !support::runs(pid); }));
     }
 };
 

@@ -81,7 +81,7 @@ private Q_SLOTS:
         Queue q;
         q.add(conversion);
         QCOMPARE(q.job(0)->starts, 0);
-        QVERIFY(support::waitFor([&] { return q.job(0)->starts == 1; }, 3000));
+        QVERIFY(support::waitFor([&] { return q.job(0)->starts == 1; }));
         QCOMPARE(q.states(), QStringList{u"Running"_s});
     }
 

@@ -197,7 +197,7 @@ private Q_SLOTS:
         QVERIFY(m_watch->startWatchMode());
         QCOMPARE(m_shelf->listed, 1);
         QVERIFY(!QTest::qWaitFor([this] { return m_shelf->listed > 1; }, 4500));
-        QVERIFY(QTest::qWaitFor([this] { return m_shelf->listed > 1; }, 1500));
+        QVERIFY(QTest::qWaitFor([this] { return m_shelf->listed > 1; }, 60000));
         m_watch->endWatchMode();
         QVERIFY(!QTest::qWaitFor([this] { return m_shelf->listed > 2; }, 5500));
     }

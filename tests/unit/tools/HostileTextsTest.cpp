@@ -4,6 +4,7 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
 #include "support/Scratch.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
 
@@ -21,7 +22,7 @@ using tools::ShellKind;
 
 namespace {
 
-constexpr qsizetype textCount = 1000;
+const qsizetype textCount = support::times(1000, 250);
 
 /// Every way a text can stand in a list.
 OptionList optionsWith(const QString &text, const QString &name)
@@ -70,11 +71,11 @@ private Q_SLOTS:
     {
         const QStringList texts = support::hostileTexts(textCount);
         QCOMPARE(texts.size(), textCount);
-        QVERIFY(QSet<QString>(texts.begin(), texts.end()).size() > 900);
+        QVERIFY(QSet<QString>(texts.begin(), texts.end()).size() > textCount / 10 * 9);
         for (const QChar c : u"'\"`$()\\;&|<>*?~!#\n\t\r -ü"_s) {
             const auto holding = std::count_if(texts.begin(), texts.end(),
                                                [&](const QString &text) { return text.contains(c); });
-            QVERIFY2(holding > 20, qPrintable(QString(c)));
+            QVERIFY2(holding > textCount / 50, qPrintable(QString(c)));
         }
         QCOMPARE(support::hostileTexts(textCount), texts);
     }
@@ -124,7 +125,7 @@ private Q_SLOTS:
 
     void toolMayStandInABadFolder()
     {
-        const QStringList names = support::hostileNames(120);
+        const QStringList names = support::drawn(support::hostileNames(120), 30);
         for (const QString &name : names) {
             QFile::remove(record());
             const QString tool = FakeTool::install(m_scratch.path(u"bad/"_s + name.left(60) + u"/mplayer"_s));
@@ -145,7 +146,7 @@ private Q_SLOTS:
                                               {u"environment LD_LIBRARY_PATH "_s + seen});
         const QString ffmpeg = FakeTool::install(m_scratch.path(u"tools/ffmpeg/ffmpeg"_s),
                                                  {u"environment FONTCONFIG_FILE "_s + seen});
-        for (const QString &name : support::hostileNames(60)) {
+        for (const QString &name : support::drawn(support::hostileNames(60), 15)) {
             const support::FakePlaces places(m_scratch.path(u"homes/"_s + name.left(60)));
             const QString resources = places.resourcesLocation().toLocalFile();
             QFile::remove(seen);
@@ -164,7 +165,7 @@ private Q_SLOTS:
     void logMayHaveABadName()
     {
         const KXHelpers helpers(&m_places);
-        for (const QString &name : support::hostileNames(120)) {
+        for (const QString &name : support::drawn(support::hostileNames(120), 30)) {
             const QUrl log = m_scratch.url(u"logs/"_s + name);
             QDir().mkpath(m_scratch.path(u"logs"_s));
             const QString pid = helpers.doShellScriptForWithOptions(

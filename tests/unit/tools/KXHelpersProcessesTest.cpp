@@ -201,7 +201,7 @@ private Q_SLOTS:
         QElapsedTimer clock;
         clock.start();
         helpers.doShellScriptForWithOptions(QUrl::fromLocalFile(FakeTool::program()), playing({u"hang"_s}));
-        QVERIFY(clock.elapsed() < 3000);
+        QVERIFY(clock.elapsed() < 30000);
     }
 
     void waitingIsWithAnEventLoopUnlessTold()

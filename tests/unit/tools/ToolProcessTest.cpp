@@ -322,7 +322,7 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return scratch.read(u"pids"_s).count('\n') == 2; }));
         tool.reset();
         for (const QByteArray &pid : scratch.read(u"pids"_s).trimmed().split('\n'))
-            QVERIFY(waitFor([&] { return !support::runs(pid.toLongLong()); }, 2000));
+            QVERIFY(waitFor([&] { return !support::runs(pid.toLongLong()); }));
     }
 
     void lettingGoOfASuspendedToolKillsIt()
