@@ -22,11 +22,12 @@ jobs::JobFactory makeFactory()
 
 Program::Program(const Options &options, platform::AlertPresenter &alerts)
     : m_whenTaken(options.whenTaken)
+    , m_intervals(options.intervals)
     , m_alerts(alerts)
     , m_defaults(options.defaultsPath.isEmpty() ? platform::JsonDefaultsStore::standardPath()
                                                 : options.defaultsPath)
     , m_preferences(m_defaults, {resourcesFolder(), workingFolder()})
-    , m_watchMode(&m_preferences)
+    , m_watchMode(&m_preferences, options.watchIntervals)
     , m_currentVideoFile(std::make_shared<KXVideoFile>(&m_preferences))
     , m_currentSelection(std::make_shared<KXSelection>())
     , m_selectionController(m_notifications, m_currentVideoFile, m_currentSelection)
@@ -47,8 +48,10 @@ jobs::JobContext Program::context()
 
 jobs::JobContext Program::contextFor(steps::StepLauncher &launcher, steps::OutputRegistry &outputs)
 {
-    return {m_preferences, m_notifications, m_alerts,  m_volumes,  m_workspace,
-            launcher,      outputs,         m_scratch, m_whenTaken};
+    jobs::JobContext context{m_preferences, m_notifications, m_alerts,  m_volumes,  m_workspace,
+                             launcher,      outputs,         m_scratch, m_whenTaken};
+    context.intervals = m_intervals;
+    return context;
 }
 
 QString Program::initialize(KXPreferences::Unpack tools)

@@ -30,6 +30,8 @@ public:
     {
         QString defaultsPath; ///< empty: the user's own
         steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
+        jobs::Intervals intervals = {};
+        prefs::WatchIntervals watchIntervals = {};
     };
 
     /// The presenter must outlive the program.
@@ -61,6 +63,7 @@ private:
     jobs::JobContext context();
 
     steps::WhenTaken m_whenTaken;
+    jobs::Intervals m_intervals;
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
     platform::Volumes m_volumes;

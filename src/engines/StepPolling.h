@@ -7,9 +7,6 @@
 
 namespace engines {
 
-/// From the start of a step to the first look at it.
-inline constexpr int monitorDelayMs = 100;
-
 /// The percentage of a step has fallen: its tool began something new, which is shown as its next step.
 class StepCounter final
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jobs/Intervals.h"
 #include "steps/OutputGuard.h"
 
 #include <QThread>
@@ -34,6 +35,7 @@ struct JobContext
     steps::ScratchFolder &scratch;
     steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
     int toolsAtOnce = QThread::idealThreadCount(); ///< of one job
+    Intervals intervals = {};
 };
 
 } // namespace jobs

@@ -13,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int flashInterval = 1000;
 constexpr int nothingRunsDelay = 100;
 
 QList<QUrl> inputsOf(const KXSelection &selection)
@@ -49,12 +48,15 @@ KXJob::KXJob(const jobs::JobContext &context)
         if (m_flashing)
             flashProgress(*m_flashing, QTime::currentTime().second());
     });
+    m_firstPoll.setSingleShot(true);
+    connect(&m_firstPoll, &QTimer::timeout, this, [this] { m_monitor(); });
     observe(u"taskCompletion"_s);
 }
 
 KXJob::~KXJob()
 {
     *m_cancelled = true;
+    pollSoon();
     m_monitorQueue.waitForDone();
     m_context.scratch.removeJobFolder(m_temporaryFolder);
 }
@@ -181,9 +183,33 @@ void KXJob::startWaitingStep(qsizetype index)
 void KXJob::backgroundStepStarted(const ConverterPointer &converter, const QString &pid)
 {
     if (!pid.isEmpty())
-        addTask(pid);
+        followBackground(*converter);
     m_progressList.append({converter->stepName(), u"0%"_s});
     noteFilesOf(*converter);
+}
+
+void KXJob::followBackground(KXConverter &converter)
+{
+    const QString pid = converter.doShell_ID();
+    addTask(pid);
+    m_inBackground.append(&converter);
+    connect(&converter, &KXConverter::toolEnded, this, [this, pid] {
+        removeTask(pid); // the number may be another's soon
+        toolEnded();
+    });
+}
+
+void KXJob::toolEnded()
+{
+    pollSoon();
+    if (m_firstPoll.isActive())
+        m_firstPoll.start(0);
+}
+
+void KXJob::followSoon(const std::function<void()> &monitor)
+{
+    m_monitor = monitor;
+    m_firstPoll.start(m_stepTaskList.isEmpty() ? 0 : m_context.intervals.firstPoll);
 }
 
 /// A step that was refused before it had names of its own has none to note.
@@ -229,7 +255,7 @@ void KXJob::flashProgressWithProgressItem(const jobs::ProgressUpdate &update)
     if (m_flashProgressTimer.isActive())
         return;
     m_flashing = update;
-    m_flashProgressTimer.start(flashInterval);
+    m_flashProgressTimer.start(m_context.intervals.flash);
 }
 
 void KXJob::flashProgress(const jobs::ProgressUpdate &update, int second)

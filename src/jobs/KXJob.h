@@ -6,6 +6,8 @@
 #include "steps/DurationLooks.h"
 #include "steps/KXConverter.h"
 
+#include <QPointer>
+#include <QSemaphore>
 #include <QSet>
 #include <QThreadPool>
 #include <QTimer>
@@ -126,6 +128,10 @@ protected:
 
     /// Takes a background run that was just started (or refused) into the lists.
     void backgroundStepStarted(const ConverterPointer &converter, const QString &pid);
+    /// Its process id is among the tools until it ends; then the loop looks at once.
+    void followBackground(KXConverter &converter);
+    /// Begins to follow the steps a moment after their start, or as soon as one of them has ended.
+    void followSoon(const std::function<void()> &monitor);
 
     // Following runs by polling; the loop runs on the monitor queue and holds the job alive.
     /// One cycle: the items that are shown from now on, made from those of the cycle before; answers
@@ -139,9 +145,12 @@ protected:
     /// "0%" for every converter that is there.
     jobs::ProgressList firstProgress() const;
 
-    static constexpr int pollMilliseconds = 500;
+    /// Lets the loop look now instead of at its pace. From any thread.
+    void pollSoon() { m_news.release(); }
 
 private:
+    void toolEnded();
+    void waitForKilledTools();
     void startWaitingSteps();
     void startWaitingStepsOnceDurationsAreKnown();
     void startWaitingStep(qsizetype index);
@@ -159,10 +168,14 @@ private:
     steps::OutputGuard m_guard;
     SelectionPointer m_jobSelection;
     QThreadPool m_monitorQueue;
+    QSemaphore m_news; ///< something has happened that the loop should see
     steps::DurationLooks m_durations;
     /// Set when the job is stopped; handed to whatever waits inside it.
     tools::StopFlag m_cancelled = std::make_shared<std::atomic_bool>(false);
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;
+    QTimer m_firstPoll;
+    std::function<void()> m_monitor; ///< what m_firstPoll begins
+    QList<QPointer<KXConverter>> m_inBackground;
     QTimer m_flashProgressTimer;
     std::optional<jobs::ProgressUpdate> m_flashing;
     steps::Outcome m_outcome;

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <csignal>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -80,6 +81,15 @@ void KXJob::stopTask(const jobs::StepTask &task)
     process->waitUntilExit(endOfKilledToolMs); // so that what it wrote can be removed for good
 }
 
+/// So that what they wrote can be removed for good.
+void KXJob::waitForKilledTools()
+{
+    for (const auto &converter : std::exchange(m_inBackground, {})) {
+        if (converter)
+            converter->waitForBackgroundEnd(endOfKilledToolMs);
+    }
+}
+
 void KXJob::stopJob()
 {
     if (m_ended)
@@ -88,13 +98,15 @@ void KXJob::stopJob()
     unsubscribe();
     m_ended = true;
     *m_cancelled = true;
+    pollSoon();
     m_monitorQueue.clear();
     stopFlashing();
+    m_firstPoll.stop();
     m_waitingSteps.clear();
     m_durations.end();
-    for (const jobs::StepTask &task : std::as_const(m_stepTaskList))
+    for (const jobs::StepTask &task : std::exchange(m_stepTaskList, {}))
         stopTask(task);
-    m_stepTaskList.clear();
+    waitForKilledTools();
     endLoop(m_monitorQueue, this);
     postProgress({});
     deleteUnfinishedOutputs();

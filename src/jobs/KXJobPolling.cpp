@@ -26,16 +26,16 @@ void KXJob::runOnMain(const std::function<void()> &work, Qt::ConnectionType how)
         QMetaObject::invokeMethod(this, guarded, how == Qt::QueuedConnection ? how : Qt::DirectConnection);
         return;
     }
-    const auto done = std::make_shared<std::atomic_bool>(false);
+    const auto done = std::make_shared<QSemaphore>();
     QMetaObject::invokeMethod(
         this,
         [guarded, done] {
             guarded();
-            *done = true;
+            done->release();
         },
         Qt::QueuedConnection);
-    while (!*done && !jobIsCancelled())
-        QThread::msleep(sliceMs);
+    while (!done->tryAcquire(1, sliceMs) && !jobIsCancelled()) {
+    }
 }
 
 jobs::ProgressList KXJob::firstProgress() const
@@ -58,8 +58,8 @@ void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std:
             runOnMain([this, current] { setProgressList(current); }, Qt::BlockingQueuedConnection);
             runOnMain([this, current] { updateProgressWithProgressList(current); }, Qt::QueuedConnection);
             previous = current;
-            for (int waited = 0; waited < pollMilliseconds && !jobIsCancelled(); waited += sliceMs)
-                QThread::msleep(sliceMs);
+            if (!isFinished && m_news.tryAcquire(1, m_context.intervals.poll))
+                m_news.tryAcquire(m_news.available()); // one look sees all of it
         }
         // The hold goes to the main thread: where the loop runs, its end can't be waited for.
         QMetaObject::invokeMethod(

@@ -63,6 +63,8 @@ KXQueueController::KXQueueController(const jobs::JobContext &context, const jobs
     , m_watchMode(watchMode)
 {
     connect(&m_timer, &QTimer::timeout, this, &KXQueueController::theQueueLoop);
+    m_soon.setSingleShot(true);
+    connect(&m_soon, &QTimer::timeout, this, &KXQueueController::manageQueue);
 }
 
 KXQueueController::~KXQueueController()
@@ -88,7 +90,13 @@ void KXQueueController::openForJobs()
     if (!m_jobList.isEmpty())
         return;
     Q_EMIT drawerWanted(true);
-    m_timer.start(tickMilliseconds);
+    m_timer.start(m_context.intervals.tick);
+}
+
+/// From the event loop: whoever adds a job, or hears that one has ended, is done first.
+void KXQueueController::startNextSoon()
+{
+    m_soon.start(0);
 }
 
 int KXQueueController::addToQueue(const SelectionPointer &selection)
@@ -116,6 +124,7 @@ JobPointer KXQueueController::append(const QString &className)
     if (!job)
         return nullptr;
     m_jobList.append(job);
+    startNextSoon();
     connect(job.get(), &KXJob::outcomeChanged, this, [this, job = job.get()] {
         const auto isIt = [job](const JobPointer &other) { return other.get() == job; };
         const auto found = std::find_if(m_jobList.cbegin(), m_jobList.cend(), isIt);
@@ -235,6 +244,7 @@ void KXQueueController::jobEnded(const KXNotification &notification)
     setPauseButtonTitle(u"Pause"_s);
     Q_EMIT jobProgressListChanged();
     Q_EMIT jobChanged(static_cast<int>(m_currentJobRowIndex));
+    startNextSoon();
 }
 
 void KXQueueController::rememberOutput(const QUrl &output)

@@ -51,8 +51,6 @@ public:
     QString pauseButtonTitle() const { return m_pauseButtonTitle; }
     bool timerIsRunning() const { return m_timer.isActive(); }
 
-    static constexpr int tickMilliseconds = 1000;
-
 Q_SIGNALS:
     void jobAdded(int row);
     void jobChanged(int row);
@@ -67,6 +65,7 @@ private:
     int addOnePerFile(const SelectionPointer &selection, const QString &className);
     JobPointer append(const QString &className);
     void openForJobs();
+    void startNextSoon();
     void removeRow(qsizetype row);
     void setPauseButtonTitle(const QString &title);
     void jobEnded(const KXNotification &notification);
@@ -82,6 +81,7 @@ private:
     std::weak_ptr<KXJob> m_jobAskedAbout;
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;
     QTimer m_timer;
+    QTimer m_soon; ///< something has happened that may let a job start
     QString m_pauseButtonTitle = QStringLiteral("Pause");
     qint64 m_currentJobRowIndex = 0;
     bool m_jobIsRunning = false;

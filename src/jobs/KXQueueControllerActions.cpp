@@ -84,8 +84,10 @@ void KXQueueController::quitJobAlertClosedReturnCode(int returnCode)
     // The job may have ended, or another may run by now: then the answer is about nothing.
     if (!asked || asked != m_currentJob || !m_jobIsRunning)
         return;
-    if (returnCode == platform::firstButtonReturn)
-        return stopCurrentJob();
+    if (returnCode == platform::firstButtonReturn) {
+        stopCurrentJob();
+        return startNextSoon();
+    }
     if (returnCode != platform::secondButtonReturn)
         return;
     m_currentJob->resumeJob();

@@ -33,15 +33,16 @@ QStringList KXWatchModeController::movieExtensions()
             u"wmv"_s, u"mov"_s, u"mp4"_s, u"m4v"_s, u"avi"_s};
 }
 
-KXWatchModeController::KXWatchModeController(KXPreferences *preferences)
+KXWatchModeController::KXWatchModeController(KXPreferences *preferences,
+                                             const prefs::WatchIntervals &intervals)
     : m_preferences(preferences)
     , m_listing(std::make_unique<prefs::WatchListing>())
 {
-    m_watchTimer.setInterval(pollMilliseconds);
+    m_watchTimer.setInterval(intervals.poll);
     connect(&m_watchTimer, &QTimer::timeout, this, &KXWatchModeController::watchLoop);
     for (QTimer *timer : {&m_toggleTimer, &m_drawerTimer}) {
         timer->setSingleShot(true);
-        timer->setInterval(toggleMilliseconds);
+        timer->setInterval(intervals.toggle);
     }
     connect(&m_toggleTimer, &QTimer::timeout, this, &KXWatchModeController::delayedToggleWindows);
     connect(&m_drawerTimer, &QTimer::timeout, this, &KXWatchModeController::delayedOpenDrawer);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Fields.h"
+#include "prefs/WatchIntervals.h"
 #include "prefs/WatchedFiles.h"
 
 #include <QObject>
@@ -34,7 +35,8 @@ class KXWatchModeController final : public QObject
 
 public:
     /// Without preferences there is no folder to watch. They must outlive the controller.
-    explicit KXWatchModeController(KXPreferences *preferences = nullptr);
+    explicit KXWatchModeController(KXPreferences *preferences = nullptr,
+                                   const prefs::WatchIntervals &intervals = {});
     ~KXWatchModeController() override;
 
     /// Another view of the folder, for tests.
@@ -57,8 +59,6 @@ public:
     /// A file that was handed over could not be opened; it is looked at again when it has changed.
     void fileRefused(const QUrl &file);
 
-    static constexpr int pollMilliseconds = 5000;
-    static constexpr int toggleMilliseconds = 400;
     static constexpr int fadeMilliseconds = 100;
 
 Q_SIGNALS:

@@ -10,15 +10,15 @@ tools::ToolProcessPointer DryRun::startProcess(const Launch &launch, const tools
     return nullptr;
 }
 
-QString DryRun::startShellLine(const Launch &launch, const tools::ShellLine &line,
-                               const std::function<QString()> &)
+tools::ToolProcessPointer DryRun::startLine(const Launch &launch, const tools::ShellLine &line,
+                                            const tools::ToolProcess::Request &)
 {
     Entry entry;
     entry.launch = launch;
     entry.isShellLine = true;
     entry.line = line;
     m_entries.append(entry);
-    return {};
+    return nullptr;
 }
 
 bool DryRun::copyFile(OutputGuard &, const QUrl &, const QUrl &)

@@ -17,8 +17,8 @@ public:
 
     tools::ToolProcessPointer startProcess(const Launch &launch,
                                            const tools::ToolProcess::Request &request) override;
-    QString startShellLine(const Launch &launch, const tools::ShellLine &line,
-                           const std::function<QString()> &run) override;
+    tools::ToolProcessPointer startLine(const Launch &launch, const tools::ShellLine &line,
+                                        const tools::ToolProcess::Request &request) override;
     bool copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to) override;
     QString makeWay(OutputGuard &guard, const QUrl &output) override;
     QString makeLog(OutputGuard &guard, const QUrl &log) override;

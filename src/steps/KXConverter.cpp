@@ -11,7 +11,6 @@
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -29,34 +28,11 @@ QUrl inFolder(const QUrl &folder, const QString &name)
     return QUrl::fromLocalFile(path.endsWith(u'/') ? path + name : path + u'/' + name);
 }
 
-QString fileText(const QUrl &location)
-{
-    QFile file(location.toLocalFile());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 /// The reason as a sentence, followed by the tool's own words where there are some.
 QString sentenceOf(const QString &reason, const QString &words = {})
 {
     const QString sentence = words.isEmpty() ? reason : reason + u": "_s + words;
     return sentence.endsWith(u'.') ? sentence : sentence + u'.';
-}
-
-/// ffmpeg's last status line says "Lsize=" only when there is video; its summary always comes. Both
-/// come too when it was asked to end or gave up.
-bool hasFfmpegFinished(const steps::ToolLog &log)
-{
-    if (log.hasLineStartingWith(u"Conversion failed"_s) || log.hasLineStartingWith(u"Exiting normally"_s))
-        return false;
-    return log.lastStatusLine().contains(u"Lsize="_s) || log.hasLineStartingWith(u"video:"_s);
-}
-
-/// The closing words of mkvmerge and mkvextract; other tools of the family just end.
-bool hasMkvToolFinished(const steps::ToolLog &log, const QString &name)
-{
-    if (name.contains(u"mkvmerge"_s))
-        return log.hasLineStartingWith(u"Multiplexing took"_s);
-    return !name.contains(u"mkvextract"_s) || log.hasLineStartingWith(u"Progress: 100%"_s);
 }
 
 } // namespace
@@ -184,8 +160,7 @@ steps::Outcome KXConverter::outcome() const
 
 steps::Outcome KXConverter::outcomeOfTool() const
 {
-    const bool wasProcess = doShell_ID().isEmpty() || converterTask();
-    const steps::Outcome ended = wasProcess ? outcomeOfProcess() : outcomeOfBackground();
+    const steps::Outcome ended = outcomeOfLastTask();
     if (ended.verdict == steps::Verdict::Failed)
         return ended;
     const QList<QUrl> outputs = outputFiles();
@@ -221,10 +196,16 @@ steps::Outcome KXConverter::withNotes(steps::Outcome ended) const
     return ended;
 }
 
-steps::Outcome KXConverter::outcomeOfProcess() const
+bool KXConverter::lastRunFailed() const
+{
+    const auto task = lastTask();
+    return task && task->end() != tools::ToolProcess::End::StillRunning && task->exitStatus() != 0;
+}
+
+steps::Outcome KXConverter::outcomeOfLastTask() const
 {
     using steps::Outcome;
-    const auto task = converterTask();
+    const auto task = lastTask();
     const QString name = m_tool.fileName();
     if (!task)
         return Outcome::failed(u"The tool of this step was not started."_s);
@@ -242,21 +223,4 @@ steps::Outcome KXConverter::outcomeOfProcess() const
             sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
     }
     return Outcome::ok();
-}
-
-/// Nobody tells us the exit status of a background line, so its log has to.
-steps::Outcome KXConverter::outcomeOfBackground() const
-{
-    using steps::Outcome;
-    const steps::ToolLog log(withoutNames(fileText(logFileURL())));
-    const QString name = m_tool.fileName();
-    const bool isMkv = tools::toolFamily(m_tool) == tools::ToolFamily::Mkv;
-    const QString error = isMkv ? log.firstLineStartingWith(u"Error:"_s) : QString();
-    if (!error.isNull())
-        return Outcome::failed(sentenceOf(u"%1 failed"_s.arg(name), error));
-    if (isMkv ? !hasMkvToolFinished(log, name) : !hasFfmpegFinished(log))
-        return Outcome::failed(sentenceOf(u"%1 did not finish"_s.arg(name), log.lastMessage()));
-    const QString warning = isMkv ? log.firstLineStartingWith(u"Warning:"_s) : QString();
-    return warning.isNull() ? Outcome::ok()
-                            : Outcome::warnings(sentenceOf(u"%1 warned"_s.arg(name), warning));
 }

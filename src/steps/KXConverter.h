@@ -12,6 +12,7 @@
 
 #include <QStringDecoder>
 
+#include <atomic>
 #include <memory>
 
 class KXPreferences;
@@ -106,6 +107,13 @@ public:
     /// The sources whose lengths the step goes by.
     virtual QList<QUrl> timedSources() const { return {inputFileURL()}; }
 
+    /// Whether its background run goes on. From any thread.
+    bool backgroundRuns() const;
+    /// Whether the run that was started last has ended otherwise than with exit status 0.
+    bool lastRunFailed() const;
+    /// Waits until a background run that was killed has ended.
+    void waitForBackgroundEnd(int milliseconds);
+
     /// Why the step was not started; a null text when it may be or was.
     QString refusal() const { return m_refusal; }
     /// How the step ended, once it has.
@@ -117,6 +125,10 @@ public:
     /// What goes with the job.
     virtual QList<QUrl> temporaryFiles() const;
 
+Q_SIGNALS:
+    /// The tool has ended, and all that it printed was taken in.
+    void toolEnded();
+
 protected:
     const steps::ConverterContext &context() const { return m_context; }
     void post(const QString &name, const QString &text) const;
@@ -127,7 +139,8 @@ protected:
     void refuse(const QString &sentence) { m_refusal = sentence; }
     /// The launch form of a list: what has to differ for the installed tool to succeed.
     virtual tools::OptionList launchForm(const tools::OptionList &meant);
-    /// Runs the line with "& echo $!" at its end; answers the process id, a null text for none.
+    /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about
+    /// by monitorConversion(); answers the process id, a null text for none.
     QString startInBackground(const QUrl &tool, const tools::OptionList &options);
     /// The folder of the preferences when one is set, else the given one.
     QUrl saveFolderOr(const QUrl &folder) const;
@@ -149,14 +162,16 @@ protected:
 
 private:
     steps::Outcome withNotes(steps::Outcome ended) const;
-    steps::Outcome outcomeOfProcess() const;
-    steps::Outcome outcomeOfBackground() const;
+    /// The run that was started last: a second pass of a background run has a process object of its own.
+    tools::ToolProcessPointer lastTask() const { return converterTask() ? converterTask() : m_background; }
+    steps::Outcome outcomeOfLastTask() const;
     /// A log without the names that would break it into lines of their own.
     QString withoutNames(QString log) const;
     steps::Launch launchOf(const QUrl &tool, const tools::OptionList &meant,
                            const tools::OptionList &launched) const;
     tools::OptionList fittingLaunchForm(const tools::OptionList &meant);
     void watch(const tools::ToolProcessPointer &task);
+    void watchBackground();
     void endOfStream(tools::ToolProcess::Channel channel);
     void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
@@ -170,6 +185,8 @@ private:
     steps::ConverterContext m_context;
     QString m_refusal;
     QUrl m_tool;
+    tools::ToolProcessPointer m_background;
+    std::atomic_bool m_backgroundRuns = false; ///< read by a job's monitor thread
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;

@@ -7,6 +7,7 @@
 #include "steps/DurationLooks.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/OutputGuard.h"
+#include "steps/RunAsProcess.h"
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
 
@@ -140,10 +141,10 @@ void KXConverter::endOfStream(ToolProcess::Channel channel)
 {
     const int mine = channel == ToolProcess::Channel::Output ? 1 : 2;
     const int others = 3 - mine;
-    if (backgroundReadStatus() == others)
-        backgroundReadingCompleted();
-    else
-        setBackgroundReadStatus(mine);
+    if (backgroundReadStatus() != others)
+        return setBackgroundReadStatus(mine);
+    backgroundReadingCompleted();
+    Q_EMIT toolEnded();
 }
 
 void KXConverter::handleNewTaskResult(const steps::ReadEvent &event)
@@ -181,15 +182,54 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     const tools::OptionList launched = fittingLaunchForm(options);
     tools::ShellLine line = tools::toolLine(tool, options, appPreferences(), tools::shellKind());
     line.launched = tools::toolLine(tool, launched, appPreferences(), tools::shellKind()).launched;
-    const QString pid = m_context.launcher.startShellLine(
-        launchOf(tool, options, launched), line, [&] { return doShellScriptForWithOptions(tool, launched); });
-    // Only a whole number is an id: anything else is the shell's word on why nothing runs.
-    if (tools::isAllDigits(pid))
-        return pid;
+    ToolProcess::Request request;
+    request.program = tool.toLocalFile();
+    request.arguments = tools::argumentsOf(steps::runAsProcess(launched));
+    request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
+    request.workingFolder = appPreferences().workingFolder();
+    request.streams = ToolProcess::Streams::Merged;
+    logObjectWithString(line.meant, u"doShellScript String: "_s);
+    m_background = m_context.launcher.startLine(launchOf(tool, options, launched), line, request);
+    if (!m_background)
+        return {};
+    watchBackground();
+    const qint64 pid = m_background->processIdentifier();
+    if (pid > 0)
+        return QString::number(pid);
     m_context.guard.files().remove(logFileURL());
-    if (!pid.isNull())
-        m_refusal = pid.isEmpty() ? u"%1 could not be started."_s.arg(tool.fileName()) : pid;
+    m_refusal = u"%1 could not be started."_s.arg(tool.fileName());
     return {};
+}
+
+/// Nothing is announced of what it prints: who wants to know asks monitorConversion().
+void KXConverter::watchBackground()
+{
+    setLogString(u""_s);
+    m_logIsBegun = false;
+    m_outputDecoder.resetState();
+    m_backgroundRuns = true;
+    const ToolProcess *source = m_background.get();
+    connect(source, &ToolProcess::chunkRead, this,
+            [this, source](ToolProcess::Channel channel, const QByteArray &bytes) {
+                KXConverter::handleNewTaskResult({channel, bytes, source});
+            });
+    connect(source, &ToolProcess::channelEnded, this, [this](ToolProcess::Channel channel) {
+        if (channel != ToolProcess::Channel::Error) // the last one to be told
+            return;
+        m_backgroundRuns = false;
+        Q_EMIT toolEnded();
+    });
+}
+
+bool KXConverter::backgroundRuns() const
+{
+    return m_background ? m_backgroundRuns.load() : processIsRunningWithPID(doShell_ID());
+}
+
+void KXConverter::waitForBackgroundEnd(int milliseconds)
+{
+    if (m_background)
+        m_background->waitUntilExit(milliseconds);
 }
 
 bool KXConverter::stringFoundInLog(const QString &text) const
@@ -216,7 +256,7 @@ QString KXConverter::lastLogLine() const
 
 QString KXConverter::pollPercentage() const
 {
-    if (!processIsRunningWithPID(doShell_ID()))
+    if (!backgroundRuns())
         return u"Complete"_s;
     const QString piece = lastLogLine().section(u": "_s, -1);
     return piece.endsWith(u'%') ? piece : u"error"_s;
@@ -234,7 +274,7 @@ QString KXConverter::monitorConversion()
 {
     if (doShell_ID().isEmpty())
         return {};
-    if (!processIsRunningWithPID(doShell_ID())) {
+    if (!backgroundRuns()) {
         if (currentPass() != 1)
             return u"Complete"_s;
         setCurrentPass(0); // said once

@@ -12,10 +12,10 @@ tools::ToolProcessPointer StepLauncher::startProcess(const Launch &,
     return tools::ToolProcess::start(request);
 }
 
-QString StepLauncher::startShellLine(const Launch &, const tools::ShellLine &,
-                                     const std::function<QString()> &run)
+tools::ToolProcessPointer StepLauncher::startLine(const Launch &, const tools::ShellLine &,
+                                                  const tools::ToolProcess::Request &request)
 {
-    return run();
+    return tools::ToolProcess::start(request);
 }
 
 bool StepLauncher::copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to)
@@ -28,8 +28,6 @@ QString StepLauncher::makeWay(OutputGuard &guard, const QUrl &output)
     return guard.makeWayFor(output);
 }
 
-/// Made here, so that the shell never writes through what somebody put at its name meanwhile. Where it can't
-/// be made for another reason, the shell says why.
 QString StepLauncher::makeLog(OutputGuard &guard, const QUrl &log)
 {
     if (!guard.hasClaimed(log))

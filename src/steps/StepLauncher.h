@@ -6,8 +6,6 @@
 #include <QString>
 #include <QUrl>
 
-#include <functional>
-
 namespace steps {
 
 class OutputGuard;
@@ -33,15 +31,15 @@ public:
     virtual ~StepLauncher() = default;
     virtual tools::ToolProcessPointer startProcess(const Launch &launch,
                                                    const tools::ToolProcess::Request &request);
-    /// run starts the shell line and answers the process id it printed.
-    virtual QString startShellLine(const Launch &launch, const tools::ShellLine &line,
-                                   const std::function<QString()> &run);
+    /// The words of a shell line, as a process object.
+    virtual tools::ToolProcessPointer startLine(const Launch &launch, const tools::ShellLine &line,
+                                                const tools::ToolProcess::Request &request);
     /// Copies a file to a name of the job, over an old copy of it. False when that failed.
     virtual bool copyFile(OutputGuard &guard, const QUrl &from, const QUrl &to);
     /// Moves a file that is to be replaced out of the way, and takes the name for the job's own; null, or
     /// why that was not possible.
     virtual QString makeWay(OutputGuard &guard, const QUrl &output);
-    /// An empty log for a shell line that writes into it; null, or why that was not possible.
+    /// An empty log for a step that is followed by what stands in it; null, or why that was not possible.
     virtual QString makeLog(OutputGuard &guard, const QUrl &log);
     /// True when nothing is really run.
     virtual bool isDryRun() const { return false; }

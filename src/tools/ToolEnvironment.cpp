@@ -82,6 +82,17 @@ QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &argu
     return environment;
 }
 
+QProcessEnvironment lineEnvironment(const QUrl &tool, const QStringList &arguments, const ToolPlaces &places)
+{
+    QProcessEnvironment environment = processEnvironment(tool, arguments, places);
+    if (toolFamily(tool) == ToolFamily::Mkv) {
+        const QString library = places.resourcesLocation().toLocalFile() + u"/mkvtoolnix/lib"_s;
+        environment.insert(u"DYLD_LIBRARY_PATH"_s, library);
+        environment.insert(u"LD_LIBRARY_PATH"_s, library);
+    }
+    return environment;
+}
+
 QProcessEnvironment shellEnvironment(const QUrl &tool)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

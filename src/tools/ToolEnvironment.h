@@ -24,5 +24,7 @@ QProcessEnvironment processEnvironment(const QUrl &tool, const QStringList &argu
                                        const ToolPlaces &places);
 /// Our environment for a shell line; the line exports the rest itself.
 QProcessEnvironment shellEnvironment(const QUrl &tool);
+/// The same with what the line exports, for a process that runs its words.
+QProcessEnvironment lineEnvironment(const QUrl &tool, const QStringList &arguments, const ToolPlaces &places);
 
 } // namespace tools

@@ -34,6 +34,8 @@ std::shared_ptr<ToolProcess> ToolProcess::start(const Request &request)
     std::shared_ptr<ToolProcess> tool(new ToolProcess, &ToolProcess::release);
     tool->m_process.setProcessEnvironment(request.environment);
     tool->m_process.setWorkingDirectory(request.workingFolder);
+    if (request.streams == Streams::Merged)
+        tool->m_process.setProcessChannelMode(QProcess::MergedChannels);
     tool->m_process.start(request.program, request.arguments);
     tool->m_process.closeWriteChannel(); // no tool can wait for a key
     return tool;
@@ -112,12 +114,14 @@ void ToolProcess::finish(End end)
         return;
     const QScopedValueRollback reporting(m_reporting, true);
     m_end = end;
+    const bool isMerged = m_process.processChannelMode() == QProcess::MergedChannels;
     if (end == End::NotStarted) {
         const QString message = u"%1 could not be started: %2\n"_s.arg(launchPath(), m_process.errorString());
-        report(Channel::Error, message.toUtf8());
+        report(isMerged ? Channel::Output : Channel::Error, message.toUtf8());
     } else {
         read(Channel::Output);
-        read(Channel::Error);
+        if (!isMerged)
+            read(Channel::Error);
     }
     for (const Channel channel : {Channel::Output, Channel::Error}) {
         if (!m_readersClosed)

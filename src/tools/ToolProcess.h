@@ -19,6 +19,8 @@ class ToolProcess final : public QObject
 public:
     enum class Channel { Output, Error };
     enum class End { StillRunning, Exited, Crashed, NotStarted };
+    /// Merged: both streams come as Output, in the order in which the program wrote.
+    enum class Streams { Apart, Merged };
     Q_ENUM(Channel)
     Q_ENUM(End)
 
@@ -28,6 +30,7 @@ public:
         QStringList arguments;
         QProcessEnvironment environment;
         QString workingFolder; ///< empty: ours
+        Streams streams = Streams::Apart;
     };
 
     /// Signals come from the event loop, never from within this call.

@@ -22,7 +22,7 @@ using namespace support;
 namespace {
 
 /// An hour.
-constexpr int polls = 3600 / (KXWatchModeController::pollMilliseconds / 1000);
+constexpr int polls = 3600 / (prefs::WatchIntervals().poll / 1000);
 
 } // namespace
 

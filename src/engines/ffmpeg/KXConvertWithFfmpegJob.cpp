@@ -150,9 +150,9 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
     dumper.inititializeForTrackWithStepLabelKeepingTheOutput(index, u"Extracting Subtitle"_s,
                                                              KXConverter::Keeping::Temporary);
     dumper.setIsTemporaryOutput(true);
-    const QString pid = dumper.startConversionFor(jobSelection());
+    dumper.startConversionFor(jobSelection());
     noteFilesOf(dumper);
-    waitForBackground(pid);
+    waitForBackground(dumper);
     if (context().launcher.isDryRun() || jobIsCancelled())
         return dumper.outputFileURL();
     const steps::Outcome outcome = outcomeOfStep(dumper);
@@ -172,17 +172,17 @@ void KXConvertWithFfmpegJob::keepFiles(const QList<QUrl> &kept)
 }
 
 /// Keeps a window painting while it waits. A missing id counts as finished.
-void KXConvertWithFfmpegJob::waitForBackground(const QString &pid)
+void KXConvertWithFfmpegJob::waitForBackground(KXConverter &converter)
 {
-    if (pid.isEmpty())
+    if (converter.doShell_ID().isEmpty())
         return;
-    addTask(pid);
-    while (!jobIsCancelled() && processIsRunningWithPID(pid)) {
+    followBackground(converter);
+    while (!jobIsCancelled() && converter.backgroundRuns()) {
         QEventLoop loop;
+        connect(&converter, &KXConverter::toolEnded, &loop, &QEventLoop::quit);
         QTimer::singleShot(extractionPollMs, &loop, &QEventLoop::quit);
         loop.exec();
     }
-    removeTask(pid);
 }
 
 void KXConvertWithFfmpegJob::monitorNotifications(const KXNotification &notification)

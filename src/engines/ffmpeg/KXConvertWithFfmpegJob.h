@@ -49,7 +49,7 @@ private:
     void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
     void keepFiles(const QList<QUrl> &kept);
-    void waitForBackground(const QString &pid);
+    void waitForBackground(KXConverter &converter);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);
     void conversionCompleted();

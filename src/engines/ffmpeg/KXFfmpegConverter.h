@@ -59,7 +59,6 @@ private:
     void checkFontCache();
     void postProgress(const steps::FfmpegReading &reading);
     void removeInterruptedStatistics();
-    QString wholeLog() const;
 
     steps::FfmpegProgressReader m_progress;
     QString m_lastTime; ///< of the run, also while the fonts are being prepared

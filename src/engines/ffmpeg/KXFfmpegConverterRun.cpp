@@ -7,8 +7,6 @@
 #include "media/KXVideoTrack.h"
 #include "steps/OutputGuard.h"
 
-#include <QFile>
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -140,21 +138,12 @@ QString KXFfmpegConverter::monitorConversion()
     return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
 }
 
-/// Everything that the run printed: that of a background line stands in its log.
-QString KXFfmpegConverter::wholeLog() const
-{
-    if (doShell_ID().isEmpty() || converterTask())
-        return logString();
-    QFile file(logFileURL().toLocalFile());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 steps::Outcome KXFfmpegConverter::outcome() const
 {
     if (!refusal().isNull())
         return steps::Outcome::failed(refusal());
     engines::FfmpegRun run;
-    run.log = wholeLog();
+    run.log = logString();
     run.files = namesInLog();
     run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();

@@ -168,7 +168,7 @@ void KXTrackDumper::backgroundReadingCompleted()
 
 QString KXTrackDumper::monitorConversion()
 {
-    if (!processIsRunningWithPID(doShell_ID()))
+    if (!backgroundRuns())
         return u"Complete"_s;
     if (extractorName() == u"ffmpeg"_s)
         return pollFfmpeg();

@@ -71,15 +71,15 @@ void KXConvertToMkvJob::startJob()
     postProgress(progressList());
     if (context().launcher.isDryRun())
         return muxStep();
-    QTimer::singleShot(engines::monitorDelayMs, this, [this] { monitorStartJob(); });
+    followSoon([this] { monitorStartJob(); });
 }
 
 void KXConvertToMkvJob::startWaitingConversions(int most)
 {
     for (int started = 0; started < most && !m_waiting.isEmpty() && !isPaused(); ++started) {
-        const QString pid = m_waiting.takeFirst()->startPreparedTrack();
-        if (!pid.isEmpty())
-            addTask(pid);
+        KXFfmpegConverter *converter = m_waiting.takeFirst();
+        if (!converter->startPreparedTrack().isEmpty())
+            followBackground(*converter);
     }
 }
 
@@ -143,7 +143,8 @@ void KXConvertToMkvJob::monitorStartJob()
 
 void KXConvertToMkvJob::startPass2SelectorFor(KXFfmpegConverter &converter)
 {
-    removeTask(converter.doShell_ID());
+    if (converter.lastRunFailed())
+        return; // it left no statistics
     if (const auto task = converter.startSecondPass())
         addTask(task);
 }
@@ -176,7 +177,7 @@ void KXConvertToMkvJob::muxStep()
     setMuxStepCounter(1);
     setOldMuxProgress(0);
     if (!context().launcher.isDryRun())
-        QTimer::singleShot(engines::monitorDelayMs, this, [this] { monitorMuxStep(); });
+        followSoon([this] { monitorMuxStep(); });
 }
 
 void KXConvertToMkvJob::monitorMuxStep()

@@ -90,7 +90,7 @@ void KXEditMkvJob::startBackground(const ConverterPointer &converter, const QStr
     backgroundStepStarted(converter, converter->doShell_ID());
     postProgress(progressList());
     if (!context().launcher.isDryRun())
-        QTimer::singleShot(engines::monitorDelayMs, this, [this] { monitorMuxStep(); });
+        followSoon([this] { monitorMuxStep(); });
 }
 
 void KXEditMkvJob::monitorNotifications(const KXNotification &notification)

@@ -87,6 +87,7 @@ struct JobFixture
     steps::OutputRegistry outputs;
     steps::ScratchFolder scratchFolder;
     int toolsAtOnce = 4; ///< of one job, on whatever machine
+    jobs::Intervals intervals{20, 20, 5, 20};
 };
 
 /// Keeps every announcement of the given names from its making on.

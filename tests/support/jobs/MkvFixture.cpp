@@ -26,11 +26,11 @@ tools::ToolProcessPointer LaunchRecord::startProcess(const steps::Launch &launch
     return StepLauncher::startProcess(launch, request);
 }
 
-QString LaunchRecord::startShellLine(const steps::Launch &launch, const tools::ShellLine &line,
-                                     const std::function<QString()> &run)
+tools::ToolProcessPointer LaunchRecord::startLine(const steps::Launch &launch, const tools::ShellLine &line,
+                                                  const tools::ToolProcess::Request &request)
 {
     m_all.append({launch, line.launched});
-    return StepLauncher::startShellLine(launch, line, run);
+    return StepLauncher::startLine(launch, line, request);
 }
 
 QList<LaunchRecord::Started> LaunchRecord::of(const QString &tool) const

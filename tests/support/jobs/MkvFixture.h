@@ -12,13 +12,13 @@ public:
     struct Started
     {
         steps::Launch launch;
-        QString line; ///< the shell line that ran; empty for a process object
+        QString line; ///< the shell line whose words run; empty for a list
     };
 
     tools::ToolProcessPointer startProcess(const steps::Launch &launch,
                                            const tools::ToolProcess::Request &request) override;
-    QString startShellLine(const steps::Launch &launch, const tools::ShellLine &line,
-                           const std::function<QString()> &run) override;
+    tools::ToolProcessPointer startLine(const steps::Launch &launch, const tools::ShellLine &line,
+                                        const tools::ToolProcess::Request &request) override;
     /// The starts of one tool, in order.
     QList<Started> of(const QString &tool) const;
 

@@ -3,7 +3,6 @@
 #include "support/engines/ConversionFixture.h"
 #include "support/selection/HandMade.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -179,15 +178,6 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return !set.isEmpty(); }));
         QCOMPARE(set, jobs::ProgressList({{u"Step"_s, u"45%"_s}}));
         QVERIFY(fixture.waitForEnd());
-    }
-
-    void halfASecondBetweenTwoPolls()
-    {
-        Polling fixture;
-        QElapsedTimer clock;
-        clock.start();
-        fixture.poll({fixture.answering({u"1%"_s, u"2%"_s})});
-        QVERIFY2(clock.elapsed() >= 1000, qPrintable(QString::number(clock.elapsed())));
     }
 
     void aStopEndsItWithoutACheck()

@@ -277,7 +277,7 @@ private Q_SLOTS:
         // The hanging one has printed no time: it is at its beginning.
         QVERIFY(fixture.waitForStep(u"Converting Video=Complete,Converting Audio=0%"_s));
         QVERIFY(!waitFor([&] { return !fixture.calls().isEmpty(); }, 1200));
-        ::kill(fixture.taskOf(1).toInt(), SIGKILL);
+        ::kill(fixture.converter(1).doShell_ID().toInt(), SIGKILL);
         QVERIFY(fixture.waitForEnd());
         QVERIFY(fixture.progressTexts().contains(u"Converting Video=Complete,Converting Audio=Complete"_s));
     }

@@ -355,8 +355,8 @@ private Q_SLOTS:
         const auto track = videoTrack();
         track->setTrackInfo(u"Video: (h264)"_s);
         if (isBackground) {
-            const QString pid = fixture.dumper.startConversionFor(fixture.selection({track}));
-            QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
+            fixture.dumper.startConversionFor(fixture.selection({track}));
+            QVERIFY(waitFor([&] { return !fixture.dumper.backgroundRuns(); }));
         } else {
             fixture.dumper.startConversionForSelection(fixture.selection({track}));
             QVERIFY(fixture.waitForEnd());

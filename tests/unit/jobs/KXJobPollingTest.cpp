@@ -20,15 +20,17 @@ public:
     using KXJob::firstProgress;
     using KXJob::KXJob;
     using KXJob::poll;
+    using KXJob::pollSoon;
     using KXJob::runOnMain;
 };
 
 class PollFixture final
 {
 public:
-    PollFixture()
-        : record(base.notifications, {u"progressUpdate"_s})
-        , job(std::make_shared<PolledJob>(base.jobContext()))
+    explicit PollFixture(int pollMs = 20)
+        : base(JobFixture::Tools::Fake)
+        , record(base.notifications, {u"progressUpdate"_s})
+        , job(std::make_shared<PolledJob>(contextOf(pollMs)))
     {
     }
     ~PollFixture()
@@ -68,7 +70,13 @@ public:
         return list.isEmpty() ? QString() : list.first().progress;
     }
 
-    JobFixture base{JobFixture::Tools::Fake};
+    jobs::JobContext contextOf(int pollMs)
+    {
+        base.intervals.poll = pollMs;
+        return base.jobContext();
+    }
+
+    JobFixture base;
     QThread *main = QThread::currentThread();
     NotificationRecord record;
     std::shared_ptr<PolledJob> job;
@@ -102,12 +110,25 @@ private Q_SLOTS:
 
     void itRestsBetweenTwoCycles()
     {
-        PollFixture fixture;
+        PollFixture fixture(300);
         QElapsedTimer clock;
         clock.start();
         fixture.poll(3);
         QVERIFY(waitFor([&] { return fixture.finished > 0; }, 20000));
-        QVERIFY2(clock.elapsed() >= 3 * 480, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() >= 2 * 290, qPrintable(QString::number(clock.elapsed())));
+    }
+
+    void newsEndARest()
+    {
+        PollFixture fixture(60000);
+        fixture.poll(3);
+        QVERIFY(waitFor([&] { return fixture.count == 1; }));
+        fixture.job->pollSoon();
+        fixture.job->pollSoon(); // one look sees both
+        QVERIFY(waitFor([&] { return fixture.count == 2; }));
+        QVERIFY(!waitFor([&] { return fixture.count > 2; }, 200));
+        fixture.job->pollSoon();
+        QVERIFY(waitFor([&] { return fixture.finished > 0; }));
     }
 
     void aStopEndsItWithoutTheNextStep()

@@ -256,16 +256,16 @@ private Q_SLOTS:
         JobOfSteps steps({u"one"_s});
         steps.job->flashProgressWithProgressItem({0, {u"one"_s, u"first"_s}});
         steps.job->flashProgressWithProgressItem({0, {u"one"_s, u"second"_s}}); // one is running
-        QVERIFY(steps.record.all().isEmpty());                                  // it begins a second later
-        QStringList shown;
+        QVERIFY(steps.record.all().isEmpty());                                  // it begins an interval later
+        QSet<QString> shown;
         QVERIFY(support::waitFor([&] {
-            if (steps.record.count(u"progressUpdate"_s) > shown.size())
-                shown.append(steps.progressOf(0));
-            return shown.size() == 3;
+            if (steps.record.count(u"progressUpdate"_s) > 0)
+                shown.insert(steps.progressOf(0));
+            return shown.size() == 2;
         }));
-        QVERIFY(shown.contains(u"first"_s) && shown.contains(u""_s) && !shown.contains(u"second"_s));
+        QCOMPARE(shown, (QSet<QString>{u"first"_s, u""_s}));
         steps.job->updateProgressWithProgressItem({0, {u"one"_s, u"45%"_s}});
-        QVERIFY(!support::waitFor([&] { return steps.progressOf(0) != u"45%"_s; }, 1300));
+        QVERIFY(!support::waitFor([&] { return steps.progressOf(0) != u"45%"_s; }, 100));
         steps.job->flashProgressWithProgressItem({0, {u"one"_s, u"third"_s}});
         QVERIFY(support::waitFor([&] { return steps.progressOf(0) == u"third"_s; }));
     }

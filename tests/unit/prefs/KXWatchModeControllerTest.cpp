@@ -131,10 +131,8 @@ private Q_SLOTS:
         QCOMPARE(controller.baseWatchFolderMovieList(), known);
     }
 
-    void theTimesAreFixed()
+    void theFadeIsFixed()
     {
-        QCOMPARE(KXWatchModeController::pollMilliseconds, 5000);
-        QCOMPARE(KXWatchModeController::toggleMilliseconds, 400);
         QCOMPARE(KXWatchModeController::fadeMilliseconds, 100);
     }
 

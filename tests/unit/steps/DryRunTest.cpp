@@ -48,14 +48,7 @@ private Q_SLOTS:
     void shellLineIsKeptAndNotRun()
     {
         steps::DryRun dryRun;
-        bool ran = false;
-        const QString answer =
-            dryRun.startShellLine(someLaunch(u"Extracting"_s), {u"meant"_s, u"launched"_s}, [&] {
-                ran = true;
-                return u"17"_s;
-            });
-        QVERIFY(answer.isNull());
-        QVERIFY(!ran);
+        QVERIFY(!dryRun.startLine(someLaunch(u"Extracting"_s), {u"meant"_s, u"launched"_s}, {}));
         QVERIFY(dryRun.entries().first().isShellLine);
         QCOMPARE(dryRun.entries().first().line.meant, u"meant"_s);
         QCOMPARE(dryRun.entries().first().line.launched, u"launched"_s);
@@ -65,7 +58,7 @@ private Q_SLOTS:
     {
         steps::DryRun dryRun;
         dryRun.startProcess(someLaunch(u"one"_s), {});
-        dryRun.startShellLine(someLaunch(u"two"_s), {}, [] { return QString(); });
+        dryRun.startLine(someLaunch(u"two"_s), {}, {});
         dryRun.startProcess(someLaunch(u"three"_s), {});
         QCOMPARE(dryRun.entries().size(), 3);
         QCOMPARE(dryRun.entries().at(1).launch.stepName, u"two"_s);
@@ -104,7 +97,6 @@ private Q_SLOTS:
         QVERIFY(!launcher.copyFile(guard, scratch.url(u"missing.ass"_s), scratch.url(u"private/o.ass"_s)));
         QVERIFY(!launcher.copyFile(guard, scratch.url(u"new.ass"_s), scratch.url(u"others.ass"_s)));
         QCOMPARE(scratch.read(u"others.ass"_s), QByteArray("another's"));
-        QCOMPARE(launcher.startShellLine({}, {}, [] { return u"17"_s; }), u"17"_s);
         guard.claimOutput(scratch.url(u"new.ass"_s));
         QVERIFY(launcher.makeWay(guard, scratch.url(u"new.ass"_s)).isNull());
         QCOMPARE(scratch.read(u"new (replaced).ass"_s), QByteArray("new"));

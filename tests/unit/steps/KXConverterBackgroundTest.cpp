@@ -8,9 +8,11 @@
 #include "support/Waiting.h"
 #include "support/jobs/JobFixture.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 #include <csignal>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using steps::Verdict;
@@ -65,25 +67,19 @@ struct Run
     }
     bool ends()
     {
-        return support::waitFor([&] { return !support::runs(converter.doShell_ID().toLongLong()); });
+        return support::waitFor([&] { return !converter.backgroundRuns(); });
     }
-    /// A background run that ended with this log and an output of so many bytes (-1: none).
-    steps::Outcome outcomeOf(const QString &place, const QByteArray &log, qint64 output = 5)
-    {
-        start(place, {});
-        ends();
-        fixture.scratch.write(u"step.log"_s, log);
-        if (output >= 0)
-            fixture.scratch.write(u"out.mkv"_s, QByteArray(output, 'x'));
-        return converter.outcome();
-    }
-    /// A process object that played this script, which may write "last".
-    steps::Outcome outcomeOfProcess(const QString &place, const QStringList &script)
+    /// A run of that script, which may write "last", as a process object or in the background.
+    steps::Outcome outcomeOf(const QString &place, const QStringList &script, bool inBackground)
     {
         converter.ended = false;
-        converter.runAndMonitorBinaryURLWithOptionsShouldWait(
-            fixture.installTool(place, script), {converter.outputFileURL()}, KXConverter::ShouldWait::No);
-        support::waitFor([&] { return converter.ended; });
+        const QUrl tool = fixture.installTool(place, script);
+        if (inBackground)
+            start(tool, {converter.outputFileURL()});
+        else
+            converter.runAndMonitorBinaryURLWithOptionsShouldWait(tool, {converter.outputFileURL()},
+                                                                  KXConverter::ShouldWait::No);
+        support::waitFor([&] { return inBackground ? !converter.backgroundRuns() : converter.ended; });
         return converter.outcome();
     }
 
@@ -91,17 +87,6 @@ struct Run
     steps::OutputGuard guard;
     OpenConverter converter;
 };
-
-const QByteArray banner = "Input #0, matroska,webm, from '/v/Lsize= video: Error: Multiplexing took.mkv':\n"
-                          "    title           : Lsize=\n"
-                          "    video:0kB\n";
-const QByteArray videoEnd =
-    "frame=   25 fps=0.0 q=-1.0 Lsize=      36kB time=00:00:00.88 bitrate= 337.5kbits/s\n";
-const QByteArray summary = "video:0kB audio:16kB subtitle:0kB other streams:0kB muxing overhead: 1.392638%\n";
-const QByteArray audioEnd =
-    "size=      16kB time=00:00:02.01 bitrate=  65.7kbits/s speed=  79x    \n" + summary;
-const QByteArray mergeEnd =
-    "Progress: 100%\rThe cue entries (the index) are being written...\nMultiplexing took 0 seconds.\n";
 
 } // namespace
 
@@ -151,17 +136,48 @@ private Q_SLOTS:
                 run.fixture.scratch.read(u"step.log"_s).contains("No such file"));
     }
 
-    void answerThatIsNoIdIsTheReason()
+    void toolWithoutANameIsTheReason()
     {
         Run run;
-        const QUrl tool = run.fixture.installTool(u"ffmpeg/ffmpeg"_s);
-        QVERIFY(run.converter.startInBackground(tool, {u"> /no/such/folder/log; false"}).isNull());
-        QVERIFY(run.converter.refusal().contains(u"/no/such/folder/log"_s));
-        QVERIFY(run.converter.startInBackground(tool, {u"; echo 12abc"}).isNull());
-        QCOMPARE(run.converter.refusal(), u"12abc"_s);
-        QVERIFY(run.converter.startInBackground(tool, {}).isNull());
-        QCOMPARE(run.converter.refusal(), u"ffmpeg could not be started."_s);
+        QVERIFY(run.start(QUrl()).isNull());
+        QVERIFY(run.converter.refusal().contains(u"could not be started."_s));
         QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
+        QVERIFY(run.fixture.scratch.read(u"step.log"_s).isNull());
+    }
+
+    /// A line in a shell's background has neither.
+    void hasAnExitStatusAndLeadsAGroupOfItsOwn()
+    {
+        Run run;
+        const QString pid = run.start(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
+        QVERIFY(support::waitFor([&] { return ::getpgid(pid.toInt()) == pid.toInt(); }));
+        QVERIFY(run.converter.backgroundRuns());
+        ::kill(pid.toInt(), SIGKILL);
+        QVERIFY(run.ends());
+        QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
+        QCOMPARE(run.converter.outcome().sentence, u"ffmpeg was ended from outside or crashed."_s);
+    }
+
+    void goesWithItsConverter()
+    {
+        qint64 pid = 0;
+        {
+            Run run;
+            pid = run.start(u"ffmpeg/ffmpeg"_s, {u"hang"_s}).toLongLong();
+            QVERIFY(support::waitFor([&] { return support::runs(pid); }));
+            run.converter.setDoShell_ID({}); // else the fixture ends it
+        }
+        QVERIFY(!support::runs(pid));
+    }
+
+    void hearsOfItsEndOnce()
+    {
+        Run run;
+        QSignalSpy ended(&run.converter, &KXConverter::toolEnded);
+        run.start(u"ffmpeg/ffmpeg"_s, {u"out one"_s, u"err two"_s});
+        QVERIFY(run.ends());
+        QCOMPARE(ended.size(), 1);
+        QVERIFY(!run.converter.ended); // nothing is announced: a job asks
     }
 
     void dryRunIsNotRefused()
@@ -239,89 +255,17 @@ private Q_SLOTS:
         QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
     }
 
-    void backgroundRunIsJudgedByItsLog_data()
-    {
-        QTest::addColumn<QString>("tool");
-        QTest::addColumn<QByteArray>("log");
-        QTest::addColumn<Verdict>("verdict");
-        QTest::addColumn<QString>("says");
-        const auto ffmpeg = u"ffmpeg/ffmpeg"_s;
-        const auto mkvmerge = u"mkvtoolnix/mkvmerge"_s;
-        const auto mkvextract = u"mkvtoolnix/mkvextract"_s;
-        QTest::newRow("ffmpeg, video") << ffmpeg << banner + videoEnd + summary << Verdict::Ok << u""_s;
-        QTest::newRow("ffmpeg, only the last size") << ffmpeg << banner + videoEnd << Verdict::Ok << u""_s;
-        QTest::newRow("ffmpeg, no video") << ffmpeg << banner + audioEnd << Verdict::Ok << u""_s;
-        QTest::newRow("ffmpeg, killed") << ffmpeg << banner + "frame= 3 size= 3 time=00:00:01.00 \r"
-                                        << Verdict::Failed << u"ffmpeg did not finish."_s;
-        QTest::newRow("ffmpeg, asked to end")
-            << ffmpeg << videoEnd + summary + "Exiting normally, received signal 15.\n"
-            << Verdict::Failed << u"did not finish"_s;
-        QTest::newRow("ffmpeg, gave up") << ffmpeg << "No room\n" + audioEnd + "Conversion failed!\n"
-                                         << Verdict::Failed << u"did not finish"_s;
-        QTest::newRow("ffmpeg, never began") << ffmpeg << QByteArray("in.mkv: Invalid data found\n")
-                                             << Verdict::Failed << u"in.mkv: Invalid data found."_s;
-        QTest::newRow("ffmpeg, only hostile texts")
-            << ffmpeg << banner << Verdict::Failed << u"did not finish"_s;
-        QTest::newRow("mkvmerge") << mkvmerge << mergeEnd << Verdict::Ok << u""_s;
-        QTest::newRow("mkvmerge, warned") << mkvmerge << "Warning: 'a': odd\n" + mergeEnd << Verdict::Warnings
-                                          << u"mkvmerge warned: Warning: 'a': odd."_s;
-        QTest::newRow("mkvmerge, failed")
-            << mkvmerge << "Warning: w\nError: The file is gone.\n" + mergeEnd << Verdict::Failed
-            << u"mkvmerge failed: Error: The file is gone."_s;
-        QTest::newRow("mkvmerge, killed")
-            << mkvmerge << QByteArray("Progress: 45%\r") << Verdict::Failed << u"mkvmerge did not finish"_s;
-        QTest::newRow("mkvmerge, hostile names")
-            << mkvmerge << "'Error: Warning: .mkv': Using the demultiplexer\n" + mergeEnd << Verdict::Ok
-            << u""_s;
-        QTest::newRow("mkvmerge, only hostile names")
-            << mkvmerge << QByteArray("'Multiplexing took.mkv': Using\nProgress: 100%\r") << Verdict::Failed
-            << u"did not finish"_s;
-        QTest::newRow("mkvextract") << mkvextract
-                                    << QByteArray("Extracting track 0\nProgress: 99%\rProgress: 100%\n")
-                                    << Verdict::Ok << u""_s;
-        QTest::newRow("mkvextract, killed") << mkvextract << QByteArray("Extracting track 0\nProgress: 45%\r")
-                                            << Verdict::Failed << u"mkvextract did not finish"_s;
-        QTest::newRow("mkvextract, failed")
-            << mkvextract << QByteArray("Error: No track with the ID 5 was found.\n") << Verdict::Failed
-            << u"Error: No track with the ID 5"_s;
-    }
-
-    void backgroundRunIsJudgedByItsLog()
-    {
-        QFETCH(QString, tool);
-        QFETCH(QByteArray, log);
-        QFETCH(Verdict, verdict);
-        QFETCH(QString, says);
-        Run run;
-        const steps::Outcome outcome = run.outcomeOf(tool, log);
-        QCOMPARE(outcome.verdict, verdict);
-        QVERIFY2(outcome.sentence.contains(says), qPrintable(outcome.sentence));
-        QCOMPARE(outcome.sentence.isEmpty(), verdict == Verdict::Ok);
-    }
-
     void namesWithLineFeedsAreNotTakenForTheToolsWords()
     {
         Run run;
-        run.converter.setInputFileURL(run.fixture.scratch.url(u"a\nError: x\nMultiplexing took.mkv"_s));
-        const QByteArray path = run.converter.inputFileURL().toLocalFile().toUtf8();
-        QCOMPARE(run.outcomeOf(u"mkvtoolnix/mkvmerge"_s, "'" + path + "': Using\n" + mergeEnd).verdict,
-                 Verdict::Ok);
-        QCOMPARE(run.outcomeOf(u"mkvtoolnix/mkvmerge"_s, "'" + path + "': Using\n").verdict, Verdict::Failed);
+        run.converter.setInputFileURL(run.fixture.scratch.url(u"a\nWarning: x.mkv"_s));
+        const QString said = u"out "_s + run.fixture.scratch.path(u"a\\nWarning: x.mkv"_s);
+        const QStringList script{said, u"out Warning: odd"_s, u"write 5 last"_s, u"exit 1"_s};
+        const auto mkvmerge = u"mkvtoolnix/mkvmerge"_s;
+        QCOMPARE(run.outcomeOf(mkvmerge, script, true).sentence, u"mkvmerge warned: Warning: odd."_s);
     }
 
-    void missingOrEmptyOutputIsAFailure()
-    {
-        Run run;
-        const auto missing = run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, -1);
-        QCOMPARE(missing.verdict, Verdict::Failed);
-        QCOMPARE(missing.sentence, u"ffmpeg ended without writing out.mkv."_s);
-        const auto empty = run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, 0);
-        QCOMPARE(empty.verdict, Verdict::Failed);
-        QCOMPARE(empty.sentence, u"ffmpeg wrote nothing into out.mkv."_s);
-        QCOMPARE(run.outcomeOf(u"ffmpeg/ffmpeg"_s, videoEnd, 1).verdict, Verdict::Ok);
-    }
-
-    void processIsJudgedByItsExitStatus_data()
+    void runIsJudgedByItsExitStatus_data()
     {
         QTest::addColumn<QString>("tool");
         QTest::addColumn<QStringList>("script");
@@ -356,16 +300,18 @@ private Q_SLOTS:
                                       << Verdict::Failed << u"mkvmerge wrote nothing into out.mkv."_s;
     }
 
-    void processIsJudgedByItsExitStatus()
+    void runIsJudgedByItsExitStatus()
     {
         QFETCH(QString, tool);
         QFETCH(QStringList, script);
         QFETCH(Verdict, verdict);
         QFETCH(QString, sentence);
-        Run run;
-        const steps::Outcome outcome = run.outcomeOfProcess(tool, script);
-        QCOMPARE(outcome.verdict, verdict);
-        QCOMPARE(outcome.sentence, sentence);
+        for (const bool inBackground : {false, true}) {
+            Run run;
+            const steps::Outcome outcome = run.outcomeOf(tool, script, inBackground);
+            QCOMPARE(outcome.verdict, verdict);
+            QCOMPARE(outcome.sentence, sentence);
+        }
     }
 
     void stepThatWasNeverStartedFailed()
