@@ -28,6 +28,12 @@ QString keptSentence(const QUrl &output)
     return u" The incomplete output %1 was kept."_s.arg(output.toLocalFile());
 }
 
+/// It leads a group of its own.
+void signalBackground(const QString &pid, int signal)
+{
+    tools::signalGroupOf(tools::isAllDigits(pid) ? pid.toLongLong() : 0, signal);
+}
+
 /// The loop of a cancelled job, which no longer waits for us, must not outlive what the job was handed.
 void endLoop(QThreadPool &loop, QObject *job)
 {
@@ -45,7 +51,7 @@ void KXJob::pauseJob()
             if (*process)
                 (*process)->suspend();
         } else {
-            suspendPID(std::get<QString>(task));
+            signalBackground(std::get<QString>(task), SIGSTOP);
         }
     }
 }
@@ -58,7 +64,7 @@ void KXJob::resumeJob()
             if (*process)
                 (*process)->resume();
         } else {
-            resumePID(std::get<QString>(task));
+            signalBackground(std::get<QString>(task), SIGCONT);
         }
     }
     startWaitingSteps();
@@ -67,7 +73,7 @@ void KXJob::resumeJob()
 void KXJob::stopTask(const jobs::StepTask &task)
 {
     if (const auto *pid = std::get_if<QString>(&task)) {
-        tools::signalGroupOf(tools::isAllDigits(*pid) ? pid->toLongLong() : 0, SIGKILL);
+        signalBackground(*pid, SIGKILL);
         terminatePIDWaitUntilTerminated(*pid, Wait::No);
         return;
     }

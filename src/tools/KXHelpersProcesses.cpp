@@ -1,14 +1,12 @@
 // The half of KXHelpers that starts, watches and ends programs.
 #include "tools/KXHelpers.h"
 
-#include "tools/Numbers.h"
-#include "tools/ProcessGroup.h"
+#include "tools/Processes.h"
 #include "tools/ToolEnvironment.h"
 
 #include <QStringDecoder>
 
 #include <algorithm>
-#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -39,17 +37,6 @@ QString decoded(const QByteArray &bytes)
     if (!valid)
         return {};
     return text.isEmpty() ? u""_s : withoutLastLineFeed(text);
-}
-
-/// 0 is nobody's id: the shell would take it for its whole group.
-bool isProcessId(const QString &pid)
-{
-    return tools::isAllDigits(pid) && tools::leadingInteger(pid) != 0;
-}
-
-tools::OptionItem itemOf(const QString &pid)
-{
-    return tools::OptionItem::ofNumber(tools::leadingInteger(pid));
 }
 
 bool isQuietCommand(const QString &command)
@@ -108,18 +95,13 @@ QUrl KXHelpers::urlOfApp(const QString &name) const
 
 bool KXHelpers::processIsRunningWithPID(const QString &pid) const
 {
-    if (!isProcessId(pid))
-        return false;
-    const QString answer =
-        doUnixCommandWithOptions(u"ps", {u"-p", itemOf(pid), u"| grep", itemOf(pid), u"| awk '{print $1;}'"});
-    return answer == pid && !tools::isEndedZombie(pid.toLongLong());
+    return tools::processRuns(pid);
 }
 
 bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) const
 {
-    if (!isProcessId(pid))
+    if (!tools::signalProcess(pid, tools::ProcessSignal::Kill))
         return false;
-    doUnixCommandWithOptions(u"kill", {u"-s KILL", itemOf(pid)});
     if (wait == Wait::UntilTerminated) {
         do {
             logString(u"Waiting to terminate"_s);
@@ -130,12 +112,10 @@ bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) c
 
 void KXHelpers::suspendPID(const QString &pid) const
 {
-    if (isProcessId(pid))
-        doUnixCommandWithOptions(u"kill", {u"-s stop", itemOf(pid)});
+    tools::signalProcess(pid, tools::ProcessSignal::Stop);
 }
 
 void KXHelpers::resumePID(const QString &pid) const
 {
-    if (isProcessId(pid))
-        doUnixCommandWithOptions(u"kill", {u"-s cont", itemOf(pid)});
+    tools::signalProcess(pid, tools::ProcessSignal::Continue);
 }

@@ -15,19 +15,19 @@ namespace {
 char stateOf(qint64 pid)
 {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (stat.open(QIODevice::ReadOnly)) {
-        const QByteArray line = stat.readAll();
-        const qsizetype afterName = line.lastIndexOf(')'); // the name itself may hold anything
-        return afterName >= 0 && afterName + 2 < line.size() ? line.at(afterName + 2) : 0;
-    }
-    if (QFile::exists(QStringLiteral("/proc/self/stat")))
+    if (!stat.open(QIODevice::ReadOnly))
         return 0;
-    QProcess ps; // no /proc: ask ps
-    ps.start(QStringLiteral("ps"),
-             {QStringLiteral("-o"), QStringLiteral("stat="), QStringLiteral("-p"), QString::number(pid)});
-    ps.waitForFinished(5000);
-    const QByteArray state = ps.readAllStandardOutput().trimmed();
-    return state.isEmpty() ? 0 : state.front();
+    const QByteArray line = stat.readAll();
+    const qsizetype afterName = line.lastIndexOf(')'); // the name itself may hold anything
+    return afterName >= 0 && afterName + 2 < line.size() ? line.at(afterName + 2) : 0;
+}
+
+/// Where there is no /proc, only of our own children is known that they wait to be reaped.
+bool isChildToReap(pid_t pid)
+{
+    siginfo_t info = {};
+    return ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == pid;
 }
 
 } // namespace
@@ -63,10 +63,10 @@ void killGroupLedBy(qint64 leader)
 
 bool isEndedZombie(qint64 pid)
 {
-    if (stateOf(pid) != 'Z')
+    const pid_t process = static_cast<pid_t>(pid);
+    if (stateOf(pid) != 'Z' && !isChildToReap(process))
         return false;
     // Leaders of a group were started by a process object, which would lose their exit status.
-    const pid_t process = static_cast<pid_t>(pid);
     if (::getpgid(process) != process)
         ::waitpid(process, nullptr, WNOHANG);
     return true;

@@ -76,7 +76,8 @@ TestConverterPointer TestJob::runStep(const QString &label, const QUrl &output, 
 TestConverterPointer TestJob::runBackgroundStep(const QString &label, const QUrl &output, const QUrl &tool)
 {
     const auto converter = addStep(label, output);
-    addTask(converter->runInBackground(tool));
+    if (!converter->runInBackground(tool).isEmpty())
+        followBackground(*converter);
     setProgressList(progressList() << jobs::ProgressItem{label, u"0%"_s});
     setLogFilesToDeleteList(logFilesToDeleteList() << converter->logFileURL());
     return converter;

@@ -40,6 +40,7 @@ public:
     using KXJob::addOutcome;
     using KXJob::addTask;
     using KXJob::endIfNothingRuns;
+    using KXJob::followBackground;
     using KXJob::guard;
     using KXJob::removeTask;
     using KXJob::requestJobDone;
