@@ -6,8 +6,14 @@
 #include "media/ProbeReader.h"
 #include "media/TrackBuilder.h"
 #include "tools/Numbers.h"
+#include "tools/OptionItem.h"
+#include "tools/ToolPlaces.h"
+
+#include <QMetaProperty>
 
 using namespace Qt::StringLiterals;
+using media::AddedTracks;
+using media::CodecVocabulary;
 using media::TrackKind;
 
 namespace {
@@ -22,6 +28,49 @@ QString frameRate(const QString &ratio)
     if (pieces.size() < 2)
         return {};
     return tools::printedFloat(pieces.at(0).toDouble() / pieces.at(1).toDouble());
+}
+
+const QString heading =
+    u"################################   Video File Porperties  ######################################"_s;
+
+/// What a reset sets: every writable property but the probe's results.
+QStringList resetNames()
+{
+    QStringList names;
+    const QMetaObject &meta = KXVideoFile::staticMetaObject;
+    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+        if (meta.property(i).isWritable())
+            names.append(QString::fromLatin1(meta.property(i).name()));
+    }
+    names.removeOne(u"ffprobeResultsDictionaryArray"_s);
+    return names;
+}
+
+const QStringList &printedFileNames()
+{
+    static const QStringList names{u"theFilePath"_s,
+                                   u"theFileName"_s,
+                                   u"theFileShortName"_s,
+                                   u"theFileExtension"_s,
+                                   u"pathToFileFolder"_s,
+                                   u"theFPS"_s,
+                                   u"videoPAR"_s,
+                                   u"theWidth"_s,
+                                   u"theHeight"_s,
+                                   u"codecProfile"_s,
+                                   u"theVideoBitRate"_s,
+                                   u"theVideoCodec"_s,
+                                   u"headerRemovalFlag"_s,
+                                   u"theNumberOfVideoTracks"_s,
+                                   u"theNumberOfAudioTracks"_s,
+                                   u"theNumberOfSubTracks"_s};
+    return names;
+}
+
+void copyProperties(const QStringList &names, const KXVideoFile &from, KXVideoFile &to)
+{
+    for (const QString &name : names)
+        to.setProperty(qPrintable(name), from.property(qPrintable(name)));
 }
 
 } // namespace
@@ -90,10 +139,10 @@ QString KXVideoFile::createTrackListForSelf()
     for (qsizetype position = 0; position < streams.size(); ++position) {
         const auto outcome = builder.add(streams.at(position).toMap(), fallback.value(position));
         if (outcome == media::TrackBuilder::Outcome::NotIdentified)
-            return refuse(notIdentified, u"\n\nProblem Codec: "_s + builder.problemCodec());
+            return refuse(theFileURL(), notIdentified, u"\n\nProblem Codec: "_s + builder.problemCodec());
     }
     if (builder.tracks().isEmpty())
-        return refuse(notAVideo, {});
+        return refuse(theFileURL(), notAVideo, {});
     deriveVideoBitRates(builder.tracks());
     if (isStopped())
         return notAVideo;
@@ -102,13 +151,13 @@ QString KXVideoFile::createTrackListForSelf()
     return ok;
 }
 
-/// Leaves a fresh probe beside the file for whoever wants to know why.
-QString KXVideoFile::refuse(const QString &status, const QString &reason) const
+/// Leaves a fresh probe beside the file, and the reason behind it. Answers the status.
+QString KXVideoFile::refuse(const QUrl &url, const QString &status, const QString &reason) const
 {
-    const QString output = probeOf(theFileURL());
+    const QString output = probeOf(url);
     if (isStopped())
         return notAVideo;
-    media::writeErrorFile(theFileURL(), output + reason);
+    media::writeErrorFile(url, output + reason);
     return status;
 }
 
@@ -182,4 +231,199 @@ void KXVideoFile::takeVideoStream(const QVariantMap &stream)
         setCodecProfile(profile + u"@L"_s + level.front() + u'.' + level.back());
     if (const QString rate = frameRate(text(u"avg_frame_rate"_s)); !rate.isEmpty())
         setTheFPS(rate);
+}
+
+// Separate files that are added.
+
+QString KXVideoFile::whatToDoWithFile(const QUrl &url) const
+{
+    if (trackList().isEmpty())
+        return u"replace file"_s;
+    const QVariantList streams = createFfprobeResultsDictionaryArrayForURL(url);
+    if (streams == QVariantList{notAVideo})
+        return u"replace file"_s; // loading it then says what is wrong
+    return media::useOf(streams, url);
+}
+
+AddedTracks KXVideoFile::createAddedTrackForURL(const QUrl &url) const
+{
+    const QVariantList streams = createFfprobeResultsDictionaryArrayForURL(url);
+    if (streams == QVariantList{notAVideo})
+        return {{}, notAVideo};
+    AddedTracks added = media::addedTracksIn(streams, url);
+    if (!added.complaint.isNull())
+        added.refusal = refuse(url, added.refusal, added.complaint);
+    return added;
+}
+
+QString KXVideoFile::addTrack(const QUrl &url)
+{
+    const AddedTracks added = createAddedTrackForURL(url);
+    if (added.refusal == u"video track"_s)
+        return u"adding video track"_s;
+    if (!added.refusal.isNull())
+        return added.refusal;
+    if (added.tracks.size() > 1)
+        return u"too many tracks"_s;
+    const TrackPointer &track = added.tracks.constFirst();
+    track->setExternalTrackFlag(true);
+    setTrackList(trackList() << track);
+    countTracksAnew();
+    return u"OK"_s;
+}
+
+void KXVideoFile::takeFlagsOfSource() const
+{
+    for (const QVariant &value : ffprobeResultsDictionaryArray()) {
+        const QVariantMap stream = value.toMap();
+        const QVariantMap flags = stream.value(u"disposition"_s).toMap();
+        for (const TrackPointer &track : trackList()) {
+            if (track->externalTrackFlag() || track->trackFfmpegID() != media::textIn(stream, u"index"_s))
+                continue;
+            track->setTrackDefaultFlag(media::textIn(flags, u"default"_s) == u"1"_s);
+            track->setTrackForcedFlag(media::textIn(flags, u"forced"_s) == u"1"_s);
+        }
+    }
+}
+
+bool KXVideoFile::checkForHeaderRemovalFor(const QUrl &url) const
+{
+    if (places() == nullptr || !media::isRegularFile(url))
+        return false;
+    return doShellScriptForWithOptions(urlOfApp(u"mkvinfo"_s), {url}).contains(u"header removal"_s);
+}
+
+void KXVideoFile::countTracksAnew()
+{
+    int videos = 0;
+    int audios = 0;
+    int subtitles = 0;
+    for (const TrackPointer &track : trackList()) {
+        const QString type = track->trackType();
+        if (type == u"Video"_s)
+            track->setTrackIndex(QString::number(++videos));
+        else if (type == u"Audio"_s)
+            track->setTrackIndex(QString::number(++audios));
+        else if (type == u"Subtitle"_s || type == u"External Subtitle"_s)
+            track->setTrackIndex(QString::number(++subtitles));
+    }
+    setTheNumberOfVideoTracks(QString::number(videos));
+    setTheNumberOfAudioTracks(QString::number(audios));
+    setTheNumberOfSubTracks(QString::number(subtitles));
+}
+
+// The record: defaults, copies, text forms and the vocabulary.
+
+const QStringList &KXVideoFile::propertiesKeysList()
+{
+    static const QStringList words{u"theFilePath"_s,
+                                   u"theFileURL"_s,
+                                   u"theFileName"_s,
+                                   u"theFileExtension"_s,
+                                   u"theFileShortName"_s,
+                                   u"pathToFileFolder"_s,
+                                   u"theNumberOfVideoTracks"_s,
+                                   u"theNumberOfAudioTracks"_s,
+                                   u"theNumberOfSubTracks"_s,
+                                   u"theDuration"_s,
+                                   u"theFPS"_s,
+                                   u"videoPAR"_s,
+                                   u"theWidth"_s,
+                                   u"theHeight"_s,
+                                   u"codecProfile"_s,
+                                   u"theVideoBitRate"_s,
+                                   u"theVideoCodec"_s,
+                                   u"headerRemovalFlag"_s};
+    return words;
+}
+
+void KXVideoFile::setFileDefaultPropertyValues()
+{
+    const KXVideoFile fresh(nullptr);
+    copyProperties(resetNames(), fresh, *this);
+}
+
+VideoFilePointer KXVideoFile::copy() const
+{
+    auto file = std::make_shared<KXVideoFile>(places());
+    file->makeSelfCopyOfVideoFile(*this);
+    return file;
+}
+
+void KXVideoFile::makeSelfCopyOfVideoFile(const KXVideoFile &other)
+{
+    copyProperties(propertiesKeysList(), other, *this);
+    setTrackList(other.trackList());
+}
+
+QString KXVideoFile::stringFromFileProperties() const
+{
+    QString text = u"\n\n\n"_s + heading + u'\n';
+    for (const QString &name : printedFileNames())
+        text += name + u" = "_s + platform::printedField(property(qPrintable(name))) + u'\n';
+    int number = 0;
+    for (const TrackPointer &track : trackList()) {
+        text +=
+            u"\n################################   Track #%1  ######################################\n"_s.arg(
+                ++number);
+        text += track->stringFromTrackProperties();
+    }
+    return text;
+}
+
+void KXVideoFile::logFileProperties() const
+{
+    logString(heading);
+    for (const QString &name : printedFileNames())
+        logObjectWithString(property(qPrintable(name)), name);
+    int number = 0;
+    for (const TrackPointer &track : trackList()) {
+        logIntegerWithString(++number, u"############################# TRACK"_s);
+        track->logTrackProperties();
+    }
+}
+
+CodecGroups KXVideoFile::videoCodecList() const
+{
+    return CodecVocabulary::of(TrackKind::Video).codecList();
+}
+
+QStringList KXVideoFile::videoInfoList() const
+{
+    return CodecVocabulary::of(TrackKind::Video).infoList();
+}
+
+QStringList KXVideoFile::videoExtList() const
+{
+    return CodecVocabulary::of(TrackKind::Video).extensionList();
+}
+
+CodecGroups KXVideoFile::audioCodecList() const
+{
+    return CodecVocabulary::of(TrackKind::Audio).codecList();
+}
+
+QStringList KXVideoFile::audioInfoList() const
+{
+    return CodecVocabulary::of(TrackKind::Audio).infoList();
+}
+
+QStringList KXVideoFile::audioExtList() const
+{
+    return CodecVocabulary::of(TrackKind::Audio).extensionList();
+}
+
+CodecGroups KXVideoFile::subtitleCodecList() const
+{
+    return CodecVocabulary::of(TrackKind::Subtitle).codecList();
+}
+
+QStringList KXVideoFile::subtitleInfoList() const
+{
+    return CodecVocabulary::of(TrackKind::Subtitle).infoList();
+}
+
+QStringList KXVideoFile::subtitleExtList() const
+{
+    return CodecVocabulary::of(TrackKind::Subtitle).extensionList();
 }

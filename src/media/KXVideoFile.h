@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/AddedTracks.h"
 #include "media/KXVideoTrack.h"
 #include "platform/Fields.h"
 #include "tools/KXHelpers.h"
@@ -10,16 +11,7 @@
 #include <memory>
 
 namespace media {
-
 class TrackBuilder;
-
-/// What a separate file gives: its tracks (more than one can't be added), or a refusal and no track.
-struct AddedTracks
-{
-    TrackList tracks;
-    QString refusal; ///< "video track", "too many tracks", "track not identified" or "not a video"
-};
-
 } // namespace media
 
 class KXVideoFile;
@@ -102,7 +94,7 @@ public:
     /// Fills the file's own properties; "OK" also without a video stream.
     QString createFilePropertiesForSelf();
 
-    // Separate files that are added to this one (KXVideoFileAdded.cpp).
+    // Separate files that are added to this one.
 
     /// What a file that comes in is good for: "replace file" (load it as a new video), "add file" (a
     /// single audio stream or subtitle) or "not a video file". With no file open always "replace file".
@@ -153,10 +145,9 @@ private:
     QUrl resource(const QString &name) const;
     QString ffprobe(const QUrl &url, const tools::OptionList &options) const;
     QString probeOf(const QUrl &url) const;
-    QString refuse(const QString &status, const QString &reason) const;
+    QString refuse(const QUrl &url, const QString &status, const QString &reason) const;
     void deriveVideoBitRates(const TrackList &tracks) const;
     void takeTracksFrom(const media::TrackBuilder &builder);
-    QString refuseAdded(const QUrl &url, const QString &reason) const;
     void countTracksAnew();
     void takeVideoStream(const QVariantMap &stream);
 };
