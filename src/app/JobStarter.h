@@ -73,8 +73,6 @@ private:
     void startCurrent(const QString &jobType);
     bool mayStart(const QString &jobType) const;
     bool queueEntry(int row, const QString &jobType);
-    void removeTracks();
-    void addTracks();
 
     Parts m_parts;
     QTimer m_finish;

@@ -17,7 +17,6 @@ public:
     void registerDefaults(const QVariantMap &defaults) { m_registered = defaults; }
     /// The stored value, else the registered default, else an invalid value.
     QVariant value(const QString &key) const;
-    bool isStored(const QString &key) const { return stored().contains(key); }
 
     /// Stores these keys at once and leaves every other key as it is on disk, so that two programs
     /// never undo each other's values. Answers a null text, or on failure a sentence for the user.
