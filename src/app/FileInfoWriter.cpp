@@ -4,6 +4,7 @@
 #include "media/Playlists.h"
 #include "platform/PlainFiles.h"
 #include "prefs/KXPreferences.h"
+#include "tools/OptionItem.h"
 
 #include <QDir>
 #include <QFileInfo>

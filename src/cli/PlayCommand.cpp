@@ -16,7 +16,7 @@ namespace {
 QString playerProblem(Session &session)
 {
     const KXPreferences &preferences = session.program().preferences();
-    const prefs::ToolReport player = prefs::ToolCheck(preferences, preferences).check(u"mplayer"_s);
+    const prefs::ToolReport player = prefs::ToolCheck(preferences).check(u"mplayer"_s);
     return player.works() ? QString()
                           : u"mplayer %1. %2"_s.arg(prefs::describe(player.state), player.switchesOff);
 }

@@ -38,7 +38,7 @@ ExitStatus ToolsCommand::execute(Session &session) const
     if (!session.line().arguments().isEmpty())
         return session.wrongUsage(u"The command tools takes no arguments."_s);
     const KXPreferences &preferences = session.program().preferences();
-    for (const prefs::ToolReport &report : prefs::ToolCheck(preferences, preferences).checkAll()) {
+    for (const prefs::ToolReport &report : prefs::ToolCheck(preferences).checkAll()) {
         session.console().object(objectOf(report));
         session.console().result(lineOf(report));
     }

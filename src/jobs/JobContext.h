@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jobs/Intervals.h"
+#include "platform/AlertPresenter.h"
 #include "steps/OutputGuard.h"
 
 #include <QThread>

@@ -1,6 +1,7 @@
 #include "media/TrackBuilder.h"
 
 #include "media/ProbeReader.h"
+#include "tools/Languages.h"
 #include "tools/Numbers.h"
 
 #include <algorithm>
@@ -94,8 +95,7 @@ void setDescription(KXVideoTrack &track, const QVariantMap &stream)
         track.setTrackTitle(title);
     const QString language = tagIn(stream, u"language"_s);
     if (!language.isEmpty())
-        track.setTrackLanguage(
-            KXHelpers::languageForCode3(KXHelpers::standardizedLanguage3CodeFor(language)));
+        track.setTrackLanguage(tools::languageNameOf(tools::standardizedCodeOf(language)));
     const QString bitRate = textIn(stream, u"bit_rate"_s);
     if (tools::leadingInteger(bitRate) >= 1001)
         track.setTrackBitRate(bitRate.chopped(3));

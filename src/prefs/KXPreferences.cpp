@@ -3,6 +3,7 @@
 #include "platform/DefaultsStore.h"
 #include "prefs/StoredChanges.h"
 #include "prefs/ToolsUnpacker.h"
+#include "tools/ShellRunner.h"
 
 using namespace Qt::StringLiterals;
 

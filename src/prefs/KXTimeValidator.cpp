@@ -2,7 +2,7 @@
 
 #include "platform/KXNotificationCenter.h"
 #include "prefs/TimeMask.h"
-#include "tools/KXHelpers.h"
+#include "tools/Times.h"
 
 using namespace Qt::StringLiterals;
 
@@ -51,7 +51,7 @@ bool KXTimeValidator::controlIsValidObject(const QVariant &field, const QString 
 
 qint64 KXTimeValidator::convertTimeInSecondsFrom(const QString &time)
 {
-    return KXHelpers::convertToTimeInSecondsFrom(time); // a comma ends its seconds just as a point does
+    return tools::secondsIn(time); // a comma ends its seconds just as a point does
 }
 
 QString KXTimeValidator::convertToTextTimeFrom(qint64 seconds)

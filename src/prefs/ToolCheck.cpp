@@ -1,8 +1,7 @@
 #include "prefs/ToolCheck.h"
 
-#include "tools/KXHelpers.h"
 #include "tools/ShellRunner.h"
-#include "tools/ToolEnvironment.h"
+#include "tools/ToolPlaces.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -34,7 +33,7 @@ const QList<KnownTool> &knownTools()
          u"Without it nothing can be converted, and tracks can't be extracted."_s},
         {u"ffprobe"_s, u"-version", u"version (\\S+)"_s, u"Without it no file can be opened."_s},
         {u"mkvmerge"_s, u"--version", u"mkvmerge v(\\S+)"_s,
-         u"Without it MKV files can't be muxed, remuxed, split, joined or rid of tracks."_s},
+         u"Without it MKV files can't be written, split or joined, and no tracks can be removed."_s},
         {u"mkvextract"_s, u"--version", u"mkvextract v(\\S+)"_s,
          u"Without it picture subtitles can't be extracted."_s},
         {u"mkvinfo"_s, u"--version", u"mkvinfo v(\\S+)"_s,
@@ -101,9 +100,8 @@ QString describe(ToolReport::State state)
     return {};
 }
 
-ToolCheck::ToolCheck(const KXHelpers &runner, const tools::ToolPlaces &places)
-    : m_runner(runner)
-    , m_places(places)
+ToolCheck::ToolCheck(const tools::ToolPlaces &places)
+    : m_places(places)
 {
 }
 
@@ -132,7 +130,7 @@ ToolReport ToolCheck::check(const QString &name) const
     if (known == knownTools().cend())
         return report;
     report.switchesOff = known->switchesOff;
-    report.location = m_runner.urlOfApp(name);
+    report.location = tools::locationOf(name, m_places);
     const QString path = report.location.toLocalFile();
     const QString launched = launchedProgram(path);
     const QString program = launched.isNull() ? path : launched;
@@ -154,12 +152,10 @@ std::optional<QString> ToolCheck::askedVersion(const QUrl &location, tools::Lite
                                                const QString &pattern) const
 {
     const QTemporaryDir home; // mplayer writes a configuration into its home whenever it runs
-    tools::ShellRequest request;
-    request.line =
-        tools::toolLine(location, {tools::OptionItem(flag), u"2>&1"}, m_places, tools::shellKind()).launched;
-    request.environment = tools::shellEnvironment(location);
+    const auto line =
+        tools::toolLine(location, {tools::OptionItem(flag), u"2>&1"}, m_places, tools::shellKind());
+    tools::ShellRequest request = tools::toolRequest(line.launched, location, m_places);
     request.environment.insert(u"MPLAYER_HOME"_s, home.path());
-    request.workingFolder = m_places.workingFolder();
     request.timeoutMs = patienceMs;
     const tools::ShellReply reply = tools::runShell(request);
     if (reply.status != 0)

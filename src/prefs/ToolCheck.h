@@ -8,8 +8,6 @@
 
 #include <optional>
 
-class KXHelpers;
-
 namespace tools {
 class ToolPlaces;
 }
@@ -45,8 +43,8 @@ QString describe(ToolReport::State state);
 class ToolCheck final
 {
 public:
-    /// Both must outlive it.
-    ToolCheck(const KXHelpers &runner, const tools::ToolPlaces &places);
+    /// The places must outlive it.
+    explicit ToolCheck(const tools::ToolPlaces &places);
 
     /// Every tool, in a fixed order.
     QList<ToolReport> checkAll() const;
@@ -58,7 +56,6 @@ private:
     std::optional<QString> askedVersion(const QUrl &location, tools::Literal flag,
                                         const QString &pattern) const;
 
-    const KXHelpers &m_runner;
     const tools::ToolPlaces &m_places;
 };
 

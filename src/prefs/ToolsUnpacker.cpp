@@ -3,6 +3,8 @@
 #include "platform/FileLock.h"
 #include "prefs/ToolArchives.h"
 #include "tools/KXHelpers.h"
+#include "tools/OptionItem.h"
+#include "tools/ToolPlaces.h"
 
 #include <QFileInfo>
 

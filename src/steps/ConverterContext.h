@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AlertPresenter.h"
 #include "tools/ShellRunner.h"
 
 #include <QString>

@@ -1,44 +1,32 @@
 #include "tools/KXHelpers.h"
 
+#include "platform/AlertPresenter.h"
 #include "tools/Languages.h"
 #include "tools/Numbers.h"
+#include "tools/Processes.h"
+#include "tools/ShellRunner.h"
+#include "tools/Times.h"
+#include "tools/ToolPlaces.h"
+#include "tools/Values.h"
 
-#include <QAssociativeIterable>
-#include <QDir>
 #include <QFileInfo>
-#include <QSequentialIterable>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// "~" and "~/..." lead to the home folder; every other path stays as it is.
-QString expandedPath(const QString &path)
+// What is run so often that a log would hold little else.
+
+bool isQuietTool(const QUrl &tool)
 {
-    if (path == u"~"_s || path.startsWith(u"~/"_s))
-        return QDir::homePath() + path.mid(1);
-    return path;
+    const QString name = tool.fileName().toLower();
+    return name.contains(u"mediainfo"_s) || name.contains(u"mkvinfo"_s);
 }
 
-bool isEmptyCollection(const QVariant &value)
+bool isQuietCommand(const QString &command)
 {
-    if (value.canView<QAssociativeIterable>())
-        return value.value<QAssociativeIterable>().size() == 0;
-    return value.canView<QSequentialIterable>() && value.value<QSequentialIterable>().size() == 0;
-}
-
-bool isNullPointer(const QVariant &value)
-{
-    return value.metaType().flags().testFlag(QMetaType::IsPointer) && value.isNull();
-}
-
-/// One piece of a time text; far below what could overflow in seconds.
-qint64 timePiece(const QString &text)
-{
-    constexpr qint64 largest = 1'000'000'000'000;
-    return std::clamp(tools::leadingInteger(text), -largest, largest);
+    const QStringList quiet{u"ps"_s, u"tr '\\r' '\\n' < "_s, u"dscacheutil"_s, u"ls"_s};
+    return quiet.contains(command);
 }
 
 } // namespace
@@ -46,6 +34,7 @@ qint64 timePiece(const QString &text)
 KXHelpers::KXHelpers(const tools::ToolPlaces *places, platform::AlertPresenter *presenter)
     : m_places(places)
     , m_presenter(presenter)
+    , m_waiting(tools::Waiting::WithEventLoop)
 {
 }
 
@@ -59,6 +48,67 @@ const QList<QStringList> &KXHelpers::languageArrayMatrix() const
     return tools::languageTable();
 }
 
+QString KXHelpers::doShellScriptForWithOptions(const QUrl &tool, const tools::OptionList &options) const
+{
+    const auto line = tools::toolLine(tool, options, *m_places, tools::shellKind());
+    if (!isQuietTool(tool))
+        logObjectWithString(line.meant, u"doShellScript String: "_s);
+    tools::ShellRequest request = tools::toolRequest(line.launched, tool, *m_places);
+    request.waiting = m_waiting;
+    request.stop = m_stop;
+    return tools::runShell(request).text();
+}
+
+QString KXHelpers::doUnixCommandWithOptions(tools::Literal command, const tools::OptionList &options) const
+{
+    const auto line = tools::commandLine(command, options, tools::shellKind());
+    if (!isQuietCommand(command.text()))
+        logObjectWithString(line.meant, u"doUnixCommand string: "_s);
+    return tools::runShell(tools::commandRequest(line.launched)).text();
+}
+
+QUrl KXHelpers::urlOfApp(const QString &name) const
+{
+    return tools::locationOf(name, *m_places);
+}
+
+QString KXHelpers::doubleQuotedFormOf(const QString &text)
+{
+    return tools::doubleQuoted(text);
+}
+
+QString KXHelpers::singleQuotedFormOf(const QString &text)
+{
+    return tools::singleQuoted(text);
+}
+
+bool KXHelpers::processIsRunningWithPID(const QString &pid) const
+{
+    return tools::processRuns(pid);
+}
+
+bool KXHelpers::terminatePIDWaitUntilTerminated(const QString &pid, Wait wait) const
+{
+    if (!tools::signalProcess(pid, tools::ProcessSignal::Kill))
+        return false;
+    if (wait == Wait::UntilTerminated) {
+        do {
+            logString(u"Waiting to terminate"_s);
+        } while (processIsRunningWithPID(pid));
+    }
+    return true;
+}
+
+void KXHelpers::suspendPID(const QString &pid) const
+{
+    tools::signalProcess(pid, tools::ProcessSignal::Stop);
+}
+
+void KXHelpers::resumePID(const QString &pid) const
+{
+    tools::signalProcess(pid, tools::ProcessSignal::Continue);
+}
+
 bool KXHelpers::fileExistsAtURL(const QUrl &location)
 {
     return !location.path().isEmpty() && QFileInfo::exists(location.toLocalFile());
@@ -66,47 +116,22 @@ bool KXHelpers::fileExistsAtURL(const QUrl &location)
 
 bool KXHelpers::directoryPathExistsFor(const QString &path)
 {
-    return !path.isEmpty() && QFileInfo(expandedPath(path)).isDir();
+    return tools::isFolder(path);
 }
 
 bool KXHelpers::directoryPathIsNotEmptyFor(const QString &path)
 {
-    if (!directoryPathExistsFor(path))
-        return false;
-    return !QDir(expandedPath(path))
-                .isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    return tools::isFolderWithEntries(path);
 }
 
 bool KXHelpers::isEmpty(const QVariant &value)
 {
-    switch (value.typeId()) {
-    case QMetaType::UnknownType:
-    case QMetaType::Nullptr:
-        return true;
-    case QMetaType::QString:
-        return value.toString().isEmpty();
-    case QMetaType::QByteArray:
-        return value.toByteArray().isEmpty();
-    case QMetaType::QStringList:
-    case QMetaType::QVariantList:
-        return value.toList().isEmpty();
-    case QMetaType::QVariantMap:
-    case QMetaType::QVariantHash:
-        return value.toMap().isEmpty();
-    case QMetaType::QUrl:
-        return value.toUrl().path().isEmpty();
-    default:
-        return isEmptyCollection(value) || isNullPointer(value);
-    }
+    return tools::isEmptyValue(value);
 }
 
 bool KXHelpers::theStringContainsString(const QVariant &text, const QVariant &part)
 {
-    if (text.typeId() != QMetaType::QString || part.typeId() != QMetaType::QString)
-        return false;
-    if (text.toString().isNull() || part.toString().isNull())
-        return false;
-    return text.toString().contains(part.toString(), Qt::CaseSensitive);
+    return tools::isTextWith(text, part);
 }
 
 bool KXHelpers::isStringInteger(const QString &text)
@@ -116,37 +141,27 @@ bool KXHelpers::isStringInteger(const QString &text)
 
 QString KXHelpers::language2CodeFor(const QString &nameOrCode)
 {
-    const QStringList *row = tools::languageRow(nameOrCode);
-    return row != nullptr ? row->at(1) : u"un"_s;
+    return tools::twoLetterCodeOf(nameOrCode);
 }
 
 QString KXHelpers::language3CodeFor(const QString &nameOrCode)
 {
-    const QStringList *row = tools::languageRow(nameOrCode);
-    return row != nullptr ? row->at(2) : u"und"_s;
+    return tools::threeLetterCodeOf(nameOrCode);
 }
 
 QString KXHelpers::languageForCode3(const QString &nameOrCode)
 {
-    const QStringList *row = tools::languageRow(nameOrCode);
-    return row != nullptr ? row->at(0) : u"undetermined"_s;
+    return tools::languageNameOf(nameOrCode);
 }
 
 QString KXHelpers::standardizedLanguage3CodeFor(const QString &code)
 {
-    if (tools::languageRow(code) != nullptr)
-        return code;
-    const QString terminologic = tools::terminologicCodeFor(code);
-    return terminologic.isNull() ? u"und"_s : terminologic;
+    return tools::standardizedCodeOf(code);
 }
 
 qint64 KXHelpers::convertToTimeInSecondsFrom(const QString &time)
 {
-    const QStringList pieces = time.split(u':');
-    if (pieces.size() != 3)
-        return 0;
-    const QString wholeSeconds = pieces.at(2).section(u'.', 0, 0);
-    return timePiece(pieces.at(0)) * 3600 + timePiece(pieces.at(1)) * 60 + timePiece(wholeSeconds);
+    return tools::secondsIn(time);
 }
 
 void KXHelpers::openAlertSheet(const platform::AlertPointer &alert) const

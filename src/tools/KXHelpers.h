@@ -1,18 +1,34 @@
 #pragma once
 
-#include "platform/AlertPresenter.h"
-#include "tools/OptionItem.h"
-#include "tools/ShellRunner.h"
-#include "tools/ToolPlaces.h"
-
+#include <QList>
 #include <QObject>
+#include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <QVariant>
 
-/// The common base of the model and controller classes: it runs shell lines and waits for them, finds
-/// tools, quotes texts, watches and ends processes by id, and looks up languages and times. It owns
-/// nothing but its name; places and presenter belong to the program and may be absent in records
-/// that run no tool. It never decides what a tool's answer means.
+#include <atomic>
+#include <memory>
+
+namespace platform {
+class AlertPresenter;
+struct Alert;
+using AlertPointer = std::shared_ptr<const Alert>;
+} // namespace platform
+
+namespace tools {
+class Literal;
+class OptionItem;
+class ToolPlaces;
+enum class Waiting;
+using OptionList = QList<OptionItem>;
+using StopFlag = std::shared_ptr<std::atomic_bool>;
+} // namespace tools
+
+/// The common base of the model and controller classes, by name and operations: each does its work in a piece
+/// of its own (ShellRunner, Processes, ToolPlaces, Languages, Times, Values). It owns nothing but its name;
+/// places and presenter belong to the program and may be absent in records that run no tool. It never
+/// decides what a tool's answer means.
 class KXHelpers : public QObject
 {
     Q_OBJECT
@@ -27,7 +43,7 @@ public:
     QString appName() const { return m_appName; }
     void setAppName(const QString &name) { m_appName = name; }
     const QStringList &languageList() const;
-    /// Empty unless somebody fills it.
+    /// Empty unless it is set.
     QStringList languageShortList() const { return m_languageShortList; }
     void setLanguageShortList(const QStringList &names) { m_languageShortList = names; }
     const QList<QStringList> &languageArrayMatrix() const;
@@ -40,13 +56,13 @@ public:
     QUrl urlOfApp(const QString &name) const;
     /// How doShellScriptForWithOptions() waits on the main thread; by default with an event loop.
     void setWaiting(tools::Waiting waiting) { m_waiting = waiting; }
-    /// Lets somebody else end the waits of this object. May be null.
+    /// Another thread can end the waits of this object by it. May be null.
     void setStopFlag(const tools::StopFlag &flag) { m_stop = flag; }
 
-    static QString doubleQuotedFormOf(const QString &text) { return tools::doubleQuoted(text); }
-    static QString singleQuotedFormOf(const QString &text) { return tools::singleQuoted(text); }
+    static QString doubleQuotedFormOf(const QString &text);
+    static QString singleQuotedFormOf(const QString &text);
 
-    /// False for texts whose whole-number value is 0, without asking anybody, and for zombies.
+    /// False for texts that are no process id, and for zombies.
     bool processIsRunningWithPID(const QString &pid) const;
     /// Kills at once; false and nothing done when the id is no whole number or 0.
     enum class Wait { No, UntilTerminated };
@@ -96,5 +112,5 @@ private:
     const tools::ToolPlaces *m_places;
     platform::AlertPresenter *m_presenter;
     tools::StopFlag m_stop;
-    tools::Waiting m_waiting = tools::Waiting::WithEventLoop;
+    tools::Waiting m_waiting;
 };

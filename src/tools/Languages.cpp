@@ -139,4 +139,30 @@ QString terminologicCodeFor(const QString &bibliographicCode)
     return {};
 }
 
+QString twoLetterCodeOf(const QString &nameOrCode)
+{
+    const QStringList *row = languageRow(nameOrCode);
+    return row != nullptr ? row->at(1) : QStringLiteral("un");
+}
+
+QString threeLetterCodeOf(const QString &nameOrCode)
+{
+    const QStringList *row = languageRow(nameOrCode);
+    return row != nullptr ? row->at(2) : QStringLiteral("und");
+}
+
+QString languageNameOf(const QString &nameOrCode)
+{
+    const QStringList *row = languageRow(nameOrCode);
+    return row != nullptr ? row->at(0) : QStringLiteral("undetermined");
+}
+
+QString standardizedCodeOf(const QString &code)
+{
+    if (languageRow(code) != nullptr)
+        return code;
+    const QString terminologic = terminologicCodeFor(code);
+    return terminologic.isNull() ? QStringLiteral("und") : terminologic;
+}
+
 } // namespace tools

@@ -15,4 +15,13 @@ const QStringList *languageRow(const QString &nameOrCode);
 /// The terminologic code of one of fifteen bibliographic ones; a null text for any other code.
 QString terminologicCodeFor(const QString &bibliographicCode);
 
+// A language's code or name by any of its names and codes; "un", "und" and "undetermined" for what is in no
+// row.
+
+QString twoLetterCodeOf(const QString &nameOrCode);
+QString threeLetterCodeOf(const QString &nameOrCode);
+QString languageNameOf(const QString &nameOrCode);
+/// What is in the table as it is, a bibliographic code as the terminologic one, "und" for anything else.
+QString standardizedCodeOf(const QString &code);
+
 } // namespace tools

@@ -2,12 +2,15 @@
 
 #include "tools/ProcessGroup.h"
 #include "tools/ShellStreams.h"
+#include "tools/ToolEnvironment.h"
+#include "tools/ToolPlaces.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QProcess>
 #include <QSocketNotifier>
+#include <QStringDecoder>
 #include <QThread>
 #include <QTimer>
 
@@ -136,6 +139,35 @@ bool isMainThread()
 }
 
 } // namespace
+
+QString ShellReply::text() const
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(selected());
+    if (decoder.hasError()) // not ASCII either, which is a part of UTF-8
+        return {};
+    if (text.endsWith(u'\n'))
+        text.chop(1);
+    return text.isNull() ? u""_s : text;
+}
+
+ShellRequest toolRequest(const QString &line, const QUrl &tool, const ToolPlaces &places)
+{
+    ShellRequest request;
+    request.line = line;
+    request.workingFolder = places.workingFolder();
+    request.environment = shellEnvironment(tool);
+    return request;
+}
+
+ShellRequest commandRequest(const QString &line)
+{
+    ShellRequest request;
+    request.line = line;
+    request.environment.insert(u"LC_ALL"_s,
+                               u"C"_s); // else grep takes foreign bytes in a log for a binary file
+    return request;
+}
 
 ShellReply runShell(const ShellRequest &request)
 {

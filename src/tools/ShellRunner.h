@@ -35,12 +35,19 @@ struct ShellReply
 
     /// Standard output after success, else standard error.
     const QByteArray &selected() const { return status == 0 ? output : error; }
+    /// The same as a text, without one line feed at its end; a null text when it is not UTF-8.
+    QString text() const;
 };
 
 /// The one place that starts shell lines: "/bin/sh" "-c" LINE in a process group of its own, with
 /// standard input closed and both streams drained at the same time. Returns when the shell and both
 /// streams have ended: what it leaves in the background must send its output elsewhere.
 ShellReply runShell(const ShellRequest &request);
+
+/// For the line of a tool: in the folder of the application, with what its family needs.
+ShellRequest toolRequest(const QString &line, const QUrl &tool, const ToolPlaces &places);
+/// For the line of a system command, which says everything in English.
+ShellRequest commandRequest(const QString &line);
 
 /// Whether /bin/sh knows "&>"; asked once per run.
 ShellKind shellKind();

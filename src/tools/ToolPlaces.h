@@ -18,4 +18,7 @@ public:
     virtual QString workingFolder() const = 0;
 };
 
+/// Where a tool or an archive of tools is, by its name; no check that it is there.
+QUrl locationOf(const QString &name, const ToolPlaces &places);
+
 } // namespace tools

@@ -5,6 +5,7 @@
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "support/WatchedPlaces.h"
+#include "tools/OptionItem.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,6 +3,7 @@
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
+#include "tools/ToolPlaces.h"
 
 #include <QDateTime>
 #include <QDir>

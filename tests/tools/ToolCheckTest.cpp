@@ -2,6 +2,7 @@
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
+#include "tools/ToolPlaces.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -49,10 +50,7 @@ struct Site
     {
         script(name, u"#!/bin/sh\nexec \"%1\" \"$@\"\n"_s.arg(program).toUtf8());
     }
-    prefs::ToolReport check(const QString &name) const
-    {
-        return prefs::ToolCheck(helpers, places).check(name);
-    }
+    prefs::ToolReport check(const QString &name) const { return prefs::ToolCheck(places).check(name); }
 
     support::Scratch scratch;
     Places places;
@@ -287,7 +285,7 @@ private Q_SLOTS:
         site.script(u"ffmpeg/ffprobe"_s, "#!/bin/sh\necho ffprobe version 1\n");
         QStringList names;
         QStringList working;
-        for (const prefs::ToolReport &report : prefs::ToolCheck(site.helpers, site.places).checkAll()) {
+        for (const prefs::ToolReport &report : prefs::ToolCheck(site.places).checkAll()) {
             names.append(report.name);
             if (report.works())
                 working.append(report.name);

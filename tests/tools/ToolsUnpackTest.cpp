@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 #include "support/Unprivileged.h"
 #include "tools/KXHelpers.h"
+#include "tools/ToolPlaces.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -4,6 +4,7 @@
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "tools/KXHelpers.h"
+#include "tools/ShellRunner.h"
 #include "tools/ToolProcess.h"
 
 #include <QElapsedTimer>

@@ -7,6 +7,7 @@
 #include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
+#include "tools/ShellRunner.h"
 
 #include <QDir>
 #include <QProcess>

@@ -3,6 +3,7 @@
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
+#include "tools/ShellRunner.h"
 
 #include <QDir>
 #include <QElapsedTimer>

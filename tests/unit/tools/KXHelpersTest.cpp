@@ -1,4 +1,5 @@
 #include "tools/KXHelpers.h"
+#include "platform/AlertPresenter.h"
 #include "support/FakePlaces.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
