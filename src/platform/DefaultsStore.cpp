@@ -113,7 +113,7 @@ QString JsonDefaultsStore::readForWriting()
 QString JsonDefaultsStore::write(const QVariantMap &values)
 {
     const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(values)).toJson();
-    if (bytes.size() > mostBytesReadWhole) // nobody could read them again
+    if (bytes.size() > mostBytesReadWhole) // they could not be read again
         return u"The settings can't be saved to %1: they would be too large."_s.arg(m_path);
     if (m_damaged && !QFile::copy(m_path, nameForDamaged(m_path)))
         return u"The damaged settings in %1 can't be set aside, so nothing was saved."_s.arg(m_path);

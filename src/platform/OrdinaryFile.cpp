@@ -79,7 +79,7 @@ const QString notOrdinary = u"it is no ordinary file"_s;
 class Descriptor final
 {
 public:
-    /// Without waiting: at a pipe the plain way would, until somebody writes.
+    /// Without blocking: a plain open of a pipe waits for a writer.
     explicit Descriptor(const QString &path)
         : m_number(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
     {

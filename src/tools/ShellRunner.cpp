@@ -72,7 +72,7 @@ void Run::endNow()
 {
     killGroupLedBy(m_leader);
     m_process.waitForFinished(1000);
-    m_streams.waitAndRead(0); // what was said before; who left the group is not waited for
+    m_streams.waitAndRead(0); // what came before; a process that left the group is not waited for
 }
 
 void Run::waitBlocking()
