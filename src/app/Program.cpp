@@ -34,22 +34,17 @@ Program::Program(const Options &options, platform::AlertPresenter &alerts)
     , m_presets(m_preferences, m_currentVideoFile, m_selectionController)
     , m_currentFile(m_currentVideoFile, m_selectionController, m_presets)
     , m_factory(makeFactory())
-    , m_queue(context(), m_factory, &m_watchMode)
+    , m_queue(contextFor(m_outputs), m_factory, &m_watchMode)
 {
     m_queue.initialize();
 }
 
 Program::~Program() = default;
 
-jobs::JobContext Program::context()
-{
-    return contextFor(m_launcher, m_outputs);
-}
-
-jobs::JobContext Program::contextFor(steps::StepLauncher &launcher, steps::OutputRegistry &outputs)
+jobs::JobContext Program::contextFor(steps::OutputRegistry &outputs)
 {
     jobs::JobContext context{m_preferences, m_notifications, m_alerts,  m_volumes,  m_workspace,
-                             launcher,      outputs,         m_scratch, m_whenTaken};
+                             m_launcher,    outputs,         m_scratch, m_whenTaken};
     context.intervals = m_intervals;
     return context;
 }

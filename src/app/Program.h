@@ -56,12 +56,10 @@ public:
     KXWatchModeController &watchMode() { return m_watchMode; }
     /// Starts the player with the selection's tracks, and forgets it.
     void playMovie(const SelectionPointer &selection);
-    /// What jobs are handed, with another launcher and registry where only the commands are wanted.
-    jobs::JobContext contextFor(steps::StepLauncher &launcher, steps::OutputRegistry &outputs);
+    /// What jobs are handed, with another registry where only their plans are wanted.
+    jobs::JobContext contextFor(steps::OutputRegistry &outputs);
 
 private:
-    jobs::JobContext context();
-
     steps::WhenTaken m_whenTaken;
     jobs::Intervals m_intervals;
     platform::AlertPresenter &m_alerts;

@@ -4,7 +4,6 @@
 #include "cli/PastableText.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
-#include "steps/DryRun.h"
 
 #include <QJsonArray>
 
@@ -35,17 +34,16 @@ QJsonObject environmentOf(const steps::Launch &launch)
     return environment;
 }
 
-QString commandOf(const steps::DryRun::Entry &entry)
+QString commandOf(const steps::Launch &launch)
 {
-    if (entry.isShellLine)
-        return entry.line.launched;
-    return pastableCommand(entry.launch.environment, QStringList{entry.launch.tool.toLocalFile()} +
-                                                         tools::argumentsOf(entry.launch.launched));
+    if (launch.line)
+        return launch.line->launched;
+    return pastableCommand(launch.environment, QStringList{launch.tool.toLocalFile()} +
+                                                   tools::argumentsOf(launch.launched));
 }
 
-QJsonObject objectOf(const steps::DryRun::Entry &entry, const KXJob &job, int number)
+QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
 {
-    const steps::Launch &launch = entry.launch;
     QJsonObject object{{u"job"_s, number},
                        {u"jobType"_s, job.jobType()},
                        {u"step"_s, launch.stepName},
@@ -53,10 +51,10 @@ QJsonObject objectOf(const steps::DryRun::Entry &entry, const KXJob &job, int nu
                        {u"program"_s, launch.tool.toLocalFile()},
                        {u"output"_s, launch.output.toLocalFile()},
                        {u"log"_s, launch.log.toLocalFile()}};
-    if (entry.isShellLine) {
-        object.insert(u"line"_s, entry.line.meant);
-        if (entry.line.launched != entry.line.meant)
-            object.insert(u"launchedLine"_s, entry.line.launched);
+    if (launch.line) {
+        object.insert(u"line"_s, launch.line->meant);
+        if (launch.line->launched != launch.line->meant)
+            object.insert(u"launchedLine"_s, launch.line->launched);
         return object;
     }
     object.insert(u"arguments"_s, wordsOf(launch.meant));
@@ -71,11 +69,10 @@ QJsonObject objectOf(const steps::DryRun::Entry &entry, const KXJob &job, int nu
 struct Stage
 {
     explicit Stage(Session &session)
-        : queue(session.program().contextFor(launcher, outputs), session.program().factory(), nullptr)
+        : queue(session.program().contextFor(outputs), session.program().factory(), nullptr)
     {
     }
 
-    steps::DryRun launcher;
     steps::OutputRegistry outputs;
     KXQueueController queue;
 };
@@ -96,16 +93,15 @@ bool DryRunPrinter::print(const QList<SelectionPointer> &selections)
     int number = 0;
     for (const JobPointer &job : stage.queue.qJobList()) {
         ++number;
-        stage.launcher.clear();
-        job->startJob();
+        const QList<steps::Launch> launches = job->plan();
         const QString refusal = job->startProblem();
         if (!refusal.isNull()) {
             m_session.console().say(u"%1: %2"_s.arg(job->jobFileName(), refusal));
             allStart = false;
         }
-        for (const auto &entry : stage.launcher.entries()) {
-            m_session.console().object(objectOf(entry, *job, number));
-            m_session.console().command(commandOf(entry));
+        for (const steps::Launch &launch : launches) {
+            m_session.console().object(objectOf(launch, *job, number));
+            m_session.console().command(commandOf(launch));
         }
     }
     return allStart;
@@ -118,7 +114,7 @@ QString DryRunPrinter::clash(const QList<SelectionPointer> &selections)
         enqueue(stage.queue, selection);
     QHash<QString, JobPointer> owners;
     for (const JobPointer &job : stage.queue.qJobList()) {
-        job->startJob();
+        job->plan();
         for (const ConverterPointer &converter : job->stepConverterList()) {
             const QUrl output = converter ? converter->outputFileURL() : QUrl();
             if (output.toLocalFile().isEmpty())

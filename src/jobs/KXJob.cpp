@@ -79,6 +79,17 @@ void KXJob::initJobWithSelectionAndPreferences(const SelectionPointer &selection
 
 void KXJob::startJob() {}
 
+QList<steps::Launch> KXJob::planOf(const QList<ConverterPointer> &prepared)
+{
+    setStepConverterList(prepared);
+    QList<steps::Launch> launches;
+    for (const ConverterPointer &converter : prepared) {
+        if (converter && converter->refusal().isNull())
+            launches += converter->launches();
+    }
+    return launches;
+}
+
 void KXJob::monitorNotifications(const KXNotification &) {}
 
 void KXJob::observe(const QString &name)
@@ -109,20 +120,18 @@ steps::ConverterContext KXJob::converterContext()
 
 void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProcessPointer &task)
 {
-    const bool mayRun = task || m_context.launcher.isDryRun();
     if (task)
         addTask(task);
-    m_progressList.append({converter->stepName(), mayRun ? u"0%"_s : u"Complete"_s});
+    m_progressList.append({converter->stepName(), task ? u"0%"_s : u"Complete"_s});
     noteFilesOf(*converter);
 }
 
-void KXJob::startSingleStep(const ConverterPointer &converter,
-                            const std::function<tools::ToolProcessPointer()> &start)
+void KXJob::startSingleStep(const ConverterPointer &converter)
 {
     setStepTaskList({});
     setProgressList({});
     setStepConverterList({converter});
-    const auto task = start();
+    const auto task = converter->refusal().isNull() ? converter->startPrepared() : nullptr;
     if (jobIsCancelled())
         return;
     stepStarted(converter, task);
@@ -130,10 +139,9 @@ void KXJob::startSingleStep(const ConverterPointer &converter,
     endIfNothingRuns();
 }
 
-void KXJob::startInTurn(const QList<ConverterPointer> &converters, const StepStart &start)
+void KXJob::startInTurn(const QList<ConverterPointer> &converters)
 {
     setStepConverterList(converters);
-    m_startStep = start;
     for (qsizetype index = 0; index < converters.size(); ++index) {
         const KXConverter &converter = *converters.at(index);
         const bool isRefused = !converter.refusal().isNull();
@@ -149,12 +157,12 @@ void KXJob::startInTurn(const QList<ConverterPointer> &converters, const StepSta
 /// All steps go by the same source as a rule, and a look is a tool too.
 void KXJob::startWaitingStepsOnceDurationsAreKnown()
 {
-    const bool asks = !m_waitingSteps.isEmpty() && !m_context.launcher.isDryRun();
     const auto begin = [this] {
         startWaitingSteps();
         endIfNothingRuns();
     };
-    if (asks && m_durations.ask(m_stepConverterList.at(m_waitingSteps.constFirst())->timedSources()))
+    if (!m_waitingSteps.isEmpty() &&
+        m_durations.ask(m_stepConverterList.at(m_waitingSteps.constFirst())->timedSources()))
         connect(&m_durations, &steps::DurationLooks::answered, this, begin, Qt::SingleShotConnection);
     else
         begin();
@@ -162,20 +170,18 @@ void KXJob::startWaitingStepsOnceDurationsAreKnown()
 
 void KXJob::startWaitingSteps()
 {
-    const auto mayStart = [this] {
-        return m_context.launcher.isDryRun() || m_runningSteps.size() < toolsAtOnce();
-    };
-    while (!m_waitingSteps.isEmpty() && !m_isPaused && !jobIsCancelled() && mayStart())
+    while (!m_waitingSteps.isEmpty() && !m_isPaused && !jobIsCancelled() &&
+           m_runningSteps.size() < toolsAtOnce())
         startWaitingStep(m_waitingSteps.takeFirst());
 }
 
 void KXJob::startWaitingStep(qsizetype index)
 {
-    const auto task = m_startStep(*m_stepConverterList.at(index));
+    const auto task = m_stepConverterList.at(index)->startPrepared();
     if (task) {
         addTask(task);
         m_runningSteps.insert(index);
-    } else if (!m_context.launcher.isDryRun()) {
+    } else {
         completeStep(index, m_stepConverterList.at(index)->stepName());
     }
 }

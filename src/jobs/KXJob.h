@@ -63,6 +63,9 @@ public:
     void initJobWithSelectionAndPreferences(const SelectionPointer &selection,
                                             const KXPreferences &preferences);
     virtual void startJob();
+    /// What the job would run, in order. It takes its names and nothing else happens: nothing is started,
+    /// written or announced. For a job that is not started; why it would not start is startProblem().
+    virtual QList<steps::Launch> plan() { return planOf(preparedSteps()); }
     virtual void monitorNotifications(const KXNotification &notification);
     void updateProgressWithProgressList(const jobs::ProgressList &list);
     void updateProgressWithProgressItem(const jobs::ProgressUpdate &update);
@@ -92,6 +95,9 @@ Q_SIGNALS:
 protected:
     const jobs::JobContext &context() const { return m_context; }
     steps::OutputGuard &guard() { return m_guard; }
+    /// The converters of the first steps, with their names; those of which nothing may be started know why.
+    virtual QList<ConverterPointer> preparedSteps() { return {}; }
+    QList<steps::Launch> planOf(const QList<ConverterPointer> &prepared);
     void observe(const QString &name);
     steps::ConverterContext converterContext();
     const QString &temporaryFolder();
@@ -116,13 +122,11 @@ protected:
     /// The outcome of a step that has ended; the log of a failed one is kept and named.
     steps::Outcome outcomeOfStep(KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
-    /// The start of a job of one step: the converter joins the lists, and is started there.
-    void startSingleStep(const ConverterPointer &converter,
-                         const std::function<tools::ToolProcessPointer()> &start);
+    /// The start of a job of one step that has its names: it joins the lists, and is started there.
+    void startSingleStep(const ConverterPointer &converter);
     /// Starts steps that have their names, as many at once as the job may run tools and the next one when one
-    /// has ended. All are shown from the beginning. What start answers is the step's tool, or null.
-    using StepStart = std::function<tools::ToolProcessPointer(KXConverter &)>;
-    void startInTurn(const QList<ConverterPointer> &converters, const StepStart &start);
+    /// has ended. All are shown from the beginning.
+    void startInTurn(const QList<ConverterPointer> &converters);
     int toolsAtOnce() const { return qMax(m_context.toolsAtOnce, 1); }
     bool isPaused() const { return m_isPaused; }
 
@@ -182,7 +186,6 @@ private:
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_outputs;
     QString m_temporaryFolder;
-    StepStart m_startStep;
     QList<qsizetype> m_waitingSteps;
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
     std::atomic_bool m_isPaused = false;

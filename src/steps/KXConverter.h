@@ -87,6 +87,13 @@ public:
     /// Progress of a background run: a percentage, "Pass 1 Complete" once, then "Complete"; a null
     /// text when there is no such run. May be called from a job's monitor thread.
     virtual QString monitorConversion();
+    // A step has its names first, by a prepare operation of its class, and is started then.
+    /// What a step that has its names will run, in order. Nothing is started by asking.
+    virtual QList<steps::Launch> launches() { return {}; }
+    /// Starts it as a process object, or so that monitorConversion() is asked; the answers are those of the
+    /// start operations above.
+    virtual tools::ToolProcessPointer startPrepared() { return nullptr; }
+    virtual QString startPreparedInBackground() { return {}; }
     tools::ToolProcessPointer runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool,
                                                                           const tools::OptionList &options,
                                                                           ShouldWait wait);
@@ -137,6 +144,9 @@ protected:
     bool claimOutput(const QUrl &wanted, steps::OutputForm form = steps::OutputForm::OneFile);
     void claimLog(const QUrl &wanted);
     void refuse(const QString &sentence) { m_refusal = sentence; }
+    /// A run as a value: that of a list, or that of a line with "& echo $!" at its end.
+    steps::Launch launchOf(const QUrl &tool, const tools::OptionList &meant);
+    steps::Launch launchOfLine(const QUrl &tool, const tools::OptionList &meant);
     /// The launch form of a list: what has to differ for the installed tool to succeed.
     virtual tools::OptionList launchForm(const tools::OptionList &meant);
     /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about
@@ -155,7 +165,7 @@ protected:
     /// The poll of a tool that prints "Progress: 45%": "45%", "error" where the last line holds no
     /// percentage, "Complete" when the background run has ended.
     QString pollPercentage() const;
-    /// Shows an alert that closes itself; in a dry run nobody is told.
+    /// Shows an alert that closes itself.
     void warn(const platform::AlertPointer &alert);
     /// The outcome of a finished run by exit status, messages and output.
     steps::Outcome outcomeOfTool() const;
@@ -167,8 +177,6 @@ private:
     steps::Outcome outcomeOfLastTask() const;
     /// A log without the names that would break it into lines of their own.
     QString withoutNames(QString log) const;
-    steps::Launch launchOf(const QUrl &tool, const tools::OptionList &meant,
-                           const tools::OptionList &launched) const;
     tools::OptionList fittingLaunchForm(const tools::OptionList &meant);
     void watch(const tools::ToolProcessPointer &task);
     void watchBackground();
@@ -176,6 +184,7 @@ private:
     void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
     QString makeWay();
+    QString makeLog();
     void takeDuration(const QString &answer);
     steps::DurationLooks &durations();
     void take(const steps::ReadEvent &event);

@@ -18,8 +18,7 @@
 using namespace Qt::StringLiterals;
 using tools::ToolProcess;
 
-steps::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &meant,
-                                    const tools::OptionList &launched) const
+steps::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &meant)
 {
     steps::Launch launch;
     launch.stepName = stepName();
@@ -28,8 +27,17 @@ steps::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &m
     launch.output = outputFileURL();
     launch.log = logFileURL();
     launch.meant = meant;
-    launch.launched = launched;
+    launch.launched = fittingLaunchForm(meant);
     launch.environment = tools::addedEnvironment(tool, tools::textsOf(meant), appPreferences());
+    return launch;
+}
+
+steps::Launch KXConverter::launchOfLine(const QUrl &tool, const tools::OptionList &meant)
+{
+    steps::Launch launch = launchOf(tool, meant);
+    const tools::ShellKind kind = tools::shellKind();
+    launch.line = tools::toolLine(tool, meant, appPreferences(), kind);
+    launch.line->launched = tools::toolLine(tool, launch.launched, appPreferences(), kind).launched;
     return launch;
 }
 
@@ -50,7 +58,7 @@ QString KXConverter::makeWay()
                 input.toLocalFile());
     }
     for (const QUrl &name : namesToWrite()) {
-        const QString problem = m_context.launcher.makeWay(m_context.guard, name);
+        const QString problem = m_context.guard.makeWayFor(name);
         if (!problem.isNull())
             return problem;
     }
@@ -65,12 +73,11 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     m_refusal = makeWay();
     if (!m_refusal.isNull())
         return nullptr;
-    if (!m_context.launcher.isDryRun())
-        m_context.guard.files().remove(logFileURL()); // that of the run before
+    m_context.guard.files().remove(logFileURL()); // that of the run before
+    const steps::Launch launch = launchOf(tool, options);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
-    const tools::OptionList launched = fittingLaunchForm(options);
-    request.arguments = tools::argumentsOf(launched);
+    request.arguments = tools::argumentsOf(launch.launched);
     request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
     request.workingFolder = appPreferences().workingFolder();
     setBackgroundReadStatus(0);
@@ -78,7 +85,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     m_logIsBegun = false;
     m_outputDecoder.resetState();
     m_errorDecoder.resetState();
-    const auto task = m_context.launcher.startProcess(launchOf(tool, options, launched), request);
+    const auto task = m_context.launcher.start(launch, request);
     const QString name = tool.fileName().toLower();
     if (!name.contains(u"mediainfo"_s) && !name.contains(u"mkvinfo"_s)) {
         logObjectWithString(request.program, u"[theTask launchPath]"_s);
@@ -86,8 +93,6 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
         logObjectWithString(tools::textsOf(options), u"optionsArray"_s);
         logObjectWithString(tools::textsOf(options).join(u' '), u"optionsArrayString"_s);
     }
-    if (!task)
-        return nullptr;
     setConverterTask(task);
     watch(task);
     if (wait == ShouldWait::Yes)
@@ -171,27 +176,34 @@ void KXConverter::appendToLog(const QByteArray &bytes)
         files.create(logFileURL(), isFirst ? bytes : m_logString.toUtf8());
 }
 
+/// Its poll looks into the log, which must be there then. Null, or why that was not possible.
+QString KXConverter::makeLog()
+{
+    if (!m_context.guard.hasClaimed(logFileURL()))
+        return u"The log %1 is not the job's own, so nothing was started."_s.arg(logFileURL().toLocalFile());
+    const QString problem = m_context.guard.files().begin(logFileURL());
+    if (problem.isNull())
+        m_context.guard.files().write(logFileURL(), {});
+    return problem;
+}
+
 QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
 {
     m_tool = tool;
     m_refusal = makeWay();
     if (m_refusal.isNull())
-        m_refusal = m_context.launcher.makeLog(m_context.guard, logFileURL());
+        m_refusal = makeLog();
     if (!m_refusal.isNull())
         return {};
-    const tools::OptionList launched = fittingLaunchForm(options);
-    tools::ShellLine line = tools::toolLine(tool, options, appPreferences(), tools::shellKind());
-    line.launched = tools::toolLine(tool, launched, appPreferences(), tools::shellKind()).launched;
+    const steps::Launch launch = launchOfLine(tool, options);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
-    request.arguments = tools::argumentsOf(steps::runAsProcess(launched));
+    request.arguments = tools::argumentsOf(steps::runAsProcess(launch.launched));
     request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
     request.workingFolder = appPreferences().workingFolder();
     request.streams = ToolProcess::Streams::Merged;
-    logObjectWithString(line.meant, u"doShellScript String: "_s);
-    m_background = m_context.launcher.startLine(launchOf(tool, options, launched), line, request);
-    if (!m_background)
-        return {};
+    logObjectWithString(launch.line->meant, u"doShellScript String: "_s);
+    m_background = m_context.launcher.start(launch, request);
     watchBackground();
     const qint64 pid = m_background->processIdentifier();
     if (pid > 0)
@@ -264,7 +276,7 @@ QString KXConverter::pollPercentage() const
 
 void KXConverter::warn(const platform::AlertPointer &alert)
 {
-    if (presenter() == nullptr || m_context.launcher.isDryRun())
+    if (presenter() == nullptr)
         return;
     openAlertSheet(alert);
     QTimer::singleShot(alert->closesAfter, this, [this, alert] { alertTimedOut(alert); });

@@ -69,24 +69,43 @@ QString KXConvertWithFfmpegJob::refusal() const
     return burns ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString();
 }
 
-void KXConvertWithFfmpegJob::startJob()
+/// The converter, without names; null, with an outcome, when the job may not start.
+std::shared_ptr<KXFfmpegConverter> KXConvertWithFfmpegJob::begin()
 {
-    const auto self = shared_from_this(); // a wait in here serves timers, and our row may go meanwhile
     setTheTracks(jobSelection()->trackList());
     setSubWasBurned(false);
     const QString refused = refusal();
     if (!refused.isNull()) {
         addOutcome(steps::Outcome::failed(refused));
+        return nullptr;
+    }
+    const auto converter = std::make_shared<KXFfmpegConverter>(converterContext());
+    converter->setStepName(u"Video Conversion"_s);
+    setStepConverterList({converter});
+    return converter;
+}
+
+void KXConvertWithFfmpegJob::startJob()
+{
+    const auto self = shared_from_this(); // a wait in here serves timers, and our row may go meanwhile
+    m_converter = begin();
+    if (!m_converter) {
         setProgressList({});
         return requestJobDone();
     }
-    m_converter = std::make_shared<KXFfmpegConverter>(converterContext());
-    m_converter->setStepName(u"Video Conversion"_s);
-    setStepConverterList({m_converter});
-    if (tools::leadingInteger(jobSelection()->subCount()) >= 1)
-        prepareSubtitles(*m_converter);
+    prepareSubtitles(*m_converter);
     if (!jobIsCancelled())
         startConversion(m_converter);
+}
+
+QList<steps::Launch> KXConvertWithFfmpegJob::plan()
+{
+    const auto converter = begin();
+    if (!converter)
+        return {};
+    QList<steps::Launch> launches = planSubtitles(*converter);
+    converter->prepareConversion(jobSelection());
+    return launches += planOf({converter});
 }
 
 void KXConvertWithFfmpegJob::startConversion(const std::shared_ptr<KXFfmpegConverter> &converter)
@@ -95,30 +114,66 @@ void KXConvertWithFfmpegJob::startConversion(const std::shared_ptr<KXFfmpegConve
     setProgressList({});
     stepStarted(converter, converter->startConversionForSelection(jobSelection()));
     setFfmpegOutputURL(converter->outputFileURL());
-    if (context().launcher.isDryRun() && converter->currentPass() == 1)
-        converter->startSecondPass();
     postProgress(progressList());
     endIfNothingRuns();
 }
 
-/// Walks up to the first subtitle that is burned; only that one is prepared.
-void KXConvertWithFfmpegJob::prepareSubtitles(KXFfmpegConverter &converter)
+/// Walks up to the first subtitle that is burned; only that one is.
+KXConvertWithFfmpegJob::SubtitleWork KXConvertWithFfmpegJob::subtitleWork()
 {
-    for (qsizetype index = 0; index < theTracks().size() && !jobIsCancelled(); ++index) {
+    SubtitleWork work;
+    const bool hasAny = tools::leadingInteger(jobSelection()->subCount()) >= 1;
+    for (qsizetype index = 0; hasAny && index < theTracks().size(); ++index) {
         KXVideoTrack &track = *theTracks().at(index);
         track.initializeForMuxing();
-        if (isBurned(track))
-            return prepareBurning(converter, index);
+        if (isBurned(track)) {
+            work.burned = index;
+            setSubWasBurned(true);
+            break;
+        }
         if (engines::isSubtitle(track) && track.userCodec().toLower() == u"extract"_s &&
             !track.externalTrackFlag())
+            work.extracted.append(index);
+    }
+    return work;
+}
+
+void KXConvertWithFfmpegJob::prepareSubtitles(KXFfmpegConverter &converter)
+{
+    const SubtitleWork work = subtitleWork();
+    for (const qsizetype index : work.extracted) {
+        if (!jobIsCancelled())
             extracted(index, KXConverter::Keeping::TheOutput);
     }
+    if (work.burned && !jobIsCancelled())
+        prepareBurning(converter, *work.burned);
+}
+
+/// What prepareSubtitles() would run, and what would be burned then.
+QList<steps::Launch> KXConvertWithFfmpegJob::planSubtitles(KXFfmpegConverter &converter)
+{
+    const SubtitleWork work = subtitleWork();
+    QList<steps::Launch> launches;
+    const auto planned = [&](qsizetype index) {
+        const auto dumper = preparedDumper(index);
+        if (dumper->refusal().isNull())
+            launches += dumper->launches();
+        return dumper->outputFileURL();
+    };
+    for (const qsizetype index : work.extracted)
+        planned(index);
+    if (!work.burned)
+        return launches;
+    const KXVideoTrack &track = *theTracks().at(*work.burned);
+    const bool isInside = isText(track) && !track.externalTrackFlag();
+    const QUrl file = isInside ? planned(*work.burned) : track.trackFileURL();
+    converter.setSubToBurnURL(isText(track) ? converter.fileToBurn(file) : file);
+    return launches;
 }
 
 void KXConvertWithFfmpegJob::prepareBurning(KXFfmpegConverter &converter, qsizetype index)
 {
     const KXVideoTrack &track = *theTracks().at(index);
-    setSubWasBurned(true);
     if (!isText(track)) {
         converter.setSubToBurnURL(track.trackFileURL());
         return noteUnlessDrawn(converter, track);
@@ -141,26 +196,34 @@ void KXConvertWithFfmpegJob::noteUnlessDrawn(const KXFfmpegConverter &converter,
                 track.trackFileURL().fileName())));
 }
 
+std::shared_ptr<KXTrackDumper> KXConvertWithFfmpegJob::preparedDumper(qsizetype index)
+{
+    const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
+    dumper->inititializeForTrackWithStepLabelKeepingTheOutput(index, u"Extracting Subtitle"_s,
+                                                              KXConverter::Keeping::Temporary);
+    dumper->setIsTemporaryOutput(true);
+    dumper->prepareInBackground(jobSelection());
+    return dumper;
+}
+
 /// Extracts a subtitle of the source into a file beside the output and answers where it is. One that is
 /// to be burned is gone with the job; one that the user wants to have stays. A failed extraction leaves
 /// it missing; the conversion still runs and says so.
 QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping keeping)
 {
-    KXTrackDumper dumper(converterContext());
-    dumper.inititializeForTrackWithStepLabelKeepingTheOutput(index, u"Extracting Subtitle"_s,
-                                                             KXConverter::Keeping::Temporary);
-    dumper.setIsTemporaryOutput(true);
-    dumper.startConversionFor(jobSelection());
-    noteFilesOf(dumper);
-    waitForBackground(dumper);
-    if (context().launcher.isDryRun() || jobIsCancelled())
-        return dumper.outputFileURL();
-    const steps::Outcome outcome = outcomeOfStep(dumper);
+    const auto dumper = preparedDumper(index);
+    if (dumper->refusal().isNull())
+        dumper->startPreparedInBackground();
+    noteFilesOf(*dumper);
+    waitForBackground(*dumper);
+    if (jobIsCancelled())
+        return dumper->outputFileURL();
+    const steps::Outcome outcome = outcomeOfStep(*dumper);
     if (outcome.verdict == steps::Verdict::Failed)
         addOutcome(outcome);
     else if (keeping == KXConverter::Keeping::TheOutput)
-        keepFiles(dumper.outputFiles());
-    return dumper.outputFileURL();
+        keepFiles(dumper->outputFiles());
+    return dumper->outputFileURL();
 }
 
 /// What was to go with the job if it had been stopped meanwhile now stays.

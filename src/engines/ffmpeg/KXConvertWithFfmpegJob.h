@@ -25,6 +25,7 @@ public:
     explicit KXConvertWithFfmpegJob(const jobs::JobContext &context);
 
     void startJob() override;
+    QList<steps::Launch> plan() override;
     void monitorNotifications(const KXNotification &notification) override;
     QString refusal() const override;
 
@@ -39,12 +40,23 @@ public:
     static constexpr int mostRetries = 5;
 
 private:
+    /// What subtitles need before the conversion, as positions in theTracks().
+    struct SubtitleWork
+    {
+        QList<qsizetype> extracted;
+        std::optional<qsizetype> burned;
+    };
+
     /// One cycle of the polling monitor; true when every converter has finished.
     bool pollOnce(const jobs::ProgressList &previous, jobs::ProgressList &current);
     jobs::ProgressItem itemFor(KXConverter &converter, const QString &answer,
                                const jobs::ProgressItem *previous, bool &adds);
 
+    std::shared_ptr<KXFfmpegConverter> begin();
+    SubtitleWork subtitleWork();
     void prepareSubtitles(KXFfmpegConverter &converter);
+    QList<steps::Launch> planSubtitles(KXFfmpegConverter &converter);
+    std::shared_ptr<KXTrackDumper> preparedDumper(qsizetype index);
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
     void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);

@@ -14,11 +14,8 @@ KXExtractTracksJob::KXExtractTracksJob(const jobs::JobContext &context)
     observe(engines::updates::extraction);
 }
 
-void KXExtractTracksJob::startJob()
+QList<ConverterPointer> KXExtractTracksJob::preparedSteps()
 {
-    setStepConverterList({});
-    setStepTaskList({});
-    setProgressList({});
     const TrackList tracks = jobSelection()->trackList();
     QList<ConverterPointer> converters;
     for (qsizetype index = 0; index < tracks.size(); ++index) {
@@ -28,9 +25,15 @@ void KXExtractTracksJob::startJob()
         dumper->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
         converters.append(dumper);
     }
-    startInTurn(converters, [](KXConverter &converter) {
-        return static_cast<KXTrackDumper &>(converter).startPrepared();
-    });
+    return converters;
+}
+
+void KXExtractTracksJob::startJob()
+{
+    setStepConverterList({});
+    setStepTaskList({});
+    setProgressList({});
+    startInTurn(preparedSteps());
 }
 
 void KXExtractTracksJob::monitorNotifications(const KXNotification &notification)

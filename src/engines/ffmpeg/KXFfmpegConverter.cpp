@@ -49,7 +49,6 @@ void KXFfmpegConverter::prepareNames(const QUrl &wanted)
         setOutputFileURL(context().guard.claimFree(wanted));
     else if (!claimOutput(wanted))
         return;
-    postConversionStarted();
     setPasslogfileString(context().temporaryFolder + u"passLog"_s);
     claimLog(log);
     setLogModifiedDateOld(QDateTime::currentDateTime());
@@ -59,10 +58,15 @@ void KXFfmpegConverter::prepareNames(const QUrl &wanted)
 
 tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const SelectionPointer &selection)
 {
+    return prepareConversion(selection) ? startPrepared() : nullptr;
+}
+
+bool KXFfmpegConverter::prepareConversion(const SelectionPointer &selection)
+{
     initializeFor(selection);
     prepareNames(wantedOutput());
     if (!refusal().isNull())
-        return nullptr;
+        return false;
     engines::ConversionRequest request;
     request.kind = engines::outputKindNamed(appName());
     request.output = outputFileURL();
@@ -79,6 +83,24 @@ tools::ToolProcessPointer KXFfmpegConverter::startConversionForSelection(const S
     setCurrentPass(lists.currentPass);
     m_isShellLine = false;
     noteSubtitlesWithoutPlace();
+    return true;
+}
+
+QList<steps::Launch> KXFfmpegConverter::launches()
+{
+    if (m_isShellLine)
+        return {launchOfLine(urlOfApp(u"ffmpeg"_s), optionArray1())};
+    QList<steps::Launch> runs{launchOf(urlOfApp(u"ffmpeg"_s), optionArray1())};
+    if (currentPass() == 1) {
+        beginSecondPass();
+        runs.append(launchOf(urlOfApp(u"ffmpeg"_s), optionArray2()));
+    }
+    return runs;
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startPrepared()
+{
+    postConversionStarted();
     const auto task =
         runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
     setOldProgress(u"00:00:00"_s);
@@ -100,12 +122,17 @@ void KXFfmpegConverter::noteSubtitlesWithoutPlace()
     }
 }
 
-tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
+void KXFfmpegConverter::beginSecondPass()
 {
     setCurrentPass(2);
     m_repeatsFirstPass = false;
     m_isShellLine = false;
     m_startsSecondPass = true;
+}
+
+tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
+{
+    beginSecondPass();
     m_progress.clear();
     m_lastTime.clear();
     const auto task =
@@ -131,7 +158,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
 
 QString KXFfmpegConverter::startConvertingTrackItemToProcess(const SelectionPointer &selection)
 {
-    return prepareTrackItemToProcess(selection) ? startPreparedTrack() : QString();
+    return prepareTrackItemToProcess(selection) ? startPreparedInBackground() : QString();
 }
 
 bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &selection)
@@ -160,27 +187,29 @@ bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &select
     return true;
 }
 
-QString KXFfmpegConverter::startPreparedTrack()
+QString KXFfmpegConverter::startPreparedInBackground()
 {
+    postConversionStarted();
     setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), optionArray1()));
     setOldProgress(u"00:00:00"_s);
     return doShell_ID();
 }
 
-void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
+/// The copy keeps its content whatever its format; only its name ends in ".ass".
+QUrl KXFfmpegConverter::fileToBurn(const QUrl &subtitle) const
 {
     const QString path = subtitle.toLocalFile();
-    if (!subCanBurnList().contains(QFileInfo(path).suffix().toLower())) {
-        setSubToBurnURL(QUrl());
-        return;
-    }
-    setSubToBurnURL(subtitle);
-    if (engines::filterCanTake(path))
-        return;
-    // The copy keeps its content whatever its format; only its name ends in ".ass".
-    const QUrl copy = QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
-    if (context().launcher.copyFile(context().guard, subtitle, copy))
-        setSubToBurnURL(copy);
+    if (!subCanBurnList().contains(QFileInfo(path).suffix().toLower()))
+        return {};
+    return engines::filterCanTake(path) ? subtitle
+                                        : QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
+}
+
+void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
+{
+    const QUrl file = fileToBurn(subtitle);
+    const bool isCopy = !isEmpty(file) && file != subtitle;
+    setSubToBurnURL(isCopy && !context().guard.files().copy(subtitle, file) ? subtitle : file);
 }
 
 tools::OptionList KXFfmpegConverter::launchForm(const tools::OptionList &meant)

@@ -30,15 +30,23 @@ public:
 
     void initializeFor(const SelectionPointer &selection) override;
     tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
+    /// Names and lists of such a run; false, with a refusal, when nothing may be started. startPrepared()
+    /// starts it then.
+    bool prepareConversion(const SelectionPointer &selection);
+    tools::ToolProcessPointer startPrepared() override;
     tools::ToolProcessPointer startSecondPass();
     tools::ToolProcessPointer startTimeStampRetry();
     /// Converts the track at trackItemToProcess() in the shell's background; answers the process id.
     QString startConvertingTrackItemToProcess(const SelectionPointer &selection);
     /// The names and lists of such a run; false, with a refusal, when nothing may be started.
-    /// startPreparedTrack() starts it then.
+    /// startPreparedInBackground() starts it then.
     bool prepareTrackItemToProcess(const SelectionPointer &selection);
-    QString startPreparedTrack();
+    QString startPreparedInBackground() override;
+    QList<steps::Launch> launches() override;
     void prepSubtitleForBurning(const QUrl &subtitle);
+    /// The file that is burned where prepSubtitleForBurning() can make the copies that it wants; without a
+    /// path: none.
+    QUrl fileToBurn(const QUrl &subtitle) const;
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
@@ -51,6 +59,7 @@ protected:
 
 private:
     void noteSubtitlesWithoutPlace();
+    void beginSecondPass();
     void prepareNames(const QUrl &wantedOutput);
     QUrl wantedOutput() const;
     QStringList namesInLog() const;

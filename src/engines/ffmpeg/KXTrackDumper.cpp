@@ -46,6 +46,7 @@ bool KXTrackDumper::prepare(const QString &base, Naming naming)
         context().guard.claimFree(companion); // ours from here on
     claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
     setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
+    setExtractorName(engines::isForMkvextract(*track()) ? u"mkvextractor"_s : u"ffmpeg"_s);
     return true;
 }
 
@@ -79,43 +80,65 @@ tools::ToolProcessPointer KXTrackDumper::startConversionForSelection(const Selec
     return prepareForSelection(selection) ? startPrepared() : nullptr;
 }
 
+QUrl KXTrackDumper::tool() const
+{
+    return urlOfApp(extractorName() == u"ffmpeg"_s ? u"ffmpeg"_s : u"mkvextract"_s);
+}
+
+tools::OptionList KXTrackDumper::arguments() const
+{
+    return extractorName() == u"ffmpeg"_s ? engines::ffmpegExtractionArguments(*track(), outputFileURL())
+                                          : engines::mkvextractArguments(*track(), outputFileURL());
+}
+
+tools::OptionList KXTrackDumper::shellItems() const
+{
+    return extractorName() == u"ffmpeg"_s
+               ? engines::ffmpegExtractionShellItems(*track(), outputFileURL(), logFileURL())
+               : engines::mkvextractShellItems(*track(), outputFileURL(), logFileURL());
+}
+
+QList<steps::Launch> KXTrackDumper::launches()
+{
+    if (extractorName() == u"mp4box"_s)
+        return {};
+    return {m_isInBackground ? launchOfLine(tool(), shellItems()) : launchOf(tool(), arguments())};
+}
+
 tools::ToolProcessPointer KXTrackDumper::startPrepared()
 {
     postConversionStarted();
-    if (engines::isForMkvextract(*track())) {
-        setExtractorName(u"mkvextractor"_s);
-        return runAndMonitorBinaryURLWithOptionsShouldWait(
-            urlOfApp(u"mkvextract"_s), engines::mkvextractArguments(*track(), outputFileURL()),
-            ShouldWait::No);
-    }
-    setExtractorName(u"ffmpeg"_s);
-    setOldProgress(u"00:00:00"_s);
+    if (extractorName() == u"ffmpeg"_s)
+        setOldProgress(u"00:00:00"_s);
     m_progress.clear();
-    return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionArguments(*track(), outputFileURL()), ShouldWait::No);
+    return runAndMonitorBinaryURLWithOptionsShouldWait(tool(), arguments(), ShouldWait::No);
+}
+
+bool KXTrackDumper::prepareInBackground(const SelectionPointer &selection)
+{
+    m_isInBackground = true;
+    initializeFor(selection);
+    setDoShell_ID({});
+    if (!prepare(outputFileURL().toLocalFile(), isTemporaryOutput() ? Naming::Intermediate : Naming::Output))
+        return false;
+    if (engines::isForMp4box(*track()))
+        setExtractorName(u"mp4box"_s); // and no tool: nothing writes such a subtitle
+    return true;
 }
 
 QString KXTrackDumper::startConversionFor(const SelectionPointer &selection)
 {
-    initializeFor(selection);
-    setDoShell_ID({});
-    if (!prepare(outputFileURL().toLocalFile(), isTemporaryOutput() ? Naming::Intermediate : Naming::Output))
+    return prepareInBackground(selection) ? startPreparedInBackground() : QString();
+}
+
+QString KXTrackDumper::startPreparedInBackground()
+{
+    if (extractorName() == u"mp4box"_s)
         return {};
-    if (engines::isForMkvextract(*track())) {
-        setExtractorName(u"mkvextractor"_s);
-        postConversionStarted();
-        setDoShell_ID(
-            startInBackground(urlOfApp(u"mkvextract"_s),
-                              engines::mkvextractShellItems(*track(), outputFileURL(), logFileURL())));
-    } else if (engines::isForMp4box(*track())) {
-        setExtractorName(u"mp4box"_s); // and no tool: nothing writes such a subtitle
-    } else {
-        setExtractorName(u"ffmpeg"_s);
+    if (extractorName() == u"ffmpeg"_s)
         setOldProgress(u"00:00:00"_s);
-        postConversionStarted();
-        setDoShell_ID(startInBackground(urlOfApp(u"ffmpeg"_s), engines::ffmpegExtractionShellItems(
-                                                                   *track(), outputFileURL(), logFileURL())));
-    }
+    postConversionStarted();
+    setDoShell_ID(startInBackground(tool(), shellItems()));
     return doShell_ID();
 }
 

@@ -25,8 +25,12 @@ public:
     /// starts it then.
     bool prepareForSelection(const SelectionPointer &selection);
     bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
-    tools::ToolProcessPointer startPrepared();
+    tools::ToolProcessPointer startPrepared() override;
     QString startConversionFor(const SelectionPointer &selection) override;
+    /// The same for such a run.
+    bool prepareInBackground(const SelectionPointer &selection);
+    QString startPreparedInBackground() override;
+    QList<steps::Launch> launches() override;
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
@@ -43,9 +47,13 @@ private:
 
     const KXVideoTrack *track() const;
     bool prepare(const QString &base, Naming naming);
+    QUrl tool() const;
+    tools::OptionList arguments() const;
+    tools::OptionList shellItems() const;
     QString pollFfmpeg();
     QString pollMkvextract();
     steps::Outcome outcomeBeside(const steps::Outcome &ended, const KXVideoTrack &source) const;
 
     steps::FfmpegProgressReader m_progress;
+    bool m_isInBackground = false;
 };

@@ -13,17 +13,20 @@ KXJoinVideosJob::KXJoinVideosJob(const jobs::JobContext &context)
     observe(engines::updates::joining);
 }
 
-void KXJoinVideosJob::startJob()
+QList<ConverterPointer> KXJoinVideosJob::preparedSteps()
 {
     const auto joiner = std::make_shared<KXVideoJoiner>(converterContext());
     joiner->setStepName(u"Joining Videos"_s);
     joiner->setStopFlag(cancelFlag());
     joiner->setJoinerName(
         engines::joinerFor(jobSelection()->editFilesURLsList(), fileExistsAtURL(urlOfApp(u"mp4box"_s))));
-    startSingleStep(joiner, [&] {
-        return joiner->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
-                                                                       appPreferences().saveDirectoryURL());
-    });
+    joiner->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
+    return {joiner};
+}
+
+void KXJoinVideosJob::startJob()
+{
+    startSingleStep(preparedSteps().constFirst());
     if (jobIsCancelled() || progressList().isEmpty() || progressList().constFirst().isComplete())
         return;
     setProgressList({{u"Joining Videos"_s, u"Joining"_s}}); // a word until the first number comes

@@ -12,4 +12,7 @@ public:
 
     void startJob() override;
     void monitorNotifications(const KXNotification &notification) override;
+
+protected:
+    QList<ConverterPointer> preparedSteps() override;
 };

@@ -37,23 +37,35 @@ QStringList KXVideoJoiner::findMismatchedProperetiesFor(const QList<QUrl> &files
         engines::probedForJoining(files, appPreferences(), stopFlag(), besideTheTool));
 }
 
-tools::ToolProcessPointer
-KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
-                                                               const QUrl &folder)
+bool KXVideoJoiner::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                            const QUrl &folder)
 {
     setConverterSelection(selection);
     const QList<QUrl> files = selection->editFilesURLsList();
     if (files.isEmpty()) {
         refuse(u"There are no files to join."_s);
-        return nullptr;
+        return false;
     }
     setInputFileURL(files.constFirst());
     setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
     setTempFileToDeleteURL(QUrl());
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
-        return nullptr;
+        return false;
     claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
+    return true;
+}
+
+tools::ToolProcessPointer
+KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                               const QUrl &folder)
+{
+    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXVideoJoiner::startPrepared()
+{
+    const QList<QUrl> files = converterSelection()->editFilesURLsList();
     auto task = start(files);
     m_mustLook = task != nullptr;
     if (m_mustLook && context().toolsAtOnce > 1)
@@ -88,23 +100,42 @@ void KXVideoJoiner::completeWhenAllIsDone()
         post(u"taskCompletion"_s, u"Complete"_s);
 }
 
+tools::OptionList KXVideoJoiner::arguments(const QList<QUrl> &files) const
+{
+    if (joinerName() == u"ffmpeg"_s)
+        return engines::concatArguments(concatList(), outputFileURL());
+    if (joinerName() == u"mkvmerge"_s)
+        return engines::joinArguments(files, outputFileURL());
+    if (joinerName() == u"mp4box"_s)
+        return engines::mp4boxJoinArguments(files, saveDirectoryURL(), outputFileURL());
+    return {};
+}
+
+QList<steps::Launch> KXVideoJoiner::launches()
+{
+    return {launchOf(urlOfApp(joinerName()), arguments(converterSelection()->editFilesURLsList()))};
+}
+
 tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
 {
     m_mkvProgress.clear();
     m_ffmpegProgress.clear();
-    if (joinerName() == u"ffmpeg"_s)
-        return startConcat(files);
-    tools::OptionList list;
-    if (joinerName() == u"mkvmerge"_s) {
-        list = engines::joinArguments(files, outputFileURL());
-    } else if (joinerName() == u"mp4box"_s) {
-        list = engines::mp4boxJoinArguments(files, saveDirectoryURL(), outputFileURL());
-    } else {
+    const tools::OptionList list = arguments(files);
+    if (list.isEmpty()) {
         refuse(u"There is no tool \"%1\" to join with, so nothing was started."_s.arg(joinerName()));
+        return nullptr;
+    }
+    if (joinerName() == u"ffmpeg"_s && !writeConcatList(files)) {
+        refuse(u"The list of files to join can't be written to %1."_s.arg(concatList().toLocalFile()));
         return nullptr;
     }
     postConversionStarted();
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(joinerName()), list, ShouldWait::No);
+}
+
+QUrl KXVideoJoiner::concatList() const
+{
+    return QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
 }
 
 /// The concat reader takes its list line by line, whatever is quoted, so a path with a line break in it is
@@ -119,23 +150,14 @@ QList<QUrl> KXVideoJoiner::listable(const QList<QUrl> &files) const
             continue;
         }
         names.append(QUrl::fromLocalFile(context().temporaryFolder + u"part%1"_s.arg(names.size())));
-        if (!context().launcher.isDryRun())
-            context().guard.files().link(file, names.constLast());
+        context().guard.files().link(file, names.constLast());
     }
     return names;
 }
 
-tools::ToolProcessPointer KXVideoJoiner::startConcat(const QList<QUrl> &files)
+bool KXVideoJoiner::writeConcatList(const QList<QUrl> &files) const
 {
-    const QUrl listFile = QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
-    const QByteArray list = engines::concatListLaunched(listable(files)).toUtf8();
-    if (!context().launcher.isDryRun() && !context().guard.files().write(listFile, list)) {
-        refuse(u"The list of files to join can't be written to %1."_s.arg(listFile.toLocalFile()));
-        return nullptr;
-    }
-    postConversionStarted();
-    return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"ffmpeg"_s), engines::concatArguments(listFile, outputFileURL()), ShouldWait::No);
+    return context().guard.files().write(concatList(), engines::concatListLaunched(listable(files)).toUtf8());
 }
 
 tools::OptionList KXVideoJoiner::launchForm(const tools::OptionList &meant)

@@ -22,6 +22,10 @@ public:
     tools::ToolProcessPointer
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
+    /// Names for output and log; false, with a refusal, when nothing may be started.
+    bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    tools::ToolProcessPointer startPrepared() override;
+    QList<steps::Launch> launches() override;
     /// What differs; the misspelling is meant.
     QStringList findMismatchedProperetiesFor(const QList<QUrl> &files);
     QList<QUrl> timedSources() const override;
@@ -34,7 +38,10 @@ protected:
 
 private:
     tools::ToolProcessPointer start(const QList<QUrl> &files);
-    tools::ToolProcessPointer startConcat(const QList<QUrl> &files);
+    /// The list for the tool that joins; an empty one for a tool that nobody knows.
+    tools::OptionList arguments(const QList<QUrl> &files) const;
+    bool writeConcatList(const QList<QUrl> &files) const;
+    QUrl concatList() const;
     QList<QUrl> listable(const QList<QUrl> &files) const;
     void lookAt(const QList<QUrl> &files);
     void looked();

@@ -10,10 +10,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-} // namespace
-
 KXConvertToMkvJob::KXConvertToMkvJob(const jobs::JobContext &context)
     : KXJob(context)
 {
@@ -51,34 +47,57 @@ QList<ConverterPointer> KXConvertToMkvJob::makeConverters()
     return converters;
 }
 
-void KXConvertToMkvJob::startJob()
+/// The conversions with their names. A track that is converted is muxed from its own file.
+QList<ConverterPointer> KXConvertToMkvJob::preparedSteps()
 {
     setTheTracks(jobSelection()->trackList());
+    const QList<ConverterPointer> converters = makeConverters();
+    for (const ConverterPointer &converter : converters) {
+        if (converter)
+            static_cast<KXFfmpegConverter &>(*converter).prepareTrackItemToProcess(jobSelection());
+    }
+    setStepConverterList(converters);
+    redirectTracks();
+    return converters;
+}
+
+/// The conversions, and then the muxer, which is the step that counts.
+QList<steps::Launch> KXConvertToMkvJob::plan()
+{
+    QList<steps::Launch> launches = planOf(preparedSteps());
+    const auto muxer = makeMuxer();
+    muxer->prepareFor(jobSelection());
+    return launches += planOf({muxer});
+}
+
+void KXConvertToMkvJob::startJob()
+{
     setStepTaskList({});
     setProgressList({});
-    setStepConverterList(makeConverters());
-    for (const ConverterPointer &converter : stepConverterList()) {
+    for (const ConverterPointer &converter : preparedSteps()) {
         if (!converter)
             continue;
-        auto *ffmpeg = static_cast<KXFfmpegConverter *>(converter.get());
-        if (ffmpeg->prepareTrackItemToProcess(jobSelection()))
-            m_waiting.append(ffmpeg);
+        if (converter->refusal().isNull())
+            m_waiting.append(static_cast<KXFfmpegConverter *>(converter.get()));
         backgroundStepStarted(converter, {});
     }
-    redirectTracks();
-    const bool isDryRun = context().launcher.isDryRun();
-    startWaitingConversions(isDryRun ? static_cast<int>(m_waiting.size()) : toolsAtOnce());
+    startWaitingConversions(toolsAtOnce());
     postProgress(progressList());
-    if (context().launcher.isDryRun())
-        return muxStep();
     followSoon([this] { monitorStartJob(); });
+}
+
+std::shared_ptr<KXMkvMuxer> KXConvertToMkvJob::makeMuxer()
+{
+    const auto muxer = std::make_shared<KXMkvMuxer>(converterContext());
+    muxer->setStepName(u"Muxing Tracks"_s);
+    return muxer;
 }
 
 void KXConvertToMkvJob::startWaitingConversions(int most)
 {
     for (int started = 0; started < most && !m_waiting.isEmpty() && !isPaused(); ++started) {
         KXFfmpegConverter *converter = m_waiting.takeFirst();
-        if (!converter->startPreparedTrack().isEmpty())
+        if (!converter->startPreparedInBackground().isEmpty())
             followBackground(*converter);
     }
 }
@@ -166,18 +185,16 @@ bool KXConvertToMkvJob::conversionsSucceeded()
 
 void KXConvertToMkvJob::muxStep()
 {
-    if (!context().launcher.isDryRun() && !conversionsSucceeded())
+    if (!conversionsSucceeded())
         return jobDone();
     setStepTaskList({});
     setProgressList({});
-    const auto muxer = std::make_shared<KXMkvMuxer>(converterContext());
-    muxer->setStepName(u"Muxing Tracks"_s);
+    const auto muxer = makeMuxer();
     setStepConverterList({muxer});
     backgroundStepStarted(muxer, muxer->startConversionFor(jobSelection()));
     setMuxStepCounter(1);
     setOldMuxProgress(0);
-    if (!context().launcher.isDryRun())
-        followSoon([this] { monitorMuxStep(); });
+    followSoon([this] { monitorMuxStep(); });
 }
 
 void KXConvertToMkvJob::monitorMuxStep()

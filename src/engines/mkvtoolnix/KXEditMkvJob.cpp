@@ -15,6 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+bool isExtraction(const QString &jobType)
+{
+    return jobType == u"MKV Track Extraction"_s || jobType == u"Send To Lintwick"_s;
+}
+
 } // namespace
 
 KXEditMkvJob::KXEditMkvJob(const jobs::JobContext &context)
@@ -27,6 +32,7 @@ KXEditMkvJob::KXEditMkvJob(const jobs::JobContext &context)
 
 void KXEditMkvJob::startJob()
 {
+    const auto self = shared_from_this(); // looking at the files of a join serves timers, and our row may go
     setStepTaskList({});
     setProgressList({});
     setStepConverterList({});
@@ -34,63 +40,91 @@ void KXEditMkvJob::startJob()
     setProgressStepCounter(1);
     setMuxStepCounter(1);
     setOldStepProgress(0);
+    const QList<ConverterPointer> steps = preparedSteps();
     const QString type = jobSelection()->jobType();
-    if (type == u"MKV Track Extraction"_s || type == u"Send To Lintwick"_s)
-        return startExtraction();
+    if (isExtraction(type))
+        return startInTurn(steps);
+    if (steps.isEmpty())
+        return endIfNothingRuns();
     if (type == u"MKV Joining"_s)
-        return startJoin();
-    if (type == u"MKV Track Removal"_s)
-        return startRemoval();
-    if (type == u"MKV Splitting"_s)
-        return startBackground(std::make_shared<KXMkvEditor>(converterContext()), u"Splitting Videos"_s);
-    if (type == u"MKV Remux"_s)
-        return startBackground(std::make_shared<KXMkvReMuxer>(converterContext()), u"Re-Muxing MKV"_s);
-    addOutcome(steps::Outcome::failed(u"There is no job of the type \"%1\"."_s.arg(type)));
-    endIfNothingRuns();
+        return startSingleStep(steps.constFirst());
+    startBackground(steps.constFirst());
 }
 
-void KXEditMkvJob::startExtraction()
+QList<ConverterPointer> KXEditMkvJob::preparedSteps()
+{
+    const QString type = jobSelection()->jobType();
+    if (isExtraction(type))
+        return preparedExtraction();
+    if (type == u"MKV Joining"_s)
+        return {preparedJoin()};
+    if (type == u"MKV Track Removal"_s)
+        return {preparedRemoval()};
+    if (type == u"MKV Splitting"_s)
+        return {preparedSplit()};
+    if (type == u"MKV Remux"_s)
+        return {preparedRemux()};
+    addOutcome(steps::Outcome::failed(u"There is no job of the type \"%1\"."_s.arg(type)));
+    return {};
+}
+
+QList<ConverterPointer> KXEditMkvJob::preparedExtraction()
 {
     QList<ConverterPointer> converters;
-    for (qsizetype index = 0; index < theTracks().size(); ++index) {
+    const TrackList tracks = jobSelection()->trackList();
+    for (qsizetype index = 0; index < tracks.size(); ++index) {
         const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
         dumper->setIsTemporaryOutput(false);
         dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
-            index, engines::extractionLabel(*theTracks().at(index)), KXConverter::Keeping::TheOutput);
+            index, engines::extractionLabel(*tracks.at(index)), KXConverter::Keeping::TheOutput);
         dumper->prepareForSelection(jobSelection());
         converters.append(dumper);
     }
-    startInTurn(converters, [](KXConverter &converter) {
-        return static_cast<KXTrackDumper &>(converter).startPrepared();
-    });
+    return converters;
 }
 
-void KXEditMkvJob::startJoin()
+ConverterPointer KXEditMkvJob::preparedJoin()
 {
-    const auto self = shared_from_this(); // looking at the files serves timers, and our row may go
     const auto editor = std::make_shared<KXMkvEditor>(converterContext());
     editor->setStepName(u"Joining Videos"_s);
     editor->setStopFlag(cancelFlag());
-    startSingleStep(editor, [&] { return editor->startConversionForSelection(jobSelection()); });
+    editor->prepareJoin(jobSelection());
+    return editor;
 }
 
-void KXEditMkvJob::startRemoval()
+ConverterPointer KXEditMkvJob::preparedRemoval()
 {
     const auto muxer = std::make_shared<KXMkvMuxer>(converterContext());
     muxer->inititializeForTrackWithStepLabelKeepingTheOutput(0, u"Removing Tracks"_s,
                                                              KXConverter::Keeping::TheOutput);
-    startBackground(muxer, u"Removing Tracks"_s);
+    muxer->prepareFor(jobSelection());
+    return muxer;
 }
 
-void KXEditMkvJob::startBackground(const ConverterPointer &converter, const QString &label)
+ConverterPointer KXEditMkvJob::preparedSplit()
 {
-    converter->setStepName(label);
+    const auto editor = std::make_shared<KXMkvEditor>(converterContext());
+    editor->setStepName(u"Splitting Videos"_s);
+    editor->prepareSplit(jobSelection());
+    return editor;
+}
+
+ConverterPointer KXEditMkvJob::preparedRemux()
+{
+    const auto remuxer = std::make_shared<KXMkvReMuxer>(converterContext());
+    remuxer->setStepName(u"Re-Muxing MKV"_s);
+    remuxer->prepareInBackground(jobSelection());
+    return remuxer;
+}
+
+void KXEditMkvJob::startBackground(const ConverterPointer &converter)
+{
     setStepConverterList({converter});
-    converter->startConversionFor(jobSelection());
+    if (converter->refusal().isNull())
+        converter->startPreparedInBackground();
     backgroundStepStarted(converter, converter->doShell_ID());
     postProgress(progressList());
-    if (!context().launcher.isDryRun())
-        followSoon([this] { monitorMuxStep(); });
+    followSoon([this] { monitorMuxStep(); });
 }
 
 void KXEditMkvJob::monitorNotifications(const KXNotification &notification)

@@ -23,10 +23,15 @@ public:
     void monitorStartJob();
     void monitorStartJobWithMultipleSteps();
 
+protected:
+    QList<ConverterPointer> preparedSteps() override;
+
 private:
-    void startExtraction();
-    void startJoin();
-    void startRemoval();
-    void startBackground(const ConverterPointer &converter, const QString &label);
+    QList<ConverterPointer> preparedExtraction();
+    ConverterPointer preparedJoin();
+    ConverterPointer preparedRemoval();
+    ConverterPointer preparedSplit();
+    ConverterPointer preparedRemux();
+    void startBackground(const ConverterPointer &converter);
     void handOver();
 };

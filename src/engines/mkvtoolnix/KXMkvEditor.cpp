@@ -29,7 +29,6 @@ QStringList KXMkvEditor::findMismatchedProperetiesFor(const QList<QUrl> &files)
         engines::probedForJoining(files, appPreferences(), stopFlag(), context().toolsAtOnce));
 }
 
-/// Names, and the warning; false when nothing may be started.
 bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
 {
     initializeFor(selection);
@@ -39,54 +38,77 @@ bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
         return false;
     }
     setInputFileURL(files.constFirst());
-    const QStringList mismatched = findMismatchedProperetiesFor(files);
-    if (isStopped())
-        return false;
-    if (!mismatched.isEmpty())
-        warn(engines::mismatchAlert(mismatched));
     determineSaveDirectoryURL();
     setTempFileToDeleteURL(QUrl());
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))
         return false;
     claimLog(QUrl::fromLocalFile(base + u".joined.log"_s));
+    return true;
+}
+
+/// False when the job was stopped meanwhile.
+bool KXMkvEditor::warnOfMismatch()
+{
+    const QStringList mismatched = findMismatchedProperetiesFor(converterSelection()->editFilesURLsList());
+    if (isStopped())
+        return false;
+    if (!mismatched.isEmpty())
+        warn(engines::mismatchAlert(mismatched));
     postConversionStarted();
     return true;
+}
+
+QList<steps::Launch> KXMkvEditor::launches()
+{
+    const QUrl tool = urlOfApp(u"mkvmerge"_s);
+    if (converterSelection()->jobType() == splitting)
+        return {launchOfLine(tool, splitItems())};
+    return {launchOf(tool, engines::joinArguments(converterSelection()->editFilesURLsList(), outputFileURL()))};
 }
 
 tools::ToolProcessPointer KXMkvEditor::startConversionForSelection(const SelectionPointer &selection)
 {
     if (selection->jobType() != joining)
         return converterTask();
-    if (!prepareJoin(selection))
+    return prepareJoin(selection) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXMkvEditor::startPrepared()
+{
+    if (!warnOfMismatch())
         return nullptr;
     return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"mkvmerge"_s), engines::joinArguments(selection->editFilesURLsList(), outputFileURL()),
-        ShouldWait::No);
+        urlOfApp(u"mkvmerge"_s),
+        engines::joinArguments(converterSelection()->editFilesURLsList(), outputFileURL()), ShouldWait::No);
 }
 
 QString KXMkvEditor::startConversionFor(const SelectionPointer &selection)
 {
     setDoShell_ID({});
     if (selection->jobType() == joining)
-        return startJoin(selection);
+        return prepareJoin(selection) ? startPreparedInBackground() : QString();
     if (selection->jobType() == splitting)
         return startSplit(selection);
     refuse(u"This is neither a join nor a split, so nothing was started."_s);
     return error;
 }
 
-QString KXMkvEditor::startJoin(const SelectionPointer &selection)
+QString KXMkvEditor::startPreparedInBackground()
 {
-    if (!prepareJoin(selection))
-        return {};
-    setDoShell_ID(
-        startInBackground(urlOfApp(u"mkvmerge"_s), engines::joinShellItems(selection->editFilesURLsList(),
-                                                                           outputFileURL(), logFileURL())));
+    const QUrl tool = urlOfApp(u"mkvmerge"_s);
+    if (converterSelection()->jobType() == splitting) {
+        postConversionStarted();
+        setDoShell_ID(startInBackground(tool, splitItems()));
+    } else if (warnOfMismatch()) {
+        setDoShell_ID(startInBackground(
+            tool, engines::joinShellItems(converterSelection()->editFilesURLsList(), outputFileURL(),
+                                          logFileURL())));
+    }
     return doShell_ID();
 }
 
-QString KXMkvEditor::startSplit(const SelectionPointer &selection)
+bool KXMkvEditor::prepareSplit(const SelectionPointer &selection)
 {
     initializeFor(selection);
     setInputFileURL(selection->videoTrackFileURL());
@@ -94,17 +116,25 @@ QString KXMkvEditor::startSplit(const SelectionPointer &selection)
     setTempFileToDeleteURL(QUrl());
     if (engines::splitWord(*selection).isNull()) {
         refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
-        return error;
+        return false;
     }
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(engines::splitOutput(base, *selection), engines::splitForm(*selection)))
-        return {};
+        return false;
     claimLog(QUrl::fromLocalFile(base + u".split.log"_s));
-    postConversionStarted();
-    setDoShell_ID(
-        startInBackground(urlOfApp(u"mkvmerge"_s), engines::splitShellItems(*selection, inputFileURL(),
-                                                                            outputFileURL(), logFileURL())));
-    return doShell_ID();
+    return true;
+}
+
+tools::OptionList KXMkvEditor::splitItems() const
+{
+    return engines::splitShellItems(*converterSelection(), inputFileURL(), outputFileURL(), logFileURL());
+}
+
+QString KXMkvEditor::startSplit(const SelectionPointer &selection)
+{
+    if (prepareSplit(selection))
+        return startPreparedInBackground();
+    return engines::splitWord(*selection).isNull() ? error : QString();
 }
 
 QList<QUrl> KXMkvEditor::outputFiles() const

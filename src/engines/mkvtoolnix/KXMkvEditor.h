@@ -16,6 +16,14 @@ public:
     tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
     /// A join or a split; "error", and no tool, for anything else.
     QString startConversionFor(const SelectionPointer &selection) override;
+    /// The names of a join, or of a split in the background; false, with a refusal, when nothing may be
+    /// started.
+    bool prepareJoin(const SelectionPointer &selection);
+    bool prepareSplit(const SelectionPointer &selection);
+    tools::ToolProcessPointer startPrepared() override;
+    QString startPreparedInBackground() override;
+    /// A join is planned as a process object.
+    QList<steps::Launch> launches() override;
     /// What differs; the misspelling is meant.
     QStringList findMismatchedProperetiesFor(const QList<QUrl> &files);
     void handleNewTaskResult(const steps::ReadEvent &event) override;
@@ -24,8 +32,8 @@ public:
     QList<QUrl> outputFiles() const override;
 
 private:
-    bool prepareJoin(const SelectionPointer &selection);
-    QString startJoin(const SelectionPointer &selection);
+    bool warnOfMismatch();
+    tools::OptionList splitItems() const;
     QString startSplit(const SelectionPointer &selection);
 
     tools::LineCutter m_errorLines;

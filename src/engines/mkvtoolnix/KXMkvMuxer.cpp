@@ -26,7 +26,7 @@ QString KXMkvMuxer::takeTracks()
     return u"removed"_s;
 }
 
-QString KXMkvMuxer::startConversionFor(const SelectionPointer &selection)
+bool KXMkvMuxer::prepareFor(const SelectionPointer &selection)
 {
     initializeFor(selection);
     setDoShell_ID({});
@@ -34,8 +34,24 @@ QString KXMkvMuxer::startConversionFor(const SelectionPointer &selection)
     const QString base = engines::withoutExtension(outputFileURL());
     const QString logBase = logFileURL().toLocalFile();
     if (!claimOutput(QUrl::fromLocalFile(u"%1.%2.mkv"_s.arg(base, label))))
-        return {};
+        return false;
     claimLog(QUrl::fromLocalFile(u"%1.%2.log"_s.arg(logBase, label)));
+    return true;
+}
+
+QList<steps::Launch> KXMkvMuxer::launches()
+{
+    return {launchOfLine(urlOfApp(u"mkvmerge"_s),
+                         engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL()))};
+}
+
+QString KXMkvMuxer::startConversionFor(const SelectionPointer &selection)
+{
+    return prepareFor(selection) ? startPreparedInBackground() : QString();
+}
+
+QString KXMkvMuxer::startPreparedInBackground()
+{
     postConversionStarted();
     setDoShell_ID(startInBackground(urlOfApp(u"mkvmerge"_s),
                                     engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL())));

@@ -14,6 +14,10 @@ public:
     explicit KXMkvMuxer(const steps::ConverterContext &context);
 
     QString startConversionFor(const SelectionPointer &selection) override;
+    /// Its names; false, with a refusal, when nothing may be started.
+    bool prepareFor(const SelectionPointer &selection);
+    QString startPreparedInBackground() override;
+    QList<steps::Launch> launches() override;
     QString monitorConversion() override { return pollPercentage(); }
 
 protected:

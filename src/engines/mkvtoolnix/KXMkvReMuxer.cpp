@@ -11,8 +11,8 @@ KXMkvReMuxer::KXMkvReMuxer(const steps::ConverterContext &context)
 {
 }
 
-/// Names for output and log; the source's folder when none is given.
-bool KXMkvReMuxer::prepare(const SelectionPointer &selection, const QUrl &folder)
+bool KXMkvReMuxer::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                           const QUrl &folder)
 {
     setConverterSelection(selection);
     setInputFileURL(selection->videoTrackFileURL());
@@ -29,19 +29,39 @@ tools::ToolProcessPointer
 KXMkvReMuxer::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                               const QUrl &folder)
 {
-    if (!prepare(selection, folder))
-        return nullptr;
+    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXMkvReMuxer::startPrepared()
+{
     postConversionStarted();
     m_progress.clear();
     return runAndMonitorBinaryURLWithOptionsShouldWait(
         urlOfApp(u"mkvmerge"_s), engines::remuxArguments(inputFileURL(), outputFileURL()), ShouldWait::No);
 }
 
+bool KXMkvReMuxer::prepareInBackground(const SelectionPointer &selection)
+{
+    m_isInBackground = true;
+    setDoShell_ID({});
+    return prepareForSelectionWithSaveDirectoryURL(selection, saveFolderOr({}));
+}
+
+QList<steps::Launch> KXMkvReMuxer::launches()
+{
+    const QUrl tool = urlOfApp(u"mkvmerge"_s);
+    return {m_isInBackground
+                ? launchOfLine(tool, engines::remuxShellItems(inputFileURL(), outputFileURL(), logFileURL()))
+                : launchOf(tool, engines::remuxArguments(inputFileURL(), outputFileURL()))};
+}
+
 QString KXMkvReMuxer::startConversionFor(const SelectionPointer &selection)
 {
-    setDoShell_ID({});
-    if (!prepare(selection, saveFolderOr({})))
-        return {};
+    return prepareInBackground(selection) ? startPreparedInBackground() : QString();
+}
+
+QString KXMkvReMuxer::startPreparedInBackground()
+{
     postConversionStarted();
     setDoShell_ID(startInBackground(urlOfApp(u"mkvmerge"_s),
                                     engines::remuxShellItems(inputFileURL(), outputFileURL(), logFileURL())));

@@ -16,12 +16,18 @@ public:
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
     QString startConversionFor(const SelectionPointer &selection) override;
+    /// Names for output and log, in the source's folder when none is given; false, with a refusal, when
+    /// nothing may be started.
+    bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    bool prepareInBackground(const SelectionPointer &selection);
+    tools::ToolProcessPointer startPrepared() override;
+    QString startPreparedInBackground() override;
+    QList<steps::Launch> launches() override;
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QString monitorConversion() override { return pollPercentage(); }
 
 private:
-    bool prepare(const SelectionPointer &selection, const QUrl &folder);
-
     steps::MkvProgressReader m_progress;
+    bool m_isInBackground = false;
 };

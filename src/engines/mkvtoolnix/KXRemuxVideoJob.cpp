@@ -14,12 +14,15 @@ KXRemuxVideoJob::KXRemuxVideoJob(const jobs::JobContext &context)
 
 void KXRemuxVideoJob::startJob()
 {
+    startSingleStep(preparedSteps().constFirst());
+}
+
+QList<ConverterPointer> KXRemuxVideoJob::preparedSteps()
+{
     const auto remuxer = std::make_shared<KXMkvReMuxer>(converterContext());
     remuxer->setStepName(u"Re-Muxing MKV"_s);
-    startSingleStep(remuxer, [&] {
-        return remuxer->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
-                                                                        appPreferences().saveDirectoryURL());
-    });
+    remuxer->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
+    return {remuxer};
 }
 
 void KXRemuxVideoJob::monitorNotifications(const KXNotification &notification)

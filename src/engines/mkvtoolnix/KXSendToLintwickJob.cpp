@@ -16,24 +16,30 @@ KXSendToLintwickJob::KXSendToLintwickJob(const jobs::JobContext &context)
     observe(engines::updates::sending);
 }
 
-void KXSendToLintwickJob::startJob()
+QList<ConverterPointer> KXSendToLintwickJob::preparedSteps()
 {
     const TrackList tracks = jobSelection()->trackList();
     const auto subtitle = std::find_if(tracks.begin(), tracks.end(),
                                        [](const TrackPointer &track) { return engines::isSubtitle(*track); });
     if (subtitle == tracks.end()) {
-        setStepConverterList({});
-        setProgressList({});
         addOutcome(steps::Outcome::failed(u"There is no subtitle to send."_s));
-        return endIfNothingRuns();
+        return {};
     }
     const auto dumper = std::make_shared<KXTrackDumper>(converterContext());
     dumper->inititializeForTrackWithStepLabelKeepingTheOutput(
         subtitle - tracks.begin(), u"Extracting Subtitle Track"_s, KXConverter::Keeping::TheOutput);
-    startSingleStep(dumper, [&] {
-        return dumper->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
-                                                                       appPreferences().saveDirectoryURL());
-    });
+    dumper->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
+    return {dumper};
+}
+
+void KXSendToLintwickJob::startJob()
+{
+    const QList<ConverterPointer> steps = preparedSteps();
+    if (!steps.isEmpty())
+        return startSingleStep(steps.constFirst());
+    setStepConverterList({});
+    setProgressList({});
+    endIfNothingRuns();
 }
 
 void KXSendToLintwickJob::monitorNotifications(const KXNotification &notification)

@@ -14,6 +14,9 @@ public:
     void startJob() override;
     void monitorNotifications(const KXNotification &notification) override;
 
+protected:
+    QList<ConverterPointer> preparedSteps() override;
+
 private:
     void handOver();
 };

@@ -14,12 +14,15 @@ KXSplitVideosJob::KXSplitVideosJob(const jobs::JobContext &context)
 
 void KXSplitVideosJob::startJob()
 {
+    startSingleStep(preparedSteps().constFirst());
+}
+
+QList<ConverterPointer> KXSplitVideosJob::preparedSteps()
+{
     const auto splitter = std::make_shared<KXVideoSplitter>(converterContext());
     splitter->setStepName(u"Splitting Videos"_s);
-    startSingleStep(splitter, [&] {
-        return splitter->startConversionForSelectionWithSaveDirectoryURL(jobSelection(),
-                                                                         appPreferences().saveDirectoryURL());
-    });
+    splitter->prepareForSelectionWithSaveDirectoryURL(jobSelection(), appPreferences().saveDirectoryURL());
+    return {splitter};
 }
 
 void KXSplitVideosJob::monitorNotifications(const KXNotification &notification)

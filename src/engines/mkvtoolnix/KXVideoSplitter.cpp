@@ -36,28 +36,47 @@ KXVideoSplitter::KXVideoSplitter(const steps::ConverterContext &context)
     setIsTemporaryOutput(false);
 }
 
-tools::ToolProcessPointer
-KXVideoSplitter::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
-                                                                 const QUrl &folder)
+bool KXVideoSplitter::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                              const QUrl &folder)
 {
     setConverterSelection(selection);
     setInputFileURL(selection->videoTrackFileURL());
     setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
     setTempFileToDeleteURL(QUrl());
-    const QString word = engines::splitWord(*selection);
-    if (word.isNull()) {
+    if (engines::splitWord(*selection).isNull()) {
         refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
-        return nullptr;
+        return false;
     }
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(engines::splitOutput(base, *selection), engines::splitForm(*selection)))
-        return nullptr;
+        return false;
     claimLog(QUrl::fromLocalFile(base + u".split.log"_s));
+    return true;
+}
+
+tools::OptionList KXVideoSplitter::arguments() const
+{
+    return engines::splitArguments(engines::splitWord(*converterSelection()), inputFileURL(),
+                                   outputFileURL());
+}
+
+QList<steps::Launch> KXVideoSplitter::launches()
+{
+    return {launchOf(urlOfApp(u"mkvmerge"_s), arguments())};
+}
+
+tools::ToolProcessPointer
+KXVideoSplitter::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
+                                                                 const QUrl &folder)
+{
+    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
+}
+
+tools::ToolProcessPointer KXVideoSplitter::startPrepared()
+{
     postConversionStarted();
     m_progress.clear();
-    return runAndMonitorBinaryURLWithOptionsShouldWait(
-        urlOfApp(u"mkvmerge"_s), engines::splitArguments(word, inputFileURL(), outputFileURL()),
-        ShouldWait::No);
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"mkvmerge"_s), arguments(), ShouldWait::No);
 }
 
 QList<QUrl> KXVideoSplitter::outputFiles() const

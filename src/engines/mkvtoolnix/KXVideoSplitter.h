@@ -15,11 +15,17 @@ public:
     tools::ToolProcessPointer
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
+    /// Names for output and log; false, with a refusal, when nothing may be started.
+    bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    tools::ToolProcessPointer startPrepared() override;
+    QList<steps::Launch> launches() override;
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QList<QUrl> outputFiles() const override;
 
 private:
+    tools::OptionList arguments() const;
+
     steps::MkvProgressReader m_progress;
 };
 

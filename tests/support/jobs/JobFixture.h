@@ -62,7 +62,7 @@ struct JobFixture
     Q_DISABLE_COPY_MOVE(JobFixture)
 
     jobs::JobContext jobContext(steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName);
-    /// The same with another launcher, as a steps::Dry run.
+    /// The same with another launcher, as one that keeps what it starts.
     jobs::JobContext jobContext(steps::WhenTaken whenTaken, steps::StepLauncher &other);
     /// For a converter without a job; its temporary folder is "temp/" in the scratch folder.
     steps::ConverterContext converterContext(steps::OutputGuard &guard);

@@ -19,26 +19,19 @@ QString textOf(const QVariant &object)
 
 } // namespace
 
-tools::ToolProcessPointer LaunchRecord::startProcess(const steps::Launch &launch,
-                                                     const tools::ToolProcess::Request &request)
+tools::ToolProcessPointer LaunchRecord::start(const steps::Launch &launch,
+                                              const tools::ToolProcess::Request &request)
 {
-    m_all.append({launch, {}});
-    return StepLauncher::startProcess(launch, request);
+    m_all.append(launch);
+    return StepLauncher::start(launch, request);
 }
 
-tools::ToolProcessPointer LaunchRecord::startLine(const steps::Launch &launch, const tools::ShellLine &line,
-                                                  const tools::ToolProcess::Request &request)
+QList<steps::Launch> LaunchRecord::of(const QString &tool) const
 {
-    m_all.append({launch, line.launched});
-    return StepLauncher::startLine(launch, line, request);
-}
-
-QList<LaunchRecord::Started> LaunchRecord::of(const QString &tool) const
-{
-    QList<Started> found;
-    for (const Started &started : m_all) {
-        if (started.launch.tool.fileName() == tool)
-            found.append(started);
+    QList<steps::Launch> found;
+    for (const steps::Launch &launch : m_all) {
+        if (launch.tool.fileName() == tool)
+            found.append(launch);
     }
     return found;
 }
@@ -126,12 +119,12 @@ QList<QStringList> MkvFixture::calls(const QString &tool) const
 
 QString MkvFixture::meant(qsizetype n, const QString &tool) const
 {
-    return shown(tools::textsOf(launches.of(tool).value(n).launch.meant).join(u'|'));
+    return shown(tools::textsOf(launches.of(tool).value(n).meant).join(u'|'));
 }
 
 QString MkvFixture::launched(qsizetype n, const QString &tool) const
 {
-    return shown(tools::textsOf(launches.of(tool).value(n).launch.launched).join(u'|'));
+    return shown(tools::textsOf(launches.of(tool).value(n).launched).join(u'|'));
 }
 
 QStringList MkvFixture::progressTexts() const

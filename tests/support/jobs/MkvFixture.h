@@ -9,21 +9,14 @@ namespace support {
 class LaunchRecord final : public steps::StepLauncher
 {
 public:
-    struct Started
-    {
-        steps::Launch launch;
-        QString line; ///< the shell line whose words run; empty for a list
-    };
-
-    tools::ToolProcessPointer startProcess(const steps::Launch &launch,
-                                           const tools::ToolProcess::Request &request) override;
-    tools::ToolProcessPointer startLine(const steps::Launch &launch, const tools::ShellLine &line,
-                                        const tools::ToolProcess::Request &request) override;
+    tools::ToolProcessPointer start(const steps::Launch &launch,
+                                    const tools::ToolProcess::Request &request) override;
+    const QList<steps::Launch> &all() const { return m_all; }
     /// The starts of one tool, in order.
-    QList<Started> of(const QString &tool) const;
+    QList<steps::Launch> of(const QString &tool) const;
 
 private:
-    QList<Started> m_all;
+    QList<steps::Launch> m_all;
 };
 
 /// Jobs and converters around mkvmerge in surroundings of their own, for a source in the scratch folder. The

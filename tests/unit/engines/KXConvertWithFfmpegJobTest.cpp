@@ -1,4 +1,3 @@
-#include "steps/DryRun.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "support/engines/ConversionFixture.h"
@@ -280,24 +279,6 @@ private Q_SLOTS:
         QVERIFY(fixture.run(job));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
         QVERIFY(job->outcome().sentence.contains(u"not started"_s));
-    }
-
-    /// Only what would be started is noted, both passes of it.
-    void aDryRunStartsNothing()
-    {
-        ConversionFixture fixture;
-        steps::DryRun dryRun;
-        const auto job = std::make_shared<KXConvertWithFfmpegJob>(
-            fixture.base.jobContext(steps::WhenTaken::NextFreeName, dryRun));
-        job->initJobWithSelectionAndPreferences(fixture.selection(u"General"_s, {videoTrack()}, u"2"_s),
-                                                fixture.base.preferences);
-        job->startJob();
-        QCOMPARE(dryRun.entries().size(), 2);
-        QCOMPARE(dryRun.entries().at(0).launch.pass, 1);
-        QCOMPARE(dryRun.entries().at(1).launch.pass, 2);
-        QCOMPARE(dryRun.entries().at(1).launch.stepName, u"Video Conversion"_s);
-        QVERIFY(fixture.calls().isEmpty());
-        job->stopJob();
     }
 };
 

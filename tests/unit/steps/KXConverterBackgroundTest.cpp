@@ -1,7 +1,6 @@
 // Runs in the shell's background, and how both kinds of run are judged.
 #include "steps/KXConverter.h"
 
-#include "steps/DryRun.h"
 #include "steps/OutputGuard.h"
 #include "support/FakeTool.h"
 #include "support/TestMain.h"
@@ -26,6 +25,7 @@ public:
     using KXConverter::claimLog;
     using KXConverter::claimOutput;
     using KXConverter::KXConverter;
+    using KXConverter::launchOfLine;
     using KXConverter::startInBackground;
 
     tools::OptionList launchForm(const tools::OptionList &meant) override
@@ -180,19 +180,16 @@ private Q_SLOTS:
         QVERIFY(!run.converter.ended); // nothing is announced: a job asks
     }
 
-    void dryRunIsNotRefused()
+    void isALineOfWhichTheWordsRun()
     {
-        JobFixture fixture(JobFixture::Tools::Fake);
-        steps::OutputGuard guard(fixture.outputs, steps::WhenTaken::NextFreeName);
-        steps::DryRun dryRun;
-        OpenConverter converter({fixture.preferences, fixture.notifications, dryRun, guard, {}});
-        converter.added = {u"-y"};
-        const QUrl tool = fixture.installTool(u"ffmpeg/ffmpeg"_s, {u"out x"_s});
-        QVERIFY(converter.startInBackground(tool, {u"-i"}).isNull());
-        QVERIFY(converter.refusal().isNull());
-        const auto &line = dryRun.entries().first().line;
-        QCOMPARE(line.meant, u"\"%1\" -i"_s.arg(tool.toLocalFile()));
-        QCOMPARE(line.launched, u"\"%1\" -y -i"_s.arg(tool.toLocalFile()));
+        Run run;
+        run.converter.added = {u"-y"};
+        const QUrl tool = run.fixture.installTool(u"ffmpeg/ffmpeg"_s);
+        const steps::Launch launch = run.converter.launchOfLine(tool, {u"-i"});
+        QVERIFY(launch.line.has_value());
+        QCOMPARE(launch.line->meant, u"\"%1\" -i"_s.arg(tool.toLocalFile()));
+        QCOMPARE(launch.line->launched, u"\"%1\" -y -i"_s.arg(tool.toLocalFile()));
+        QVERIFY(run.converter.refusal().isNull());
     }
 
     void pollTellsThePercentageOfTheLastTime()

@@ -1,7 +1,6 @@
 // Runs as process objects, through a tool that plays what it is told.
 #include "steps/KXConverter.h"
 
-#include "steps/DryRun.h"
 #include "steps/OutputGuard.h"
 #include "support/FakeTool.h"
 #include "support/TestMain.h"
@@ -355,24 +354,6 @@ private Q_SLOTS:
         QVERIFY(run.play(u"tool"_s, {u"write 3 last"_s}, {run.fixture.scratch.url(u"out.mkv"_s)}));
         QCOMPARE(run.fixture.scratch.read(u"out.mkv"_s), QByteArray("www"));
         QCOMPARE(run.fixture.scratch.read(u"out (replaced).mkv"_s), QByteArray("old"));
-    }
-
-    void dryRunStartsNothingAndKeepsTheLog()
-    {
-        JobFixture fixture(JobFixture::Tools::Fake);
-        steps::OutputGuard guard(fixture.outputs, steps::WhenTaken::NextFreeName);
-        steps::DryRun dryRun;
-        const steps::ConverterContext context{fixture.preferences, fixture.notifications, dryRun, guard, {}};
-        Listener converter(context);
-        converter.setLogFileURL(QUrl::fromLocalFile(fixture.scratch.write(u"step.log"_s, "old")));
-        const QUrl tool = fixture.installTool(u"tool"_s, {u"write 3 last"_s});
-        QVERIFY(!converter.runAndMonitorBinaryURLWithOptionsShouldWait(
-            tool, {fixture.scratch.url(u"out.mkv"_s)}, KXConverter::ShouldWait::No));
-        QCOMPARE(dryRun.entries().size(), 1);
-        QCOMPARE(dryRun.entries().first().launch.tool, tool);
-        QCOMPARE(fixture.scratch.read(u"step.log"_s), QByteArray("old"));
-        QVERIFY(!QFile::exists(fixture.scratch.path(u"out.mkv"_s)));
-        QVERIFY(converter.refusal().isNull());
     }
 
     void converterThatGoesWhileItsToolRunsIsNotToldAnyMore()

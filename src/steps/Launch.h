@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tools/ShellLine.h"
+
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+#include <utility>
+
+namespace steps {
+
+/// One tool run of a step, as a value: what a job plans, and what is started.
+struct Launch
+{
+    QString stepName;
+    int pass = 0; ///< 0: the only one
+    QUrl tool;
+    QUrl output;
+    QUrl log;
+    tools::OptionList meant;                        ///< the list as its rules have it
+    tools::OptionList launched;                     ///< its launch form
+    QList<std::pair<QString, QString>> environment; ///< what is added to ours; a line exports it itself
+    std::optional<tools::ShellLine> line;           ///< of a step that its rules describe as a shell line
+};
+
+} // namespace steps
