@@ -36,20 +36,29 @@ void look(JobRun &run, qint64 pid)
 
 } // namespace
 
-Command bareCommand(const QString &cli, const QStringList &words)
+QList<Command> bareCommands(const QString &cli, const QStringList &words)
 {
     QProcess process;
     process.start(cli, words + QStringList{u"--dry-run"_s});
     process.waitForFinished(-1);
-    const auto object =
-        QJsonDocument::fromJson(process.readAllStandardOutput().split('\n').value(0)).object();
-    Command command;
-    command.program = object.value(u"program"_s).toString();
-    const auto list = object.value(object.contains(u"launched"_s) ? u"launched"_s : u"arguments"_s).toArray();
-    for (const auto &word : list)
-        command.arguments.append(word.toString());
-    command.output = object.value(u"output"_s).toString();
-    return command;
+    QList<Command> commands;
+    while (process.canReadLine()) {
+        const auto object = QJsonDocument::fromJson(process.readLine()).object();
+        Command command;
+        command.program = object.value(u"program"_s).toString();
+        const auto list =
+            object.value(object.contains(u"launched"_s) ? u"launched"_s : u"arguments"_s).toArray();
+        for (const auto &word : list)
+            command.arguments.append(word.toString());
+        command.output = object.value(u"output"_s).toString();
+        commands.append(command);
+    }
+    return commands;
+}
+
+Command bareCommand(const QString &cli, const QStringList &words)
+{
+    return bareCommands(cli, words).value(0);
 }
 
 JobRun runJob(const QString &cli, const QStringList &words)

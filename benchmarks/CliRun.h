@@ -21,7 +21,9 @@ struct JobRun
     qint64 largest = 0;
 };
 
-/// The first command that the program would launch.
+/// The commands that the program would launch.
+QList<Command> bareCommands(const QString &cli, const QStringList &words);
+/// The first of them.
 Command bareCommand(const QString &cli, const QStringList &words);
 JobRun runJob(const QString &cli, const QStringList &words);
 

@@ -13,6 +13,8 @@ int main(int argc, char *argv[])
         return bench::convert(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"mkv"_s && words.size() == 5)
         return bench::mkv(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
+    if (what == u"many"_s && words.size() == 5)
+        return bench::many(words.at(1), words.at(2), words.at(3).toInt(), words.at(4).toInt());
     if (what == u"probe"_s && words.size() == 4)
         return bench::probe(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"reading"_s && words.size() == 1)
@@ -23,7 +25,8 @@ int main(int argc, char *argv[])
         return bench::start(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"watch"_s && words.size() == 1)
         return bench::watch();
-    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | mkv CLI FILM HALF ROUNDS | probe "
+    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | mkv CLI FILM HALF ROUNDS | many CLI "
+               u"FILM COUNT ROUNDS | probe "
                u"RESOURCES CLIP ROUNDS | reading | "
                "selection | start CLI CLIP ROUNDS | watch"_s);
     return 64;

@@ -5,6 +5,8 @@
 #include "engines/ffmpeg/FfmpegDevices.h"
 #include "engines/ffmpeg/FfmpegLaunch.h"
 #include "engines/ffmpeg/FfmpegSingleTrack.h"
+#include "engines/mkvtoolnix/MkvArguments.h"
+#include "steps/RunAsProcess.h"
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
@@ -105,6 +107,42 @@ private Q_SLOTS:
                               u"MP4 text copied into Matroska becomes SRT"_s, u"pass 2 into MP4 says so"_s,
                               u"a retried pass 2 makes timestamps too"_s,
                               u"of an added file only the track is taken"_s}));
+    }
+
+    /// The rule for every tool: a line in a shell's background ends well whatever its tool does.
+    void runAsAProcess_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<bool>("isMkv");
+        QTest::addColumn<int>("failure");
+        QTest::newRow("ffmpeg") << u"ffmpeg"_s << false << 1;
+        QTest::newRow("mkvmerge") << u"mkvmerge"_s << true << 2;
+    }
+
+    void runAsAProcess()
+    {
+        QFETCH(QString, tool);
+        QFETCH(bool, isMkv);
+        QFETCH(int, failure);
+        RealRuns runs;
+        const auto lineFor = [&](const QString &source, const QString &output) -> OptionList {
+            const QUrl from = QUrl::fromLocalFile(source);
+            const QUrl to = QUrl::fromLocalFile(runs.path(output));
+            const QUrl log = QUrl::fromLocalFile(runs.path(u"log"_s));
+            if (isMkv)
+                return remuxShellItems(from, to, log);
+            return {u"-i", from, u"-map 0:0 -c copy", u"-y", to, u"&>", log, u"& echo $!"};
+        };
+        const auto asAProcess = [&](const OptionList &line) {
+            return statusOf(tool, tools::argumentsOf(steps::runAsProcess(line)), runs.path(), 60000);
+        };
+        const OptionList bad = lineFor(runs.path(u"missing.mkv"_s), u"bad.mkv"_s);
+        const QString shell = tools::commandLine(u"", bad, tools::shellKind()).launched;
+        QCOMPARE(statusOf(u"/bin/sh"_s, {u"-c"_s, tool + shell}, runs.path(), 60000), 0);
+        QCOMPARE(asAProcess(bad), failure);
+        QCOMPARE(asAProcess(lineFor(film(), u"out.mkv"_s)), 0);
+        QCOMPARE(codecsOf(runs.path(u"out.mkv"_s)).section(u' ', 0, 0), u"h264"_s);
+        QVERIFY(!QFile::exists(runs.path(u"&>"_s)) && !QFile::exists(runs.path(u"bad.mkv"_s)));
     }
 
     void shellWords()

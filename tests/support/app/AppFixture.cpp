@@ -63,7 +63,7 @@ void AppFixture::start()
     app::Program::Options options;
     options.defaultsPath = m_scratch.path(u"settings/defaults.json"_s);
     options.intervals = {20, 20, 5, 20};
-    options.watchIntervals = {100, 20};
+    options.watchIntervals.toggle = 20;
     m_program = std::make_unique<app::Program>(options, *m_alerts);
     m_delegate = std::make_unique<KXAppDelegate>(
         KXAppDelegate::Surroundings{*m_program, *m_alerts, m_chooser, m_desktop});

@@ -44,6 +44,8 @@ JobFixture::JobFixture(Tools tools)
     : store(scratch.path(u"defaults.json"_s))
     , preferences(store, {resourcesFor(tools, scratch), scratch.path()})
 {
+    if (tools == Tools::Real)
+        intervals.poll = 300;
     const QString problem = preferences.initialize();
     if (!problem.isNull())
         qFatal("no preferences: %s", qPrintable(problem));

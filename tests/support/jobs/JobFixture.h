@@ -87,6 +87,7 @@ struct JobFixture
     steps::OutputRegistry outputs;
     steps::ScratchFolder scratchFolder;
     int toolsAtOnce = 4; ///< of one job, on whatever machine
+    /// Short ones; a poll asks a shell, so real tools are asked less often.
     jobs::Intervals intervals{20, 20, 5, 20};
 };
 

@@ -327,6 +327,20 @@ private Q_SLOTS:
         QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
     }
 
+    void aFailedFirstPassIsNotFollowedByASecond()
+    {
+        MkvJobFixture fixture;
+        fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"err No such stream"_s, u"exit 1"_s});
+        fixture.begin({picture(u"h264"_s)}, u"2"_s);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 1);
+        QVERIFY(fixture.calls().isEmpty()); // nor muxed
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Failed);
+        QVERIFY2(fixture.job->outcome().sentence.startsWith(
+                     u"ffmpeg failed (exit status 1): No such stream."_s),
+                 qPrintable(fixture.job->outcome().sentence));
+    }
+
     // Two passes of one track.
 
     void theSecondPassFollowsTheFirst()
