@@ -4,6 +4,7 @@
 #include "media/Playlists.h"
 #include "platform/PlainFiles.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "tools/OptionItem.h"
 
 #include <QDir>
@@ -22,8 +23,7 @@ FileInfoWriter::FileInfoWriter(const KXPreferences &preferences)
 QUrl FileInfoWriter::infoFileFor(const QUrl &file) const
 {
     const QFileInfo info(file.toLocalFile());
-    const QString chosen = m_preferences.saveDirectoryPath();
-    const QDir folder(chosen.isEmpty() ? info.absolutePath() : chosen);
+    const QDir folder(prefs::SaveFolder(m_preferences).forSource(file).toLocalFile());
     return QUrl::fromLocalFile(folder.filePath(info.fileName()) + u".info.txt"_s);
 }
 

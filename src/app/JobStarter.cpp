@@ -5,11 +5,10 @@
 #include "app/TrackEditing.h"
 #include "jobs/KXQueueController.h"
 #include "platform/AlertPresenter.h"
-#include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "presets/KXPresetsController.h"
 #include "selection/KXSelectionController.h"
-
-#include <QFileInfo>
+#include "selection/Refusals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +27,15 @@ QString fileJobTypeFor(const QString &title)
     if (title == u"Split"_s)
         return u"MKV Splitting"_s;
     return title == u"Re-Mux"_s ? u"MKV Remux"_s : QString();
+}
+
+std::optional<selection::TrackEdit> editOf(int editTrackMatrixIndex)
+{
+    using selection::TrackEdit;
+    const QList<TrackEdit> edits{TrackEdit::Extract, TrackEdit::Remove, TrackEdit::Add};
+    if (editTrackMatrixIndex < 0 || editTrackMatrixIndex >= edits.size())
+        return std::nullopt;
+    return edits.at(editTrackMatrixIndex);
 }
 
 } // namespace
@@ -56,28 +64,21 @@ void JobStarter::startProcess(const QString &title)
         startFile(title);
 }
 
-/// The folder that is set, else that of the first file the job works on.
-QUrl JobStarter::saveFolder() const
+/// Of several files the first one counts.
+QUrl JobStarter::source() const
 {
-    const QUrl chosen = m_parts.preferences.saveDirectoryURL();
-    if (!chosen.toLocalFile().isEmpty())
-        return chosen;
     const SelectionPointer selection = m_parts.selectionController.currentSelection();
     const bool editsFiles = m_parts.selectionController.currentTab() == u"Edit Files"_s;
-    const QUrl file = editsFiles ? selection->editFilesURLsList().value(0) : selection->videoTrackFileURL();
-    return QUrl::fromLocalFile(QFileInfo(file.toLocalFile()).absolutePath());
+    return editsFiles ? selection->editFilesURLsList().value(0) : selection->videoTrackFileURL();
 }
 
 bool JobStarter::saveFolderIsWritable()
 {
-    const QFileInfo folder(saveFolder().toLocalFile());
-    if (folder.isDir() && folder.isWritable())
+    if (prefs::SaveFolder(m_parts.preferences).takesResultsOf(source()))
         return true;
     platform::Alert alert;
-    // "permision" is meant.
-    alert.message = u"The application does not have permision to write to the save folder for this job."_s;
-    alert.informativeText = u"Either move the file, change the save location, or edit the permissions for "
-                            "the output folder."_s;
+    alert.message = prefs::SaveFolder::notWritable();
+    alert.informativeText = prefs::SaveFolder::notWritableAdvice();
     alert.style = platform::AlertStyle::Informational;
     alert.closesAfter = std::chrono::milliseconds(alertMilliseconds);
     m_parts.alerts.show(std::make_shared<const platform::Alert>(alert), {});
@@ -171,18 +172,19 @@ void JobStarter::finishStartProcess(const QString &jobType)
     m_parts.openQueue.removeRows(queued);
 }
 
-QString JobStarter::trackEditingProblem() const
+QString JobStarter::trackEditingRefusal() const
 {
     const KXSelectionController &controller = m_parts.selectionController;
     if (!controller.canEditTracks())
         return tr("Tracks of MKV files can be edited, and at least one has to be ticked.");
-    return app::trackEditingProblem(*controller.currentSelection(), controller.editTrackMatrixIndex());
+    return selection::refusalToEdit(*controller.currentSelection(),
+                                    editOf(controller.editTrackMatrixIndex()));
 }
 
 void JobStarter::startTrackEditing()
 {
     Q_EMIT editingEndWanted();
-    if (isFinishing() || !trackEditingProblem().isNull())
+    if (isFinishing() || !trackEditingRefusal().isNull())
         return;
     const int index = m_parts.selectionController.editTrackMatrixIndex();
     if (index == 0)
@@ -191,10 +193,10 @@ void JobStarter::startTrackEditing()
         return;
     const KXSelection &selection = *m_parts.selectionController.currentSelection();
     if (index == 1)
-        m_parts.queue.addJob(selectionForRemoval(selection), u"KXEditMkvJob"_s);
+        m_parts.queue.add({jobs::JobKind::MkvEditing, selectionForRemoval(selection)});
     else
-        m_parts.queue.addJob(selectionForAdding(*m_parts.currentFile.file(), selection),
-                             u"KXConvertToMkvJob"_s);
+        m_parts.queue.add(
+            {jobs::JobKind::Muxing, selectionForAdding(*m_parts.currentFile.file(), selection)});
 }
 
 } // namespace app

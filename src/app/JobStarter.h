@@ -47,7 +47,7 @@ public:
     /// The Go button of the track editing: extracts, removes or adds, as it is chosen.
     void startTrackEditing();
     /// Why that button can do nothing; a null text when it can.
-    QString trackEditingProblem() const;
+    QString trackEditingRefusal() const;
     /// Starting goes on after a moment; until then nothing else may start.
     bool isFinishing() const { return m_finish.isActive(); }
 
@@ -66,7 +66,7 @@ Q_SIGNALS:
     void refused(const QString &reason);
 
 private:
-    QUrl saveFolder() const;
+    QUrl source() const;
     bool saveFolderIsWritable();
     void startEditingFiles(const QString &title);
     void startFile(const QString &title);

@@ -32,23 +32,12 @@ bool isSubtitleFile(const QString &path)
 
 KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
     : m_around(surroundings)
-    , m_openQueue(surroundings.program.selectionController())
-    , m_intake({surroundings.program.selectionController(), surroundings.program.currentFile(), m_openQueue,
-                surroundings.program.queue(), surroundings.alerts})
-    , m_starter({surroundings.program.preferences(), surroundings.program.selectionController(),
-                 surroundings.program.presets(), surroundings.program.currentFile(), m_openQueue,
-                 surroundings.program.queue(), surroundings.alerts})
+    , m_files(surroundings.program, surroundings.alerts)
     , m_infoWriter(surroundings.program.preferences())
     , m_queueWatch(surroundings.program.queue(), surroundings.desktop)
-    , m_watchSession({surroundings.program.watchMode(), surroundings.program.presets(),
-                      surroundings.program.selectionController(), m_intake, m_starter,
-                      surroundings.program.queue(), surroundings.program.notifications(),
-                      surroundings.program.settingsPath()})
 {
     connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
             &KXAppDelegate::fileTextFieldChanged);
-    connect(&m_starter, &app::JobStarter::finishingChanged, &m_intake,
-            [this] { m_intake.setHeld(m_starter.isFinishing()); });
 }
 
 KXAppDelegate::~KXAppDelegate() = default;
@@ -89,7 +78,7 @@ void KXAppDelegate::initGuiSettingsFrom(const QVariantMap &settings)
 
 bool KXAppDelegate::applicationShouldTerminate()
 {
-    m_intake.stopProbing();
+    intake().stopProbing();
     if (m_askingToQuit)
         return false;
     KXQueueController &queue = program().queue();
@@ -132,14 +121,14 @@ void KXAppDelegate::rememberAndSave()
 void KXAppDelegate::openFilePanel(const QString &title)
 {
     const bool adds = title.toLower().startsWith(u"add"_s);
-    m_intake.setOpeningFileMode(adds ? u"add"_s : u"open"_s);
+    intake().setOpeningFileMode(adds ? u"add"_s : u"open"_s);
     openFilePanelContinued();
 }
 
 void KXAppDelegate::openFilePanelContinued()
 {
     using platform::ChooserRequest;
-    const QString mode = m_intake.openingFileMode();
+    const QString mode = intake().openingFileMode();
     const bool one = mode == u"add"_s;
     const ChooserRequest request{u"Select video file to open:"_s,
                                  one ? ChooserRequest::What::OneFile : ChooserRequest::What::Files,
@@ -147,7 +136,7 @@ void KXAppDelegate::openFilePanelContinued()
     m_around.chooser.choose(request, [self = QPointer(this), mode](const QList<QUrl> &chosen) {
         if (!self)
             return;
-        self->m_intake.setOpeningFileMode(mode); // other files may have come in while the panel was open
+        self->intake().setOpeningFileMode(mode); // other files may have come in while the panel was open
         self->takeInLater(chosen);
     });
 }
@@ -155,16 +144,16 @@ void KXAppDelegate::openFilePanelContinued()
 /// After a moment, so that a panel or a drag is gone before files are probed.
 void KXAppDelegate::takeInLater(const QList<QUrl> &files)
 {
-    QTimer::singleShot(hubMilliseconds, this, [this, files, mode = m_intake.openingFileMode()] {
-        m_intake.setOpeningFileMode(mode);
-        m_intake.openedFileHubForFiles(files);
+    QTimer::singleShot(hubMilliseconds, this, [this, files, mode = intake().openingFileMode()] {
+        intake().setOpeningFileMode(mode);
+        intake().openedFileHubForFiles(files);
     });
     Q_EMIT windowWanted();
 }
 
 void KXAppDelegate::filesDropped(const QList<QUrl> &files)
 {
-    m_intake.setOpeningFileMode(u"drag"_s);
+    intake().setOpeningFileMode(u"drag"_s);
     takeInLater(files);
 }
 
@@ -173,11 +162,11 @@ void KXAppDelegate::filesRequested(const QStringList &paths)
     QList<QUrl> films;
     for (const QString &path : paths) {
         if (isSubtitleFile(path))
-            m_intake.applicationOpenFile(path);
+            intake().applicationOpenFile(path);
         else
             films.append(QUrl::fromLocalFile(path));
     }
-    m_intake.setOpeningFileMode(u"open"_s);
+    intake().setOpeningFileMode(u"open"_s);
     if (!films.isEmpty())
         takeInLater(films);
     else
@@ -211,7 +200,7 @@ void KXAppDelegate::switchToolTips(bool shown)
 void KXAppDelegate::saveFileInfo()
 {
     const bool gathered = program().selectionController().currentTab() == u"Edit Tracks"_s;
-    const QList<QUrl> files = gathered ? m_intake.editFilesURLsArray() : m_intake.openedURLsArray();
+    const QList<QUrl> files = gathered ? intake().editFilesURLsArray() : intake().openedURLsArray();
     const QString problem = m_infoWriter.write(files);
     if (!problem.isNull())
         Q_EMIT noteWorthy(problem);
@@ -236,7 +225,7 @@ QString KXAppDelegate::playingProblem() const
 
 void KXAppDelegate::playButton()
 {
-    Q_EMIT m_starter.editingEndWanted();
+    Q_EMIT starter().editingEndWanted();
     program().selectionController().deselectAllTrackRows();
     program().playMovie(program().selectionController().currentSelection());
 }

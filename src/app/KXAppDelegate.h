@@ -1,11 +1,8 @@
 #pragma once
 
 #include "app/FileInfoWriter.h"
-#include "app/FileIntake.h"
-#include "app/JobStarter.h"
-#include "app/OpenQueue.h"
+#include "app/FileWork.h"
 #include "app/QueueWatch.h"
-#include "app/WatchSession.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -42,11 +39,11 @@ public:
     ~KXAppDelegate() override;
 
     app::Program &program() { return m_around.program; }
-    app::FileIntake &intake() { return m_intake; }
-    app::OpenQueue &openQueue() { return m_openQueue; }
-    app::JobStarter &starter() { return m_starter; }
+    app::FileIntake &intake() { return m_files.intake(); }
+    app::OpenQueue &openQueue() { return m_files.openQueue(); }
+    app::JobStarter &starter() { return m_files.starter(); }
     app::QueueWatch &queueWatch() { return m_queueWatch; }
-    app::WatchSession &watchSession() { return m_watchSession; }
+    app::WatchSession &watchSession() { return m_files.watchSession(); }
 
     /// After the program was initialised: tool tips, and tab and presets as they were.
     void applicationDidFinishLaunching();
@@ -93,11 +90,8 @@ private:
     void saveFileInfo();
 
     Surroundings m_around;
-    app::OpenQueue m_openQueue;
-    app::FileIntake m_intake;
-    app::JobStarter m_starter;
+    app::FileWork m_files;
     app::FileInfoWriter m_infoWriter;
     app::QueueWatch m_queueWatch;
-    app::WatchSession m_watchSession;
     bool m_askingToQuit = false;
 };

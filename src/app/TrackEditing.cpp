@@ -1,8 +1,7 @@
 #include "app/TrackEditing.h"
 
 #include "media/KXVideoFile.h"
-
-#include <QCoreApplication>
+#include "selection/ConversionSettings.h"
 
 #include <algorithm>
 
@@ -12,24 +11,9 @@ namespace app {
 
 namespace {
 
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("TrackEditing", text);
-}
-
-bool isExternal(const TrackPointer &track)
-{
-    return track->externalTrackFlag();
-}
-
 bool isOwn(const TrackPointer &track)
 {
     return !track->externalTrackFlag();
-}
-
-bool isVideo(const TrackPointer &track)
-{
-    return track->trackType() == u"Video"_s;
 }
 
 TrackList only(const TrackList &tracks, bool (*wanted)(const TrackPointer &))
@@ -39,42 +23,17 @@ TrackList only(const TrackList &tracks, bool (*wanted)(const TrackPointer &))
     return chosen;
 }
 
-bool any(const TrackList &tracks, bool (*wanted)(const TrackPointer &))
-{
-    return std::any_of(tracks.begin(), tracks.end(), wanted);
-}
-
 /// A copy that is muxed as it is, whatever is chosen for a conversion.
 TrackPointer passedThrough(const TrackPointer &track)
 {
     const TrackPointer copy = track->copy();
-    const bool isSubtitle = track->trackType().contains(u"Subtitle"_s);
-    copy->setUserCodec(isSubtitle ? u"mux"_s : u"passthru"_s);
+    copy->setUserCodec(selection::isSubtitle(*track) ? u"mux"_s : u"passthru"_s);
     copy->setCreateStereoCopyFlag(false);
     copy->setUserAudioSettingsDictionaryArray({});
     return copy;
 }
 
 } // namespace
-
-QString trackEditingProblem(const KXSelection &selection, int editTrackMatrixIndex)
-{
-    const TrackList tracks = selection.trackList();
-    switch (editTrackMatrixIndex) {
-    case 0:
-        return any(tracks, isOwn)
-                   ? QString()
-                   : translated("Tick a track of the file itself: added tracks can't be extracted.");
-    case 1:
-        if (any(tracks, isVideo))
-            return translated("A video track can't be removed.");
-        return any(tracks, isOwn) ? QString() : translated("Tick the tracks of the file that are to go.");
-    case 2:
-        return any(tracks, isExternal) ? QString() : translated("Tick a track that was added with Add.");
-    default:
-        return translated("Choose what is to be done with the tracks.");
-    }
-}
 
 SelectionPointer selectionForRemoval(const KXSelection &selection)
 {

@@ -6,9 +6,6 @@ class KXVideoFile;
 
 namespace app {
 
-/// Why the ticked tracks can't be extracted (0), removed (1) or added (2); a null text when they can.
-QString trackEditingProblem(const KXSelection &selection, int editTrackMatrixIndex);
-
 /// What a removal job takes: its tracks are those that go. External tracks stay out of it.
 SelectionPointer selectionForRemoval(const KXSelection &selection);
 

@@ -1,7 +1,6 @@
 #include "cli/Choices.h"
 
 #include "cli/CommandLine.h"
-#include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "selection/KXSelection.h"
 #include "selection/Targets.h"
 #include "tools/Numbers.h"
@@ -9,6 +8,8 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using selection::Picture;
+using selection::SubtitleUse;
 
 namespace cli {
 
@@ -21,31 +22,30 @@ bool isPositiveNumber(const QString &text)
     return tools::isAllDigits(text) && text.size() <= 9 && tools::leadingInteger(text) > 0;
 }
 
-qsizetype countOf(const KXSelection &selection, bool (*isIt)(const KXVideoTrack &))
-{
-    const TrackList tracks = selection.trackList();
-    return std::count_if(tracks.begin(), tracks.end(),
-                         [&](const TrackPointer &track) { return isIt(*track); });
-}
-
 bool isMp4(const QString &device)
 {
     return selection::outputKindFor(device) == selection::OutputKind::Mp4;
 }
 
-bool isVideo(const KXVideoTrack &track)
+const QHash<QString, Picture> &pictures()
 {
-    return track.trackType() == u"Video"_s;
+    static const QHash<QString, Picture> words{{u"passthru"_s, Picture::PassThrough},
+                                               {u"1pass"_s, Picture::OnePass},
+                                               {u"2pass"_s, Picture::TwoPasses}};
+    return words;
 }
 
-bool isBurned(const KXVideoTrack &track)
+const QHash<QString, SubtitleUse> &subtitleUses()
 {
-    return engines::isSubtitle(track) && track.userCodec() == u"burn"_s;
+    static const QHash<QString, SubtitleUse> words{{u"mux"_s, SubtitleUse::Mux},
+                                                   {u"burn"_s, SubtitleUse::Burn}};
+    return words;
 }
 
-bool isReencoded(const KXVideoTrack &track)
+/// Without zeros in front.
+QString plainNumber(const QString &text)
 {
-    return isVideo(track) && track.userCodec() != u"passthru"_s;
+    return QString::number(tools::leadingInteger(text));
 }
 
 /// The track that a word of --audio means: a stream of the file, or "+1", the first added file.
@@ -81,7 +81,10 @@ std::optional<QStringList> trackIndexes(const QString &list, QString &error)
 
 bool leavesOutSubtitles(const KXSelection &selection)
 {
-    return selection.theDevice() == u"AVI"_s && countOf(selection, isBurned) == 0;
+    const TrackList tracks = selection.trackList();
+    return selection::outputKindFor(selection.theDevice()) == selection::OutputKind::Avi &&
+           std::none_of(tracks.begin(), tracks.end(),
+                        [](const TrackPointer &track) { return selection::isBurned(*track); });
 }
 
 Choices::Choices(const CommandLine &line)
@@ -92,9 +95,9 @@ Choices::Choices(const CommandLine &line)
             m_given.append(u"--"_s + option);
     }
     if (!line.has(u"settings-preset"_s)) {
-        m_device = u"General"_s;
-        m_video = u"passthru"_s;
-        m_subtitles = u"mux"_s;
+        m_settings.target = u"General"_s;
+        m_settings.picture = Picture::PassThrough;
+        m_settings.subtitles = SubtitleUse::Mux;
     }
     readTarget(line);
     readVideo(line);
@@ -121,41 +124,46 @@ void Choices::readTarget(const CommandLine &line)
     const QString kind = line.value(u"kind"_s);
     if (line.has(u"kind"_s) && !QStringList{u"mp4"_s, u"mkv"_s, u"avi"_s}.contains(kind))
         return fail(u"There is no kind \"%1\"; there are mp4, mkv and avi."_s.arg(kind));
+    const QString device = line.value(u"device"_s);
     if (line.has(u"device"_s)) {
-        m_device = line.value(u"device"_s);
-        if (!selection::targetNames().contains(m_device))
+        m_settings.target = device;
+        if (selection::targetNamed(device) == nullptr)
             return fail(u"There is no device \"%1\". The devices are: %2."_s.arg(
-                m_device, selection::targetNames().join(u", "_s)));
+                device, selection::targetNames().join(u", "_s)));
     }
-    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4(m_device)))
-        return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(m_device, kind));
+    if (line.has(u"device"_s) && line.has(u"kind"_s) && (kind != u"mp4"_s || !isMp4(device)))
+        return fail(u"--device \"%1\" and --kind %2 exclude each other."_s.arg(device, kind));
     if (kind == u"mkv"_s || kind == u"avi"_s)
-        m_device = kind.toUpper();
+        m_settings.target = kind.toUpper();
     m_wantsMp4 = kind == u"mp4"_s;
 }
 
 void Choices::readVideo(const CommandLine &line)
 {
-    if (line.has(u"video"_s))
-        m_video = line.value(u"video"_s);
-    if (!m_video.isNull() && !QStringList{u"passthru"_s, u"1pass"_s, u"2pass"_s}.contains(m_video))
-        fail(u"--video takes passthru, 1pass or 2pass, not \"%1\"."_s.arg(m_video));
-    for (const QString &option : {u"width"_s, u"video-bitrate"_s}) {
-        if (!line.has(option))
-            continue;
-        if (!isPositiveNumber(line.value(option)))
-            fail(u"--%1 takes a whole number above 0, not \"%2\"."_s.arg(option, line.value(option)));
-        else if (passesThru())
-            m_note = u"--%1 changes nothing: the video passes through as it is."_s.arg(option);
-    }
-    m_videoBitRate = line.value(u"video-bitrate"_s);
-    m_width = line.value(u"width"_s);
+    const QString video = line.value(u"video"_s);
+    if (pictures().contains(video))
+        m_settings.picture = pictures().value(video);
+    else if (line.has(u"video"_s))
+        fail(u"--video takes passthru, 1pass or 2pass, not \"%1\"."_s.arg(video));
+    m_settings.width = readNumber(line, u"width"_s);
+    m_settings.videoBitRate = readNumber(line, u"video-bitrate"_s);
 }
 
-QString Choices::readAudioSetting(const QString &word, QVariantMap &setting) const
+std::optional<QString> Choices::readNumber(const CommandLine &line, const QString &option)
+{
+    if (!line.has(option))
+        return std::nullopt;
+    if (!isPositiveNumber(line.value(option)))
+        fail(u"--%1 takes a whole number above 0, not \"%2\"."_s.arg(option, line.value(option)));
+    else if (passesThru())
+        m_note = u"--%1 changes nothing: the video passes through as it is."_s.arg(option);
+    return plainNumber(line.value(option));
+}
+
+QString Choices::readAudioOutput(const QString &word, selection::AudioOutput &output) const
 {
     if (word == u"passthru"_s) {
-        setting = {{u"userCodec"_s, word}, {u"userBitRate"_s, u"0"_s}};
+        output = {word, {}, u"0"_s}; // it keeps its channels; the order of the outputs depends on them
         return {};
     }
     const QStringList pieces = word.split(u':');
@@ -166,9 +174,7 @@ QString Choices::readAudioSetting(const QString &word, QVariantMap &setting) con
         return u"\"%1\" in --audio is no number of channels."_s.arg(pieces.at(1));
     if (!isPositiveNumber(pieces.at(2)))
         return u"\"%1\" in --audio is no bit rate in kb/s."_s.arg(pieces.at(2));
-    setting = {{u"userCodec"_s, pieces.at(0)},
-               {u"userNumberOfChannels"_s, QString::number(tools::leadingInteger(pieces.at(1)))},
-               {u"userBitRate"_s, QString::number(tools::leadingInteger(pieces.at(2)))}};
+    output = {pieces.at(0), plainNumber(pieces.at(1)), plainNumber(pieces.at(2))};
     return {};
 }
 
@@ -181,22 +187,23 @@ void Choices::readAudio(const QStringList &values)
             return fail(u"--audio takes TRACK=SETTINGS with a stream index, or +1 for the first added file, "
                         "not \"%1\"."_s.arg(value));
         for (const QString &word : value.section(u'=', 1).split(u',')) {
-            QVariantMap setting;
-            const QString error = readAudioSetting(word, setting);
+            selection::AudioOutput output;
+            const QString error = readAudioOutput(word, output);
             if (!error.isNull())
                 return fail(error);
-            m_audio[track].append(setting);
+            m_audio[track].append(output);
         }
     }
 }
 
 void Choices::readSubtitles(const CommandLine &line)
 {
-    if (line.has(u"subtitles"_s))
-        m_subtitles = line.value(u"subtitles"_s);
-    if (!m_subtitles.isNull() && m_subtitles != u"mux"_s && m_subtitles != u"burn"_s)
-        fail(u"--subtitles takes mux or burn, not \"%1\"."_s.arg(m_subtitles));
-    if (m_subtitles == u"burn"_s && passesThru())
+    const QString subtitles = line.value(u"subtitles"_s);
+    if (subtitleUses().contains(subtitles))
+        m_settings.subtitles = subtitleUses().value(subtitles);
+    else if (line.has(u"subtitles"_s))
+        fail(u"--subtitles takes mux or burn, not \"%1\"."_s.arg(subtitles));
+    if (m_settings.subtitles == SubtitleUse::Burn && passesThru())
         fail(u"--subtitles burn needs --video 1pass or 2pass: a subtitle is drawn into the picture."_s);
 }
 
@@ -204,62 +211,21 @@ QString Choices::errorFor(const KXSelection &selection) const
 {
     for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
         const TrackPointer track = trackNamed(audio.key(), selection.trackList());
-        if (!track || track->trackType() != u"Audio"_s)
+        if (!track || !selection::isAudio(*track))
             return u"%1: --audio names track %2, which is no chosen audio track."_s.arg(
                 selection.videoTrackFilePath(), audio.key());
     }
     return {};
 }
 
-QString Choices::refusalFor(const KXSelection &selection) const
+selection::ConversionSettings Choices::settingsFor(const KXSelection &selection) const
 {
-    const qsizetype videos = countOf(selection, isVideo);
-    if (videos != 1)
-        return u"A conversion needs exactly one video track; %1 are chosen."_s.arg(videos);
-    const qsizetype subtitles = countOf(selection, engines::isSubtitle);
-    const bool burns = m_subtitles == u"burn"_s || countOf(selection, isBurned) > 0;
-    if (burns && subtitles != 1)
-        return u"Burning needs exactly one chosen subtitle track; %1 are chosen."_s.arg(subtitles);
-    if (burns && countOf(selection, isReencoded) == 0)
-        return u"A subtitle can only be burned into a video that is re-encoded."_s;
-    return {};
-}
-
-void Choices::applyTarget(KXSelection &selection) const
-{
-    if (!m_device.isNull())
-        selection.setTheDevice(m_device);
-    else if (m_wantsMp4 && !isMp4(selection.theDevice()))
-        selection.setTheDevice(u"General"_s); // else the preset's device agrees, and its limits stay
-}
-
-void Choices::applyTo(KXSelection &selection) const
-{
-    applyTarget(selection);
-    if (!m_video.isNull())
-        selection.setUserPassNumber(m_video == u"2pass"_s ? u"2"_s : u"1"_s);
-    if (!m_videoBitRate.isNull())
-        selection.setUserVideoBitRate(QString::number(tools::leadingInteger(m_videoBitRate)));
-    if (!m_width.isNull())
-        selection.setUserWidth(QString::number(tools::leadingInteger(m_width)));
-    for (const TrackPointer &track : selection.trackList()) {
-        if (isVideo(*track) && !m_video.isNull())
-            track->setUserCodec(passesThru() ? u"passthru"_s : u"h264"_s);
-        else if (engines::isSubtitle(*track) && !m_subtitles.isNull())
-            track->setUserCodec(m_subtitles);
-    }
+    selection::ConversionSettings settings = m_settings;
+    if (!settings.target && m_wantsMp4 && !isMp4(selection.theDevice()))
+        settings.target = u"General"_s; // else the preset's device agrees, and its limits stay
     for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
         if (const TrackPointer track = trackNamed(audio.key(), selection.trackList()))
-            track->setUserAudioSettingsDictionaryArray(settingsFor(*track, *audio));
-    }
-}
-
-/// A stream that passes through keeps its channels; the order of the outputs depends on them.
-AudioSettingsList Choices::settingsFor(const KXVideoTrack &track, AudioSettingsList settings)
-{
-    for (QVariantMap &setting : settings) {
-        if (setting.value(u"userCodec"_s) == u"passthru"_s)
-            setting.insert(u"userNumberOfChannels"_s, track.trackNumberOfChannels());
+            settings.audio.insert(track, *audio);
     }
     return settings;
 }

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "media/KXVideoTrack.h"
+#include "selection/ConversionSettings.h"
 
 #include <QHash>
 #include <QString>
 
 #include <optional>
-
-class KXSelection;
 
 namespace cli {
 
@@ -28,11 +26,8 @@ public:
     const std::optional<QStringList> &tracks() const { return m_tracks; }
     /// What is wrong with them for this selection: tracks that it does not hold.
     QString errorFor(const KXSelection &selection) const;
-    /// Writes them into a selection whose tracks are already chosen.
-    void applyTo(KXSelection &selection) const;
-    /// Why this file can't be converted although the choices are sound; a null text when it can. Asked
-    /// when they have been applied.
-    QString refusalFor(const KXSelection &selection) const;
+    /// What they are for a selection whose tracks are already chosen.
+    selection::ConversionSettings settingsFor(const KXSelection &selection) const;
     /// The options given that say how a conversion is to be made: "--device".
     const QStringList &given() const { return m_given; }
 
@@ -40,23 +35,17 @@ private:
     void readTarget(const CommandLine &line);
     void readVideo(const CommandLine &line);
     void readAudio(const QStringList &values);
-    QString readAudioSetting(const QString &word, QVariantMap &setting) const;
+    QString readAudioOutput(const QString &word, selection::AudioOutput &output) const;
+    std::optional<QString> readNumber(const CommandLine &line, const QString &option);
     void readSubtitles(const CommandLine &line);
-    static AudioSettingsList settingsFor(const KXVideoTrack &track, AudioSettingsList settings);
-    void applyTarget(KXSelection &selection) const;
-    bool passesThru() const { return m_video == QStringLiteral("passthru"); }
+    bool passesThru() const { return m_settings.picture == selection::Picture::PassThrough; }
     void fail(const QString &sentence);
 
     QString m_error;
     QString m_note;
-    // Null: the preset's, or the source's.
-    QString m_device;
-    QString m_video;
-    QString m_videoBitRate;
-    QString m_width;
-    QString m_subtitles;
-    bool m_wantsMp4 = false;                   ///< of whichever device the preset says
-    QHash<QString, AudioSettingsList> m_audio; ///< by stream index, or "+1" for the first added file
+    selection::ConversionSettings m_settings;        ///< no value: the preset's, or the source's
+    bool m_wantsMp4 = false;                         ///< of whichever device the preset says
+    QHash<QString, selection::AudioOutputs> m_audio; ///< by stream index, or "+1" for the first added file
     QStringList m_given;
     std::optional<QStringList> m_tracks;
 };

@@ -5,8 +5,10 @@
 #include "cli/JobSubmission.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
+#include "selection/Refusals.h"
 
 using namespace Qt::StringLiterals;
+using jobs::JobKind;
 
 namespace cli {
 
@@ -27,21 +29,14 @@ bool extracts(Session &session)
     return app::jobTypeFor(session.program().presets()) == u"MKV Track Extraction"_s;
 }
 
-/// Null when the file can be extracted from by a preset that says so.
-QString extractionRefusal(Session &session)
-{
-    return session.program().selectionController().canEditTracks()
-               ? QString()
-               : u"Tracks can only be extracted from an MKV file of which at least one track is chosen."_s;
-}
-
 /// What the choices make of the selection; a null text, or why that can't be converted.
 QString apply(const Choices &choices, bool leavesOut, KXSelection &selection)
 {
-    choices.applyTo(selection);
+    const selection::ConversionSettings settings = choices.settingsFor(selection);
+    settings.writeTo(selection);
     if (leavesOut && leavesOutSubtitles(selection))
         leaveOutSubtitles(selection); // an AVI carries none; nobody asked for one by name
-    return choices.refusalFor(selection);
+    return selection::refusalToConvert(selection, settings);
 }
 
 } // namespace
@@ -59,30 +54,31 @@ QStringList ConvertCommand::options() const
             u"settings-preset"_s, u"force"_s,     u"dry-run"_s};
 }
 
-SelectionPointer ConvertCommand::prepared(Session &session, const QString &path, const Choices &choices,
-                                          const TrackChoice &tracks, ExitStatus &status) const
+std::optional<jobs::JobRequest> ConvertCommand::prepared(Session &session, const QString &path,
+                                                         const Choices &choices, const TrackChoice &tracks,
+                                                         ExitStatus &status) const
 {
     const FileSelection file = selectFile(session, path, tracks);
     if (!file.selection) {
         status = refused(session, file);
-        return nullptr;
+        return std::nullopt;
     }
     const QStringList missing = missingTracks(*file.selection, tracks);
     const QString error = missing.isEmpty() ? choices.errorFor(*file.selection)
                                             : u"%1 has no track %2."_s.arg(path, missing.join(u", "_s));
     if (!error.isNull()) {
         status = session.wrongUsage(error);
-        return nullptr;
+        return std::nullopt;
     }
     const bool leavesOut = tracks.way != TrackChoice::Way::ByHand;
-    const QString refusal =
-        extracts(session) ? extractionRefusal(session) : apply(choices, leavesOut, *file.selection);
+    const QString refusal = extracts(session) ? selection::refusalToExtract(*file.selection)
+                                              : apply(choices, leavesOut, *file.selection);
     if (!refusal.isNull()) {
         status = session.failed(u"%1: %2"_s.arg(path, refusal));
-        return nullptr;
+        return std::nullopt;
     }
-    file.selection->setJobType(app::jobTypeFor(session.program().presets()));
-    return file.selection;
+    return jobs::requestFor(extracts(session) ? JobKind::TrackExtraction : JobKind::Conversion,
+                            file.selection);
 }
 
 ExitStatus ConvertCommand::execute(Session &session) const

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/Command.h"
-#include "selection/KXSelection.h"
+#include "jobs/JobRequest.h"
 
 namespace cli {
 
@@ -23,10 +23,10 @@ public:
     ExitStatus execute(Session &session) const override;
 
 private:
-    /// The file's selection with the choices in it. Null when the file fails; usage says whether the
-    /// command line was wrong for it.
-    SelectionPointer prepared(Session &session, const QString &path, const Choices &choices,
-                              const TrackChoice &tracks, ExitStatus &status) const;
+    /// The request for the file, with the choices in its selection. None when the file fails; the status
+    /// says whether the command line was wrong for it.
+    std::optional<jobs::JobRequest> prepared(Session &session, const QString &path, const Choices &choices,
+                                             const TrackChoice &tracks, ExitStatus &status) const;
 };
 
 } // namespace cli

@@ -1,6 +1,5 @@
 #include "cli/DryRunPrinter.h"
 
-#include "cli/FileJobs.h"
 #include "cli/PastableText.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
@@ -65,7 +64,7 @@ QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
     return object;
 }
 
-/// The jobs of the selections as a queue would make them, in a queue that never ticks.
+/// The jobs of the requests as a queue would make them, in a queue that never ticks.
 struct Stage
 {
     explicit Stage(Session &session)
@@ -84,11 +83,11 @@ DryRunPrinter::DryRunPrinter(Session &session)
 {
 }
 
-bool DryRunPrinter::print(const QList<SelectionPointer> &selections)
+bool DryRunPrinter::print(const QList<jobs::JobRequest> &requests)
 {
     Stage stage(m_session);
-    for (const SelectionPointer &selection : selections)
-        enqueue(stage.queue, selection);
+    for (const jobs::JobRequest &request : requests)
+        stage.queue.add(request);
     bool allStart = true;
     int number = 0;
     for (const JobPointer &job : stage.queue.qJobList()) {
@@ -107,11 +106,11 @@ bool DryRunPrinter::print(const QList<SelectionPointer> &selections)
     return allStart;
 }
 
-QString DryRunPrinter::clash(const QList<SelectionPointer> &selections)
+QString DryRunPrinter::clash(const QList<jobs::JobRequest> &requests)
 {
     Stage stage(m_session);
-    for (const SelectionPointer &selection : selections)
-        enqueue(stage.queue, selection);
+    for (const jobs::JobRequest &request : requests)
+        stage.queue.add(request);
     QHash<QString, JobPointer> owners;
     for (const JobPointer &job : stage.queue.qJobList()) {
         job->plan();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "selection/KXSelection.h"
+#include "jobs/JobRequest.h"
 
 #include <QList>
 #include <QString>
@@ -16,10 +16,10 @@ class DryRunPrinter final
 public:
     explicit DryRunPrinter(Session &session);
 
-    /// Prints the commands of these selections' jobs; false when a job would refuse to start.
-    bool print(const QList<SelectionPointer> &selections);
+    /// Prints the commands of the jobs that are asked for; false when a job would refuse to start.
+    bool print(const QList<jobs::JobRequest> &requests);
     /// A sentence about two jobs that want one output; a null text when there are none.
-    QString clash(const QList<SelectionPointer> &selections);
+    QString clash(const QList<jobs::JobRequest> &requests);
 
 private:
     Session &m_session;

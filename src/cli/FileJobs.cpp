@@ -1,6 +1,5 @@
 #include "cli/FileJobs.h"
 
-#include "jobs/KXQueueController.h"
 #include "platform/OrdinaryFile.h"
 
 #include <QFileInfo>
@@ -9,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace cli {
 
-SelectionPointer selectionOfFiles(const QStringList &paths, const QString &jobType)
+jobs::JobRequest requestForFiles(jobs::JobKind kind, const QStringList &paths)
 {
     const auto selection = std::make_shared<KXSelection>();
     selection->initialize();
@@ -23,8 +22,7 @@ SelectionPointer selectionOfFiles(const QStringList &paths, const QString &jobTy
     for (const QString &path : paths)
         files.append(QUrl::fromLocalFile(path));
     selection->setEditFilesURLsList(files);
-    selection->setJobType(jobType);
-    return selection;
+    return jobs::requestFor(kind, selection);
 }
 
 QString problemWithFile(const QString &path)
@@ -35,14 +33,6 @@ QString problemWithFile(const QString &path)
     if (!platform::isOrdinaryFile(path))
         return u"It is no ordinary file."_s;
     return info.isReadable() ? QString() : u"It can't be read."_s;
-}
-
-void enqueue(KXQueueController &queue, const SelectionPointer &selection)
-{
-    if (selection->jobType() == u"MKV Track Removal"_s)
-        queue.addJob(selection, u"KXEditMkvJob"_s);
-    else
-        queue.addToQueue(selection);
 }
 
 } // namespace cli

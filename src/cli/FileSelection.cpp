@@ -1,8 +1,8 @@
 #include "cli/FileSelection.h"
 
 #include "cli/Session.h"
-#include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "media/KXVideoFile.h"
+#include "selection/ConversionSettings.h"
 #include "tools/Numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -92,8 +92,9 @@ QStringList missingTracks(const KXSelection &selection, const TrackChoice &choic
 void leaveOutSubtitles(KXSelection &selection)
 {
     TrackList chosen = selection.trackList();
-    const auto left = chosen.removeIf(
-        [](const TrackPointer &track) { return engines::isSubtitle(*track) && !track->externalTrackFlag(); });
+    const auto left = chosen.removeIf([](const TrackPointer &track) {
+        return selection::isSubtitle(*track) && !track->externalTrackFlag();
+    });
     selection.setTrackList(chosen);
     selection.setSubCount(QString::number(tools::leadingInteger(selection.subCount()) - left));
 }

@@ -1,6 +1,5 @@
 #include "cli/JobRun.h"
 
-#include "cli/FileJobs.h"
 #include "cli/Session.h"
 
 #include <QEventLoop>
@@ -75,13 +74,14 @@ JobRun::~JobRun()
     m_session.program().outputs().release(this);
 }
 
-bool JobRun::add(const SelectionPointer &selection)
+bool JobRun::add(const jobs::JobRequest &request)
 {
     // A job gives its inputs free when it ends; what was named here stays safe from those behind it.
-    for (const QUrl &input : QList<QUrl>{selection->videoTrackFileURL()} + selection->editFilesURLsList())
+    const KXSelection &selection = *request.selection;
+    for (const QUrl &input : QList<QUrl>{selection.videoTrackFileURL()} + selection.editFilesURLsList())
         m_session.program().outputs().add(this, input);
     const qsizetype before = m_queue.qJobList().size();
-    enqueue(m_queue, selection);
+    m_queue.add(request);
     for (qsizetype row = before; row < m_queue.qJobList().size(); ++row) {
         const JobPointer job = m_queue.qJobList().at(row);
         m_jobs.append(job);

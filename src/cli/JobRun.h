@@ -20,8 +20,8 @@ public:
     explicit JobRun(Session &session);
     ~JobRun() override;
 
-    /// Puts a selection into the queue; false when no job class takes it.
-    bool add(const SelectionPointer &selection);
+    /// Puts a request into the queue; false when no job class takes it.
+    bool add(const jobs::JobRequest &request);
     /// Returns when every job has ended or the program was interrupted; the worst outcome counts.
     ExitStatus run();
 

@@ -4,64 +4,50 @@
 #include "cli/JobRun.h"
 #include "cli/Session.h"
 
-#include <QFileInfo>
-
 using namespace Qt::StringLiterals;
+using jobs::JobRequest;
 
 namespace cli {
 
 namespace {
 
-/// Without a save folder results go next to the source, which must then be writable.
-QString folderProblem(Session &session, const KXSelection &selection)
+QList<JobRequest> makeEachRequest(Session &session, const RequestMaker &makeRequest, ExitStatus &worst)
 {
-    if (!session.program().preferences().saveDirectoryPath().isEmpty())
-        return {};
-    const QFileInfo source(selection.videoTrackFilePath());
-    if (QFileInfo(source.absolutePath()).isWritable())
-        return {};
-    return u"The application does not have permision to write to the save folder for this job. "
-           "Either move the file, change the save location, or edit the permissions for the output folder."_s;
-}
-
-QList<SelectionPointer> makeEachSelection(Session &session, const SelectionMaker &makeSelection,
-                                          ExitStatus &worst)
-{
-    QList<SelectionPointer> selections;
+    QList<JobRequest> requests;
     for (const QString &argument : session.line().arguments()) {
         ExitStatus status = ExitStatus::AllWell;
-        const SelectionPointer selection = makeSelection(absolutePath(argument), status);
+        const auto request = makeRequest(absolutePath(argument), status);
         if (session.isInterrupted())
             return {};
-        if (selection)
-            selections.append(selection);
+        if (request)
+            requests.append(*request);
         worst = worse(worst, status);
     }
-    return selections;
+    return requests;
 }
 
-QList<SelectionPointer> withWritableFolders(Session &session, const QList<SelectionPointer> &selections,
-                                            ExitStatus &worst)
+QList<JobRequest> withWritableFolders(Session &session, const QList<JobRequest> &requests, ExitStatus &worst)
 {
-    QList<SelectionPointer> writable;
-    for (const SelectionPointer &selection : selections) {
-        const QString problem = folderProblem(session, *selection);
-        if (problem.isNull())
-            writable.append(selection);
+    QList<JobRequest> writable;
+    for (const JobRequest &request : requests) {
+        if (session.saveFolder().takesResultsOf(request.selection->videoTrackFileURL()))
+            writable.append(request);
         else
-            worst = worse(worst, session.failed(u"%1: %2"_s.arg(selection->videoTrackFilePath(), problem)));
+            worst = worse(worst, session.failed(u"%1: %2 %3"_s.arg(request.selection->videoTrackFilePath(),
+                                                                   prefs::SaveFolder::notWritable(),
+                                                                   prefs::SaveFolder::notWritableAdvice())));
     }
     return writable;
 }
 
-ExitStatus runAll(Session &session, const QList<SelectionPointer> &selections)
+ExitStatus runAll(Session &session, const QList<JobRequest> &requests)
 {
     JobRun run(session);
     ExitStatus worst = ExitStatus::AllWell;
-    for (const SelectionPointer &selection : selections) {
-        if (!run.add(selection)) {
+    for (const JobRequest &request : requests) {
+        if (!run.add(request)) {
             worst = session.failed(u"%1: this version has no job for it (%2)."_s.arg(
-                selection->videoTrackFilePath(), selection->jobType()));
+                request.selection->videoTrackFilePath(), request.selection->jobType()));
         }
     }
     return worse(worst, run.run());
@@ -69,31 +55,30 @@ ExitStatus runAll(Session &session, const QList<SelectionPointer> &selections)
 
 } // namespace
 
-ExitStatus submitEachFile(Session &session, const SelectionMaker &makeSelection)
+ExitStatus submitEachFile(Session &session, const RequestMaker &makeRequest)
 {
     if (session.line().arguments().isEmpty())
         return session.wrongUsage(
             u"No file was named. See tessaray-cli %1 --help."_s.arg(session.line().command()));
-    return submit(session,
-                  [&](ExitStatus &worst) { return makeEachSelection(session, makeSelection, worst); });
+    return submit(session, [&](ExitStatus &worst) { return makeEachRequest(session, makeRequest, worst); });
 }
 
-ExitStatus submit(Session &session, const SelectionsMaker &makeSelections)
+ExitStatus submit(Session &session, const RequestsMaker &makeRequests)
 {
-    const QString problem = session.saveFolderProblem();
+    const QString problem = session.saveFolder().refusal();
     if (!problem.isNull())
         return session.failed(problem);
     ExitStatus worst = ExitStatus::AllWell;
-    const QList<SelectionPointer> selections = withWritableFolders(session, makeSelections(worst), worst);
+    const QList<JobRequest> requests = withWritableFolders(session, makeRequests(worst), worst);
     if (worst == ExitStatus::WrongUsage || session.isInterrupted())
         return worst;
     DryRunPrinter dryRun(session);
-    const QString clash = selections.size() > 1 ? dryRun.clash(selections) : QString();
+    const QString clash = requests.size() > 1 ? dryRun.clash(requests) : QString();
     if (!clash.isNull())
         return session.wrongUsage(clash);
     if (session.line().has(u"dry-run"_s))
-        return dryRun.print(selections) ? worst : worse(worst, ExitStatus::Failed);
-    return worse(worst, runAll(session, selections));
+        return dryRun.print(requests) ? worst : worse(worst, ExitStatus::Failed);
+    return worse(worst, runAll(session, requests));
 }
 
 } // namespace cli

@@ -3,6 +3,7 @@
 #include "cli/FileJobs.h"
 #include "cli/JobSubmission.h"
 #include "cli/Session.h"
+#include "selection/Refusals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,7 +17,7 @@ QStringList JoinCommand::options() const
 ExitStatus JoinCommand::execute(Session &session) const
 {
     if (session.line().arguments().size() < 2)
-        return session.wrongUsage(u"A join needs at least two files. See tessaray-cli join --help."_s);
+        return session.wrongUsage(selection::refusalToJoin(1) + u" See tessaray-cli join --help."_s);
     QStringList paths;
     for (const QString &argument : session.line().arguments()) {
         paths.append(absolutePath(argument));
@@ -25,7 +26,7 @@ ExitStatus JoinCommand::execute(Session &session) const
             return session.failed(u"%1: %2"_s.arg(paths.constLast(), problem));
     }
     return submit(session, [&](ExitStatus &) {
-        return QList<SelectionPointer>{selectionOfFiles(paths, u"MKV Joining"_s)};
+        return QList<jobs::JobRequest>{requestForFiles(jobs::JobKind::Joining, paths)};
     });
 }
 

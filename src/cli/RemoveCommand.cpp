@@ -5,28 +5,11 @@
 #include "cli/JobSubmission.h"
 #include "cli/Session.h"
 #include "media/KXVideoFile.h"
-
-#include <algorithm>
+#include "selection/Refusals.h"
 
 using namespace Qt::StringLiterals;
 
 namespace cli {
-
-namespace {
-
-/// Why the tracks can't be taken out of the file; a null text when they can.
-QString refusalOf(const KXSelection &selection)
-{
-    if (selection.videoTrackFileExtension().toLower() != u"mkv"_s)
-        return u"Tracks can only be removed from MKV files."_s;
-    const TrackList tracks = selection.trackList();
-    const bool hasVideo = std::any_of(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
-        return track->trackType() == u"Video"_s;
-    });
-    return hasVideo ? u"A video track can't be removed."_s : QString();
-}
-
-} // namespace
 
 QStringList RemoveCommand::options() const
 {
@@ -43,23 +26,23 @@ ExitStatus RemoveCommand::execute(Session &session) const
     if (!tracks)
         return session.wrongUsage(error);
     const TrackChoice choice{TrackChoice::Way::ByHand, *tracks, {}};
-    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
-        const FileSelection file = selectFile(session, path, choice);
-        if (!file.selection) {
-            status = session.failed(u"%1: %2"_s.arg(path, file.problem));
-            return nullptr;
-        }
-        const QStringList missing = missingTracks(*file.selection, choice);
-        const QString problem = missing.isEmpty() ? refusalOf(*file.selection)
-                                                  : u"There is no track %1."_s.arg(missing.join(u", "_s));
-        if (!problem.isNull()) {
-            status = session.wrongUsage(u"%1: %2"_s.arg(path, problem));
-            return nullptr;
-        }
-        session.program().currentFile().file()->takeFlagsOfSource(); // what stays, stays as it was
-        file.selection->setJobType(u"MKV Track Removal"_s);
-        return file.selection;
-    });
+    return submitEachFile(
+        session, [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
+            const FileSelection file = selectFile(session, path, choice);
+            if (!file.selection) {
+                status = session.failed(u"%1: %2"_s.arg(path, file.problem));
+                return std::nullopt;
+            }
+            const QStringList missing = missingTracks(*file.selection, choice);
+            const QString problem = missing.isEmpty() ? selection::refusalToRemove(*file.selection)
+                                                      : u"There is no track %1."_s.arg(missing.join(u", "_s));
+            if (!problem.isNull()) {
+                status = session.wrongUsage(u"%1: %2"_s.arg(path, problem));
+                return std::nullopt;
+            }
+            session.program().currentFile().file()->takeFlagsOfSource(); // what stays, stays as it was
+            return jobs::requestFor(jobs::JobKind::MkvEditing, file.selection);
+        });
 }
 
 } // namespace cli

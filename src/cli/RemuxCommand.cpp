@@ -15,13 +15,14 @@ QStringList RemuxCommand::options() const
 
 ExitStatus RemuxCommand::execute(Session &session) const
 {
-    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
-        const QString problem = problemWithFile(path);
-        if (problem.isNull())
-            return selectionOfFiles({path}, u"MKV Remux"_s);
-        status = session.failed(u"%1: %2"_s.arg(path, problem));
-        return nullptr;
-    });
+    return submitEachFile(session,
+                          [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
+                              const QString problem = problemWithFile(path);
+                              if (problem.isNull())
+                                  return requestForFiles(jobs::JobKind::Remux, {path});
+                              status = session.failed(u"%1: %2"_s.arg(path, problem));
+                              return std::nullopt;
+                          });
 }
 
 } // namespace cli

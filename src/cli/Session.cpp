@@ -75,17 +75,6 @@ ExitStatus Session::unlessInterrupted(ExitStatus status) const
     return m_interrupts.signalNumber() == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated;
 }
 
-QString Session::saveFolderProblem()
-{
-    const QString path = program().preferences().saveDirectoryPath();
-    if (path.isEmpty())
-        return {};
-    const QFileInfo folder(path);
-    if (!folder.isDir())
-        return u"The save folder %1 does not exist."_s.arg(path);
-    return folder.isWritable() ? QString() : u"The save folder %1 can't be written to."_s.arg(path);
-}
-
 QString absolutePath(const QString &path)
 {
     if (path.isEmpty())

@@ -6,6 +6,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Console.h"
 #include "cli/ConsoleAlerts.h"
+#include "prefs/SaveFolder.h"
 
 #include <memory>
 
@@ -30,8 +31,7 @@ public:
     /// What an interrupt makes of a status.
     ExitStatus unlessInterrupted(ExitStatus status) const;
     bool isInterrupted() const { return m_interrupts.signalNumber() != 0; }
-    /// Why the save folder that is set can't be used; a null text when it can, or none is set.
-    QString saveFolderProblem();
+    prefs::SaveFolder saveFolder() { return prefs::SaveFolder(program().preferences()); }
 
 private:
     void applyOptions();

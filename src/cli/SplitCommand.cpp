@@ -3,7 +3,7 @@
 #include "cli/FileJobs.h"
 #include "cli/JobSubmission.h"
 #include "cli/Session.h"
-#include "tools/Numbers.h"
+#include "selection/Refusals.h"
 
 #include <QRegularExpression>
 
@@ -29,8 +29,7 @@ QString takeTime(const QString &value, KXSelection &selection)
     if (!isTime(start) || !isTime(end))
         return u"--time takes START-END as HH:MM:SS-HH:MM:SS, not \"%1\"."_s.arg(value);
     selection.initializeSplitForStartTimeAndEndTime(start, end);
-    if (tools::leadingInteger(selection.splitStartTimeSeconds()) >=
-        tools::leadingInteger(selection.splitEndTimeSeconds()))
+    if (!selection::endsBehindStart(selection))
         return u"--time: the end has to come after the start, not \"%1\"."_s.arg(value);
     return {};
 }
@@ -84,16 +83,17 @@ ExitStatus SplitCommand::execute(Session &session) const
     const QString error = takeWay(session.line(), trial);
     if (!error.isNull())
         return session.wrongUsage(error);
-    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> SelectionPointer {
-        const QString problem = problemWithFile(path);
-        if (!problem.isNull()) {
-            status = session.failed(u"%1: %2"_s.arg(path, problem));
-            return nullptr;
-        }
-        const SelectionPointer selection = selectionOfFiles({path}, u"MKV Splitting"_s);
-        takeWay(session.line(), *selection);
-        return selection;
-    });
+    return submitEachFile(session,
+                          [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
+                              const QString problem = problemWithFile(path);
+                              if (!problem.isNull()) {
+                                  status = session.failed(u"%1: %2"_s.arg(path, problem));
+                                  return std::nullopt;
+                              }
+                              const auto request = requestForFiles(jobs::JobKind::Splitting, {path});
+                              takeWay(session.line(), *request.selection);
+                              return request;
+                          });
 }
 
 } // namespace cli

@@ -1,10 +1,8 @@
 #include "cli/WatchCommand.h"
 
-#include "app/KXAppDelegate.h"
+#include "app/FileWork.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
-#include "platform/Chooser.h"
-#include "platform/Desktop.h"
 
 #include <QEventLoop>
 #include <QFileInfo>
@@ -14,13 +12,6 @@ using namespace Qt::StringLiterals;
 namespace cli {
 
 namespace {
-
-/// Nobody is there to choose.
-class NoChooser final : public platform::Chooser
-{
-public:
-    void choose(const platform::ChooserRequest & /*request*/, Chosen /*chosen*/) override {}
-};
 
 /// A null text when folder and presets are good to begin with.
 QString problemWith(Session &session)
@@ -70,23 +61,21 @@ ExitStatus WatchCommand::execute(Session &session) const
     const QString folder = absolutePath(session.line().arguments().constFirst());
     if (!QFileInfo(folder).isDir())
         return session.failed(u"There is no folder %1."_s.arg(folder));
-    problem = session.saveFolderProblem();
+    problem = session.saveFolder().refusal();
     if (!problem.isNull())
         return session.failed(problem);
     session.program().preferences().setWatchFolderURL(QUrl::fromLocalFile(folder));
-    NoChooser chooser;
-    platform::Desktop desktop;
-    KXAppDelegate delegate({session.program(), session.alerts(), chooser, desktop});
+    app::FileWork files(session.program(), session.alerts());
     QEventLoop loop;
-    QObject::connect(&delegate.watchSession().log(), &app::WatchLog::added, &loop,
+    QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,
                      [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });
     followProgress(session, &loop);
-    if (!delegate.watchSession().start())
+    if (!files.watchSession().start())
         return session.failed(u"The folder %1 can't be watched."_s.arg(folder));
     QObject::connect(&session.interrupts(), &app::Interrupts::interrupted, &loop, &QEventLoop::quit);
     if (!session.isInterrupted())
         loop.exec();
-    delegate.intake().stopProbing();
+    files.intake().stopProbing();
     session.program().queue().removeAllJobs();
     session.console().endProgress();
     return session.unlessInterrupted(ExitStatus::AllWell);

@@ -10,18 +10,20 @@
 #include "engines/mkvtoolnix/KXSplitVideosJob.h"
 #include "jobs/JobFactory.h"
 
+using jobs::JobKind;
+
 namespace engines {
 
 void registerJobs(jobs::JobFactory &factory)
 {
-    factory.add<KXConvertWithFfmpegJob>();
-    factory.add<KXConvertToMkvJob>();
-    factory.add<KXEditMkvJob>();
-    factory.add<KXExtractTracksJob>();
-    factory.add<KXJoinVideosJob>();
-    factory.add<KXRemuxVideoJob>();
-    factory.add<KXSendToLintwickJob>();
-    factory.add<KXSplitVideosJob>();
+    factory.add<KXConvertWithFfmpegJob>(JobKind::Conversion);
+    factory.add<KXConvertToMkvJob>(JobKind::Muxing);
+    factory.add<KXEditMkvJob>(JobKind::MkvEditing);
+    factory.add<KXExtractTracksJob>(JobKind::TrackExtraction);
+    factory.add<KXJoinVideosJob>(JobKind::Joining);
+    factory.add<KXRemuxVideoJob>(JobKind::Remux);
+    factory.add<KXSendToLintwickJob>(JobKind::SubtitleSending);
+    factory.add<KXSplitVideosJob>(JobKind::Splitting);
 }
 
 } // namespace engines

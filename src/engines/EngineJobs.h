@@ -6,7 +6,7 @@ class JobFactory;
 
 namespace engines {
 
-/// Registers every job class of this room with the queue's factory.
+/// Registers every job class of this module with the queue's factory.
 void registerJobs(jobs::JobFactory &factory);
 
 } // namespace engines

@@ -6,15 +6,15 @@
 
 namespace jobs {
 
-void JobFactory::add(const QString &className, Maker maker)
+void JobFactory::add(JobKind kind, Maker maker)
 {
-    m_makers.insert(className, std::move(maker));
+    m_makers.insert_or_assign(kind, std::move(maker));
 }
 
-std::shared_ptr<KXJob> JobFactory::make(const QString &className, const JobContext &context) const
+std::shared_ptr<KXJob> JobFactory::make(JobKind kind, const JobContext &context) const
 {
-    const auto maker = m_makers.constFind(className);
-    return maker == m_makers.cend() ? nullptr : (*maker)(context);
+    const auto maker = m_makers.find(kind);
+    return maker == m_makers.end() ? nullptr : maker->second(context);
 }
 
 void disposeOfJob(KXJob *job)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QHash>
-#include <QString>
+#include "jobs/JobRequest.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 
 class KXJob;
@@ -12,33 +12,32 @@ namespace jobs {
 
 struct JobContext;
 
-/// Makes jobs by the name of their class. The engines register theirs; the queue asks.
+/// Makes jobs by their kind. The engines register their classes; the queue asks.
 class JobFactory final
 {
 public:
     using Maker = std::function<std::shared_ptr<KXJob>(const JobContext &)>;
 
-    void add(const QString &className, Maker maker);
-    bool knows(const QString &className) const { return m_makers.contains(className); }
-    /// Null when nobody registered that class.
-    std::shared_ptr<KXJob> make(const QString &className, const JobContext &context) const;
+    void add(JobKind kind, Maker maker);
+    bool knows(JobKind kind) const { return m_makers.contains(kind); }
+    /// Null when nobody registered a class for that kind.
+    std::shared_ptr<KXJob> make(JobKind kind, const JobContext &context) const;
 
-    /// Registers T under its own class name.
+    /// Registers T as the class of that kind.
     template <typename T>
-    void add();
+    void add(JobKind kind);
 
 private:
-    QHash<QString, Maker> m_makers;
+    std::map<JobKind, Maker> m_makers;
 };
 
 /// Ends a job in its own thread, also when the last who held it was the job's monitor loop.
 void disposeOfJob(KXJob *job);
 
 template <typename T>
-void JobFactory::add()
+void JobFactory::add(JobKind kind)
 {
-    add(QString::fromLatin1(T::staticMetaObject.className()),
-        [](const JobContext &context) { return std::shared_ptr<KXJob>(new T(context), disposeOfJob); });
+    add(kind, [](const JobContext &context) { return std::shared_ptr<KXJob>(new T(context), disposeOfJob); });
 }
 
 } // namespace jobs

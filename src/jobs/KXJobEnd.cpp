@@ -3,6 +3,7 @@
 
 #include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "steps/ScratchFolder.h"
 #include "tools/Numbers.h"
 #include "tools/ProcessGroup.h"
@@ -256,12 +257,8 @@ void KXJob::checkFreeSpace()
 {
     if (!m_jobSelection)
         return;
-    QUrl folder = appPreferences().saveDirectoryURL();
-    if (isEmpty(folder)) {
-        const QFileInfo source(m_jobSelection->videoTrackFileURL().toLocalFile());
-        folder = QUrl::fromLocalFile(source.absolutePath());
-    }
-    const auto free = m_context.volumes.freeSize(folder);
+    const prefs::SaveFolder saveFolder(appPreferences());
+    const auto free = m_context.volumes.freeSize(saveFolder.forSource(m_jobSelection->videoTrackFileURL()));
     if (!free || *free > almostFull)
         return;
     platform::Alert alert;

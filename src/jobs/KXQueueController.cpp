@@ -12,6 +12,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using jobs::JobKind;
 
 namespace {
 
@@ -42,7 +43,7 @@ SelectionPointer jobsOwnCopy(const SelectionPointer &selection)
 }
 
 /// A raw H.264 stream whose video passes through can only be muxed.
-QString conversionClassFor(const KXSelection &selection)
+JobKind conversionKindFor(const KXSelection &selection)
 {
     const TrackList tracks = selection.trackList();
     const auto video = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
@@ -50,7 +51,7 @@ QString conversionClassFor(const KXSelection &selection)
     });
     const bool passes = video != tracks.end() && (*video)->userCodec() == u"passthru"_s;
     const bool isRaw = selection.videoTrackFileExtension().toLower() == u"h264"_s;
-    return isRaw && passes ? u"KXConvertToMkvJob"_s : u"KXConvertWithFfmpegJob"_s;
+    return isRaw && passes ? JobKind::Muxing : JobKind::Conversion;
 }
 
 } // namespace
@@ -102,25 +103,27 @@ void KXQueueController::startNextSoon()
 int KXQueueController::addToQueue(const SelectionPointer &selection)
 {
     openForJobs();
-    const QString type = selection->jobType();
-    if (type == u"MKV Conversion"_s)
-        return addConversion(selection, conversionClassFor(*selection));
-    if (type == u"MKV Track Extraction"_s)
-        return addOne(selection, u"KXExtractTracksJob"_s);
-    if (type == u"MKV Joining"_s)
-        return addOne(selection, u"KXJoinVideosJob"_s);
-    if (type == u"Send To Lintwick"_s)
-        return addOne(selection, u"KXSendToLintwickJob"_s);
-    if (type == u"MKV Splitting"_s)
-        return addOnePerFile(selection, u"KXSplitVideosJob"_s);
-    if (type == u"MKV Remux"_s)
-        return addOnePerFile(selection, u"KXRemuxVideoJob"_s);
-    return 0;
+    const auto kind = jobs::kindOfJobType(selection->jobType());
+    return kind ? add({*kind, selection}) : 0;
 }
 
-JobPointer KXQueueController::append(const QString &className)
+int KXQueueController::add(const jobs::JobRequest &request)
 {
-    const JobPointer job = m_factory.make(className, m_context);
+    openForJobs();
+    switch (request.kind) {
+    case JobKind::Conversion:
+        return addConversion(request.selection);
+    case JobKind::Splitting:
+    case JobKind::Remux:
+        return addOnePerFile(request);
+    default:
+        return addOne(request);
+    }
+}
+
+JobPointer KXQueueController::append(JobKind kind)
+{
+    const JobPointer job = m_factory.make(kind, m_context);
     if (!job)
         return nullptr;
     m_jobList.append(job);
@@ -134,14 +137,15 @@ JobPointer KXQueueController::append(const QString &className)
     return job;
 }
 
-int KXQueueController::addConversion(const SelectionPointer &selection, const QString &className)
+int KXQueueController::addConversion(const SelectionPointer &selection)
 {
-    const JobPointer job = append(className);
+    const JobKind kind = conversionKindFor(*selection);
+    const JobPointer job = append(kind);
     if (!job)
         return 0;
     const SelectionPointer own = jobsOwnCopy(selection);
     own->setTrackList(own->trackList() + own->addedAudioTrackList());
-    if (className == u"KXConvertToMkvJob"_s)
+    if (kind == JobKind::Muxing)
         own->setTrackList(jobs::tracksForMuxing(own->trackList()));
     job->setJobType(selection->jobType());
     job->setJobStatus(u"Queued"_s);
@@ -151,30 +155,24 @@ int KXQueueController::addConversion(const SelectionPointer &selection, const QS
     return 1;
 }
 
-int KXQueueController::addJob(const SelectionPointer &selection, const QString &className)
+int KXQueueController::addOne(const jobs::JobRequest &request)
 {
-    openForJobs();
-    return addOne(selection, className);
-}
-
-int KXQueueController::addOne(const SelectionPointer &selection, const QString &className)
-{
-    const JobPointer job = append(className);
+    const JobPointer job = append(request.kind);
     if (!job)
         return 0;
-    job->initJobWithSelectionAndPreferences(jobsOwnCopy(selection), m_context.preferences);
+    job->initJobWithSelectionAndPreferences(jobsOwnCopy(request.selection), m_context.preferences);
     Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
     return 1;
 }
 
-int KXQueueController::addOnePerFile(const SelectionPointer &selection, const QString &className)
+int KXQueueController::addOnePerFile(const jobs::JobRequest &request)
 {
     int added = 0;
-    for (const QUrl &file : selection->editFilesURLsList()) {
-        const JobPointer job = append(className);
+    for (const QUrl &file : request.selection->editFilesURLsList()) {
+        const JobPointer job = append(request.kind);
         if (!job)
             return added;
-        const SelectionPointer own = jobsOwnCopy(selection);
+        const SelectionPointer own = jobsOwnCopy(request.selection);
         job->initJobWithSelectionAndPreferences(own, m_context.preferences);
         own->setVideoTrackFileURL(file);
         job->setJobFileName(file.fileName());

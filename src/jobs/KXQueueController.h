@@ -26,8 +26,8 @@ public:
     void initialize();
     /// Turns a selection into its jobs. Answers how many were added: 0 for a job type without a class.
     int addToQueue(const SelectionPointer &selection);
-    /// Adds a job of that class for a selection whose job type has none by itself: a track removal.
-    int addJob(const SelectionPointer &selection, const QString &className);
+    /// Adds the jobs of a request; answers how many.
+    int add(const jobs::JobRequest &request);
     void theQueueLoop();
     void manageQueue();
     /// Starts the current job from elsewhere; the scheduler does it itself.
@@ -60,10 +60,10 @@ Q_SIGNALS:
     void pauseButtonTitleChanged();
 
 private:
-    int addConversion(const SelectionPointer &selection, const QString &className);
-    int addOne(const SelectionPointer &selection, const QString &className);
-    int addOnePerFile(const SelectionPointer &selection, const QString &className);
-    JobPointer append(const QString &className);
+    int addConversion(const SelectionPointer &selection);
+    int addOne(const jobs::JobRequest &request);
+    int addOnePerFile(const jobs::JobRequest &request);
+    JobPointer append(jobs::JobKind kind);
     void openForJobs();
     void startNextSoon();
     void removeRow(qsizetype row);

@@ -1,8 +1,10 @@
-// A rule as a record and as a built-in; how it is applied is in KXPresetSelectionsRules.cpp.
 #include "presets/KXPresetSelections.h"
 
 #include "presets/PresetRecord.h"
 #include "presets/TrackFilters.h"
+#include "selection/KXSelectionController.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using presets::FilterKind;
@@ -22,6 +24,14 @@ QVariantMap bareAudioFilter(const QString &choice, const QString &number)
             {u"currentLanguage"_s, u""_s},
             {u"currentCodec"_s, u""_s},
             {u"currentChannels"_s, u""_s}};
+}
+
+TrackList tracksOfTypes(const TrackList &tracks, const QStringList &types)
+{
+    TrackList found;
+    std::copy_if(tracks.begin(), tracks.end(), std::back_inserter(found),
+                 [&](const TrackPointer &track) { return types.contains(track->trackType()); });
+    return found;
 }
 
 } // namespace
@@ -165,4 +175,21 @@ void KXPresetSelections::addDictionaryToAudioFilterArray()
 void KXPresetSelections::addDictionaryToSubtitleFilterArray()
 {
     setPSubtitleFilterArray(pSubtitleFilterArray() << presets::defaultFilter(FilterKind::Subtitle));
+}
+
+void KXPresetSelections::makeSelections()
+{
+    if (pName() == u"Manual"_s || m_currentVideoFile->theFileName() == u"none"_s)
+        return;
+    const TrackList tracks = m_currentVideoFile->trackList();
+    for (const TrackPointer &track : tracks)
+        track->setTrackSelected(false);
+    if (pSelectedVideoTrack() == u"First Track"_s && !tracks.isEmpty() &&
+        tracks.constFirst()->trackType() == u"Video"_s)
+        tracks.constFirst()->setTrackSelected(true);
+    presets::applyFilters(FilterKind::Audio, pAudioFilterArray(), pAudioFilterMode(),
+                          tracksOfTypes(tracks, {u"Audio"_s}));
+    presets::applyFilters(FilterKind::Subtitle, pSubtitleFilterArray(), pSubtitleFilterMode(),
+                          tracksOfTypes(tracks, {u"Subtitle"_s, u"External Subtitle"_s}));
+    m_selectionController.trackTableSelectionChanged(KXSelectionController::Sender::MakeSelections);
 }

@@ -2,6 +2,7 @@
 
 #include "media/KXVideoFile.h"
 #include "platform/Fields.h"
+#include "selection/ConversionSettings.h"
 
 #include <QVariantMap>
 
@@ -77,11 +78,11 @@ private:
     QString widthToEnter() const;
     void takeAudioSettings();
     void takeSubtitleSettings();
-    QVariantMap stereoEntry() const;
-    QVariantMap surroundEntry(const QString &codec, const KXVideoTrack &track) const;
-    AudioSettingsList outputsFor(const KXVideoTrack &track) const;
-    AudioSettingsList stereoOutputs(const KXVideoTrack &track) const;
-    AudioSettingsList surroundOutputs(const KXVideoTrack &track) const;
+    selection::AudioOutput stereoOutput() const;
+    selection::AudioOutput surroundOutput(const QString &codec, const KXVideoTrack &track) const;
+    selection::AudioOutputs outputsFor(const KXVideoTrack &track) const;
+    selection::AudioOutputs stereoOutputs() const;
+    selection::AudioOutputs surroundOutputs(const KXVideoTrack &track) const;
 
     VideoFilePointer m_currentVideoFile;
     KXSelectionController &m_selectionController;

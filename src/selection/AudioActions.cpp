@@ -13,28 +13,17 @@ const QString aac2 = u"AAC (2-Ch.)"_s;
 const QString aac51 = u"AAC (5.1)"_s;
 const QString ac351 = u"AC3 (5.1)"_s;
 
-QString text(const QVariantMap &entry, const QString &key)
-{
-    return entry.value(key).toString();
-}
-
 /// Null for an output that is none of the four.
-QString actionOf(const QVariantMap &entry)
+QString actionOf(const AudioOutput &output)
 {
-    const QString codec = text(entry, u"userCodec"_s);
-    const qint64 channels = tools::leadingInteger(text(entry, u"userNumberOfChannels"_s));
-    if (codec == u"passthru"_s)
+    const qint64 channels = tools::leadingInteger(output.channels);
+    if (output.passesThrough())
         return passThru;
-    if (codec == u"aac"_s && channels == 2)
+    if (output.codec == u"aac"_s && channels == 2)
         return aac2;
-    if (codec == u"aac"_s && channels == 6)
+    if (output.codec == u"aac"_s && channels == 6)
         return aac51;
-    return codec == u"ac3"_s ? ac351 : QString();
-}
-
-QVariantMap entry(const QString &codec, const QString &bitRate, const QString &channels)
-{
-    return {{u"userCodec"_s, codec}, {u"userBitRate"_s, bitRate}, {u"userNumberOfChannels"_s, channels}};
+    return output.codec == u"ac3"_s ? ac351 : QString();
 }
 
 /// "384 kbps" is "384".
@@ -51,22 +40,22 @@ const QStringList &audioActions()
     return actions;
 }
 
-QStringList actionsOf(const AudioSettingsList &settings)
+QStringList actionsOf(const AudioOutputs &outputs)
 {
     QStringList actions;
-    for (const QVariantMap &entry : settings) {
-        const QString action = actionOf(entry);
+    for (const AudioOutput &output : outputs) {
+        const QString action = actionOf(output);
         if (!action.isNull() && !actions.contains(action))
             actions.append(action);
     }
     return actions;
 }
 
-AudioBitRates bitRatesOf(const AudioSettingsList &settings, AudioBitRates rates)
+AudioBitRates bitRatesOf(const AudioOutputs &outputs, AudioBitRates rates)
 {
-    for (const QVariantMap &entry : settings) {
-        const QString rate = text(entry, u"userBitRate"_s) + u" kbps"_s;
-        const QString action = actionOf(entry);
+    for (const AudioOutput &output : outputs) {
+        const QString rate = output.bitRate + u" kbps"_s;
+        const QString action = actionOf(output);
         if (action == aac2)
             rates.aac2 = rate;
         else if (action == aac51)
@@ -77,21 +66,21 @@ AudioBitRates bitRatesOf(const AudioSettingsList &settings, AudioBitRates rates)
     return rates;
 }
 
-AudioSettingsList settingsFor(const QStringList &actions, const AudioBitRates &rates,
-                              const KXVideoTrack &track, const QString &passThruBitRate)
+AudioOutputs outputsFor(const QStringList &actions, const AudioBitRates &rates,
+                        const QString &passThruBitRate)
 {
-    AudioSettingsList settings;
+    AudioOutputs outputs;
     for (const QString &action : actions) {
         if (action == passThru)
-            settings.append(entry(u"passthru"_s, passThruBitRate, track.trackNumberOfChannels()));
+            outputs.append({u"passthru"_s, {}, passThruBitRate});
         else if (action == aac2)
-            settings.append(entry(u"aac"_s, number(rates.aac2), u"2"_s));
+            outputs.append({u"aac"_s, u"2"_s, number(rates.aac2)});
         else if (action == aac51)
-            settings.append(entry(u"aac"_s, number(rates.aac51), u"6"_s));
+            outputs.append({u"aac"_s, u"6"_s, number(rates.aac51)});
         else if (action == ac351)
-            settings.append(entry(u"ac3"_s, number(rates.ac351), u"6"_s));
+            outputs.append({u"ac3"_s, u"6"_s, number(rates.ac351)});
     }
-    return settings;
+    return outputs;
 }
 
 } // namespace selection

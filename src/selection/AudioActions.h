@@ -1,6 +1,6 @@
 #pragma once
 
-#include "media/KXVideoTrack.h"
+#include "selection/ConversionSettings.h"
 
 #include <QStringList>
 
@@ -19,12 +19,12 @@ struct AudioBitRates
 };
 
 /// The actions that a track's outputs amount to, in their order, each once.
-QStringList actionsOf(const AudioSettingsList &settings);
+QStringList actionsOf(const AudioOutputs &outputs);
 /// The bit rates of those outputs; where an action has none, the text that was there stays.
-AudioBitRates bitRatesOf(const AudioSettingsList &settings, AudioBitRates rates);
+AudioBitRates bitRatesOf(const AudioOutputs &outputs, AudioBitRates rates);
 /// One output for each action, in order. Pass-through keeps the track's channels; its bit rate is that
 /// of the selection.
-AudioSettingsList settingsFor(const QStringList &actions, const AudioBitRates &rates,
-                              const KXVideoTrack &track, const QString &passThruBitRate);
+AudioOutputs outputsFor(const QStringList &actions, const AudioBitRates &rates,
+                        const QString &passThruBitRate);
 
 } // namespace selection

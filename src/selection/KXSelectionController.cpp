@@ -1,10 +1,15 @@
-// What is typed and picked, and the audio popup; the tracks are in KXSelectionControllerTracks.cpp, the
-// rules of what may be done in KXSelectionControllerTabs.cpp.
 #include "selection/KXSelectionController.h"
 
 #include "selection/EnteredNumber.h"
+#include "selection/OfferedLists.h"
+#include "selection/OpenFiles.h"
+#include "selection/Possibilities.h"
 #include "selection/PresetDriver.h"
+#include "selection/Refusals.h"
 #include "tools/Numbers.h"
+
+#include <QScopeGuard>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -16,6 +21,9 @@ constexpr qsizetype rateDigits = 0;
 constexpr qsizetype frameRateDigits = 3;
 
 const QString zeroTime = u"00:00:00"_s;
+const QStringList splitWays{u"time"_s, u"size"_s, u"duration"_s};
+const QString black = u"black"_s;
+const QString red = u"red"_s;
 
 QString labelOf(const KXVideoTrack &track)
 {
@@ -23,26 +31,9 @@ QString labelOf(const KXVideoTrack &track)
            track.trackLanguage();
 }
 
-/// Two blanks after each full stop: meant.
-QString editTrackText(int index)
+bool hasOutputs(const TrackPointer &track)
 {
-    switch (index) {
-    case 0:
-        return u"Tessaray will extract the tracks selected above into separate files.  You can not extract "
-               "tracks that are added to the above table using the Add Tracks button."_s;
-    case 1:
-        return u"Tessaray will create a copy of the video file with the selected tracks removed.  You can "
-               u"not "
-               "remove the video track so the Go button will be disabled if you select a video track."_s;
-    case 2:
-        return u"Tessaray will create a copy of the video file with the selected external audio tracks "
-               u"added.  "
-               "You can only add external tracks, that is, tracks that are added to the above table using "
-               "the "
-               "Add Tracks button."_s;
-    default:
-        return {};
-    }
+    return selection::isAudio(*track) && !track->userAudioSettingsDictionaryArray().isEmpty();
 }
 
 } // namespace
@@ -121,30 +112,17 @@ void KXSelectionController::notificationHub(const KXNotification &notification)
 
 const QStringList &KXSelectionController::audioBitRateContent() const
 {
-    static const QStringList rates{u"128 kbps"_s, u"160 kbps"_s, u"192 kbps"_s, u"224 kbps"_s, u"256 kbps"_s,
-                                   u"320 kbps"_s, u"384 kbps"_s, u"448 kbps"_s, u"512 kbps"_s, u"640 kbps"_s};
-    return rates;
+    return selection::offeredAudioBitRates();
 }
 
 const QStringList &KXSelectionController::fpsList() const
 {
-    static const QStringList rates{u"23.976"_s, u"25"_s, u"29.97"_s};
-    return rates;
+    return selection::offeredFrameRates();
 }
 
 const QStringList &KXSelectionController::deviceList() const
 {
-    static const QStringList devices{u"General"_s,
-                                     u"Apple TV 2"_s,
-                                     u"Apple TV 3"_s,
-                                     u"iPad (2 and Earlier)"_s,
-                                     u"iPad 3/iPhone 4S"_s,
-                                     u"iPhone 4/iPod Touch (4G and Later)"_s,
-                                     u"iPhone/iPod Touch (3G and Earlier)"_s,
-                                     u"iPod"_s,
-                                     u"PS3"_s,
-                                     u"Xbox"_s};
-    return devices;
+    return selection::devicesInTexts();
 }
 
 void KXSelectionController::setMp4Device(const QString &device)
@@ -207,7 +185,7 @@ void KXSelectionController::setEnteredUserFPS(const QString &text)
 void KXSelectionController::setEditTrackMatrixIndex(const int &index)
 {
     m_editTrackMatrixIndex = index;
-    const QString text = editTrackText(index);
+    const QString text = selection::textOfTrackEdit(index);
     if (!text.isNull())
         m_editTrackLabel = text;
     Q_EMIT stateChanged();
@@ -268,7 +246,7 @@ void KXSelectionController::setAudioTrackPopupIndex(const int &index)
 {
     m_audioTrackPopupIndex = index >= 0 && index < m_audioTrackLabels.size() ? index : 0;
     const TrackPointer track = popupTrack();
-    const AudioSettingsList outputs = track ? track->userAudioSettingsDictionaryArray() : AudioSettingsList();
+    const selection::AudioOutputs outputs = track ? selection::outputsOf(*track) : selection::AudioOutputs();
     takeRates(selection::bitRatesOf(outputs, enteredRates()));
     m_audioMatrixSelections = selection::actionsOf(outputs);
     m_addStereoTrackButton = track && track->createStereoCopyFlag() ? 1 : 0;
@@ -279,7 +257,7 @@ void KXSelectionController::setAudioTrackPopupIndex(const int &index)
 
 bool KXSelectionController::isInPopup(const KXVideoTrack &track) const
 {
-    return track.trackType() == u"Audio"_s &&
+    return selection::isAudio(track) &&
            tools::leadingInteger(track.selectedAudioTrackIndex()) == m_audioTrackPopupIndex;
 }
 
@@ -346,4 +324,219 @@ void KXSelectionController::guiClickedTrap()
     deselectAllTrackRows();
     leaveSettingsPreset();
     updateTabs();
+}
+
+void KXSelectionController::updateTabs()
+{
+    m_updating = true;
+    const auto done = qScopeGuard([this] { m_updating = false; });
+    setCanAddTrack(!m_file->trackList().isEmpty());
+    if (m_currentTab == u"MKV"_s)
+        updateMkvTab();
+    else if (m_currentTab == u"Edit Files"_s)
+        updateEditFilesTab();
+}
+
+void KXSelectionController::setCanOpenQueuePopover(bool can)
+{
+    if (m_openFiles != nullptr)
+        m_openFiles->setCanOpenQueuePopover(can);
+}
+
+void KXSelectionController::updateMkvTab()
+{
+    setTrackTableEnabled(true);
+    setCanOpenQueuePopover(m_openFiles != nullptr && m_openFiles->openFileCount() >= 2);
+    setCurrentFileTextColor(black);
+    if (m_file->trackList().isEmpty()) {
+        setCurrentFileText(u"Drop Video File(s) in the Table Below"_s);
+        return;
+    }
+    setCurrentFileText(m_file->theFilePath());
+    const selection::TrackPossibilities possible = selection::possibilitiesOf(*m_file, *m_selection);
+    setCanConvert(possible.convert);
+    setCanEditTracks(possible.editTracks);
+    setOneSubSelected(possible.hasOneSubtitle);
+    updateSubtitleRules(possible);
+    setCanAddStereoTrack(false);
+    chosenSettings().writeTo(*m_selection);
+    if (m_canConvert)
+        updateConversionRules();
+    m_selection->setJobStepList(selection::stepsOfConversion(m_mustConvertVideoTrack));
+}
+
+/// Without a subtitle both possibilities keep what they said: meant.
+void KXSelectionController::updateSubtitleRules(const selection::TrackPossibilities &possible)
+{
+    setSubtitleSelected(possible.hasSubtitle);
+    bool passThruWorks = true;
+    if (m_subtitleSelected) {
+        setCanMuxSubtitles(true);
+        setCanBurnSubtitles(possible.hasOneSubtitle);
+        passThruWorks = m_subtitleMatrixIndex != 0 || !m_canConvert; // burning needs a re-encode
+    }
+    setMkvVideoPassThruColor(passThruWorks ? black : red);
+    setMkvAudioPassThruColor(black);
+}
+
+/// What the controls say; an index that stands for no choice leaves what was chosen.
+selection::ConversionSettings KXSelectionController::chosenSettings() const
+{
+    using selection::Picture;
+    using selection::SubtitleUse;
+    const QList<Picture> pictures{Picture::PassThrough, Picture::OnePass, Picture::TwoPasses};
+    const QList<SubtitleUse> uses{SubtitleUse::Burn, SubtitleUse::Mux};
+    selection::ConversionSettings settings;
+    settings.target = m_mp4Device;
+    settings.videoBitRate = m_enteredUserVideoBitRate;
+    settings.width = m_enteredUserWidth;
+    settings.frameRate = m_enteredUserFPS;
+    if (!m_canConvert)
+        return settings;
+    if (m_videoMatrixIndex >= 0 && m_videoMatrixIndex < pictures.size())
+        settings.picture = pictures.at(m_videoMatrixIndex);
+    if (m_subtitleMatrixIndex >= 0 && m_subtitleMatrixIndex < uses.size())
+        settings.subtitles = uses.at(m_subtitleMatrixIndex);
+    if (const TrackPointer track = popupTrack())
+        settings.audio.insert(track, selection::outputsFor(m_audioMatrixSelections, enteredRates(),
+                                                           m_selection->userAudioBitRate()));
+    return settings;
+}
+
+void KXSelectionController::updateConversionRules()
+{
+    const auto chosen = selection::ConversionSettings::of(*m_selection);
+    if (chosen.picture && m_videoMatrixIndex >= 0 && m_videoMatrixIndex <= 2)
+        setMustConvertVideoTrack(*chosen.picture != selection::Picture::PassThrough);
+    if (const TrackPointer track = popupTrack())
+        updateAudioRules(*track);
+    const TrackList tracks = m_selection->trackList();
+    setUserMadeAudioSelection(std::any_of(tracks.begin(), tracks.end(), hasOutputs));
+}
+
+void KXSelectionController::updateAudioRules(const KXVideoTrack &track)
+{
+    setPopupAudioIsSurround(selection::isSurround(track));
+    setCanAddStereoTrack(m_popupAudioIsSurround);
+    if (!selection::canPassThrough(track))
+        setMkvAudioPassThruColor(red);
+}
+
+void KXSelectionController::updateEditFilesTab()
+{
+    if (m_openFiles != nullptr)
+        m_openFiles->closeOpenQ();
+    setCanOpenQueuePopover(false);
+    setCurrentFileText(u"Drop MKV video file(s) in the table below to edit them at the file level."_s);
+    setCurrentFileTextColor(black);
+    const qsizetype files = m_selection->editFilesURLsList().size();
+    setCanJoin(selection::refusalToJoin(files).isNull());
+    setCanEditPAR(files > 0);
+    setCanSplit(files > 0 && splitIsComplete());
+}
+
+/// An index that stands for no way leaves the split to its job, which says so.
+bool KXSelectionController::splitIsComplete()
+{
+    const QString way = splitWays.value(m_splitTypeMatrixIndex);
+    if (way.isNull())
+        return true;
+    m_selection->setSplitType(way);
+    return selection::isSplitComplete(*m_selection, m_enteredSplitSize, m_enteredSplitDuration);
+}
+
+void KXSelectionController::trackTableSelectionChanged(Sender sender)
+{
+    selection::takeTicks(m_file->trackList(), *m_selection);
+    if (sender == Sender::TrackTable && m_presets != nullptr)
+        m_presets->setSelectionMethodIndex(0);
+    upddateAudioTrackPopupFor();
+    if (m_presets != nullptr)
+        m_presets->applyCurrentPresetSettings();
+    if (sender != Sender::TrackTable)
+        Q_EMIT trackTicksChanged();
+}
+
+void KXSelectionController::toggleAll(selection::TickedKind kind)
+{
+    selection::toggleTicks(kind, *m_file, *m_selection);
+    if (m_presets != nullptr)
+        m_presets->setSelectionMethodIndex(0);
+    trackTableSelectionChanged(Sender::Other);
+}
+
+void KXSelectionController::toggleAllVideo()
+{
+    toggleAll(selection::TickedKind::Video);
+}
+
+void KXSelectionController::toggleAllAudio()
+{
+    toggleAll(selection::TickedKind::Audio);
+}
+
+void KXSelectionController::toggleAllSubtitle()
+{
+    toggleAll(selection::TickedKind::Subtitle);
+}
+
+void KXSelectionController::takeLoadedFile()
+{
+    m_selection->initializeFrom(*m_file);
+    takeNumbersFromSource();
+    // Also without a preset: the tracks of the file before must not stay in the selection.
+    trackTableSelectionChanged(Sender::Other);
+}
+
+void KXSelectionController::updateCurrentSelectionToNewSelectionAndCurrentVideoFileToNewVideoFile(
+    const KXSelection &selection, const KXVideoFile &file)
+{
+    m_file->makeSelfCopyOfVideoFile(file);
+    m_selection->makeSelfCopyOfSelection(selection);
+    if (openQueueMatrixIndex() != 0)
+        takeFieldsFromSelection();
+}
+
+void KXSelectionController::takeFieldsFromSelection()
+{
+    const QScopedValueRollback updating(m_updating, true);
+    if (m_selection->theDevice() != u"none"_s)
+        setMp4Device(m_selection->theDevice());
+    takeNumbersFromSelection();
+    const auto chosen = selection::ConversionSettings::of(*m_selection);
+    if (chosen.picture)
+        setVideoMatrixIndex(static_cast<int>(*chosen.picture));
+    if (chosen.subtitles)
+        setSubtitleMatrixIndex(*chosen.subtitles == selection::SubtitleUse::Burn ? 0 : 1);
+    if (const qsizetype index = splitWays.indexOf(m_selection->splitType()); index >= 0)
+        setSplitTypeMatrixIndex(static_cast<int>(index));
+    setEnteredSplitStartTime(m_selection->splitStartTimeText());
+    setEnteredSplitEndTime(m_selection->splitEndTimeText());
+    setEnteredSplitSize(m_selection->splitSize());
+    setEnteredParWidth(m_selection->userParWidth());
+    setEnteredParHeight(m_selection->userParHeight());
+    upddateAudioTrackPopupFor();
+}
+
+void KXSelectionController::takeNumbersFromSelection()
+{
+    setEnteredUserVideoBitRate(m_selection->userVideoBitRate());
+    setEnteredUserFPS(m_selection->userFPS());
+    setEnteredUserWidth(m_selection->userWidth());
+}
+
+void KXSelectionController::makeCurrent(const OpenedFile &entry)
+{
+    if (m_openFiles != nullptr)
+        m_openFiles->storeCurrent(m_file->copy(), m_selection->copy());
+    updateCurrentSelectionToNewSelectionAndCurrentVideoFileToNewVideoFile(*entry.videoSelection,
+                                                                          *entry.videoFile);
+    takeNumbersFromSelection();
+    {
+        // The controls first: else the update writes those of the file before into this one's tracks.
+        const QScopedValueRollback updating(m_updating, true);
+        upddateAudioTrackPopupFor();
+    }
+    updateTabs();
+    Q_EMIT trackTicksChanged();
 }

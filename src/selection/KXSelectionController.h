@@ -5,6 +5,7 @@
 #include "platform/KXNotificationCenter.h"
 #include "selection/AudioActions.h"
 #include "selection/KXSelection.h"
+#include "selection/TrackTicks.h"
 #include "tools/KXHelpers.h"
 
 #include <vector>
@@ -12,6 +13,10 @@
 class OpenFiles;
 class PresetDriver;
 struct OpenedFile;
+
+namespace selection {
+struct TrackPossibilities;
+}
 
 /// The rules behind the main window's controls: what was typed and picked, what may be done, and the
 /// current file and selection, which it keeps consistent with both. The program makes it once and hands in
@@ -189,11 +194,10 @@ private:
     void setDefaultEntries();
     void updateMkvTab();
     void updateEditFilesTab();
-    void updateSubtitleRules();
+    void updateSubtitleRules(const selection::TrackPossibilities &possible);
     void updateConversionRules();
-    void updateVideoTrack(KXVideoTrack &track);
-    void updateAudioTrack(KXVideoTrack &track);
-    void updateJobSteps();
+    void updateAudioRules(const KXVideoTrack &track);
+    selection::ConversionSettings chosenSettings() const;
     bool splitIsComplete();
     void setCanOpenQueuePopover(bool can);
     bool ticks(int action) const;
@@ -204,7 +208,7 @@ private:
     void takeFieldsFromSelection();
     void takeNumbersFromSelection();
     void takeNumbersFromSource();
-    void toggleAll(const QStringList &types, const QString &selected, const QString &all);
+    void toggleAll(selection::TickedKind kind);
     void leaveSettingsPreset();
 
     VideoFilePointer m_file;

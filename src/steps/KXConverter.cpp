@@ -4,6 +4,7 @@
 #include "media/KXVideoTrack.h"
 #include "media/MatroskaPackets.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "steps/DurationLooks.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/OutputGuard.h"
@@ -16,11 +17,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QUrl folderOf(const QUrl &file)
-{
-    return QUrl::fromLocalFile(QFileInfo(file.toLocalFile()).absolutePath());
-}
 
 QUrl inFolder(const QUrl &folder, const QString &name)
 {
@@ -48,19 +44,13 @@ KXConverter::KXConverter(const steps::ConverterContext &context)
 
 KXConverter::~KXConverter() = default;
 
-QUrl KXConverter::saveFolderOr(const QUrl &folder) const
-{
-    const QUrl saveFolder = appPreferences().saveDirectoryURL();
-    return isEmpty(saveFolder) ? folder : saveFolder;
-}
-
 void KXConverter::initializeFor(const SelectionPointer &selection)
 {
     setConverterSelection(selection);
     const TrackList tracks = selection->trackList();
     if (trackItemToProcess() >= 0 && trackItemToProcess() < tracks.size())
         setInputFileURL(tracks.at(trackItemToProcess())->trackFileURL());
-    setSaveDirectoryURL(saveFolderOr(folderOf(selection->videoTrackFileURL())));
+    setSaveDirectoryURL(prefs::SaveFolder(appPreferences()).forSource(selection->videoTrackFileURL()));
     const QUrl base = inFolder(saveDirectoryURL(), inputFileURL().fileName());
     setLogFileURL(base);
     setOutputFileURL(base);
@@ -98,7 +88,7 @@ void KXConverter::taskCompletion(const KXNotification &) {}
 
 void KXConverter::determineSaveDirectoryURL()
 {
-    setSaveDirectoryURL(saveFolderOr(folderOf(inputFileURL())));
+    setSaveDirectoryURL(prefs::SaveFolder(appPreferences()).forSource(inputFileURL()));
 }
 
 QString KXConverter::checkForErrorsInOutputURLAndLogURL(const QUrl &, const QUrl &) const

@@ -152,8 +152,6 @@ protected:
     /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about
     /// by monitorConversion(); answers the process id, a null text for none.
     QString startInBackground(const QUrl &tool, const tools::OptionList &options);
-    /// The folder of the preferences when one is set, else the given one.
-    QUrl saveFolderOr(const QUrl &folder) const;
     bool durationIsAssumed() const { return m_durationIsAssumed; }
     /// False when the lengths are known. Else they are asked for, and the event, with all that follow it,
     /// comes again in its order once they are.

@@ -38,9 +38,9 @@ void EditTracksBox::refresh()
 {
     m_actions->setIndex(m_controller.editTrackMatrixIndex());
     m_text->setText(m_controller.editTrackLabel());
-    const QString problem = m_starter.trackEditingProblem();
-    m_go->setEnabled(problem.isNull());
-    m_tips.setReason(m_go, problem);
+    const QString refusal = m_starter.trackEditingRefusal();
+    m_go->setEnabled(refusal.isNull());
+    m_tips.setReason(m_go, refusal);
 }
 
 } // namespace window

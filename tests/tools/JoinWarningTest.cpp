@@ -74,7 +74,6 @@ QString inMp4(const QString &film, const QString &name)
 }
 
 const QString joining = u"MKV Joining"_s;
-const QString editClass = u"KXEditMkvJob"_s;
 const QString message =
     u"The files to be joined appear to have the following properties mismatched, which may cause errors or "
     "unexpected results in the join process."_s;
@@ -122,7 +121,7 @@ private Q_SLOTS:
         QTest::newRow("two of them") << QStringList{usual(), smaller(), usual(), faster()}
                                      << u"Frame Rate, Video Resolution"_s;
     }
-    void theEditJobSaysTheSame() { joinAndCompare(editClass); }
+    void theEditJobSaysTheSame() { joinAndCompare(jobs::JobKind::MkvEditing); }
 
     void differentFrameRateAndSizeWarnWithBothNamesJoinedByACommaAndABlankAndStillJoin()
     {
@@ -159,13 +158,13 @@ private:
     }
 
     /// A join of copies as that class of job; compares the alert, and that mkvmerge got to work.
-    void joinAndCompare(const QString &className)
+    void joinAndCompare(std::optional<jobs::JobKind> kind)
     {
         QFETCH(QStringList, clips);
         QFETCH(QString, names);
         m_runs->runs.base.setKeepLogs(true);
         copies(clips);
-        const auto job = m_runs->add(MkvRuns::filesSelection(m_paths, joining), className);
+        const auto job = m_runs->add(MkvRuns::filesSelection(m_paths, joining), kind);
         QVERIFY(m_runs->run());
         QCOMPARE(alerts().shown().size(), names.isEmpty() ? 0 : 1);
         if (!names.isEmpty()) {

@@ -164,7 +164,7 @@ private Q_SLOTS:
         selection->setSplitType(u"time"_s);
         selection->setSplitStartTimeText(u"01:00:00"_s);
         selection->setSplitEndTimeText(u"02:00:00"_s);
-        const auto job = m_fault->runs.add(selection, editClassFor(operation));
+        const auto job = m_fault->runs.add(selection, editKindFor(operation));
         m_fault->runWithAnother();
         compareVerdict(*job, Verdict::Failed, u"mkvmerge ended without writing a.mkv.split.mkv"_s);
         QVERIFY(m_fault->runs.names().filter(u"split.mkv"_s).isEmpty());
@@ -177,16 +177,16 @@ private Q_SLOTS:
         QFETCH(QString, operation);
         const auto selection = m_fault->runs.selectionFor(operation, m_fault->film(fullMkv(), u"a.mkv"_s));
         selection->setSplitType(u"colour"_s);
-        const auto job = m_fault->runs.add(selection, editClassFor(operation));
+        const auto job = m_fault->runs.add(selection, editKindFor(operation));
         m_fault->runWithAnother();
         compareVerdict(*job, Verdict::Failed, u"There is no way to split by \"colour\""_s);
         QVERIFY(m_fault->runs.names().filter(u"split"_s).isEmpty());
     }
 
 private:
-    static QString editClassFor(const QString &operation)
+    static std::optional<jobs::JobKind> editKindFor(const QString &operation)
     {
-        return operation == mkv::editSplit ? u"KXEditMkvJob"_s : QString();
+        return operation == mkv::editSplit ? std::optional(jobs::JobKind::MkvEditing) : std::nullopt;
     }
 
     /// The log of a failed step stays, is named and ends with what happened; no output is left.

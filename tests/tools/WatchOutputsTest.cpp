@@ -142,10 +142,9 @@ private:
         return {folder + u"a.mkv"_s, folder + u"old.avi"_s, folder + u"raw.h264"_s};
     }
 
-    void add(const SelectionPointer &selection, const QString &className = {})
+    void add(const SelectionPointer &selection, std::optional<jobs::JobKind> kind = {})
     {
-        const int added =
-            className.isEmpty() ? m_queue->addToQueue(selection) : m_queue->addJob(selection, className);
+        const int added = kind ? m_queue->add({*kind, selection}) : m_queue->addToQueue(selection);
         QCOMPARE(added, 1);
     }
 
@@ -164,7 +163,7 @@ private:
             add(m_runs->selectionFor(operation, films.at(0)));
         };
         const auto edit = [&](const QString &operation) {
-            add(m_runs->selectionFor(operation, films.at(0)), u"KXEditMkvJob"_s);
+            add(m_runs->selectionFor(operation, films.at(0)), jobs::JobKind::MkvEditing);
         };
         const QList<std::function<void()>> all{
             [&] { add(runs.reencoded(films.at(0), u"General"_s, u"1"_s)); },

@@ -96,11 +96,6 @@ OptionItem mapArgument(const KXVideoTrack &track, const TrackList &tracks, int v
     return OptionItem::ofNumber(externalFiles(tracks).indexOf(track.trackFileURL()) + 1);
 }
 
-bool isSubtitle(const KXVideoTrack &track)
-{
-    return track.trackType() == u"Subtitle"_s || track.trackType() == u"External Subtitle"_s;
-}
-
 OptionList softSubtitleArguments(const TrackList &tracks, int videoInput, OutputKind kind)
 {
     OptionList list;

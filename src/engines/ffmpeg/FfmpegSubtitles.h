@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/KXVideoTrack.h"
+#include "selection/ConversionSettings.h"
 #include "selection/Targets.h"
 #include "tools/OptionItem.h"
 
@@ -14,8 +15,7 @@ using selection::OutputKind;
 QList<QUrl> externalFiles(const TrackList &tracks);
 /// What "-map" takes for a track: its stream of the source, or the whole external file.
 tools::OptionItem mapArgument(const KXVideoTrack &track, const TrackList &tracks, int videoInput);
-/// True for "Subtitle" and for "External Subtitle", which nothing assigns but every filter accepts.
-bool isSubtitle(const KXVideoTrack &track);
+using selection::isSubtitle;
 
 /// The arguments of the subtitles that are muxed as streams of their own.
 tools::OptionList softSubtitleArguments(const TrackList &tracks, int videoInput, OutputKind kind);

@@ -6,6 +6,7 @@
 #include "engines/ffmpeg/KXTrackDumper.h"
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
+#include "selection/Refusals.h"
 #include "tools/Numbers.h"
 
 #include <QEventLoop>
@@ -23,29 +24,6 @@ bool isText(const KXVideoTrack &track)
     return QStringList{u"srt"_s, u"ssa"_s, u"ass"_s, u"ttxt"_s}.contains(track.trackCodec().toLower());
 }
 
-/// Neither muxed nor extracted: to be burned.
-bool isBurned(const KXVideoTrack &track)
-{
-    const QString codec = track.userCodec().toLower();
-    return engines::isSubtitle(track) && codec != u"mux"_s && codec != u"extract"_s;
-}
-
-QString refusalOfNumbers(const KXSelection &selection)
-{
-    const QString rate = selection.userVideoBitRate();
-    const QString width = selection.userWidth();
-    if (!tools::isAllDigits(rate))
-        return u"The video bit rate \"%1\" is not a number of kb/s, so the video can't be re-encoded."_s.arg(
-            rate);
-    if (selection.userPassNumber() == u"2"_s && tools::leadingInteger(rate) == 0)
-        return u"Two passes need a video bit rate above 0."_s;
-    const bool isTooSmall =
-        tools::leadingInteger(width) < 2 && tools::leadingInteger(selection.videoTrackWidth()) > 0;
-    if (!tools::isAllDigits(width) || isTooSmall)
-        return u"The width \"%1\" is not a number of pixels, so the video can't be re-encoded."_s.arg(width);
-    return {};
-}
-
 } // namespace
 
 KXConvertWithFfmpegJob::KXConvertWithFfmpegJob(const jobs::JobContext &context)
@@ -56,17 +34,7 @@ KXConvertWithFfmpegJob::KXConvertWithFfmpegJob(const jobs::JobContext &context)
 
 QString KXConvertWithFfmpegJob::refusal() const
 {
-    const TrackList tracks = jobSelection()->trackList();
-    const auto video = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
-        return track->trackType() == u"Video"_s;
-    });
-    if (video == tracks.end())
-        return {};
-    if ((*video)->userCodec() != u"passthru"_s)
-        return refusalOfNumbers(*jobSelection());
-    const bool burns =
-        std::any_of(tracks.begin(), tracks.end(), [](const TrackPointer &track) { return isBurned(*track); });
-    return burns ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString();
+    return selection::refusalToEncode(*jobSelection());
 }
 
 /// The converter, without names; null, with an outcome, when the job may not start.
@@ -126,7 +94,7 @@ KXConvertWithFfmpegJob::SubtitleWork KXConvertWithFfmpegJob::subtitleWork()
     for (qsizetype index = 0; hasAny && index < theTracks().size(); ++index) {
         KXVideoTrack &track = *theTracks().at(index);
         track.initializeForMuxing();
-        if (isBurned(track)) {
+        if (selection::isBurned(track)) {
             work.burned = index;
             setSubWasBurned(true);
             break;

@@ -6,6 +6,7 @@
 #include "media/KXVideoTrack.h"
 #include "platform/FileIdentity.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "steps/OutputGuard.h"
 #include "tools/Numbers.h"
 
@@ -56,8 +57,7 @@ bool KXTrackDumper::prepareForSelectionWithSaveDirectoryURL(const SelectionPoint
     setConverterSelection(selection);
     if (track() != nullptr)
         setInputFileURL(track()->trackFileURL());
-    const QFileInfo source(selection->videoTrackFileURL().toLocalFile());
-    setSaveDirectoryURL(isEmpty(folder) ? QUrl::fromLocalFile(source.absolutePath()) : folder);
+    setSaveDirectoryURL(prefs::SaveFolder(folder).forSource(selection->videoTrackFileURL()));
     const QString path = saveDirectoryURL().toLocalFile();
     return prepare((path.endsWith(u'/') ? path : path + u'/') + inputFileURL().fileName(), Naming::Output);
 }

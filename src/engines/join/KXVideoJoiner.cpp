@@ -7,6 +7,8 @@
 #include "engines/join/JoinCheck.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
+#include "selection/Refusals.h"
 #include "steps/OutputGuard.h"
 #include "steps/ToolLog.h"
 #include "tools/Numbers.h"
@@ -43,11 +45,11 @@ bool KXVideoJoiner::prepareForSelectionWithSaveDirectoryURL(const SelectionPoint
     setConverterSelection(selection);
     const QList<QUrl> files = selection->editFilesURLsList();
     if (files.isEmpty()) {
-        refuse(u"There are no files to join."_s);
+        refuse(selection::refusalToJoin(0));
         return false;
     }
     setInputFileURL(files.constFirst());
-    setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
+    setSaveDirectoryURL(prefs::SaveFolder(folder).forSource(inputFileURL()));
     setTempFileToDeleteURL(QUrl());
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(QUrl::fromLocalFile(u"%1.joined.%2"_s.arg(base, engines::extensionOf(inputFileURL())))))

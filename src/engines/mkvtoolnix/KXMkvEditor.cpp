@@ -6,6 +6,7 @@
 #include "engines/mkvtoolnix/KXVideoSplitter.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
 #include "prefs/KXPreferences.h"
+#include "selection/Refusals.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,7 +35,7 @@ bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
     initializeFor(selection);
     const QList<QUrl> files = selection->editFilesURLsList();
     if (files.isEmpty()) {
-        refuse(u"There are no files to join."_s);
+        refuse(selection::refusalToJoin(0));
         return false;
     }
     setInputFileURL(files.constFirst());
@@ -115,7 +116,7 @@ bool KXMkvEditor::prepareSplit(const SelectionPointer &selection)
     determineSaveDirectoryURL();
     setTempFileToDeleteURL(QUrl());
     if (engines::splitWord(*selection).isNull()) {
-        refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
+        refuse(selection::refusalToSplit(*selection));
         return false;
     }
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());

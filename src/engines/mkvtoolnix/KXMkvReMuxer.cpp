@@ -3,6 +3,8 @@
 #include "engines/OutputBase.h"
 #include "engines/UpdateNames.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,7 +18,7 @@ bool KXMkvReMuxer::prepareForSelectionWithSaveDirectoryURL(const SelectionPointe
 {
     setConverterSelection(selection);
     setInputFileURL(selection->videoTrackFileURL());
-    setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
+    setSaveDirectoryURL(prefs::SaveFolder(folder).forSource(inputFileURL()));
     setTempFileToDeleteURL(QUrl());
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());
     if (!claimOutput(QUrl::fromLocalFile(base + u".remux.mkv"_s)))
@@ -44,7 +46,7 @@ bool KXMkvReMuxer::prepareInBackground(const SelectionPointer &selection)
 {
     m_isInBackground = true;
     setDoShell_ID({});
-    return prepareForSelectionWithSaveDirectoryURL(selection, saveFolderOr({}));
+    return prepareForSelectionWithSaveDirectoryURL(selection, appPreferences().saveDirectoryURL());
 }
 
 QList<steps::Launch> KXMkvReMuxer::launches()

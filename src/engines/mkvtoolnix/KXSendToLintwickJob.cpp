@@ -5,6 +5,7 @@
 #include "engines/ffmpeg/KXTrackDumper.h"
 #include "engines/mkvtoolnix/SubtitleHandOver.h"
 #include "prefs/KXPreferences.h"
+#include "selection/Refusals.h"
 
 #include <algorithm>
 
@@ -22,7 +23,7 @@ QList<ConverterPointer> KXSendToLintwickJob::preparedSteps()
     const auto subtitle = std::find_if(tracks.begin(), tracks.end(),
                                        [](const TrackPointer &track) { return engines::isSubtitle(*track); });
     if (subtitle == tracks.end()) {
-        addOutcome(steps::Outcome::failed(u"There is no subtitle to send."_s));
+        addOutcome(steps::Outcome::failed(selection::refusalToSend(*jobSelection())));
         return {};
     }
     const auto dumper = std::make_shared<KXTrackDumper>(converterContext());

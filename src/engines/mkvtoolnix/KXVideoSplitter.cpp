@@ -3,6 +3,8 @@
 #include "engines/OutputBase.h"
 #include "engines/UpdateNames.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "prefs/SaveFolder.h"
+#include "selection/Refusals.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -41,10 +43,10 @@ bool KXVideoSplitter::prepareForSelectionWithSaveDirectoryURL(const SelectionPoi
 {
     setConverterSelection(selection);
     setInputFileURL(selection->videoTrackFileURL());
-    setSaveDirectoryURL(isEmpty(folder) ? engines::folderOf(inputFileURL()) : folder);
+    setSaveDirectoryURL(prefs::SaveFolder(folder).forSource(inputFileURL()));
     setTempFileToDeleteURL(QUrl());
     if (engines::splitWord(*selection).isNull()) {
-        refuse(u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection->splitType()));
+        refuse(selection::refusalToSplit(*selection));
         return false;
     }
     const QString base = engines::pathInFolder(saveDirectoryURL(), inputFileURL().fileName());

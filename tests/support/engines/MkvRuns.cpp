@@ -19,8 +19,6 @@ namespace support {
 
 namespace {
 
-const QString editClass = u"KXEditMkvJob"_s;
-
 bool isJoin(const QString &operation)
 {
     return operation.endsWith(mkv::join);
@@ -161,10 +159,9 @@ SelectionPointer MkvRuns::selectionFor(const QString &operation, const QString &
     return selection;
 }
 
-JobPointer MkvRuns::add(const SelectionPointer &selection, const QString &className)
+JobPointer MkvRuns::add(const SelectionPointer &selection, std::optional<jobs::JobKind> kind)
 {
-    const int added =
-        className.isEmpty() ? m_queue->addToQueue(selection) : m_queue->addJob(selection, className);
+    const int added = kind ? m_queue->add({*kind, selection}) : m_queue->addToQueue(selection);
     if (added != 1)
         qFatal("%d jobs were added", added);
     return m_queue->qJobList().constLast();
@@ -173,7 +170,8 @@ JobPointer MkvRuns::add(const SelectionPointer &selection, const QString &classN
 JobPointer MkvRuns::add(const QString &operation, const QString &source)
 {
     const bool isEdit = operation == mkv::remove || operation.startsWith(u"edit "_s);
-    return add(selectionFor(operation, source), isEdit ? editClass : QString());
+    return add(selectionFor(operation, source),
+               isEdit ? std::optional(jobs::JobKind::MkvEditing) : std::nullopt);
 }
 
 bool MkvRuns::run(int milliseconds)

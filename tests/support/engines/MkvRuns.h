@@ -39,7 +39,7 @@ public:
     /// The job for that source, at the end of the queue; a join appends "b.mkv", a mux adds "sound.ac3" and
     /// "s.srt", which are made. Nothing starts yet.
     JobPointer add(const QString &operation, const QString &source);
-    JobPointer add(const SelectionPointer &selection, const QString &className = {});
+    JobPointer add(const SelectionPointer &selection, std::optional<jobs::JobKind> kind = {});
     /// The selection that add() would queue.
     SelectionPointer selectionFor(const QString &operation, const QString &source);
     static SelectionPointer filesSelection(const QStringList &paths, const QString &jobType);

@@ -88,12 +88,12 @@ TestJobPointer makeTestJob(const jobs::JobContext &context)
     return {new TestJob(context), jobs::disposeOfJob};
 }
 
-void registerTestJob(jobs::JobFactory &factory, const QString &className,
+void registerTestJob(jobs::JobFactory &factory, jobs::JobKind kind,
                      const std::function<void(TestJob &)> &made)
 {
-    factory.add(className, [className, made](const jobs::JobContext &context) -> std::shared_ptr<KXJob> {
+    factory.add(kind, [kind, made](const jobs::JobContext &context) -> std::shared_ptr<KXJob> {
         const TestJobPointer job = makeTestJob(context);
-        job->className = className;
+        job->kind = kind;
         if (made)
             made(*job);
         return job;

@@ -61,7 +61,7 @@ public:
     int starts = 0;
     int heard = 0;
     /// The class the factory made it as.
-    QString className;
+    jobs::JobKind kind = jobs::JobKind::Conversion;
     /// Shell lines it ran, as the rules write them.
     mutable QStringList commands;
 };
@@ -70,7 +70,7 @@ using TestJobPointer = std::shared_ptr<TestJob>;
 
 TestJobPointer makeTestJob(const jobs::JobContext &context);
 /// Registers TestJob under that class name; every job that is made is handed to made first (may be empty).
-void registerTestJob(jobs::JobFactory &factory, const QString &className,
+void registerTestJob(jobs::JobFactory &factory, jobs::JobKind kind,
                      const std::function<void(TestJob &)> &made = {});
 
 } // namespace support

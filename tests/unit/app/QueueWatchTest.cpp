@@ -22,7 +22,7 @@ struct Watched
 {
     explicit Watched(int jobs = 0)
     {
-        support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s);
+        support::registerTestJob(factory, jobs::JobKind::Conversion);
         queue.initialize();
         add(jobs);
     }

@@ -1,6 +1,8 @@
 // The Go button of the track editing: what it extracts, removes and adds, and why it can't.
 #include "app/TrackEditing.h"
 
+#include "selection/Refusals.h"
+
 #include "support/TestMain.h"
 #include "support/app/AppFixture.h"
 #include "support/selection/ControllerFixture.h"
@@ -57,7 +59,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("index");
         QTest::addColumn<QList<int>>("ticks");
-        QTest::addColumn<QString>("problem");
+        QTest::addColumn<QString>("refusal");
         using Ticks = QList<int>;
         const QString none;
         QTest::newRow("extract nothing") << u"a.mkv"_s << extracts << Ticks{} << onlyMkv;
@@ -80,17 +82,17 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(int, index);
         QFETCH(QList<int>, ticks);
-        QFETCH(QString, problem);
+        QFETCH(QString, refusal);
         open(name, ticks);
         m_fixture->controller().setEditTrackMatrixIndex(index);
-        QCOMPARE(m_fixture->starter().trackEditingProblem(), problem);
+        QCOMPARE(m_fixture->starter().trackEditingRefusal(), refusal);
         m_fixture->starter().startTrackEditing();
-        QCOMPARE(m_fixture->jobs().isEmpty(), !problem.isNull());
+        QCOMPARE(m_fixture->jobs().isEmpty(), !refusal.isNull());
     }
 
     void anIndexThatIsNoChoiceIsAskedFor()
     {
-        QCOMPARE(app::trackEditingProblem(KXSelection(), -1),
+        QCOMPARE(selection::refusalToEdit(KXSelection(), std::nullopt),
                  u"Choose what is to be done with the tracks."_s);
     }
 

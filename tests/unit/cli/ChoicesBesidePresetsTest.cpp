@@ -91,7 +91,7 @@ private Q_SLOTS:
         QCOMPARE(choices.error(), QString());
         QVERIFY(choices.note().isNull());
         const SelectionPointer selection = presetFilm();
-        choices.applyTo(*selection);
+        apply(choices, *selection);
         QTEST(shown(*selection), "result");
     }
 
@@ -109,7 +109,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, preset);
         const SelectionPointer selection = presetFilm(preset);
-        choicesOf(u"--settings-preset Mine --kind mp4"_s).applyTo(*selection);
+        apply(choicesOf(u"--settings-preset Mine --kind mp4"_s), *selection);
         QTEST(selection->theDevice(), "device");
     }
 
@@ -118,10 +118,10 @@ private Q_SLOTS:
         const Choices burning = choicesOf(u"--settings-preset Mine --subtitles burn"_s);
         QCOMPARE(burning.error(), QString());
         const SelectionPointer selection = presetFilm();
-        burning.applyTo(*selection);
-        QVERIFY(burning.refusalFor(*selection).isNull());
+        apply(burning, *selection);
+        QVERIFY(refusal(burning, selection).isNull());
         selection->trackList().at(0)->setUserCodec(u"passthru"_s);
-        QVERIFY(burning.refusalFor(*selection).contains(u"re-encoded"_s));
+        QVERIFY(refusal(burning, selection).contains(u"re-encoded"_s));
         QVERIFY(choicesOf(u"--settings-preset Mine --subtitles burn --video passthru"_s)
                     .error()
                     .contains(u"--subtitles"_s));
@@ -131,18 +131,18 @@ private Q_SLOTS:
     {
         const Choices choices = choicesOf(u"--settings-preset Mine"_s);
         const SelectionPointer selection = presetFilm();
-        QVERIFY(choices.refusalFor(*selection).isNull());
+        QVERIFY(refusal(choices, selection).isNull());
         const TrackList tracks = selection->trackList();
         const TrackPointer second = support::subtitleTrack(u"4"_s, u"ass"_s, u"burn"_s);
         selection->setTrackList(tracks + TrackList{second});
-        QVERIFY(choices.refusalFor(*selection).contains(u"2 are chosen"_s));
+        QVERIFY(refusal(choices, selection).contains(u"2 are chosen"_s));
         selection->setTrackList(tracks.first(3)); // nothing to burn is no fault of a preset's
-        QVERIFY(choices.refusalFor(*selection).isNull());
+        QVERIFY(refusal(choices, selection).isNull());
         selection->setTrackList(tracks);
-        choicesOf(u"--settings-preset Mine --video passthru"_s).applyTo(*selection);
-        QVERIFY(choices.refusalFor(*selection).contains(u"re-encoded"_s));
-        choicesOf(u"--settings-preset Mine --subtitles mux"_s).applyTo(*selection);
-        QVERIFY(choices.refusalFor(*selection).isNull());
+        apply(choicesOf(u"--settings-preset Mine --video passthru"_s), *selection);
+        QVERIFY(refusal(choices, selection).contains(u"re-encoded"_s));
+        apply(choicesOf(u"--settings-preset Mine --subtitles mux"_s), *selection);
+        QVERIFY(refusal(choices, selection).isNull());
     }
 
     void numbersForAVideoThatPassesThroughByHandAreNoted()
@@ -182,7 +182,7 @@ private Q_SLOTS:
         QCOMPARE(choices.error(), QString());
         const SelectionPointer selection = filmWithAdded();
         QCOMPARE(choices.errorFor(*selection), QString());
-        choices.applyTo(*selection);
+        apply(choices, *selection);
         QCOMPARE(outputsOf(*selection, 4), AudioSettingsList({audioSettings(u"aac"_s, u"2"_s, u"96"_s)}));
         QCOMPARE(outputsOf(*selection, 6), AudioSettingsList({audioSettings(u"passthru"_s, u"1"_s, u"0"_s),
                                                               audioSettings(u"ac3"_s, u"1"_s, u"64"_s)}));
@@ -231,6 +231,7 @@ private Q_SLOTS:
     {
         const SelectionPointer selection = film();
         selection->setTheDevice(u"AVI"_s);
+        selection->trackList().at(3)->setUserCodec(u"mux"_s);
         QVERIFY(cli::leavesOutSubtitles(*selection));
         selection->trackList().at(3)->setUserCodec(u"burn"_s);
         QVERIFY(!cli::leavesOutSubtitles(*selection));

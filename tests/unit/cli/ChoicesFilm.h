@@ -2,6 +2,7 @@
 
 #include "cli/Choices.h"
 #include "cli/CommandLine.h"
+#include "selection/Refusals.h"
 #include "support/selection/HandMade.h"
 
 // What the tests of choices share.
@@ -26,4 +27,16 @@ inline cli::Choices choicesOf(const QStringList &options)
 inline cli::Choices choicesOf(const QString &options)
 {
     return choicesOf(options.split(u' ', Qt::SkipEmptyParts));
+}
+
+inline void apply(const cli::Choices &choices, KXSelection &selection)
+{
+    choices.settingsFor(selection).writeTo(selection);
+}
+
+/// Why the selection, with the choices in it, can't be converted; a null text when it can.
+inline QString refusal(const cli::Choices &choices, const SelectionPointer &selection)
+{
+    apply(choices, *selection);
+    return selection::refusalToConvert(*selection, choices.settingsFor(*selection));
 }

@@ -10,7 +10,7 @@ namespace {
 SelectionPointer filmWith(const QStringList &options)
 {
     const SelectionPointer selection = film();
-    choicesOf(options).applyTo(*selection);
+    apply(choicesOf(options), *selection);
     return selection;
 }
 
@@ -34,7 +34,7 @@ private Q_SLOTS:
         const SelectionPointer selection = film();
         selection->setUserVideoBitRate(u"4321"_s);
         selection->setUserWidth(u"1920"_s);
-        choices.applyTo(*selection);
+        apply(choices, *selection);
         QCOMPARE(selection->theDevice(), u"General"_s);
         QCOMPARE(selection->userPassNumber(), u"1"_s);
         QCOMPARE(selection->userVideoBitRate(), u"4321"_s);
@@ -300,25 +300,25 @@ private Q_SLOTS:
     {
         const Choices burning = choicesOf(u"--subtitles burn --video 1pass"_s);
         const SelectionPointer selection = film();
-        QVERIFY(burning.refusalFor(*selection).isNull());
+        QVERIFY(refusal(burning, selection).isNull());
         const TrackList tracks = selection->trackList();
         selection->setTrackList(tracks.first(3));
-        QVERIFY(burning.refusalFor(*selection).contains(u"0 are chosen"_s));
+        QVERIFY(refusal(burning, selection).contains(u"0 are chosen"_s));
         selection->setTrackList(tracks + TrackList{support::subtitleTrack(u"4"_s, u"ass"_s)});
-        QVERIFY(burning.refusalFor(*selection).contains(u"2 are chosen"_s));
-        QVERIFY(choicesOf(u"--subtitles mux"_s).refusalFor(*selection).isNull());
+        QVERIFY(refusal(burning, selection).contains(u"2 are chosen"_s));
+        QVERIFY(refusal(choicesOf(u"--subtitles mux"_s), selection).isNull());
     }
 
     void aConversionNeedsOneVideo()
     {
         const Choices choices = choicesOf(QString());
         const SelectionPointer selection = film();
-        QVERIFY(choices.refusalFor(*selection).isNull());
+        QVERIFY(refusal(choices, selection).isNull());
         const TrackList tracks = selection->trackList();
         selection->setTrackList(tracks.mid(1));
-        QVERIFY(choices.refusalFor(*selection).contains(u"0 are chosen"_s));
+        QVERIFY(refusal(choices, selection).contains(u"0 are chosen"_s));
         selection->setTrackList(TrackList{support::videoTrack()} + tracks);
-        QVERIFY(choices.refusalFor(*selection).contains(u"2 are chosen"_s));
+        QVERIFY(refusal(choices, selection).contains(u"2 are chosen"_s));
     }
 
     void trackLists_data()

@@ -252,15 +252,23 @@ private Q_SLOTS:
         QVERIFY(fixture.job->progressList().isEmpty());
     }
 
-    void theQueueKnowsTheJobs()
+    void everyKindOfJobHasItsClass()
     {
         jobs::JobFactory factory;
         engines::registerJobs(factory);
-        for (const QString &name :
-             {u"KXConvertWithFfmpegJob"_s, u"KXConvertToMkvJob"_s, u"KXEditMkvJob"_s, u"KXExtractTracksJob"_s,
-              u"KXSplitVideosJob"_s, u"KXJoinVideosJob"_s, u"KXRemuxVideoJob"_s, u"KXSendToLintwickJob"_s})
-            QVERIFY2(factory.knows(name), qPrintable(name));
-        QVERIFY(!factory.knows(u"KXJob"_s));
+        support::JobFixture fixture(support::JobFixture::Tools::Fake);
+        const QList<std::pair<jobs::JobKind, const char *>> classes{
+            {jobs::JobKind::Conversion, "KXConvertWithFfmpegJob"},
+            {jobs::JobKind::Muxing, "KXConvertToMkvJob"},
+            {jobs::JobKind::MkvEditing, "KXEditMkvJob"},
+            {jobs::JobKind::TrackExtraction, "KXExtractTracksJob"},
+            {jobs::JobKind::Joining, "KXJoinVideosJob"},
+            {jobs::JobKind::Splitting, "KXSplitVideosJob"},
+            {jobs::JobKind::Remux, "KXRemuxVideoJob"},
+            {jobs::JobKind::SubtitleSending, "KXSendToLintwickJob"},
+        };
+        for (const auto &[kind, name] : classes)
+            QCOMPARE(factory.make(kind, fixture.jobContext())->metaObject()->className(), name);
     }
 };
 

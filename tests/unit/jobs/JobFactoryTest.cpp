@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using jobs::JobKind;
 using support::JobFixture;
 
 class JobFactoryTest final : public QObject
@@ -14,34 +15,33 @@ class JobFactoryTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void jobsAreMadeByTheNameOfTheirClass()
+    void jobsAreMadeByTheirKind()
     {
         JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
-        factory.add<KXJob>();
-        QVERIFY(factory.knows(u"KXJob"_s));
-        const auto first = factory.make(u"KXJob"_s, fixture.jobContext());
-        const auto second = factory.make(u"KXJob"_s, fixture.jobContext());
+        factory.add<KXJob>(JobKind::Remux);
+        QVERIFY(factory.knows(JobKind::Remux));
+        const auto first = factory.make(JobKind::Remux, fixture.jobContext());
+        const auto second = factory.make(JobKind::Remux, fixture.jobContext());
         QVERIFY(first && second && first != second);
     }
 
-    void classThatNobodyRegisteredIsUnknown()
+    void kindThatNobodyRegisteredIsUnknown()
     {
         JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
-        factory.add<KXJob>();
-        QVERIFY(!factory.knows(u"KXSplitVideosJob"_s));
-        QVERIFY(!factory.make(u"KXSplitVideosJob"_s, fixture.jobContext()));
-        QVERIFY(!factory.make({}, fixture.jobContext()));
+        factory.add<KXJob>(JobKind::Remux);
+        QVERIFY(!factory.knows(JobKind::Splitting));
+        QVERIFY(!factory.make(JobKind::Splitting, fixture.jobContext()));
     }
 
-    void laterMakerOfAClassWins()
+    void laterMakerOfAKindWins()
     {
         JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
-        factory.add<KXJob>();
-        support::registerTestJob(factory, u"KXJob"_s);
-        QVERIFY(dynamic_cast<support::TestJob *>(factory.make(u"KXJob"_s, fixture.jobContext()).get()) !=
+        factory.add<KXJob>(JobKind::Remux);
+        support::registerTestJob(factory, JobKind::Remux);
+        QVERIFY(dynamic_cast<support::TestJob *>(factory.make(JobKind::Remux, fixture.jobContext()).get()) !=
                 nullptr);
     }
 };

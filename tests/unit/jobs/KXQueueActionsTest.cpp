@@ -25,7 +25,7 @@ struct Queue
     {
         const QUrl tool =
             fixture.installTool(u"tool"_s, {u"pid "_s + fixture.scratch.path(u"pids"_s), u"hang"_s});
-        support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s, [this, tool](TestJob &job) {
+        support::registerTestJob(factory, jobs::JobKind::Conversion, [this, tool](TestJob &job) {
             job.onStart = [this, tool](TestJob &self) {
                 self.runStep(u"Converting"_s, fixture.scratch.url(self.jobFileName()), tool);
             };
@@ -321,7 +321,7 @@ private Q_SLOTS:
     {
         JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;
-        support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s);
+        support::registerTestJob(factory, jobs::JobKind::Conversion);
         auto queue = std::make_unique<KXQueueController>(fixture.jobContext(), factory, nullptr);
         queue->initialize();
         queue->addToQueue(fixture.selectionFor(u"/v/a"_s, u"MKV Conversion"_s));
@@ -351,7 +351,7 @@ private Q_SLOTS:
         jobs::JobFactory factory;
         const QUrl tool =
             fixture.installTool(u"tool"_s, {u"pid "_s + fixture.scratch.path(u"pid"_s), u"hang"_s});
-        support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s, [&](TestJob &job) {
+        support::registerTestJob(factory, jobs::JobKind::Conversion, [&](TestJob &job) {
             job.onStart = [&](TestJob &self) {
                 self.runBackgroundStep(u"x"_s, fixture.scratch.url(u"x"_s), tool);
             };

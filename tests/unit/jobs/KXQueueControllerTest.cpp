@@ -20,13 +20,13 @@ const QString conversion = u"MKV Conversion"_s;
 
 struct Queue
 {
-    explicit Queue(const QStringList &classes = {u"KXConvertWithFfmpegJob"_s, u"KXConvertToMkvJob"_s,
-                                                 u"KXExtractTracksJob"_s, u"KXJoinVideosJob"_s,
-                                                 u"KXSendToLintwickJob"_s, u"KXSplitVideosJob"_s,
-                                                 u"KXRemuxVideoJob"_s})
+    explicit Queue(const QList<jobs::JobKind> &kinds = {
+                       jobs::JobKind::Conversion, jobs::JobKind::Muxing, jobs::JobKind::TrackExtraction,
+                       jobs::JobKind::Joining, jobs::JobKind::SubtitleSending, jobs::JobKind::Splitting,
+                       jobs::JobKind::Remux})
     {
-        for (const QString &name : classes)
-            support::registerTestJob(factory, name);
+        for (const jobs::JobKind kind : kinds)
+            support::registerTestJob(factory, kind);
         queue.initialize();
     }
 
@@ -74,21 +74,21 @@ private Q_SLOTS:
     void selectionBecomesAJobOfItsClass_data()
     {
         QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("className");
-        QTest::newRow("conversion") << conversion << u"KXConvertWithFfmpegJob"_s;
-        QTest::newRow("extraction") << u"MKV Track Extraction"_s << u"KXExtractTracksJob"_s;
-        QTest::newRow("joining") << u"MKV Joining"_s << u"KXJoinVideosJob"_s;
-        QTest::newRow("sending") << u"Send To Lintwick"_s << u"KXSendToLintwickJob"_s;
+        QTest::addColumn<jobs::JobKind>("kind");
+        QTest::newRow("conversion") << conversion << jobs::JobKind::Conversion;
+        QTest::newRow("extraction") << u"MKV Track Extraction"_s << jobs::JobKind::TrackExtraction;
+        QTest::newRow("joining") << u"MKV Joining"_s << jobs::JobKind::Joining;
+        QTest::newRow("sending") << u"Send To Lintwick"_s << jobs::JobKind::SubtitleSending;
     }
 
     void selectionBecomesAJobOfItsClass()
     {
         QFETCH(QString, type);
-        QFETCH(QString, className);
+        QFETCH(jobs::JobKind, kind);
         Queue q;
         QCOMPARE(q.add(type), 1);
         QCOMPARE(q.queue.qJobList().size(), 1);
-        QCOMPARE(q.job(0)->className, className);
+        QCOMPARE(q.job(0)->kind, kind);
         QCOMPARE(q.job(0)->jobType(), type);
         QCOMPARE(q.job(0)->jobStatus(), u"Queued"_s);
         QCOMPARE(q.job(0)->jobFileName(), u"film.mkv"_s);
@@ -100,9 +100,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("source");
         QTest::addColumn<QStringList>("codecs");
-        QTest::addColumn<QString>("className");
-        const auto muxed = u"KXConvertToMkvJob"_s;
-        const auto converted = u"KXConvertWithFfmpegJob"_s;
+        QTest::addColumn<jobs::JobKind>("kind");
+        const auto muxed = jobs::JobKind::Muxing;
+        const auto converted = jobs::JobKind::Conversion;
         QTest::newRow("raw, passed") << u"/v/a.h264"_s << QStringList{u"passthru"_s} << muxed;
         QTest::newRow("capitals") << u"/v/a.H264"_s << QStringList{u"passthru"_s} << muxed;
         QTest::newRow("raw, re-encoded") << u"/v/a.h264"_s << QStringList{u"h264"_s} << converted;
@@ -116,7 +116,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, source);
         QFETCH(QStringList, codecs);
-        QFETCH(QString, className);
+        QFETCH(jobs::JobKind, kind);
         Queue q;
         const auto selection = q.selection(conversion, source);
         TrackList tracks{JobFixture::track(u"Audio"_s, source, u"passthru"_s)};
@@ -124,21 +124,21 @@ private Q_SLOTS:
             tracks.append(JobFixture::track(u"Video"_s, source, codec));
         selection->setTrackList(tracks);
         QCOMPARE(q.queue.addToQueue(selection), 1);
-        QCOMPARE(q.job(0)->className, className);
+        QCOMPARE(q.job(0)->kind, kind);
     }
 
     void filesOfASplitOrRemuxBecomeARowEach_data()
     {
         QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("className");
-        QTest::newRow("split") << u"MKV Splitting"_s << u"KXSplitVideosJob"_s;
-        QTest::newRow("remux") << u"MKV Remux"_s << u"KXRemuxVideoJob"_s;
+        QTest::addColumn<jobs::JobKind>("kind");
+        QTest::newRow("split") << u"MKV Splitting"_s << jobs::JobKind::Splitting;
+        QTest::newRow("remux") << u"MKV Remux"_s << jobs::JobKind::Remux;
     }
 
     void filesOfASplitOrRemuxBecomeARowEach()
     {
         QFETCH(QString, type);
-        QFETCH(QString, className);
+        QFETCH(jobs::JobKind, kind);
         Queue q;
         const auto selection = q.selection(type);
         const QList<QUrl> files{QUrl::fromLocalFile(u"/v/b.mkv"_s), QUrl::fromLocalFile(u"/w/a.mkv"_s),
@@ -147,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(q.queue.addToQueue(selection), 3);
         QCOMPARE(q.names(), (QStringList{u"b.mkv"_s, u"a.mkv"_s, u"c.mkv"_s}));
         for (qsizetype row = 0; row < 3; ++row) {
-            QCOMPARE(q.job(row)->className, className);
+            QCOMPARE(q.job(row)->kind, kind);
             QCOMPARE(q.job(row)->jobSelection()->videoTrackFileURL(), files.at(row));
             QVERIFY(q.job(row)->guard().isInput(files.at(row)));
             QCOMPARE(q.job(row)->jobStatus(), u"Queued"_s);
@@ -184,7 +184,7 @@ private Q_SLOTS:
 
     void jobTypeWithoutAClassAddsNothing()
     {
-        Queue q({u"KXExtractTracksJob"_s});
+        Queue q({jobs::JobKind::TrackExtraction});
         const auto selection = q.selection(u"MKV Remux"_s);
         selection->setEditFilesURLsList({QUrl::fromLocalFile(u"/v/b.mkv"_s)});
         QCOMPARE(q.queue.addToQueue(selection), 0);

@@ -22,7 +22,7 @@ struct Queue
 {
     Queue()
     {
-        support::registerTestJob(factory, u"KXConvertWithFfmpegJob"_s);
+        support::registerTestJob(factory, jobs::JobKind::Conversion);
         queue.initialize();
     }
 

@@ -7,23 +7,25 @@
 
 using namespace Qt::StringLiterals;
 using selection::AudioBitRates;
+using selection::AudioOutputs;
 
 namespace {
 
 const AudioBitRates entered{u"128 kbps"_s, u"384 kbps"_s, u"448 kbps"_s};
 
-AudioSettingsList listOf(const QString &outputs)
+AudioOutputs listOf(const QString &outputs)
 {
     KXVideoTrack track;
     support::setOutputs(track, outputs);
-    return track.userAudioSettingsDictionaryArray();
+    return selection::outputsOf(track);
 }
 
-QString textOf(const AudioSettingsList &settings)
+/// As a surround track has them.
+QString textOf(const AudioOutputs &outputs)
 {
-    KXVideoTrack track;
-    track.setUserAudioSettingsDictionaryArray(settings);
-    return support::outputsOf(track);
+    const TrackPointer track = support::probedAudio(u"dts"_s, u"6"_s);
+    selection::writeOutputs(*track, outputs);
+    return support::outputsOf(*track);
 }
 
 QString textOf(const AudioBitRates &rates)
@@ -34,8 +36,7 @@ QString textOf(const AudioBitRates &rates)
 /// What a surround track gets for actions that are written "Pass Thru, AAC (5.1)".
 QString madeOf(const QString &actions, const AudioBitRates &rates = entered)
 {
-    const TrackPointer track = support::probedAudio(u"dts"_s, u"6"_s);
-    return textOf(selection::settingsFor(actions.split(u", "_s, Qt::SkipEmptyParts), rates, *track, u"77"_s));
+    return textOf(selection::outputsFor(actions.split(u", "_s, Qt::SkipEmptyParts), rates, u"77"_s));
 }
 
 } // namespace
@@ -148,17 +149,16 @@ private Q_SLOTS:
     void anOutputHasItsThreeWordsAndNoMore()
     {
         const TrackPointer track = support::probedAudio(u"dts"_s, u"6"_s);
-        const AudioSettingsList made = selection::settingsFor({u"AAC (5.1)"_s}, entered, *track, u"0"_s);
+        selection::writeOutputs(*track, selection::outputsFor({u"AAC (5.1)"_s}, entered, u"0"_s));
         const QVariantMap expected{
             {u"userCodec"_s, u"aac"_s}, {u"userBitRate"_s, u"384"_s}, {u"userNumberOfChannels"_s, u"6"_s}};
-        QCOMPARE(made, AudioSettingsList{expected});
+        QCOMPARE(track->userAudioSettingsDictionaryArray(), AudioSettingsList{expected});
     }
 
     void outputsOfActionsAreThoseActions()
     {
         const QStringList actions{u"AC3 (5.1)"_s, u"AAC (2-Ch.)"_s, u"Pass Thru"_s, u"AAC (5.1)"_s};
-        const TrackPointer track = support::probedAudio(u"dts"_s, u"6"_s);
-        const AudioSettingsList made = selection::settingsFor(actions, entered, *track, u"0"_s);
+        const AudioOutputs made = selection::outputsFor(actions, entered, u"0"_s);
         QCOMPARE(selection::actionsOf(made), actions);
         QCOMPARE(textOf(selection::bitRatesOf(made, {})), textOf(entered));
     }

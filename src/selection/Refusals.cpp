@@ -1,0 +1,163 @@
+#include "selection/Refusals.h"
+
+#include "tools/Numbers.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using tools::leadingInteger;
+
+namespace selection {
+
+namespace {
+
+constexpr qsizetype fewestToJoin = 2;
+
+qsizetype countOf(const KXSelection &selection, bool (*isIt)(const KXVideoTrack &))
+{
+    const TrackList tracks = selection.trackList();
+    return std::count_if(tracks.begin(), tracks.end(),
+                         [&](const TrackPointer &track) { return isIt(*track); });
+}
+
+bool isAdded(const KXVideoTrack &track)
+{
+    return track.externalTrackFlag();
+}
+
+bool isOwn(const KXVideoTrack &track)
+{
+    return !track.externalTrackFlag();
+}
+
+bool isMkv(const QString &extension)
+{
+    return extension.toLower() == u"mkv"_s;
+}
+
+bool isReencoded(const KXVideoTrack &track)
+{
+    return isVideo(track) && track.userCodec() != u"passthru"_s;
+}
+
+QString needsReencode()
+{
+    return u"A subtitle can only be burned into a video that is re-encoded."_s;
+}
+
+QString refusalOfVideoRemoval(const KXSelection &selection)
+{
+    return countOf(selection, isVideo) > 0 ? u"A video track can't be removed."_s : QString();
+}
+
+QString refusalOfNumbers(const KXSelection &selection)
+{
+    const QString rate = selection.userVideoBitRate();
+    const QString width = selection.userWidth();
+    if (!tools::isAllDigits(rate))
+        return u"The video bit rate \"%1\" is not a number of kb/s, so the video can't be re-encoded."_s.arg(
+            rate);
+    if (selection.userPassNumber() == u"2"_s && leadingInteger(rate) == 0)
+        return u"Two passes need a video bit rate above 0."_s;
+    const bool isTooSmall = leadingInteger(width) < 2 && leadingInteger(selection.videoTrackWidth()) > 0;
+    if (!tools::isAllDigits(width) || isTooSmall)
+        return u"The width \"%1\" is not a number of pixels, so the video can't be re-encoded."_s.arg(width);
+    return {};
+}
+
+} // namespace
+
+QString refusalOfVideos(qsizetype count)
+{
+    return count == 1 ? QString()
+                      : u"A conversion needs exactly one video track; %1 are chosen."_s.arg(count);
+}
+
+QString refusalToConvert(const KXSelection &selection, const ConversionSettings &asked)
+{
+    const QString ofVideos = refusalOfVideos(countOf(selection, isVideo));
+    if (!ofVideos.isNull())
+        return ofVideos;
+    if (asked.subtitles != SubtitleUse::Burn && countOf(selection, isBurned) == 0)
+        return {};
+    const qsizetype subtitles = countOf(selection, isSubtitle);
+    if (subtitles != 1)
+        return u"Burning needs exactly one chosen subtitle track; %1 are chosen."_s.arg(subtitles);
+    return countOf(selection, isReencoded) == 0 ? needsReencode() : QString();
+}
+
+QString refusalToEncode(const KXSelection &selection)
+{
+    const TrackList tracks = selection.trackList();
+    const auto video =
+        std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) { return isVideo(*track); });
+    if (video == tracks.end())
+        return {};
+    if (isReencoded(**video))
+        return refusalOfNumbers(selection);
+    return countOf(selection, isBurned) > 0 ? needsReencode() : QString();
+}
+
+bool canEditTracks(const QString &fileExtension, const KXSelection &selection)
+{
+    return isMkv(fileExtension) && !selection.trackList().isEmpty();
+}
+
+QString refusalToExtract(const KXSelection &selection)
+{
+    return canEditTracks(selection.videoTrackFileExtension(), selection)
+               ? QString()
+               : u"Tracks can only be extracted from an MKV file of which at least one track is chosen."_s;
+}
+
+QString refusalToRemove(const KXSelection &selection)
+{
+    return isMkv(selection.videoTrackFileExtension()) ? refusalOfVideoRemoval(selection)
+                                                      : u"Tracks can only be removed from MKV files."_s;
+}
+
+QString refusalToEdit(const KXSelection &selection, std::optional<TrackEdit> edit)
+{
+    if (!edit)
+        return u"Choose what is to be done with the tracks."_s;
+    const bool takesOwn = countOf(selection, isOwn) > 0;
+    switch (*edit) {
+    case TrackEdit::Extract:
+        return takesOwn ? QString() : u"Tick a track of the file itself: added tracks can't be extracted."_s;
+    case TrackEdit::Remove:
+        if (const QString ofVideo = refusalOfVideoRemoval(selection); !ofVideo.isNull())
+            return ofVideo;
+        return takesOwn ? QString() : u"Tick the tracks of the file that are to go."_s;
+    case TrackEdit::Add:
+        break;
+    }
+    return countOf(selection, isAdded) > 0 ? QString() : u"Tick a track that was added with Add."_s;
+}
+
+QString refusalToJoin(qsizetype fileCount)
+{
+    if (fileCount == 0)
+        return u"There are no files to join."_s;
+    return fileCount < fewestToJoin ? u"A join needs at least two files."_s : QString();
+}
+
+bool endsBehindStart(const KXSelection &selection)
+{
+    return leadingInteger(selection.splitStartTimeSeconds()) <
+           leadingInteger(selection.splitEndTimeSeconds());
+}
+
+QString refusalToSplit(const KXSelection &selection)
+{
+    const QStringList ways{u"time"_s, u"size"_s, u"duration"_s};
+    return ways.contains(selection.splitType())
+               ? QString()
+               : u"There is no way to split by \"%1\", so nothing was started."_s.arg(selection.splitType());
+}
+
+QString refusalToSend(const KXSelection &selection)
+{
+    return countOf(selection, isSubtitle) > 0 ? QString() : u"There is no subtitle to send."_s;
+}
+
+} // namespace selection
