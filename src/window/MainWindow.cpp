@@ -1,4 +1,3 @@
-// The main window's parts and how they follow the program; its menus are in MainWindowMenus.cpp.
 #include "window/MainWindow.h"
 
 #include "app/KXAppDelegate.h"
@@ -9,6 +8,10 @@
 #include "window/EditFilesPanel.h"
 #include "window/EditTracksBox.h"
 #include "window/FilePart.h"
+#include "window/MainMenu.h"
+#include "window/PreferencesPanel.h"
+#include "window/PresetSelectionsSheet.h"
+#include "window/PresetSettingsSheet.h"
 #include "window/PresetsRow.h"
 #include "window/ProbingRow.h"
 #include "window/QueueDrawer.h"
@@ -19,8 +22,9 @@
 #include "window/WatchRow.h"
 
 #include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDir>
 #include <QGridLayout>
-#include <QMenu>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -56,7 +60,7 @@ MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &prefere
     statusBar()->setContentsMargins(6, 0, 6, 0);
     statusBar()->addWidget(m_status, 1);
     statusBar()->setSizeGripEnabled(false);
-    addMenus();
+    m_menu = std::make_unique<MainMenu>(*this, delegate, menuCommands());
     connectParts();
     resize(980, 720);
     refresh();
@@ -194,13 +198,54 @@ void MainWindow::scheduleRefresh()
     QMetaObject::invokeMethod(this, &MainWindow::refresh, Qt::QueuedConnection);
 }
 
+MainMenu::Commands MainWindow::menuCommands()
+{
+    MainMenu::Commands commands;
+    commands.openPreferences = [this] { m_preferences.openPreferencesPanel(); };
+    commands.editTrackPresets = [this] { openSelectionsSheet(); };
+    commands.editSettingsPresets = [this] { openSettingsSheet(); };
+    commands.convert = [this] {
+        if (m_pages->currentIndex() == 0)
+            m_convert->click();
+    };
+    commands.pauseOrResume = [this] { m_drawer->togglePause(); };
+    commands.deleteSelectedJob = [this] { m_drawer->deleteSelected(); };
+    commands.quit = [this] { Q_EMIT quitWanted(); };
+    return commands;
+}
+
+void MainWindow::openDocument(const QString &name)
+{
+    const QUrl folder = m_delegate.program().preferences().resourcesLocation();
+    const QString path = QDir(folder.toLocalFile()).filePath(u"docs/%1.html"_s.arg(name));
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        m_status->say(tr("No browser could open %1.").arg(path));
+}
+
+void MainWindow::openSelectionsSheet()
+{
+    auto *sheet = new PresetSelectionsSheet(m_delegate.program().presets(), *m_tips, this);
+    sheet->open();
+}
+
+void MainWindow::openSettingsSheet()
+{
+    auto *sheet = new PresetSettingsSheet(m_delegate.program().presets(), *m_tips, this);
+    sheet->open();
+}
+
+void MainWindow::openPreferences()
+{
+    auto *panel = new PreferencesPanel(m_preferences, m_delegate.program().preferences(), *m_tips, this);
+    panel->open();
+}
+
 void MainWindow::refresh()
 {
     m_refreshScheduled = false;
     const KXSelectionController &controller = m_delegate.program().selectionController();
     m_whileIdle->setEnabled(!m_delegate.intake().isBusy() && !m_delegate.starter().isFinishing());
-    for (QMenu *menu : std::as_const(m_idleMenus))
-        menu->menuAction()->setEnabled(m_whileIdle->isEnabled());
+    m_menu->setIdle(m_whileIdle->isEnabled());
     const int tab = std::max(0, static_cast<int>(tabNames().indexOf(controller.currentTab())));
     const QSignalBlocker quiet(m_tabs);
     m_tabs->setCurrentIndex(tab);
@@ -208,12 +253,12 @@ void MainWindow::refresh()
     m_filePart->refresh();
     m_video->refresh();
     m_audio->refresh();
-    m_subtitles->setSendingProblem(sendingProblem());
+    m_subtitles->setSendingRefusal(sendingRefusal());
     m_editTracks->refresh();
     m_watch->refresh();
     m_editFiles->refresh();
-    m_addAction->setEnabled(m_whileIdle->isEnabled() && controller.canAddTrack() && tab == 0);
-    m_toolTipsAction->setText(m_delegate.program().preferences().toolTipsMenuItemTitle());
+    m_menu->setCanAdd(m_whileIdle->isEnabled() && controller.canAddTrack() && tab == 0);
+    m_menu->setToolTipsTitle(m_delegate.program().preferences().toolTipsMenuItemTitle());
     refreshConvertButton();
 }
 
@@ -231,7 +276,7 @@ void MainWindow::refreshConvertButton()
     m_tips->setReason(m_convert, reason);
 }
 
-QString MainWindow::sendingProblem() const
+QString MainWindow::sendingRefusal() const
 {
     const QString path = m_delegate.program().preferences().panelValue(u"lintwickPath"_s).toString();
     return path.isEmpty() ? tr("The preferences don't say where Lintwick is.") : QString();

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "window/MainMenu.h"
+
 #include <QLabel>
 #include <QMainWindow>
 #include <QTabBar>
 
-#include <functional>
+#include <memory>
 
 class KXAppDelegate;
 class KXPreferencesController;
-class QMenu;
 class QPushButton;
 class QStackedWidget;
 
@@ -48,14 +49,7 @@ private:
     QWidget *content();
     QWidget *conversionPage();
     QWidget *startRow();
-    void addMenus();
-    void addFileMenu();
-    void addTrackMenu();
-    void addQueueMenu();
-    void addPresetsMenu();
-    void addHelpMenu();
-    QAction *addCommand(QMenu *menu, const QString &text, const QKeySequence &keys,
-                        const std::function<void()> &run);
+    MainMenu::Commands menuCommands();
     void connectParts();
     void scheduleRefresh();
     void refresh();
@@ -66,7 +60,7 @@ private:
     void openSelectionsSheet();
     void openSettingsSheet();
     void openPreferences();
-    QString sendingProblem() const;
+    QString sendingRefusal() const;
 
     KXAppDelegate &m_delegate;
     KXPreferencesController &m_preferences;
@@ -84,9 +78,7 @@ private:
     QPushButton *m_convert = nullptr;
     QueueDrawer *m_drawer = nullptr;
     StatusLine *m_status = nullptr;
-    QAction *m_toolTipsAction = nullptr;
-    QAction *m_addAction = nullptr;
-    QList<QMenu *> m_idleMenus;     ///< off, with their shortcuts, while files are probed
+    std::unique_ptr<MainMenu> m_menu;
     QWidget *m_whileIdle = nullptr; ///< what is off while files are probed
     bool m_refreshScheduled = false;
 };

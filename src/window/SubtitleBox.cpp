@@ -33,9 +33,9 @@ SubtitleBox::SubtitleBox(KXSelectionController &controller, ToolTipBinder &tips,
     refresh();
 }
 
-void SubtitleBox::setSendingProblem(const QString &problem)
+void SubtitleBox::setSendingRefusal(const QString &refusal)
 {
-    m_sendingProblem = problem;
+    m_sendingRefusal = refusal;
     refresh();
 }
 
@@ -49,9 +49,9 @@ void SubtitleBox::refresh()
     m_tips.setReason(m_subtitles->option(0), m_controller.canBurnSubtitles() || !has
                                                  ? QString()
                                                  : tr("Only one subtitle can be burned."));
-    m_send->setEnabled(has && m_sendingProblem.isNull());
-    m_tips.setReason(m_send, m_sendingProblem.isNull() ? has ? QString() : tr("Tick a subtitle first.")
-                                                       : m_sendingProblem);
+    m_send->setEnabled(has && m_sendingRefusal.isNull());
+    m_tips.setReason(m_send, m_sendingRefusal.isNull() ? has ? QString() : tr("Tick a subtitle first.")
+                                                       : m_sendingRefusal);
 }
 
 } // namespace window

@@ -20,7 +20,7 @@ public:
 
     void refresh();
     /// Null switches sending on; else it is off and says why.
-    void setSendingProblem(const QString &problem);
+    void setSendingRefusal(const QString &refusal);
 
 Q_SIGNALS:
     /// The button with that title was pressed.
@@ -31,7 +31,7 @@ private:
     ToolTipBinder &m_tips;
     RadioMatrix *m_subtitles;
     QPushButton *m_send;
-    QString m_sendingProblem;
+    QString m_sendingRefusal;
 };
 
 } // namespace window
