@@ -214,7 +214,7 @@ void KXAppDelegate::chooseWatchFolder()
     program().watchMode().chooseWatchFolderURL(m_around.chooser);
 }
 
-QString KXAppDelegate::playingProblem() const
+QString KXAppDelegate::playingRefusal() const
 {
     app::Program &program = m_around.program;
     const QUrl player = program.queue().urlOfApp(u"mplayer"_s);

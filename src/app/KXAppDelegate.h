@@ -68,7 +68,7 @@ public:
     void playButton();
     void chooseWatchFolder();
     /// Null when films can be shown, else why not.
-    QString playingProblem() const;
+    QString playingRefusal() const;
 
     static constexpr int hubMilliseconds = 100;
 

@@ -90,7 +90,7 @@ void WatchSession::note(WatchLog::Kind kind, const QString &text)
         m_log.add(kind, text);
 }
 
-QString WatchSession::startProblem() const
+QString WatchSession::startRefusal() const
 {
     if (m_parts.presets.selectionMethodIndex() == 0)
         return tr("Choose a track preset: with \"Manual\" nothing can be watched.");
@@ -101,9 +101,9 @@ QString WatchSession::startProblem() const
 
 bool WatchSession::start()
 {
-    const QString problem = startProblem();
-    if (!problem.isNull()) {
-        m_log.add(WatchLog::Kind::Failed, problem);
+    const QString refusal = startRefusal();
+    if (!refusal.isNull()) {
+        m_log.add(WatchLog::Kind::Failed, refusal);
         return false;
     }
     // Another tab leaves the settings preset, which is what is watched with.

@@ -46,7 +46,7 @@ public:
 
     /// Why watching can't begin; a null text when it can. Whether there is such a folder is seen at the
     /// start.
-    QString startProblem() const;
+    QString startRefusal() const;
     /// Begins; false when it could not, and then the log or watchFolderPath() says why.
     bool start();
     void end();

@@ -24,20 +24,19 @@ ExitStatus ExtractCommand::execute(Session &session) const
             return session.wrongUsage(error);
         choice = {TrackChoice::Way::ByHand, *tracks, {}};
     }
-    return submitEachFile(
-        session, [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
-            const FileSelection file = selectFile(session, path, choice);
-            if (!file.selection) {
-                status = refused(session, file);
-                return std::nullopt;
-            }
-            const QStringList missing = missingTracks(*file.selection, choice);
-            if (!missing.isEmpty()) {
-                status = session.wrongUsage(u"%1 has no track %2."_s.arg(path, missing.join(u", "_s)));
-                return std::nullopt;
-            }
-            return jobs::requestFor(jobs::JobKind::TrackExtraction, file.selection);
-        });
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> MaybeRequest {
+        const FileSelection file = selectFile(session, path, choice);
+        if (!file.selection) {
+            status = refused(session, file);
+            return std::nullopt;
+        }
+        const QStringList missing = missingTracks(*file.selection, choice);
+        if (!missing.isEmpty()) {
+            status = session.wrongUsage(u"%1 has no track %2."_s.arg(path, missing.join(u", "_s)));
+            return std::nullopt;
+        }
+        return jobs::requestFor(jobs::JobKind::TrackExtraction, file.selection);
+    });
 }
 
 } // namespace cli

@@ -25,7 +25,7 @@ jobs::JobRequest requestForFiles(jobs::JobKind kind, const QStringList &paths)
     return jobs::requestFor(kind, selection);
 }
 
-QString problemWithFile(const QString &path)
+QString refusalOfFile(const QString &path)
 {
     const QFileInfo info(path);
     if (!info.exists())

@@ -10,6 +10,6 @@ namespace cli {
 jobs::JobRequest requestForFiles(jobs::JobKind kind, const QStringList &paths);
 
 /// Why a path can't be worked on; a null text when it can.
-QString problemWithFile(const QString &path);
+QString refusalOfFile(const QString &path);
 
 } // namespace cli

@@ -62,11 +62,11 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
     program.currentFile().file()->setStopFlag(session.interrupts().flag());
     const QString status = program.currentFile().load(QUrl::fromLocalFile(path));
     if (status != u"OK"_s) {
-        result.problem = status;
+        result.refusal = status;
         return result;
     }
-    result.problem = addAll(session, choice.addedPaths);
-    if (!result.problem.isNull())
+    result.refusal = addAll(session, choice.addedPaths);
+    if (!result.refusal.isNull())
         return result;
     selectTracks(program, choice);
     result.selection = program.selectionController().currentSelection()->copy();
@@ -76,7 +76,7 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
 ExitStatus refused(Session &session, const FileSelection &file)
 {
     return session.isInterrupted() ? ExitStatus::Failed
-                                   : session.failed(u"%1: %2"_s.arg(file.path, file.problem));
+                                   : session.failed(u"%1: %2"_s.arg(file.path, file.refusal));
 }
 
 QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice)

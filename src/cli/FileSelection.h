@@ -17,7 +17,7 @@ class Session;
 struct FileSelection
 {
     QString path;
-    QString problem; ///< a null text when there is a selection
+    QString refusal; ///< a null text when there is a selection
     SelectionPointer selection;
 };
 

@@ -10,8 +10,10 @@ namespace cli {
 
 class Session;
 
-/// Makes the request for one file; none, with a status, when the file fails.
-using RequestMaker = std::function<std::optional<jobs::JobRequest>(const QString &path, ExitStatus &status)>;
+/// None when the file fails.
+using MaybeRequest = std::optional<jobs::JobRequest>;
+/// Makes the request for one file, or a status that says how it failed.
+using RequestMaker = std::function<MaybeRequest(const QString &path, ExitStatus &status)>;
 
 /// The way of every command that makes one job per file: the save folder is checked, each file gets
 /// its request, clashing outputs are refused before anything runs, then the jobs run (or are only

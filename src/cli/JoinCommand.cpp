@@ -21,9 +21,9 @@ ExitStatus JoinCommand::execute(Session &session) const
     QStringList paths;
     for (const QString &argument : session.line().arguments()) {
         paths.append(absolutePath(argument));
-        const QString problem = problemWithFile(paths.constLast());
-        if (!problem.isNull())
-            return session.failed(u"%1: %2"_s.arg(paths.constLast(), problem));
+        const QString refusal = refusalOfFile(paths.constLast());
+        if (!refusal.isNull())
+            return session.failed(u"%1: %2"_s.arg(paths.constLast(), refusal));
     }
     return submit(session, [&](ExitStatus &) {
         return QList<jobs::JobRequest>{requestForFiles(jobs::JobKind::Joining, paths)};

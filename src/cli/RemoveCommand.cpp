@@ -26,23 +26,22 @@ ExitStatus RemoveCommand::execute(Session &session) const
     if (!tracks)
         return session.wrongUsage(error);
     const TrackChoice choice{TrackChoice::Way::ByHand, *tracks, {}};
-    return submitEachFile(
-        session, [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
-            const FileSelection file = selectFile(session, path, choice);
-            if (!file.selection) {
-                status = session.failed(u"%1: %2"_s.arg(path, file.problem));
-                return std::nullopt;
-            }
-            const QStringList missing = missingTracks(*file.selection, choice);
-            const QString problem = missing.isEmpty() ? selection::refusalToRemove(*file.selection)
-                                                      : u"There is no track %1."_s.arg(missing.join(u", "_s));
-            if (!problem.isNull()) {
-                status = session.wrongUsage(u"%1: %2"_s.arg(path, problem));
-                return std::nullopt;
-            }
-            session.program().currentFile().file()->takeFlagsOfSource(); // what stays, stays as it was
-            return jobs::requestFor(jobs::JobKind::MkvEditing, file.selection);
-        });
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> MaybeRequest {
+        const FileSelection file = selectFile(session, path, choice);
+        if (!file.selection) {
+            status = session.failed(u"%1: %2"_s.arg(path, file.refusal));
+            return std::nullopt;
+        }
+        const QStringList missing = missingTracks(*file.selection, choice);
+        const QString refusal = missing.isEmpty() ? selection::refusalToRemove(*file.selection)
+                                                  : u"There is no track %1."_s.arg(missing.join(u", "_s));
+        if (!refusal.isNull()) {
+            status = session.wrongUsage(u"%1: %2"_s.arg(path, refusal));
+            return std::nullopt;
+        }
+        session.program().currentFile().file()->takeFlagsOfSource(); // what stays, stays as it was
+        return jobs::requestFor(jobs::JobKind::MkvEditing, file.selection);
+    });
 }
 
 } // namespace cli

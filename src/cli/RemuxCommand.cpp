@@ -15,14 +15,13 @@ QStringList RemuxCommand::options() const
 
 ExitStatus RemuxCommand::execute(Session &session) const
 {
-    return submitEachFile(session,
-                          [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
-                              const QString problem = problemWithFile(path);
-                              if (problem.isNull())
-                                  return requestForFiles(jobs::JobKind::Remux, {path});
-                              status = session.failed(u"%1: %2"_s.arg(path, problem));
-                              return std::nullopt;
-                          });
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> MaybeRequest {
+        const QString refusal = refusalOfFile(path);
+        if (refusal.isNull())
+            return requestForFiles(jobs::JobKind::Remux, {path});
+        status = session.failed(u"%1: %2"_s.arg(path, refusal));
+        return std::nullopt;
+    });
 }
 
 } // namespace cli

@@ -17,15 +17,14 @@ ExitStatus SendCommand::execute(Session &session) const
 {
     if (session.line().arguments().size() != 1)
         return session.wrongUsage(u"One file is sent at a time. See tessaray-cli send --help."_s);
-    return submitEachFile(session,
-                          [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
-                              const FileSelection file = selectFile(session, path, {});
-                              if (!file.selection) {
-                                  status = session.failed(u"%1: %2"_s.arg(path, file.problem));
-                                  return std::nullopt;
-                              }
-                              return jobs::requestFor(jobs::JobKind::SubtitleSending, file.selection);
-                          });
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> MaybeRequest {
+        const FileSelection file = selectFile(session, path, {});
+        if (!file.selection) {
+            status = session.failed(u"%1: %2"_s.arg(path, file.refusal));
+            return std::nullopt;
+        }
+        return jobs::requestFor(jobs::JobKind::SubtitleSending, file.selection);
+    });
 }
 
 } // namespace cli

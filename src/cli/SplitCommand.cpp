@@ -83,17 +83,16 @@ ExitStatus SplitCommand::execute(Session &session) const
     const QString error = takeWay(session.line(), trial);
     if (!error.isNull())
         return session.wrongUsage(error);
-    return submitEachFile(session,
-                          [&](const QString &path, ExitStatus &status) -> std::optional<jobs::JobRequest> {
-                              const QString problem = problemWithFile(path);
-                              if (!problem.isNull()) {
-                                  status = session.failed(u"%1: %2"_s.arg(path, problem));
-                                  return std::nullopt;
-                              }
-                              const auto request = requestForFiles(jobs::JobKind::Splitting, {path});
-                              takeWay(session.line(), *request.selection);
-                              return request;
-                          });
+    return submitEachFile(session, [&](const QString &path, ExitStatus &status) -> MaybeRequest {
+        const QString refusal = refusalOfFile(path);
+        if (!refusal.isNull()) {
+            status = session.failed(u"%1: %2"_s.arg(path, refusal));
+            return std::nullopt;
+        }
+        const auto request = requestForFiles(jobs::JobKind::Splitting, {path});
+        takeWay(session.line(), *request.selection);
+        return request;
+    });
 }
 
 } // namespace cli

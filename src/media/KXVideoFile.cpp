@@ -46,6 +46,7 @@ QStringList resetNames()
     return names;
 }
 
+/// In an order of their own, which is not that of the fields.
 const QStringList &printedFileNames()
 {
     static const QStringList names{u"theFilePath"_s,
@@ -316,24 +317,7 @@ void KXVideoFile::countTracksAnew()
 
 const QStringList &KXVideoFile::propertiesKeysList()
 {
-    static const QStringList words{u"theFilePath"_s,
-                                   u"theFileURL"_s,
-                                   u"theFileName"_s,
-                                   u"theFileExtension"_s,
-                                   u"theFileShortName"_s,
-                                   u"pathToFileFolder"_s,
-                                   u"theNumberOfVideoTracks"_s,
-                                   u"theNumberOfAudioTracks"_s,
-                                   u"theNumberOfSubTracks"_s,
-                                   u"theDuration"_s,
-                                   u"theFPS"_s,
-                                   u"videoPAR"_s,
-                                   u"theWidth"_s,
-                                   u"theHeight"_s,
-                                   u"codecProfile"_s,
-                                   u"theVideoBitRate"_s,
-                                   u"theVideoCodec"_s,
-                                   u"headerRemovalFlag"_s};
+    static const QStringList words = platform::fieldsFor(staticMetaObject, u"copied"_s);
     return words;
 }
 

@@ -27,38 +27,38 @@ class KXVideoFile final : public KXHelpers
     Q_OBJECT
 
     // "none" and "0" stand for not known.
-    KX_FIELD(QString, theFilePath, setTheFilePath, QStringLiteral("none"))
-    KX_FIELD(QUrl, theFileURL, setTheFileURL, {})
-    KX_FIELD(QString, theFileName, setTheFileName, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QString, theFilePath, setTheFilePath, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QUrl, theFileURL, setTheFileURL, {})
+    KX_FIELD_FOR("copied", QString, theFileName, setTheFileName, QStringLiteral("none"))
     /// In lower case.
-    KX_FIELD(QString, theFileExtension, setTheFileExtension, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QString, theFileExtension, setTheFileExtension, QStringLiteral("none"))
     /// The name in front of "." and the extension; with an extension in capitals the whole name.
-    KX_FIELD(QString, theFileShortName, setTheFileShortName, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QString, theFileShortName, setTheFileShortName, QStringLiteral("none"))
     /// Ends in "/".
-    KX_FIELD(QString, pathToFileFolder, setPathToFileFolder, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QString, pathToFileFolder, setPathToFileFolder, QStringLiteral("none"))
     KX_FIELD(QString, addedFilePath, setAddedFilePath, QStringLiteral("none"))
     KX_FIELD(QString, addedFileName, setAddedFileName, QStringLiteral("none"))
     KX_FIELD(QString, addedFileExtension, setAddedFileExtension, QStringLiteral("none"))
     KX_FIELD(QString, addedPathToFileFolder, setAddedPathToFileFolder, QStringLiteral("none"))
     /// Video tracks, audio tracks, subtitles, then what was added.
     KX_FIELD(TrackList, trackList, setTrackList, {})
-    KX_FIELD(QString, theNumberOfVideoTracks, setTheNumberOfVideoTracks, QStringLiteral("0"))
-    KX_FIELD(QString, theNumberOfAudioTracks, setTheNumberOfAudioTracks, QStringLiteral("0"))
-    KX_FIELD(QString, theNumberOfSubTracks, setTheNumberOfSubTracks, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theNumberOfVideoTracks, setTheNumberOfVideoTracks, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theNumberOfAudioTracks, setTheNumberOfAudioTracks, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theNumberOfSubTracks, setTheNumberOfSubTracks, QStringLiteral("0"))
     /// This, the length and the pixel shape are not filled by a probe.
     KX_FIELD(bool, isVideoFile, setIsVideoFile, false)
-    KX_FIELD(QString, theDuration, setTheDuration, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theDuration, setTheDuration, QStringLiteral("0"))
     /// Six digits behind the point: "23.976024"; "nan" where the stream says 0/0.
-    KX_FIELD(QString, theFPS, setTheFPS, QStringLiteral("0"))
-    KX_FIELD(QString, videoPAR, setVideoPAR, QStringLiteral("0"))
-    KX_FIELD(QString, theWidth, setTheWidth, QStringLiteral("0"))
-    KX_FIELD(QString, theHeight, setTheHeight, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theFPS, setTheFPS, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, videoPAR, setVideoPAR, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theWidth, setTheWidth, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theHeight, setTheHeight, QStringLiteral("0"))
     /// "High@L4.1"
-    KX_FIELD(QString, codecProfile, setCodecProfile, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", QString, codecProfile, setCodecProfile, QStringLiteral("none"))
     /// In kb/s, of the last video track; can be negative where it had to be estimated.
-    KX_FIELD(QString, theVideoBitRate, setTheVideoBitRate, QStringLiteral("0"))
-    KX_FIELD(QString, theVideoCodec, setTheVideoCodec, QStringLiteral("none"))
-    KX_FIELD(bool, headerRemovalFlag, setHeaderRemovalFlag, false)
+    KX_FIELD_FOR("copied", QString, theVideoBitRate, setTheVideoBitRate, QStringLiteral("0"))
+    KX_FIELD_FOR("copied", QString, theVideoCodec, setTheVideoCodec, QStringLiteral("none"))
+    KX_FIELD_FOR("copied", bool, headerRemovalFlag, setHeaderRemovalFlag, false)
     /// One dictionary a stream, in ffprobe's order. A reset leaves it as it is.
     KX_FIELD(QVariantList, ffprobeResultsDictionaryArray, setFfprobeResultsDictionaryArray, {})
 

@@ -8,38 +8,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The words of the text form: locations, audio settings and the snapshot stay out.
+/// Locations, audio settings and the snapshot stay out of the text form.
 const QStringList &printedTrackNames()
 {
-    static const QStringList names{u"trackSelected"_s,
-                                   u"trackType"_s,
-                                   u"trackMp4boxID"_s,
-                                   u"trackFfmpegID"_s,
-                                   u"trackInfo"_s,
-                                   u"trackTitle"_s,
-                                   u"trackMencoderID"_s,
-                                   u"trackIndex"_s,
-                                   u"selectedAudioTrackIndex"_s,
-                                   u"trackLanguage"_s,
-                                   u"trackCodec"_s,
-                                   u"trackExtension"_s,
-                                   u"trackBitRate"_s,
-                                   u"trackNumberOfChannels"_s,
-                                   u"trackMkvmergeID"_s,
-                                   u"trackDefaultFlag"_s,
-                                   u"trackForcedFlag"_s,
-                                   u"userCodec"_s,
-                                   u"userBitRate"_s,
-                                   u"userNumberOfChannels"_s,
-                                   u"trackFilePath"_s,
-                                   u"trackPathToFileFolder"_s,
-                                   u"trackFileName"_s,
-                                   u"trackFileExtension"_s,
-                                   u"isStereoCopyFlag"_s,
-                                   u"createStereoCopyFlag"_s,
-                                   u"externalTrackFlag"_s,
-                                   u"convertSubFlag"_s,
-                                   u"wasReEncoded"_s};
+    static const QStringList names = platform::fieldsFor(KXVideoTrack::staticMetaObject, u"printed"_s);
     return names;
 }
 

@@ -23,60 +23,64 @@ class KXVideoTrack final : public KXHelpers
     Q_OBJECT
 
     // What is known of the track. "none" and "0" stand for not known.
-    KX_FIELD(bool, trackSelected, setTrackSelected, false)
+    KX_FIELD_FOR("printed stereoCopy", bool, trackSelected, setTrackSelected, false)
     /// "Video", "Audio" or "Subtitle". Filters also accept "External Subtitle", which nothing assigns.
-    KX_FIELD(QString, trackType, setTrackType, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackType, setTrackType, QStringLiteral("none"))
     /// ffprobe's stream index plus 1.
-    KX_FIELD(QString, trackMp4boxID, setTrackMp4boxID, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackMp4boxID, setTrackMp4boxID, QStringLiteral("0"))
     /// ffprobe's stream index.
-    KX_FIELD(QString, trackFfmpegID, setTrackFfmpegID, QStringLiteral("0"))
-    KX_FIELD(QString, trackInfo, setTrackInfo, QStringLiteral("none"))
-    KX_FIELD(QString, trackTitle, setTrackTitle, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackFfmpegID, setTrackFfmpegID, QStringLiteral("0"))
+    KX_FIELD_FOR("printed", QString, trackInfo, setTrackInfo, QStringLiteral("none"))
+    KX_FIELD_FOR("printed", QString, trackTitle, setTrackTitle, QStringLiteral("none"))
     /// Counts the tracks of one type in the source from 0.
-    KX_FIELD(QString, trackMencoderID, setTrackMencoderID, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackMencoderID, setTrackMencoderID, QStringLiteral("0"))
     /// Counts the tracks of one type in the file's track list from 1, once tracks were added to it.
-    KX_FIELD(QString, trackIndex, setTrackIndex, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackIndex, setTrackIndex, QStringLiteral("0"))
     /// For a stereo copy: the audio track that it is made from.
-    KX_FIELD(QString, selectedAudioTrackIndex, setSelectedAudioTrackIndex, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", QString, selectedAudioTrackIndex, setSelectedAudioTrackIndex,
+                 QStringLiteral("0"))
     /// The language's English name.
-    KX_FIELD(QString, trackLanguage, setTrackLanguage, QStringLiteral("undetermined"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackLanguage, setTrackLanguage,
+                 QStringLiteral("undetermined"))
     /// A short word of the codec vocabulary: "h264", "aac", "srt", ...
-    KX_FIELD(QString, trackCodec, setTrackCodec, QStringLiteral("none"))
+    KX_FIELD_FOR("printed", QString, trackCodec, setTrackCodec, QStringLiteral("none"))
     /// The extension that the extracted stream gets.
-    KX_FIELD(QString, trackExtension, setTrackExtension, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackExtension, setTrackExtension, QStringLiteral("none"))
     /// In kb/s.
-    KX_FIELD(QString, trackBitRate, setTrackBitRate, QStringLiteral("0"))
-    KX_FIELD(QString, trackNumberOfChannels, setTrackNumberOfChannels, QStringLiteral("0"))
+    KX_FIELD_FOR("printed", QString, trackBitRate, setTrackBitRate, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackNumberOfChannels, setTrackNumberOfChannels,
+                 QStringLiteral("0"))
     /// Absent once the track comes from its re-encoded file instead of the source.
-    KX_FIELD(QString, trackMkvmergeID, setTrackMkvmergeID, QStringLiteral("0"))
-    KX_FIELD(bool, trackDefaultFlag, setTrackDefaultFlag, false)
-    KX_FIELD(bool, trackForcedFlag, setTrackForcedFlag, false)
+    KX_FIELD_FOR("printed stereoCopy", QString, trackMkvmergeID, setTrackMkvmergeID, QStringLiteral("0"))
+    KX_FIELD_FOR("printed stereoCopy", bool, trackDefaultFlag, setTrackDefaultFlag, false)
+    KX_FIELD_FOR("printed stereoCopy", bool, trackForcedFlag, setTrackForcedFlag, false)
 
     // What the user chose for it: "passthru", "mux" (a subtitle copied into the container) or a codec.
-    KX_FIELD(QString, userCodec, setUserCodec, QStringLiteral("none"))
-    KX_FIELD(QString, userBitRate, setUserBitRate, QStringLiteral("0"))
-    KX_FIELD(QString, userNumberOfChannels, setUserNumberOfChannels, QStringLiteral("0"))
+    KX_FIELD_FOR("printed", QString, userCodec, setUserCodec, QStringLiteral("none"))
+    KX_FIELD_FOR("printed", QString, userBitRate, setUserBitRate, QStringLiteral("0"))
+    KX_FIELD_FOR("printed", QString, userNumberOfChannels, setUserNumberOfChannels, QStringLiteral("0"))
     KX_FIELD(AudioSettingsList, userAudioSettingsDictionaryArray, setUserAudioSettingsDictionaryArray, {})
 
     // The files that belong to it.
-    KX_FIELD(QString, trackFilePath, setTrackFilePath, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackFilePath, setTrackFilePath, QStringLiteral("none"))
     /// Ends in "/".
-    KX_FIELD(QString, trackPathToFileFolder, setTrackPathToFileFolder, QStringLiteral("none"))
-    KX_FIELD(QUrl, trackFileURL, setTrackFileURL, {})
+    KX_FIELD_FOR("printed", QString, trackPathToFileFolder, setTrackPathToFileFolder, QStringLiteral("none"))
+    KX_FIELD_FOR("stereoCopy", QUrl, trackFileURL, setTrackFileURL, {})
     KX_FIELD(QUrl, trackURLToFileFolder, setTrackURLToFileFolder, {})
     /// Where a job wrote the converted track.
     KX_FIELD(QUrl, convertedFileURL, setConvertedFileURL, {})
-    KX_FIELD(QString, trackFileName, setTrackFileName, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackFileName, setTrackFileName, QStringLiteral("none"))
     /// As it is written in the name.
-    KX_FIELD(QString, trackFileExtension, setTrackFileExtension, QStringLiteral("none"))
+    KX_FIELD_FOR("printed stereoCopy", QString, trackFileExtension, setTrackFileExtension,
+                 QStringLiteral("none"))
 
-    KX_FIELD(bool, isStereoCopyFlag, setIsStereoCopyFlag, false)
-    KX_FIELD(bool, createStereoCopyFlag, setCreateStereoCopyFlag, false)
+    KX_FIELD_FOR("printed", bool, isStereoCopyFlag, setIsStereoCopyFlag, false)
+    KX_FIELD_FOR("printed", bool, createStereoCopyFlag, setCreateStereoCopyFlag, false)
     /// The track is a separate file added to the video.
-    KX_FIELD(bool, externalTrackFlag, setExternalTrackFlag, false)
-    KX_FIELD(bool, convertSubFlag, setConvertSubFlag, false)
+    KX_FIELD_FOR("printed stereoCopy", bool, externalTrackFlag, setExternalTrackFlag, false)
+    KX_FIELD_FOR("printed", bool, convertSubFlag, setConvertSubFlag, false)
     /// A job re-encoded the track into convertedFileURL().
-    KX_FIELD(bool, wasReEncoded, setWasReEncoded, false)
+    KX_FIELD_FOR("printed stereoCopy", bool, wasReEncoded, setWasReEncoded, false)
 
     // The snapshot taken just before a muxing step.
     KX_FIELD(QString, muxingTrackType, setMuxingTrackType, QStringLiteral("none"))

@@ -16,13 +16,15 @@ const QString selectionsKey = u"presetSelectionsArray"_s;
 const QString settingsKey = u"presetSettingsArray"_s;
 const QString guiKey = u"guiSettingsDictionary"_s;
 
-QVariantMap panelDefaults()
+/// The panel's keys, in their order, and what each is at first.
+const QList<std::pair<QString, QVariant>> &panelFields()
 {
-    return {
+    static const QList<std::pair<QString, QVariant>> fields{
         {saveDirectoryKey, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
         {u"keepLogsFlag"_s, true}, {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
         {u"useDpliiFlag"_s, true},
     };
+    return fields;
 }
 
 QVariantMap registeredDefaults()
@@ -46,10 +48,14 @@ KXPreferences::KXPreferences(platform::DefaultsStore &store, const prefs::Places
 
 QString KXPreferences::initialize(Unpack tools)
 {
-    setPreferencePanelPropertiesList({saveDirectoryKey, u"lintwickPath"_s, u"showToolTipsFlag"_s,
-                                      u"keepLogsFlag"_s, u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
-                                      u"useDpliiFlag"_s});
-    setPreferencePanelDefaultsDictionary(panelDefaults());
+    QStringList keys;
+    QVariantMap defaults;
+    for (const auto &[key, value] : panelFields()) {
+        keys.append(key);
+        defaults.insert(key, value);
+    }
+    setPreferencePanelPropertiesList(keys);
+    setPreferencePanelDefaultsDictionary(defaults);
     const QString problem = loadPreferencesFromDefaults();
     if (tools == Unpack::Now)
         initializeApplicationSupportFolder();

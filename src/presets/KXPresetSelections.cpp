@@ -45,21 +45,7 @@ KXPresetSelections::KXPresetSelections(const VideoFilePointer &currentVideoFile,
 
 const QStringList &KXPresetSelections::recordWords()
 {
-    static const QStringList words{u"pName"_s,
-                                   u"pSelectedVideoTrack"_s,
-                                   u"pSelectedAudioTrack"_s,
-                                   u"pAudioIsByLanguage"_s,
-                                   u"pSelectedAudioLanguage"_s,
-                                   u"pSelectedSubtitleTrack"_s,
-                                   u"pSubtitleIsByLanguage"_s,
-                                   u"pSelectedSubtitleLanguage"_s,
-                                   u"useFirstIfNoAudioLanguageMatch"_s,
-                                   u"useFirstIfNoSubtitleLanguageMatch"_s,
-                                   u"isEditable"_s,
-                                   u"pAudioFilterMode"_s,
-                                   u"pAudioFilterArray"_s,
-                                   u"pSubtitleFilterMode"_s,
-                                   u"pSubtitleFilterArray"_s};
+    static const QStringList words = platform::fieldsFor(staticMetaObject, u"stored"_s);
     return words;
 }
 
@@ -176,6 +162,8 @@ void KXPresetSelections::addDictionaryToSubtitleFilterArray()
 {
     setPSubtitleFilterArray(pSubtitleFilterArray() << presets::defaultFilter(FilterKind::Subtitle));
 }
+
+// How a rule ticks tracks.
 
 void KXPresetSelections::makeSelections()
 {

@@ -15,26 +15,32 @@ using PresetSelectionsPointer = std::shared_ptr<KXPresetSelections>;
 class KXPresetSelections final : public QObject
 {
     Q_OBJECT
-    KX_FIELD(QString, pName, setPName, QStringLiteral(""))
+    KX_FIELD_FOR("stored", QString, pName, setPName, QStringLiteral(""))
     /// "First Track" takes the file's first track if it is video; anything else takes none.
-    KX_FIELD(QString, pSelectedVideoTrack, setPSelectedVideoTrack, QStringLiteral("First Track"))
+    KX_FIELD_FOR("stored", QString, pSelectedVideoTrack, setPSelectedVideoTrack,
+                 QStringLiteral("First Track"))
     /// The older way to choose, one rule a kind; a record without filters gets one made from it.
-    KX_RULED_FIELD(QString, pSelectedAudioTrack, setPSelectedAudioTrack, QStringLiteral("First Track"))
-    KX_FIELD(bool, pAudioIsByLanguage, setPAudioIsByLanguage, false)
-    KX_FIELD(QString, pSelectedAudioLanguage, setPSelectedAudioLanguage, QStringLiteral("English"))
-    KX_RULED_FIELD(QString, pSelectedSubtitleTrack, setPSelectedSubtitleTrack, QStringLiteral("First Track"))
-    KX_FIELD(bool, pSubtitleIsByLanguage, setPSubtitleIsByLanguage, false)
-    KX_FIELD(QString, pSelectedSubtitleLanguage, setPSelectedSubtitleLanguage, QStringLiteral("English"))
+    KX_RULED_FIELD_FOR("stored", QString, pSelectedAudioTrack, setPSelectedAudioTrack,
+                       QStringLiteral("First Track"))
+    KX_FIELD_FOR("stored", bool, pAudioIsByLanguage, setPAudioIsByLanguage, false)
+    KX_FIELD_FOR("stored", QString, pSelectedAudioLanguage, setPSelectedAudioLanguage,
+                 QStringLiteral("English"))
+    KX_RULED_FIELD_FOR("stored", QString, pSelectedSubtitleTrack, setPSelectedSubtitleTrack,
+                       QStringLiteral("First Track"))
+    KX_FIELD_FOR("stored", bool, pSubtitleIsByLanguage, setPSubtitleIsByLanguage, false)
+    KX_FIELD_FOR("stored", QString, pSelectedSubtitleLanguage, setPSelectedSubtitleLanguage,
+                 QStringLiteral("English"))
     /// These two are kept in records; no rule reads them.
-    KX_FIELD(bool, useFirstIfNoAudioLanguageMatch, setUseFirstIfNoAudioLanguageMatch, true)
-    KX_FIELD(bool, useFirstIfNoSubtitleLanguageMatch, setUseFirstIfNoSubtitleLanguageMatch, true)
+    KX_FIELD_FOR("stored", bool, useFirstIfNoAudioLanguageMatch, setUseFirstIfNoAudioLanguageMatch, true)
+    KX_FIELD_FOR("stored", bool, useFirstIfNoSubtitleLanguageMatch, setUseFirstIfNoSubtitleLanguageMatch,
+                 true)
     /// User presets only; the others are never stored.
-    KX_FIELD(bool, isEditable, setIsEditable, false)
+    KX_FIELD_FOR("stored", bool, isEditable, setIsEditable, false)
     /// "Apply All" or "Prioritized".
-    KX_FIELD(QString, pAudioFilterMode, setPAudioFilterMode, QStringLiteral(""))
-    KX_FIELD(QVariantList, pAudioFilterArray, setPAudioFilterArray, {})
-    KX_FIELD(QString, pSubtitleFilterMode, setPSubtitleFilterMode, QStringLiteral(""))
-    KX_FIELD(QVariantList, pSubtitleFilterArray, setPSubtitleFilterArray, {})
+    KX_FIELD_FOR("stored", QString, pAudioFilterMode, setPAudioFilterMode, QStringLiteral(""))
+    KX_FIELD_FOR("stored", QVariantList, pAudioFilterArray, setPAudioFilterArray, {})
+    KX_FIELD_FOR("stored", QString, pSubtitleFilterMode, setPSubtitleFilterMode, QStringLiteral(""))
+    KX_FIELD_FOR("stored", QVariantList, pSubtitleFilterArray, setPSubtitleFilterArray, {})
 
 public:
     /// The current file, whose contents change; the controller must outlive the preset.

@@ -32,24 +32,7 @@ KXPresetSettings::KXPresetSettings(const VideoFilePointer &currentVideoFile,
 
 const QStringList &KXPresetSettings::recordWords()
 {
-    static const QStringList words{u"pName"_s,
-                                   u"pDevice"_s,
-                                   u"pVideoActionIndex"_s,
-                                   u"pVideoBitRate"_s,
-                                   u"pVideoBitRateIndex"_s,
-                                   u"pWidth"_s,
-                                   u"pWidthIndex"_s,
-                                   u"pFPS"_s,
-                                   u"pFPSIndex"_s,
-                                   u"pStereoActionIndex"_s,
-                                   u"pStereoBitRate"_s,
-                                   u"pSurroundActionIndex"_s,
-                                   u"pSurroundBitRate"_s,
-                                   u"pAudioAddStereo"_s,
-                                   u"pKeepStereoTrack"_s,
-                                   u"pKeepSurroundTrack"_s,
-                                   u"pSubAction"_s,
-                                   u"isEditable"_s};
+    static const QStringList words = platform::fieldsFor(staticMetaObject, u"stored"_s);
     return words;
 }
 
@@ -120,6 +103,8 @@ QString KXPresetSettings::quickBitRateCalcForForNewWidthFromOldWidth(const QStri
     const float share = static_cast<float>(narrow) / static_cast<float>(wide);
     return QString::number(static_cast<qint64>(static_cast<float>(tools::leadingInteger(bitRate)) * share));
 }
+
+// How a bundle fills in the settings.
 
 void KXPresetSettings::makeSettings()
 {

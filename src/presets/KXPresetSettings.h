@@ -21,33 +21,33 @@ class KXPresetSettings final : public QObject
     Q_OBJECT
     // Until an initializer or a record fills them, texts are absent and numbers 0. Indices count in the
     // lists of presets/ChoiceLists.h; bit rates in kb/s, the width in pixels.
-    KX_FIELD(QString, pName, setPName, {})
-    KX_FIELD(QString, pDevice, setPDevice, {})
-    KX_RULED_FIELD(int, pVideoActionIndex, setPVideoActionIndex, 0)
+    KX_FIELD_FOR("stored", QString, pName, setPName, {})
+    KX_FIELD_FOR("stored", QString, pDevice, setPDevice, {})
+    KX_RULED_FIELD_FOR("stored", int, pVideoActionIndex, setPVideoActionIndex, 0)
     /// Follows from pVideoActionIndex and is not stored: 3 and 4 guess, and leave the video controls alone.
     KX_FIELD(bool, pVideoActionIsBestGuess, setPVideoActionIsBestGuess, false)
-    KX_FIELD(QString, pVideoBitRate, setPVideoBitRate, {})
-    KX_FIELD(int, pVideoBitRateIndex, setPVideoBitRateIndex, 0)
-    KX_FIELD(QString, pWidth, setPWidth, {})
-    KX_FIELD(int, pWidthIndex, setPWidthIndex, 0)
-    KX_FIELD(QString, pFPS, setPFPS, {})
-    KX_FIELD(int, pFPSIndex, setPFPSIndex, 0)
+    KX_FIELD_FOR("stored", QString, pVideoBitRate, setPVideoBitRate, {})
+    KX_FIELD_FOR("stored", int, pVideoBitRateIndex, setPVideoBitRateIndex, 0)
+    KX_FIELD_FOR("stored", QString, pWidth, setPWidth, {})
+    KX_FIELD_FOR("stored", int, pWidthIndex, setPWidthIndex, 0)
+    KX_FIELD_FOR("stored", QString, pFPS, setPFPS, {})
+    KX_FIELD_FOR("stored", int, pFPSIndex, setPFPSIndex, 0)
     /// For audio tracks of up to 2 channels.
-    KX_FIELD(int, pStereoActionIndex, setPStereoActionIndex, 0)
+    KX_FIELD_FOR("stored", int, pStereoActionIndex, setPStereoActionIndex, 0)
     /// "Original" counts as "160", on purpose.
-    KX_FIELD(QString, pStereoBitRate, setPStereoBitRate, {})
+    KX_FIELD_FOR("stored", QString, pStereoBitRate, setPStereoBitRate, {})
     /// For audio tracks of 3 or more channels.
-    KX_FIELD(int, pSurroundActionIndex, setPSurroundActionIndex, 0)
+    KX_FIELD_FOR("stored", int, pSurroundActionIndex, setPSurroundActionIndex, 0)
     /// "Original" counts as the track's own.
-    KX_FIELD(QString, pSurroundBitRate, setPSurroundBitRate, {})
+    KX_FIELD_FOR("stored", QString, pSurroundBitRate, setPSurroundBitRate, {})
     /// Also make AAC stereo of a surround track.
-    KX_FIELD(bool, pAudioAddStereo, setPAudioAddStereo, false)
+    KX_FIELD_FOR("stored", bool, pAudioAddStereo, setPAudioAddStereo, false)
     /// Also pass the source through. Both act alike, whatever the track's channels.
-    KX_FIELD(bool, pKeepStereoTrack, setPKeepStereoTrack, false)
-    KX_FIELD(bool, pKeepSurroundTrack, setPKeepSurroundTrack, false)
-    KX_FIELD(QString, pSubAction, setPSubAction, {})
+    KX_FIELD_FOR("stored", bool, pKeepStereoTrack, setPKeepStereoTrack, false)
+    KX_FIELD_FOR("stored", bool, pKeepSurroundTrack, setPKeepSurroundTrack, false)
+    KX_FIELD_FOR("stored", QString, pSubAction, setPSubAction, {})
     /// User presets only; the others are never stored.
-    KX_FIELD(bool, isEditable, setIsEditable, false)
+    KX_FIELD_FOR("stored", bool, isEditable, setIsEditable, false)
 
 public:
     /// The current file, whose contents change; the controller must outlive the preset.

@@ -224,6 +224,8 @@ QString KXPresetsController::addUserPresets(const QVariantList &selections, cons
     return {};
 }
 
+// The two sheets in which presets are edited.
+
 PresetSelectionsPointer KXPresetsController::selectionsAtRow(int row) const
 {
     return row < 0 ? nullptr : m_selections.value(row + hidden);

@@ -22,52 +22,64 @@ class KXSelection : public KXHelpers
     KX_FIELD(QString, mp4Muxer, setMp4Muxer, QStringLiteral("mp4box"))
     KX_FIELD(QString, currentEncoder, setCurrentEncoder, QStringLiteral("ffmpeg"))
     /// The files of a job that has several (edit, join).
-    KX_FIELD(QList<QUrl>, editFilesURLsList, setEditFilesURLsList, {})
-    KX_FIELD(TrackList, trackList, setTrackList, {})
-    /// The stereo copies to make; see addAnyStereoTracks().
-    KX_FIELD(TrackList, addedAudioTrackList, setAddedAudioTrackList, {})
+    KX_FIELD_FOR("copied", QList<QUrl>, editFilesURLsList, setEditFilesURLsList, {})
+    KX_FIELD_FOR("copied", TrackList, trackList, setTrackList, {})
     /// The tracks that are not selected.
-    KX_FIELD(TrackList, keepTracksList, setKeepTracksList, {})
-    KX_FIELD(QString, videoTrackFilePath, setVideoTrackFilePath, {})
-    KX_FIELD(QUrl, videoTrackFileURL, setVideoTrackFileURL, {})
-    KX_FIELD(QString, videoTrackFileName, setVideoTrackFileName, {})
-    KX_FIELD(QString, videoTrackFileShortName, setVideoTrackFileShortName, {})
-    KX_FIELD(QString, videoTrackFileExtension, setVideoTrackFileExtension, {})
-    KX_FIELD(QString, videoTrackCodec, setVideoTrackCodec, {})
-    KX_FIELD(QString, videoTrackFPS, setVideoTrackFPS, {})
-    KX_FIELD(QString, videoTrackWidth, setVideoTrackWidth, {})
-    KX_FIELD(QString, videoTrackHeight, setVideoTrackHeight, {})
-    KX_FIELD(QString, videoTrackBitRate, setVideoTrackBitRate, {})
-    KX_FIELD(QString, videoTrackPAR, setVideoTrackPAR, {})
-    KX_FIELD(QString, videoTrackProfile, setVideoTrackProfile, {})
-    KX_FIELD(bool, headerRemovalFlag, setHeaderRemovalFlag, false)
-    KX_FIELD(QString, jobType, setJobType, {})
-    KX_FIELD(QStringList, jobStepList, setJobStepList, {})
-    KX_FIELD(QString, jobStatus, setJobStatus, {})
-    KX_FIELD(QString, theDevice, setTheDevice, {})
-    KX_FIELD(QString, userVideoBitRate, setUserVideoBitRate, {})
-    KX_FIELD(QString, userAudioBitRate, setUserAudioBitRate, {})
-    KX_FIELD(QString, userFPS, setUserFPS, {})
-    KX_FIELD(QString, userHeight, setUserHeight, {})
-    KX_FIELD(QString, userWidth, setUserWidth, {})
-    KX_FIELD(QString, userPassNumber, setUserPassNumber, {})
-    KX_FIELD(QString, userParWidth, setUserParWidth, {})
-    KX_FIELD(QString, userParHeight, setUserParHeight, {})
+    KX_FIELD_FOR("copied", TrackList, keepTracksList, setKeepTracksList, {})
+    KX_RESET_FIELD_FOR("copied", QStringList, jobStepList, setJobStepList, QStringList{QStringLiteral("")})
+    /// The stereo copies to make; see addAnyStereoTracks().
+    KX_FIELD_FOR("copied", TrackList, addedAudioTrackList, setAddedAudioTrackList, {})
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackFilePath, setVideoTrackFilePath,
+                       QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied", QUrl, videoTrackFileURL, setVideoTrackFileURL,
+                       QUrl::fromLocalFile(QStringLiteral("")))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackFileName, setVideoTrackFileName,
+                       QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackFileShortName, setVideoTrackFileShortName,
+                       QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackFileExtension, setVideoTrackFileExtension,
+                       QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackCodec, setVideoTrackCodec, QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackFPS, setVideoTrackFPS, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackWidth, setVideoTrackWidth, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackHeight, setVideoTrackHeight, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackBitRate, setVideoTrackBitRate,
+                       QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackPAR, setVideoTrackPAR, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, videoTrackProfile, setVideoTrackProfile,
+                       QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", bool, headerRemovalFlag, setHeaderRemovalFlag, false)
+    KX_RESET_FIELD_FOR("copied printed", QString, jobType, setJobType, QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied", QString, jobStatus, setJobStatus, QStringLiteral("Queued"))
+    KX_RESET_FIELD_FOR("copied printed", QString, theDevice, setTheDevice, QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, userVideoBitRate, setUserVideoBitRate, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, userAudioBitRate, setUserAudioBitRate, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, userFPS, setUserFPS, QStringLiteral("29.97"))
+    KX_RESET_FIELD_FOR("copied printed", QString, userHeight, setUserHeight, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, userWidth, setUserWidth, QStringLiteral(""))
+    KX_RESET_FIELD_FOR("copied printed", QString, userPassNumber, setUserPassNumber, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied", QString, userParWidth, setUserParWidth, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied", QString, userParHeight, setUserParHeight, QStringLiteral("0"))
     /// "time", "size" or "duration".
-    KX_FIELD(QString, splitType, setSplitType, {})
-    KX_FIELD(QString, splitSize, setSplitSize, {})
-    KX_FIELD(QString, splitNumber, setSplitNumber, {})
+    KX_RESET_FIELD_FOR("copied printed", QString, splitType, setSplitType, QStringLiteral("none"))
+    KX_RESET_FIELD_FOR("copied printed", QString, splitSize, setSplitSize, QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, splitNumber, setSplitNumber, QStringLiteral("0"))
     // Times are HH:MM:SS, and the same in whole seconds.
-    KX_FIELD(QString, splitStartTimeText, setSplitStartTimeText, {})
-    KX_FIELD(QString, splitEndTimeText, setSplitEndTimeText, {})
-    KX_FIELD(QString, splitStartTimeSeconds, setSplitStartTimeSeconds, {})
-    KX_FIELD(QString, splitEndTimeSeconds, setSplitEndTimeSeconds, {})
-    KX_FIELD(QString, splitDurationText, setSplitDurationText, {})
-    KX_FIELD(QString, splitDurationSeconds, setSplitDurationSeconds, {})
+    KX_RESET_FIELD_FOR("copied printed", QString, splitStartTimeText, setSplitStartTimeText,
+                       QStringLiteral("00:00:00"))
+    KX_RESET_FIELD_FOR("copied printed", QString, splitEndTimeText, setSplitEndTimeText,
+                       QStringLiteral("00:00:00"))
+    KX_RESET_FIELD_FOR("copied printed", QString, splitStartTimeSeconds, setSplitStartTimeSeconds,
+                       QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("copied printed", QString, splitEndTimeSeconds, setSplitEndTimeSeconds,
+                       QStringLiteral("0"))
+    KX_RESET_FIELD_FOR("printed", QString, splitDurationText, setSplitDurationText,
+                       QStringLiteral("00:00:00"))
+    KX_RESET_FIELD_FOR("printed", QString, splitDurationSeconds, setSplitDurationSeconds, QStringLiteral("0"))
     /// How many tracks of each kind are selected; absent until a file is taken.
-    KX_FIELD(QString, vidCount, setVidCount, {})
-    KX_FIELD(QString, audCount, setAudCount, {})
-    KX_FIELD(QString, subCount, setSubCount, {})
+    KX_FIELD_FOR("copied", QString, vidCount, setVidCount, {})
+    KX_FIELD_FOR("copied", QString, audCount, setAudCount, {})
+    KX_FIELD_FOR("copied", QString, subCount, setSubCount, {})
     /// What makeSelfCopyOfSelection() takes over.
     KX_FIELD(QStringList, propertiesKeysList, setPropertiesKeysList, {})
 

@@ -160,9 +160,9 @@ void FilePart::refresh()
     m_add->setVisible(!controller.hideTrackTogglesFlag());
     m_add->setEnabled(controller.canAddTrack());
     m_play->setVisible(!controller.hideTrackTogglesFlag());
-    const QString problem = m_delegate.playingProblem();
-    m_play->setEnabled(controller.canAddTrack() && problem.isNull());
-    m_tips.setReason(m_play, problem);
+    const QString refusal = m_delegate.playingRefusal();
+    m_play->setEnabled(controller.canAddTrack() && refusal.isNull());
+    m_tips.setReason(m_play, refusal);
     m_openFiles->setEnabled(m_delegate.openQueue().canOpenQueuePopover());
 }
 

@@ -45,9 +45,9 @@ void WatchRow::refresh()
     const bool refused =
         !shown.isEmpty() && shown != folder && !m_delegate.program().watchMode().appIsInWatchMode();
     m_folder->setText(refused ? shown : folder.isEmpty() ? tr("none chosen") : folder);
-    const QString problem = m_delegate.watchSession().startProblem();
-    m_start->setEnabled(problem.isNull());
-    m_tips.setReason(m_start, problem);
+    const QString refusal = m_delegate.watchSession().startRefusal();
+    m_start->setEnabled(refusal.isNull());
+    m_tips.setReason(m_start, refusal);
 }
 
 } // namespace window

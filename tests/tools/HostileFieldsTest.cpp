@@ -302,7 +302,7 @@ void HostileFieldsTest::thePreviewOfTheWindow()
                                 support::withField(printedOf(film), field, texts.at(text), stream));
             base.begin();
             fixture.drop({film});
-            if (fixture.controller().canAddTrack() && fixture.delegate().playingProblem().isNull())
+            if (fixture.controller().canAddTrack() && fixture.delegate().playingRefusal().isNull())
                 fixture.delegate().playButton(); // as the button can be pressed
             const QString offence = base.offence();
             QVERIFY2(offence.isNull(), qPrintable(u"%1, text %2: "_s.arg(field).arg(text) + offence));

@@ -149,9 +149,9 @@ private Q_SLOTS:
 
     void playingCommitsTheFieldAndNeedsThePlayer()
     {
-        QVERIFY(!delegate().playingProblem().isEmpty());
+        QVERIFY(!delegate().playingRefusal().isEmpty());
         m_fixture->fakeTool(u"mplayer/mplayer"_s, {u"record "_s + m_fixture->path(u"runs"_s)});
-        QVERIFY(delegate().playingProblem().isNull());
+        QVERIFY(delegate().playingRefusal().isNull());
         QSignalSpy editing(&m_fixture->starter(), &app::JobStarter::editingEndWanted);
         QSignalSpy rows(&m_fixture->controller(), &KXSelectionController::trackRowsDeselected);
         m_fixture->drop({film(u"a.mp4"_s)});

@@ -66,7 +66,7 @@ private Q_SLOTS:
         QFETCH(QString, told);
         choosePresets(tracks, settings);
         m_fixture->program().preferences().setWatchFolderURL(m_fixture->scratch().url(folder));
-        QTEST(session().startProblem(), "problem");
+        QTEST(session().startRefusal(), "problem");
         QVERIFY(!session().start());
         QVERIFY(!watch().appIsInWatchMode());
         QCOMPARE(log(), QStringList{u"failed "_s + told});
