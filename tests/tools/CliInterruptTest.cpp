@@ -20,6 +20,8 @@ using support::waitFor;
 namespace {
 
 constexpr int patienceMs = 60000;
+/// What was killed is gone in moments, and no tool here ends by itself so soon.
+constexpr int goneMs = 5000;
 
 /// Slows a tool down to the speed of the film.
 const QString slowFfmpeg = u"exec /usr/bin/ffmpeg -re \"$@\""_s;
@@ -299,9 +301,13 @@ private:
         const qint64 program = m_process->processId();
         ::kill(static_cast<pid_t>(program), signal);
         waitFor([&] { return m_process->state() == QProcess::NotRunning; });
-        QList<qint64> tools = m_cli->processes();
-        tools.removeAll(program);
-        return tools.isEmpty() ? QString() : m_cli->commandLines().join(u'\n') + u'\n' + said();
+        const auto left = [&] {
+            QList<qint64> tools = m_cli->processes();
+            tools.removeAll(program);
+            return tools;
+        };
+        const bool areGone = waitFor([&] { return left().isEmpty(); }, goneMs);
+        return areGone ? QString() : m_cli->commandLines().join(u'\n') + u'\n' + said();
     }
 
     CliFixture::Run end()

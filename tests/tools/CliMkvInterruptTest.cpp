@@ -126,9 +126,9 @@ private:
             return CliFixture::outcomeOf(*process);
         ::kill(static_cast<pid_t>(process->processId()), signal);
         waitFor([&] { return process->state() == QProcess::NotRunning; });
-        const QStringList left = m_cli->commandLines();
-        if (!left.isEmpty())
-            QTest::qFail(qPrintable(left.join(u'\n')), __FILE__, __LINE__);
+        if (!waitFor([&] { return m_cli->processes().isEmpty(); },
+                     5000)) // what was killed is gone in moments
+            QTest::qFail(qPrintable(m_cli->commandLines().join(u'\n')), __FILE__, __LINE__);
         return CliFixture::outcomeOf(*process, 10000);
     }
 

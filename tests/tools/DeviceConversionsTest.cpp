@@ -147,9 +147,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("passes");
-        for (const QString &device : selection::targetNames()) {
+        // AVI is another film, MKV another kind of text; the devices differ in nothing that is copied.
+        const QStringList devices = selection::targetNames().first(selection::targetNames().size() - 2);
+        for (const QString &device : drawn(devices, 4) + QStringList{u"MKV"_s, u"AVI"_s})
             QTest::addRow("%s", qPrintable(device)) << device << u"1"_s;
-        }
         QTest::newRow("MKV, two passes asked for") << u"MKV"_s << u"2"_s;
         QTest::newRow("PS3, two passes asked for") << u"PS3"_s << u"2"_s;
     }

@@ -3,6 +3,7 @@
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
+#include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "support/engines/RealRuns.h"
@@ -334,8 +335,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, folder);
         QFETCH(QString, output);
-        for (const steps::WhenTaken taken :
-             {steps::WhenTaken::NextFreeName, steps::WhenTaken::Refuse, steps::WhenTaken::Replace}) {
+        using steps::WhenTaken;
+        const QList<WhenTaken> ways{WhenTaken::NextFreeName, WhenTaken::Refuse, WhenTaken::Replace};
+        for (const WhenTaken taken : drawn(ways, 1)) {
             RealRuns runs;
             const QString source = runs.film(fullMkv());
             for (const QString &name : {u"other"_s, u"hard"_s, u"soft"_s})

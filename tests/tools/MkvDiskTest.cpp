@@ -49,7 +49,7 @@ class MkvTinyDiskTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isFull_data() { rowsFor(everything, 3); }
+    void isFull_data() { rowsFor(everything, everything.size()); }
 
     void isFull()
     {

@@ -76,7 +76,8 @@ private Q_SLOTS:
     void theSecondFileIsWhatAnEarlierJoinWrote()
     {
         QFETCH(QString, spelling);
-        for (const WhenTaken taken : {WhenTaken::NextFreeName, WhenTaken::Replace}) {
+        for (const WhenTaken taken :
+             drawn(QList<WhenTaken>{WhenTaken::NextFreeName, WhenTaken::Replace}, 1)) {
             make(taken);
             const QString first = m_fault->film(fullMkv(), u"a.mkv"_s);
             const QString earlier = m_fault->film(fullMkv(), u"a.mkv.joined.mkv"_s);

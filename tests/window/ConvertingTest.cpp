@@ -283,7 +283,7 @@ private:
     /// Films whose conversion takes some seconds, ready to be converted.
     void openSlow(int count)
     {
-        QVERIFY(m_fixture->open(films(count, support::longMkv(120))));
+        QVERIFY(m_fixture->open(films(count, support::longMkv(60))));
         chooseForEach(u"iPhone 4"_s);
         choose(*m_fixture, "TheVideoMatrix2");
     }
@@ -292,12 +292,10 @@ private:
     qint64 runningFfmpeg(const QString &name)
     {
         QList<qint64> found;
-        waitFor(
-            [&] {
-                found = processesOn("ffmpeg", m_fixture->path(name));
-                return !found.isEmpty();
-            },
-            15000);
+        waitFor([&] {
+            found = processesOn("ffmpeg", m_fixture->path(name));
+            return !found.isEmpty();
+        });
         return found.value(0);
     }
 

@@ -19,10 +19,6 @@ class ManyFilesTest final : public QObject
 {
     Q_OBJECT
 
-public:
-    /// Hundreds of probes take their time.
-    static void initMain() { qputenv("QTEST_FUNCTION_TIMEOUT", "580000"); }
-
 private Q_SLOTS:
     void init()
     {
