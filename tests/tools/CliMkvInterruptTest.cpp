@@ -46,8 +46,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("output"); ///< what has begun by then
         QTest::addColumn<int>("signal");
         const QList<QStringList> rows{{u"join a.mkv b.mkv"_s, u"a.mkv.joined.mkv"_s},
-                                      {u"split a.mkv --time 00:00:01-09:00:00"_s, u"a.mkv.split.mkv"_s},
-                                      {u"split a.mkv --duration 03:00:00"_s, u"a.mkv.split-002.mkv"_s},
+                                      {u"split a.mkv --time 00:00:01-03:30:00"_s, u"a.mkv.split.mkv"_s},
+                                      {u"split a.mkv --duration 01:00:00"_s, u"a.mkv.split-002.mkv"_s},
                                       {u"remux a.mkv"_s, u"a.mkv.remux.mkv"_s},
                                       {u"remux a.mkv b.mkv"_s, u"a.mkv.remux.mkv"_s},
                                       {u"remove a.mkv --tracks 1"_s, u"a.removed.mkv"_s},
@@ -83,7 +83,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("output");
         const QList<QStringList> rows{{u"join a.mkv b.mkv"_s, u"a.mkv.joined.mkv"_s},
-                                      {u"split a.mkv --duration 03:00:00"_s, u"a.mkv.split-002.mkv"_s},
+                                      {u"split a.mkv --duration 01:00:00"_s, u"a.mkv.split-002.mkv"_s},
                                       {u"remux a.mkv"_s, u"a.mkv.remux.mkv"_s},
                                       {u"remove a.mkv --tracks 1"_s, u"a.removed.mkv"_s}};
         for (const QStringList &row : support::drawn(rows, 1))

@@ -130,7 +130,7 @@ void CliMkvNamesTest::initTestCase()
     QList<Film> all = support::hostileFilms();
     all.removeIf([](const Film &film) { return film.stem.size() > 200; }); // no room for a longer name
     QVERIFY(all.size() > 50);
-    all = support::drawn(all, 3 * laneCount);
+    all = support::drawn(all, 2 * laneCount);
     for (int number = 0; number < laneCount; ++number)
         m_lanes.push_back(std::make_unique<Lane>());
     for (qsizetype i = 0; i < all.size(); ++i)

@@ -35,7 +35,7 @@ namespace {
 
 /// Far more than any run takes, also on a machine that others keep busy.
 constexpr int boundMs = 180000;
-constexpr qsizetype sampleSize = 40; ///< each command twice
+constexpr qsizetype sampleSize = 20; ///< each command once
 /// They wait more than they work.
 constexpr size_t laneCount = 5;
 

@@ -43,7 +43,7 @@ QList<Film> drawnFilms()
     QList<Film> always;
     std::copy_if(films.begin(), films.end(), std::back_inserter(always), isConvertedInTwoPasses);
     films.removeIf(isConvertedInTwoPasses);
-    return always + support::drawn(films, 14);
+    return always + support::drawn(films, 8);
 }
 
 } // namespace

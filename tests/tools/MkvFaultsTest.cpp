@@ -137,7 +137,7 @@ private Q_SLOTS:
     void aToolThatIsKilled()
     {
         QFETCH(QString, operation);
-        m_fault->runs.splitSeconds = u"14400"_s;
+        m_fault->runs.splitSeconds = u"5400"_s;
         m_fault->runs.partnerClip = manyPacketsBeginMkv();
         const auto job = m_fault->runs.add(operation, m_fault->film(manyPacketsMkv(), u"a.mkv"_s));
         m_fault->addAnother();

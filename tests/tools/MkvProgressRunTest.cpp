@@ -49,7 +49,7 @@ private Q_SLOTS:
     {
         m_runs.reset();
         m_runs = std::make_unique<MkvRuns>();
-        m_runs->splitSeconds = u"14400"_s;
+        m_runs->splitSeconds = u"5400"_s;
         m_runs->partnerClip = manyPacketsBeginMkv();
         m_runs->soundClip = manyPacketsAac();
     }

@@ -1,11 +1,14 @@
 // Tracks are chosen, jobs are started, and the drawer shows and ends them.
 #include "support/CliFixture.h"
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
+#include "support/TestPlaces.h"
 #include "window/QueueDriver.h"
 
+#include <QDir>
 #include <QDockWidget>
 #include <QLabel>
 #include <QRegularExpression>
@@ -90,7 +93,7 @@ private Q_SLOTS:
     {
         m_fixture->start();
         QVERIFY(!m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
-        openSlow(1);
+        openSlow(1, 8);
         m_fixture->click("ConvertButton");
         QTRY_VERIFY(m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
         QVERIFY(waitForStatus(*m_fixture, 0, u"Running"_s));
@@ -280,10 +283,20 @@ private:
         m_fixture->pick("DevicePopUp", target);
     }
 
-    /// Films whose conversion takes some seconds, ready to be converted.
-    void openSlow(int count)
+    /// Films whose conversion takes some seconds, ready to be converted: ffmpeg reads at the speed of the
+    /// film.
+    void openSlow(int count, int seconds = 4)
     {
-        QVERIFY(m_fixture->open(films(count, support::longMkv(60))));
+        const QString tools = support::TestPlaces().toolsLocation().toLocalFile();
+        const QString own = m_fixture->path(u"tools"_s);
+        QDir().mkpath(own + u"/ffmpeg"_s);
+        QFile::link(tools + u"/mkvtoolnix"_s, own + u"/mkvtoolnix"_s);
+        QFile::link(tools + u"/ffmpeg/ffprobe"_s, own + u"/ffmpeg/ffprobe"_s);
+        support::writeContent(own + u"/ffmpeg/ffmpeg"_s,
+                              "#!/bin/sh\nexec \"$(command -v ffmpeg)\" -re \"$@\"\n");
+        QFile::setPermissions(own + u"/ffmpeg/ffmpeg"_s, QFile::Permissions(0x7755));
+        m_fixture->delegate().program().preferences().setToolsLocationURL(QUrl::fromLocalFile(own));
+        QVERIFY(m_fixture->open(films(count, support::longMkv(seconds))));
         chooseForEach(u"iPhone 4"_s);
         choose(*m_fixture, "TheVideoMatrix2");
     }

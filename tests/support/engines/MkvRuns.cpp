@@ -43,7 +43,7 @@ qint64 idOf(const jobs::StepTask &task)
 
 namespace {
 
-/// Ten hours of silence.
+/// Four hours of silence.
 QString silence(const QString &name, const QString &rate)
 {
     return clip(name, [&](const QString &path) {
@@ -51,7 +51,7 @@ QString silence(const QString &name, const QString &rate)
         runProgram(u"ffmpeg"_s,
                    {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
                     u"anullsrc=cl=mono:r="_s + rate, u"-t"_s, u"600"_s, u"-c:a"_s, u"aac"_s, minutes});
-        runProgram(u"ffmpeg"_s, {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-stream_loop"_s, u"59"_s,
+        runProgram(u"ffmpeg"_s, {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-stream_loop"_s, u"23"_s,
                                  u"-i"_s, minutes, u"-c"_s, u"copy"_s, path});
         QFile::remove(minutes);
     });
@@ -61,9 +61,9 @@ QString silence(const QString &name, const QString &rate)
 /// ended before, and tells nothing meanwhile.
 QString slowPictures()
 {
-    return clip(u"slow-pictures.mkv"_s, [](const QString &path) {
+    return clip(u"slow-pictures-4h.mkv"_s, [](const QString &path) {
         runProgram(u"ffmpeg"_s,
-                   u"-nostdin -y -v error -f lavfi -i color=black:s=64x48:r=1/10 -t 36000 -c:v libx264 "
+                   u"-nostdin -y -v error -f lavfi -i color=black:s=64x48:r=1/10 -t 14400 -c:v libx264 "
                    "-preset ultrafast"_s.split(u' ')
                        << path);
     });
@@ -73,21 +73,21 @@ QString slowPictures()
 
 QString manyPacketsAac()
 {
-    return silence(u"many-packets.aac"_s, u"48000"_s);
+    return silence(u"many-packets-4h.aac"_s, u"48000"_s);
 }
 
 QString manyPacketsMkv()
 {
-    return clip(u"many-packets.mkv"_s, [](const QString &path) {
+    return clip(u"many-packets-4h.mkv"_s, [](const QString &path) {
         runProgram(u"mkvmerge"_s,
-                   {u"-q"_s, u"-o"_s, path, slowPictures(), silence(u"fewer-packets.aac"_s, u"8000"_s),
+                   {u"-q"_s, u"-o"_s, path, slowPictures(), silence(u"fewer-packets-4h.aac"_s, u"8000"_s),
                     manyPacketsAac(), manyPacketsAac(), manyPacketsAac()});
     });
 }
 
 QString manyPacketsBeginMkv()
 {
-    return clip(u"many-packets-begin.mkv"_s, [](const QString &path) {
+    return clip(u"many-packets-begin-4h.mkv"_s, [](const QString &path) {
         runProgram(u"mkvmerge"_s,
                    {u"-q"_s, u"-o"_s, path, u"--split"_s, u"parts:00:00:00-00:00:20"_s, manyPacketsMkv()});
     });

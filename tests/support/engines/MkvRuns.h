@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// Ten hours of black and silence in five million packets: a small file on which mkvmerge works for seconds.
+/// Four hours of black and silence in two million packets: a small file on which mkvmerge works for seconds.
 /// h264 (0), aac 1ch of 8 kHz (1), aac 1ch (2, 3, 4).
 QString manyPacketsMkv();
 /// Its first 20 s, which can be joined to it.
