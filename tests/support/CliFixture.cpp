@@ -1,14 +1,17 @@
 #include "support/CliFixture.h"
 
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
 #include "support/Waiting.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 #include <QUuid>
 
 #include <unistd.h>
@@ -64,6 +67,33 @@ void link(const QString &target, const QString &path)
     QFile::remove(path);
     if (!QFile::link(target, path))
         qFatal("can't link %s", qPrintable(path));
+}
+
+/// The names of all programs that are installed.
+QStringList programNames()
+{
+    QSet<QString> names;
+    for (const QString &folder : {u"/usr/bin"_s, u"/bin"_s, u"/usr/sbin"_s, u"/sbin"_s}) {
+        const QStringList programs = QDir(folder).entryList(QDir::Files | QDir::Executable);
+        names.unite(QSet<QString>(programs.begin(), programs.end()));
+    }
+    QStringList all = names.values();
+    all.sort();
+    return all;
+}
+
+/// A folder with a recorder under each of their names, made once for all tests: there are more than a
+/// thousand.
+QString recorders()
+{
+    const QStringList names = programNames();
+    const QByteArray sum =
+        QCryptographicHash::hash(names.join(u'\n').toUtf8(), QCryptographicHash::Sha1).toHex();
+    return clip(u"recorders-"_s + QString::fromLatin1(sum), [&](const QString &folder) {
+        QDir().mkpath(folder);
+        for (const QString &name : names)
+            link(QStringLiteral(TESSARAY_RECORDER), folder + u'/' + name);
+    });
 }
 
 } // namespace
@@ -132,12 +162,7 @@ void CliFixture::setTool(const QString &tool, const QString &script)
 
 void CliFixture::recordEverything()
 {
-    const QString folder = m_scratch.path(u"path"_s);
-    for (const QString &real : {u"/usr/bin"_s, u"/bin"_s, u"/usr/sbin"_s, u"/sbin"_s}) {
-        for (const QString &name : QDir(real).entryList(QDir::Files | QDir::Executable))
-            link(QStringLiteral(TESSARAY_RECORDER), folder + u'/' + name);
-    }
-    setEnvironment(u"PATH"_s, folder);
+    setEnvironment(u"PATH"_s, recorders());
 }
 
 void CliFixture::runUnprivileged()

@@ -110,7 +110,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("device");
         QTest::addColumn<QString>("passes");
-        for (const QString &device : selection::targetNames()) {
+        // What each device limits is the unit test's; here is that the encoder takes it.
+        const QStringList devices = selection::targetNames().first(selection::targetNames().size() - 2);
+        for (const QString &device : drawn(devices, 6) + QStringList{u"MKV"_s, u"AVI"_s}) {
             for (const QString &passes : drawn(QStringList{u"1"_s, u"2"_s}, 1))
                 QTest::addRow("%s, %s", qPrintable(device), passes == u"1"_s ? "one pass" : "two passes")
                     << device << passes;

@@ -1,4 +1,5 @@
 // How the program ends, starts again, and how a second start meets the first.
+#include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
 #include "support/PresetLists.h"
@@ -42,7 +43,7 @@ public:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     bool ends()
     {
-        return waitFor([this] { return m_process.state() == QProcess::NotRunning; }, 20000);
+        return waitFor([this] { return m_process.state() == QProcess::NotRunning; });
     }
     bool endedWell() const
     {
@@ -64,12 +65,10 @@ qint64 convertSlowly(WindowFixture &fixture, const QString &film)
     choose(fixture, "TheVideoMatrix2");
     fixture.click("ConvertButton");
     QList<qint64> found;
-    waitFor(
-        [&] {
-            found = processesOn("ffmpeg", film);
-            return !found.isEmpty();
-        },
-        15000);
+    waitFor([&] {
+        found = processesOn("ffmpeg", film);
+        return !found.isEmpty();
+    });
     return found.value(0);
 }
 
@@ -79,17 +78,24 @@ bool endsBy(const std::function<void()> &deed)
     QTimer::singleShot(0, qApp, deed);
     QTimer patience;
     QObject::connect(&patience, &QTimer::timeout, qApp, [] { QCoreApplication::exit(1); });
-    patience.start(20000);
+    patience.start(support::patience);
     return QApplication::exec() == 0;
 }
 
-/// What this test's own program does when it is started to be ended: it converts a film until then.
+QString readyFor(const QString &film)
+{
+    return QFileInfo(film).path() + u"/ready"_s;
+}
+
+/// What this test's own program does when it is started to be ended: it converts a film until then. A file
+/// tells when it has begun and waits for signals.
 int convertUntilTheEnd(const QString &film)
 {
     WindowFixture fixture;
     fixture.start();
     if (convertSlowly(fixture, film) == 0)
         return 1;
+    QTimer::singleShot(0, qApp, [&] { support::writeContent(readyFor(film), {}); });
     const int status = QApplication::exec();
     fixture.restart(); // the program goes as it does at the end of main()
     return status;
@@ -220,16 +226,14 @@ private Q_SLOTS:
         const QString program = programWithRecorders();
         const QStringList words{u"--defaults"_s, m_fixture->path(u"settings/defaults.json"_s)};
         Started first(program, words, m_environment);
-        QVERIFY(waitFor(
-            [this] {
-                return !QDir(m_fixture->path(u"run"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
-            },
-            20000));
+        QVERIFY(waitFor([this] {
+            return !QDir(m_fixture->path(u"run"_s)).entryList({u"tessaray-*"_s}, QDir::System).isEmpty();
+        }));
         QVERIFY(!wasProbed(film));
         Started second(program, words + QStringList{film}, m_environment);
         QVERIFY(second.ends());
         QVERIFY(second.endedWell());
-        QVERIFY(waitFor([&] { return wasProbed(film); }, 20000));
+        QVERIFY(waitFor([&] { return wasProbed(film); }));
         QVERIFY(first.isRunning());
         first.signal(SIGTERM);
         QVERIFY(first.ends());
@@ -249,8 +253,7 @@ private Q_SLOTS:
         const QString film = m_fixture->film(support::longMkv(120));
         Started converting(QCoreApplication::applicationFilePath(), {u"--convert"_s, film},
                            QProcessEnvironment::systemEnvironment());
-        QVERIFY(waitFor([&] { return !processesOn("ffmpeg", film).isEmpty(); }, 30000));
-        QTest::qWait(1000); // it waits for signals by now
+        QVERIFY(waitFor([&] { return QFile::exists(readyFor(film)); }));
         converting.signal(number);
         QVERIFY(converting.ends());
         QVERIFY(converting.endedWell());

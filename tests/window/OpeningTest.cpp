@@ -154,7 +154,7 @@ private Q_SLOTS:
         QVERIFY(m_fixture->drop("ConvertTrackTable", {text.fileName()}));
         QVERIFY(m_fixture->waitForAlert(u"Error Opening: notes.txt"_s));
         QVERIFY(m_fixture->alertText().contains(u"Closes by itself"_s));
-        QVERIFY(waitFor([this] { return !m_fixture->hasAlert(); }, 8000));
+        QVERIFY(waitFor([this] { return !m_fixture->hasAlert(); }));
         QCOMPARE(m_fixture->find<QLabel>("ConvertFileField")->text(), film);
         QCOMPARE(m_fixture->rows("ConvertTrackTable", 0).size(), 6);
     }

@@ -169,7 +169,7 @@ private:
 
     bool tells(const QString &part)
     {
-        return waitFor([&] { return !shown().filter(part).isEmpty(); }, 20000);
+        return waitFor([&] { return !shown().filter(part).isEmpty(); });
     }
 
     std::unique_ptr<WindowFixture> m_fixture;

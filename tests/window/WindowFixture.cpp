@@ -227,12 +227,10 @@ bool WindowFixture::hasAlert() const
 
 bool WindowFixture::waitForAlert(const QString &message)
 {
-    return waitFor(
-        [&] {
-            auto *box = qobject_cast<QMessageBox *>(alert());
-            return box != nullptr && box->text() == message;
-        },
-        20000);
+    return waitFor([&] {
+        auto *box = qobject_cast<QMessageBox *>(alert());
+        return box != nullptr && box->text() == message;
+    });
 }
 
 QString WindowFixture::alertText() const
