@@ -102,9 +102,10 @@ void KXQueueController::startNextSoon()
 
 int KXQueueController::addToQueue(const SelectionPointer &selection)
 {
-    openForJobs();
-    const auto kind = jobs::kindOfJobType(selection->jobType());
-    return kind ? add({*kind, selection}) : 0;
+    if (const auto kind = jobs::kindOfJobType(selection->jobType()))
+        return add({*kind, selection});
+    openForJobs(); // also for a word that stands for no job
+    return 0;
 }
 
 int KXQueueController::add(const jobs::JobRequest &request)
