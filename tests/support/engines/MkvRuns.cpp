@@ -57,8 +57,23 @@ QString silence(const QString &name, const QString &rate)
     });
 }
 
-/// As long, a picture every ten seconds: mkvmerge reads ahead to the end of a file for a track that has
-/// ended before, and tells nothing meanwhile.
+/// A quarter of an hour that can't be made small.
+QString noise()
+{
+    return clip(u"noise.aac"_s, [](const QString &path) {
+        const QString minute = path + u".minute.aac"_s;
+        runProgram(
+            u"ffmpeg"_s,
+            u"-nostdin -y -v error -f lavfi -i anoisesrc=r=48000:d=60 -ac 1 -c:a aac -b:a 256k"_s.split(u' ')
+                << minute);
+        runProgram(u"ffmpeg"_s, {u"-nostdin"_s, u"-y"_s, u"-v"_s, u"error"_s, u"-stream_loop"_s, u"14"_s,
+                                 u"-i"_s, minute, u"-c"_s, u"copy"_s, path});
+        QFile::remove(minute);
+    });
+}
+
+/// As long as the silence, a picture every ten seconds: mkvmerge reads ahead to the end of a file for a track
+/// that has ended before, and tells nothing meanwhile.
 QString slowPictures()
 {
     return clip(u"slow-pictures-4h.mkv"_s, [](const QString &path) {
@@ -73,21 +88,24 @@ QString slowPictures()
 
 QString manyPacketsAac()
 {
-    return silence(u"many-packets-4h.aac"_s, u"48000"_s);
+    return clip(u"noise-and-packets.aac"_s, [](const QString &path) {
+        writeContent(path, contentOf(noise()) + contentOf(silence(u"silence-4h.aac"_s, u"48000"_s)));
+    });
 }
 
 QString manyPacketsMkv()
 {
-    return clip(u"many-packets-4h.mkv"_s, [](const QString &path) {
+    return clip(u"noise-and-packets.mkv"_s, [](const QString &path) {
         runProgram(u"mkvmerge"_s,
                    {u"-q"_s, u"-o"_s, path, slowPictures(), silence(u"fewer-packets-4h.aac"_s, u"8000"_s),
-                    manyPacketsAac(), manyPacketsAac(), manyPacketsAac()});
+                    manyPacketsAac(), silence(u"silence-4h.aac"_s, u"48000"_s),
+                    silence(u"silence-4h.aac"_s, u"48000"_s)});
     });
 }
 
 QString manyPacketsBeginMkv()
 {
-    return clip(u"many-packets-begin-4h.mkv"_s, [](const QString &path) {
+    return clip(u"noise-and-packets-begin.mkv"_s, [](const QString &path) {
         runProgram(u"mkvmerge"_s,
                    {u"-q"_s, u"-o"_s, path, u"--split"_s, u"parts:00:00:00-00:00:20"_s, manyPacketsMkv()});
     });

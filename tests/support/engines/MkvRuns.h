@@ -8,12 +8,13 @@
 
 namespace support {
 
-/// Four hours of black and silence in two million packets: a small file on which mkvmerge works for seconds.
-/// h264 (0), aac 1ch of 8 kHz (1), aac 1ch (2, 3, 4).
+/// Four hours of black and silence in two million packets, on which mkvmerge works for seconds. It writes
+/// nothing before it has 20 MB, so some noise comes first: soon after the start there is an output, and most
+/// is still to do. h264 (0), aac 1ch of 8 kHz (1), aac 1ch (2, 3, 4).
 QString manyPacketsMkv();
 /// Its first 20 s, which can be joined to it.
 QString manyPacketsBeginMkv();
-/// The larger of the two silences alone.
+/// The noise and the larger of the two silences alone.
 QString manyPacketsAac();
 
 /// What each operation on Matroska files is called in data rows. The "edit" ones are those of the one job
