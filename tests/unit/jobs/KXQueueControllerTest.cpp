@@ -23,7 +23,7 @@ struct Queue
     explicit Queue(const QList<jobs::JobKind> &kinds = {
                        jobs::JobKind::Conversion, jobs::JobKind::Muxing, jobs::JobKind::TrackExtraction,
                        jobs::JobKind::Joining, jobs::JobKind::SubtitleSending, jobs::JobKind::Splitting,
-                       jobs::JobKind::Remux})
+                       jobs::JobKind::Remux, jobs::JobKind::MkvEditing})
     {
         for (const jobs::JobKind kind : kinds)
             support::registerTestJob(factory, kind);
