@@ -70,7 +70,7 @@ QString surroundDts()
 QString blackVideo()
 {
     return clip(u"black-video.mkv"_s, [](const QString &path) {
-        ffmpeg(u"-f lavfi -i color=black:s=320x240:r=5:d=8 -c:v libx264 -preset veryfast -g 5"_s, path);
+        ffmpeg(u"-f lavfi -i color=black:s=320x240:r=25:d=8 -c:v libx264 -preset veryfast -g 25"_s, path);
     });
 }
 
