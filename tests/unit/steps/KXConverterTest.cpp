@@ -24,7 +24,6 @@ public:
     using KXConverter::KXConverter;
     using KXConverter::post;
     using KXConverter::postConversionStarted;
-    using KXConverter::saveFolderOr;
 };
 
 struct Step
@@ -159,8 +158,6 @@ private Q_SLOTS:
             step.converter.initializeFor(selection);
             QCOMPARE(step.converter.outputFileURL(), QUrl::fromLocalFile(u"/saved/film.mkv"_s));
             QCOMPARE(step.converter.logFileURL(), QUrl::fromLocalFile(u"/saved/film.mkv"_s));
-            QCOMPARE(step.converter.saveFolderOr(QUrl::fromLocalFile(u"/x"_s)),
-                     step.fixture.preferences.saveDirectoryURL());
         }
     }
 
