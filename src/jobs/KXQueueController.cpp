@@ -1,4 +1,3 @@
-// How selections become jobs and jobs run; what the user does is in KXQueueControllerActions.cpp.
 #include "jobs/KXQueueController.h"
 
 #include "jobs/MuxingTracks.h"
@@ -8,6 +7,7 @@
 
 #include <QFileInfo>
 #include <QHash>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -53,6 +53,8 @@ JobKind conversionKindFor(const KXSelection &selection)
     const bool isRaw = selection.videoTrackFileExtension().toLower() == u"h264"_s;
     return isRaw && passes ? JobKind::Muxing : JobKind::Conversion;
 }
+
+constexpr int deleteColumn = 0;
 
 } // namespace
 
@@ -256,4 +258,108 @@ void KXQueueController::rememberOutput(const QUrl &output)
     const QString extension = QFileInfo(output.toLocalFile()).suffix().toLower();
     if (m_watchMode->movieExtensionsList().contains(extension))
         m_watchMode->setBaseWatchFolderMovieList(m_watchMode->baseWatchFolderMovieList() << output);
+}
+
+void KXQueueController::setPauseButtonTitle(const QString &title)
+{
+    if (m_pauseButtonTitle == title)
+        return;
+    m_pauseButtonTitle = title;
+    Q_EMIT pauseButtonTitleChanged();
+}
+
+void KXQueueController::pauseQueueButton(const QString &title)
+{
+    if (!m_jobIsRunning || !m_currentJob)
+        return;
+    if (title == u"Pause"_s) {
+        setPauseButtonTitle(u"Resume"_s);
+        m_currentJob->pauseJob();
+    } else if (title == u"Resume"_s) {
+        setPauseButtonTitle(u"Pause"_s);
+        m_currentJob->resumeJob();
+    }
+}
+
+void KXQueueController::clearQueueButton()
+{
+    for (qsizetype row = m_jobList.size() - 1; row >= 0; --row) {
+        if (m_jobList.at(row)->jobStatus() == u"Completed"_s)
+            removeRow(row);
+    }
+}
+
+/// Takes a row away; the current job's row stays true when rows above it go.
+void KXQueueController::removeRow(qsizetype row)
+{
+    const JobPointer job = m_jobList.takeAt(row);
+    job->unsubscribe();
+    if (row < m_currentJobRowIndex)
+        --m_currentJobRowIndex;
+    Q_EMIT jobRemoved(static_cast<int>(row));
+}
+
+void KXQueueController::deleteJobRow(int column, int row)
+{
+    if (column != deleteColumn || row < 0 || row >= m_jobList.size())
+        return;
+    if (!m_jobIsRunning)
+        return removeRow(row);
+    m_currentJob->pauseJob();
+    if (row == m_currentJobRowIndex)
+        return askToStop();
+    removeRow(row);
+    m_currentJob->resumeJob();
+    setPauseButtonTitle(u"Pause"_s);
+}
+
+void KXQueueController::askToStop()
+{
+    platform::Alert alert;
+    alert.message = u"Stop the currently running job?"_s;
+    alert.buttons = {u"OK"_s, u"Cancel"_s};
+    m_jobAskedAbout = m_currentJob;
+    m_context.alerts.show(std::make_shared<const platform::Alert>(alert),
+                          [queue = QPointer<KXQueueController>(this)](int returnCode) {
+                              if (queue)
+                                  queue->quitJobAlertClosedReturnCode(returnCode);
+                          });
+}
+
+void KXQueueController::quitJobAlertClosedReturnCode(int returnCode)
+{
+    const JobPointer asked = m_jobAskedAbout.lock();
+    m_jobAskedAbout.reset();
+    // The job may have ended, or another may run by now: then the answer is about nothing.
+    if (!asked || asked != m_currentJob || !m_jobIsRunning)
+        return;
+    if (returnCode == platform::firstButtonReturn) {
+        stopCurrentJob();
+        return startNextSoon();
+    }
+    if (returnCode != platform::secondButtonReturn)
+        return;
+    m_currentJob->resumeJob();
+    setPauseButtonTitle(u"Pause"_s);
+}
+
+void KXQueueController::stopCurrentJob()
+{
+    if (!m_jobIsRunning || !m_currentJob)
+        return;
+    const JobPointer job = m_currentJob;
+    job->stopJob();
+    m_jobIsRunning = false;
+    setPauseButtonTitle(u"Pause"_s);
+    if (m_currentJobRowIndex < m_jobList.size() && m_jobList.at(m_currentJobRowIndex) == job)
+        removeRow(m_currentJobRowIndex);
+}
+
+void KXQueueController::removeAllJobs()
+{
+    for (qsizetype row = m_jobList.size() - 1; row >= 0; --row) {
+        if (!m_jobIsRunning || m_jobList.at(row) != m_currentJob)
+            removeRow(row);
+    }
+    stopCurrentJob();
 }

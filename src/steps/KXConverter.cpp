@@ -1,20 +1,27 @@
-// What a step is told, what it is called, and how it ended; running the tool is in KXConverterRun.cpp.
 #include "steps/KXConverter.h"
 
+#include "media/FileNames.h"
 #include "media/KXVideoTrack.h"
 #include "media/MatroskaPackets.h"
+#include "media/Playlists.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
 #include "steps/DurationLooks.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/OutputGuard.h"
+#include "steps/RunAsProcess.h"
+#include "steps/RunVerdict.h"
 #include "steps/ToolLog.h"
 #include "tools/Numbers.h"
 #include "tools/ToolEnvironment.h"
 
 #include <QFileInfo>
+#include <QTimer>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
+using tools::ToolProcess;
 
 namespace {
 
@@ -22,13 +29,6 @@ QUrl inFolder(const QUrl &folder, const QString &name)
 {
     const QString path = folder.toLocalFile();
     return QUrl::fromLocalFile(path.endsWith(u'/') ? path + name : path + u'/' + name);
-}
-
-/// The reason as a sentence, followed by the tool's own words where there are some.
-QString sentenceOf(const QString &reason, const QString &words = {})
-{
-    const QString sentence = words.isEmpty() ? reason : reason + u": "_s + words;
-    return sentence.endsWith(u'.') ? sentence : sentence + u'.';
 }
 
 } // namespace
@@ -128,6 +128,357 @@ void KXConverter::postConversionStarted() const
     m_context.notifications.post(u"conversionStarted"_s, outputFileURL());
 }
 
+steps::Launch KXConverter::launchOf(const QUrl &tool, const tools::OptionList &meant)
+{
+    steps::Launch launch;
+    launch.stepName = stepName();
+    launch.pass = currentPass();
+    launch.tool = tool;
+    launch.output = outputFileURL();
+    launch.log = logFileURL();
+    launch.meant = meant;
+    launch.launched = fittingLaunchForm(meant);
+    launch.environment = tools::addedEnvironment(tool, tools::textsOf(meant), appPreferences());
+    return launch;
+}
+
+steps::Launch KXConverter::launchOfLine(const QUrl &tool, const tools::OptionList &meant)
+{
+    steps::Launch launch = launchOf(tool, meant);
+    const tools::ShellKind kind = tools::shellKind();
+    launch.line = tools::toolLine(tool, meant, appPreferences(), kind);
+    launch.line->launched = tools::toolLine(tool, launch.launched, appPreferences(), kind).launched;
+    return launch;
+}
+
+tools::OptionList KXConverter::fittingLaunchForm(const tools::OptionList &meant)
+{
+    const tools::OptionList launched = launchForm(meant);
+    const tools::OptionList fitting = tools::withTitlesThatFit(launched);
+    m_cutsTitles = m_cutsTitles || fitting != launched;
+    return fitting;
+}
+
+/// Null, or why the tool must not be started.
+QString KXConverter::makeWay()
+{
+    for (const QUrl &input : m_context.guard.inputs()) {
+        if (media::namesOtherFiles(input))
+            return u"%1 is a list of other files and no film, so nothing was started."_s.arg(
+                input.toLocalFile());
+    }
+    for (const QUrl &name : namesToWrite()) {
+        const QString problem = m_context.guard.makeWayFor(name);
+        if (!problem.isNull())
+            return problem;
+    }
+    return {};
+}
+
+tools::ToolProcessPointer
+KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const tools::OptionList &options,
+                                                         ShouldWait wait)
+{
+    m_tool = tool;
+    m_refusal = makeWay();
+    if (!m_refusal.isNull())
+        return nullptr;
+    m_context.guard.files().remove(logFileURL()); // that of the run before
+    const steps::Launch launch = launchOf(tool, options);
+    ToolProcess::Request request;
+    request.program = tool.toLocalFile();
+    request.arguments = tools::argumentsOf(launch.launched);
+    request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
+    request.workingFolder = appPreferences().workingFolder();
+    setBackgroundReadStatus(0);
+    setLogString(u""_s);
+    m_logIsBegun = false;
+    m_outputDecoder.resetState();
+    m_errorDecoder.resetState();
+    const auto task = m_context.launcher.start(launch, request);
+    const QString name = tool.fileName().toLower();
+    if (!name.contains(u"mediainfo"_s) && !name.contains(u"mkvinfo"_s)) {
+        logObjectWithString(request.program, u"[theTask launchPath]"_s);
+        logObjectWithString(request.environment.toStringList(), u"[theTask environment]"_s);
+        logObjectWithString(tools::textsOf(options), u"optionsArray"_s);
+        logObjectWithString(tools::textsOf(options).join(u' '), u"optionsArrayString"_s);
+    }
+    setConverterTask(task);
+    watch(task);
+    if (wait == ShouldWait::Yes)
+        task->waitUntilExit(-1);
+    return task;
+}
+
+void KXConverter::watch(const tools::ToolProcessPointer &task)
+{
+    const ToolProcess *source = task.get();
+    const auto hand = [this, source](ToolProcess::Channel channel, const QByteArray &bytes) {
+        const steps::ReadEvent event{channel, bytes, source};
+        channel == ToolProcess::Channel::Output ? readTaskOutput(event) : readTaskError(event);
+    };
+    connect(source, &ToolProcess::chunkRead, this, hand);
+    connect(source, &ToolProcess::channelEnded, this,
+            [hand](ToolProcess::Channel channel) { hand(channel, QByteArray()); });
+}
+
+void KXConverter::readTaskOutput(const steps::ReadEvent &event)
+{
+    if (event.channel == ToolProcess::Channel::Output)
+        take(event);
+}
+
+void KXConverter::readTaskError(const steps::ReadEvent &event)
+{
+    if (event.channel == ToolProcess::Channel::Error)
+        take(event);
+}
+
+void KXConverter::take(const steps::ReadEvent &event)
+{
+    if (event.source != converterTask().get())
+        return;
+    if (isHolding())
+        m_held.append(event);
+    else
+        deliver(event);
+}
+
+void KXConverter::deliver(const steps::ReadEvent &event)
+{
+    if (!event.data.isEmpty())
+        return handleNewTaskResult(event);
+    endOfStream(event.channel);
+}
+
+/// Whichever stream ends second completes the reading.
+void KXConverter::endOfStream(ToolProcess::Channel channel)
+{
+    const int mine = channel == ToolProcess::Channel::Output ? 1 : 2;
+    const int others = 3 - mine;
+    if (backgroundReadStatus() != others)
+        return setBackgroundReadStatus(mine);
+    backgroundReadingCompleted();
+    Q_EMIT toolEnded();
+}
+
+void KXConverter::handleNewTaskResult(const steps::ReadEvent &event)
+{
+    if (event.data.isEmpty()) {
+        logString(u"no data"_s);
+        return;
+    }
+    const bool isOutput = event.channel == ToolProcess::Channel::Output;
+    const QString text = isOutput ? m_outputDecoder.decode(event.data) : m_errorDecoder.decode(event.data);
+    setMonitorOutputString(text);
+    m_logString += text;
+    appendToLog(event.data);
+}
+
+/// A log that can't be written is no reason to end the tool.
+void KXConverter::appendToLog(const QByteArray &bytes)
+{
+    const bool isFirst = !std::exchange(m_logIsBegun, true);
+    steps::OwnFiles &files = m_context.guard.files();
+    // A log that was taken away is written whole again; a new one gets the bytes as they came, which
+    // may end within a character.
+    if (!files.append(logFileURL(), bytes))
+        files.create(logFileURL(), isFirst ? bytes : m_logString.toUtf8());
+}
+
+/// Its poll looks into the log, which must be there then. Null, or why that was not possible.
+QString KXConverter::makeLog()
+{
+    if (!m_context.guard.hasClaimed(logFileURL()))
+        return u"The log %1 is not the job's own, so nothing was started."_s.arg(logFileURL().toLocalFile());
+    const QString problem = m_context.guard.files().begin(logFileURL());
+    if (problem.isNull())
+        m_context.guard.files().write(logFileURL(), {});
+    return problem;
+}
+
+QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
+{
+    m_tool = tool;
+    m_refusal = makeWay();
+    if (m_refusal.isNull())
+        m_refusal = makeLog();
+    if (!m_refusal.isNull())
+        return {};
+    const steps::Launch launch = launchOfLine(tool, options);
+    ToolProcess::Request request;
+    request.program = tool.toLocalFile();
+    request.arguments = tools::argumentsOf(steps::runAsProcess(launch.launched));
+    request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
+    request.workingFolder = appPreferences().workingFolder();
+    request.streams = ToolProcess::Streams::Merged;
+    logObjectWithString(launch.line->meant, u"doShellScript String: "_s);
+    m_background = m_context.launcher.start(launch, request);
+    watchBackground();
+    const qint64 pid = m_background->processIdentifier();
+    if (pid > 0)
+        return QString::number(pid);
+    m_context.guard.files().remove(logFileURL());
+    m_refusal = u"%1 could not be started."_s.arg(tool.fileName());
+    return {};
+}
+
+/// Nothing is announced of what it prints: who wants to know asks monitorConversion().
+void KXConverter::watchBackground()
+{
+    setLogString(u""_s);
+    m_logIsBegun = false;
+    m_outputDecoder.resetState();
+    m_backgroundRuns = true;
+    const ToolProcess *source = m_background.get();
+    connect(source, &ToolProcess::chunkRead, this,
+            [this, source](ToolProcess::Channel channel, const QByteArray &bytes) {
+                KXConverter::handleNewTaskResult({channel, bytes, source});
+            });
+    connect(source, &ToolProcess::channelEnded, this, [this](ToolProcess::Channel channel) {
+        if (channel != ToolProcess::Channel::Error) // the last one to be told
+            return;
+        m_backgroundRuns = false;
+        Q_EMIT toolEnded();
+    });
+}
+
+bool KXConverter::backgroundRuns() const
+{
+    return m_background ? m_backgroundRuns.load() : processIsRunningWithPID(doShell_ID());
+}
+
+void KXConverter::waitForBackgroundEnd(int milliseconds)
+{
+    if (m_background)
+        m_background->waitUntilExit(milliseconds);
+}
+
+bool KXConverter::stringFoundInLog(const QString &text) const
+{
+    if (!fileExistsAtURL(logFileURL()))
+        return false; // else the shell's complaint would be searched
+    const tools::OptionItem pattern = tools::OptionItem(u"| grep ").withData(text, tools::Quoting::Single);
+    const QString found =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -20", pattern});
+    return found.contains(text);
+}
+
+QString KXConverter::lastTimeInLog() const
+{
+    const QString line =
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
+    return steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
+}
+
+QString KXConverter::lastLogLine() const
+{
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1"});
+}
+
+QString KXConverter::pollPercentage() const
+{
+    if (!backgroundRuns())
+        return u"Complete"_s;
+    const QString piece = lastLogLine().section(u": "_s, -1);
+    return piece.endsWith(u'%') ? piece : u"error"_s;
+}
+
+void KXConverter::warn(const platform::AlertPointer &alert)
+{
+    if (presenter() == nullptr)
+        return;
+    openAlertSheet(alert);
+    QTimer::singleShot(alert->closesAfter, this, [this, alert] { alertTimedOut(alert); });
+}
+
+QString KXConverter::monitorConversion()
+{
+    if (doShell_ID().isEmpty())
+        return {};
+    if (!backgroundRuns()) {
+        if (currentPass() != 1)
+            return u"Complete"_s;
+        setCurrentPass(0); // said once
+        return u"Pass 1 Complete"_s;
+    }
+    if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
+        findDurationInSeconds();
+    const QString time = lastTimeInLog();
+    if (!time.isNull())
+        setOldProgress(time);
+    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+}
+
+steps::DurationLooks &KXConverter::durations()
+{
+    if (m_context.durations != nullptr)
+        return *m_context.durations;
+    if (!m_ownDurations)
+        m_ownDurations = std::make_unique<steps::DurationLooks>(m_context.preferences);
+    return *m_ownDurations;
+}
+
+bool KXConverter::holdsUntilDurationsAreKnown(const steps::ReadEvent &event)
+{
+    if (!durations().ask(timedSources()))
+        return false;
+    m_held.append(event);
+    if (!m_answered)
+        m_answered = connect(&durations(), &steps::DurationLooks::answered, this, &KXConverter::deliverHeld);
+    return true;
+}
+
+/// What comes meanwhile is kept behind it.
+void KXConverter::deliverHeld()
+{
+    disconnect(std::exchange(m_answered, {}));
+    while (!m_held.isEmpty()) {
+        const steps::ReadEvent event = m_held.constFirst();
+        if (event.source == converterTask().get() || event.source == nullptr)
+            deliver(event);
+        m_held.removeFirst();
+    }
+}
+
+void KXConverter::findDurationInSeconds()
+{
+    auto answer = durations().answerFor(inputFileURL());
+    if (!answer) {
+        answer = media::isRegularFile(inputFileURL())
+                     ? doShellScriptForWithOptions(urlOfApp(u"ffprobe"_s), {u"-i", inputFileURL(), u"2>&1"})
+                     : QString();
+        durations().keep(inputFileURL(), *answer);
+    }
+    takeDuration(*answer);
+}
+
+void KXConverter::takeDurationOf(const QUrl &source)
+{
+    takeDuration(durations().answerFor(source).value_or(QString()));
+}
+
+void KXConverter::takeDuration(const QString &printed)
+{
+    QString time = u"0"_s;
+    for (const QString &line : withoutNames(printed).split(u'\n')) {
+        if (!line.trimmed().startsWith(u"Duration:"_s))
+            continue; // a title may say "Duration:" too
+        const QString value = line.section(u", "_s, 0, 0).section(u": "_s, 1, 1);
+        if (!value.isEmpty() && value != u"N/A"_s) {
+            time = value;
+            break;
+        }
+    }
+    // Three hours on purpose, so that percentages stay finite.
+    const bool isUnknown = time == u"0"_s;
+    if (isUnknown)
+        time = u"03:00:00"_s;
+    const qint64 seconds = convertToTimeInSecondsFrom(time);
+    m_durationIsAssumed = isUnknown || seconds <= 0;
+    setDurationInSeconds(seconds > 0 ? QString::number(seconds) : u"180"_s);
+}
+
 QString KXConverter::withoutNames(QString log) const
 {
     for (const QUrl &file : {inputFileURL(), outputFileURL()}) {
@@ -150,25 +501,11 @@ steps::Outcome KXConverter::outcome() const
 
 steps::Outcome KXConverter::outcomeOfTool() const
 {
-    const steps::Outcome ended = outcomeOfLastTask();
+    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, withoutNames(logString()));
     if (ended.verdict == steps::Verdict::Failed)
         return ended;
-    const QList<QUrl> outputs = outputFiles();
-    const auto lacks = [&](const QString &sentence, const QUrl &file) {
-        return steps::Outcome::failed(sentence.arg(m_tool.fileName(), file.fileName()));
-    };
-    if (outputs.isEmpty())
-        return lacks(u"%1 ended without writing %2."_s, outputFileURL());
-    for (const QUrl &file : outputs) {
-        const QFileInfo output(file.toLocalFile());
-        if (!output.exists())
-            return lacks(u"%1 ended without writing %2."_s, file);
-        if (output.size() == 0)
-            return lacks(u"%1 wrote nothing into %2."_s, file);
-        if (media::isMatroskaWithoutPackets(file))
-            return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
-    }
-    return withNotes(ended);
+    const QString problem = steps::problemWithOutputs(m_tool, outputFiles(), outputFileURL());
+    return problem.isNull() ? withNotes(ended) : steps::Outcome::failed(problem);
 }
 
 /// What a person should know about outputs that are there. A part of a film may well lack a track.
@@ -190,27 +527,4 @@ bool KXConverter::lastRunFailed() const
 {
     const auto task = lastTask();
     return task && task->end() != tools::ToolProcess::End::StillRunning && task->exitStatus() != 0;
-}
-
-steps::Outcome KXConverter::outcomeOfLastTask() const
-{
-    using steps::Outcome;
-    const auto task = lastTask();
-    const QString name = m_tool.fileName();
-    if (!task)
-        return Outcome::failed(u"The tool of this step was not started."_s);
-    const steps::ToolLog log(withoutNames(logString()));
-    if (task->end() == tools::ToolProcess::End::NotStarted)
-        return Outcome::failed(sentenceOf(u"%1 was not started"_s.arg(name), log.lastMessage()));
-    if (!task->exitStatus())
-        return Outcome::failed(u"%1 was ended from outside or crashed."_s.arg(name));
-    const int status = *task->exitStatus();
-    if (tools::toolFamily(m_tool) == tools::ToolFamily::Mkv && status == 1)
-        return Outcome::warnings(
-            sentenceOf(u"%1 warned"_s.arg(name), log.firstLineStartingWith(u"Warning:"_s)));
-    if (status != 0) {
-        return Outcome::failed(
-            sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
-    }
-    return Outcome::ok();
 }

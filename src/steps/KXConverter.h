@@ -172,7 +172,6 @@ private:
     steps::Outcome withNotes(steps::Outcome ended) const;
     /// The run that was started last: a second pass of a background run has a process object of its own.
     tools::ToolProcessPointer lastTask() const { return converterTask() ? converterTask() : m_background; }
-    steps::Outcome outcomeOfLastTask() const;
     /// A log without the names that would break it into lines of their own.
     QString withoutNames(QString log) const;
     tools::OptionList fittingLaunchForm(const tools::OptionList &meant);

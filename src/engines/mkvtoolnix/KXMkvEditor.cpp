@@ -65,7 +65,8 @@ QList<steps::Launch> KXMkvEditor::launches()
     const QUrl tool = urlOfApp(u"mkvmerge"_s);
     if (converterSelection()->jobType() == splitting)
         return {launchOfLine(tool, splitItems())};
-    return {launchOf(tool, engines::joinArguments(converterSelection()->editFilesURLsList(), outputFileURL()))};
+    return {
+        launchOf(tool, engines::joinArguments(converterSelection()->editFilesURLsList(), outputFileURL()))};
 }
 
 tools::ToolProcessPointer KXMkvEditor::startConversionForSelection(const SelectionPointer &selection)
@@ -102,9 +103,9 @@ QString KXMkvEditor::startPreparedInBackground()
         postConversionStarted();
         setDoShell_ID(startInBackground(tool, splitItems()));
     } else if (warnOfMismatch()) {
-        setDoShell_ID(startInBackground(
-            tool, engines::joinShellItems(converterSelection()->editFilesURLsList(), outputFileURL(),
-                                          logFileURL())));
+        setDoShell_ID(
+            startInBackground(tool, engines::joinShellItems(converterSelection()->editFilesURLsList(),
+                                                            outputFileURL(), logFileURL())));
     }
     return doShell_ID();
 }

@@ -1,0 +1,63 @@
+#include "steps/RunVerdict.h"
+
+#include "media/MatroskaPackets.h"
+#include "steps/ToolLog.h"
+#include "tools/ToolEnvironment.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace steps {
+
+namespace {
+
+/// The reason as a sentence, followed by the tool's own words where there are some.
+QString sentenceOf(const QString &reason, const QString &words)
+{
+    const QString sentence = words.isEmpty() ? reason : reason + u": "_s + words;
+    return sentence.endsWith(u'.') ? sentence : sentence + u'.';
+}
+
+} // namespace
+
+Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QString &text)
+{
+    if (run == nullptr)
+        return Outcome::failed(u"The tool of this step was not started."_s);
+    const QString name = tool.fileName();
+    const ToolLog log(text);
+    if (run->end() == tools::ToolProcess::End::NotStarted)
+        return Outcome::failed(sentenceOf(u"%1 was not started"_s.arg(name), log.lastMessage()));
+    if (!run->exitStatus())
+        return Outcome::failed(u"%1 was ended from outside or crashed."_s.arg(name));
+    const int status = *run->exitStatus();
+    if (tools::toolFamily(tool) == tools::ToolFamily::Mkv && status == 1)
+        return Outcome::warnings(
+            sentenceOf(u"%1 warned"_s.arg(name), log.firstLineStartingWith(u"Warning:"_s)));
+    if (status == 0)
+        return Outcome::ok();
+    return Outcome::failed(
+        sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
+}
+
+QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted)
+{
+    const auto lacks = [&](const QString &sentence, const QUrl &file) {
+        return sentence.arg(tool.fileName(), file.fileName());
+    };
+    if (outputs.isEmpty())
+        return lacks(u"%1 ended without writing %2."_s, wanted);
+    for (const QUrl &file : outputs) {
+        const QFileInfo output(file.toLocalFile());
+        if (!output.exists())
+            return lacks(u"%1 ended without writing %2."_s, file);
+        if (output.size() == 0)
+            return lacks(u"%1 wrote nothing into %2."_s, file);
+        if (media::isMatroskaWithoutPackets(file))
+            return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
+    }
+    return {};
+}
+
+} // namespace steps

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "steps/Outcome.h"
+#include "tools/ToolProcess.h"
+
+#include <QList>
+#include <QUrl>
+
+namespace steps {
+
+/// How a run of a tool ended, by its exit status; the tool's words in its log only say why. Without a process
+/// it was not started.
+Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QString &log);
+
+/// What is wrong with the outputs of a run that ended well, or a null text. Where none is there, the wanted
+/// one is named.
+QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted);
+
+} // namespace steps
