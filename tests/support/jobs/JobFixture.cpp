@@ -58,9 +58,8 @@ jobs::JobContext JobFixture::jobContext(steps::WhenTaken whenTaken)
 
 jobs::JobContext JobFixture::jobContext(steps::WhenTaken whenTaken, steps::StepLauncher &other)
 {
-    return {preferences, notifications, alerts,        volumes,   workspace,
-            other,       outputs,       scratchFolder, whenTaken, toolsAtOnce,
-            intervals};
+    return {preferences, notifications, alerts,    volumes,     workspace, other,
+            outputs,     scratchFolder, whenTaken, toolsAtOnce, intervals};
 }
 
 steps::ConverterContext JobFixture::converterContext(steps::OutputGuard &guard)

@@ -327,6 +327,17 @@ private Q_SLOTS:
         QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
     }
 
+    /// Both passes, the mux and the job's end.
+    void noPollIsWaitedFor()
+    {
+        MkvJobFixture fixture;
+        fixture.base.intervals = {60000, 60000, 60000, 60000};
+        fixture.begin({picture(u"h264"_s), sound(u"aac"_s)}, u"2"_s);
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 3);
+        QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
+    }
+
     void aFailedFirstPassIsNotFollowedByASecond()
     {
         MkvJobFixture fixture;
@@ -336,9 +347,9 @@ private Q_SLOTS:
         QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 1);
         QVERIFY(fixture.calls().isEmpty()); // nor muxed
         QCOMPARE(fixture.job->outcome().verdict, Verdict::Failed);
-        QVERIFY2(fixture.job->outcome().sentence.startsWith(
-                     u"ffmpeg failed (exit status 1): No such stream."_s),
-                 qPrintable(fixture.job->outcome().sentence));
+        QVERIFY2(
+            fixture.job->outcome().sentence.startsWith(u"ffmpeg failed (exit status 1): No such stream."_s),
+            qPrintable(fixture.job->outcome().sentence));
     }
 
     // Two passes of one track.

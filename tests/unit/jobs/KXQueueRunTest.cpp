@@ -84,6 +84,24 @@ private Q_SLOTS:
         QCOMPARE(q.states(), QStringList{u"Running"_s});
     }
 
+    void noTickIsWaitedFor()
+    {
+        Queue q;
+        q.fixture.intervals.tick = 60000;
+        KXQueueController queue(q.fixture.jobContext(), q.factory, nullptr);
+        queue.initialize();
+        for (const QString &source : {u"/v/a.mkv"_s, u"/v/b.mkv"_s})
+            queue.addToQueue(q.selection(conversion, source));
+        const auto starts = [&](qsizetype row) {
+            return static_cast<TestJob *>(queue.qJobList().at(row).get())->starts;
+        };
+        QCOMPARE(starts(0), 0); // whoever adds is done first
+        QVERIFY(support::waitFor([&] { return starts(0) == 1; }));
+        QVERIFY(!support::waitFor([&] { return starts(1) > 0; }, 100));
+        queue.qJobList().first()->jobDone();
+        QVERIFY(support::waitFor([&] { return starts(1) == 1; }));
+    }
+
     void emptyQueueClosesTheDrawerAndStopsTheTimer()
     {
         Queue q;
