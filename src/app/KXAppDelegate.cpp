@@ -38,6 +38,8 @@ KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
 {
     connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
             &KXAppDelegate::fileTextFieldChanged);
+    connect(&starter(), &app::JobStarter::finishingChanged, this,
+            [this] { m_queueWatch.expectMore(starter().isFinishing()); });
 }
 
 KXAppDelegate::~KXAppDelegate() = default;

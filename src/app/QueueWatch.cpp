@@ -38,11 +38,17 @@ void QueueWatch::count(int row)
     ++m_ended[job->outcome().verdict];
 }
 
+void QueueWatch::expectMore(bool more)
+{
+    m_moreComing = more;
+    look();
+}
+
 /// A paused queue may let the machine sleep: nothing of it runs.
 void QueueWatch::look()
 {
     const bool paused = m_queue.qJobIsRunning() && m_queue.pauseButtonTitle() == u"Resume"_s;
-    const bool working = m_queue.qJobIsRunning() || hasQueuedJob();
+    const bool working = m_queue.qJobIsRunning() || hasQueuedJob() || m_moreComing;
     if (working && !paused)
         m_desktop.keepAwake(tr("Videos are being processed"));
     else

@@ -26,6 +26,8 @@ public:
     /// Both must outlive it.
     QueueWatch(KXQueueController &queue, platform::Desktop &desktop);
 
+    /// While more jobs are about to be added, a queue that has run empty has not come to its end.
+    void expectMore(bool more);
     /// "3 done, 1 failed": how the jobs of the last run of the queue ended.
     QString summary() const;
 
@@ -43,6 +45,7 @@ private:
     QMap<steps::Verdict, int> m_ended;
     std::weak_ptr<KXJob> m_lastEnded;
     bool m_working = false;
+    bool m_moreComing = false;
 };
 
 } // namespace app

@@ -292,7 +292,7 @@ QString rawH264()
 QString srtFile()
 {
     return clip(u"lines.srt"_s, [](const QString &path) {
-        writeContent(path, "1\n00:00:01,000 --> 00:00:03,000\nHello, fixture\n\n"
+        writeContent(path, "1\n00:00:01,000 --> 00:00:03,000\nHello, world\n\n"
                            "2\n00:00:03,500 --> 00:00:06,000\nSecond line\n\n");
     });
 }

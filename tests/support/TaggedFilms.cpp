@@ -45,7 +45,7 @@ QByteArray xmlOf(const TagList &tags)
 QString tinyTextMkv()
 {
     return withSubtitle(u"tiny-text.mkv"_s, u".srt"_s,
-                        "1\n00:00:00,000 --> 00:00:01,900\nHello, fixture\n\n");
+                        "1\n00:00:00,000 --> 00:00:01,900\nHello, world\n\n");
 }
 
 QString tinyPictureMkv()

@@ -71,7 +71,7 @@ private Q_SLOTS:
         QCOMPARE(runs.names(), names); // and no log
         QCOMPARE(job->outputs().size(), 6);
         QVERIFY(contentOf(runs.path(u"a.mkv.stream0.h264"_s)).startsWith(QByteArray("\0\0\0\1", 4)));
-        QVERIFY(contentOf(runs.path(u"a.mkv.stream3.srt"_s)).contains("Hello, fixture"));
+        QVERIFY(contentOf(runs.path(u"a.mkv.stream3.srt"_s)).contains("Hello, world"));
         QCOMPARE(contentOf(source), contentOf(fullMkv()));
     }
 

@@ -119,6 +119,31 @@ private Q_SLOTS:
         QCOMPARE(watched.watch.summary(), u"2 done"_s);
     }
 
+    /// The first of several films can be done before the next is added.
+    void theEndIsNotToldWhileMoreAreComing()
+    {
+        Watched watched(1);
+        watched.watch.expectMore(true);
+        watched.runOne(Outcome::ok());
+        QCOMPARE(watched.ended.size(), 0);
+        watched.add(1);
+        watched.watch.expectMore(false);
+        QCOMPARE(watched.ended.size(), 0);
+        watched.runOne(Outcome::ok());
+        QCOMPARE(watched.ended.size(), 1);
+        QCOMPARE(watched.watch.summary(), u"2 done"_s);
+    }
+
+    void whereNoMoreCameTheEndIsToldThen()
+    {
+        Watched watched(1);
+        watched.watch.expectMore(true);
+        watched.runOne(Outcome::ok());
+        watched.watch.expectMore(false);
+        QCOMPARE(watched.ended.size(), 1);
+        QCOMPARE(watched.watch.summary(), u"1 done"_s);
+    }
+
     void kindsThatDidNotOccurAreNotNamed()
     {
         Watched watched(1);
