@@ -1,10 +1,11 @@
-// How a job follows its steps while they run; how it ends is in KXJobEnd.cpp.
+// A job and how it follows its steps while they run; how it is paused, stopped and ended is in KXJobEnd.cpp.
 #include "jobs/KXJob.h"
 
 #include "media/KXVideoTrack.h"
 #include "prefs/KXPreferences.h"
 #include "steps/ScratchFolder.h"
 
+#include <QThread>
 #include <QTime>
 
 #include <algorithm>
@@ -14,6 +15,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int nothingRunsDelay = 100;
+constexpr int sliceMs = 20;
 
 QList<QUrl> inputsOf(const KXSelection &selection)
 {
@@ -330,4 +332,65 @@ void KXJob::endIfNothingRuns()
     const bool nothingRuns = m_stepTaskList.isEmpty() && m_waitingSteps.isEmpty();
     if (nothingRuns || everyStepIsComplete())
         requestJobDone(nothingRunsDelay);
+}
+
+/// A stop is not waited for, as it may be waiting for us.
+void KXJob::runOnMain(const std::function<void()> &work, Qt::ConnectionType how)
+{
+    if (jobIsCancelled())
+        return;
+    // Work that waits to be done does not keep the job: it might be dropped when nothing else is left.
+    const auto guarded = [weak = weak_from_this(), work] {
+        const auto self = weak.lock();
+        if (self && !self->jobIsCancelled())
+            work();
+    };
+    if (how == Qt::QueuedConnection || QThread::currentThread() == thread()) {
+        QMetaObject::invokeMethod(this, guarded, how == Qt::QueuedConnection ? how : Qt::DirectConnection);
+        return;
+    }
+    const auto done = std::make_shared<QSemaphore>();
+    QMetaObject::invokeMethod(
+        this,
+        [guarded, done] {
+            guarded();
+            done->release();
+        },
+        Qt::QueuedConnection);
+    while (!done->tryAcquire(1, sliceMs) && !jobIsCancelled()) {
+    }
+}
+
+jobs::ProgressList KXJob::firstProgress() const
+{
+    jobs::ProgressList first;
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        if (converter)
+            first.append({converter->stepName(), u"0%"_s});
+    }
+    return first;
+}
+
+void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std::function<void()> &finished)
+{
+    monitorQueue()->start([this, self = shared_from_this(), cycle, finished, previous = first]() mutable {
+        bool isFinished = false;
+        while (!isFinished && !jobIsCancelled()) {
+            jobs::ProgressList current;
+            isFinished = cycle(previous, current);
+            runOnMain([this, current] { setProgressList(current); }, Qt::BlockingQueuedConnection);
+            runOnMain([this, current] { updateProgressWithProgressList(current); }, Qt::QueuedConnection);
+            previous = current;
+            if (!isFinished && m_news.tryAcquire(1, m_context.intervals.poll))
+                m_news.tryAcquire(m_news.available()); // one look sees all of it
+        }
+        // The hold goes to the main thread: where the loop runs, its end can't be waited for.
+        QMetaObject::invokeMethod(
+            this,
+            [self = std::move(self), finished] {
+                if (!self->jobIsCancelled())
+                    finished();
+            },
+            Qt::QueuedConnection);
+    });
 }

@@ -2,7 +2,7 @@
 
 #include <QHash>
 #include <QRandomGenerator>
-#include <QString>
+#include <QStringList>
 
 namespace support {
 
@@ -34,6 +34,16 @@ quint32 seed()
         return made;
     }();
     return chosen;
+}
+
+Part part()
+{
+    const QStringList words = qEnvironmentVariable("TESSARAY_PART", QStringLiteral("1/1")).split(u'/');
+    const qsizetype number = words.value(0).toLongLong();
+    const qsizetype count = words.value(1).toLongLong();
+    if (number < 1 || number > count)
+        qFatal("TESSARAY_PART is NUMBER/COUNT, from 1/COUNT to COUNT/COUNT.");
+    return {number - 1, count};
 }
 
 Chances chancesAt(int line)

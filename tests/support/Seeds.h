@@ -49,6 +49,24 @@ QList<Row> drawn(const QList<Row> &rows, qsizetype count, int line = __builtin_L
     return taken;
 }
 
+/// Which part of a long form is wanted: TESSARAY_PART=3/10 is the third of ten. Without it there is one, the whole.
+struct Part
+{
+    qsizetype number = 0; ///< from 0
+    qsizetype count = 1;
+};
+Part part();
+
+/// The rows of the part that is wanted, so that a walk of hours can be made over several nights.
+template <typename Row>
+QList<Row> partOf(const QList<Row> &rows)
+{
+    QList<Row> taken;
+    for (qsizetype i = part().number; i < rows.size(); i += part().count)
+        taken.append(rows.at(i));
+    return taken;
+}
+
 /// Whether a row of a matrix is run: in the long form, else for one in so many, drawn by the seed.
 inline bool isDrawn(int oneIn, int line = __builtin_LINE())
 {

@@ -141,7 +141,7 @@ TagList tagsFor(const QString &field, const QString &text)
     return field.startsWith(u"tags."_s) ? tags : support::behindABrace(tags);
 }
 
-/// A base in which one case after the other is run, while others are in theirs.
+/// A fixture in which one case after the other is run, while others are in theirs.
 class Lane
 {
 public:
@@ -276,7 +276,7 @@ void HostileFieldsTest::harmlessFilmsPass()
 
 void HostileFieldsTest::nothingHappensButWhatIsMeant()
 {
-    QCOMPARE(m_lanes->offencesIn(support::isSoak() ? allCases() : drawnCases()), 0);
+    QCOMPARE(m_lanes->offencesIn(support::isSoak() ? support::partOf(allCases()) : drawnCases()), 0);
 }
 
 /// The window program without its window opens the film and plays it.

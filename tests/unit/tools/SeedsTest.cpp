@@ -58,6 +58,21 @@ private Q_SLOTS:
         QCOMPARE(support::times(1000, 10), 10);
     }
 
+    void thePartsMakeTheWhole()
+    {
+        QList<int> all;
+        for (const char *part : {"1/3", "2/3", "3/3"}) {
+            qputenv("TESSARAY_PART", part);
+            const QList<int> rows = support::partOf(m_rows);
+            QVERIFY2(rows.size() == 13 || rows.size() == 14, qPrintable(QString::number(rows.size())));
+            all += rows;
+        }
+        qunsetenv("TESSARAY_PART");
+        QCOMPARE(support::partOf(m_rows), m_rows);
+        std::sort(all.begin(), all.end());
+        QCOMPARE(all, m_rows);
+    }
+
 private:
     QList<int> m_rows;
 };
