@@ -24,5 +24,5 @@ endfunction()
 
 # Several sources to one compile. A change compiles its batch again, so batches are small.
 function(tessaray_in_batches target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TESSARAY_BATCHES} UNITY_BUILD_BATCH_SIZE 8)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TESSARAY_BATCHES} UNITY_BUILD_BATCH_SIZE 16)
 endfunction()

@@ -17,7 +17,7 @@ namespace {
 
 constexpr qsizetype mostNamed = 100;
 
-QString namesOf(const QList<QUrl> &files)
+QString pathsOf(const QList<QUrl> &files)
 {
     QStringList names;
     for (const QUrl &file : files)
@@ -198,7 +198,7 @@ void WatchSession::jobChanged(int row)
     const bool failed = job->outcome().verdict == steps::Verdict::Failed;
     QStringList parts{job->jobFileName()};
     if (!failed && !job->outputs().isEmpty())
-        parts.append(namesOf(job->outputs()));
+        parts.append(pathsOf(job->outputs()));
     if (!job->outcome().sentence.isEmpty())
         parts.append(job->outcome().sentence);
     note(failed ? WatchLog::Kind::Failed : WatchLog::Kind::Done, parts.join(u": "_s));

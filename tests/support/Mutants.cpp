@@ -12,8 +12,8 @@ namespace support {
 
 namespace {
 
-const QString picture = u"-f lavfi -i testsrc2=s=48x32:r=10:d=1"_s;
-const QString sound = u"-f lavfi -i sine=d=1:r=44100"_s;
+const QString smallPicture = u"-f lavfi -i testsrc2=s=48x32:r=10:d=1"_s;
+const QString smallSound = u"-f lavfi -i sine=d=1:r=44100"_s;
 
 QString made(const QString &name, const QString &arguments)
 {
@@ -26,27 +26,29 @@ QString smallMp4()
 {
     return made(u"small.mp4"_s,
                 u"%1 %2 -i %3 -map 0 -map 1 -map 2 -c:v libx264 -preset ultrafast -g 5 -pix_fmt yuv420p "
-                "-c:a aac -b:a 32k -c:s mov_text"_s.arg(picture, sound, srtFile()));
+                "-c:a aac -b:a 32k -c:s mov_text"_s.arg(smallPicture, smallSound, srtFile()));
 }
 
 QString smallAvi()
 {
-    return made(u"small.avi"_s, u"%1 %2 -c:v mpeg4 -q:v 9 -c:a libmp3lame -b:a 32k"_s.arg(picture, sound));
+    return made(u"small.avi"_s,
+                u"%1 %2 -c:v mpeg4 -q:v 9 -c:a libmp3lame -b:a 32k"_s.arg(smallPicture, smallSound));
 }
 
 QString smallTs()
 {
-    return made(u"small.ts"_s, u"%1 %2 -c:v mpeg2video -q:v 9 -c:a mp2 -b:a 64k"_s.arg(picture, sound));
+    return made(u"small.ts"_s,
+                u"%1 %2 -c:v mpeg2video -q:v 9 -c:a mp2 -b:a 64k"_s.arg(smallPicture, smallSound));
 }
 
 QString smallH264()
 {
-    return made(u"small.h264"_s, picture + u" -c:v libx264 -preset ultrafast -g 5 -pix_fmt yuv420p"_s);
+    return made(u"small.h264"_s, smallPicture + u" -c:v libx264 -preset ultrafast -g 5 -pix_fmt yuv420p"_s);
 }
 
 QString smallOgg()
 {
-    return made(u"small.ogg"_s, sound + u" -c:a libvorbis"_s);
+    return made(u"small.ogg"_s, smallSound + u" -c:a libvorbis"_s);
 }
 
 qsizetype placeIn(const QByteArray &content, Chances &chances)

@@ -149,6 +149,8 @@ private Q_SLOTS:
     void theMediaThemselvesPass();
     void theSameSeedMakesTheSame();
     void mutants();
+    void aFilmWhosePicturesAreLostIsNotOk_data();
+    void aFilmWhosePicturesAreLostIsNotOk();
 
 private:
     static QList<Batch> batchesOf(QList<Mutant> all, const QStringList &lines);
@@ -186,6 +188,29 @@ QList<Batch> MutantsTest::drawn()
     for (qsizetype i = 0; i < batches.size(); ++i)
         batches[i].command = commands().at((i / 2) % commands().size());
     return batches;
+}
+
+void MutantsTest::aFilmWhosePicturesAreLostIsNotOk_data()
+{
+    QTest::addColumn<QStringList>("words");
+    for (const char *words : {"convert --kind mkv", "convert"})
+        QTest::newRow(words) << QString::fromLatin1(words).split(u' ');
+}
+
+/// Found by a seed: the packets of the picture are those of a stream that isn't there, of which the tools say
+/// nothing.
+void MutantsTest::aFilmWhosePicturesAreLostIsNotOk()
+{
+    QFETCH(QStringList, words);
+    CliFixture cli;
+    for (const support::SmallMedium &medium : support::smallMedia()) {
+        if (medium.extension == u"avi"_s)
+            support::writeContent(cli.media(u"film.avi"_s),
+                                  support::contentOf(medium.path).replace("00dc", "07dc"));
+    }
+    const CliFixture::Run run = cli.run(words + QStringList{u"film.avi"_s});
+    QVERIFY2(run.status == 1, qPrintable(run.said()));
+    QVERIFY2(run.said().contains(u"There is nothing in the video track"_s), qPrintable(run.said()));
 }
 
 /// What is wrong here is wrong with the test.

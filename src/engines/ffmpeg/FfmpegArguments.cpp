@@ -18,8 +18,6 @@ namespace engines {
 
 namespace {
 
-constexpr qsizetype passPosition = 2; // behind the first input, before any further one: meant
-
 OptionList inputArguments(const KXSelection &selection)
 {
     OptionList list{u"-i", selection.videoTrackFileURL()};

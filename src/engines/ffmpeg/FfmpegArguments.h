@@ -11,6 +11,9 @@ class KXSelection;
 
 namespace engines {
 
+/// Where the words for the pass stand: behind the first input, before any further one, on purpose.
+inline constexpr qsizetype passPosition = 2;
+
 using selection::OutputKind;
 
 /// What a whole-file conversion is made from, beside the selection.

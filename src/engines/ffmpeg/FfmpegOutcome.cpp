@@ -32,6 +32,14 @@ bool isShort(const FfmpegRun &run)
            tools::percentOf(done, duration) < toleratedPercent;
 }
 
+/// The last status line counts the pictures that were written. Of a damaged AVI that can be none without a
+/// word.
+bool lacksPictures(const FfmpegRun &run, const steps::ToolLog &log)
+{
+    const QString line = log.lastStatusLine();
+    return run.hasVideo && line.startsWith(u"frame="_s) && tools::leadingInteger(line.mid(6).trimmed()) == 0;
+}
+
 } // namespace
 
 Outcome outcomeOfMessages(const FfmpegRun &run)
@@ -49,7 +57,10 @@ Outcome outcomeOfMessages(const FfmpegRun &run)
          u"Invalid data found when processing input"_s});
     if (!damage.isNull())
         outcome = outcome.joinedWith(Outcome::warnings(u"The source seems damaged: %1."_s.arg(damage)));
-    if (isShort(run)) {
+    if (lacksPictures(run, log)) {
+        outcome =
+            outcome.joinedWith(Outcome::warnings(u"There is nothing in the video track of the output."_s));
+    } else if (isShort(run)) {
         const auto sentence = u"The output ends at %1 s, the source is %2 s long."_s;
         const QString done = QString::number(KXHelpers::convertToTimeInSecondsFrom(run.lastTime));
         outcome = outcome.joinedWith(Outcome::warnings(sentence.arg(done, run.durationInSeconds)));

@@ -1,5 +1,6 @@
 #include "engines/ffmpeg/FfmpegSingleTrack.h"
 
+#include "engines/ffmpeg/FfmpegArguments.h"
 #include "media/KXVideoTrack.h"
 #include "selection/KXSelection.h"
 
@@ -11,8 +12,6 @@ using tools::Quoting;
 namespace engines {
 
 namespace {
-
-constexpr qsizetype passPosition = 2;
 
 OptionList videoWords(const KXSelection &selection, const KXVideoTrack &track)
 {

@@ -36,6 +36,33 @@ private Q_SLOTS:
         QVERIFY(outcome.sentence.isEmpty());
     }
 
+    void anOutputWithoutPicturesIsAWarning_data()
+    {
+        QTest::addColumn<QByteArray>("frames");
+        QTest::addColumn<bool>("hasVideo");
+        QTest::addColumn<bool>("isOk");
+        QTest::newRow("none") << QByteArray("frame=    0 fps=0.0 q=-1.0 ") << true << false;
+        QTest::newRow("one") << QByteArray("frame=    1 fps=0.0 q=-1.0 ") << true << true;
+        QTest::newRow("many") << QByteArray("frame=100000 fps=0.0 q=-1.0 ") << true << true;
+        QTest::newRow("sound alone") << QByteArray("frame=    0 fps=0.0 q=-1.0 ") << false << true;
+        QTest::newRow("sound alone, without the word") << QByteArray() << true << true;
+    }
+
+    void anOutputWithoutPicturesIsAWarning()
+    {
+        QFETCH(QByteArray, frames);
+        QFETCH(bool, hasVideo);
+        QFETCH(bool, isOk);
+        FfmpegRun run =
+            whole(QString::fromLatin1("frame=    9 fps=0.0 q=-1.0 size=       1kB time=00:00:00.02\r" +
+                                      frames + "Lsize=       2kB time=00:02:00.00 speed=3e+03x\n"));
+        run.hasVideo = hasVideo;
+        const auto outcome = outcomeOfMessages(run);
+        QCOMPARE(outcome.verdict, isOk ? Verdict::Ok : Verdict::Warnings);
+        QCOMPARE(outcome.sentence,
+                 isOk ? QString() : u"There is nothing in the video track of the output."_s);
+    }
+
     void aFullDiskIsAFailure()
     {
         const auto outcome =
