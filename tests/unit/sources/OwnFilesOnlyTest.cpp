@@ -48,7 +48,7 @@ const QMap<QString, QString> &reasons()
     return list;
 }
 
-/// Lines of a tree that do, as "room/File.cpp: line", comments left out.
+/// Lines of a tree that do, as "module/File.cpp: line", comments left out.
 QStringList harmIn(const QString &root)
 {
     QStringList found;
