@@ -331,7 +331,8 @@ private Q_SLOTS:
     void noPollIsWaitedFor()
     {
         MkvJobFixture fixture;
-        fixture.base.intervals = {60000, 60000, 60000, 60000};
+        constexpr int never = 10 * support::patience;
+        fixture.base.intervals = {never, never, never, never};
         fixture.begin({picture(u"h264"_s), sound(u"aac"_s)}, u"2"_s);
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 3);

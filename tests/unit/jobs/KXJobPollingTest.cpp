@@ -120,7 +120,7 @@ private Q_SLOTS:
 
     void newsEndARest()
     {
-        PollFixture fixture(60000);
+        PollFixture fixture(10 * support::patience);
         fixture.poll(3);
         QVERIFY(waitFor([&] { return fixture.count == 1; }));
         fixture.job->pollSoon();

@@ -87,7 +87,7 @@ private Q_SLOTS:
     void noTickIsWaitedFor()
     {
         Queue q;
-        q.fixture.intervals.tick = 60000;
+        q.fixture.intervals.tick = 10 * support::patience;
         KXQueueController queue(q.fixture.jobContext(), q.factory, nullptr);
         queue.initialize();
         for (const QString &source : {u"/v/a.mkv"_s, u"/v/b.mkv"_s})
