@@ -35,7 +35,7 @@ namespace {
 
 /// Far more than any run takes, also on a machine that others keep busy.
 constexpr int boundMs = 180000;
-constexpr qsizetype sampleSize = 20; ///< each command once
+constexpr qsizetype sampleSize = 72; ///< each command three times and more
 /// They wait more than they work.
 constexpr size_t laneCount = 5;
 
