@@ -4,7 +4,22 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
+#include <functional>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+void putInPlace(const QString &path, const std::function<bool(const QString &aside)> &make)
+{
+    const QString aside = path + u".new"_s;
+    if (!make(aside) ||
+        std::rename(QFile::encodeName(aside).constData(), QFile::encodeName(path).constData()) != 0)
+        qFatal("can't put the fake tool at %s", qPrintable(path));
+}
+
+} // namespace
 
 namespace support {
 
@@ -13,16 +28,15 @@ QString FakeTool::program()
     return QStringLiteral(TESSARAY_FAKETOOL);
 }
 
+/// Each is put in place by a rename: a run of the same tool that was started a moment ago may still read it.
 QString FakeTool::install(const QString &path, const QStringList &script)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile::remove(path);
-    if (!QFile::link(program(), path))
-        qFatal("can't put the fake tool at %s", qPrintable(path));
-    QFile file(path + u".script"_s);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        qFatal("can't write the script of %s", qPrintable(path));
-    file.write(script.join(u'\n').toUtf8());
+    putInPlace(path + u".script"_s, [&](const QString &aside) {
+        QFile file(aside);
+        return file.open(QIODevice::WriteOnly) && file.write(script.join(u'\n').toUtf8()) >= 0;
+    });
+    putInPlace(path, [](const QString &aside) { return QFile::link(program(), aside); });
     return path;
 }
 
