@@ -17,6 +17,14 @@ if(TESSARAY_SANITIZE)
   target_link_options(tessaray_compile INTERFACE -fsanitize=address,undefined)
 endif()
 
+# A library without an archive, which would be one more step between a change and its test: a program that links it,
+# directly or through others, links its objects.
+function(tessaray_library target)
+  add_library(${target} OBJECT ${ARGN})
+  target_sources(${target} INTERFACE
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:${target}>>)
+endfunction()
+
 # Four fifths of a compile is reading headers of Qt: they are read once, for all targets with the same defines.
 function(tessaray_share_headers target owner)
   target_precompile_headers(${target} REUSE_FROM ${owner})

@@ -1,8 +1,8 @@
-# A module is one folder of src/: a static library that links only the modules below it. The lowest one brings the
+# A module is one folder of src/: a library that links only the modules below it. The lowest one brings the
 # precompiled header that all share; what is said twice in one batch of a unity build wants one place anyway.
 function(tessaray_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;MODULES" ${ARGN})
-  add_library(tessaray_${name} STATIC ${MODULE_SOURCES})
+  tessaray_library(tessaray_${name} ${MODULE_SOURCES})
   target_include_directories(tessaray_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   list(TRANSFORM MODULE_MODULES PREPEND tessaray_)
   target_link_libraries(tessaray_${name} PUBLIC Qt6::Core ${MODULE_MODULES} PRIVATE tessaray_compile)
