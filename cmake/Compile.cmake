@@ -30,7 +30,8 @@ function(tessaray_share_headers target owner)
   target_precompile_headers(${target} REUSE_FROM ${owner})
 endfunction()
 
-# Several sources to one compile. A change compiles its batch again, so batches are small.
-function(tessaray_in_batches target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TESSARAY_BATCHES} UNITY_BUILD_BATCH_SIZE 16)
+# tessaray_in_batches(TARGET SIZE): several sources to one compile. A change compiles its batch again, so batches are
+# small.
+function(tessaray_in_batches target size)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TESSARAY_BATCHES} UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()

@@ -8,6 +8,12 @@ using namespace Qt::StringLiterals;
 
 namespace support {
 
+QString muxOptions(const QString &id, const QString &title)
+{
+    return u"--language %1:eng|--track-name %1:'%2'|--default-track %1:0|--forced-track %1:0|"
+           "--compression %1:none|"_s.arg(id, title);
+}
+
 namespace {
 
 constexpr int longEnough = 30000;

@@ -5,6 +5,25 @@
 
 namespace support {
 
+// The words by which a selection names an operation on Matroska files.
+inline const QString mkvConversion = QStringLiteral("MKV Conversion");
+inline const QString mkvJoining = QStringLiteral("MKV Joining");
+inline const QString mkvRemoval = QStringLiteral("MKV Track Removal");
+inline const QString mkvRemux = QStringLiteral("MKV Remux");
+inline const QString mkvSplitting = QStringLiteral("MKV Splitting");
+
+/// Makes a job of one class.
+using JobMaker = std::shared_ptr<KXJob> (*)(const jobs::JobContext &);
+
+template <class Job>
+std::shared_ptr<KXJob> makeJob(const jobs::JobContext &context)
+{
+    return std::make_shared<Job>(context);
+}
+
+/// What a muxing list says of an English track, ended by a bar.
+QString muxOptions(const QString &id, const QString &title = {});
+
 /// Starts what it is asked to start, and keeps what that was.
 class LaunchRecord final : public steps::StepLauncher
 {

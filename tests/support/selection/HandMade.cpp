@@ -41,6 +41,11 @@ TrackPointer audioTrack(const QString &stream, const QString &codec, const QStri
     return track;
 }
 
+TrackPointer surroundSound(const QString &codec)
+{
+    return audioTrack(u"1"_s, codec, u"6"_s, {});
+}
+
 TrackPointer subtitleTrack(const QString &stream, const QString &codec, const QString &userCodec)
 {
     const auto track = sourceTrack(u"Subtitle"_s, stream, codec);
@@ -80,6 +85,11 @@ SelectionPointer handMadeSelection(const QString &device, const TrackList &track
         subtitles += track->trackType().endsWith(u"Subtitle"_s) ? 1 : 0;
     selection->setSubCount(QString::number(subtitles));
     return selection;
+}
+
+QString itemsOf(const tools::OptionList &list)
+{
+    return tools::textsOf(list).join(u'|');
 }
 
 QStringList words(const QString &line)

@@ -13,6 +13,8 @@ TrackPointer videoTrack(const QString &userCodec = QStringLiteral("h264"));
 /// An audio stream of the source with one output.
 TrackPointer audioTrack(const QString &stream, const QString &codec, const QString &channels,
                         const QVariantMap &settings);
+/// Stream 1 with six channels and no output.
+TrackPointer surroundSound(const QString &codec = QStringLiteral("ac3"));
 /// A subtitle stream of the source.
 TrackPointer subtitleTrack(const QString &stream, const QString &codec,
                            const QString &userCodec = QStringLiteral("mux"));
@@ -24,6 +26,10 @@ QVariantMap audioSettings(const QString &codec, const QString &channels = {}, co
 SelectionPointer handMadeSelection(const QString &device, const TrackList &tracks,
                                    const QString &passes = QStringLiteral("1"));
 
+/// What the lists say of the title and the language of a hand-made video track.
+inline const QString videoMetadata = QStringLiteral("-metadata:s:v language=eng -metadata:s:v title=Video0");
+/// The items of a list between bars.
+QString itemsOf(const tools::OptionList &list);
 /// The words of a line in which no word holds a blank: "-map 0:0 -vcodec copy".
 QStringList words(const QString &line);
 

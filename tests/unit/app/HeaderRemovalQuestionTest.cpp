@@ -13,7 +13,7 @@ using support::AppFixture;
 namespace {
 
 constexpr int reMux = 1000;
-constexpr int cancel = 1001;
+constexpr int cancelButton = 1001;
 
 } // namespace
 
@@ -55,7 +55,7 @@ private Q_SLOTS:
     void anyOtherAnswerDoesNothing_data()
     {
         QTest::addColumn<int>("answer");
-        QTest::newRow("Cancel") << cancel;
+        QTest::newRow("Cancel") << cancelButton;
         QTest::newRow("closed") << 0;
     }
 
@@ -83,7 +83,7 @@ private Q_SLOTS:
         m_fixture->drop({plain(u"plain.mkv"_s)});
         QVERIFY(m_fixture->alerts().answer(reMux));
         QCOMPARE(m_fixture->jobs(), QStringList{u"MKV Remux one.mkv"_s});
-        QVERIFY(m_fixture->alerts().answer(cancel));
+        QVERIFY(m_fixture->alerts().answer(cancelButton));
         QCOMPARE(m_fixture->jobs().size(), 1);
     }
 

@@ -18,7 +18,7 @@ constexpr int extracts = 0;
 constexpr int removes = 1;
 constexpr int adds = 2;
 
-const QString onlyMkv = u"Tracks of MKV files can be edited, and at least one has to be ticked."_s;
+const QString onlyTickedMkv = u"Tracks of MKV files can be edited, and at least one has to be ticked."_s;
 const QString ownToExtract = u"Tick a track of the file itself: added tracks can't be extracted."_s;
 const QString noVideo = u"A video track can't be removed."_s;
 const QString ownToRemove = u"Tick the tracks of the file that are to go."_s;
@@ -62,8 +62,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("refusal");
         using Ticks = QList<int>;
         const QString none;
-        QTest::newRow("extract nothing") << u"a.mkv"_s << extracts << Ticks{} << onlyMkv;
-        QTest::newRow("extract of MP4") << u"a.mp4"_s << extracts << Ticks{0} << onlyMkv;
+        QTest::newRow("extract nothing") << u"a.mkv"_s << extracts << Ticks{} << onlyTickedMkv;
+        QTest::newRow("extract of MP4") << u"a.mp4"_s << extracts << Ticks{0} << onlyTickedMkv;
         QTest::newRow("extract an own track") << u"a.mkv"_s << extracts << Ticks{1} << none;
         QTest::newRow("extract the video") << u"a.mkv"_s << extracts << Ticks{0} << none;
         QTest::newRow("extract an added one") << u"a.mkv"_s << extracts << Ticks{3} << ownToExtract;
@@ -71,10 +71,10 @@ private Q_SLOTS:
         QTest::newRow("remove an own track") << u"a.mkv"_s << removes << Ticks{1, 2} << none;
         QTest::newRow("remove the video") << u"a.mkv"_s << removes << Ticks{0, 1} << noVideo;
         QTest::newRow("remove an added one") << u"a.mkv"_s << removes << Ticks{3} << ownToRemove;
-        QTest::newRow("remove of MP4") << u"a.mp4"_s << removes << Ticks{1} << onlyMkv;
+        QTest::newRow("remove of MP4") << u"a.mp4"_s << removes << Ticks{1} << onlyTickedMkv;
         QTest::newRow("add an added one") << u"a.mkv"_s << adds << Ticks{3} << none;
         QTest::newRow("add an own one") << u"a.mkv"_s << adds << Ticks{0, 1} << addedToAdd;
-        QTest::newRow("add nothing") << u"a.mkv"_s << adds << Ticks{} << onlyMkv;
+        QTest::newRow("add nothing") << u"a.mkv"_s << adds << Ticks{} << onlyTickedMkv;
     }
 
     void whatMayBeEdited()

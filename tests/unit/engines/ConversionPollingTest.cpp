@@ -11,10 +11,10 @@ using namespace support;
 namespace {
 
 /// Answers its polls from a script, then "Complete".
-class Answering final : public KXFfmpegConverter
+class AnsweringConverter final : public KXFfmpegConverter
 {
 public:
-    Answering(const steps::ConverterContext &context, const QStringList &answers)
+    AnsweringConverter(const steps::ConverterContext &context, const QStringList &answers)
         : KXFfmpegConverter(context)
         , m_answers(answers)
     {
@@ -54,9 +54,9 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Polling)
 
-    std::shared_ptr<Answering> answering(const QStringList &answers)
+    std::shared_ptr<AnsweringConverter> answering(const QStringList &answers)
     {
-        const auto converter = std::make_shared<Answering>(base.converterContext(guard), answers);
+        const auto converter = std::make_shared<AnsweringConverter>(base.converterContext(guard), answers);
         converter->setConverterSelection(job->jobSelection());
         converter->setOptionArray1({u"first"});
         converter->setOptionArray2({u"second"});

@@ -10,13 +10,8 @@ using namespace support;
 
 namespace {
 
-const QUrl output = QUrl::fromLocalFile(u"/o/out"_s);
-const QUrl logFile = QUrl::fromLocalFile(u"/o/out.log"_s);
-
-TrackPointer sound(const QString &codec = u"ac3"_s)
-{
-    return audioTrack(u"1"_s, codec, u"6"_s, {});
-}
+const QUrl extracted = QUrl::fromLocalFile(u"/o/out"_s);
+const QUrl extractionLog = QUrl::fromLocalFile(u"/o/out.log"_s);
 
 TrackPointer video(const QString &codec)
 {
@@ -43,7 +38,7 @@ private Q_SLOTS:
     void theNameTellsStreamAndKind()
     {
         QCOMPARE(extractionOutput(u"/v/a.mkv"_s, *videoTrack()).toLocalFile(), u"/v/a.mkv.stream0.h264"_s);
-        QCOMPARE(extractionOutput(u"/v/a.mkv"_s, *sound()).toLocalFile(), u"/v/a.mkv.stream1.ac3"_s);
+        QCOMPARE(extractionOutput(u"/v/a.mkv"_s, *surroundSound()).toLocalFile(), u"/v/a.mkv.stream1.ac3"_s);
     }
 
     /// A text subtitle of an MP4 file becomes an ASS file, whatever its extension word is.
@@ -57,7 +52,8 @@ private Q_SLOTS:
     /// Texts of the file are no patterns to fill.
     void aPercentSignInTheNameStays()
     {
-        QCOMPARE(extractionOutput(u"/v/%1 %2.mkv"_s, *sound()).toLocalFile(), u"/v/%1 %2.mkv.stream1.ac3"_s);
+        QCOMPARE(extractionOutput(u"/v/%1 %2.mkv"_s, *surroundSound()).toLocalFile(),
+                 u"/v/%1 %2.mkv.stream1.ac3"_s);
     }
 
     void theTool_data()
@@ -102,7 +98,7 @@ private Q_SLOTS:
         QCOMPARE(extractionCompanion(index, *subtitleTrack(u"2"_s, u"vobsub"_s)),
                  QUrl::fromLocalFile(u"/o/a.sub"_s));
         QVERIFY(extractionCompanion(index, *subtitleTrack(u"2"_s, u"pgs"_s)).isEmpty());
-        QVERIFY(extractionCompanion(output, *subtitleTrack(u"2"_s, u"vobsub"_s)).isEmpty());
+        QVERIFY(extractionCompanion(extracted, *subtitleTrack(u"2"_s, u"vobsub"_s)).isEmpty());
         QVERIFY(extractionCompanion(index, *external(subtitleTrack(u"2"_s, u"vobsub"_s), u"/v/a.mp4"_s))
                     .isEmpty());
     }
@@ -111,7 +107,7 @@ private Q_SLOTS:
     {
         const auto track = subtitleTrack(u"5"_s, u"pgs"_s);
         track->setTrackMkvmergeID(u"3"_s);
-        const auto list = mkvextractArguments(*track, output);
+        const auto list = mkvextractArguments(*track, extracted);
         QCOMPARE(tools::textsOf(list), QStringList({u"tracks"_s, u"/v/a.mkv"_s, u"3:/o/out"_s}));
         QVERIFY(list.at(1).isFile());
     }
@@ -122,7 +118,7 @@ private Q_SLOTS:
         const auto track = subtitleTrack(u"5"_s, u"pgs"_s);
         track->setTrackMkvmergeID(u"3"_s);
         const QUrl named = QUrl::fromLocalFile(u"/o/a \"b\" $c"_s);
-        const auto list = mkvextractShellItems(*track, named, logFile);
+        const auto list = mkvextractShellItems(*track, named, extractionLog);
         QCOMPARE(tools::textsOf(list),
                  QStringList({u"tracks"_s, u"/v/a.mkv"_s, u"3:\"/o/a \\\"b\\\" \\$c\""_s, u"&>"_s,
                               u"/o/out.log"_s, u"& echo $!"_s}));
@@ -141,7 +137,7 @@ private Q_SLOTS:
         row("h264", video(u"h264"_s), u"-vcodec copy -bsf:v h264_mp4toannexb -an -sn "_s,
             u"-vcodec copy|-bsf:v h264_mp4toannexb|-an -sn|"_s);
         row("mpeg4", video(u"mpeg4"_s), u"-vcodec copy -an -sn "_s, u"-vcodec copy|-an -sn|"_s);
-        row("audio", sound(), u"-acodec copy -vn -sn "_s, u"-acodec copy -vn -sn|"_s);
+        row("audio", surroundSound(), u"-acodec copy -vn -sn "_s, u"-acodec copy -vn -sn|"_s);
         row("srt", subtitleTrack(u"2"_s, u"srt"_s), {}, {});
         row("ttxt", subtitleTrack(u"2"_s, u"ttxt"_s), {}, {});
         row("misspelt", misspelt(u"srt"_s), u"-scodec copy -vn -an "_s, u"-scodec copy -vn -an|"_s);
@@ -155,33 +151,33 @@ private Q_SLOTS:
         QFETCH(QString, stream);
         QFETCH(QString, codec);
         QFETCH(QString, items);
-        const auto list = ffmpegExtractionArguments(*track, output);
+        const auto list = ffmpegExtractionArguments(*track, extracted);
         QCOMPARE(tools::textsOf(list).join(u' '), u"-i /v/a.mkv -map 0:%1 %2-y /o/out"_s.arg(stream, codec));
         QVERIFY(list.at(1).isFile() && list.last().isFile());
-        QCOMPARE(tools::textsOf(ffmpegExtractionShellItems(*track, output, logFile)).join(u'|'),
+        QCOMPARE(tools::textsOf(ffmpegExtractionShellItems(*track, extracted, extractionLog)).join(u'|'),
                  u"-i|/v/a.mkv|-map 0:%1|%2-y|/o/out|&>|/o/out.log|& echo $!"_s.arg(stream, items));
     }
 
     void aSubtitleHasNoScodec()
     {
         const auto texts =
-            tools::textsOf(ffmpegExtractionArguments(*subtitleTrack(u"2"_s, u"ass"_s), output));
+            tools::textsOf(ffmpegExtractionArguments(*subtitleTrack(u"2"_s, u"ass"_s), extracted));
         QVERIFY(!texts.contains(u"-scodec"_s));
     }
 
     void onlyDtshdNeedsItsFormatNamed()
     {
-        const auto track = sound(u"dtshd"_s);
+        const auto track = surroundSound(u"dtshd"_s);
         const QUrl dtshd = QUrl::fromLocalFile(u"/o/a.mkv.stream1.dtshd"_s);
         const auto meant = ffmpegExtractionArguments(*track, dtshd);
         QCOMPARE(tools::textsOf(extractionLaunchForm(meant, dtshd)).join(u' '),
                  u"-i /v/a.mkv -map 0:1 -acodec copy -vn -sn -f dts -y /o/a.mkv.stream1.dtshd"_s);
-        const auto items = ffmpegExtractionShellItems(*track, dtshd, logFile);
+        const auto items = ffmpegExtractionShellItems(*track, dtshd, extractionLog);
         QCOMPARE(tools::textsOf(extractionLaunchForm(items, dtshd)).join(u'|'),
                  u"-i|/v/a.mkv|-map 0:1|-acodec copy -vn -sn|-f|dts|-y|/o/a.mkv.stream1.dtshd|&>|/o/out.log|"
                  "& echo $!"_s);
         const QUrl dts = QUrl::fromLocalFile(u"/o/a.dtshd.stream1.dts"_s);
-        const auto other = ffmpegExtractionArguments(*sound(u"dts"_s), dts);
+        const auto other = ffmpegExtractionArguments(*surroundSound(u"dts"_s), dts);
         QCOMPARE(extractionLaunchForm(other, dts), other);
     }
 };

@@ -21,19 +21,17 @@ ConversionRequest requestFor(const QString &device, const QString &output)
     return request;
 }
 
-ConversionLists listsFor(const SelectionPointer &selection)
+ConversionLists deviceLists(const SelectionPointer &selection)
 {
     const ConversionRequest request = requestFor(selection->theDevice(), u"/v/out"_s);
     applyDeviceCaps(*selection, request.kind);
     return conversionLists(*selection, request);
 }
 
-QString first(const SelectionPointer &selection)
+QString firstList(const SelectionPointer &selection)
 {
-    return tools::textsOf(listsFor(selection).first).join(u' ');
+    return tools::textsOf(deviceLists(selection).first).join(u' ');
 }
-
-const QString metadata = u"-metadata:s:v language=eng -metadata:s:v title=Video0"_s;
 
 } // namespace
 
@@ -107,7 +105,7 @@ private Q_SLOTS:
     {
         const auto selection = handMadeSelection(
             u"MKV"_s, {videoTrack(), external(subtitleTrack(u"0"_s, u"srt"_s), u"/v/-map"_s)});
-        const auto list = listsFor(selection).first;
+        const auto list = deviceLists(selection).first;
         QVERIFY(list.at(1).isFile());
         QVERIFY(list.at(3).isFile());
         QVERIFY(list.last().isFile());
@@ -148,7 +146,7 @@ private Q_SLOTS:
             u"MKV"_s,
             {external(subtitleTrack(u"0"_s, u"srt"_s), u"/s/1.srt"_s), videoTrack(u"passthru"_s),
              external(audioTrack(u"0"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s)), u"/s/2.ac3"_s)});
-        const QString line = first(selection);
+        const QString line = firstList(selection);
         QVERIFY2(line.startsWith(u"-i /v/a.mkv -i /s/1.srt -i /s/2.ac3 -map 0:0 -vcodec copy "_s),
                  qPrintable(line));
         // A whole file is mapped, by its position among the external ones plus 1.
@@ -160,7 +158,7 @@ private Q_SLOTS:
     {
         const auto second = videoTrack();
         second->setTrackFfmpegID(u"5"_s);
-        const QString line = first(handMadeSelection(u"General"_s, {second, videoTrack()}));
+        const QString line = firstList(handMadeSelection(u"General"_s, {second, videoTrack()}));
         QVERIFY(line.startsWith(u"-i /v/a.mkv -map 0:5 -vcodec libx264 "_s));
         QCOMPARE(line.count(u"-map"_s), 1);
     }
@@ -170,7 +168,7 @@ private Q_SLOTS:
     {
         const auto video = external(videoTrack(u"passthru"_s), u"/s/other.mkv"_s);
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
-        const QString line = first(handMadeSelection(u"MKV"_s, {video, audio}));
+        const QString line = firstList(handMadeSelection(u"MKV"_s, {video, audio}));
         QVERIFY2(line.startsWith(u"-i /v/a.mkv -i /s/other.mkv -map 1:0 "_s), qPrintable(line));
         QVERIFY(line.contains(u" -map 1:1 -codec:a:0 copy "_s));
     }
@@ -180,8 +178,8 @@ private Q_SLOTS:
         const auto selection = handMadeSelection(u"iPod (All non-Touch)"_s, {videoTrack(u"passthru"_s)});
         selection->setUserWidth(u"640"_s);
         selection->setUserVideoBitRate(u"9000"_s);
-        QCOMPARE(first(selection),
-                 u"-i /v/a.mkv -map 0:0 -vcodec copy "_s + metadata + u" -f mp4 -y /v/out"_s);
+        QCOMPARE(firstList(selection),
+                 u"-i /v/a.mkv -map 0:0 -vcodec copy "_s + videoMetadata + u" -f mp4 -y /v/out"_s);
         QCOMPARE(selection->userVideoBitRate(), u"9000"_s);
         QCOMPARE(selection->userWidth(), u"640"_s);
     }
@@ -201,8 +199,9 @@ private Q_SLOTS:
         QFETCH(QString, device);
         QFETCH(QString, codec);
         QFETCH(QString, container);
-        QCOMPARE(first(handMadeSelection(device, {videoTrack()})),
-                 u"-i /v/a.mkv -map 0:0 %1 -b:v 2500k %2 %3 -y /v/out"_s.arg(codec, metadata, container));
+        QCOMPARE(
+            firstList(handMadeSelection(device, {videoTrack()})),
+            u"-i /v/a.mkv -map 0:0 %1 -b:v 2500k %2 %3 -y /v/out"_s.arg(codec, videoMetadata, container));
     }
 
     void anUnknownKindHasNeither()
@@ -211,7 +210,7 @@ private Q_SLOTS:
         auto request = requestFor(u"General"_s, u"/v/out"_s);
         request.kind = OutputKind::Unknown;
         QCOMPARE(tools::textsOf(conversionLists(*selection, request).first).join(u' '),
-                 u"-i /v/a.mkv -map 0:0 -b:v 2500k "_s + metadata + u" -y /v/out"_s);
+                 u"-i /v/a.mkv -map 0:0 -b:v 2500k "_s + videoMetadata + u" -y /v/out"_s);
     }
 
     /// Levels and caps belong to MP4 files: a device word can't touch another kind.
@@ -229,8 +228,8 @@ private Q_SLOTS:
     {
         const auto selection = handMadeSelection(u"Apple TV (3 and Later)"_s, {videoTrack()});
         selection->setUserVideoBitRate(u"25000"_s);
-        QCOMPARE(first(selection),
-                 u"-i /v/a.mkv -map 0:0 -vcodec libx264 -level 41 -level 40 -b:v 20000k "_s + metadata +
+        QCOMPARE(firstList(selection),
+                 u"-i /v/a.mkv -map 0:0 -vcodec libx264 -level 41 -level 40 -b:v 20000k "_s + videoMetadata +
                      u" -f mp4 -y /v/out"_s);
         QCOMPARE(selection->userVideoBitRate(), u"20000"_s);
     }
@@ -239,7 +238,7 @@ private Q_SLOTS:
     void theCapShapesTheScale()
     {
         const auto selection = handMadeSelection(u"iPod (All non-Touch)"_s, {videoTrack()});
-        const QString line = first(selection);
+        const QString line = firstList(selection);
         QVERIFY(line.contains(u"-level 30 -vf scale=trunc(720/1920*iw/2)*2:trunc(ow/a/2)*2 -b:v 1500k"_s));
         QCOMPARE(selection->userWidth(), u"720"_s);
     }
@@ -261,7 +260,7 @@ private Q_SLOTS:
         const auto selection = handMadeSelection(u"General"_s, {videoTrack()});
         selection->setUserWidth(wanted);
         QCOMPARE(scaleFilter(*selection).isEmpty(), !scales);
-        QCOMPARE(first(selection).contains(u"-vf"_s), scales);
+        QCOMPARE(firstList(selection).contains(u"-vf"_s), scales);
     }
 
     void everyKindScales()
@@ -269,7 +268,7 @@ private Q_SLOTS:
         for (const QString &device : {u"General"_s, u"MKV"_s, u"AVI"_s}) {
             const auto selection = handMadeSelection(device, {videoTrack()});
             selection->setUserWidth(u"640"_s);
-            const QString line = first(selection);
+            const QString line = firstList(selection);
             QVERIFY(line.contains(u" -vf scale=trunc(640/1920*iw/2)*2:trunc(ow/a/2)*2 -b:v 2500k "_s));
         }
     }
@@ -279,7 +278,7 @@ private Q_SLOTS:
         const auto video = videoTrack();
         video->setTrackLanguage(u"German"_s);
         video->setTrackTitle(u"it's \"one\" $title -map"_s);
-        const auto texts = tools::textsOf(listsFor(handMadeSelection(u"General"_s, {video})).first);
+        const auto texts = tools::textsOf(deviceLists(handMadeSelection(u"General"_s, {video})).first);
         const auto at = texts.indexOf(u"-metadata:s:v"_s);
         QCOMPARE(texts.mid(at, 4), QStringList({u"-metadata:s:v"_s, u"language=deu"_s, u"-metadata:s:v"_s,
                                                 u"title=it's \"one\" $title -map"_s}));
@@ -288,7 +287,7 @@ private Q_SLOTS:
     void withoutAVideoTrackOnlyTheRestIsThere()
     {
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
-        QCOMPARE(first(handMadeSelection(u"MKV"_s, {audio})),
+        QCOMPARE(firstList(handMadeSelection(u"MKV"_s, {audio})),
                  u"-i /v/a.mkv -map 0:1 -codec:a:0 copy -metadata:s:a:0 language=eng "
                  "-metadata:s:a:0 title=Audio1 -f matroska -y /v/out"_s);
     }
@@ -301,7 +300,7 @@ private Q_SLOTS:
         auto request = requestFor(u"PS3"_s, u"/v/a.m4v"_s);
         request.moovInFront = true;
         const auto lists = conversionLists(*selection, request);
-        const QString picture = u"-map 0:0 -vcodec libx264 -level 41 -b:v 2500k "_s + metadata;
+        const QString picture = u"-map 0:0 -vcodec libx264 -level 41 -b:v 2500k "_s + videoMetadata;
         const QString sound =
             u" -map 0:1 -codec:a:0 copy -metadata:s:a:0 language=eng -metadata:s:a:0 title=Audio1"_s;
         const QString text = u" -map 0:2 -codec:s:0 mov_text -metadata:s:s:0 language=eng "
@@ -321,19 +320,19 @@ private Q_SLOTS:
     {
         const auto selection = handMadeSelection(
             u"MKV"_s, {videoTrack(), external(subtitleTrack(u"0"_s, u"srt"_s), u"/s/1.srt"_s)}, u"2"_s);
-        const auto lists = listsFor(selection);
+        const auto lists = deviceLists(selection);
         QCOMPARE(tools::textsOf(lists.first).mid(0, 6), words(u"-i /v/a.mkv -pass 1 -i /s/1.srt"_s));
         QCOMPARE(tools::textsOf(lists.second).mid(0, 6), words(u"-i /v/a.mkv -pass 2 -i /s/1.srt"_s));
     }
 
     void theKindsOfTwoPassRunsDifferInTheirFormatOnly()
     {
-        const auto mkv = listsFor(handMadeSelection(u"MKV"_s, {videoTrack()}, u"2"_s));
+        const auto mkv = deviceLists(handMadeSelection(u"MKV"_s, {videoTrack()}, u"2"_s));
         QCOMPARE(tools::textsOf(mkv.first).mid(14).join(u' '),
                  u"-sn -f matroska -passlogfile /t/passLog -y /dev/null"_s);
         QCOMPARE(tools::textsOf(mkv.second).mid(14).join(u' '), u"-passlogfile /t/passLog -y /v/out"_s);
         // AVI takes no subtitles, so there is nothing to leave out of pass 1 either.
-        const auto avi = listsFor(handMadeSelection(u"AVI"_s, {videoTrack()}, u"2"_s));
+        const auto avi = deviceLists(handMadeSelection(u"AVI"_s, {videoTrack()}, u"2"_s));
         QCOMPARE(tools::textsOf(avi.first).mid(14).join(u' '),
                  u"-vtag xvid -f avi -passlogfile /t/passLog -y /dev/null"_s);
     }
@@ -353,7 +352,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, passes);
         QFETCH(int, currentPass);
-        const auto lists = listsFor(handMadeSelection(u"General"_s, {videoTrack()}, passes));
+        const auto lists = deviceLists(handMadeSelection(u"General"_s, {videoTrack()}, passes));
         QCOMPARE(lists.currentPass, currentPass);
         QCOMPARE(lists.second.isEmpty(), currentPass == 0);
         QCOMPARE(tools::textsOf(lists.first).contains(u"-pass"_s), currentPass == 1);

@@ -13,15 +13,15 @@ using namespace support;
 
 namespace {
 
-const QUrl output = QUrl::fromLocalFile(u"/v/a.m4v"_s);
-const QUrl logFile = QUrl::fromLocalFile(u"/v/a.mkv.log"_s);
+const QUrl trackOutput = QUrl::fromLocalFile(u"/v/a.m4v"_s);
+const QUrl trackLog = QUrl::fromLocalFile(u"/v/a.mkv.log"_s);
 
-ConversionLists listsFor(const TrackPointer &track, const QString &passes = u"1"_s,
-                         const QString &width = u"1920"_s)
+ConversionLists trackLists(const TrackPointer &track, const QString &passes = u"1"_s,
+                           const QString &width = u"1920"_s)
 {
     const auto selection = handMadeSelection(u"General"_s, {track}, passes);
     selection->setUserWidth(width);
-    return singleTrackLists(*selection, *track, output, logFile);
+    return singleTrackLists(*selection, *track, trackOutput, trackLog);
 }
 
 /// Items between bars, as some hold blanks.
@@ -51,7 +51,7 @@ class FfmpegSingleTrackTest final : public QObject
 private Q_SLOTS:
     void aCopiedVideo()
     {
-        const auto lists = listsFor(videoTrack(u"passthru"_s));
+        const auto lists = trackLists(videoTrack(u"passthru"_s));
         QCOMPARE(barred(lists.first), u"-i|/v/a.mkv|-map 0:0|-vcodec copy|-metadata:s:v language=eng|"
                                       "-metadata:s:v title=Video0|"_s +
                                           tail);
@@ -61,7 +61,7 @@ private Q_SLOTS:
 
     void anEncodedVideo()
     {
-        QCOMPARE(barred(listsFor(videoTrack()).first),
+        QCOMPARE(barred(trackLists(videoTrack()).first),
                  u"-i|/v/a.mkv|-map 0:0|-vcodec libx264|-b:v 2500k|-metadata:s:v language=eng|"
                  "-metadata:s:v title=Video0|"_s +
                      tail);
@@ -69,7 +69,7 @@ private Q_SLOTS:
 
     void aScaledVideo()
     {
-        QCOMPARE(barred(listsFor(videoTrack(), u"1"_s, u"640"_s).first),
+        QCOMPARE(barred(trackLists(videoTrack(), u"1"_s, u"640"_s).first),
                  u"-i|/v/a.mkv|-map 0:0|-vcodec libx264|-vf|'scale=trunc(640/1920*iw/2)*2:trunc(ow/a/2)*2'|"
                  "-b:v 2500k|-metadata:s:v language=eng|-metadata:s:v title=Video0|"_s +
                      tail);
@@ -77,7 +77,7 @@ private Q_SLOTS:
 
     void twoPasses()
     {
-        const auto lists = listsFor(videoTrack(), u"2"_s);
+        const auto lists = trackLists(videoTrack(), u"2"_s);
         const QString rest =
             u"-map 0:0|-vcodec libx264|-b:v 2500k|-metadata:s:v language=eng|-metadata:s:v title=Video0|"_s +
             tail;
@@ -88,7 +88,7 @@ private Q_SLOTS:
 
     void onlyAVideoHasPasses()
     {
-        const auto lists = listsFor(audio(u"aac"_s), u"2"_s);
+        const auto lists = trackLists(audio(u"aac"_s), u"2"_s);
         QCOMPARE(lists.currentPass, 0);
         QVERIFY(!barred(lists.first).contains(u"-pass"_s));
         QCOMPARE(barred(lists.second), tail);
@@ -109,14 +109,15 @@ private Q_SLOTS:
     {
         QFETCH(QString, codec);
         QFETCH(QString, arguments);
-        QCOMPARE(barred(listsFor(audio(codec)).first),
+        QCOMPARE(barred(trackLists(audio(codec)).first),
                  u"-i|/v/a.mkv|-map 0:0|"_s + arguments +
                      u"-metadata:s:a:0|language=eng|-metadata:s:a:0|title=Audio1|"_s + tail);
     }
 
     void otherTracksHaveNoArguments()
     {
-        QCOMPARE(barred(listsFor(subtitleTrack(u"3"_s, u"srt"_s)).first), u"-i|/v/a.mkv|-map 0:0|"_s + tail);
+        QCOMPARE(barred(trackLists(subtitleTrack(u"3"_s, u"srt"_s)).first),
+                 u"-i|/v/a.mkv|-map 0:0|"_s + tail);
     }
 
     /// Unquoted in the list, one word in the line.
@@ -124,7 +125,7 @@ private Q_SLOTS:
     {
         const auto track = videoTrack(u"passthru"_s);
         track->setTrackTitle(u"it's; touch X"_s);
-        const auto list = listsFor(track).first;
+        const auto list = trackLists(track).first;
         QVERIFY(barred(list).contains(u"|-metadata:s:v title=it's; touch X|"_s));
         const Scratch scratch;
         const FakePlaces places(scratch.path());

@@ -14,7 +14,7 @@ namespace {
 
 const QUrl source = QUrl::fromLocalFile(u"/v/a.mkv"_s);
 
-ConversionLists listsFor(const SelectionPointer &selection, const QString &subtitle = {})
+ConversionLists burningLists(const SelectionPointer &selection, const QString &subtitle = {})
 {
     ConversionRequest request;
     request.kind = outputKindNamed(appNameForDevice(selection->theDevice()));
@@ -25,9 +25,9 @@ ConversionLists listsFor(const SelectionPointer &selection, const QString &subti
     return conversionLists(*selection, request);
 }
 
-QString first(const SelectionPointer &selection, const QString &subtitle = {})
+QString firstBurning(const SelectionPointer &selection, const QString &subtitle = {})
 {
-    return tools::textsOf(listsFor(selection, subtitle).first).join(u' ');
+    return tools::textsOf(burningLists(selection, subtitle).first).join(u' ');
 }
 
 /// The selection of a film that is scaled to 640 pixels.
@@ -39,9 +39,7 @@ SelectionPointer scaled(const TrackList &tracks, const QString &passes = u"1"_s)
 }
 
 const QString scale = u"scale=trunc(640/1920*iw/2)*2:trunc(ow/a/2)*2"_s;
-const QString metadata = u"-metadata:s:v language=eng -metadata:s:v title=Video0"_s;
-
-TrackPointer picture(const QString &stream)
+TrackPointer pictureSubtitle(const QString &stream)
 {
     return subtitleTrack(stream, u"teletext"_s, u"burn"_s);
 }
@@ -68,7 +66,7 @@ private Q_SLOTS:
         const auto german = external(subtitleTrack(u"0"_s, u"srt"_s), u"/s/g.srt"_s);
         german->setTrackLanguage(u"German"_s);
         german->setTrackTitle(u"Untertitel"_s);
-        const auto line = first(
+        const auto line = firstBurning(
             handMadeSelection(device, {videoTrack(u"passthru"_s), subtitleTrack(u"3"_s, u"srt"_s), german}));
         const QString expected =
             u" -map 0:3 -codec:s:0 %1 -metadata:s:s:0 language=eng -metadata:s:s:0 title=Subtitle3"
@@ -79,7 +77,7 @@ private Q_SLOTS:
     void aviNeverCarriesSubtitles()
     {
         for (const QString &passes : {u"1"_s, u"2"_s}) {
-            const auto lists = listsFor(
+            const auto lists = burningLists(
                 handMadeSelection(u"AVI"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)}, passes));
             for (const auto &list : {lists.first, lists.second}) {
                 const QString line = tools::textsOf(list).join(u' ');
@@ -109,14 +107,15 @@ private Q_SLOTS:
         QFETCH(bool, isMuxed);
         const auto track = subtitleTrack(u"3"_s, u"srt"_s, userCodec);
         track->setTrackType(type);
-        QCOMPARE(first(handMadeSelection(u"MKV"_s, {videoTrack(), track})).contains(u"-map 0:3 -codec:s:0"_s),
+        QCOMPARE(firstBurning(handMadeSelection(u"MKV"_s, {videoTrack(), track}))
+                     .contains(u"-map 0:3 -codec:s:0"_s),
                  isMuxed);
     }
 
     /// The numbers count what is muxed.
     void numbersHaveNoGaps()
     {
-        const auto line = first(
+        const auto line = firstBurning(
             handMadeSelection(u"MKV"_s, {videoTrack(), subtitleTrack(u"2"_s, u"srt"_s, u"extract"_s),
                                          subtitleTrack(u"3"_s, u"srt"_s), subtitleTrack(u"4"_s, u"ass"_s)}));
         QVERIFY(line.contains(u"-map 0:3 -codec:s:0 copy"_s));
@@ -125,8 +124,8 @@ private Q_SLOTS:
 
     void inTwoPassesOnlyTheSecondHasThem()
     {
-        const auto lists =
-            listsFor(handMadeSelection(u"MKV"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)}, u"2"_s));
+        const auto lists = burningLists(
+            handMadeSelection(u"MKV"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)}, u"2"_s));
         const auto one = tools::textsOf(lists.first);
         const auto two = tools::textsOf(lists.second);
         QCOMPARE(one.count(u"-sn"_s), 1);
@@ -150,9 +149,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, path);
         QFETCH(bool, isBurned);
-        const QString line = first(handMadeSelection(u"General"_s, {videoTrack()}), path);
+        const QString line = firstBurning(handMadeSelection(u"General"_s, {videoTrack()}), path);
         const QString filter = isBurned ? u" -vf subtitles="_s + path : QString();
-        QCOMPARE(line, u"-i /v/a.mkv -map 0:0 -vcodec libx264 -b:v 2500k "_s + metadata + filter +
+        QCOMPARE(line, u"-i /v/a.mkv -map 0:0 -vcodec libx264 -b:v 2500k "_s + videoMetadata + filter +
                            u" -f mp4 -y /v/out"_s);
     }
 
@@ -160,38 +159,39 @@ private Q_SLOTS:
     void anExternalPictureSubtitleIsLeftOut()
     {
         const auto track = external(subtitleTrack(u"0"_s, u"vobsub"_s, u"burn"_s), u"/s/b.idx"_s);
-        const QString line = first(handMadeSelection(u"General"_s, {videoTrack(), track}), u"/s/b.idx"_s);
-        QCOMPARE(line, u"-i /v/a.mkv -i /s/b.idx -map 0:0 -vcodec libx264 -b:v 2500k "_s + metadata +
+        const QString line =
+            firstBurning(handMadeSelection(u"General"_s, {videoTrack(), track}), u"/s/b.idx"_s);
+        QCOMPARE(line, u"-i /v/a.mkv -i /s/b.idx -map 0:0 -vcodec libx264 -b:v 2500k "_s + videoMetadata +
                            u" -f mp4 -y /v/out"_s);
     }
 
     /// The text is drawn before the picture gets smaller.
     void textStandsInFrontOfTheScale()
     {
-        const QString line = first(scaled({videoTrack()}), u"/s/b.srt"_s);
+        const QString line = firstBurning(scaled({videoTrack()}), u"/s/b.srt"_s);
         QVERIFY(line.contains(u" -vf subtitles=/s/b.srt,%1 -b:v 2500k "_s.arg(scale)));
         QCOMPARE(line.count(u"-vf"_s), 1);
     }
 
     void thePathOfATextStandsAsItIs()
     {
-        const auto lists = listsFor(handMadeSelection(u"MKV"_s, {videoTrack()}), u"/s/a b %1 50%.srt"_s);
+        const auto lists = burningLists(handMadeSelection(u"MKV"_s, {videoTrack()}), u"/s/a b %1 50%.srt"_s);
         const auto texts = tools::textsOf(lists.first);
         QCOMPARE(texts.at(texts.indexOf(u"-vf"_s) + 1), u"subtitles=/s/a b %1 50%.srt"_s);
-        const auto both = tools::textsOf(listsFor(scaled({videoTrack()}), u"/s/%1%2.srt"_s).first);
+        const auto both = tools::textsOf(burningLists(scaled({videoTrack()}), u"/s/%1%2.srt"_s).first);
         QCOMPARE(both.at(both.indexOf(u"-vf"_s) + 1), u"subtitles=/s/%1%2.srt,"_s + scale);
     }
 
     void aBurnedSubtitleLeavesNoSoftOnes()
     {
-        const QString line = first(
+        const QString line = firstBurning(
             handMadeSelection(u"MKV"_s, {videoTrack(), subtitleTrack(u"3"_s, u"srt"_s)}), u"/s/b.srt"_s);
         QVERIFY(!line.contains(u"-codec:s"_s));
     }
 
     void inTwoPassesTextIsBurnedIntoTheSecond()
     {
-        const auto lists = listsFor(scaled({videoTrack()}, u"2"_s), u"/s/b.srt"_s);
+        const auto lists = burningLists(scaled({videoTrack()}, u"2"_s), u"/s/b.srt"_s);
         const QString one = tools::textsOf(lists.first).join(u' ');
         const QString two = tools::textsOf(lists.second).join(u' ');
         QVERIFY(one.contains(u" -vf %1 "_s.arg(scale)));
@@ -202,40 +202,42 @@ private Q_SLOTS:
 
     void aPictureIsLaidOverTheVideo()
     {
-        const auto selection = handMadeSelection(u"General"_s, {videoTrack(), picture(u"3"_s)});
-        QCOMPARE(first(selection, u"/v/a.mkv"_s),
+        const auto selection = handMadeSelection(u"General"_s, {videoTrack(), pictureSubtitle(u"3"_s)});
+        QCOMPARE(firstBurning(selection, u"/v/a.mkv"_s),
                  u"-i /v/a.mkv -filter_complex [0:3]scale=1920:1080[sub];[0:v][sub]overlay[outv] -map [outv] "
                  "-vcodec libx264 -b:v 2500k "_s +
-                     metadata + u" -f mp4 -y /v/out"_s);
+                     videoMetadata + u" -f mp4 -y /v/out"_s);
     }
 
     void aPictureIsScaledWithTheVideo()
     {
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
-        QCOMPARE(first(scaled({videoTrack(), audio, picture(u"3"_s)}), u"/v/a.mkv"_s),
+        QCOMPARE(firstBurning(scaled({videoTrack(), audio, pictureSubtitle(u"3"_s)}), u"/v/a.mkv"_s),
                  u"-i /v/a.mkv -filter_complex [0:3]scale=1920:1080[subInitialize];[subInitialize]%1[sub];"
                  "[0:v]%1[vid];[vid][sub]overlay[outv] -map [outv] -vcodec libx264 -b:v 2500k %2 "
                  "-map 0:1 -codec:a:0 copy -metadata:s:a:0 language=eng -metadata:s:a:0 title=Audio1 "
-                 "-f mp4 -y /v/out"_s.arg(scale, metadata));
+                 "-f mp4 -y /v/out"_s.arg(scale, videoMetadata));
     }
 
     /// Of several, the last subtitle stream is the one that is laid over: meant.
     void theLastSubtitleIsThePicture()
     {
-        const auto odd = picture(u"5"_s);
+        const auto odd = pictureSubtitle(u"5"_s);
         odd->setTrackType(u"External Subtitle"_s);
         const QString line =
-            first(handMadeSelection(u"General"_s, {videoTrack(), picture(u"2"_s), picture(u"4"_s), odd}),
-                  u"/v/a.mkv"_s);
+            firstBurning(handMadeSelection(u"General"_s, {videoTrack(), pictureSubtitle(u"2"_s),
+                                                          pictureSubtitle(u"4"_s), odd}),
+                         u"/v/a.mkv"_s);
         QVERIFY(line.contains(u"[0:4]scale=1920:1080[sub]"_s));
     }
 
     void inTwoPassesThePictureIsInTheSecond()
     {
-        const auto lists = listsFor(scaled({videoTrack(), picture(u"3"_s)}, u"2"_s), u"/v/a.mkv"_s);
+        const auto lists =
+            burningLists(scaled({videoTrack(), pictureSubtitle(u"3"_s)}, u"2"_s), u"/v/a.mkv"_s);
         QCOMPARE(tools::textsOf(lists.first).join(u' '),
                  u"-i /v/a.mkv -pass 1 -map 0:0 -vcodec libx264 -vf %1 -b:v 2500k %2 -f mp4 "
-                 "-passlogfile /t/passLog -y /dev/null"_s.arg(scale, metadata));
+                 "-passlogfile /t/passLog -y /dev/null"_s.arg(scale, videoMetadata));
         const QString two = tools::textsOf(lists.second).join(u' ');
         QVERIFY(
             two.startsWith(u"-i /v/a.mkv -pass 2 -filter_complex [0:3]scale=1920:1080[subInitialize];"_s));
@@ -252,7 +254,7 @@ private Q_SLOTS:
                                u"-metadata", u"title=-map -vf",
                                u"-map",      u"0:0",
                                u"-vcodec",   u"libx264"};
-        const auto selection = handMadeSelection(u"General"_s, {videoTrack(), picture(u"3"_s)});
+        const auto selection = handMadeSelection(u"General"_s, {videoTrack(), pictureSubtitle(u"3"_s)});
         auto drawn = list;
         burnSubtitle(drawn, *selection, QUrl::fromLocalFile(u"/s/b.srt"_s));
         QCOMPARE(tools::textsOf(drawn),

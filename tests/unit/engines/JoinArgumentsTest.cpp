@@ -17,14 +17,6 @@ QList<QUrl> files(const QStringList &paths)
     return list;
 }
 
-QString shown(const tools::OptionList &list)
-{
-    QStringList texts;
-    for (const tools::OptionItem &item : list)
-        texts.append(item.text());
-    return texts.join(u'|');
-}
-
 VideoFilePointer film()
 {
     const auto file = std::make_shared<KXVideoFile>(nullptr);
@@ -85,11 +77,11 @@ private Q_SLOTS:
     {
         const QUrl output = QUrl::fromLocalFile(u"/v/a.mp4.joined.mp4"_s);
         const auto meant = engines::concatArguments(QUrl::fromLocalFile(u"/t/mylist.txt"_s), output);
-        QCOMPARE(shown(meant), u"-f|concat|-i|/t/mylist.txt|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
-        QCOMPARE(shown(engines::concatLaunchForm(meant)),
+        QCOMPARE(itemsOf(meant), u"-f|concat|-i|/t/mylist.txt|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
+        QCOMPARE(itemsOf(engines::concatLaunchForm(meant)),
                  u"-f|concat|-safe|0|-i|/t/mylist.txt|-map|0|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
-        QCOMPARE(shown(engines::mp4boxJoinArguments(files({u"/v/a.mp4"_s, u"/v/b.mp4"_s}),
-                                                    QUrl::fromLocalFile(u"/v"_s), output)),
+        QCOMPARE(itemsOf(engines::mp4boxJoinArguments(files({u"/v/a.mp4"_s, u"/v/b.mp4"_s}),
+                                                      QUrl::fromLocalFile(u"/v"_s), output)),
                  u"-cat|/v/a.mp4|-cat|/v/b.mp4|-tmp|/v|-new|/v/a.mp4.joined.mp4"_s);
     }
 

@@ -18,15 +18,13 @@ using steps::Verdict;
 
 namespace {
 
-const QString conversion = u"MKV Conversion"_s;
-
-TrackPointer picture(const QString &userCodec = u"passthru"_s)
+TrackPointer pictureAs(const QString &userCodec = u"passthru"_s)
 {
     return videoTrack(userCodec);
 }
 
 /// As the queue makes it: with the choices of its first output.
-TrackPointer sound(const QString &userCodec = u"passthru"_s, const QString &id = u"1"_s)
+TrackPointer queuedSound(const QString &userCodec = u"passthru"_s, const QString &id = u"1"_s)
 {
     return jobs::tracksForMuxing(
                {audioTrack(id, u"ac3"_s, u"6"_s, audioSettings(userCodec, u"2"_s, u"160"_s))})
@@ -40,7 +38,7 @@ public:
 
     std::shared_ptr<KXConvertToMkvJob> begin(const TrackList &tracks, const QString &passes = u"1"_s)
     {
-        return start<KXConvertToMkvJob>(selection(conversion, tracks, passes));
+        return start<KXConvertToMkvJob>(selection(mkvConversion, tracks, passes));
     }
     KXConverter &converter(qsizetype place) const { return *job->stepConverterList().at(place); }
     QString outputOf(qsizetype place) const { return shown(converter(place).outputFileURL().toLocalFile()); }
@@ -50,12 +48,6 @@ public:
     }
     QString taskOf(qsizetype n) const { return std::get<QString>(job->stepTaskList().at(n)); }
 };
-
-QString options(const QString &id, const QString &title)
-{
-    return u"--language %1:eng|--track-name %1:'%2'|--default-track %1:0|--forced-track %1:0|"
-           "--compression %1:none|"_s.arg(id, title);
-}
 
 } // namespace
 
@@ -67,7 +59,7 @@ private Q_SLOTS:
     void aFileOfTracksThatPassGoesStraightToTheMux()
     {
         MkvJobFixture fixture;
-        const auto job = fixture.begin({picture(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        const auto job = fixture.begin({pictureAs(), queuedSound(), subtitleTrack(u"2"_s, u"srt"_s)});
         QCOMPARE(job->stepConverterList(), QList<ConverterPointer>({nullptr, nullptr, nullptr}));
         QVERIFY(job->stepTaskList().isEmpty());
         QVERIFY(job->progressList().isEmpty());
@@ -90,10 +82,10 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture;
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const TrackPointer video = picture(u"h264"_s);
-        const TrackPointer capitals = picture(u"PassThru"_s);
-        const TrackPointer converted = sound(u"aac"_s);
-        const TrackPointer passed = sound(u"passthru"_s, u"2"_s);
+        const TrackPointer video = pictureAs(u"h264"_s);
+        const TrackPointer capitals = pictureAs(u"PassThru"_s);
+        const TrackPointer converted = queuedSound(u"aac"_s);
+        const TrackPointer passed = queuedSound(u"passthru"_s, u"2"_s);
         const TrackPointer subtitle = subtitleTrack(u"3"_s, u"srt"_s, u"MUX"_s);
         const TrackPointer other = subtitleTrack(u"4"_s, u"srt"_s, u"srt"_s);
         const TrackPointer foreign = subtitleTrack(u"5"_s, u"srt"_s);
@@ -128,7 +120,8 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        const auto job =
+            fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s), queuedSound(u"ac3"_s, u"2"_s)});
         QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 3; }, 20000));
         // None shares its output or its log.
         QSet<QString> names;
@@ -152,8 +145,8 @@ private Q_SLOTS:
         MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
         fixture.base.toolsAtOnce = 2;
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = fixture.begin(
-            {picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s), sound(u"aac"_s, u"3"_s)});
+        const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s),
+                                        queuedSound(u"ac3"_s, u"2"_s), queuedSound(u"aac"_s, u"3"_s)});
         QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 2; }, 20000));
         QVERIFY(!waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() > 2; }, 2000));
         QCOMPARE(job->progressList().size(), 4); // all are shown
@@ -167,7 +160,8 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
         fixture.base.toolsAtOnce = 1;
-        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s), sound(u"ac3"_s, u"2"_s)});
+        const auto job =
+            fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s), queuedSound(u"ac3"_s, u"2"_s)});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 3);
         QCOMPARE(fixture.calls().size(), 1);
@@ -180,7 +174,7 @@ private Q_SLOTS:
         for (const QString &name : {u"a.mkv"_s, u"a.added.mkv"_s, u"a.avi.log"_s})
             fixture.base.scratch.write(name, "of another");
         const TrackList tracks = jobs::tracksForMuxing(
-            {picture(u"h264"_s),
+            {pictureAs(u"h264"_s),
              audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s))});
         const TrackPointer copy = tracks.at(1)->copy();
         copy->setIsStereoCopyFlag(true);
@@ -200,7 +194,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture;
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        fixture.begin({picture(u"h264"_s)});
+        fixture.begin({pictureAs(u"h264"_s)});
         QVERIFY(fixture.outputOf(0) != u"/v/a.mkv"_s);
         QVERIFY(fixture.outputOf(0).endsWith(u".mkv"_s));
     }
@@ -211,8 +205,8 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const TrackPointer video = picture();
-        const TrackPointer audio = sound(u"aac"_s);
+        const TrackPointer video = pictureAs();
+        const TrackPointer audio = queuedSound(u"aac"_s);
         fixture.begin({video, audio});
         QCOMPARE(fixture.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
         QCOMPARE(audio->muxingTrackMp4boxID(), u"one track"_s);
@@ -231,7 +225,7 @@ private Q_SLOTS:
         MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const TrackPointer subtitle = subtitleTrack(u"2"_s, u"srt"_s, u"srt"_s);
-        const TrackPointer audio = sound(u"aac"_s);
+        const TrackPointer audio = queuedSound(u"aac"_s);
         const auto job = fixture.begin({subtitle, audio});
         QCOMPARE(job->stepConverterList().size(), 1);
         QCOMPARE(fixture.shown(audio->muxingTrackFileURL().toLocalFile()), u"/v/a.mkv"_s);
@@ -249,7 +243,7 @@ private Q_SLOTS:
             audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s));
         audio->setUserAudioSettingsDictionaryArray(
             {audioSettings(u"aac"_s, u"2"_s, u"160"_s), audioSettings(u"ac3"_s, u"6"_s, u"448"_s)});
-        const auto job = fixture.begin(jobs::tracksForMuxing({picture(), audio}));
+        const auto job = fixture.begin(jobs::tracksForMuxing({pictureAs(), audio}));
         QCOMPARE(fixture.outputOf(1), u"/v/a.mkv"_s);
         QCOMPARE(fixture.outputOf(2), u"/v/a.added.mkv"_s);
         QVERIFY(fixture.waitForEnd());
@@ -261,9 +255,9 @@ private Q_SLOTS:
         QCOMPARE(fixture.meant(1, u"ffmpeg"_s),
                  u"-i|/v/a.avi|-map 0:0|-c:a ac3|-ab:a:0 448k|-ac:a:0 6|-ar:a:0 48000|"_s + end +
                      u"/v/a.added.mkv|&>|/v/a.avi (2).log|& echo $!"_s);
-        QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"0"_s, u"Video0"_s) +
-                                      u"-d 0|-A|-S|'/v/a.avi'|"_s + options(u"0"_s, u"Audio1"_s) +
-                                      u"-D|-a 0|-S|'/v/a.mkv'|"_s + options(u"0"_s, u"Audio1"_s) +
+        QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + muxOptions(u"0"_s, u"Video0"_s) +
+                                      u"-d 0|-A|-S|'/v/a.avi'|"_s + muxOptions(u"0"_s, u"Audio1"_s) +
+                                      u"-D|-a 0|-S|'/v/a.mkv'|"_s + muxOptions(u"0"_s, u"Audio1"_s) +
                                       u"-D|-a 0|-S|'/v/a.added.mkv'|&>|/v/a.avi.muxed.log|& echo $!"_s);
         QCOMPARE(job->outputs(), QList<QUrl>{fixture.url(u"a.muxed.mkv"_s)}); // and no converted one
     }
@@ -273,7 +267,7 @@ private Q_SLOTS:
         MkvJobFixture fixture;
         fixture.setScript(u"ffmpeg/ffmpeg"_s,
                           QStringList{u"when aac"_s, u"hang"_s, u"end"_s} + MkvFixture::wellConverted());
-        const auto job = fixture.begin({picture(u"h264"_s), sound(u"aac"_s)});
+        const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s)});
         // The hanging one has printed no time: it is at its beginning.
         QVERIFY(fixture.waitForStep(u"Converting Video=Complete,Converting Audio=0%"_s));
         QVERIFY(!waitFor([&] { return !fixture.calls().isEmpty(); }, 1200));
@@ -285,7 +279,7 @@ private Q_SLOTS:
     void aFallingPercentageIsTheNextStepOfTheMux()
     {
         MkvJobFixture fixture({u"hang"_s});
-        const auto job = fixture.begin({picture()});
+        const auto job = fixture.begin({pictureAs()});
         const QString muxLog = u"a.mkv.muxed.log"_s;
         QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
         QVERIFY(waitFor([&] { return job->progressList().size() == 1; }));
@@ -306,7 +300,7 @@ private Q_SLOTS:
     void theMuxStepStartsItsListsAnew()
     {
         MkvJobFixture fixture({u"hang"_s});
-        const auto job = fixture.begin({picture(), sound(u"aac"_s)});
+        const auto job = fixture.begin({pictureAs(), queuedSound(u"aac"_s)});
         QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
         QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; }));
         QCOMPARE(job->stepConverterList().size(), 1);
@@ -322,7 +316,7 @@ private Q_SLOTS:
     void conversionStartedIsPostedForEachToolThenForTheMux()
     {
         MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
-        fixture.begin({picture(u"h264"_s), sound()});
+        fixture.begin({pictureAs(u"h264"_s), queuedSound()});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList({u"/v/a.mkv"_s, u"/v/a.muxed.mkv"_s}));
     }
@@ -333,7 +327,7 @@ private Q_SLOTS:
         MkvJobFixture fixture;
         constexpr int never = 10 * support::patience;
         fixture.base.intervals = {never, never, never, never};
-        fixture.begin({picture(u"h264"_s), sound(u"aac"_s)}, u"2"_s);
+        fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s)}, u"2"_s);
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 3);
         QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
@@ -343,7 +337,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture;
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"err No such stream"_s, u"exit 1"_s});
-        fixture.begin({picture(u"h264"_s)}, u"2"_s);
+        fixture.begin({pictureAs(u"h264"_s)}, u"2"_s);
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.calls(u"ffmpeg"_s).size(), 1);
         QVERIFY(fixture.calls().isEmpty()); // nor muxed
@@ -358,7 +352,7 @@ private Q_SLOTS:
     void theSecondPassFollowsTheFirst()
     {
         MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
-        const auto job = fixture.begin({picture(u"h264"_s), sound()}, u"2"_s);
+        const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound()}, u"2"_s);
         QVERIFY(fixture.waitForEnd());
         QVERIFY2(job->outcome().verdict == Verdict::Ok, qPrintable(job->outcome().sentence));
         const auto calls = fixture.calls(u"ffmpeg"_s);
@@ -385,7 +379,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture({u"hang"_s}, u"a.avi"_s);
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
-        const auto job = fixture.begin({picture(u"h264"_s)}, u"2"_s);
+        const auto job = fixture.begin({pictureAs(u"h264"_s)}, u"2"_s);
         QVERIFY(waitFor([&] { return !job->stepTaskList().isEmpty(); }));
         const auto firstPass = qScopeGuard([tool = fixture.taskOf(0).toInt()] { ::kill(tool, SIGKILL); });
         auto *converter = dynamic_cast<KXFfmpegConverter *>(job->stepConverterList().first().get());
@@ -404,7 +398,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
-        const auto job = fixture.begin({picture(u"h264"_s), sound()});
+        const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound()});
         QVERIFY(fixture.waitForStep(u"Converting Video=0%"_s));
         QVERIFY(waitFor([&] { return fixture.base.scratch.names().contains(u"a.mkv"_s); }, 20000));
         const qint64 tool = fixture.taskOf(0).toLongLong();
@@ -418,7 +412,7 @@ private Q_SLOTS:
     void aFailedMuxIsCompleteAndKeepsItsLog()
     {
         MkvJobFixture fixture({u"out Error: The file could not be opened for writing."_s, u"exit 2"_s});
-        const auto job = fixture.begin({picture()});
+        const auto job = fixture.begin({pictureAs()});
         QVERIFY(fixture.waitForEnd());
         QVERIFY(fixture.progressTexts().contains(u"Muxing Tracks Step #1=Complete"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);
@@ -432,7 +426,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture;
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"err Conversion failed!"_s, u"exit 1"_s});
-        const auto job = fixture.begin({picture(u"h264"_s), sound()});
+        const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound()});
         QVERIFY(fixture.waitForEnd());
         QVERIFY(fixture.calls().isEmpty());
         QCOMPARE(job->outcome().verdict, Verdict::Failed);

@@ -19,16 +19,12 @@ namespace {
 
 const QString extraction = u"MKV Track Extraction"_s;
 const QString sending = u"Send To Lintwick"_s;
-const QString joining = u"MKV Joining"_s;
-const QString removal = u"MKV Track Removal"_s;
-const QString splitting = u"MKV Splitting"_s;
-const QString remuxing = u"MKV Remux"_s;
 
 /// Answers its polls from a script, then "Complete".
-class Answering final : public KXConverter
+class AnsweringEdit final : public KXConverter
 {
 public:
-    Answering(const steps::ConverterContext &context, const QString &name, const QStringList &answers)
+    AnsweringEdit(const steps::ConverterContext &context, const QString &name, const QStringList &answers)
         : KXConverter(context)
         , m_answers(answers)
     {
@@ -75,7 +71,7 @@ public:
         const auto made = std::make_shared<KXEditMkvJob>(base.jobContext());
         job = made;
         made->initJobWithSelectionAndPreferences(chosen(jobType), base.preferences);
-        made->setStepConverterList({std::make_shared<Answering>(context(), u"Extracting"_s, answers)});
+        made->setStepConverterList({std::make_shared<AnsweringEdit>(context(), u"Extracting"_s, answers)});
         return made;
     }
     QStringList shownProgress() const
@@ -127,13 +123,13 @@ private Q_SLOTS:
                                     u"/v/a.mkv.stream2.srt.log"_s};
         QTest::newRow("extraction") << extraction << tracks << trackLogs;
         QTest::newRow("sending") << sending << tracks << trackLogs;
-        QTest::newRow("joining") << joining << QStringList{u"Joining Videos=0%"_s}
+        QTest::newRow("joining") << mkvJoining << QStringList{u"Joining Videos=0%"_s}
                                  << QStringList{u"/v/a.mkv.joined.log"_s};
-        QTest::newRow("removal") << removal << QStringList{u"Removing Tracks=0%"_s}
+        QTest::newRow("removal") << mkvRemoval << QStringList{u"Removing Tracks=0%"_s}
                                  << QStringList{u"/v/a.mkv.removed.log"_s};
-        QTest::newRow("splitting") << splitting << QStringList{u"Splitting Videos=0%"_s}
+        QTest::newRow("splitting") << mkvSplitting << QStringList{u"Splitting Videos=0%"_s}
                                    << QStringList{u"/v/a.mkv.split.log"_s};
-        QTest::newRow("remuxing") << remuxing << QStringList{u"Re-Muxing MKV=0%"_s}
+        QTest::newRow("remuxing") << mkvRemux << QStringList{u"Re-Muxing MKV=0%"_s}
                                   << QStringList{u"/v/a.mkv.remuxing.log"_s};
     }
 
@@ -177,10 +173,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("asProcess");
         QTest::newRow("extraction") << extraction << true;
         QTest::newRow("sending") << sending << true;
-        QTest::newRow("joining") << joining << true;
-        QTest::newRow("removal") << removal << false;
-        QTest::newRow("splitting") << splitting << false;
-        QTest::newRow("remuxing") << remuxing << false;
+        QTest::newRow("joining") << mkvJoining << true;
+        QTest::newRow("removal") << mkvRemoval << false;
+        QTest::newRow("splitting") << mkvSplitting << false;
+        QTest::newRow("remuxing") << mkvRemux << false;
     }
 
     void extractionJoiningAndSendingRunAsProcessObjectsTheRestInTheBackground()
@@ -201,18 +197,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("jobType");
         QTest::addColumn<QString>("launched");
         QTest::addColumn<QString>("output");
-        QTest::newRow("joining") << joining << u"-o|/v/a.mkv.joined.mkv|/v/a.mkv|+|/v/b.mkv"_s
+        QTest::newRow("joining") << mkvJoining << u"-o|/v/a.mkv.joined.mkv|/v/a.mkv|+|/v/b.mkv"_s
                                  << u"a.mkv.joined.mkv"_s;
-        QTest::newRow("removal") << removal
+        QTest::newRow("removal") << mkvRemoval
                                  << u"-o|/v/a.removed.mkv|--language|0:eng|--track-name|0:Video0|"
                                     "--default-track|0:0|--forced-track|0:0|--compression|0:none|"
                                     "-d|0|-A|-S|/v/a.mkv"_s
                                  << u"a.removed.mkv"_s;
-        QTest::newRow("splitting") << splitting
+        QTest::newRow("splitting") << mkvSplitting
                                    << u"-o|/v/a.mkv.split.mkv|--split|parts:00:10:00-00:20:00|--compression|"
                                       "-1:none|/v/a.mkv"_s
                                    << u"a.mkv.split.mkv"_s;
-        QTest::newRow("remuxing") << remuxing << u"-o|/v/a.mkv.remux.mkv|--compression|-1:none|/v/a.mkv"_s
+        QTest::newRow("remuxing") << mkvRemux << u"-o|/v/a.mkv.remux.mkv|--compression|-1:none|/v/a.mkv"_s
                                   << u"a.mkv.remux.mkv"_s;
     }
 
@@ -272,7 +268,7 @@ private Q_SLOTS:
     void anUnknownSplitTypeEndsAsFailed()
     {
         EditFixture fixture;
-        const auto made = fixture.chosen(splitting);
+        const auto made = fixture.chosen(mkvSplitting);
         made->setSplitType(u"chapters"_s);
         const auto job = fixture.start<KXEditMkvJob>(made);
         QVERIFY(job->stepTaskList().isEmpty());
@@ -296,16 +292,16 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         EditFixture fixture({u"hang"_s});
-        const auto job = fixture.begin(joining);
+        const auto job = fixture.begin(mkvJoining);
         fixture.announce(name, u"45%"_s);
         QCOMPARE(fixture.shownProgress(), QStringList{u"Joining Videos=45%"_s});
         fixture.announce(name, u"no percentage"_s);
         fixture.announce(u"monitorConversionUpdate"_s, u"46%"_s); // not observed
-        const Answering other(fixture.context(), u"Joining Videos"_s, {});
+        const AnsweringEdit other(fixture.context(), u"Joining Videos"_s, {});
         fixture.base.notifications.post(
             name, u"47%"_s,
             {{u"stepName"_s, other.stepName()},
-             {u"theConverter"_s, QVariant::fromValue<QObject *>(const_cast<Answering *>(&other))}});
+             {u"theConverter"_s, QVariant::fromValue<QObject *>(const_cast<AnsweringEdit *>(&other))}});
         QCOMPARE(fixture.shownProgress(), QStringList{u"Joining Videos=45%"_s});
     }
 
@@ -329,7 +325,7 @@ private Q_SLOTS:
     void aJoinShowsNoNumberUntilItIsComplete()
     {
         EditFixture fixture;
-        fixture.begin(joining);
+        fixture.begin(mkvJoining);
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.progressTexts(),
                  QStringList({u"Joining Videos=0%"_s, u"Joining Videos=Complete"_s}));
@@ -342,9 +338,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("jobType");
         QTest::addColumn<QString>("label");
-        QTest::newRow("remux") << remuxing << u"Re-Muxing MKV"_s;
-        QTest::newRow("split") << splitting << u"Splitting Videos"_s;
-        QTest::newRow("removal") << removal << u"Removing Tracks"_s;
+        QTest::newRow("remux") << mkvRemux << u"Re-Muxing MKV"_s;
+        QTest::newRow("split") << mkvSplitting << u"Splitting Videos"_s;
+        QTest::newRow("removal") << mkvRemoval << u"Removing Tracks"_s;
     }
 
     void aRemuxStepShowsMuxingStep1()
@@ -366,7 +362,7 @@ private Q_SLOTS:
     void aFallenPercentageIsTheNextMuxingStep()
     {
         EditFixture fixture;
-        const auto job = fixture.unstarted(remuxing, {u"80%"_s, u"error"_s, u"5%"_s});
+        const auto job = fixture.unstarted(mkvRemux, {u"80%"_s, u"error"_s, u"5%"_s});
         job->monitorMuxStep();
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(job->muxStepCounter(), 2);
@@ -378,7 +374,7 @@ private Q_SLOTS:
     void aCancelledJobStopsItsPollAndIsNotDone()
     {
         EditFixture fixture({u"part out Progress: 45%\\r"_s, u"hang"_s});
-        const auto job = fixture.begin(splitting);
+        const auto job = fixture.begin(mkvSplitting);
         QVERIFY(fixture.waitForText(u"Muxing Step #1=45%"_s));
         job->stopJob();
         QVERIFY(waitFor([&] { return job->monitorQueue()->activeThreadCount() == 0; }));
@@ -391,7 +387,7 @@ private Q_SLOTS:
     void aFailedToolIsCompleteAndSaysWhy()
     {
         EditFixture fixture({u"out Error: The file has no tracks."_s, u"exit 2"_s});
-        const auto job = fixture.begin(remuxing);
+        const auto job = fixture.begin(mkvRemux);
         QVERIFY(fixture.waitForEnd());
         QVERIFY(fixture.progressTexts().contains(u"Muxing Step #1=Complete"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Failed);

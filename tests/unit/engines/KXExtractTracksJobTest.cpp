@@ -69,11 +69,6 @@ public:
     std::shared_ptr<KXExtractTracksJob> job;
 };
 
-TrackPointer sound()
-{
-    return audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {});
-}
-
 } // namespace
 
 class KXExtractTracksJobTest final : public QObject
@@ -96,7 +91,7 @@ private Q_SLOTS:
         fixture.base.toolsAtOnce = atOnce;
         const auto other = subtitleTrack(u"3"_s, u"srt"_s);
         other->setTrackType(u"External Subtitle"_s);
-        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s), other});
+        fixture.start({videoTrack(), surroundSound(), subtitleTrack(u"2"_s, u"srt"_s), other});
         QCOMPARE(fixture.job->progressList(), jobs::ProgressList({{u"Extracting Video Track"_s, u"0%"_s},
                                                                   {u"Extracting Audio Track"_s, u"0%"_s},
                                                                   {u"Extracting Subtitle Track"_s, u"0%"_s},
@@ -117,7 +112,7 @@ private Q_SLOTS:
     {
         ExtractionFixture fixture;
         fixture.base.toolsAtOnce = 1;
-        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        fixture.start({videoTrack(), surroundSound(), subtitleTrack(u"2"_s, u"srt"_s)});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.runs(), 3);
         QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
@@ -128,7 +123,7 @@ private Q_SLOTS:
     {
         ExtractionFixture fixture({u"sleep 300"_s, wellDone, u"write 10 last"_s});
         fixture.base.toolsAtOnce = 1;
-        fixture.start({videoTrack(), sound()});
+        fixture.start({videoTrack(), surroundSound()});
         QVERIFY(waitFor([&] { return fixture.runs() == 1; }));
         fixture.job->pauseJob();
         fixture.post(u"taskCompletion"_s, u"Complete"_s, 0); // as if it had ended before
@@ -140,7 +135,7 @@ private Q_SLOTS:
     void aJobThatIsPausedAtItsBeginningWaits()
     {
         ExtractionFixture fixture;
-        fixture.start({videoTrack(), sound()});
+        fixture.start({videoTrack(), surroundSound()});
         fixture.job->pauseJob();
         QVERIFY(!waitFor([&] { return fixture.runs() > 0 || fixture.job->hasEnded(); }, 700));
         fixture.job->resumeJob();
@@ -153,7 +148,7 @@ private Q_SLOTS:
         ExtractionFixture fixture;
         fixture.base.installTool(u"ffmpeg/ffprobe"_s, {u"record "_s + fixture.base.scratch.path(u"looks"_s),
                                                        u"out   Duration: 00:02:00.00, start: 0.0"_s});
-        fixture.start({videoTrack(), sound(), subtitleTrack(u"2"_s, u"srt"_s)});
+        fixture.start({videoTrack(), surroundSound(), subtitleTrack(u"2"_s, u"srt"_s)});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(FakeTool::recordedRuns(fixture.base.scratch.path(u"looks"_s)).size(), 1);
     }
@@ -183,7 +178,7 @@ private Q_SLOTS:
     void eachTrackIsWritten()
     {
         ExtractionFixture fixture;
-        fixture.start({videoTrack(), sound()});
+        fixture.start({videoTrack(), surroundSound()});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.job->outcome().verdict, Verdict::Ok);
         QCOMPARE(fixture.job->outputs(), QList<QUrl>({fixture.base.scratch.url(u"a.mkv.stream0.h264"_s),
@@ -197,7 +192,7 @@ private Q_SLOTS:
         ExtractionFixture fixture;
         fixture.base.scratch.write(u"s/x"_s, {});
         fixture.base.setSaveFolder(fixture.base.scratch.path(u"s"_s));
-        fixture.start({sound()});
+        fixture.start({surroundSound()});
         QVERIFY(fixture.waitForEnd());
         QVERIFY(QFile::exists(fixture.base.scratch.path(u"s/a.mkv.stream1.ac3"_s)));
     }
@@ -205,7 +200,7 @@ private Q_SLOTS:
     void percentAndCompletion()
     {
         ExtractionFixture fixture({u"hang"_s});
-        fixture.start({videoTrack(), sound()});
+        fixture.start({videoTrack(), surroundSound()});
         fixture.post(u"monitorExtractionUpdate"_s, u"45%"_s, 1);
         fixture.post(u"monitorExtractionUpdate"_s, u"no percent"_s, 0);
         QCOMPARE(fixture.job->progressList().at(0).progress, u"0%"_s);
@@ -220,7 +215,7 @@ private Q_SLOTS:
     void announcementsOfAnotherConversionDontCount()
     {
         ExtractionFixture fixture({u"hang"_s});
-        fixture.start({sound()});
+        fixture.start({surroundSound()});
         fixture.post(u"monitorConversionUpdate"_s, u"45%"_s, 0);
         QCOMPARE(fixture.job->progressList().first().progress, u"0%"_s);
     }
@@ -233,7 +228,7 @@ private Q_SLOTS:
         const auto subtitle = subtitleTrack(u"2"_s, u"teletext"_s);
         subtitle->setTrackExtension(u"xxx"_s);
         subtitle->setTrackInfo(u"Subtitle: (teletext)"_s);
-        fixture.start({sound(), subtitle});
+        fixture.start({surroundSound(), subtitle});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.job->outcome().verdict, Verdict::Failed);
         QVERIFY2(

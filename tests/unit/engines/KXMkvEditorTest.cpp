@@ -15,9 +15,6 @@ using tools::ToolProcess;
 
 namespace {
 
-const QString joining = u"MKV Joining"_s;
-const QString splitting = u"MKV Splitting"_s;
-
 /// An editor alone in its fixture, for "a.mkv", "b.mkv" and "c.mkv".
 class EditorFixture final : public MkvFixture
 {
@@ -33,7 +30,7 @@ public:
 
     SelectionPointer joined(const QStringList &names) const
     {
-        const auto made = selection(joining, {});
+        const auto made = selection(mkvJoining, {});
         QList<QUrl> files;
         for (const QString &name : names)
             files.append(url(name));
@@ -42,7 +39,7 @@ public:
     }
     SelectionPointer split(const QString &type) const
     {
-        const auto made = selection(splitting, {});
+        const auto made = selection(mkvSplitting, {});
         made->setSplitType(type);
         made->setSplitStartTimeText(u"00:10:00"_s);
         made->setSplitEndTimeText(u"00:20:00"_s);
@@ -168,8 +165,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("jobType");
         QTest::addColumn<QString>("word");
-        QTest::newRow("join") << joining << u"joined"_s;
-        QTest::newRow("split") << splitting << u"split"_s;
+        QTest::newRow("join") << mkvJoining << u"joined"_s;
+        QTest::newRow("split") << mkvSplitting << u"split"_s;
     }
 
     void theSaveFolderOfThePreferencesTakesOutputAndLog()
@@ -179,9 +176,9 @@ private Q_SLOTS:
         EditorFixture fixture;
         fixture.base.scratch.write(u"s/x"_s, {});
         fixture.base.setSaveFolder(fixture.path(u"s"_s));
-        fixture.editor.startConversionFor(jobType == joining ? fixture.joined({u"b.mkv"_s, u"c.mkv"_s})
-                                                             : fixture.split(u"time"_s));
-        const QString base = jobType == joining ? u"/v/s/b.mkv."_s : u"/v/s/a.mkv."_s;
+        fixture.editor.startConversionFor(jobType == mkvJoining ? fixture.joined({u"b.mkv"_s, u"c.mkv"_s})
+                                                                : fixture.split(u"time"_s));
+        const QString base = jobType == mkvJoining ? u"/v/s/b.mkv."_s : u"/v/s/a.mkv."_s;
         QCOMPARE(fixture.output(), base + word + u".mkv"_s);
         QCOMPARE(fixture.log(), base + word + u".log"_s);
         QVERIFY(fixture.waitForRun());

@@ -13,9 +13,6 @@ using namespace support;
 
 namespace {
 
-const QString conversion = u"MKV Conversion"_s;
-const QString removal = u"MKV Track Removal"_s;
-
 /// A muxer alone in its fixture.
 class MuxerFixture final : public MkvFixture
 {
@@ -23,7 +20,7 @@ public:
     using MkvFixture::MkvFixture;
 
     /// As the job does it before a mux: every track's snapshot is taken.
-    QString mux(const TrackList &tracks, const QString &jobType = conversion)
+    QString mux(const TrackList &tracks, const QString &jobType = mkvConversion)
     {
         const auto chosen = selection(jobType, tracks);
         for (const TrackPointer &track : tracks)
@@ -38,14 +35,14 @@ public:
     KXMkvMuxer muxer{context()};
 };
 
-TrackPointer sound(const QString &id = u"1"_s, const QString &title = u""_s)
+TrackPointer titledSound(const QString &id = u"1"_s, const QString &title = u""_s)
 {
     const TrackPointer track = audioTrack(id, u"ac3"_s, u"6"_s, {});
     track->setTrackTitle(title);
     return track;
 }
 
-TrackPointer picture(const QString &title = u""_s)
+TrackPointer titledPicture(const QString &title = u""_s)
 {
     const TrackPointer track = videoTrack(u"passthru"_s);
     track->setTrackTitle(title);
@@ -53,12 +50,6 @@ TrackPointer picture(const QString &title = u""_s)
 }
 
 /// The options of an English track without flags.
-QString options(const QString &id, const QString &title = u"''"_s)
-{
-    return u"--language %1:eng|--track-name %1:%2|--default-track %1:0|--forced-track %1:0|"
-           "--compression %1:none|"_s.arg(id, title);
-}
-
 } // namespace
 
 class KXMkvMuxerTest final : public QObject
@@ -78,7 +69,7 @@ private Q_SLOTS:
     void aConversionMuxWritesMuxed()
     {
         MuxerFixture fixture;
-        const QString id = fixture.mux({picture()});
+        const QString id = fixture.mux({titledPicture()});
         QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed.mkv"_s);
         QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed.log"_s);
         QVERIFY(id.toInt() > 0);
@@ -90,16 +81,16 @@ private Q_SLOTS:
     void aTrackRemovalMuxWritesRemovedFromTheTracksToKeep()
     {
         MuxerFixture fixture;
-        const TrackPointer kept = picture(u"Film"_s);
+        const TrackPointer kept = titledPicture(u"Film"_s);
         kept->setTrackFileURL(fixture.source);
-        const auto chosen = fixture.selection(removal, {sound()});
+        const auto chosen = fixture.selection(mkvRemoval, {titledSound()});
         chosen->setKeepTracksList({kept});
         fixture.muxer.startConversionFor(chosen);
         QCOMPARE(fixture.muxer.tracksToMux(), TrackList{kept});
         // Nobody else took this track's snapshot.
         QCOMPARE(kept->muxingTrackTitle(), u"Film"_s);
         QCOMPARE(kept->muxingTrackFileURL(), fixture.source);
-        QCOMPARE(fixture.meant(), u"-o|/v/a.removed.mkv|"_s + options(u"0"_s, u"'Film'"_s) +
+        QCOMPARE(fixture.meant(), u"-o|/v/a.removed.mkv|"_s + muxOptions(u"0"_s, u"Film"_s) +
                                       u"-d 0|-A|-S|'/v/a.mkv'|&>|/v/a.mkv.removed.log|& echo $!"_s);
         QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.removed.mkv"_s});
         QVERIFY(fixture.waitForRuns(1));
@@ -109,14 +100,14 @@ private Q_SLOTS:
     {
         for (const QString &type : {u"MKV Remux"_s, u"MKV Track Replacement"_s, u""_s}) {
             MuxerFixture fixture;
-            const TrackPointer set = sound();
-            const auto chosen = fixture.selection(type, {picture(), set});
-            chosen->setKeepTracksList({picture()});
+            const TrackPointer set = titledSound();
+            const auto chosen = fixture.selection(type, {titledPicture(), set});
+            chosen->setKeepTracksList({titledPicture()});
             set->initializeForMuxing();
             fixture.muxer.setTracksToMux({set});
             fixture.muxer.startConversionFor(chosen);
             QCOMPARE(fixture.muxer.tracksToMux(), TrackList{set});
-            QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + options(u"1"_s) +
+            QCOMPARE(fixture.meant(), u"-o|/v/a.muxed.mkv|"_s + muxOptions(u"1"_s) +
                                           u"-D|-a 1|-S|'/v/a.mkv'|&>|/v/a.mkv.muxed.log|& echo $!"_s);
             QVERIFY(fixture.waitForRuns(1));
         }
@@ -127,7 +118,7 @@ private Q_SLOTS:
         MuxerFixture fixture;
         fixture.base.scratch.write(u"s/x"_s, {});
         fixture.base.setSaveFolder(fixture.path(u"s"_s));
-        fixture.mux({picture()});
+        fixture.mux({titledPicture()});
         QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/s/a.muxed.mkv"_s);
         QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/s/a.mkv.muxed.log"_s);
         QVERIFY(fixture.waitForRuns(1));
@@ -138,7 +129,7 @@ private Q_SLOTS:
         MuxerFixture fixture;
         fixture.base.scratch.write(u"a.muxed.mkv"_s, "another film");
         fixture.base.scratch.write(u"a.mkv.muxed.log"_s, "another log");
-        fixture.mux({picture()});
+        fixture.mux({titledPicture()});
         QCOMPARE(fixture.shown(fixture.muxer.outputFileURL().toLocalFile()), u"/v/a.muxed (2).mkv"_s);
         QCOMPARE(fixture.shown(fixture.muxer.logFileURL().toLocalFile()), u"/v/a.mkv.muxed (2).log"_s);
         QVERIFY(fixture.waitForRuns(1));
@@ -151,14 +142,14 @@ private Q_SLOTS:
     void theWholeListOfThreeFiles()
     {
         MuxerFixture fixture;
-        const TrackPointer video = picture(u"The Film"_s);
+        const TrackPointer video = titledPicture(u"The Film"_s);
         video->setTrackDefaultFlag(true);
-        const TrackPointer german = sound(u"1"_s);
+        const TrackPointer german = titledSound(u"1"_s);
         german->setTrackLanguage(u"German"_s);
         german->setTrackForcedFlag(true);
         const TrackPointer subtitle = subtitleTrack(u"3"_s, u"srt"_s);
         subtitle->setTrackTitle(u"none"_s);
-        const TrackPointer added = external(sound(u"0"_s, u"Comments"_s), fixture.path(u"b.ac3"_s));
+        const TrackPointer added = external(titledSound(u"0"_s, u"Comments"_s), fixture.path(u"b.ac3"_s));
         added->setTrackMkvmergeID(u"0"_s);
         const TrackPointer foreign = external(subtitleTrack(u"0"_s, u"srt"_s), fixture.path(u"c.mkv"_s));
         foreign->setTrackType(u"External Subtitle"_s);
@@ -169,8 +160,8 @@ private Q_SLOTS:
                  u"-o|/v/a.muxed.mkv|--language 0:eng|--track-name 0:'The Film'|--default-track 0:1|"
                  "--forced-track 0:0|--compression 0:none|--language 1:deu|--track-name 1:''|"
                  "--default-track 1:0|--forced-track 1:1|--compression 1:none|"_s +
-                     options(u"3"_s, u"'none'"_s) + u"-d 0|-a 1|-s 3|'/v/a.mkv'|"_s +
-                     options(u"0"_s, u"'Comments'"_s) + u"-D|-a 0|-S|'/v/b.ac3'|"_s + options(u"0"_s) +
+                     muxOptions(u"3"_s, u"none"_s) + u"-d 0|-a 1|-s 3|'/v/a.mkv'|"_s +
+                     muxOptions(u"0"_s, u"Comments"_s) + u"-D|-a 0|-S|'/v/b.ac3'|"_s + muxOptions(u"0"_s) +
                      u"-D|-A|-s 0|'/v/c.mkv'|&>|/v/a.mkv.muxed.log|& echo $!"_s);
         QVERIFY(fixture.waitForRuns(1));
     }
@@ -178,7 +169,7 @@ private Q_SLOTS:
     void everyWordArrives()
     {
         MuxerFixture fixture;
-        fixture.mux({picture(u"Film"_s), sound()});
+        fixture.mux({titledPicture(u"Film"_s), titledSound()});
         QVERIFY(fixture.waitForRuns(1));
         QCOMPARE(
             fixture.calls().first(),
@@ -204,9 +195,9 @@ private Q_SLOTS:
         MuxerFixture fixture;
         TrackList tracks;
         if (types.contains(u'v'))
-            tracks << picture();
+            tracks << titledPicture();
         if (types.contains(u'a'))
-            tracks << sound();
+            tracks << titledSound();
         if (types.contains(u's'))
             tracks << subtitleTrack(u"2"_s, u"srt"_s);
         fixture.mux(tracks);
@@ -237,7 +228,7 @@ private Q_SLOTS:
         QFETCH(QString, title);
         QFETCH(QString, item);
         MuxerFixture fixture;
-        fixture.mux({picture(title)});
+        fixture.mux({titledPicture(title)});
         QVERIFY2(fixture.meant().contains(u"|--track-name 0:"_s + item + u"|--default"_s),
                  qPrintable(fixture.meant()));
         QVERIFY(fixture.waitForRuns(1));
@@ -261,7 +252,7 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, item);
         MuxerFixture fixture(MkvFixture::wellMuxed(), name);
-        fixture.mux({picture()});
+        fixture.mux({titledPicture()});
         QVERIFY2(fixture.meant().contains(u"|-d 0|-A|-S|"_s + item + u"|&>|"_s), qPrintable(fixture.meant()));
         QVERIFY(fixture.waitForRuns(1));
         QCOMPARE(fixture.calls().first().last(), u"/v/"_s + name);
@@ -277,12 +268,12 @@ private Q_SLOTS:
                               "\"audio\"}, {\"id\": 2, \"type\": \"subtitles\"}]}"_s,
                               u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
                              u"a.mp4"_s);
-        fixture.mux({picture(), sound(u"3"_s), subtitleTrack(u"5"_s, u"mov_text"_s)});
+        fixture.mux({titledPicture(), titledSound(u"3"_s), subtitleTrack(u"5"_s, u"mov_text"_s)});
         QVERIFY(fixture.waitForRuns(2));
         QCOMPARE(fixture.calls().first(), QStringList({u"-J"_s, u"/v/a.mp4"_s}));
-        QVERIFY2(fixture.meant().contains(options(u"3"_s)), qPrintable(fixture.meant()));
+        QVERIFY2(fixture.meant().contains(muxOptions(u"3"_s)), qPrintable(fixture.meant()));
         QVERIFY2(fixture.meant().contains(u"|-d 0|-a 3|-s 5|"_s), qPrintable(fixture.meant()));
-        QVERIFY2(fixture.launched().contains(options(u"1"_s)), qPrintable(fixture.launched()));
+        QVERIFY2(fixture.launched().contains(muxOptions(u"1"_s)), qPrintable(fixture.launched()));
         QVERIFY2(fixture.launched().contains(u"--compression 2:none|-d 0|-a 1|-s 2|'/v/a.mp4'|"_s),
                  qPrintable(fixture.launched()));
         QVERIFY(!fixture.launched().contains(u"3:"_s) && !fixture.launched().contains(u"5:"_s));
@@ -294,7 +285,7 @@ private Q_SLOTS:
     {
         for (const QString &name : {u"a.mkv"_s, u"a.avi"_s, u"a.AVI"_s}) {
             MuxerFixture fixture(MkvFixture::wellMuxed(), name);
-            fixture.mux({picture(), sound(u"3"_s)});
+            fixture.mux({titledPicture(), titledSound(u"3"_s)});
             QVERIFY(fixture.waitForRuns(1));
             QCOMPARE(fixture.calls().size(), 1);
             QCOMPARE(fixture.launched(), fixture.meant());
@@ -304,8 +295,8 @@ private Q_SLOTS:
     void aConvertedFileIsNotAsked()
     {
         MuxerFixture fixture(MkvFixture::wellMuxed(), u"a.avi"_s);
-        const TrackPointer track = picture();
-        const auto chosen = fixture.selection(conversion, {track});
+        const TrackPointer track = titledPicture();
+        const auto chosen = fixture.selection(mkvConversion, {track});
         track->initializeForMuxing();
         track->setMuxingTrackFileURL(fixture.url(u"converted.m4v"_s));
         fixture.muxer.startConversionFor(chosen);
@@ -322,9 +313,9 @@ private Q_SLOTS:
                               "\"audio\"}]}"_s,
                               u"exit 0"_s, u"end"_s, u"write 10 after:-o"_s},
                              u"a.mp4"_s);
-        const TrackPointer kept = sound(u"4"_s);
+        const TrackPointer kept = titledSound(u"4"_s);
         kept->setTrackFileURL(fixture.source);
-        const auto chosen = fixture.selection(removal, {sound(u"2"_s)});
+        const auto chosen = fixture.selection(mkvRemoval, {titledSound(u"2"_s)});
         chosen->setKeepTracksList({kept});
         fixture.muxer.startConversionFor(chosen);
         QVERIFY2(fixture.launched().contains(u"|-D|-a 1|-S|'/v/a.mp4'"_s), qPrintable(fixture.launched()));
@@ -361,7 +352,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, log);
         QFETCH(QString, answer);
         MuxerFixture fixture({u"hang"_s});
-        const QString id = fixture.mux({picture()});
+        const QString id = fixture.mux({titledPicture()});
         QVERIFY(fixture.waitForRuns(1));
         fixture.base.scratch.write(u"a.mkv.muxed.log"_s, log);
         QCOMPARE(fixture.muxer.monitorConversion(), answer);
@@ -372,7 +363,7 @@ private Q_SLOTS:
     void aToolThatHasEndedIsComplete()
     {
         MuxerFixture fixture({u"err Error: The file could not be opened."_s, u"exit 2"_s});
-        fixture.mux({picture()});
+        fixture.mux({titledPicture()});
         QVERIFY(waitFor([&] { return fixture.muxer.monitorConversion() == u"Complete"_s; }));
         // The end of a process is all that a poll tells. How it went is the outcome's matter.
         QCOMPARE(fixture.muxer.outcome().verdict, steps::Verdict::Failed);

@@ -12,8 +12,6 @@ using namespace support;
 
 namespace {
 
-const QString type = u"MKV Remux"_s;
-
 class ReMuxerFixture final : public MkvFixture
 {
 public:
@@ -48,8 +46,8 @@ private Q_SLOTS:
     void withoutASaveFolderItWritesBesideTheSource()
     {
         ReMuxerFixture fixture;
-        const auto task =
-            fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}), {});
+        const auto task = fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(
+            fixture.selection(mkvRemux, {}), {});
         QVERIFY(task);
         QCOMPARE(fixture.remuxer.converterTask(), task);
         QCOMPARE(fixture.output(), u"/v/a.mkv.remux.mkv"_s);
@@ -67,7 +65,7 @@ private Q_SLOTS:
     {
         ReMuxerFixture fixture;
         fixture.base.scratch.write(u"s/x"_s, {});
-        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}),
+        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(mkvRemux, {}),
                                                                         fixture.url(u"s"_s));
         QCOMPARE(fixture.output(), u"/v/s/a.mkv.remux.mkv"_s);
         QCOMPARE(fixture.log(), u"/v/s/a.mkv.remuxing.log"_s);
@@ -78,7 +76,7 @@ private Q_SLOTS:
     {
         ReMuxerFixture fixture;
         fixture.remuxer.setStepName(u"Re-Muxing MKV"_s);
-        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(type, {}), {});
+        fixture.remuxer.startConversionForSelectionWithSaveDirectoryURL(fixture.selection(mkvRemux, {}), {});
         QCOMPARE(fixture.posted(u"conversionStarted"_s), QStringList{u"/v/a.mkv.remux.mkv"_s});
         QVERIFY(fixture.waitForEnds(1));
         QCOMPARE(fixture.posted(u"taskCompletion"_s), QStringList{u"Complete"_s});
@@ -142,7 +140,7 @@ private Q_SLOTS:
     void theBackgroundFormHasItsOwnList()
     {
         ReMuxerFixture fixture(MkvFixture::wellMuxed(), u"it's $(touch x).mkv"_s);
-        const QString id = fixture.remuxer.startConversionFor(fixture.selection(type, {}));
+        const QString id = fixture.remuxer.startConversionFor(fixture.selection(mkvRemux, {}));
         QVERIFY(id.toInt() > 0);
         QCOMPARE(fixture.remuxer.doShell_ID(), id);
         QCOMPARE(fixture.meant(),
@@ -160,7 +158,7 @@ private Q_SLOTS:
         ReMuxerFixture fixture;
         fixture.base.scratch.write(u"s/x"_s, {});
         fixture.base.setSaveFolder(fixture.path(u"s"_s));
-        fixture.remuxer.startConversionFor(fixture.selection(type, {}));
+        fixture.remuxer.startConversionFor(fixture.selection(mkvRemux, {}));
         QCOMPARE(fixture.output(), u"/v/s/a.mkv.remux.mkv"_s);
         QCOMPARE(fixture.log(), u"/v/s/a.mkv.remuxing.log"_s);
         QVERIFY(fixture.waitForRuns(1));
@@ -169,7 +167,7 @@ private Q_SLOTS:
     void theBackgroundFormIsPolled()
     {
         ReMuxerFixture fixture({u"hang"_s});
-        const QString id = fixture.remuxer.startConversionFor(fixture.selection(type, {}));
+        const QString id = fixture.remuxer.startConversionFor(fixture.selection(mkvRemux, {}));
         QVERIFY(fixture.waitForRuns(1));
         QCOMPARE(fixture.remuxer.monitorConversion(), u"error"_s);
         fixture.base.scratch.write(u"a.mkv.remuxing.log"_s, "Progress: 44%\rProgress: 45%\r");

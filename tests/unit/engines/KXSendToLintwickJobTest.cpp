@@ -55,11 +55,6 @@ TrackPointer subtitle(const QString &stream = u"2"_s)
     return subtitleTrack(stream, u"srt"_s);
 }
 
-TrackPointer sound()
-{
-    return audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {});
-}
-
 const QStringList notLaunched{u"Lintwick Could Not Be Launched"_s,
                               u"Verify that a valid path to Lintwick has been entered in the preferences."_s};
 
@@ -76,7 +71,7 @@ private Q_SLOTS:
     void theSubtitleAndThenTheFilmAreOpened()
     {
         SendingFixture fixture;
-        const auto job = fixture.begin({videoTrack(), sound(), subtitle()});
+        const auto job = fixture.begin({videoTrack(), surroundSound(), subtitle()});
         QCOMPARE(job->progressList(), jobs::ProgressList({{u"Extracting Subtitle Track"_s, u"0%"_s}}));
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.asked(), handedOver);
@@ -124,7 +119,7 @@ private Q_SLOTS:
     void withoutASubtitleThereIsNoStepAndNothingIsLaunched()
     {
         SendingFixture fixture;
-        const auto job = fixture.begin({videoTrack(), sound()});
+        const auto job = fixture.begin({videoTrack(), surroundSound()});
         QVERIFY(job->stepConverterList().isEmpty());
         QVERIFY(job->progressList().isEmpty());
         QVERIFY(fixture.waitForEnd());

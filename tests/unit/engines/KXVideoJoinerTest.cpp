@@ -15,7 +15,6 @@ using tools::ToolProcess;
 
 namespace {
 
-const QString joining = u"MKV Joining"_s;
 const QString ffmpegEnd = u"err frame=9 Lsize=9kB time=00:04:00.00 bitrate"_s;
 
 /// A joiner alone in its fixture; each of its three tools records how it is called.
@@ -33,7 +32,7 @@ public:
 
     SelectionPointer joined(const QStringList &names) const
     {
-        const auto made = selection(joining, {});
+        const auto made = selection(mkvJoining, {});
         QList<QUrl> files;
         for (const QString &name : names) {
             base.scratch.write(name, "film");

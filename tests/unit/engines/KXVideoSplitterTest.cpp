@@ -14,8 +14,6 @@ using tools::ToolProcess;
 
 namespace {
 
-const QString splitting = u"MKV Splitting"_s;
-
 class SplitFixture final : public MkvFixture
 {
 public:
@@ -23,7 +21,7 @@ public:
 
     SelectionPointer split(const QString &type) const
     {
-        const auto made = selection(splitting, {});
+        const auto made = selection(mkvSplitting, {});
         made->setSplitType(type);
         made->setSplitStartTimeText(u"00:10:00"_s);
         made->setSplitEndTimeText(u"00:20:00"_s);

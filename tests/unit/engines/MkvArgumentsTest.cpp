@@ -12,8 +12,8 @@ using tools::OptionList;
 
 namespace {
 
-const QUrl output = QUrl::fromLocalFile(u"/v/out.mkv"_s);
-const QUrl logFile = QUrl::fromLocalFile(u"/v/out.log"_s);
+const QUrl muxOutput = QUrl::fromLocalFile(u"/v/out.mkv"_s);
+const QUrl muxLog = QUrl::fromLocalFile(u"/v/out.log"_s);
 
 /// A track as it is right before a mux.
 TrackPointer muxed(const TrackPointer &track, const QString &id, const QString &title = u""_s)
@@ -23,14 +23,6 @@ TrackPointer muxed(const TrackPointer &track, const QString &id, const QString &
     track->initializeForMuxing();
     track->setTrackMkvmergeID(id);
     return track;
-}
-
-QString shown(const OptionList &list)
-{
-    QStringList texts;
-    for (const tools::OptionItem &item : list)
-        texts.append(item.text());
-    return texts.join(u'|');
 }
 
 SelectionPointer splitting(const QString &type)
@@ -62,7 +54,7 @@ private Q_SLOTS:
         const TrackPointer added = muxed(
             support::external(support::subtitleTrack(u"0"_s, u"srt"_s), u"/v/s.srt"_s), u"0"_s, u"a b"_s);
         QCOMPARE(
-            shown(engines::muxShellItems({video, audio, added}, output, logFile)),
+            itemsOf(engines::muxShellItems({video, audio, added}, muxOutput, muxLog)),
             u"-o|/v/out.mkv|--language 0:eng|--track-name 0:''|--default-track 0:1|--forced-track 0:0|"
             "--compression 0:none|--language 1:deu|--track-name 1:'it\\'s'|--default-track 1:0|"
             "--forced-track 1:1|--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'|--language 0:eng|"
@@ -77,7 +69,7 @@ private Q_SLOTS:
             support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"0"_s);
         const TrackPointer one = muxed(support::audioTrack(u"1"_s, u"aac"_s, u"2"_s, {}), u"1"_s);
         const TrackPointer two = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
-        const QString list = shown(engines::muxShellItems({sub, added, one, two}, output, logFile));
+        const QString list = itemsOf(engines::muxShellItems({sub, added, one, two}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"|-D|-a 1,2|-s 3|'/v/a.mkv'|"_s), qPrintable(list));
         QVERIFY2(list.contains(u"|-D|-a 0|-S|'/v/b.ac3'|&>"_s), qPrintable(list));
         QVERIFY(list.indexOf(u"'/v/a.mkv'"_s) < list.indexOf(u"'/v/b.ac3'"_s));
@@ -96,7 +88,7 @@ private Q_SLOTS:
         QFETCH(QString, id);
         const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
         const TrackPointer audio = muxed(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), id);
-        const QString list = shown(engines::muxShellItems({video, audio}, output, logFile));
+        const QString list = itemsOf(engines::muxShellItems({video, audio}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"|-d 0|-A|-S|'/v/a.mkv'|"_s), qPrintable(list));
         QCOMPARE(list.count(u"--language"_s), 1);
     }
@@ -105,7 +97,7 @@ private Q_SLOTS:
     {
         const TrackPointer odd = muxed(support::videoTrack(), u"4"_s);
         odd->setMuxingTrackType(u"Button"_s);
-        const QString list = shown(engines::muxShellItems({odd}, output, logFile));
+        const QString list = itemsOf(engines::muxShellItems({odd}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"--compression 4:none|-D|-A|-S|'/v/a.mkv'"_s), qPrintable(list));
     }
 
@@ -113,9 +105,9 @@ private Q_SLOTS:
     {
         const QList<QUrl> files{QUrl::fromLocalFile(u"/v/1.mkv"_s), QUrl::fromLocalFile(u"/v/2 b.mkv"_s),
                                 QUrl::fromLocalFile(u"/v/3.mkv"_s)};
-        QCOMPARE(shown(engines::joinArguments(files, output)),
+        QCOMPARE(itemsOf(engines::joinArguments(files, muxOutput)),
                  u"-o|/v/out.mkv|/v/1.mkv|+|/v/2 b.mkv|+|/v/3.mkv"_s);
-        QCOMPARE(shown(engines::joinShellItems(files, output, logFile)),
+        QCOMPARE(itemsOf(engines::joinShellItems(files, muxOutput, muxLog)),
                  u"-o|/v/out.mkv|/v/1.mkv|+'/v/2 b.mkv'|+'/v/3.mkv'|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -137,9 +129,9 @@ private Q_SLOTS:
         QFETCH(QString, item);
         const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
         QCOMPARE(engines::splitWord(*splitting(type)), word);
-        QCOMPARE(shown(engines::splitArguments(word, input, output)),
+        QCOMPARE(itemsOf(engines::splitArguments(word, input, muxOutput)),
                  u"-o|/v/out.mkv|--split|"_s + word + u"|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(shown(engines::splitShellItems(*splitting(type), input, output, logFile)),
+        QCOMPARE(itemsOf(engines::splitShellItems(*splitting(type), input, muxOutput, muxLog)),
                  u"-o|/v/out.mkv|"_s + item + u"|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -161,9 +153,9 @@ private Q_SLOTS:
     void remuxes()
     {
         const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
-        QCOMPARE(shown(engines::remuxArguments(input, output)),
+        QCOMPARE(itemsOf(engines::remuxArguments(input, muxOutput)),
                  u"-o|/v/out.mkv|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(shown(engines::remuxShellItems(input, output, logFile)),
+        QCOMPARE(itemsOf(engines::remuxShellItems(input, muxOutput, muxLog)),
                  u"-o|/v/out.mkv|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -179,14 +171,14 @@ private Q_SLOTS:
         const engines::TrackNumbers numbers = engines::trackNumbersIn(json, {video, audio});
         QCOMPARE(numbers, engines::TrackNumbers({{2, 1}}));
         const QString list =
-            shown(engines::muxShellItems(tracks, output, logFile, {{u"/v/a.mkv"_s, numbers}}));
+            itemsOf(engines::muxShellItems(tracks, muxOutput, muxLog, {{u"/v/a.mkv"_s, numbers}}));
         QVERIFY2(list.contains(u"--language 1:eng|--track-name 1:''|--default-track 1:0|--forced-track 1:0|"
                                "--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'"_s),
                  qPrintable(list));
         QVERIFY2(list.contains(u"--language 2:eng"_s) && list.contains(u"-D|-a 2|-S|'/v/b.ac3'"_s),
                  qPrintable(list));
-        QVERIFY(
-            shown(engines::muxShellItems(tracks, output, logFile)).contains(u"-d 0|-a 2|-S|'/v/a.mkv'"_s));
+        QVERIFY(itemsOf(engines::muxShellItems(tracks, muxOutput, muxLog))
+                    .contains(u"-d 0|-a 2|-S|'/v/a.mkv'"_s));
     }
 
     void aKindThatIsCountedOtherwiseTellsNothing()

@@ -19,14 +19,6 @@ using namespace support;
 
 namespace {
 
-using Maker = std::shared_ptr<KXJob> (*)(const jobs::JobContext &);
-
-template <class Job>
-std::shared_ptr<KXJob> make(const jobs::JobContext &context)
-{
-    return std::make_shared<Job>(context);
-}
-
 /// What all the operations can work on.
 TrackList tracks(const QString &videoCodec, const QString &subtitleCodec)
 {
@@ -64,53 +56,56 @@ class PlanTest final : public QObject
 private Q_SLOTS:
     void isWhatRuns_data()
     {
-        QTest::addColumn<Maker>("maker");
+        QTest::addColumn<JobMaker>("maker");
         QTest::addColumn<QString>("type");
         QTest::addColumn<QString>("videoCodec");
         QTest::addColumn<QString>("subtitleCodec");
         QTest::addColumn<QString>("passes");
         QTest::addColumn<QStringList>("steps");
-        const auto row = [](const char *name, Maker maker, const QString &type, const QStringList &steps,
+        const auto row = [](const char *name, JobMaker maker, const QString &type, const QStringList &steps,
                             const QString &video = u"passthru"_s, const QString &subtitle = u"mux"_s,
                             const QString &passes = u"1"_s) {
             QTest::newRow(name) << maker << type << video << subtitle << passes << steps;
         };
         const QString conversion = u"MKV Conversion"_s;
-        row("conversion", make<KXConvertWithFfmpegJob>, conversion, {u"Video Conversion, pass 0: ffmpeg"_s});
-        row("two passes", make<KXConvertWithFfmpegJob>, conversion,
+        row("conversion", makeJob<KXConvertWithFfmpegJob>, conversion,
+            {u"Video Conversion, pass 0: ffmpeg"_s});
+        row("two passes", makeJob<KXConvertWithFfmpegJob>, conversion,
             {u"Video Conversion, pass 1: ffmpeg"_s, u"Video Conversion, pass 2: ffmpeg"_s}, u"h264"_s,
             u"mux"_s, u"2"_s);
-        row("burning", make<KXConvertWithFfmpegJob>, conversion,
+        row("burning", makeJob<KXConvertWithFfmpegJob>, conversion,
             {u"Extracting Subtitle, pass 0: ffmpeg"_s, u"Video Conversion, pass 0: ffmpeg"_s}, u"h264"_s,
             u"burn"_s);
-        row("extracting on the way", make<KXConvertWithFfmpegJob>, conversion,
+        row("extracting on the way", makeJob<KXConvertWithFfmpegJob>, conversion,
             {u"Extracting Subtitle, pass 0: ffmpeg"_s, u"Video Conversion, pass 0: ffmpeg"_s}, u"h264"_s,
             u"extract"_s);
-        row("muxing", make<KXConvertToMkvJob>, conversion, {u"Muxing Tracks, pass 0: mkvmerge"_s});
-        row("muxing a conversion", make<KXConvertToMkvJob>, conversion,
+        row("muxing", makeJob<KXConvertToMkvJob>, conversion, {u"Muxing Tracks, pass 0: mkvmerge"_s});
+        row("muxing a conversion", makeJob<KXConvertToMkvJob>, conversion,
             {u"Converting Video, pass 0: ffmpeg"_s, u"Muxing Tracks, pass 0: mkvmerge"_s}, u"h264"_s);
-        row("removal", make<KXEditMkvJob>, u"MKV Track Removal"_s, {u"Removing Tracks, pass 0: mkvmerge"_s});
-        row("remux by the editor", make<KXEditMkvJob>, u"MKV Remux"_s,
+        row("removal", makeJob<KXEditMkvJob>, u"MKV Track Removal"_s,
+            {u"Removing Tracks, pass 0: mkvmerge"_s});
+        row("remux by the editor", makeJob<KXEditMkvJob>, u"MKV Remux"_s,
             {u"Re-Muxing MKV, pass 0: mkvmerge"_s});
-        row("split by the editor", make<KXEditMkvJob>, u"MKV Splitting"_s,
+        row("split by the editor", makeJob<KXEditMkvJob>, u"MKV Splitting"_s,
             {u"Splitting Videos, pass 0: mkvmerge"_s});
-        row("join by the editor", make<KXEditMkvJob>, u"MKV Joining"_s,
+        row("join by the editor", makeJob<KXEditMkvJob>, u"MKV Joining"_s,
             {u"Joining Videos, pass 0: mkvmerge"_s});
         const QStringList extraction{u"Extracting Video Track, pass 0: ffmpeg"_s,
                                      u"Extracting Audio Track, pass 0: ffmpeg"_s,
                                      u"Extracting Subtitle Track, pass 0: ffmpeg"_s};
-        row("extraction by the editor", make<KXEditMkvJob>, u"MKV Track Extraction"_s, extraction);
-        row("extraction", make<KXExtractTracksJob>, u"MKV Track Extraction"_s, extraction);
-        row("join", make<KXJoinVideosJob>, u"MKV Joining"_s, {u"Joining Videos, pass 0: mkvmerge"_s});
-        row("remux", make<KXRemuxVideoJob>, u"MKV Remux"_s, {u"Re-Muxing MKV, pass 0: mkvmerge"_s});
-        row("split", make<KXSplitVideosJob>, u"MKV Splitting"_s, {u"Splitting Videos, pass 0: mkvmerge"_s});
-        row("sending", make<KXSendToLintwickJob>, u"Send To Lintwick"_s,
+        row("extraction by the editor", makeJob<KXEditMkvJob>, u"MKV Track Extraction"_s, extraction);
+        row("extraction", makeJob<KXExtractTracksJob>, u"MKV Track Extraction"_s, extraction);
+        row("join", makeJob<KXJoinVideosJob>, u"MKV Joining"_s, {u"Joining Videos, pass 0: mkvmerge"_s});
+        row("remux", makeJob<KXRemuxVideoJob>, u"MKV Remux"_s, {u"Re-Muxing MKV, pass 0: mkvmerge"_s});
+        row("split", makeJob<KXSplitVideosJob>, u"MKV Splitting"_s,
+            {u"Splitting Videos, pass 0: mkvmerge"_s});
+        row("sending", makeJob<KXSendToLintwickJob>, u"Send To Lintwick"_s,
             {u"Extracting Subtitle Track, pass 0: ffmpeg"_s});
     }
 
     void isWhatRuns()
     {
-        QFETCH(Maker, maker);
+        QFETCH(JobMaker, maker);
         QFETCH(QStringList, steps);
         MkvFixture fixture;
         const auto made = [&](steps::OutputRegistry &outputs) {

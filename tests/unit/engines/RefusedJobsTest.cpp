@@ -21,14 +21,6 @@ using namespace support;
 
 namespace {
 
-using Maker = std::shared_ptr<KXJob> (*)(const jobs::JobContext &);
-
-template <class Job>
-std::shared_ptr<KXJob> make(const jobs::JobContext &context)
-{
-    return std::make_shared<Job>(context);
-}
-
 /// What the operations would write, and the name from which theirs are made.
 const QStringList taken{u"a.mkv"_s,
                         u"a.mkv.mkv"_s,
@@ -43,7 +35,7 @@ const QStringList taken{u"a.mkv"_s,
 
 } // namespace
 
-Q_DECLARE_METATYPE(Maker)
+Q_DECLARE_METATYPE(JobMaker)
 
 class RefusedJobsTest final : public QObject
 {
@@ -52,32 +44,32 @@ class RefusedJobsTest final : public QObject
 private Q_SLOTS:
     void nothingIsTouched_data()
     {
-        QTest::addColumn<Maker>("maker");
+        QTest::addColumn<JobMaker>("maker");
         QTest::addColumn<QString>("type");
         QTest::addColumn<QString>("device");
         QTest::addColumn<bool>("isStopped");
-        const auto rows = [](const char *name, Maker maker, const QString &type, const QString &device) {
+        const auto rows = [](const char *name, JobMaker maker, const QString &type, const QString &device) {
             QTest::addRow("%s, ended", name) << maker << type << device << false;
             QTest::addRow("%s, stopped", name) << maker << type << device << true;
         };
-        rows("conversion", make<KXConvertWithFfmpegJob>, u"Conversion"_s, u"General"_s);
-        rows("conversion to MKV", make<KXConvertWithFfmpegJob>, u"Conversion"_s, u"MKV"_s);
-        rows("muxing", make<KXConvertToMkvJob>, u"MKV Conversion"_s, u"MKV"_s);
-        rows("removal", make<KXEditMkvJob>, u"MKV Track Removal"_s, u"MKV"_s);
-        rows("remux in the background", make<KXEditMkvJob>, u"MKV Remux"_s, u"MKV"_s);
-        rows("split in the background", make<KXEditMkvJob>, u"MKV Splitting"_s, u"MKV"_s);
-        rows("join by the editor", make<KXEditMkvJob>, u"MKV Joining"_s, u"MKV"_s);
-        rows("extraction by the editor", make<KXEditMkvJob>, u"MKV Track Extraction"_s, u"MKV"_s);
-        rows("extraction", make<KXExtractTracksJob>, u"Track Extraction"_s, u"MKV"_s);
-        rows("join", make<KXJoinVideosJob>, u"Joining"_s, u"MKV"_s);
-        rows("remux", make<KXRemuxVideoJob>, u"Remux"_s, u"MKV"_s);
-        rows("split", make<KXSplitVideosJob>, u"Splitting"_s, u"MKV"_s);
-        rows("sending", make<KXSendToLintwickJob>, u"Send To Lintwick"_s, u"MKV"_s);
+        rows("conversion", makeJob<KXConvertWithFfmpegJob>, u"Conversion"_s, u"General"_s);
+        rows("conversion to MKV", makeJob<KXConvertWithFfmpegJob>, u"Conversion"_s, u"MKV"_s);
+        rows("muxing", makeJob<KXConvertToMkvJob>, u"MKV Conversion"_s, u"MKV"_s);
+        rows("removal", makeJob<KXEditMkvJob>, u"MKV Track Removal"_s, u"MKV"_s);
+        rows("remux in the background", makeJob<KXEditMkvJob>, u"MKV Remux"_s, u"MKV"_s);
+        rows("split in the background", makeJob<KXEditMkvJob>, u"MKV Splitting"_s, u"MKV"_s);
+        rows("join by the editor", makeJob<KXEditMkvJob>, u"MKV Joining"_s, u"MKV"_s);
+        rows("extraction by the editor", makeJob<KXEditMkvJob>, u"MKV Track Extraction"_s, u"MKV"_s);
+        rows("extraction", makeJob<KXExtractTracksJob>, u"Track Extraction"_s, u"MKV"_s);
+        rows("join", makeJob<KXJoinVideosJob>, u"Joining"_s, u"MKV"_s);
+        rows("remux", makeJob<KXRemuxVideoJob>, u"Remux"_s, u"MKV"_s);
+        rows("split", makeJob<KXSplitVideosJob>, u"Splitting"_s, u"MKV"_s);
+        rows("sending", makeJob<KXSendToLintwickJob>, u"Send To Lintwick"_s, u"MKV"_s);
     }
 
     void nothingIsTouched()
     {
-        QFETCH(Maker, maker);
+        QFETCH(JobMaker, maker);
         QFETCH(QString, type);
         QFETCH(QString, device);
         QFETCH(bool, isStopped);

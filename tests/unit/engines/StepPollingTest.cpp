@@ -10,10 +10,10 @@ using namespace support;
 namespace {
 
 /// Answers its polls from a script, then "Complete".
-class Answering final : public KXConverter
+class AnsweringStep final : public KXConverter
 {
 public:
-    Answering(const steps::ConverterContext &context, const QStringList &answers)
+    AnsweringStep(const steps::ConverterContext &context, const QStringList &answers)
         : KXConverter(context)
         , m_answers(answers)
     {
@@ -35,7 +35,7 @@ class PollingFixture final
 public:
     ConverterPointer answering(const QStringList &answers)
     {
-        return std::make_shared<Answering>(base.converterContext(guard), answers);
+        return std::make_shared<AnsweringStep>(base.converterContext(guard), answers);
     }
 
     /// One text for each cycle, the last that of the cycle that said that all have finished.

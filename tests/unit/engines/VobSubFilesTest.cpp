@@ -13,21 +13,21 @@ using Keeping = KXConverter::Keeping;
 
 namespace {
 
-class DumperFixture final : public MkvFixture
+class PictureDumpFixture final : public MkvFixture
 {
 public:
-    explicit DumperFixture(Keeping keeping)
+    explicit PictureDumpFixture(Keeping keeping)
     {
         setScript(u"mkvtoolnix/mkvextract"_s, {u"hang"_s});
         dumper.inititializeForTrackWithStepLabelKeepingTheOutput(0, u"Extracting Subtitle Track"_s, keeping);
     }
-    ~DumperFixture()
+    ~PictureDumpFixture()
     {
         dumper.terminatePIDWaitUntilTerminated(dumper.doShell_ID(), KXHelpers::Wait::No);
         if (dumper.converterTask())
             dumper.converterTask()->terminate();
     }
-    Q_DISABLE_COPY_MOVE(DumperFixture)
+    Q_DISABLE_COPY_MOVE(PictureDumpFixture)
 
     SelectionPointer pictures() const
     {
@@ -57,7 +57,7 @@ class VobSubFilesTest final : public QObject
 private Q_SLOTS:
     void bothAreNamedAsOutputs()
     {
-        DumperFixture fixture(Keeping::TheOutput);
+        PictureDumpFixture fixture(Keeping::TheOutput);
         QVERIFY(!fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
         QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), both);
         QVERIFY(fixture.dumper.temporaryFiles().isEmpty());
@@ -65,14 +65,14 @@ private Q_SLOTS:
 
     void bothAreTemporaryWhenOneIs()
     {
-        DumperFixture fixture(Keeping::Temporary);
+        PictureDumpFixture fixture(Keeping::Temporary);
         QVERIFY(!fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
         QCOMPARE(fixture.shownNames(fixture.dumper.temporaryFiles()), both);
     }
 
     void theSameAsAProcessObject()
     {
-        DumperFixture fixture(Keeping::Temporary);
+        PictureDumpFixture fixture(Keeping::Temporary);
         QVERIFY(fixture.dumper.startConversionForSelectionWithSaveDirectoryURL(fixture.pictures(), {}));
         QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), both);
         QCOMPARE(fixture.shownNames(fixture.dumper.temporaryFiles()), both);
@@ -80,7 +80,7 @@ private Q_SLOTS:
 
     void theSecondOneNeverTakesAFileThatWasThere()
     {
-        DumperFixture fixture(Keeping::Temporary);
+        PictureDumpFixture fixture(Keeping::Temporary);
         fixture.base.scratch.write(u"a.mkv.stream2.sub"_s, "of another");
         QVERIFY(fixture.dumper.startConversionFor(fixture.pictures()).isEmpty());
         QCOMPARE(fixture.shown(fixture.dumper.refusal()),
@@ -91,7 +91,7 @@ private Q_SLOTS:
 
     void anotherSubtitleIsOneFile()
     {
-        DumperFixture fixture(Keeping::Temporary);
+        PictureDumpFixture fixture(Keeping::Temporary);
         const auto chosen = fixture.selection(u"MKV Track Extraction"_s, {subtitleTrack(u"2"_s, u"srt"_s)});
         QVERIFY(!fixture.dumper.startConversionFor(chosen).isEmpty());
         QCOMPARE(fixture.shownNames(fixture.dumper.outputFiles()), QStringList{u"/v/a.mkv.stream2.srt"_s});
