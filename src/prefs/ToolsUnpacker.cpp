@@ -16,8 +16,6 @@ namespace prefs {
 
 namespace {
 
-constexpr int lockPatienceMs = 30000;
-
 bool isWhole(const QString &path)
 {
     const QFileInfo file(path);
@@ -32,7 +30,7 @@ ToolsUnpacker::ToolsUnpacker(const KXHelpers &runner, const tools::ToolPlaces &p
 {
 }
 
-QString ToolsUnpacker::unpack() const
+QString ToolsUnpacker::unpack(int lockPatienceMs) const
 {
     const QList<ToolArchive> archives = presentArchives();
     if (archives.isEmpty())

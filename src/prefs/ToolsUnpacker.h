@@ -25,8 +25,9 @@ public:
     ToolsUnpacker(const KXHelpers &runner, const tools::ToolPlaces &places);
 
     /// Answers a null text, or a sentence for the user when a tool is still not there. Without
-    /// archives, and in a complete folder that can't be written, nothing is run.
-    QString unpack() const;
+    /// archives, and in a complete folder that can't be written, nothing is run. Another program that unpacks
+    /// at the same time is waited for.
+    QString unpack(int lockPatienceMs = 30000) const;
 
 private:
     QString unpackLocked(const QList<ToolArchive> &archives) const;

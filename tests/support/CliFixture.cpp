@@ -151,13 +151,10 @@ void CliFixture::useOwnTools()
 void CliFixture::setTool(const QString &tool, const QString &script)
 {
     const QString path = resources() + u'/' + tool;
-    QFile::remove(path);
     if (script.isNull())
-        return;
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write("#!/bin/sh\n" + script.toUtf8() + '\n') < 0)
-        qFatal("can't write %s", qPrintable(path));
-    file.setPermissions(QFile::Permissions(0x7755));
+        QFile::remove(path);
+    else
+        installScript(path, script);
 }
 
 void CliFixture::recordEverything()

@@ -11,12 +11,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// By a rename: a run of the same tool that was started a moment ago may still read what stood there.
 void putInPlace(const QString &path, const std::function<bool(const QString &aside)> &make)
 {
+    QDir().mkpath(QFileInfo(path).absolutePath());
     const QString aside = path + u".new"_s;
     if (!make(aside) ||
         std::rename(QFile::encodeName(aside).constData(), QFile::encodeName(path).constData()) != 0)
-        qFatal("can't put the fake tool at %s", qPrintable(path));
+        qFatal("can't put a tool at %s", qPrintable(path));
 }
 
 } // namespace
@@ -28,10 +30,8 @@ QString FakeTool::program()
     return QStringLiteral(TESSARAY_FAKETOOL);
 }
 
-/// Each is put in place by a rename: a run of the same tool that was started a moment ago may still read it.
 QString FakeTool::install(const QString &path, const QStringList &script)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
     putInPlace(path + u".script"_s, [&](const QString &aside) {
         QFile file(aside);
         return file.open(QIODevice::WriteOnly) && file.write(script.join(u'\n').toUtf8()) >= 0;
@@ -55,6 +55,16 @@ QList<FakeTool::Run> FakeTool::recordedRuns(const QString &path)
         i += 1 + count;
     }
     return runs;
+}
+
+QString installScript(const QString &path, const QString &lines)
+{
+    putInPlace(path, [&](const QString &aside) {
+        QFile file(aside);
+        return file.open(QIODevice::WriteOnly) && file.write("#!/bin/sh\n" + lines.toUtf8() + '\n') > 0 &&
+               file.setPermissions(QFile::Permissions(0x7755)); // as others read and run it
+    });
+    return path;
 }
 
 } // namespace support

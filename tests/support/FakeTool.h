@@ -42,4 +42,8 @@ public:
     static QList<Run> recordedRuns(const QString &path);
 };
 
+/// Puts a script for a shell at that path, in the place of what stood there, and answers the path; the line
+/// that names the shell is written too.
+QString installScript(const QString &path, const QString &lines);
+
 } // namespace support

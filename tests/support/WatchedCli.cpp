@@ -93,7 +93,7 @@ QString WatchedCli::offence()
 
 QString WatchedCli::processOffence() const
 {
-    if (waitFor([this] { return m_cli.processes().isEmpty(); }, 5000))
+    if (waitFor([this] { return m_cli.processes().isEmpty(); }))
         return {};
     const QString left = u"left running: "_s + m_cli.commandLines().join(u"; "_s);
     for (const qint64 pid : m_cli.processes())

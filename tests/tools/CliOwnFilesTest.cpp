@@ -137,7 +137,7 @@ private Q_SLOTS:
         QTest::qWait(afterMs);
         if (process->state() == QProcess::Running)
             ::kill(static_cast<pid_t>(process->processId()), SIGINT);
-        CliFixture::outcomeOf(*process, 10000);
+        CliFixture::outcomeOf(*process);
         QVERIFY(contentOf(m_cli->media(u"out"_s)) == before);
     }
 

@@ -126,7 +126,7 @@ private Q_SLOTS:
         QCOMPARE(journals().size(), 1);
         const QList<qint64> all = m_cli->processes();
         ::kill(static_cast<pid_t>(m_process->processId()), SIGKILL);
-        QVERIFY(m_process->waitForFinished(10000));
+        QVERIFY(m_process->waitForFinished(patienceMs));
         for (const qint64 pid : all) // what it had started goes with its service, as a rule
             ::kill(static_cast<pid_t>(pid), SIGKILL);
         QVERIFY(waitFor([this] { return m_cli->processes().isEmpty(); }));

@@ -188,7 +188,7 @@ private Q_SLOTS:
         Dump dump(runs);
         const QString pid = dump.dumper.startConversionFor(selection);
         QVERIFY2(!pid.isEmpty(), qPrintable(dump.dumper.refusal()));
-        QVERIFY(waitFor([&] { return dump.dumper.monitorConversion() == u"Complete"_s; }, 30000));
+        QVERIFY(waitFor([&] { return dump.dumper.monitorConversion() == u"Complete"_s; }));
         QVERIFY2(dump.dumper.outcome().verdict == Verdict::Ok, qPrintable(dump.dumper.outcome().sentence));
         const QString output = runs.path(u"a.mkv.stream%1.%2"_s.arg(stream, extension));
         QCOMPARE(dump.dumper.outputFileURL(), QUrl::fromLocalFile(output));
@@ -213,7 +213,7 @@ private Q_SLOTS:
         streamOf(*selection, u"2"_s)->setTrackMkvmergeID(u"77"_s);
         Dump dump(runs);
         dump.dumper.startConversionFor(selection);
-        QVERIFY(waitFor([&] { return dump.dumper.monitorConversion() == u"Complete"_s; }, 30000));
+        QVERIFY(waitFor([&] { return dump.dumper.monitorConversion() == u"Complete"_s; }));
         QCOMPARE(dump.dumper.outcome().verdict, Verdict::Failed);
         QVERIFY2(dump.dumper.outcome().sentence.startsWith(u"Track 2, "_s),
                  qPrintable(dump.dumper.outcome().sentence));

@@ -143,7 +143,7 @@ private Q_SLOTS:
         m_fault->addAnother();
         m_fault->runs.queue().theQueueLoop();
         const QFileInfo written(m_fault->output(operation));
-        QVERIFY(waitFor([&] { return QFileInfo(written.filePath()).size() > 0; }, 60000));
+        QVERIFY(waitFor([&] { return QFileInfo(written.filePath()).size() > 0; }));
         const auto processes = m_fault->runs.processes();
         QVERIFY(!processes.isEmpty());
         for (const qint64 pid : processes)

@@ -140,7 +140,7 @@ private:
         m_fault->runs.add(operation, source);
         m_fault->addAnother();
         m_fault->runs.queue().theQueueLoop();
-        QVERIFY(waitFor([&] { return bytesWritten(operation) > 10; }, 60000));
+        QVERIFY(waitFor([&] { return bytesWritten(operation) > 10; }));
     }
 
     qint64 bytesWritten(const QString &operation) const

@@ -101,7 +101,7 @@ private:
 
     QString leftOver()
     {
-        if (!support::waitFor([this] { return m_cli.processes().isEmpty(); }, 5000))
+        if (!support::waitFor([this] { return m_cli.processes().isEmpty(); }))
             return u"left running: "_s + m_cli.commandLines().join(u"; "_s);
         static const QRegularExpression results(u"^(new media/mutant[0-9]+\\.[^/]*|(new|changed) "
                                                 u"(defaults\\.json|home/\\.(fontconfig|cache)(/.*)?|"

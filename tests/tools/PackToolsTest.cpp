@@ -1,5 +1,6 @@
 #include "prefs/ToolCheck.h"
 #include "prefs/ToolsUnpacker.h"
+#include "support/FakeTool.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "tools/KXHelpers.h"
@@ -20,7 +21,7 @@ QString output(const QString &program, const QStringList &arguments)
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    if (!process.waitForFinished() || process.exitCode() != 0)
+    if (!process.waitForFinished(120000) || process.exitCode() != 0)
         return u"failed: "_s + QString::fromUtf8(process.readAll());
     return QString::fromUtf8(process.readAll());
 }
@@ -30,9 +31,7 @@ struct Machine
 {
     void install(const QString &name) const
     {
-        const QString path =
-            scratch.write(folder + u'/' + name, "#!/bin/sh\necho \"" + name.toUtf8() + " got $*\"\n");
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        support::installScript(scratch.path(folder + u'/' + name), u"echo \"%1 got $*\""_s.arg(name));
     }
 
     /// Null, or what cmake said.
@@ -127,7 +126,7 @@ private Q_SLOTS:
     {
         const Machine machine;
         machine.install(u"tesseract"_s);
-        machine.scratch.write(u"bin/tesseract"_s, "#!/bin/sh\necho $$\n");
+        support::installScript(machine.scratch.path(u"bin/tesseract"_s), u"echo $$"_s);
         QVERIFY(machine.pack().isNull());
         QProcess process;
         process.start(machine.resource(u"tesseract/tesseract"_s), QStringList());

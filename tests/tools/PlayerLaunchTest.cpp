@@ -2,6 +2,7 @@
 // subtitle with it. The installed player runs, with its pictures and sound thrown away.
 #include "engines/player/KXMoviePlayer.h"
 #include "support/Clips.h"
+#include "support/FakeTool.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 #include "support/jobs/JobFixture.h"
@@ -20,13 +21,9 @@ class PlayerLaunchTest final : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_fixture.scratch.write(u"tools/mplayer/mplayer"_s,
-                                "#!/bin/sh\n"
-                                "HOME=" +
-                                    m_fixture.scratch.path().toUtf8() +
-                                    " mplayer -nolirc -vo null -ao null "
-                                    "-frames 3 \"$@\" </dev/null >said 2>&1\nmv said done\n");
-        QFile::setPermissions(m_fixture.scratch.path(u"tools/mplayer/mplayer"_s), QFile::Permissions(0x7755));
+        installScript(m_fixture.scratch.path(u"tools/mplayer/mplayer"_s),
+                      u"HOME=%1 mplayer -nolirc -vo null -ao null -frames 3 \"$@\" </dev/null >said 2>&1\n"
+                      "mv said done"_s.arg(m_fixture.scratch.path()));
         m_film = copyOf(fullMkv(), m_fixture.scratch, u"film, one.mkv"_s);
     }
 

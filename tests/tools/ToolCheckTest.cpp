@@ -5,7 +5,6 @@
 #include "tools/ToolPlaces.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
@@ -269,11 +268,8 @@ private Q_SLOTS:
     {
         const Site site;
         site.script(u"ffmpeg/ffprobe"_s,
-                    "#!/bin/sh\ntrap '' TERM\necho $$ > \"$0.pid\"\nsleep 60; sleep 60\n");
-        QElapsedTimer clock;
-        clock.start();
+                    "#!/bin/sh\ntrap '' TERM\necho $$ > \"$0.pid\"\nsleep 1000; sleep 1000\n");
         QCOMPARE(site.check(u"ffprobe"_s).state, State::Silent);
-        QVERIFY(clock.elapsed() < 20000);
         const QString pid = QString::fromUtf8(site.scratch.read(u"ffmpeg/ffprobe.pid"_s)).trimmed();
         QVERIFY(!pid.isEmpty());
         QTRY_VERIFY(!site.helpers.processIsRunningWithPID(pid));

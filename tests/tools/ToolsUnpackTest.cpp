@@ -4,12 +4,12 @@
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "support/Unprivileged.h"
+#include "support/Waiting.h"
 #include "tools/KXHelpers.h"
 #include "tools/ToolPlaces.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
@@ -93,6 +93,11 @@ struct Site
 
     QString tool(const QString &name) const { return folder + u"/tools/"_s + name; }
     QString unpack() const { return prefs::ToolsUnpacker(listener, places).unpack(); }
+    /// A wait for another program would take so long that the test is ended as a hang.
+    QString unpackWithoutWaiting() const
+    {
+        return prefs::ToolsUnpacker(listener, places).unpack(10 * support::patience);
+    }
 
     support::Scratch scratch;
     QString folder;
@@ -208,10 +213,7 @@ private Q_SLOTS:
         const Site site;
         QLockFile lock(site.folder + u"/tools/.unpacking.lock"_s);
         QVERIFY(lock.lock());
-        QElapsedTimer clock;
-        clock.start();
-        QVERIFY(site.unpack().isNull());
-        QVERIFY(clock.elapsed() < 25000);
+        QVERIFY(site.unpackWithoutWaiting().isNull());
     }
 
     void aNewerArchiveReplacesWhatIsThere()
@@ -325,15 +327,12 @@ private Q_SLOTS:
         site.listener.takeCommands();
         closeToolsFolder(site);
         QString problem;
-        QElapsedTimer clock;
-        clock.start();
         {
             const support::Unprivileged other;
-            problem = site.unpack();
+            problem = site.unpackWithoutWaiting(); // for a lock that can't be had
         }
         openToolsFolder(site);
         QVERIFY2(problem.contains(site.folder + u"/tools"_s), qPrintable(problem));
-        QVERIFY(clock.elapsed() < 25000); // nobody waits for a lock that can't be had
         QCOMPARE(site.listener.takeCommands(), QStringList());
     }
 
@@ -363,10 +362,7 @@ private Q_SLOTS:
         const Site site;
         site.packAll();
         site.scratch.write(u"site/tools/.unpacking.lock"_s, {});
-        QElapsedTimer clock;
-        clock.start();
-        QVERIFY(site.unpack().isNull());
-        QVERIFY2(clock.elapsed() < 25000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(site.unpackWithoutWaiting().isNull());
         verifyWhole(site);
     }
 

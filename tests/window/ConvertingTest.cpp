@@ -2,6 +2,7 @@
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
+#include "support/FakeTool.h"
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
@@ -126,9 +127,12 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->find<QAbstractButton>("QueuePauseButton")->text(), u"Resume"_s);
         QTRY_COMPARE(support::stateOf(ffmpeg), 'T');
         QVERIFY(m_fixture->find<QLabel>("StatusLine")->text().startsWith(u"Paused: 1.mkv"_s));
-        const int before = percentage(*m_fixture);
-        QTest::qWait(2500);
-        QCOMPARE(percentage(*m_fixture), before);
+        const auto standsStill = [this] {
+            const int before = percentage(*m_fixture);
+            QTest::qWait(2500);
+            return percentage(*m_fixture) == before;
+        };
+        QVERIFY(standsStill() || standsStill()); // what was told before the halt may be read after it
         m_fixture->click("QueuePauseButton");
         QCOMPARE(m_fixture->find<QAbstractButton>("QueuePauseButton")->text(), u"Pause"_s);
         QTRY_VERIFY(support::stateOf(ffmpeg) != 'T');
@@ -292,9 +296,7 @@ private:
         QDir().mkpath(own + u"/ffmpeg"_s);
         QFile::link(tools + u"/mkvtoolnix"_s, own + u"/mkvtoolnix"_s);
         QFile::link(tools + u"/ffmpeg/ffprobe"_s, own + u"/ffmpeg/ffprobe"_s);
-        support::writeContent(own + u"/ffmpeg/ffmpeg"_s,
-                              "#!/bin/sh\nexec \"$(command -v ffmpeg)\" -re \"$@\"\n");
-        QFile::setPermissions(own + u"/ffmpeg/ffmpeg"_s, QFile::Permissions(0x7755));
+        support::installScript(own + u"/ffmpeg/ffmpeg"_s, u"exec \"$(command -v ffmpeg)\" -re \"$@\""_s);
         m_fixture->delegate().program().preferences().setToolsLocationURL(QUrl::fromLocalFile(own));
         QVERIFY(m_fixture->open(films(count, support::longMkv(seconds))));
         chooseForEach(u"iPhone 4"_s);

@@ -182,7 +182,7 @@ private Q_SLOTS:
     {
         const QString application = m_fixture->path(u"Lintwick.sh"_s);
         const QString record = m_fixture->path(u"started.txt"_s);
-        writeScript(application, u"echo \"started $*\" >> '%1'"_s.arg(record));
+        support::installScript(application, u"echo \"started $*\" >> '%1'"_s.arg(record));
         m_fixture->start();
         KXPreferences &preferences = m_fixture->delegate().program().preferences();
         QVariantMap panel = preferences.preferencePanelDictionary();
@@ -202,7 +202,7 @@ private Q_SLOTS:
     void theTickedTracksArePlayed()
     {
         const QString record = m_fixture->path(u"played.txt"_s);
-        writeScript(m_fixture->path(u"mplayer"_s), u"printf '%s\\n' \"$@\" > '%1'"_s.arg(record));
+        support::installScript(m_fixture->path(u"mplayer"_s), u"printf '%s\\n' \"$@\" > '%1'"_s.arg(record));
         m_fixture->start();
         usePlayer(m_fixture->path(u"mplayer"_s));
         QVERIFY(m_fixture->open({m_fixture->film(support::fullMkv())}));
@@ -287,14 +287,6 @@ private:
     }
 
     QString rewritten(const QString &name) const { return m_fixture->path(name + u".remux.mkv"_s); }
-
-    static void writeScript(const QString &path, const QString &line)
-    {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\n" + line.toUtf8() + '\n');
-        file.setPermissions(QFile::Permissions(0x7755));
-    }
 
     static QStringList linesOf(const QString &path)
     {

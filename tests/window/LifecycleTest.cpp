@@ -203,11 +203,7 @@ private Q_SLOTS:
     /// Only a start unpacks, and the first one takes seconds.
     void theWindowAnswersWhileTheToolsAreUnpacked()
     {
-        QVERIFY(QDir().mkpath(m_fixture->path(u"slow"_s)));
-        QFile unzip(m_fixture->path(u"slow/unzip"_s));
-        QVERIFY(unzip.open(QIODevice::WriteOnly) && unzip.write("#!/bin/sh\nsleep 0.5\n") > 0);
-        unzip.close();
-        QVERIFY(unzip.setPermissions(unzip.permissions() | QFile::ExeOwner));
+        support::installScript(m_fixture->path(u"slow/unzip"_s), u"sleep 0.5"_s);
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", QFile::encodeName(m_fixture->path(u"slow"_s)) + ':' + path);
         const auto restore = qScopeGuard([&] { qputenv("PATH", path); });

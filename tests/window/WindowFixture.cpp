@@ -201,7 +201,7 @@ void WindowFixture::answerDialog(const QStringList &paths)
 bool WindowFixture::waitForFiles()
 {
     QTest::qWait(KXAppDelegate::hubMilliseconds + 50);
-    const bool done = waitFor([this] { return !delegate().intake().isBusy(); }, 60000);
+    const bool done = waitFor([this] { return !delegate().intake().isBusy(); });
     QTest::qWait(0);
     return done;
 }

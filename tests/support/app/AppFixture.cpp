@@ -100,9 +100,8 @@ void AppFixture::prepend(const QString &tool, const QString &lines) const
 {
     const QByteArray launcher = m_scratch.read(u"tools/"_s + tool);
     const qsizetype end = launcher.indexOf('\n') + 1; // behind the line that names the shell
-    const QString path = m_scratch.write(u"tools/"_s + tool,
-                                         launcher.first(end) + lines.toUtf8() + '\n' + launcher.sliced(end));
-    QFile::setPermissions(path, QFile::Permissions(0x7755));
+    installScript(m_scratch.path(u"tools/"_s + tool),
+                  lines + u'\n' + QString::fromUtf8(launcher.sliced(end)));
 }
 
 void AppFixture::take(const QString &mode, const QStringList &paths)

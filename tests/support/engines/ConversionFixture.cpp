@@ -65,7 +65,7 @@ bool ConversionFixture::run(const std::shared_ptr<KXConvertWithFfmpegJob> &start
 
 bool ConversionFixture::waitForEnd() const
 {
-    return waitFor([&] { return record.count(u"jobDone"_s) > 0; }, 20000);
+    return waitFor([&] { return record.count(u"jobDone"_s) > 0; });
 }
 
 QList<QStringList> ConversionFixture::calls() const

@@ -3,6 +3,7 @@
 #include "engines/EngineJobs.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
+#include "support/FakeTool.h"
 #include "support/TestPlaces.h"
 #include "support/Waiting.h"
 
@@ -226,9 +227,7 @@ void MkvRuns::setMkvmerge(const QString &script)
     const QString own = path(u"tools"_s);
     QDir().mkpath(own + u"/mkvtoolnix"_s);
     QFile::link(places + u"/ffmpeg"_s, own + u"/ffmpeg"_s);
-    const QString mkvmerge = own + u"/mkvtoolnix/mkvmerge"_s;
-    writeContent(mkvmerge, u"#!/bin/sh\n%1\n"_s.arg(script).toUtf8());
-    QFile::setPermissions(mkvmerge, QFile::Permissions(0x7755));
+    installScript(own + u"/mkvtoolnix/mkvmerge"_s, script);
     runs.base.preferences.setToolsLocationURL(QUrl::fromLocalFile(own));
 }
 

@@ -171,7 +171,7 @@ int statusOf(const QString &program, const QStringList &arguments, const QString
     if (process.waitForFinished(milliseconds))
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     process.kill();
-    process.waitForFinished(5000);
+    process.waitForFinished(patience);
     return -1;
 }
 

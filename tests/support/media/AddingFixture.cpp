@@ -1,5 +1,6 @@
 #include "support/media/AddingFixture.h"
 
+#include "support/FakeTool.h"
 #include "support/ProbeJson.h"
 
 #include <QDir>
@@ -44,11 +45,10 @@ void AddingFixture::playStreams(const QList<QByteArrayList> &streams)
 
 void AddingFixture::hangFrom(int run, const QByteArray &answer)
 {
-    const QString script = u"#!/bin/sh\necho x >> %1\n[ $(wc -l < %1) -ge %2 ] && exec sleep 600\ncat %3\n"_s;
+    const QString script = u"echo x >> %1\n[ $(wc -l < %1) -ge %2 ] && exec sleep 600\ncat %3"_s;
     const QString filled =
         script.arg(m_scratch.path(u"counted"_s), QString::number(run), m_scratch.write(u"answer"_s, answer));
-    m_scratch.write(u"home/tools/ffmpeg/ffprobe"_s, filled.toUtf8());
-    QFile::setPermissions(tool(), QFile::Permissions(0x7755));
+    installScript(tool(), filled);
 }
 
 QUrl AddingFixture::url(const QString &name) const

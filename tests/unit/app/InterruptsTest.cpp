@@ -2,7 +2,6 @@
 #include "support/TestMain.h"
 #include "tools/ShellRunner.h"
 
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -32,7 +31,7 @@ private Q_SLOTS:
     {
         const Interrupts interrupts;
         tools::ShellRequest request;
-        request.line = u"sleep 60"_s;
+        request.line = u"exec sleep 1000"_s;
         request.waiting = tools::Waiting::Blocking;
         request.stop = interrupts.flag();
         const std::unique_ptr<QThread> other(QThread::create([] {
@@ -40,10 +39,7 @@ private Q_SLOTS:
             ::kill(::getpid(), SIGTERM);
         }));
         other->start();
-        QElapsedTimer clock;
-        clock.start();
-        tools::runShell(request);
-        QVERIFY2(clock.elapsed() < 30000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(tools::runShell(request).status, -1);
         other->wait();
     }
 

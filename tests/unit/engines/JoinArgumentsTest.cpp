@@ -2,6 +2,7 @@
 #include "engines/join/JoinArguments.h"
 #include "engines/join/JoinCheck.h"
 #include "support/TestMain.h"
+#include "support/selection/HandMade.h"
 
 #include <QTest>
 
@@ -77,11 +78,11 @@ private Q_SLOTS:
     {
         const QUrl output = QUrl::fromLocalFile(u"/v/a.mp4.joined.mp4"_s);
         const auto meant = engines::concatArguments(QUrl::fromLocalFile(u"/t/mylist.txt"_s), output);
-        QCOMPARE(itemsOf(meant), u"-f|concat|-i|/t/mylist.txt|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
-        QCOMPARE(itemsOf(engines::concatLaunchForm(meant)),
+        QCOMPARE(support::itemsOf(meant), u"-f|concat|-i|/t/mylist.txt|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
+        QCOMPARE(support::itemsOf(engines::concatLaunchForm(meant)),
                  u"-f|concat|-safe|0|-i|/t/mylist.txt|-map|0|-c|copy|-y|/v/a.mp4.joined.mp4"_s);
-        QCOMPARE(itemsOf(engines::mp4boxJoinArguments(files({u"/v/a.mp4"_s, u"/v/b.mp4"_s}),
-                                                      QUrl::fromLocalFile(u"/v"_s), output)),
+        QCOMPARE(support::itemsOf(engines::mp4boxJoinArguments(files({u"/v/a.mp4"_s, u"/v/b.mp4"_s}),
+                                                               QUrl::fromLocalFile(u"/v"_s), output)),
                  u"-cat|/v/a.mp4|-cat|/v/b.mp4|-tmp|/v|-new|/v/a.mp4.joined.mp4"_s);
     }
 

@@ -44,7 +44,7 @@ public:
     QString outputOf(qsizetype place) const { return shown(converter(place).outputFileURL().toLocalFile()); }
     bool waitForStep(const QString &text) const
     {
-        return waitFor([&] { return progressTexts().contains(text); }, 20000);
+        return waitFor([&] { return progressTexts().contains(text); });
     }
     QString taskOf(qsizetype n) const { return std::get<QString>(job->stepTaskList().at(n)); }
 };
@@ -122,7 +122,7 @@ private Q_SLOTS:
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const auto job =
             fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s), queuedSound(u"ac3"_s, u"2"_s)});
-        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 3; }, 20000));
+        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 3; }));
         // None shares its output or its log.
         QSet<QString> names;
         for (int i = 0; i < 3; ++i) {
@@ -147,7 +147,7 @@ private Q_SLOTS:
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound(u"aac"_s),
                                         queuedSound(u"ac3"_s, u"2"_s), queuedSound(u"aac"_s, u"3"_s)});
-        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 2; }, 20000));
+        QVERIFY(waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() == 2; }));
         QVERIFY(!waitFor([&] { return fixture.calls(u"ffmpeg"_s).size() > 2; }, 2000));
         QCOMPARE(job->progressList().size(), 4); // all are shown
         QCOMPARE(job->progressList().at(3).progress, u"0%"_s);
@@ -281,7 +281,7 @@ private Q_SLOTS:
         MkvJobFixture fixture({u"hang"_s});
         const auto job = fixture.begin({pictureAs()});
         const QString muxLog = u"a.mkv.muxed.log"_s;
-        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }));
         QVERIFY(waitFor([&] { return job->progressList().size() == 1; }));
         fixture.base.scratch.write(muxLog, "Progress: 90%\rProgress: 100%\r");
         QVERIFY(fixture.waitForStep(u"Muxing Tracks Step #1=100%"_s));
@@ -301,7 +301,7 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture({u"hang"_s});
         const auto job = fixture.begin({pictureAs(), queuedSound(u"aac"_s)});
-        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }, 20000));
+        QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }));
         QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; }));
         QCOMPARE(job->stepConverterList().size(), 1);
         QCOMPARE(fixture.converter(0).stepName(), u"Muxing Tracks"_s);
@@ -400,7 +400,7 @@ private Q_SLOTS:
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
         const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound()});
         QVERIFY(fixture.waitForStep(u"Converting Video=0%"_s));
-        QVERIFY(waitFor([&] { return fixture.base.scratch.names().contains(u"a.mkv"_s); }, 20000));
+        QVERIFY(waitFor([&] { return fixture.base.scratch.names().contains(u"a.mkv"_s); }));
         const qint64 tool = fixture.taskOf(0).toLongLong();
         job->stopJob();
         QVERIFY(waitFor([&] { return !runs(tool); }));

@@ -90,7 +90,7 @@ public:
     }
     bool waitForText(const QString &text) const
     {
-        return waitFor([&] { return progressTexts().contains(text); }, 20000);
+        return waitFor([&] { return progressTexts().contains(text); });
     }
 };
 
@@ -347,10 +347,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, jobType);
         QFETCH(QString, label);
-        EditFixture fixture(QStringList{u"part out Progress: 45%\\r"_s, u"sleep 1500"_s} +
-                            MkvFixture::wellMuxed());
+        EditFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s,
+                          QStringList{u"part out Progress: 45%\\r"_s, u"await "_s + fixture.path(u"go"_s)} +
+                              MkvFixture::wellMuxed());
         const auto job = fixture.begin(jobType);
         QVERIFY(fixture.waitForText(u"Muxing Step #1=45%"_s));
+        fixture.base.scratch.write(u"go"_s, {});
         QVERIFY(fixture.waitForEnd());
         const QStringList texts = fixture.progressTexts();
         QCOMPARE(texts.constFirst(), label + u"=0%"_s); // before the first poll

@@ -49,15 +49,15 @@ public:
     }
     bool waitForRun() const
     {
-        return waitFor([&] { return !calls().isEmpty(); }, 20000);
+        return waitFor([&] { return !calls().isEmpty(); });
     }
     bool waitForEnd() const
     {
-        return waitFor([&] { return record.count(u"taskCompletion"_s) > 0; }, 20000);
+        return waitFor([&] { return record.count(u"taskCompletion"_s) > 0; });
     }
     bool waitForBackgroundEnd()
     {
-        return waitFor([&] { return editor.monitorConversion() == u"Complete"_s; }, 20000);
+        return waitFor([&] { return editor.monitorConversion() == u"Complete"_s; });
     }
     QString output() const { return shown(editor.outputFileURL().toLocalFile()); }
     QString log() const { return shown(editor.logFileURL().toLocalFile()); }
@@ -500,8 +500,7 @@ private Q_SLOTS:
         QFETCH(QString, line);
         EditorFixture fixture({line, u"hang"_s});
         fixture.editor.startConversionFor(fixture.split(u"size"_s));
-        QVERIFY(
-            waitFor([&] { return QFileInfo(fixture.editor.logFileURL().toLocalFile()).size() > 0; }, 20000));
+        QVERIFY(waitFor([&] { return QFileInfo(fixture.editor.logFileURL().toLocalFile()).size() > 0; }));
         QTEST(fixture.editor.monitorConversion(), "answer");
     }
 };

@@ -29,7 +29,7 @@ public:
     }
     bool waitForRuns(int count) const
     {
-        return waitFor([&] { return calls().size() >= count; }, 20000);
+        return waitFor([&] { return calls().size() >= count; });
     }
 
     KXMkvMuxer muxer{context()};

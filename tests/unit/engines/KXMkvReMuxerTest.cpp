@@ -19,11 +19,11 @@ public:
 
     bool waitForEnds(int count) const
     {
-        return waitFor([&] { return record.count(u"taskCompletion"_s) >= count; }, 20000);
+        return waitFor([&] { return record.count(u"taskCompletion"_s) >= count; });
     }
     bool waitForRuns(int count) const
     {
-        return waitFor([&] { return calls().size() >= count; }, 20000);
+        return waitFor([&] { return calls().size() >= count; });
     }
     void read(const QByteArray &chunk)
     {

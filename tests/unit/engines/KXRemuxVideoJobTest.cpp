@@ -48,9 +48,13 @@ private Q_SLOTS:
 
     void fromZeroToDone()
     {
-        RemuxFixture fixture({u"part out Progress: 45%\\r"_s, u"sleep 300"_s,
-                              u"out Multiplexing took 0 seconds."_s, u"write 10 after:-o"_s});
+        RemuxFixture fixture;
+        fixture.setScript(u"mkvtoolnix/mkvmerge"_s,
+                          {u"part out Progress: 45%\\r"_s, u"await "_s + fixture.path(u"go"_s),
+                           u"out Multiplexing took 0 seconds."_s, u"write 10 after:-o"_s});
         const auto job = fixture.begin();
+        QVERIFY(waitFor([&] { return fixture.progressTexts().contains(u"Re-Muxing MKV=45%"_s); }));
+        fixture.base.scratch.write(u"go"_s, {});
         QVERIFY(fixture.waitForEnd());
         QCOMPARE(fixture.progressTexts(),
                  QStringList({u"Re-Muxing MKV=0%"_s, u"Re-Muxing MKV=45%"_s, u"Re-Muxing MKV=Complete"_s}));

@@ -39,7 +39,7 @@ public:
     }
     bool waitForTool() const
     {
-        return waitFor([&] { return record.count(u"taskCompletion"_s) > 0; }, 20000);
+        return waitFor([&] { return record.count(u"taskCompletion"_s) > 0; });
     }
     QString output() const { return shown(splitter.outputFileURL().toLocalFile()); }
     QString log() const { return shown(splitter.logFileURL().toLocalFile()); }

@@ -88,7 +88,7 @@ private Q_SLOTS:
         job->startJob();
         if (isStopped)
             job->stopJob();
-        QVERIFY(waitFor([&] { return job->hasEnded(); }, 30000));
+        QVERIFY(waitFor([&] { return job->hasEnded(); }));
         QVERIFY(isStopped || job->outcome().verdict == steps::Verdict::Failed);
         QStringList names =
             QDir(fixture.path(u"out"_s))

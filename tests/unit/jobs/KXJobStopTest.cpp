@@ -272,9 +272,11 @@ private Q_SLOTS:
     {
         QFETCH(Kind, kind);
         Running running(kind);
-        running.start(u"second.m4v"_s, {u"sleep 400"_s, u"write 7 %1"_s.arg(running.path(u"second.m4v"_s))});
+        running.start(u"second.m4v"_s, {u"await "_s + running.path(u"go"_s),
+                                        u"write 7 %1"_s.arg(running.path(u"second.m4v"_s))});
         running.job->pauseJob();
         QVERIFY(running.isStopped());
+        running.fixture.scratch.write(u"go"_s, {});
         QVERIFY(!support::waitFor([&] { return running.exists(u"second.m4v"_s); }, 700));
         running.job->resumeJob();
         QVERIFY(running.goesOn());

@@ -405,7 +405,6 @@ private Q_SLOTS:
         clock.start();
         QCOMPARE(fixture.add(), u"not a video"_s);
         QVERIFY(clock.elapsed() >= 250);
-        QVERIFY(clock.elapsed() < 30000);
         QCOMPARE(fixture.countedRuns(), run);
         QCOMPARE(fixture.names(), QStringList{u"new.srt"_s});
         QCOMPARE(fixture.everything(), before);

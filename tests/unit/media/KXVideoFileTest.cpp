@@ -462,7 +462,6 @@ private Q_SLOTS:
         clock.start();
         QCOMPARE(probe.run(), u"not a video"_s);
         QVERIFY(clock.elapsed() >= 250);
-        QVERIFY(clock.elapsed() < 30000);
         QVERIFY(!probe.leftAnErrorFile());
         QVERIFY(probe.file().trackList().isEmpty());
     }

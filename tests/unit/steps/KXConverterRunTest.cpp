@@ -182,9 +182,16 @@ private Q_SLOTS:
     void charactersAreDecodedAcrossChunksOfEachStream()
     {
         Run run;
-        QVERIFY(
-            run.play(u"tool"_s, {u"part out \\xe2\\x82"_s, u"sleep 150"_s, u"part err \\xc3"_s,
-                                 u"sleep 150"_s, u"part out \\xac"_s, u"sleep 150"_s, u"part err \\xa9"_s}));
+        const auto gate = [&](int number) { return run.fixture.scratch.path(u"go%1"_s.arg(number)); };
+        run.start(run.fixture.installTool(u"tool"_s,
+                                          {u"part out \\xe2\\x82"_s, u"await "_s + gate(1),
+                                           u"part err \\xc3"_s, u"await "_s + gate(2), u"part out \\xac"_s,
+                                           u"await "_s + gate(3), u"part err \\xa9"_s}));
+        for (int chunk = 1; chunk <= 3; ++chunk) {
+            QVERIFY(support::waitFor([&] { return run.converter.chunks == chunk; }));
+            run.fixture.scratch.write(u"go%1"_s.arg(chunk), {});
+        }
+        QVERIFY(support::waitFor([&] { return run.converter.completions > 0; }));
         const QString text = run.converter.logString();
         QCOMPARE(text.size(), 2);
         QVERIFY(text.contains(u"€"_s) && text.contains(u"é"_s));

@@ -229,7 +229,7 @@ private Q_SLOTS:
         const qint64 pid = tool->processIdentifier();
         QElapsedTimer clock; // events are not served meanwhile: nobody reaps
         clock.start();
-        while (support::stateOf(pid) != 'Z' && clock.elapsed() < 5000)
+        while (support::stateOf(pid) != 'Z' && clock.elapsed() < support::patience)
             QThread::msleep(5);
         QVERIFY(!m_helpers.processIsRunningWithPID(QString::number(pid)));
         QVERIFY(support::waitFor([&] { return tool->end() != tools::ToolProcess::End::StillRunning; }));

@@ -6,6 +6,7 @@
 #include "support/Scratch.h"
 #include "support/Seeds.h"
 #include "support/TestMain.h"
+#include "support/Waiting.h"
 #include "tools/KXHelpers.h"
 #include "tools/ShellRunner.h"
 
@@ -203,7 +204,7 @@ private:
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(canary());
         process.start(shell, {u"-c"_s, line});
-        if (!process.waitForFinished(20000))
+        if (!process.waitForFinished(support::patience))
             return u"it did not end"_s;
         const QByteArray said = process.readAllStandardOutput() + process.readAllStandardError();
         if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0 || !said.isEmpty())

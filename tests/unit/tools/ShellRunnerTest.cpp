@@ -116,12 +116,7 @@ private Q_SLOTS:
         QFETCH(Waiting, waiting);
         const support::Scratch scratch;
         ShellRequest hanging = request(hangingFamily(scratch) + u"; echo never"_s, waiting);
-        hanging.timeoutMs = 700;
-        QElapsedTimer clock;
-        clock.start();
-        const ShellReply reply = tools::runShell(hanging);
-        QVERIFY(clock.elapsed() >= 700);
-        QVERIFY(clock.elapsed() < 30000);
+        const ShellReply reply = endedByItsLimit(hanging);
         QCOMPARE(reply.status, -1);
         QCOMPARE(reply.output, "begun\n");
         familyIsGone(scratch);
@@ -150,8 +145,7 @@ private Q_SLOTS:
     {
         QFETCH(Waiting, waiting);
         ShellRequest leaving = request(u"sleep 60 & echo $!"_s, waiting);
-        leaving.timeoutMs = 300;
-        const ShellReply reply = tools::runShell(leaving);
+        const ShellReply reply = endedByItsLimit(leaving);
         const qint64 pid = reply.output.trimmed().toLongLong();
         QVERIFY(pid > 1);
         QVERIFY(support::waitFor([&] { return !support::runs(pid); }));
@@ -161,12 +155,9 @@ private Q_SLOTS:
     void flagThatIsAlreadySetStopsAtOnce()
     {
         QFETCH(Waiting, waiting);
-        ShellRequest stopped = request(u"sleep 60"_s, waiting);
+        ShellRequest stopped = request(u"sleep 1000"_s, waiting);
         stopped.stop = std::make_shared<std::atomic_bool>(true);
-        QElapsedTimer clock;
-        clock.start();
         QCOMPARE(tools::runShell(stopped).status, -1);
-        QVERIFY(clock.elapsed() < 30000);
     }
 
     void limitsThatAreNotReachedChangeNothing_data() { bothWaysOfWaiting(); }
@@ -225,14 +216,14 @@ private Q_SLOTS:
         tools::runShell(request(u"sleep 0.5"_s, Waiting::Blocking));
         QCOMPARE(ticks, 0);
         tools::runShell(request(u"sleep 0.5"_s, Waiting::WithEventLoop));
-        QVERIFY2(ticks >= 10, qPrintable(QString::number(ticks)));
+        QVERIFY(ticks > 1);
     }
 
     void runsWithinTheWaitOfAnother()
     {
         QByteArray inner;
         QTimer::singleShot(
-            50, this, [&] { inner = tools::runShell(request(u"echo in"_s, Waiting::WithEventLoop)).output; });
+            0, this, [&] { inner = tools::runShell(request(u"echo in"_s, Waiting::WithEventLoop)).output; });
         QCOMPARE(tools::runShell(request(u"sleep 0.4; echo out"_s, Waiting::WithEventLoop)).output, "out\n");
         QCOMPARE(inner, "in\n");
     }
@@ -302,6 +293,21 @@ private:
         QTest::addColumn<Waiting>("waiting");
         QTest::newRow("blocking") << Waiting::Blocking;
         QTest::newRow("event loop") << Waiting::WithEventLoop;
+    }
+
+    /// Its answer with a limit that was long enough for the line to say something.
+    static ShellReply endedByItsLimit(ShellRequest asked)
+    {
+        ShellReply reply;
+        for (asked.timeoutMs = 500; reply.output.isEmpty() && asked.timeoutMs < support::patience;
+             asked.timeoutMs *= 4) {
+            QElapsedTimer clock;
+            clock.start();
+            reply = tools::runShell(asked);
+            if (clock.elapsed() < asked.timeoutMs)
+                qFatal("it was ended before its time");
+        }
+        return reply;
     }
 
     /// A tool that ignores being asked to end, and its child, both noted in "pids".

@@ -166,10 +166,13 @@ private Q_SLOTS:
 
     void waitingBlocksUntilTheExit()
     {
-        const auto tool = ToolProcess::start(request({u"out a"_s, u"sleep 300"_s, u"flood err 300000"_s}));
+        const support::Scratch scratch;
+        const auto tool = ToolProcess::start(
+            request({u"out a"_s, u"await "_s + scratch.path(u"go"_s), u"flood err 300000"_s}));
         const Listener listener(tool);
         QVERIFY(!tool->waitUntilExit(50));
         QVERIFY(tool->isRunning());
+        scratch.write(u"go"_s, {});
         QVERIFY(tool->waitUntilExit(-1));
         QVERIFY(tool->waitUntilExit(-1));
         QCOMPARE(tool->exitStatus(), std::optional<int>(0));
@@ -232,12 +235,15 @@ private Q_SLOTS:
 
     void suspendedToolStandsStillAndGoesOn()
     {
-        const auto tool = ToolProcess::start(request({u"out up"_s, u"sleep 200"_s, u"out on"_s}));
+        const support::Scratch scratch;
+        const auto tool =
+            ToolProcess::start(request({u"out up"_s, u"await "_s + scratch.path(u"go"_s), u"out on"_s}));
         const Listener listener(tool);
         QVERIFY(waitFor([&] { return listener.output == "up\n"; }));
         tool->suspend();
         QVERIFY(tool->isSuspended());
         QVERIFY(waitFor([&] { return support::stateOf(tool->processIdentifier()) == 'T'; }));
+        scratch.write(u"go"_s, {});
         waitFor([] { return false; }, 300);
         QCOMPARE(listener.output, "up\n");
         QVERIFY(tool->isRunning());
@@ -280,7 +286,7 @@ private Q_SLOTS:
     void endedToolIsLeftAlone()
     {
         const auto tool = ToolProcess::start(request({}));
-        QVERIFY(tool->waitUntilExit(5000));
+        QVERIFY(tool->waitUntilExit(support::patience));
         tool->suspend();
         QVERIFY(!tool->isSuspended());
         tool->resume();
@@ -290,11 +296,13 @@ private Q_SLOTS:
 
     void closedReadersReportNothingMore()
     {
-        const auto tool = ToolProcess::start(
-            request({u"out up"_s, u"sleep 100"_s, u"flood out 300000"_s, u"flood err 300000"_s}));
+        const support::Scratch scratch;
+        const auto tool = ToolProcess::start(request({u"out up"_s, u"await "_s + scratch.path(u"go"_s),
+                                                      u"flood out 300000"_s, u"flood err 300000"_s}));
         const Listener listener(tool);
         QVERIFY(waitFor([&] { return listener.output == "up\n"; }));
         tool->closeReaders();
+        scratch.write(u"go"_s, {});
         QVERIFY(waitFor([&] { return hasEnded(tool); })); // still drained: it could not end otherwise
         serveEvents();
         QCOMPARE(listener.output, "up\n");
