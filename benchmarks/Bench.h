@@ -29,6 +29,9 @@ int reading();
 int selection();
 /// Start-up time and peak memory of the command-line program.
 int start(const QString &cli, const QString &clip, int rounds);
+/// Seconds from an interrupt to the end of the program and its tools: while files are opened, a film is
+/// converted, files are joined.
+int stop(const QString &cli, const QString &film, const QString &half, int rounds);
 /// Looks at real watched folders of several sizes, with new films in them and without.
 int watch();
 

@@ -20,7 +20,7 @@ function(find_tool result)
   set(${result} "${path}" PARENT_SCOPE)
 endfunction()
 
-# exec keeps the process id of whoever started the launcher, so that stopping it stops the tool.
+# exec keeps the process id of the launcher, so that stopping it stops the tool.
 function(write_launcher file program)
   string(REGEX REPLACE "([\\\\\"$`])" "\\\\\\1" quoted "${program}")
   set(content "#!/bin/sh\nexec \"${quoted}\" \"$@\"\n")

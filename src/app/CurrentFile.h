@@ -8,7 +8,7 @@ class KXSelectionController;
 namespace app {
 
 /// The one file that is worked on: loads a video into it, adds tracks to it, and lets the presets choose.
-/// Owned by the program. It asks nobody and shows nothing.
+/// Owned by the program. It asks no questions and shows nothing.
 class CurrentFile final
 {
 public:

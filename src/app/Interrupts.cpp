@@ -15,7 +15,7 @@ std::atomic_bool stopWanted = false;
 std::atomic_int firstSignal = 0;
 static_assert(std::atomic_bool::is_always_lock_free && std::atomic_int::is_always_lock_free);
 
-/// Whoever waits on the main thread looks at the flag; everybody else is told by the event loop.
+/// A wait on the main thread looks at the flag; everything else is told by the event loop.
 void handle(int number)
 {
     const int error = errno;

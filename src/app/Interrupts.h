@@ -21,7 +21,7 @@ public:
 
     /// 0 until a signal came, then its number.
     int signalNumber() const;
-    /// Set at the moment a signal comes: ends the waits of whoever holds it, also those on the main thread.
+    /// Set at the moment a signal comes: ends the waits that were given it, also those on the main thread.
     const tools::StopFlag &flag() const { return m_flag; }
 
 Q_SIGNALS:

@@ -18,7 +18,7 @@ public:
     /// The outputs that processes which are gone had started and not finished; their journals are removed.
     QStringList takeLeftOver() const;
     void started(const QString &output);
-    /// The job ended, however: nothing of it is half-made without anybody knowing.
+    /// The job ended, however: none of its outputs is half-made without being known as such.
     void finished();
 
 private:

@@ -25,8 +25,8 @@ public:
 
     const QList<Line> &lines() const { return m_lines; }
     void add(Kind kind, const QString &text);
-    /// "2026-11-21 13:05:09  done     film.mkv". Names in it are as they are: whoever shows a line makes
-    /// them visible.
+    /// "2026-11-21 13:05:09  done     film.mkv". Names in it are as they are: the code that shows a line
+    /// makes them visible.
     static QString formatted(const Line &line);
     /// "note", "waiting", "started", "done" or "failed".
     static QString wordOf(Kind kind);

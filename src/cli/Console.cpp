@@ -28,7 +28,7 @@ int writeAll(int descriptor, const QByteArray &bytes)
             ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
         if (count > 0) {
             done += count;
-        } else if (count < 0 && errno == EAGAIN) { // whoever shares the terminal has made it so
+        } else if (count < 0 && errno == EAGAIN) { // another program on this terminal has made it so
             pollfd room{descriptor, POLLOUT, 0};
             ::poll(&room, 1, -1);
         } else if (count < 0 && errno != EINTR) {
@@ -40,7 +40,7 @@ int writeAll(int descriptor, const QByteArray &bytes)
 
 void complain(const QByteArray &bytes)
 {
-    writeAll(STDERR_FILENO, bytes); // where it can't be written, nobody can be told
+    writeAll(STDERR_FILENO, bytes); // where it can't be written, that can't be reported either
 }
 
 int terminalColumns()

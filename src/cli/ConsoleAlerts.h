@@ -6,7 +6,7 @@ namespace cli {
 
 class Console;
 
-/// Alerts as sentences on standard error. Nobody is there to be asked: a question is answered with its
+/// Alerts as sentences on standard error. There is no user to ask: a question is answered with its
 /// last button, which changes nothing.
 class ConsoleAlerts final : public platform::AlertPresenter
 {

@@ -35,7 +35,7 @@ QString apply(const Choices &choices, bool leavesOut, KXSelection &selection)
     const selection::ConversionSettings settings = choices.settingsFor(selection);
     settings.writeTo(selection);
     if (leavesOut && leavesOutSubtitles(selection))
-        leaveOutSubtitles(selection); // an AVI carries none; nobody asked for one by name
+        leaveOutSubtitles(selection); // an AVI carries none, and none was asked for by name
     return selection::refusalToConvert(selection, settings);
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr qsizetype longestShown = 500;
 
-/// A title may have any length; in the table it stands as far as somebody reads it.
+/// A title may have any length; the table shows its beginning.
 QString shownTitle(const QString &title)
 {
     return title.size() <= longestShown ? title : title.left(longestShown) + u'…';

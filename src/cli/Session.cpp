@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-/// Somebody who is there is told; who watches a folder is not there.
+/// Told to a user who waits for the result; a watched folder runs unattended.
 steps::WhenTaken whenTakenFor(const CommandLine &line)
 {
     if (line.command() == u"watch"_s)

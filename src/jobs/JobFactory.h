@@ -20,7 +20,7 @@ public:
 
     void add(JobKind kind, Maker maker);
     bool knows(JobKind kind) const { return m_makers.contains(kind); }
-    /// Null when nobody registered a class for that kind.
+    /// Null when no class is registered for that kind.
     std::shared_ptr<KXJob> make(JobKind kind, const JobContext &context) const;
 
     /// Registers T as the class of that kind.

@@ -96,7 +96,7 @@ void KXQueueController::openForJobs()
     m_timer.start(m_context.intervals.tick);
 }
 
-/// From the event loop: whoever adds a job, or hears that one has ended, is done first.
+/// From the event loop: the code that adds a job, or is told that one has ended, returns first.
 void KXQueueController::startNextSoon()
 {
     m_soon.start(0);

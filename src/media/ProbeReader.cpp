@@ -39,7 +39,7 @@ private:
     void closeNested();
     void storeOwn(const QString &key, const QVariant &value);
 
-    /// Only titles with braces nest this deep. What is deeper is dropped: nobody reads it, and a file
+    /// Only titles with braces nest this deep. What is deeper is dropped: it is never read, and a file
     /// with a hundred thousand of them must not cost the stack.
     static constexpr qsizetype deepest = 32;
 

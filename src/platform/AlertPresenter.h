@@ -28,8 +28,8 @@ using AlertPointer = std::shared_ptr<const Alert>;
 inline constexpr int firstButtonReturn = 1000;
 inline constexpr int secondButtonReturn = 1001;
 
-/// Shows alerts and questions to whoever is there: as sheets, on standard error, or from a script of
-/// answers. Owned by the program; nobody waits for an answer in a loop.
+/// Shows alerts and questions: as sheets, on standard error, or with answers from a script. Owned by the
+/// program; an answer comes later, it is not waited for.
 class AlertPresenter
 {
 public:

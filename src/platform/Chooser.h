@@ -18,7 +18,7 @@ struct ChooserRequest
     QString startPath; ///< empty: wherever the desktop starts
 };
 
-/// Asks a person for files or a folder. Owned by the program; nobody waits for the answer in a loop.
+/// Asks the user for files or a folder. Owned by the program; the answer comes later, it is not waited for.
 class Chooser
 {
 public:

@@ -5,7 +5,7 @@
 namespace platform {
 
 /// What a desktop does for a program that works unattended. This one does nothing, as a terminal or a
-/// desktop without such services; the window hands in one that does. Owned by whoever makes it.
+/// desktop without such services; the window hands in one that does. Owned by the code that makes it.
 class Desktop
 {
 public:

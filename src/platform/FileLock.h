@@ -6,7 +6,7 @@ namespace platform {
 
 /// Keeps programs apart that would change the same thing at the same time, by a file that is locked while one
 /// is at it and gone afterwards. The system lets go of the lock when its holder ends, however it ends: a file
-/// that was left behind, empty or not, holds nobody up.
+/// that was left behind, empty or not, blocks no other program.
 class FileLock final
 {
 public:

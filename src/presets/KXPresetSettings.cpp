@@ -67,7 +67,7 @@ void KXPresetSettings::initializeAsRemove()
 void KXPresetSettings::initializeAsNewUserPreset()
 {
     setPName(u"User Preset"_s);
-    setPDevice(u"Apple TV"_s); // no target's name, on purpose: somebody has to pick one
+    setPDevice(u"Apple TV"_s); // no target's name, on purpose: the user has to pick one
     setPVideoActionIndex(0);
     setPVideoBitRate(u"1000"_s);
     setPVideoBitRateIndex(1);

@@ -20,7 +20,7 @@ namespace presets {
 namespace {
 
 constexpr int version = 1;
-// Far more than anybody made or typed.
+// Far more than a user makes or types.
 constexpr qsizetype mostPresets = 1000;
 constexpr qsizetype mostFilters = 1000;
 constexpr qsizetype longestText = 10000;
@@ -150,7 +150,7 @@ QString Names::freeFor(const QString &name)
     return candidate;
 }
 
-/// The records with names that nobody has yet.
+/// The records with names that no stored preset has.
 QVariantList renamed(const QJsonArray &records, const QStringList &taken)
 {
     Names names(taken);

@@ -38,7 +38,7 @@ void writeSubtitles(KXSelection &selection, SubtitleUse use)
     }
 }
 
-/// No value for a word that nobody chose.
+/// No value for a word that is no choice.
 std::optional<Picture> pictureOf(const KXSelection &selection, const KXVideoTrack &video)
 {
     if (video.userCodec() == u"passthru"_s)

@@ -87,7 +87,7 @@ class KXSelectionController final : public KXHelpers
     KX_RULED_STATE(int, addStereoTrackButton, setAddStereoTrackButton, 0)
     /// 0 passes through, 1 is H.264 in one pass, 2 in two.
     KX_STATE(int, videoMatrixIndex, setVideoMatrixIndex, 0)
-    /// Kept for whoever shows it; no rule reads it.
+    /// Kept for the widgets that show it; no rule reads it.
     KX_STATE(int, audioMatrixIndex, setAudioMatrixIndex, 0)
     /// 0 burns, 1 muxes.
     KX_STATE(int, subtitleMatrixIndex, setSubtitleMatrixIndex, 0)
@@ -163,7 +163,7 @@ public:
     void toggleAllSubtitle();
     /// A click on the window's background.
     void guiClickedTrap();
-    /// Somebody set a conversion control by hand: the settings preset is left, so that it does not put its
+    /// The user set a conversion control by hand: the settings preset is left, so that it does not put its
     /// value back. For widgets only: byHand(&KXSelectionController::setVideoMatrixIndex, 1).
     template <typename Setter, typename Value>
     void byHand(Setter setter, const Value &value)

@@ -11,7 +11,7 @@ struct OpenedFile
     QString fileName;
 };
 
-/// The list of opened files, as far as the rules of the main window need it. Implemented by whoever owns
+/// The list of opened files, as far as the rules of the main window need it. Implemented by the owner of
 /// the list.
 class OpenFiles
 {

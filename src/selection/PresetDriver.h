@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the rules of the main window ask of the presets: to leave a preset when somebody decides by hand,
+/// What the rules of the main window ask of the presets: to leave a preset when the user decides by hand,
 /// and to fill in the conversion settings again. Implemented by the presets' controller; index 0 is
 /// "Manual".
 class PresetDriver

@@ -75,7 +75,7 @@ QPushButton *FilterBox::makeAddButton(int row)
     return button;
 }
 
-/// The button gets the focus back before its panel goes, which would hand it to anybody.
+/// The button gets the focus back before its panel goes, which would pass it to any other widget.
 void FilterBox::finishEditing()
 {
     const int position = m_editor.rows(m_panel.kind()).edited();

@@ -9,7 +9,7 @@ namespace window {
 /// What a start that hands its files over says: their number, then each with its length in front.
 QByteArray handOverMessage(const QStringList &paths);
 
-/// Reads such a message from the pieces in which it comes, each byte once, and believes nobody: one that is
+/// Reads such a message from the pieces in which it comes, each byte once, and trusts none of it: one that is
 /// longer than a real one can be is refused before it takes up room.
 class HandOverMessage final
 {

@@ -38,7 +38,7 @@ public:
     ~MainWindow() override;
 
 Q_SIGNALS:
-    /// The window or the program is to be closed by somebody.
+    /// The user asks to close the window or the program.
     void quitWanted();
 
 protected:

@@ -68,7 +68,7 @@ void PresetSheet::connectTable()
     connect(m_ok, &QPushButton::clicked, this, &PresetSheet::finish);
 }
 
-/// The children end their editing while they go, and tell it to nobody.
+/// The children end their editing while they are destroyed, and must not announce it.
 PresetSheet::~PresetSheet()
 {
     m_table->disconnect(this);

@@ -47,7 +47,7 @@ SheetAlerts::~SheetAlerts()
 void SheetAlerts::show(const platform::AlertPointer &alert, Answered answered)
 {
     m_waiting.append({alert, std::move(answered)});
-    // From the event loop: whoever shows an alert goes on first.
+    // From the event loop: the code that shows an alert returns first.
     QMetaObject::invokeMethod(this, &SheetAlerts::showNext, Qt::QueuedConnection);
 }
 

@@ -24,7 +24,7 @@ namespace {
 constexpr int patience = 2000; // milliseconds
 constexpr char taken = '1';
 constexpr int callersAtOnce = 8;
-constexpr int longestCall = 5000; // milliseconds; whoever calls gives up before
+constexpr int longestCall = 5000; // milliseconds; the caller gives up before
 #ifdef MSG_NOSIGNAL
 constexpr int quietly = MSG_NOSIGNAL;
 #else
@@ -116,7 +116,7 @@ SingleInstance::SingleInstance(const QString &key)
     const QByteArray hash =
         QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha256).toHex().left(16);
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (!folder.isEmpty()) // nobody else may write there
+    if (!folder.isEmpty()) // no other user may write there
         m_path = QFile::encodeName(folder) + "/tessaray-" + hash;
 }
 
@@ -146,7 +146,7 @@ bool SingleInstance::listen()
 {
     Socket socket;
     if (!at(m_path, socket, ::bind)) {
-        ::unlink(m_path.constData()); // left by one that crashed: nobody answered there
+        ::unlink(m_path.constData()); // left by a program that crashed: it did not answer
         if (!at(m_path, socket, ::bind))
             return false;
     }
@@ -199,7 +199,7 @@ void SingleInstance::read(int caller)
     Q_EMIT filesHandedOver(known->message.paths());
 }
 
-/// Whoever has said nothing for the longest time makes room: a start says all at once.
+/// The caller that has been silent for the longest time is dropped: a program that starts sends all at once.
 int SingleInstance::quietest() const
 {
     auto found = m_callers.cbegin();

@@ -24,7 +24,7 @@ void TimeField::focusOutEvent(QFocusEvent *event)
     m_validator.controlIsValidObject(QVariant::fromValue<QObject *>(this), text());
 }
 
-/// The announcement comes before the answer, and whoever hears it may set the text: ours is set last.
+/// The announcement comes before the answer, and its receivers may set the text: ours is set last.
 void TimeField::check(const QString &text)
 {
     const prefs::FieldEdit answer = m_validator.controlTextDidChange(text, cursorPosition());

@@ -95,7 +95,7 @@ void WatchWindow::refresh()
     m_folder->setText(m_delegate.program().watchMode().watchFolderPath());
 }
 
-/// Follows the newest line, unless somebody has scrolled up to read.
+/// Follows the newest line, unless the user has scrolled up to read.
 void WatchWindow::addLine(const app::WatchLog::Line &line)
 {
     const QScrollBar *bar = m_log->verticalScrollBar();

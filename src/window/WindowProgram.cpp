@@ -9,7 +9,7 @@ namespace window {
 
 namespace {
 
-constexpr int longestWaitForPaint = 500; // milliseconds; a window that nobody sees is not painted
+constexpr int longestWaitForPaint = 500; // milliseconds; a hidden window is not painted
 
 } // namespace
 
@@ -30,7 +30,7 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
     connect(&m_untilReady, &QTimer::timeout, this, &WindowProgram::getReady);
     connect(&m_delegate, &KXAppDelegate::terminationAllowed, this, &WindowProgram::leave,
             Qt::QueuedConnection);
-    // Nobody can be asked then: the running job is stopped and its unfinished output removed.
+    // No question can be answered then: the running job is stopped and its unfinished output removed.
     connect(&m_interrupts, &app::Interrupts::interrupted, this, &WindowProgram::leave, Qt::QueuedConnection);
 }
 

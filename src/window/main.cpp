@@ -21,7 +21,7 @@ struct Wishes
     QStringList paths;
 };
 
-/// Somebody who only asks needs no display.
+/// --help and --version need no display.
 bool onlyAsks(int argc, char *argv[])
 {
     static const QStringList questions{u"-h"_s, u"--help"_s, u"--help-all"_s, u"-v"_s, u"--version"_s};

@@ -5,7 +5,7 @@
 
 namespace support {
 
-/// A folder that nobody has any business with: a text, a picture, a subtitle and a film lie in it. Once
+/// A folder that no run has any business with: a text, a picture, a subtitle and a film lie in it. Once
 /// armed, it tells whatever touches them or the folder, also what merely opens one for reading.
 class Canaries final
 {

@@ -40,7 +40,7 @@ public:
     void setTool(const QString &tool, const QString &script);
     /// Lets every program that is found through PATH be recorded too.
     void recordEverything();
-    /// Runs the program as somebody whom permissions keep out, where we are root. Needs tools of its own
+    /// Runs the program as a user whom permissions keep out, where we are root. Needs tools of its own
     /// that are no recorders.
     void runUnprivileged();
     /// The programs that were started so far through recorders, each with its arguments.
@@ -83,7 +83,7 @@ QList<QJsonObject> streamsOf(const QString &path);
 /// "h264 aac mov_text": the codecs of a file in stream order.
 QString codecsOf(const QString &path);
 /// "h264 320", "aac 2 eng", "mov_text deu": codec, width or channels, language of each stream. A language
-/// that nobody wrote is "und".
+/// that was not written is "und".
 QStringList shownStreams(const QString &path);
 /// Seconds of a file by its container; negative when it can't be told.
 double secondsOf(const QString &path);

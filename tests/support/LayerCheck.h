@@ -6,7 +6,7 @@
 namespace support {
 
 /// Reads the includes of every file below a source folder and says which of them break the lane
-/// rules: knowledge flows down the list of modules, nobody but the window knows more of Qt than Core,
+/// rules: knowledge flows down the list of modules, only the window knows more of Qt than Core,
 /// files don't include each other in a circle, and a module links only what stands below it.
 class LayerCheck final
 {

@@ -139,7 +139,7 @@ QString offenceOf(const QByteArrayList &run, const QString &scratch)
         words.append(QString::fromUtf8(bytes));
     const QString program = words.takeFirst().section(u'/', -1);
     if (!programs().contains(program))
-        return u"a program that nobody needs"_s;
+        return u"a program that is not needed"_s;
     for (qsizetype i = 0; i < words.size();) {
         const qsizetype count = fittingAt(words, i, programs().value(program), scratch);
         if (count == 0)

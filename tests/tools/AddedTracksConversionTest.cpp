@@ -274,7 +274,7 @@ private Q_SLOTS:
         QCOMPARE(codecsOf(converted(selection)), u"h264 aac subrip subrip"_s);
     }
 
-    /// What can't be drawn is not drawn, and whoever asked for it hears of it.
+    /// What can't be drawn is not drawn, and a user who asked for it is told.
     void whatCantBeBurnedIsLeftOut_data()
     {
         QTest::addColumn<QString>("clip");

@@ -123,7 +123,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("clip");
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("answer");
-        QTest::addColumn<bool>("leavesReport"); // a probe that failed is left for whoever wants to know
+        QTest::addColumn<bool>("leavesReport"); // the report of a failed probe stays, to be read
         const QString notAVideo = u"not a video"_s;
         QTest::newRow("two audio streams")
             << streams(u"two-audio.mka"_s, {u"1"_s, u"2"_s}) << u"bad.mka"_s << u"too many tracks"_s << false;
@@ -134,8 +134,7 @@ private Q_SLOTS:
         QTest::newRow("a film") << support::fullMkv() << u"bad.mkv"_s << u"adding video track"_s << false;
         QTest::newRow("a picture's stream")
             << support::rawH264() << u"bad.h264"_s << u"adding video track"_s << false;
-        QTest::newRow("a codec that nobody knows")
-            << opusFile() << u"bad.ogg"_s << u"track not identified"_s << true;
+        QTest::newRow("an unknown codec") << opusFile() << u"bad.ogg"_s << u"track not identified"_s << true;
         QTest::newRow("nothing in it") << support::emptyMkv() << u"bad.srt"_s << notAVideo << true;
         QTest::newRow("no tracks") << textFile() << u"bad.txt"_s << notAVideo << true;
         QTest::newRow("text that calls itself a subtitle") << textFile() << u"bad.srt"_s << notAVideo << true;

@@ -70,7 +70,7 @@ private Q_SLOTS:
                               u"a.mkv.stream3.srt"_s, u"a.mkv.stream3.srt.log"_s}));
     }
 
-    void aTrackThatNobodyCanWriteIsNamed()
+    void aTrackThatNoToolCanWriteIsNamed()
     {
         m_cli->clip(support::pgsMkv(), u"pictures.mkv"_s);
         const auto run = m_cli->run({u"extract"_s, u"pictures.mkv"_s, u"--json"_s});

@@ -116,7 +116,8 @@ private Q_SLOTS:
         QVERIFY2(left.isEmpty(), qPrintable(left));
         const auto run = end();
         QCOMPARE(run.status, status);
-        QVERIFY2(!run.said().contains(u"not a video"_s), qPrintable(run.said())); // nobody looked to the end
+        QVERIFY2(!run.said().contains(u"not a video"_s),
+                 qPrintable(run.said())); // the probe was not completed
         QCOMPARE(m_cli->mediaNames(), QStringList({u"full.mkv"_s, u"long.mkv"_s}));
         QVERIFY2(m_cli->temporaryNames().isEmpty(), qPrintable(m_cli->temporaryNames().join(u' ')));
         QVERIFY(content(u"long.mkv"_s) + content(u"full.mkv"_s) == sources);

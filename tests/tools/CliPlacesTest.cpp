@@ -51,7 +51,7 @@ private Q_SLOTS:
         QVERIFY(m_cli->scratch().read(settings).contains("\"keepLogsFlag\": false"));
     }
 
-    /// Where the settings lie is said by another folder here, so that nobody's own are touched.
+    /// Where the settings lie is said by another folder here, so that no user's own are touched.
     void aHomeThatIsNoneIsLookedUp_data() { relativeFoldersAreIgnored_data(); }
 
     void aHomeThatIsNoneIsLookedUp()

@@ -69,11 +69,11 @@ private Q_SLOTS:
             << u"#1"_s << u"none"_s << u"Xbox"_s
             << u"surround=3 surroundRate=Original addStereo keepSurround"_s << u"film.mp4"_s
             << QStringList{u"h264 2048"_s, u"aac 2 eng"_s, u"ac3 6 eng"_s, u"ac3 6 eng"_s};
-        // Nobody knows the rate of FLAC, so none is asked for, and the encoder takes its own.
-        QTest::newRow("an original rate that nobody knows, AAC")
+        // The rate of FLAC is unknown, so none is asked for, and the encoder takes its own.
+        QTest::newRow("an unknown original rate, AAC")
             << u"*/flac/*"_s << u"none"_s << u"General"_s << u"surround=2 surroundRate=Original"_s
             << u"film.m4v"_s << QStringList{u"h264 2048"_s, u"aac 6 und"_s};
-        QTest::newRow("an original rate that nobody knows, AC3")
+        QTest::newRow("an unknown original rate, AC3")
             << u"*/flac/*"_s << u"none"_s << u"MKV"_s << u"surround=3 surroundRate=Original keepStereo"_s
             << u"film.mkv.mkv"_s << QStringList{u"h264 2048"_s, u"ac3 6 und"_s, u"flac 6 und"_s};
         QTest::newRow("burned in two passes before scaling")

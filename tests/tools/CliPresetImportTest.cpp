@@ -149,7 +149,7 @@ private Q_SLOTS:
         const auto row = [](const char *key, const QJsonValue &value, const char *kind) {
             QTest::addRow("%s, %s", key, kind) << QString::fromLatin1(key) << value;
         };
-        row("pComment", u"x"_s, "a key that nobody knows");
+        row("pComment", u"x"_s, "an unknown key");
         row("PNAME", u"x"_s, "in capitals");
         row("pVideoActionIsBestGuess", false, "what is never stored");
         row("pName", 7, "a number");

@@ -115,7 +115,7 @@ private Q_SLOTS:
         row("surround to AAC", u"#1"_s, u"surround=2 surroundRate=512"_s, u"1:aac:6:512"_s);
         row("surround to AAC at its own rate", u"#1"_s, u"surround=2 surroundRate=Original"_s,
             u"1:aac:6:384"_s);
-        row("surround to AAC at a rate that nobody knows", u"#5"_s, u"surround=2 surroundRate=Original"_s,
+        row("surround to AAC at an unknown rate", u"#5"_s, u"surround=2 surroundRate=Original"_s,
             u"5:aac:6:0"_s);
         row("surround to AC3", u"#5"_s, u"surround=3 surroundRate=640"_s, u"5:ac3:6:640"_s);
         row("a surround copy and stereo", u"#1"_s, u"addStereo stereoRate=256"_s, u"1:aac:2:256 1:copy"_s);
@@ -193,7 +193,7 @@ private Q_SLOTS:
             u"twice L41 L40 w1280 20000k"_s);
         row("a rate limit alone", u"PS3"_s, u"video=1 rate=25000"_s, u"L41 15000k"_s);
         row("an extension of its own", u"Xbox"_s, u"video=1 rate=15001 width=1000"_s, u"L41 w1000 15000k"_s);
-        row("a device that nobody knows", u"Apple TV"_s, u"video=1 rate=25000"_s, u"25000k"_s);
+        row("an unknown device", u"Apple TV"_s, u"video=1 rate=25000"_s, u"25000k"_s);
         row("Matroska", u"MKV"_s, u"video=1 rate=25000"_s, u"25000k"_s);
         row("AVI", u"AVI"_s, u"video=1 rate=25000 width=600"_s, u"w600 25000k"_s);
         withSubtitles("subtitles as text", u"iPhone 4"_s, u"video=0"_s, u"all"_s, u"copy"_s, u"6 7 8"_s);

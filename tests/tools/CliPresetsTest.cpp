@@ -1,4 +1,4 @@
-// What the command "presets" shows of stored presets, and what becomes of names that nobody has.
+// What the command "presets" shows of stored presets, and what becomes of unknown names.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
 #include "support/PresetLists.h"
@@ -136,7 +136,7 @@ private Q_SLOTS:
                      line.contains(u"y"_s), // there, either may be told first
                  run.error.constData());
         QVERIFY2(run.said().contains(there), run.error.constData());
-        QVERIFY(m_cli->mediaNames().isEmpty()); // the film is not there, and nobody looked for it
+        QVERIFY(m_cli->mediaNames().isEmpty()); // the film is not there, and was not looked for
     }
 
     void wrongWordsAreWrongUsage_data()

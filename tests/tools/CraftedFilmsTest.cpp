@@ -1,4 +1,4 @@
-// Films that anybody can make: behind a tag "}" stand tags that bear the names of a stream's
+// Films that are easy to make: behind a tag "}" stand tags that bear the names of a stream's
 // own fields, and in them what a shell or a filter graph would love to read as syntax; or the film is a list
 // of other films. With the real tools it runs no program, writes nothing but its result and reads nothing but
 // itself.

@@ -142,7 +142,7 @@ private:
         QVERIFY2(job->outcome().verdict == Verdict::Failed, qPrintable(job->outcome().word()));
         compareReason(*job);
         QVERIFY(job->outputs().isEmpty());
-        // What was written is nobody's whole film, and is named; an empty file is not left.
+        // What was written is no whole film, and is named; an empty file is not left.
         const QFileInfo output(disk(runs) + u"/a.m4v"_s);
         QCOMPARE(
             job->outcome().sentence.contains(u"The incomplete output %1 was kept."_s.arg(output.filePath())),

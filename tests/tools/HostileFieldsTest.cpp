@@ -265,7 +265,7 @@ void HostileFieldsTest::initTestCase()
     m_lanes = std::make_unique<support::Lanes<Lane>>(laneCount);
 }
 
-/// A tag that nobody asks for: whatever is wrong here is wrong with the test.
+/// A tag that is never asked for: whatever is wrong here is wrong with the test.
 void HostileFieldsTest::harmlessFilmsPass()
 {
     QList<Case> cases;

@@ -156,7 +156,7 @@ private Q_SLOTS:
         QCOMPARE(codecsOf(trial.output()), u"h264"_s);
     }
 
-    /// Without a name they go to whatever folder ffmpeg runs in, over those of somebody else.
+    /// Without a name they go to whatever folder ffmpeg runs in, over those of another program.
     void statisticsOfASingleTrack()
     {
         Trial trial(film(), u"General"_s);

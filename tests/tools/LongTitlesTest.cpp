@@ -1,5 +1,5 @@
 // Titles that are longer than a system lets a command line be. They are cut for the tools, and that is told:
-// a film must not fail for what somebody wrote into it.
+// a film must not fail for what is written in it.
 #include "support/CliFixture.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"

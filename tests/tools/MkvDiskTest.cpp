@@ -60,7 +60,7 @@ private Q_SLOTS:
         const auto job = runs.add(operation, source);
         QVERIFY(runs.run());
         compareVerdict(*job, Verdict::Failed, u"mkvmerge"_s);
-        // What was written is nobody's whole film, and is named; an empty file is not left.
+        // What was written is no whole film, and is named; an empty file is not left.
         const QFileInfo output(folderOf(runs) + u'/' + MkvRuns::outputName(operation));
         QCOMPARE(
             job->outcome().sentence.contains(u"The incomplete output %1 was kept."_s.arg(output.filePath())),

@@ -62,7 +62,7 @@ private Q_SLOTS:
         QVERIFY(secondsOf(m_fault->output(operation)) > 1);
     }
 
-    /// mkvmerge has nothing to say of a file that just ends, so nobody has.
+    /// mkvmerge does not report a file that just ends, so we have nothing to report.
     void aTruncatedFileIsWrittenAsFarAsItGoes_data() { rowsFor(inTheTab, 2); }
 
     void aTruncatedFileIsWrittenAsFarAsItGoes()

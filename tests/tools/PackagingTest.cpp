@@ -212,7 +212,7 @@ private Q_SLOTS:
             QVERIFY2(texts.contains(word), qPrintable(word));
     }
 
-    /// Through the link in bin, in a folder that nobody may write to.
+    /// Through the link in bin, in a read-only folder.
     void theInstalledProgramUsesTheInstalledTools()
     {
         const QFileInfo link(root(u"bin/tessaray-cli"_s));
@@ -239,7 +239,7 @@ private Q_SLOTS:
 
 private:
     QString root(const QString &name = {}) const { return m_scratch.path(u"usr/"_s + name); }
-    /// How the window program is asked by somebody who has none.
+    /// How the window program is asked where there is no display.
     QStringList withoutDisplay(const QString &word) const
     {
         return {u"-u"_s, u"DISPLAY"_s, u"-u"_s, u"WAYLAND_DISPLAY"_s, root(u"bin/tessaray"_s), word};

@@ -208,7 +208,7 @@ private Q_SLOTS:
             QDir(site.folder + u"/tools"_s).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     }
 
-    void withoutArchivesNobodyIsWaitedFor()
+    void withoutArchivesThereIsNoWait()
     {
         const Site site;
         QLockFile lock(site.folder + u"/tools/.unpacking.lock"_s);
@@ -357,7 +357,7 @@ private Q_SLOTS:
     }
 
     /// A kill at the wrong moment and a full disk leave this.
-    void anEmptyLockHoldsNobodyUp()
+    void anEmptyLockBlocksNothing()
     {
         const Site site;
         site.packAll();

@@ -33,7 +33,7 @@ private Q_SLOTS:
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder()));
     }
 
-    void nobodyTakesFilesWhereNobodyRuns()
+    void withoutARunningProgramNoFilesAreTaken()
     {
         const SingleInstance second(u"key"_s);
         QVERIFY(!second.handOver({u"/films/a.mkv"_s}));
@@ -100,7 +100,7 @@ private Q_SLOTS:
         QSignalSpy taken(&first, &SingleInstance::filesHandedOver);
         const SingleInstance second(u"key"_s);
         QVERIFY(!second.handOver({u"/films/a.mkv"_s})); // our event loop stands still meanwhile
-        // More than the socket takes before somebody reads.
+        // More than the socket takes before it is read.
         QVERIFY(!second.handOver(QStringList(20000, u"/films/a folder with a long name/a.mkv"_s)));
         const QList<int> callers = manyCallers(); // more than may wait to be let in
         QVERIFY(!second.handOver({u"/films/a.mkv"_s}));
@@ -136,7 +136,7 @@ private Q_SLOTS:
         QCOMPARE(taken.constFirst().constFirst().toStringList(), paths);
     }
 
-    void whoeverLiesIsDismissed_data()
+    void callersThatLieAreDismissed_data()
     {
         QTest::addColumn<QByteArray>("said");
         const QByteArray many = QByteArray::fromHex("ffffffff");
@@ -146,7 +146,7 @@ private Q_SLOTS:
         QTest::newRow("with half a letter") << one + QByteArray::fromHex("00000003");
     }
 
-    void whoeverLiesIsDismissed()
+    void callersThatLieAreDismissed()
     {
         QFETCH(QByteArray, said);
         SingleInstance first(u"key"_s);
@@ -186,7 +186,7 @@ private Q_SLOTS:
         QVERIFY(handedOver(u"key"_s, {u"/films/a.mkv"_s}));
     }
 
-    void slowAndSilentCallersKeepNobodyOut()
+    void slowAndSilentCallersBlockNoOther()
     {
         SingleInstance first(u"key"_s);
         QVERIFY(first.listen());

@@ -34,7 +34,7 @@ OptionList codecGroups(const KXVideoTrack &track)
     return {};
 }
 
-/// "3:" in front of the output. A number that nobody knows is none.
+/// "3:" in front of the output. An unknown number is none.
 OptionItem mkvextractTarget(const KXVideoTrack &track, const QUrl &output, tools::Quoting quoting)
 {
     const auto number = track.mkvmergeNumber();

@@ -171,7 +171,7 @@ void KXConvertWithFfmpegJob::prepareBurning(KXFfmpegConverter &converter, qsizet
         setTempFilesToDeleteList(tempFilesToDeleteList() << converter.tempFileToDeleteURL());
 }
 
-/// Of added files only plain text is drawn; whoever chose another one to be burned should hear of it.
+/// Of added files only plain text is drawn; a user who chose another one is told.
 void KXConvertWithFfmpegJob::noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track)
 {
     const bool isDrawn = isText(track) && !isEmpty(converter.subToBurnURL());
@@ -284,7 +284,7 @@ void KXConvertWithFfmpegJob::conversionCompleted()
         conversionCompleted();
 }
 
-/// A failed first pass leaves no statistics, or somebody's old ones: pass 2 must not run on them.
+/// A failed first pass leaves no statistics, or those of another run: pass 2 must not run on them.
 void KXConvertWithFfmpegJob::startPass2SelectorFor(KXFfmpegConverter &converter)
 {
     const auto first = converter.converterTask();

@@ -121,7 +121,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startPrepared()
     return task;
 }
 
-/// An AVI carries no subtitles; whoever chose one should hear of it.
+/// An AVI carries no subtitles; a user who chose one is told.
 void KXFfmpegConverter::noteSubtitlesWithoutPlace()
 {
     if (engines::outputKindNamed(appName()) != OutputKind::Avi || !isEmpty(subToBurnURL()))

@@ -24,8 +24,8 @@ bool KXMetadataPadder::isWantedFor(const QUrl &film, const KXPreferences &prefer
            QFileInfo(preferences.urlOfApp(u"atomicparsley"_s).toLocalFile()).isExecutable();
 }
 
-/// The tool pads only when it changes a tag; who wrote the film last is one that harms nobody. How much it
-/// pads stands in its environment.
+/// The tool pads only when it changes a tag; the name of the program that wrote the film is a harmless one.
+/// How much it pads stands in its environment.
 tools::ToolProcessPointer KXMetadataPadder::startPadding(const QUrl &film)
 {
     setInputFileURL(film);

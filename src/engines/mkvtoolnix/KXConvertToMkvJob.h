@@ -38,6 +38,6 @@ private:
     bool pollConversions(const jobs::ProgressList &previous, jobs::ProgressList &current);
     bool conversionsSucceeded();
 
-    /// Those that have not been started. While the monitor looks, nobody else touches it.
+    /// Those that have not been started. While the monitor looks, only it may touch the list.
     QList<KXFfmpegConverter *> m_waiting;
 };

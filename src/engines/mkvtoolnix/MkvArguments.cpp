@@ -76,7 +76,7 @@ OptionList muxShellItems(const TrackList &tracks, const QUrl &output, const QUrl
         const QString path = track->muxingTrackFileURL().toLocalFile();
         if (!paths.contains(path))
             paths.append(path);
-        // Without a number it does not come from this file, or nobody knows which track it is.
+        // Without a number it does not come from this file, or its track in there is unknown.
         if (const auto number = track->mkvmergeNumber())
             byPath[path].append({track, numbersByPath.value(path).value(*number, *number)});
     }

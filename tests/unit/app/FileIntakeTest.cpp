@@ -178,7 +178,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("clip");
         QTest::addColumn<QString>("sentence");
         QTest::newRow("no video") << u"open"_s << u"TEXT"_s << cannotIdentify;
-        QTest::newRow("a codec that nobody knows") << u"drag"_s << support::vp9Mkv() << cannotIdentify;
+        QTest::newRow("an unknown codec") << u"drag"_s << support::vp9Mkv() << cannotIdentify;
         QTest::newRow("a video that is to be added")
             << u"add"_s << support::textMp4() << u"The application can't add the track from this file."_s;
         QTest::newRow("streams of no use")
@@ -373,7 +373,7 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->controller().openQueueMatrixIndex(), 0);
         QVERIFY(m_fixture->alerts().shown().isEmpty());
         QCOMPARE(refused.size(), 2);
-        QCOMPARE(opened.size(), 1); // whoever watches starts them then
+        QCOMPARE(opened.size(), 1); // the watch session starts them then
         QVERIFY(m_fixture->jobs().isEmpty());
     }
 

@@ -109,7 +109,7 @@ private:
     void open(const QList<std::pair<QString, TrackList>> &films) { m_fixture->openByHand(films); }
     void startWithLocked(const QString &folder, const QString &title)
     {
-        // Somebody else has to reach the folders, but may not write where it is locked.
+        // Another user has to reach the folders, but may not write where it is locked.
         QFile::setPermissions(m_fixture->path(), QFile::Permissions(0x7777));
         for (const QString &name : QDir(m_fixture->path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
             QFile::setPermissions(m_fixture->path(name), QFile::Permissions(0x7777));

@@ -51,7 +51,8 @@ private Q_SLOTS:
     {
         WatchLog log;
         log.add(WatchLog::Kind::Note, u"a\nb\r\nc"_s);
-        QCOMPARE(log.lines().constFirst().text, u"a\nb\r\nc"_s); // whoever shows them makes them visible
+        QCOMPARE(log.lines().constFirst().text,
+                 u"a\nb\r\nc"_s); // the code that shows them makes them visible
     }
 
     void aLongLogLosesItsOldestLines()

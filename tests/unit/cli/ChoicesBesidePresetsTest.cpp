@@ -102,7 +102,7 @@ private Q_SLOTS:
         QTest::newRow("Matroska") << u"MKV"_s << u"General"_s;
         QTest::newRow("AVI") << u"AVI"_s << u"General"_s;
         QTest::newRow("a device") << u"Apple TV (3 and Later)"_s << u"Apple TV (3 and Later)"_s;
-        QTest::newRow("a device that nobody knows") << u"Apple TV"_s << u"Apple TV"_s;
+        QTest::newRow("an unknown device") << u"Apple TV"_s << u"Apple TV"_s;
     }
 
     void theKindMp4LeavesAPresetsMatroska()

@@ -33,7 +33,7 @@ QStringList hostileWords()
     return words;
 }
 
-/// What the command printed when its line was fed to the shell as somebody pastes it.
+/// What the command printed when its line was fed to the shell as if it were pasted.
 QByteArray pasted(const QString &shell, const QString &line)
 {
     QProcess process;

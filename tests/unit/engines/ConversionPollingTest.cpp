@@ -79,7 +79,7 @@ public:
 
 } // namespace
 
-/// The polling monitor is not started by the job itself; whoever starts it gets this.
+/// The polling monitor is not started by the job itself; started by a caller, it does this.
 class ConversionPollingTest final : public QObject
 {
     Q_OBJECT

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QVERIFY2(job->refusal().startsWith(words), qPrintable(job->refusal()));
     }
 
-    void aWidthThatNobodyKnowsIsNoReason()
+    void anUnknownWidthIsNoReason()
     {
         ConversionFixture fixture;
         const auto selection = fixture.selection(u"General"_s, {videoTrack()});

@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(job->stepTaskList(), QList<jobs::StepTask>{second}); // an ended step's task has left
     }
 
-    /// It would run on statistics that are not there, or on somebody's old ones.
+    /// It would run on statistics that are not there, or on those of another run.
     void aFailedPassOneIsTheEnd_data()
     {
         QTest::addColumn<QString>("ending");

@@ -65,7 +65,7 @@ public:
     {
         return start<KXEditMkvJob>(chosen(jobType));
     }
-    /// A job that nobody started, with converters that answer from scripts.
+    /// A job that is not started, with converters that answer from scripts.
     std::shared_ptr<KXEditMkvJob> unstarted(const QString &jobType, const QStringList &answers)
     {
         const auto made = std::make_shared<KXEditMkvJob>(base.jobContext());

@@ -91,7 +91,7 @@ private Q_SLOTS:
         tell("frame=2 time=00:01:00.00 bitrate\r");
         tell({});
         fixture.converter.readTaskOutput({tools::ToolProcess::Channel::Output, {}, nullptr});
-        QVERIFY(fixture.converter.isHolding()); // nobody has waited
+        QVERIFY(fixture.converter.isHolding()); // the look is not waited for
         QVERIFY(fixture.record.all().isEmpty());
         QVERIFY(fixture.waitForEnds(1));
         QCOMPARE(fixture.progress(), QStringList({u"25%"_s, u"50%"_s}));

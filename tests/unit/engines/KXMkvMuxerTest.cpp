@@ -87,7 +87,7 @@ private Q_SLOTS:
         chosen->setKeepTracksList({kept});
         fixture.muxer.startConversionFor(chosen);
         QCOMPARE(fixture.muxer.tracksToMux(), TrackList{kept});
-        // Nobody else took this track's snapshot.
+        // No other code took this track's snapshot.
         QCOMPARE(kept->muxingTrackTitle(), u"Film"_s);
         QCOMPARE(kept->muxingTrackFileURL(), fixture.source);
         QCOMPARE(fixture.meant(), u"-o|/v/a.removed.mkv|"_s + muxOptions(u"0"_s, u"Film"_s) +

@@ -160,7 +160,7 @@ private Q_SLOTS:
                                  "-ass-color", "FFFFFF00"}));
         QCOMPARE(m_player->subtitleFontURL(), file(u"/Library/Fonts/Arial Unicode.ttf"_s));
         m_player.reset();
-        QVERIFY(support::runs(player)); // it is nobody's any more
+        QVERIFY(support::runs(player)); // the program has let go of it
         ::kill(static_cast<pid_t>(player), SIGKILL);
     }
 

@@ -218,7 +218,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.program(), u"ffmpeg"_s);
     }
 
-    /// No tool, no id; whoever waits for it finds it finished.
+    /// No tool, no id; a wait for it finds it finished.
     void aPictureOfAnMp4StartsNothingInTheBackground()
     {
         DumperFixture fixture;

@@ -26,7 +26,7 @@ private Q_SLOTS:
         QVERIFY(first && second && first != second);
     }
 
-    void kindThatNobodyRegisteredIsUnknown()
+    void kindThatIsNotRegisteredIsUnknown()
     {
         JobFixture fixture(JobFixture::Tools::Fake);
         jobs::JobFactory factory;

@@ -148,7 +148,7 @@ private Q_SLOTS:
         PollFixture fixture;
         std::atomic_bool returned = false;
         fixture.job->monitorQueue()->start([&] {
-            fixture.job->runOnMain([] {}, Qt::BlockingQueuedConnection); // nobody serves events now
+            fixture.job->runOnMain([] {}, Qt::BlockingQueuedConnection); // no event loop runs now
             returned = true;
         });
         QThread::msleep(100);

@@ -155,7 +155,7 @@ private Q_SLOTS:
             QVERIFY2(!command.startsWith(u"kill"_s), qPrintable(command));
     }
 
-    void textThatIsNoIdStopsNobody()
+    void textThatIsNoIdStopsNoProcess()
     {
         Running running(Kind::Process);
         running.job->setStepTaskList(

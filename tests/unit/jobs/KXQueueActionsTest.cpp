@@ -308,7 +308,7 @@ private Q_SLOTS:
         QCOMPARE(q.queue.pauseButtonTitle(), u"Resume"_s);
     }
 
-    void answerNobodyAskedForIsIgnored()
+    void answerWithoutAQuestionIsIgnored()
     {
         Queue q(1);
         q.start();

@@ -95,7 +95,7 @@ private Q_SLOTS:
         const auto starts = [&](qsizetype row) {
             return static_cast<TestJob *>(queue.qJobList().at(row).get())->starts;
         };
-        QCOMPARE(starts(0), 0); // whoever adds is done first
+        QCOMPARE(starts(0), 0); // the code that adds returns first
         QVERIFY(support::waitFor([&] { return starts(0) == 1; }));
         QVERIFY(!support::waitFor([&] { return starts(1) > 0; }, 100));
         queue.qJobList().first()->jobDone();

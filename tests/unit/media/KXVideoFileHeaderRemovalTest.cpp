@@ -97,7 +97,7 @@ private Q_SLOTS:
     {
         InfoFixture fixture(compressed);
         QVERIFY(fixture.check());
-        QVERIFY(!fixture.file.headerRemovalFlag()); // whoever asks sets it
+        QVERIFY(!fixture.file.headerRemovalFlag()); // the caller sets it
     }
 
     void aFileThatIsNotThereIsNotAskedFor()

@@ -201,7 +201,7 @@ private Q_SLOTS:
     }
 
     /// A kill at the wrong moment and a full disk leave this.
-    void anEmptyLockHoldsNobodyUp()
+    void anEmptyLockBlocksNothing()
     {
         const support::Scratch scratch;
         scratch.write(u"d.json.lock"_s, {});

@@ -30,7 +30,7 @@ std::unique_ptr<QProcess> holder(const QString &path)
     return process;
 }
 
-/// Nobody else may be at it while we are: what one of us wrote, nobody has changed when he reads it again.
+/// Only one process may work on the file at a time: what it wrote is unchanged when it reads it again.
 int addOneAtATime(const QString &lockPath, const QString &countPath)
 {
     for (int round = 0; round < rounds; ++round) {
@@ -77,7 +77,7 @@ private Q_SLOTS:
         QCOMPARE(scratch.names(), QStringList());
     }
 
-    void oneThatWasLeftBehindHoldsNobodyUp()
+    void oneThatWasLeftBehindBlocksNothing()
     {
         const Scratch scratch;
         for (const QByteArray &content : {QByteArray(), QByteArray("1\nsomebody\nhere\n")}) {
@@ -87,7 +87,7 @@ private Q_SLOTS:
         }
     }
 
-    void oneThatWasKilledHoldsNobodyUp()
+    void oneWhoseHolderWasKilledBlocksNothing()
     {
         const Scratch scratch;
         const auto other = holder(scratch.path(u"lock"_s));
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QCOMPARE(scratch.names(), QStringList({u"count"_s}));
     }
 
-    void whereNoneCanBeMadeNobodyWaits()
+    void whereNoneCanBeMadeThereIsNoWait()
     {
         const Scratch scratch;
         const int tooLong = 10 * support::patience; // a wait for it would be ended as a hang

@@ -73,9 +73,9 @@ private Q_SLOTS:
         QCOMPARE(platform::problemOfWholeFile(path, 1024 * 1024), file.problem);
     }
 
-    void nobodyWaitsForAPipeOrADevice_data() { nothingElseIs_data(); }
+    void pipesAndDevicesAreNotWaitedFor_data() { nothingElseIs_data(); }
 
-    void nobodyWaitsForAPipeOrADevice()
+    void pipesAndDevicesAreNotWaitedFor()
     {
         QFETCH(QString, path);
         const auto file = platform::readWhole(path);
@@ -83,7 +83,7 @@ private Q_SLOTS:
         QVERIFY(file.bytes.isEmpty());
     }
 
-    void nobodyWaitsAtAPipe()
+    void aPipeIsNotWaitedFor()
     {
         const Scratch scratch;
         const QString path = scratch.path(u"pipe"_s);

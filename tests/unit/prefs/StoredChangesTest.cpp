@@ -43,7 +43,7 @@ private Q_SLOTS:
         QCOMPARE(prefs::merged(stored, loaded, now).toMap(), expected);
     }
 
-    void listIsTheGivenOneWhenNobodyElseWrote()
+    void listIsTheGivenOneWhenNoOtherProgramWrote()
     {
         const QVariantList loaded{preset(u"a"_s), preset(u"b"_s), preset(u"c"_s)};
         const QVariantList now{preset(u"c"_s), preset(u"a"_s, 7), preset(u"new"_s)};

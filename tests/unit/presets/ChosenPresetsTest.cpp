@@ -163,7 +163,7 @@ private Q_SLOTS:
         connect(&fixture.controller, &KXSelectionController::trackRowsDeselected, this,
                 [&] { seen.append(fixture.presets.changingPresetSetting()); });
         fixture.presets.setSettingMethodIndex(2);
-        fixture.presets.applyCurrentPresetSettings(); // nobody chose anything here
+        fixture.presets.applyCurrentPresetSettings(); // nothing was chosen here
         fixture.presets.setSettingMethodIndex(1);
         QCOMPARE(seen, QList<bool>({true, false, true}));
         QVERIFY(!fixture.presets.changingPresetSetting());

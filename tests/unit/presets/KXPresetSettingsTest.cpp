@@ -68,7 +68,7 @@ class KXPresetSettingsTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingIsSetUntilSomebodyDoes()
+    void nothingIsSetAtFirst()
     {
         const Fixture fixture;
         const KXPresetSettings &preset = fixture.preset;

@@ -86,7 +86,7 @@ class MakeSelectionsTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void manualTouchesNothingAndTellsNobody()
+    void manualTouchesNothingAndAnnouncesNothing()
     {
         Fixture fixture;
         fixture.tick({2, 5});
@@ -248,7 +248,7 @@ private Q_SLOTS:
         Fixture fixture({probedVideo(), externalSubtitle(u"French"_s),
                          probedSubtitleOf(u"srt"_s, u"English"_s), externalSubtitle(u"English"_s)});
         fixture.setFilters({noAudio}, {u"Subtitle Track Number|1||"_s});
-        QCOMPARE(fixture.applied(), u"1 2"_s); // in the file's order, whoever is of which type
+        QCOMPARE(fixture.applied(), u"1 2"_s); // in the file's order, whatever their types
         fixture.setFilters({noAudio}, {u"Subtitle Track Number|3||"_s});
         QCOMPARE(fixture.applied(), u"1 4"_s);
         fixture.setFilters({noAudio}, {u"Tracks w/ Properties ...|1|English|Any Codec"_s});

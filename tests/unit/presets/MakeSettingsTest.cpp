@@ -177,7 +177,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Whoever is told has everything before him.
+    /// Everything is set before the announcement.
     void tablesRowsAreDeselectedLast()
     {
         Fixture fixture;

@@ -60,7 +60,7 @@ private Q_SLOTS:
             << QJsonDocument::fromVariant(QVariantList{selectionsRecord(u"New"_s)}).toJson() << foreign;
         QTest::newRow("empty object") << QByteArray("{}") << foreign;
         const auto longText = [](qsizetype letters) { return QString(letters, u'x'); };
-        QTest::newRow("a text that nobody typed")
+        QTest::newRow("a text longer than any typed one")
             << settingsFile(with(settingsRecord(u"New"_s), u"pName"_s, longText(10001)))
             << u"Entry 1 of \"presetSettingsArray\" does not fit: its \"pName\" is not what *"_s;
         QTest::newRow("a key of a million letters")
@@ -70,7 +70,7 @@ private Q_SLOTS:
         QTest::newRow("another one of a million letters")
             << QByteArray("{\"version\": 1, \"" + QByteArray(1000000, 'x') + "\": 1}")
             << u"It holds \"%1…\", which no preset file has."_s.arg(longText(100));
-        QTest::newRow("more than anybody has")
+        QTest::newRow("more than any user has")
             << presetFile({}, QVariantList(1001, settingsRecord(u"New"_s)))
             << u"Its list \"presetSettingsArray\" holds more than 1000 presets."_s;
         QTest::newRow("no version") << QByteArray(

@@ -163,7 +163,7 @@ private Q_SLOTS:
         }
     }
 
-    void nobodyEverSeesAnIndexOutsideTheLabels()
+    void noIndexOutsideTheLabelsIsEverAnnounced()
     {
         Languages fixture({u"English"_s, u"French"_s, u"German"_s});
         fixture.controller.setAudioTrackPopupIndex(2);

@@ -1,4 +1,4 @@
-// What somebody does at the window: tabs, toggles, a click beside the controls, a control set by hand,
+// What the user does at the window: tabs, toggles, a click beside the controls, a control set by hand,
 // the add-stereo check box.
 #include "support/TestMain.h"
 #include "support/selection/ControllerFixture.h"

@@ -69,7 +69,7 @@ private Q_SLOTS:
         QVERIFY(ConversionSettings::of(*selection).picture == picture);
     }
 
-    void aWordThatNobodyChoseIsNoPicture()
+    void aWordThatIsNoChoiceIsNoPicture()
     {
         const SelectionPointer selection = film();
         selection->trackList().at(0)->setUserCodec(u"none"_s);

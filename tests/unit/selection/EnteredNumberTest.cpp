@@ -6,7 +6,7 @@
 using namespace Qt::StringLiterals;
 using selection::normalizedNumber;
 
-/// What becomes of a number that somebody typed.
+/// What becomes of a typed number.
 class EnteredNumberTest final : public QObject
 {
     Q_OBJECT

@@ -243,7 +243,7 @@ private Q_SLOTS:
         QCOMPARE(outputsOf(*tracks.at(1)), u"passthru 6 0"_s);
     }
 
-    /// Under "Manual" nobody else rebuilds the selection.
+    /// Under "Manual" nothing else rebuilds the selection.
     void secondFileLeavesNothingOfTheFirst()
     {
         const TrackList first = film();

@@ -44,7 +44,7 @@ private Q_SLOTS:
         row("selection does not know steps", u"selection/A.cpp"_s, "#include \"steps/Step.h\"\n",
             u"selection/A.cpp: knows steps/Step.h above it"_s);
         row("steps know tools", u"steps/A.cpp"_s, "#include \"tools/Tool.h\"\n", {});
-        row("nobody knows the window", u"cli/A.cpp"_s, "#include \"window/Pane.h\"\n",
+        row("no module knows the window", u"cli/A.cpp"_s, "#include \"window/Pane.h\"\n",
             u"cli/A.cpp: knows window/Pane.h above it"_s);
         row("the window knows the app", u"window/A.cpp"_s, "#include \"app/Top.h\"\n#include <QWidget>\n",
             {});

@@ -79,7 +79,7 @@ class OwnFilesOnlyTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nobodyElseWritesRenamesOrDeletes()
+    void noOtherCodeWritesRenamesOrDeletes()
     {
         const QStringList found = harmIn(QStringLiteral(TESSARAY_SOURCE_DIR "/src"));
         QStringList offences;

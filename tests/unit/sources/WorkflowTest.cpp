@@ -35,7 +35,7 @@ QList<QStringList> listsOf(const QString &workflow, const QString &key)
     return lists;
 }
 
-/// The commands under "Start" that stand alone, as somebody types them first.
+/// The commands under "Start" that stand alone, as a newcomer types them.
 QStringList commandsToBegin()
 {
     const QString start = contentOf(u"README.md"_s).section(u"\n## "_s, 1, 1);

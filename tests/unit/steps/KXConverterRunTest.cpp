@@ -115,14 +115,14 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(run.fixture.scratch.path(u"step.log"_s)));
     }
 
-    void whatSomebodyPutAtTheNameOfTheLogIsLeftAlone_data()
+    void whatStandsAtTheNameOfTheLogIsLeftAlone_data()
     {
         QTest::addColumn<bool>("isLink");
         QTest::newRow("a file") << false;
         QTest::newRow("a link") << true;
     }
 
-    void whatSomebodyPutAtTheNameOfTheLogIsLeftAlone()
+    void whatStandsAtTheNameOfTheLogIsLeftAlone()
     {
         QFETCH(bool, isLink);
         Run run;

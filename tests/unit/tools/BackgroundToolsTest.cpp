@@ -121,7 +121,7 @@ private Q_SLOTS:
         QCOMPARE(m_scratch.read(u"bash.log"_s), "said\ncried\n");
     }
 
-    void nobodyRunsWithoutAProperId()
+    void withoutAProperIdNothingRuns()
     {
         ListeningHelpers helpers(&m_places);
         for (const QString &pid :
@@ -134,7 +134,7 @@ private Q_SLOTS:
         QVERIFY(helpers.strings.isEmpty());
     }
 
-    void stoppingIdNothingStopsNobody()
+    void stoppingAnEmptyIdStopsNothing()
     {
         // 0 is our own group, -1 is everybody.
         QProcess other;
@@ -202,7 +202,7 @@ private Q_SLOTS:
         QCOMPARE(errno, ESRCH);
     }
 
-    void zombieOfSomebodyElseHasEnded()
+    void zombieOfAnotherParentHasEnded()
     {
         QProcess parent;
         parent.start(u"bash"_s, {u"-c"_s, u"sleep 60 & echo $!; exec cat"_s});
@@ -227,7 +227,7 @@ private Q_SLOTS:
         request.environment = QProcessEnvironment::systemEnvironment();
         const auto tool = tools::ToolProcess::start(request);
         const qint64 pid = tool->processIdentifier();
-        QElapsedTimer clock; // events are not served meanwhile: nobody reaps
+        QElapsedTimer clock; // events are not served meanwhile: it is not reaped
         clock.start();
         while (support::stateOf(pid) != 'Z' && clock.elapsed() < support::patience)
             QThread::msleep(5);

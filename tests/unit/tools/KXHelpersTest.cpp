@@ -260,7 +260,7 @@ private Q_SLOTS:
         QCOMPARE(presenter.closed, QList<platform::AlertPointer>({alert}));
     }
 
-    void withoutAPresenterNobodyIsTold()
+    void withoutAPresenterNoAlertIsShown()
     {
         const KXHelpers helpers;
         helpers.openAlertSheet(std::make_shared<const platform::Alert>());

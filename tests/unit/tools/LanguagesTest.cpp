@@ -104,7 +104,7 @@ private Q_SLOTS:
         QCOMPARE(&other.languageList(), &m_helpers.languageList());
     }
 
-    void shortListIsEmptyUntilSomebodyFillsIt()
+    void shortListIsEmptyUntilItIsFilled()
     {
         KXHelpers helpers;
         QVERIFY(helpers.languageShortList().isEmpty());

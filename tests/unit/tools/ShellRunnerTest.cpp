@@ -265,7 +265,7 @@ private Q_SLOTS:
         for (const QString &descriptor : openDescriptors()) {
             const int flags = ::fcntl(descriptor.toInt(), F_GETFD);
             if (flags >= 0 && (flags & FD_CLOEXEC) == 0)
-                allowed.append(descriptor); // we have it from whoever started us
+                allowed.append(descriptor); // inherited by the test itself
         }
         int free = 0;
         while (allowed.contains(QString::number(free)))
