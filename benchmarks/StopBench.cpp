@@ -20,12 +20,13 @@ constexpr double aimSeconds = 1;
 constexpr int interrupted = 128 + SIGINT;
 constexpr int tries = 5; ///< for a stop that comes before the work has ended
 
-/// What is stopped, and what standard output says when it is at work.
+/// What is stopped, and what standard output says, and how often, when a tool is in the middle of its work.
 struct Work
 {
     QString name;
     QStringList words;
     QByteArray sign;
+    int times = 0;
 };
 
 QList<qint64> childrenOf(qint64 pid)
@@ -58,7 +59,8 @@ double stopped(const QString &cli, const Work &work)
     process.start(cli, work.words);
     QByteArray said;
     QList<qint64> tools;
-    while (process.state() != QProcess::NotRunning && (tools.isEmpty() || !said.contains(work.sign))) {
+    while (process.state() != QProcess::NotRunning &&
+           (tools.isEmpty() || said.count(work.sign) < work.times)) {
         process.waitForReadyRead(1);
         said += process.readAllStandardOutput();
         tools = childrenOf(process.processId());
@@ -103,8 +105,8 @@ int stop(const QString &cli, const QString &film, const QString &half, int round
                               folder.filePath(u"defaults.json"_s)};
     const QList<Work> works{
         {u"opening"_s, general + QStringList{u"probe"_s} + QStringList(20, film), {}},
-        {u"converting"_s, general + QStringList{u"convert"_s, film, u"--video"_s, u"1pass"_s}, "%\""},
-        {u"joining"_s, general + QStringList{u"join"_s, half, half, half, half}, "\"started\""}};
+        {u"converting"_s, general + QStringList{u"convert"_s, film, u"--video"_s, u"1pass"_s}, "%\"", 3},
+        {u"joining"_s, general + QStringList{u"join"_s, half, half, half, half}, "\"started\"", 1}};
     bool isFine = true;
     for (const Work &work : works)
         isFine = measure(cli, work, rounds) && isFine;

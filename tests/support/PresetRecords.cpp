@@ -173,4 +173,9 @@ QByteArray presetFile(const QJsonArray &selections, const QJsonArray &settings)
         .toJson();
 }
 
+QJsonObject objectIn(const QByteArray &text)
+{
+    return QJsonDocument::fromJson(text).object();
+}
+
 } // namespace support

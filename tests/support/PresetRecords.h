@@ -21,5 +21,7 @@ QJsonObject settingsPreset(const QString &name, const QString &device, const QSt
 QByteArray storedPresets(const QJsonArray &selections, const QJsonArray &settings);
 /// What a file of exported presets holds.
 QByteArray presetFile(const QJsonArray &selections, const QJsonArray &settings);
+/// What such a file holds.
+QJsonObject objectIn(const QByteArray &text);
 
 } // namespace support

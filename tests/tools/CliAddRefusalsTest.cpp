@@ -6,6 +6,7 @@
 #include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,13 +17,9 @@
 
 using namespace Qt::StringLiterals;
 using support::CliFixture;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 QString opusFile()
 {

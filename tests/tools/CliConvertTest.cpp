@@ -2,6 +2,7 @@
 #include "support/CliFixture.h"
 #include "support/Clips.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,13 +14,9 @@ using namespace Qt::StringLiterals;
 using support::CliFixture;
 using support::codecsOf;
 using support::streamsOf;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 QStringList eventsOf(const CliFixture::Run &run)
 {

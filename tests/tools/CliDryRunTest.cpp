@@ -3,6 +3,7 @@
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,13 +12,9 @@
 
 using namespace Qt::StringLiterals;
 using support::CliFixture;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 QStringList textsOf(const QJsonValue &array)
 {

@@ -3,6 +3,7 @@
 #include "support/Clips.h"
 #include "support/Seeds.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,13 +14,9 @@
 
 using namespace Qt::StringLiterals;
 using support::CliFixture;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 /// Writes a part of its output, which is the last word of its line, and then fails.
 const QString failingTool = u"for last; do :; done\n"

@@ -6,6 +6,7 @@
 #include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
+#include "support/Words.h"
 
 #include <QFile>
 #include <QTest>
@@ -16,6 +17,7 @@
 using namespace Qt::StringLiterals;
 using support::CliFixture;
 using support::waitFor;
+using support::words;
 
 namespace {
 
@@ -27,11 +29,6 @@ constexpr int goneMs = 5000;
 const QString slowFfmpeg = u"exec /usr/bin/ffmpeg -re \"$@\""_s;
 /// Never gets to its probe; the launcher has a child, which must end too.
 const QString hangingFfprobe = u"sleep 120\nexec /usr/bin/ffprobe \"$@\""_s;
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 QStringList eventsIn(const QByteArray &output)
 {

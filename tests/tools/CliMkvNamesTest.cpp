@@ -26,8 +26,6 @@ using support::Started;
 
 namespace {
 
-constexpr int laneCount = 6;
-
 Started mkvmerge(const QStringList &words)
 {
     QByteArrayList run{"mkvmerge"};
@@ -130,15 +128,8 @@ void CliMkvNamesTest::initTestCase()
     QList<Film> all = support::hostileFilms();
     all.removeIf([](const Film &film) { return film.stem.size() > 200; }); // no room for a longer name
     QVERIFY(all.size() > 50);
-    all = support::drawn(all, 2 * laneCount);
-    for (int number = 0; number < laneCount; ++number)
-        m_lanes.push_back(std::make_unique<Lane>());
-    for (qsizetype i = 0; i < all.size(); ++i)
-        makeFilm(*m_lanes.at(static_cast<size_t>(i % laneCount)), all.at(i));
-    for (const auto &lane : m_lanes) {
-        lane->cli.useOwnTools();
-        lane->cli.recordEverything();
-    }
+    all = support::drawn(all, 2 * support::filmLanes);
+    m_lanes = support::lanesWith<Lane>(all, [this](Lane &lane, const Film &film) { makeFilm(lane, film); });
 }
 
 void CliMkvNamesTest::makeFilm(Lane &lane, const Film &film)

@@ -4,6 +4,7 @@
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,13 +16,9 @@ using namespace Qt::StringLiterals;
 using support::CliFixture;
 using support::codecsOf;
 using support::secondsOf;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 /// mkvmerge's own view of a file: "video:eng:Title:1:0" for type, language, title, default and forced.
 QStringList tracksOf(const QString &path)

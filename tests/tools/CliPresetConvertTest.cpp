@@ -4,6 +4,7 @@
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 #include "support/engines/RealRuns.h"
 
 #include <QFile>
@@ -16,13 +17,9 @@ using support::settingsPreset;
 using support::shownStreams;
 using support::storePresets;
 using support::trackPreset;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 /// The words of each job's commands, by the output; the statistics' place is another in every run.
 QMap<QString, QStringList> commandsOf(const CliFixture::Run &run)

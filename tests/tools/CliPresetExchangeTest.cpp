@@ -4,6 +4,7 @@
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,6 +16,7 @@ using support::CliFixture;
 using support::listedPresets;
 using support::listOfPresets;
 using support::namesOf;
+using support::objectIn;
 using support::presetFile;
 using support::settingsPreset;
 using support::someRules;
@@ -22,20 +24,7 @@ using support::someSettings;
 using support::storedPresets;
 using support::storePresets;
 using support::trackPreset;
-
-namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
-
-QJsonObject objectIn(const QByteArray &text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
-
-} // namespace
+using support::words;
 
 class CliPresetExchangeTest final : public QObject
 {

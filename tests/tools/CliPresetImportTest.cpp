@@ -4,6 +4,7 @@
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,6 +16,7 @@
 
 using namespace Qt::StringLiterals;
 using support::CliFixture;
+using support::objectIn;
 using support::presetFile;
 using support::settingsPreset;
 using support::someRules;
@@ -22,18 +24,9 @@ using support::someSettings;
 using support::storedPresets;
 using support::storePresets;
 using support::trackPreset;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
-
-QJsonObject objectIn(const QByteArray &text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
 
 QByteArray binary()
 {

@@ -4,6 +4,7 @@
 #include "support/PresetLists.h"
 #include "support/PresetRecords.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QFile>
 #include <QTest>
@@ -18,15 +19,7 @@ using support::someRules;
 using support::someSettings;
 using support::storePresets;
 using support::trackPreset;
-
-namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
-
-} // namespace
+using support::words;
 
 class CliPresetsTest final : public QObject
 {

@@ -10,6 +10,7 @@
 #include "support/StartedPrograms.h"
 #include "support/TaggedFilms.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,13 +23,9 @@ using support::Canaries;
 using support::CliFixture;
 using support::Listing;
 using support::TagList;
+using support::words;
 
 namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
 
 /// Far more than any run takes, also on a machine that others keep busy.
 constexpr int boundMs = 180000;

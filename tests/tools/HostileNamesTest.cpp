@@ -27,8 +27,6 @@ using support::Started;
 
 namespace {
 
-constexpr int laneCount = 6;
-
 /// The longest name, and those of every kind that a converter or a filter could trip over.
 bool isConvertedInTwoPasses(const Film &film)
 {
@@ -86,15 +84,8 @@ private:
 
 void HostileNamesTest::initTestCase()
 {
-    const QList<Film> all = drawnFilms();
-    for (int number = 0; number < laneCount; ++number)
-        m_lanes.push_back(std::make_unique<Lane>());
-    for (qsizetype i = 0; i < all.size(); ++i)
-        makeFilm(*m_lanes.at(static_cast<size_t>(i % laneCount)), all.at(i));
-    for (const auto &lane : m_lanes) {
-        lane->cli.useOwnTools();
-        lane->cli.recordEverything();
-    }
+    m_lanes = support::lanesWith<Lane>(drawnFilms(),
+                                       [this](Lane &lane, const Film &film) { makeFilm(lane, film); });
 }
 
 void HostileNamesTest::makeFilm(Lane &lane, const Film &film)

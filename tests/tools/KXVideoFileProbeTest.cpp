@@ -6,6 +6,7 @@
 #include "support/Seeds.h"
 #include "support/TestMain.h"
 #include "support/WatchedPlaces.h"
+#include "support/Words.h"
 #include "tools/OptionItem.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@
 using namespace Qt::StringLiterals;
 using support::Scratch;
 using support::WatchedPlaces;
+using support::words;
 
 namespace {
 
@@ -36,11 +38,6 @@ QStringList valuesOf(const KXVideoFile &file, const char *word)
     for (const TrackPointer &track : file.trackList())
         values.append(track->property(word).toString());
     return values;
-}
-
-QStringList words(const QString &text)
-{
-    return text.split(u' ');
 }
 
 /// Names that a careless line would run, cut or lose; 255 bytes is the longest a folder takes.

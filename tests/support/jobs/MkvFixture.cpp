@@ -16,8 +16,6 @@ QString muxOptions(const QString &id, const QString &title)
 
 namespace {
 
-constexpr int longEnough = 30000;
-
 QString textOf(const QVariant &object)
 {
     return object.typeId() == QMetaType::QUrl ? object.toUrl().toLocalFile() : object.toString();
@@ -108,7 +106,7 @@ steps::ConverterContext MkvFixture::context()
 
 bool MkvFixture::waitForEnd() const
 {
-    return waitFor([&] { return record.count(u"jobDone"_s) > 0; }, longEnough);
+    return waitFor([&] { return record.count(u"jobDone"_s) > 0; });
 }
 
 QList<QStringList> MkvFixture::calls(const QString &tool) const

@@ -92,9 +92,4 @@ QString itemsOf(const tools::OptionList &list)
     return tools::textsOf(list).join(u'|');
 }
 
-QStringList words(const QString &line)
-{
-    return line.split(u' ', Qt::SkipEmptyParts);
-}
-
 } // namespace support

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "selection/KXSelection.h"
+#include "support/Words.h"
 #include "tools/OptionItem.h"
 
 namespace support {
@@ -30,7 +31,4 @@ SelectionPointer handMadeSelection(const QString &device, const TrackList &track
 inline const QString videoMetadata = QStringLiteral("-metadata:s:v language=eng -metadata:s:v title=Video0");
 /// The items of a list between bars.
 QString itemsOf(const tools::OptionList &list);
-/// The words of a line in which no word holds a blank: "-map 0:0 -vcodec copy".
-QStringList words(const QString &line);
-
 } // namespace support

@@ -1,19 +1,12 @@
 #include "cli/CommandLine.h"
 #include "support/TestMain.h"
+#include "support/Words.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using cli::CommandLine;
-
-namespace {
-
-QStringList words(const QString &line)
-{
-    return line.split(u' ');
-}
-
-} // namespace
+using support::words;
 
 class CommandLineTest final : public QObject
 {

@@ -1,5 +1,6 @@
 #include "support/FakePlaces.h"
 #include "support/FakeTool.h"
+#include "support/ListeningHelpers.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
@@ -17,35 +18,10 @@
 
 using namespace Qt::StringLiterals;
 using support::FakeTool;
+using support::ListeningHelpers;
+using support::playing;
 using tools::OptionItem;
 using tools::OptionList;
-
-namespace {
-
-class ListeningHelpers final : public KXHelpers
-{
-public:
-    using KXHelpers::KXHelpers;
-    void logString(const QString &text) const override { strings.append(text); }
-    void logObjectWithString(const QVariant &object, const QString &label) const override
-    {
-        lines.append(label + object.toString());
-    }
-
-    mutable QStringList strings;
-    mutable QStringList lines;
-};
-
-/// Each of a run's commands as one word of data.
-OptionList playing(const QStringList &commands)
-{
-    OptionList options{u"--do"};
-    for (const QString &command : commands)
-        options.append(OptionItem::ofData(command, tools::Quoting::Single));
-    return options;
-}
-
-} // namespace
 
 class BackgroundToolsTest final : public QObject
 {

@@ -1,0 +1,10 @@
+#include "support/Words.h"
+
+namespace support {
+
+QStringList words(const QString &line)
+{
+    return line.split(u' ', Qt::SkipEmptyParts);
+}
+
+} // namespace support
