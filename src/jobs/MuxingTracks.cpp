@@ -1,22 +1,24 @@
 #include "jobs/MuxingTracks.h"
 
+#include "selection/ConversionSettings.h"
+
 using namespace Qt::StringLiterals;
 
 namespace jobs {
 
 namespace {
 
-void takeOutput(KXVideoTrack &track, const QVariantMap &output)
+void takeOutput(KXVideoTrack &track, const selection::AudioOutput &output)
 {
-    track.setUserCodec(output.value(u"userCodec"_s).toString());
-    track.setUserBitRate(output.value(u"userBitRate"_s).toString());
-    track.setUserNumberOfChannels(output.value(u"userNumberOfChannels"_s).toString());
+    track.setUserCodec(output.codec);
+    track.setUserBitRate(output.bitRate);
+    track.setUserNumberOfChannels(output.channels);
 }
 
 TrackList tracksOfOutputs(const TrackPointer &track)
 {
     TrackList tracks;
-    for (const QVariantMap &output : track->userAudioSettingsDictionaryArray()) {
+    for (const selection::AudioOutput &output : selection::outputsOf(*track)) {
         const TrackPointer one = tracks.isEmpty() ? track : track->copy();
         if (!tracks.isEmpty())
             one->setIsStereoCopyFlag(true);
@@ -32,7 +34,7 @@ TrackList tracksForMuxing(const TrackList &tracks)
 {
     TrackList all;
     for (const TrackPointer &track : tracks) {
-        if (track->trackType() == u"Audio"_s) {
+        if (selection::isAudio(*track)) {
             all += tracksOfOutputs(track);
             continue;
         }

@@ -1,5 +1,7 @@
 #include "engines/ffmpeg/FfmpegAudioOrder.h"
 
+#include "selection/ConversionSettings.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -26,13 +28,10 @@ QList<AudioOutput> orderedAudioOutputs(const TrackList &tracks)
 {
     QList<AudioOutput> outputs;
     for (const TrackPointer &track : tracks) {
-        if (track->trackType() != u"Audio"_s)
+        if (!selection::isAudio(*track))
             continue;
-        for (const QVariantMap &settings : track->userAudioSettingsDictionaryArray()) {
-            outputs.append({track, settings.value(u"userCodec"_s).toString(),
-                            settings.value(u"userBitRate"_s).toString(),
-                            settings.value(u"userNumberOfChannels"_s).toString()});
-        }
+        for (const selection::AudioOutput &output : selection::outputsOf(*track))
+            outputs.append({track, output.codec, output.bitRate, output.channels});
     }
     std::stable_sort(outputs.begin(), outputs.end(),
                      [](const AudioOutput &a, const AudioOutput &b) { return groupOf(a) < groupOf(b); });
