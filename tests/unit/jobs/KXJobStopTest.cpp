@@ -283,26 +283,6 @@ private Q_SLOTS:
         running.job->pauseJob(); // any number of times
         running.job->resumeJob();
         QVERIFY(support::waitFor([&] { return running.fixture.scratch.read(u"second.m4v"_s) == "wwwwwww"; }));
-        running.job->stopJob();
-    }
-
-    void backgroundToolsArePaused()
-    {
-        Running running(Kind::Background);
-        const auto second = running.start(u"second.m4v"_s, hang);
-        const QStringList ids{running.step->doShell_ID(), second->doShell_ID()};
-        const auto areAll = [&](char state) {
-            return support::waitFor([&] {
-                return std::all_of(ids.begin(), ids.end(), [state](const QString &id) {
-                    return support::stateOf(id.toLongLong()) == state;
-                });
-            });
-        };
-        QVERIFY(areAll('S'));
-        running.job->pauseJob();
-        QVERIFY(areAll('T'));
-        running.job->resumeJob();
-        QVERIFY(areAll('S'));
         QVERIFY(running.job->commands.isEmpty()); // no shell is asked
         running.job->stopJob();
     }
