@@ -12,7 +12,7 @@ using namespace support;
 
 namespace {
 
-ConversionRequest requestFor(const QString &device, const QString &output)
+ConversionRequest deviceRequest(const QString &device, const QString &output)
 {
     ConversionRequest request;
     request.kind = outputKindNamed(appNameForDevice(device));
@@ -23,7 +23,7 @@ ConversionRequest requestFor(const QString &device, const QString &output)
 
 ConversionLists deviceLists(const SelectionPointer &selection)
 {
-    const ConversionRequest request = requestFor(selection->theDevice(), u"/v/out"_s);
+    const ConversionRequest request = deviceRequest(selection->theDevice(), u"/v/out"_s);
     applyDeviceCaps(*selection, request.kind);
     return conversionLists(*selection, request);
 }
@@ -48,7 +48,7 @@ private Q_SLOTS:
             {videoTrack(), audioTrack(u"1"_s, u"aac"_s, u"2"_s, audioSettings(u"aac"_s, u"2"_s, u"160"_s)),
              subtitleTrack(u"2"_s, u"srt"_s)});
         selection->setUserWidth(u"1280"_s);
-        auto request = requestFor(u"iPhone 4"_s, u"/v/a.m4v"_s);
+        auto request = deviceRequest(u"iPhone 4"_s, u"/v/a.m4v"_s);
         request.moovInFront = true;
         const auto lists = conversionLists(*selection, request);
         QCOMPARE(tools::textsOf(lists.first), QStringList({u"-i"_s,
@@ -207,7 +207,7 @@ private Q_SLOTS:
     void anUnknownKindHasNeither()
     {
         const auto selection = handMadeSelection(u"General"_s, {videoTrack()});
-        auto request = requestFor(u"General"_s, u"/v/out"_s);
+        auto request = deviceRequest(u"General"_s, u"/v/out"_s);
         request.kind = OutputKind::Unknown;
         QCOMPARE(tools::textsOf(conversionLists(*selection, request).first).join(u' '),
                  u"-i /v/a.mkv -map 0:0 -b:v 2500k "_s + videoMetadata + u" -y /v/out"_s);
@@ -218,7 +218,7 @@ private Q_SLOTS:
     {
         const auto selection = handMadeSelection(u"Xbox"_s, {videoTrack()});
         selection->setUserVideoBitRate(u"25000"_s);
-        auto request = requestFor(u"MKV"_s, u"/v/out"_s);
+        auto request = deviceRequest(u"MKV"_s, u"/v/out"_s);
         const QString line = tools::textsOf(conversionLists(*selection, request).first).join(u' ');
         QVERIFY(!line.contains(u"-level"_s));
         QVERIFY(line.contains(u"-b:v 25000k"_s));
@@ -297,7 +297,7 @@ private Q_SLOTS:
         const auto audio = audioTrack(u"1"_s, u"ac3"_s, u"6"_s, audioSettings(u"passthru"_s));
         const auto selection =
             handMadeSelection(u"PS3"_s, {videoTrack(), audio, subtitleTrack(u"2"_s, u"srt"_s)}, u"2"_s);
-        auto request = requestFor(u"PS3"_s, u"/v/a.m4v"_s);
+        auto request = deviceRequest(u"PS3"_s, u"/v/a.m4v"_s);
         request.moovInFront = true;
         const auto lists = conversionLists(*selection, request);
         const QString picture = u"-map 0:0 -vcodec libx264 -level 41 -b:v 2500k "_s + videoMetadata;
@@ -375,7 +375,7 @@ private Q_SLOTS:
         QFETCH(bool, flag);
         QFETCH(bool, stands);
         const auto selection = handMadeSelection(device, {videoTrack()});
-        auto request = requestFor(device, u"/v/out"_s);
+        auto request = deviceRequest(device, u"/v/out"_s);
         request.moovInFront = flag;
         const auto texts = tools::textsOf(conversionLists(*selection, request).first);
         QCOMPARE(texts.contains(u"-movflags"_s), stands);

@@ -18,7 +18,7 @@ QList<QUrl> files(const QStringList &paths)
     return list;
 }
 
-VideoFilePointer film()
+VideoFilePointer joinedFilm()
 {
     const auto file = std::make_shared<KXVideoFile>(nullptr);
     file->setTheFPS(u"25.000000"_s);
@@ -106,7 +106,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, change);
         QFETCH(QStringList, names);
-        const VideoFilePointer other = film();
+        const VideoFilePointer other = joinedFilm();
         if (change.contains(u"rate"_s))
             other->setTheFPS(u"29.970030"_s);
         if (change.contains(u"width"_s))
@@ -119,24 +119,24 @@ private Q_SLOTS:
             other->trackList().at(1)->setTrackType(u"Subtitle"_s);
         if (change.contains(u"codec"_s))
             other->trackList().at(1)->setTrackCodec(u"ac3"_s);
-        QCOMPARE(engines::mismatchedProperties({film(), other}), names);
-        QCOMPARE(engines::mismatchedProperties({other, film(), other}), names); // each once
+        QCOMPARE(engines::mismatchedProperties({joinedFilm(), other}), names);
+        QCOMPARE(engines::mismatchedProperties({other, joinedFilm(), other}), names); // each once
         QCOMPARE(engines::mismatchedProperties({other}), QStringList());
     }
 
     void neighboursAreCompared()
     {
-        const VideoFilePointer wide = film();
+        const VideoFilePointer wide = joinedFilm();
         wide->setTheWidth(u"640"_s);
-        QCOMPARE(engines::mismatchedProperties({film(), film(), wide, wide}),
+        QCOMPARE(engines::mismatchedProperties({joinedFilm(), joinedFilm(), wide, wide}),
                  QStringList{u"Video Resolution"_s});
     }
 
     void tracksAreSortedByTheirNumbersAsTexts()
     {
         // "10" comes before "2", on purpose: both files have ac3 first then.
-        const VideoFilePointer one = film();
-        const VideoFilePointer other = film();
+        const VideoFilePointer one = joinedFilm();
+        const VideoFilePointer other = joinedFilm();
         one->trackList().at(0)->setTrackMp4boxID(u"2"_s);
         one->trackList().at(1)->setTrackMp4boxID(u"10"_s);
         other->trackList().at(0)->setTrackMp4boxID(u"2"_s);

@@ -17,7 +17,7 @@ using tools::OptionList;
 
 namespace {
 
-const QString film = u"/v/a.mkv"_s;
+const QString playedFilm = u"/v/a.mkv"_s;
 const OptionItem inBackground = u"&> /dev/null & echo $!";
 const OptionItem drawing = u"-ass -ass-font-scale 1.0 -ass-color FFFFFF00";
 
@@ -26,7 +26,7 @@ QUrl file(const QString &path)
     return QUrl::fromLocalFile(path);
 }
 
-TrackPointer track(const QString &type, const QString &number, const QString &source = film)
+TrackPointer track(const QString &type, const QString &number, const QString &source = playedFilm)
 {
     const auto made = JobFixture::track(type, source);
     made->setTrackMencoderID(number);
@@ -60,14 +60,14 @@ private Q_SLOTS:
         QCOMPARE(options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s),
                           track(u"Subtitle"_s, u"0"_s, u"/v/words.srt"_s)},
                          u"1"_s),
-                 OptionList({file(film), u"-vid 0", u"-aid 1", u"-sub", file(u"/v/words.srt"_s), u"-font",
-                             file(u"/Library/Fonts/Arial Unicode.ttf"_s), drawing, inBackground}));
+                 OptionList({file(playedFilm), u"-vid 0", u"-aid 1", u"-sub", file(u"/v/words.srt"_s),
+                             u"-font", file(u"/Library/Fonts/Arial Unicode.ttf"_s), drawing, inBackground}));
     }
 
     void withoutSubtitlesNoFontIsNamed()
     {
         QCOMPARE(options({track(u"Video"_s, u"0"_s), track(u"Audio"_s, u"1"_s)}, u"0"_s),
-                 OptionList({file(film), u"-vid 0", u"-aid 1", inBackground}));
+                 OptionList({file(playedFilm), u"-vid 0", u"-aid 1", inBackground}));
     }
 
     void oneTrack_data()
@@ -98,17 +98,17 @@ private Q_SLOTS:
     {
         QFETCH(TrackPointer, made);
         QFETCH(OptionList, expected);
-        QCOMPARE(options({made}, u"0"_s), OptionList{file(film)} + expected + OptionList{inBackground});
+        QCOMPARE(options({made}, u"0"_s), OptionList{file(playedFilm)} + expected + OptionList{inBackground});
     }
 
     /// Of several options of a kind the player takes the last: that is left to it.
     void everyTrackAddsItsOwnOptionInOrder()
     {
-        QCOMPARE(
-            options({track(u"Subtitle"_s, u"1"_s), track(u"Audio"_s, u"1"_s), track(u"Video"_s, u"0"_s),
-                     track(u"Audio"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s)},
-                    u"0"_s),
-            OptionList({file(film), u"-sid 1", u"-aid 1", u"-vid 0", u"-aid 0", u"-sid 0", inBackground}));
+        QCOMPARE(options({track(u"Subtitle"_s, u"1"_s), track(u"Audio"_s, u"1"_s), track(u"Video"_s, u"0"_s),
+                          track(u"Audio"_s, u"0"_s), track(u"Subtitle"_s, u"0"_s)},
+                         u"0"_s),
+                 OptionList({file(playedFilm), u"-sid 1", u"-aid 1", u"-vid 0", u"-aid 0", u"-sid 0",
+                             inBackground}));
     }
 
     /// The font goes by the selection's count, not by its tracks; that is meant.
@@ -123,11 +123,11 @@ private Q_SLOTS:
     {
         const OptionList meant =
             options({track(u"Subtitle"_s, u"0"_s, u"/v,w/a,b\\,c.srt"_s), track(u"Video"_s, u"0"_s)}, u"0"_s);
-        QCOMPARE(meant,
-                 OptionList({file(film), u"-sub", file(u"/v,w/a,b\\,c.srt"_s), u"-vid 0", inBackground}));
-        QCOMPARE(
-            m_player->launchForm(meant),
-            OptionList({file(film), u"-sub", file(u"/v\\,w/a\\,b\\\\,c.srt"_s), u"-vid 0", inBackground}));
+        QCOMPARE(meant, OptionList({file(playedFilm), u"-sub", file(u"/v,w/a,b\\,c.srt"_s), u"-vid 0",
+                                    inBackground}));
+        QCOMPARE(m_player->launchForm(meant),
+                 OptionList({file(playedFilm), u"-sub", file(u"/v\\,w/a\\,b\\\\,c.srt"_s), u"-vid 0",
+                             inBackground}));
     }
 
     void otherPathsRunAsTheyAreMeant()
@@ -173,7 +173,7 @@ private Q_SLOTS:
 private:
     SelectionPointer selection(const TrackList &tracks, const QString &subtitles) const
     {
-        const auto made = m_fixture->selectionFor(film);
+        const auto made = m_fixture->selectionFor(playedFilm);
         made->setTrackList(tracks);
         made->setSubCount(subtitles);
         return made;

@@ -16,7 +16,7 @@ const QUrl muxOutput = QUrl::fromLocalFile(u"/v/out.mkv"_s);
 const QUrl muxLog = QUrl::fromLocalFile(u"/v/out.log"_s);
 
 /// A track as it is right before a mux.
-TrackPointer muxed(const TrackPointer &track, const QString &id, const QString &title = u""_s)
+TrackPointer muxedTrack(const TrackPointer &track, const QString &id, const QString &title = u""_s)
 {
     track->setTrackMkvmergeID(id);
     track->setTrackTitle(title);
@@ -25,7 +25,7 @@ TrackPointer muxed(const TrackPointer &track, const QString &id, const QString &
     return track;
 }
 
-SelectionPointer splitting(const QString &type)
+SelectionPointer splitSelection(const QString &type)
 {
     const auto selection = std::make_shared<KXSelection>();
     selection->initialize();
@@ -45,13 +45,13 @@ class MkvArgumentsTest final : public QObject
 private Q_SLOTS:
     void aMuxOfTwoFiles()
     {
-        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
+        const TrackPointer video = muxedTrack(support::videoTrack(), u"0"_s);
         video->setTrackDefaultFlag(true);
         const TrackPointer audio =
-            muxed(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), u"1"_s, u"it's"_s);
+            muxedTrack(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), u"1"_s, u"it's"_s);
         audio->setMuxingTrackLanguage(u"German"_s);
         audio->setTrackForcedFlag(true);
-        const TrackPointer added = muxed(
+        const TrackPointer added = muxedTrack(
             support::external(support::subtitleTrack(u"0"_s, u"srt"_s), u"/v/s.srt"_s), u"0"_s, u"a b"_s);
         QCOMPARE(
             support::itemsOf(engines::muxShellItems({video, audio, added}, muxOutput, muxLog)),
@@ -64,11 +64,11 @@ private Q_SLOTS:
 
     void tracksAreListedFileByFileInTheirOrder()
     {
-        const TrackPointer sub = muxed(support::subtitleTrack(u"3"_s, u"srt"_s), u"3"_s);
-        const TrackPointer added = muxed(
+        const TrackPointer sub = muxedTrack(support::subtitleTrack(u"3"_s, u"srt"_s), u"3"_s);
+        const TrackPointer added = muxedTrack(
             support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"0"_s);
-        const TrackPointer one = muxed(support::audioTrack(u"1"_s, u"aac"_s, u"2"_s, {}), u"1"_s);
-        const TrackPointer two = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
+        const TrackPointer one = muxedTrack(support::audioTrack(u"1"_s, u"aac"_s, u"2"_s, {}), u"1"_s);
+        const TrackPointer two = muxedTrack(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
         const QString list =
             support::itemsOf(engines::muxShellItems({sub, added, one, two}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"|-D|-a 1,2|-s 3|'/v/a.mkv'|"_s), qPrintable(list));
@@ -87,8 +87,8 @@ private Q_SLOTS:
     void aTrackWithoutANumberIsLeftOut()
     {
         QFETCH(QString, id);
-        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
-        const TrackPointer audio = muxed(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), id);
+        const TrackPointer video = muxedTrack(support::videoTrack(), u"0"_s);
+        const TrackPointer audio = muxedTrack(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), id);
         const QString list = support::itemsOf(engines::muxShellItems({video, audio}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"|-d 0|-A|-S|'/v/a.mkv'|"_s), qPrintable(list));
         QCOMPARE(list.count(u"--language"_s), 1);
@@ -96,7 +96,7 @@ private Q_SLOTS:
 
     void anotherTypeHasItsOptionsAndStandsInNoList()
     {
-        const TrackPointer odd = muxed(support::videoTrack(), u"4"_s);
+        const TrackPointer odd = muxedTrack(support::videoTrack(), u"4"_s);
         odd->setMuxingTrackType(u"Button"_s);
         const QString list = support::itemsOf(engines::muxShellItems({odd}, muxOutput, muxLog));
         QVERIFY2(list.contains(u"--compression 4:none|-D|-A|-S|'/v/a.mkv'"_s), qPrintable(list));
@@ -129,22 +129,22 @@ private Q_SLOTS:
         QFETCH(QString, word);
         QFETCH(QString, item);
         const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
-        QCOMPARE(engines::splitWord(*splitting(type)), word);
+        QCOMPARE(engines::splitWord(*splitSelection(type)), word);
         QCOMPARE(support::itemsOf(engines::splitArguments(word, input, muxOutput)),
                  u"-o|/v/out.mkv|--split|"_s + word + u"|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(support::itemsOf(engines::splitShellItems(*splitting(type), input, muxOutput, muxLog)),
+        QCOMPARE(support::itemsOf(engines::splitShellItems(*splitSelection(type), input, muxOutput, muxLog)),
                  u"-o|/v/out.mkv|"_s + item + u"|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
     }
 
     void anUnknownSplitTypeHasNoWord()
     {
         for (const QString &type : {u"none"_s, u""_s, u"Time"_s})
-            QVERIFY(engines::splitWord(*splitting(type)).isNull());
+            QVERIFY(engines::splitWord(*splitSelection(type)).isNull());
     }
 
     void sizesAreMegabytes()
     {
-        const SelectionPointer selection = splitting(u"size"_s);
+        const SelectionPointer selection = splitSelection(u"size"_s);
         selection->setSplitSize(u"0.25"_s);
         QCOMPARE(engines::splitWord(*selection), u"250k"_s);
         selection->setSplitSize(u"1"_s);
@@ -162,9 +162,9 @@ private Q_SLOTS:
 
     void mkvmergesOwnNumbersAreLaunched()
     {
-        const TrackPointer video = muxed(support::videoTrack(), u"0"_s);
-        const TrackPointer audio = muxed(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
-        const TrackPointer added = muxed(
+        const TrackPointer video = muxedTrack(support::videoTrack(), u"0"_s);
+        const TrackPointer audio = muxedTrack(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
+        const TrackPointer added = muxedTrack(
             support::external(support::audioTrack(u"0"_s, u"ac3"_s, u"2"_s, {}), u"/v/b.ac3"_s), u"2"_s);
         const TrackList tracks{video, audio, added};
         const QString json =
@@ -184,8 +184,8 @@ private Q_SLOTS:
 
     void aKindThatIsCountedOtherwiseTellsNothing()
     {
-        const TrackPointer one = muxed(support::subtitleTrack(u"1"_s, u"srt"_s), u"1"_s);
-        const TrackPointer two = muxed(support::subtitleTrack(u"2"_s, u"srt"_s), u"2"_s);
+        const TrackPointer one = muxedTrack(support::subtitleTrack(u"1"_s, u"srt"_s), u"1"_s);
+        const TrackPointer two = muxedTrack(support::subtitleTrack(u"2"_s, u"srt"_s), u"2"_s);
         const QString json = u"{\"tracks\": [{\"id\": 7, \"type\": \"subtitles\"}]}"_s;
         QVERIFY(engines::trackNumbersIn(json, {one, two}).isEmpty());
         QVERIFY(engines::trackNumbersIn(u"no json"_s, {one}).isEmpty());
