@@ -1,14 +1,21 @@
-// A job and how it follows its steps while they run; how it is paused, stopped and ended is in KXJobEnd.cpp.
 #include "jobs/KXJob.h"
 
 #include "media/KXVideoTrack.h"
+#include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
+#include "prefs/SaveFolder.h"
 #include "steps/ScratchFolder.h"
+#include "tools/Numbers.h"
+#include "tools/ProcessGroup.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QThread>
 #include <QTime>
 
 #include <algorithm>
+#include <csignal>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -16,6 +23,34 @@ namespace {
 
 constexpr int nothingRunsDelay = 100;
 constexpr int sliceMs = 20;
+constexpr qint64 almostFull = 999'999;
+constexpr auto freeSpaceAlertTime = std::chrono::seconds(10);
+constexpr int endOfKilledToolMs = 1000;
+constexpr int endOfLoopMs = 2000;
+constexpr auto slowEnd = std::chrono::milliseconds(300);
+
+QString keptSentence(const QUrl &output)
+{
+    return u" The incomplete output %1 was kept."_s.arg(output.toLocalFile());
+}
+
+QString logSentence(const QUrl &log)
+{
+    return u" The log is %1."_s.arg(log.toLocalFile());
+}
+
+/// It leads a group of its own.
+void signalBackground(const QString &pid, int signal)
+{
+    tools::signalGroupOf(tools::isAllDigits(pid) ? pid.toLongLong() : 0, signal);
+}
+
+/// The loop of a cancelled job, which no longer waits for us, must not outlive what the job was handed.
+void endLoop(QThreadPool &loop, QObject *job)
+{
+    loop.waitForDone(endOfLoopMs);
+    QCoreApplication::removePostedEvents(job, QEvent::MetaCall);
+}
 
 QList<QUrl> inputsOf(const KXSelection &selection)
 {
@@ -44,7 +79,11 @@ KXJob::KXJob(const jobs::JobContext &context)
     , m_context(context)
     , m_guard(context.outputs, context.whenTaken)
     , m_durations(context.preferences)
+    , m_results(m_guard)
 {
+    connect(&m_results, &jobs::JobResults::settled, this, &KXJob::finish);
+    m_slowEnd.setSingleShot(true);
+    connect(&m_slowEnd, &QTimer::timeout, this, &KXJob::showSlowEnd);
     m_monitorQueue.setMaxThreadCount(1);
     connect(&m_flashProgressTimer, &QTimer::timeout, this, [this] {
         if (m_flashing)
@@ -80,6 +119,12 @@ void KXJob::initJobWithSelectionAndPreferences(const SelectionPointer &selection
 }
 
 void KXJob::startJob() {}
+
+QList<steps::Launch> KXJob::plan()
+{
+    m_guard.planOnly();
+    return planned();
+}
 
 QList<steps::Launch> KXJob::planOf(const QList<ConverterPointer> &prepared)
 {
@@ -393,4 +438,225 @@ void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std:
             },
             Qt::QueuedConnection);
     });
+}
+
+void KXJob::pauseJob()
+{
+    m_isPaused = true;
+    for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
+        if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
+            if (*process)
+                (*process)->suspend();
+        } else {
+            signalBackground(std::get<QString>(task), SIGSTOP);
+        }
+    }
+}
+
+void KXJob::resumeJob()
+{
+    m_isPaused = false;
+    for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
+        if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
+            if (*process)
+                (*process)->resume();
+        } else {
+            signalBackground(std::get<QString>(task), SIGCONT);
+        }
+    }
+    startWaitingSteps();
+}
+
+void KXJob::stopTask(const jobs::StepTask &task)
+{
+    if (const auto *pid = std::get_if<QString>(&task)) {
+        signalBackground(*pid, SIGKILL);
+        terminatePIDWaitUntilTerminated(*pid, Wait::No);
+        return;
+    }
+    const auto process = std::get<tools::ToolProcessPointer>(task);
+    if (!process || !process->isRunning())
+        return;
+    process->closeReaders();
+    process->terminate();
+    tools::signalGroupOf(process->processIdentifier(), SIGKILL);
+    terminatePIDWaitUntilTerminated(QString::asprintf("%lli", process->processIdentifier()), Wait::No);
+    process->waitUntilExit(endOfKilledToolMs); // so that what it wrote can be removed for good
+}
+
+/// So that what they wrote can be removed for good.
+void KXJob::waitForKilledTools()
+{
+    for (const auto &converter : std::exchange(m_inBackground, {})) {
+        if (converter)
+            converter->waitForBackgroundEnd(endOfKilledToolMs);
+    }
+}
+
+/// Files that have their names by now are finished ones, so that a stop that comes so late is none.
+void KXJob::stopJob()
+{
+    if (m_ended)
+        return;
+    const auto self = shared_from_this(); // an observer may let go of us
+    if (m_isEnding && !m_results.cancel())
+        return;
+    unsubscribe();
+    m_ended = true;
+    *m_cancelled = true;
+    pollSoon();
+    m_monitorQueue.clear();
+    stopFlashing();
+    m_slowEnd.stop();
+    m_firstPoll.stop();
+    m_waitingSteps.clear();
+    m_durations.end();
+    for (const jobs::StepTask &task : std::exchange(m_stepTaskList, {}))
+        stopTask(task);
+    waitForKilledTools();
+    endLoop(m_monitorQueue, this);
+    postProgress({});
+    releaseEverything();
+    m_outcome = steps::Outcome::stopped();
+    Q_EMIT outcomeChanged();
+}
+
+void KXJob::jobDone()
+{
+    if (m_ended || m_isEnding)
+        return;
+    m_isEnding = true;
+    unsubscribe();
+    stopFlashing();
+    m_durations.end();
+    for (const ConverterPointer &converter : std::as_const(m_stepConverterList)) {
+        if (converter)
+            addOutcome(outcomeOfStep(*converter));
+    }
+    m_slowEnd.start(slowEnd);
+    m_results.publish();
+}
+
+/// Said only where the disk takes its time.
+void KXJob::showSlowEnd()
+{
+    jobs::ProgressList list = m_progressList;
+    if (list.isEmpty())
+        return;
+    list.last().progress = u"writing to disk"_s;
+    postProgress(list);
+}
+
+/// Every file has its name, or none of them will.
+void KXJob::finish()
+{
+    if (m_ended)
+        return;
+    const auto self = shared_from_this();
+    m_slowEnd.stop();
+    if (m_results.problem().verdict != steps::Verdict::Unknown)
+        addOutcome(m_results.problem());
+    published();
+    m_ended = true;
+    settleOutcome();
+    releaseEverything();
+    m_progressList.clear();
+    Q_EMIT outcomeChanged();
+    m_context.notifications.post(u"jobDone"_s, QVariant::fromValue(jobs::ProgressList()),
+                                 {{u"theJob"_s, QVariant::fromValue<QObject *>(this)}});
+    checkFreeSpace();
+}
+
+void KXJob::addOutcome(const steps::Outcome &outcome)
+{
+    m_outcome = m_outcome.joinedWith(outcome);
+}
+
+steps::Outcome KXJob::outcomeOfStep(KXConverter &converter)
+{
+    steps::Outcome outcome = converter.outcome();
+    const bool wasStarted = converter.converterTask() || !converter.doShell_ID().isEmpty();
+    if (wasStarted)
+        m_results.add(converter, outcome.verdict);
+    if (outcome.verdict == steps::Verdict::Failed) {
+        m_logsToKeep.append(converter.logFileURL());
+        if (wasStarted && m_guard.files().isOwn(converter.logFileURL()))
+            outcome.sentence += logSentence(converter.logFileURL());
+    }
+    return outcome;
+}
+
+void KXJob::settleOutcome()
+{
+    if (m_outcome.verdict == steps::Verdict::Unknown)
+        m_outcome = steps::Outcome::ok();
+    if (m_outcome.verdict == steps::Verdict::Failed) {
+        const QUrl incomplete = m_results.keepIncomplete(); // a wrong verdict must never cost anybody a film
+        if (!incomplete.isEmpty())
+            m_outcome.sentence += keptSentence(incomplete);
+    }
+    keepFiles();
+}
+
+/// Logs and intermediate files stay or go together, on purpose; the log of a failed step stays in any case.
+void KXJob::keepFiles()
+{
+    const bool all = appPreferences().panelFlag(u"keepLogsFlag"_s);
+    const QString line = u"\nTessaray: %1%2\n"_s.arg(
+        m_outcome.word(), m_outcome.sentence.isEmpty() ? QString() : u": "_s + m_outcome.sentence);
+    for (const QUrl &log : std::as_const(m_logFilesToDeleteList)) {
+        const QUrl kept = all || m_logsToKeep.contains(log) ? m_results.keepLog(log, line) : QUrl();
+        if (!kept.isEmpty())
+            m_outcome.sentence.replace(logSentence(log), logSentence(kept));
+    }
+    for (const QUrl &file : all ? std::as_const(m_tempFilesToDeleteList) : QList<QUrl>()) {
+        if (m_guard.hasClaimed(file))
+            m_guard.keep(file);
+    }
+}
+
+void KXJob::keepOutputOf(const KXConverter &converter)
+{
+    m_results.want(converter.outputFiles());
+}
+
+void KXJob::releaseEverything()
+{
+    m_guard.release();
+    m_context.scratch.removeJobFolder(m_temporaryFolder);
+    m_temporaryFolder.clear();
+}
+
+QString KXJob::startProblem() const
+{
+    if (m_outcome.verdict == steps::Verdict::Failed)
+        return m_outcome.sentence;
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        if (converter && !converter->refusal().isNull())
+            return converter->refusal();
+    }
+    return {};
+}
+
+QList<QUrl> KXJob::outputs() const
+{
+    return m_results.outputs();
+}
+
+void KXJob::checkFreeSpace()
+{
+    if (!m_jobSelection)
+        return;
+    const prefs::SaveFolder saveFolder(appPreferences());
+    const auto free = m_context.volumes.freeSize(saveFolder.forSource(m_jobSelection->videoTrackFileURL()));
+    if (!free || *free > almostFull)
+        return;
+    platform::Alert alert;
+    alert.message = u"It appears that your save volume is almost out of free space."_s;
+    alert.informativeText = u"The output of the just finished job may not be complete."_s;
+    alert.closesAfter = freeSpaceAlertTime;
+    const auto shown = std::make_shared<const platform::Alert>(alert);
+    openAlertSheet(shown);
+    // Never keeps the job: the program may end before. An alert whose job is gone closes itself.
+    QTimer::singleShot(freeSpaceAlertTime, this, [this, shown] { alertTimedOut(shown); });
 }

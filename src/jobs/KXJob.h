@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jobs/JobContext.h"
+#include "jobs/JobResults.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
 #include "steps/DurationLooks.h"
@@ -65,7 +66,7 @@ public:
     virtual void startJob();
     /// What the job would run, in order. It takes its names and nothing else happens: nothing is started,
     /// written or announced. For a job that is not started; why it would not start is startProblem().
-    virtual QList<steps::Launch> plan() { return planOf(preparedSteps()); }
+    QList<steps::Launch> plan();
     virtual void monitorNotifications(const KXNotification &notification);
     void updateProgressWithProgressList(const jobs::ProgressList &list);
     void updateProgressWithProgressItem(const jobs::ProgressUpdate &update);
@@ -97,6 +98,10 @@ protected:
     steps::OutputGuard &guard() { return m_guard; }
     /// The converters of the first steps, with their names; those of which nothing may be started know why.
     virtual QList<ConverterPointer> preparedSteps() { return {}; }
+    /// The work of plan(), for jobs that have more than their first steps.
+    virtual QList<steps::Launch> planned() { return planOf(preparedSteps()); }
+    /// Every finished file has its name; what comes after the last step, and may still add to the outcome.
+    virtual void published() {}
     QList<steps::Launch> planOf(const QList<ConverterPointer> &prepared);
     void observe(const QString &name);
     steps::ConverterContext converterContext();
@@ -121,6 +126,8 @@ protected:
     void noteFilesOf(const KXConverter &converter);
     /// The outcome of a step that has ended; the log of a failed one is kept and named.
     steps::Outcome outcomeOfStep(KXConverter &converter);
+    /// What that step wrote for the job alone is published all the same, if it is whole.
+    void keepOutputOf(const KXConverter &converter);
     void postProgress(const jobs::ProgressList &list);
     /// The start of a job of one step that has its names: it joins the lists, and is started there.
     void startSingleStep(const ConverterPointer &converter);
@@ -159,10 +166,9 @@ private:
     void startWaitingStepsOnceDurationsAreKnown();
     void startWaitingStep(qsizetype index);
     void settleOutcome();
-    void writeOutcomeToLogs();
-    void deleteFiles(const QList<QUrl> &files);
-    void deleteUnfinishedOutputs();
-    QString remainsOf(const KXConverter &converter);
+    void keepFiles();
+    void showSlowEnd();
+    void finish();
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
     void checkFreeSpace();
@@ -184,11 +190,13 @@ private:
     std::optional<jobs::ProgressUpdate> m_flashing;
     steps::Outcome m_outcome;
     QList<QUrl> m_logsToKeep;
-    QList<QUrl> m_outputs;
     QString m_temporaryFolder;
     QList<qsizetype> m_waitingSteps;
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
     std::atomic_bool m_isPaused = false;
+    jobs::JobResults m_results;
+    QTimer m_slowEnd;        ///< runs out where publishing takes long enough to be shown
+    bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;
 };
 

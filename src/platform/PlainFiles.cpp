@@ -1,5 +1,6 @@
 #include "platform/PlainFiles.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUuid>
@@ -204,6 +205,38 @@ bool renameOver(const QUrl &from, const QUrl &to)
 bool removeName(const QUrl &location)
 {
     return ::unlink(pathOf(location).constData()) == 0;
+}
+
+bool makePrivateFolder(const QUrl &location)
+{
+    return ::mkdir(pathOf(location).constData(), S_IRWXU) == 0;
+}
+
+void removeFolder(const QUrl &location)
+{
+    const auto found = fileAt(location);
+    const QFileInfo info(location.toLocalFile());
+    if (found && info.isDir() && !info.isSymLink())
+        QDir(location.toLocalFile()).removeRecursively();
+}
+
+bool flushToDisk(const QUrl &location)
+{
+    const OpenPlainFile file(pathOf(location), O_RDONLY | O_NOFOLLOW);
+    if (!file.isOpen())
+        return false;
+#if defined(Q_OS_MACOS)
+    if (::fcntl(file.number(), F_FULLFSYNC) == 0)
+        return true;
+#endif
+    return ::fsync(file.number()) == 0;
+}
+
+void flushFolder(const QUrl &location)
+{
+    const OpenPlainFile folder(pathOf(location), O_RDONLY | O_DIRECTORY);
+    if (folder.isOpen())
+        ::fsync(folder.number());
 }
 
 qsizetype longestNameIn(const QString &folder)

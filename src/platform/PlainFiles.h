@@ -40,6 +40,16 @@ bool renameOver(const QUrl &from, const QUrl &to);
 /// Takes a name away; a link goes itself.
 bool removeName(const QUrl &location);
 
+/// Makes a folder that only its owner may look into; group and access list are inherited as for any other.
+/// False where the name is taken or can't be made.
+bool makePrivateFolder(const QUrl &location);
+/// Takes a folder away with all that is in it; links in it go themselves. What is not a folder stays.
+void removeFolder(const QUrl &location);
+/// Waits until the file's bytes are on the disk; false when they can't be brought there.
+bool flushToDisk(const QUrl &location);
+/// The same for the names in a folder. Some volumes can't do that, so it answers nothing.
+void flushFolder(const QUrl &location);
+
 /// How many bytes a name in that folder may have.
 qsizetype longestNameIn(const QString &folder);
 /// Whether a file of that name could not be made, as the name is too long for its folder.

@@ -159,6 +159,27 @@ tools::OptionList KXConverter::fittingLaunchForm(const tools::OptionList &meant)
     return fitting;
 }
 
+/// The list with every file of the job where it lies until it gets its name.
+tools::OptionList KXConverter::workingAside(const tools::OptionList &list) const
+{
+    tools::OptionList aside;
+    for (const tools::OptionItem &item : list)
+        aside.append(item.withFileAt([this](const QUrl &name) { return fileOf(name); }));
+    return aside;
+}
+
+QUrl KXConverter::fileOf(const QUrl &name) const
+{
+    return m_context.guard.fileOf(name);
+}
+
+/// Tools that drop files of their own drop them there too.
+QString KXConverter::toolFolder() const
+{
+    const QUrl folder = m_context.guard.workFolder();
+    return folder.isEmpty() ? appPreferences().workingFolder() : folder.toLocalFile();
+}
+
 /// Null, or why the tool must not be started.
 QString KXConverter::makeWay()
 {
@@ -168,7 +189,7 @@ QString KXConverter::makeWay()
                 input.toLocalFile());
     }
     for (const QUrl &name : namesToWrite()) {
-        const QString problem = m_context.guard.makeWayFor(name);
+        const QString problem = m_context.guard.prepare(name);
         if (!problem.isNull())
             return problem;
     }
@@ -184,12 +205,14 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     if (!m_refusal.isNull())
         return nullptr;
     m_context.guard.files().remove(logFileURL()); // that of the run before
-    const steps::Launch launch = launchOf(tool, options);
+    steps::Launch launch = launchOf(tool, options);
+    launch.launched = workingAside(launch.launched);
+    m_runs.append(launch);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.launched);
     request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
-    request.workingFolder = appPreferences().workingFolder();
+    request.workingFolder = toolFolder();
     setBackgroundReadStatus(0);
     setLogString(u""_s);
     m_logIsBegun = false;
@@ -291,10 +314,9 @@ QString KXConverter::makeLog()
 {
     if (!m_context.guard.hasClaimed(logFileURL()))
         return u"The log %1 is not the job's own, so nothing was started."_s.arg(logFileURL().toLocalFile());
-    const QString problem = m_context.guard.files().begin(logFileURL());
-    if (problem.isNull())
-        m_context.guard.files().write(logFileURL(), {});
-    return problem;
+    if (m_context.guard.files().write(logFileURL(), {}))
+        return {};
+    return u"The log %1 can't be written, so nothing was started."_s.arg(logFileURL().toLocalFile());
 }
 
 QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList &options)
@@ -305,12 +327,16 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
         m_refusal = makeLog();
     if (!m_refusal.isNull())
         return {};
-    const steps::Launch launch = launchOfLine(tool, options);
+    steps::Launch launch = launchOfLine(tool, options);
+    launch.launched = workingAside(launch.launched);
+    launch.line->launched =
+        tools::toolLine(tool, launch.launched, appPreferences(), tools::shellKind()).launched;
+    m_runs.append(launch);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(steps::runAsProcess(launch.launched));
     request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
-    request.workingFolder = appPreferences().workingFolder();
+    request.workingFolder = toolFolder();
     request.streams = ToolProcess::Streams::Merged;
     logObjectWithString(launch.line->meant, u"doShellScript String: "_s);
     m_background = m_context.launcher.start(launch, request);
@@ -356,24 +382,24 @@ void KXConverter::waitForBackgroundEnd(int milliseconds)
 
 bool KXConverter::stringFoundInLog(const QString &text) const
 {
-    if (!fileExistsAtURL(logFileURL()))
+    const QUrl log = fileOf(logFileURL());
+    if (!fileExistsAtURL(log))
         return false; // else the shell's complaint would be searched
     const tools::OptionItem pattern = tools::OptionItem(u"| grep ").withData(text, tools::Quoting::Single);
-    const QString found =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -20", pattern});
+    const QString found = doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {log, u"| tail -20", pattern});
     return found.contains(text);
 }
 
 QString KXConverter::lastTimeInLog() const
 {
     const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1", u"| grep time="});
     return steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
 }
 
 QString KXConverter::lastLogLine() const
 {
-    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1"});
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1"});
 }
 
 QString KXConverter::pollPercentage() const
@@ -479,6 +505,11 @@ void KXConverter::takeDuration(const QString &printed)
     setDurationInSeconds(seconds > 0 ? QString::number(seconds) : u"180"_s);
 }
 
+QString KXConverter::toldLog() const
+{
+    return m_context.guard.withFinalNames(logString());
+}
+
 QString KXConverter::withoutNames(QString log) const
 {
     for (const QUrl &file : {inputFileURL(), outputFileURL()}) {
@@ -501,10 +532,11 @@ steps::Outcome KXConverter::outcome() const
 
 steps::Outcome KXConverter::outcomeOfTool() const
 {
-    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, withoutNames(logString()));
+    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, withoutNames(toldLog()));
     if (ended.verdict == steps::Verdict::Failed)
         return ended;
-    const QString problem = steps::problemWithOutputs(m_tool, outputFiles(), outputFileURL());
+    const auto lies = [this](const QUrl &name) { return fileOf(name); };
+    const QString problem = steps::problemWithOutputs(m_tool, outputFiles(), outputFileURL(), lies);
     return problem.isNull() ? withNotes(ended) : steps::Outcome::failed(problem);
 }
 
@@ -513,7 +545,7 @@ steps::Outcome KXConverter::withNotes(steps::Outcome ended) const
 {
     const bool isSplit = converterSelection() && converterSelection()->jobType() == u"MKV Splitting"_s;
     if (m_tool.fileName().contains(u"mkvmerge"_s) && !isSplit) {
-        for (const QString &kind : media::kindsCountedEmpty(outputFileURL()))
+        for (const QString &kind : media::kindsCountedEmpty(fileOf(outputFileURL())))
             ended = ended.joinedWith(steps::Outcome::warnings(
                 u"There is nothing in the %1 track of %2."_s.arg(kind, outputFileURL().fileName())));
     }

@@ -127,9 +127,11 @@ public:
     virtual steps::Outcome outcome() const;
     /// What the step writes: its output, or the parts that are there of one that comes in parts.
     virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
+    /// Every run of its tools so far, as it was started.
+    const QList<steps::Launch> &runs() const { return m_runs; }
     /// What the tool is going to write, by claimed names.
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
-    /// What goes with the job.
+    /// What goes with the job, unless logs are kept: then it stays too.
     virtual QList<QUrl> temporaryFiles() const;
 
 Q_SIGNALS:
@@ -149,6 +151,12 @@ protected:
     steps::Launch launchOfLine(const QUrl &tool, const tools::OptionList &meant);
     /// The launch form of a list: what has to differ for the installed tool to succeed.
     virtual tools::OptionList launchForm(const tools::OptionList &meant);
+    /// The files of the job in a launched list lie in its work folder.
+    virtual tools::OptionList workingAside(const tools::OptionList &list) const;
+    /// Where a file of the job lies now; other locations are answered as they are.
+    QUrl fileOf(const QUrl &name) const;
+    /// What its tool has printed, by the final names of files.
+    QString toldLog() const;
     /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about
     /// by monitorConversion(); answers the process id, a null text for none.
     QString startInBackground(const QUrl &tool, const tools::OptionList &options);
@@ -181,6 +189,7 @@ private:
     void appendToLog(const QByteArray &bytes);
     QString lastTimeInLog() const;
     QString makeWay();
+    QString toolFolder() const;
     QString makeLog();
     void takeDuration(const QString &answer);
     steps::DurationLooks &durations();
@@ -191,6 +200,7 @@ private:
     steps::ConverterContext m_context;
     QString m_refusal;
     QUrl m_tool;
+    QList<steps::Launch> m_runs;
     tools::ToolProcessPointer m_background;
     std::atomic_bool m_backgroundRuns = false; ///< read by a job's monitor thread
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};

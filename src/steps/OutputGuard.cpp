@@ -1,6 +1,7 @@
 #include "steps/OutputGuard.h"
 
 #include "platform/FileIdentity.h"
+#include "steps/LeftOvers.h"
 #include "steps/OutputRegistry.h"
 
 #include <QFileInfo>
@@ -31,7 +32,8 @@ bool isTooLong(const QUrl &location, OutputForm form)
 OutputGuard::OutputGuard(OutputRegistry &registry, WhenTaken whenTaken)
     : m_registry(registry)
     , m_whenTaken(whenTaken)
-    , m_files([this](const QUrl &location) { return claimOf(location); })
+    , m_files([this](const QUrl &name) { return workPlaceOf(name); },
+              [this](const QUrl &name) { return madePlaceOf(name); })
 {
 }
 
@@ -59,18 +61,18 @@ bool OutputGuard::isInput(const QUrl &location) const
 
 bool OutputGuard::isFree(const QUrl &location, OutputForm form) const
 {
-    const bool stands =
-        form == OutputForm::NumberedParts ? !partsOf(location).isEmpty() : platform::isTakenName(location);
+    const bool stands = form == OutputForm::NumberedParts ? !steps::partsOf(location).isEmpty()
+                                                          : platform::isTakenName(location);
     return !stands && !hasClaimed(location) && !m_registry.isTaken(location, this);
 }
 
-QUrl OutputGuard::nextFree(const QUrl &wanted, OutputForm form) const
+QUrl OutputGuard::nextFree(const QUrl &wanted, OutputForm form, const QSet<QUrl> &except) const
 {
-    if (isFree(wanted, form) && !isTooLong(wanted, form))
+    if (isFree(wanted, form) && !isTooLong(wanted, form) && !except.contains(wanted))
         return wanted;
     for (int number = 2;; ++number) {
         const QUrl candidate = withMark(wanted, u" (%1)"_s.arg(number), numberOfPart(form).size());
-        if (isFree(candidate, form))
+        if (isFree(candidate, form) && !except.contains(candidate))
             return candidate;
     }
 }
@@ -101,7 +103,7 @@ QString OutputGuard::refusalForParts(const QUrl &wanted) const
     if (isOthers)
         return u"The output %1 belongs to another job or open file, so nothing was started."_s.arg(
             wanted.toLocalFile());
-    for (const QUrl &part : partsOf(wanted)) {
+    for (const QUrl &part : steps::partsOf(wanted)) {
         const QString refusal = refusalFor(part);
         if (!refusal.isNull())
             return refusal;
@@ -109,21 +111,62 @@ QString OutputGuard::refusalForParts(const QUrl &wanted) const
     return {};
 }
 
+QString OutputGuard::refusalOf(const QUrl &wanted, OutputForm form) const
+{
+    return form == OutputForm::NumberedParts ? refusalForParts(wanted) : refusalFor(wanted);
+}
+
+/// The name is looked at once more behind the claim: another program may have finished it just before.
 OutputGuard::Claim OutputGuard::claimOutput(const QUrl &wanted, OutputForm form)
 {
-    Claim claim;
     if (isTooLong(wanted, form)) {
         const QString sentence = u"The name of the output %1 would be too long, so nothing was started."_s;
         return {wanted, sentence.arg(wanted.toLocalFile())};
     }
-    claim.url = m_whenTaken == WhenTaken::NextFreeName ? nextFree(wanted, form) : wanted;
-    claim.refusal = form == OutputForm::NumberedParts ? refusalForParts(claim.url) : refusalFor(claim.url);
-    if (!claim.refusal.isNull())
-        return claim;
-    take(claim.url);
-    if (form == OutputForm::NumberedParts)
-        m_inParts.append(claim.url);
-    return claim;
+    clearLeftOversBeside(wanted);
+    const bool mayDiffer = m_whenTaken == WhenTaken::NextFreeName;
+    QSet<QUrl> others;
+    for (;;) {
+        Claim claim{mayDiffer ? nextFree(wanted, form, others) : wanted, {}};
+        claim.refusal = refusalOf(claim.url, form);
+        if (claim.refusal.isNull() && !m_isPlan)
+            claim.refusal = claimOnDisk(claim.url, form);
+        if (claim.refusal.isNull())
+            take(claim.url);
+        if (claim.refusal.isNull() && form == OutputForm::NumberedParts)
+            m_inParts.append(claim.url);
+        if (claim.refusal.isNull() || !mayDiffer || others.contains(claim.url) || !m_isTakenElsewhere)
+            return claim;
+        others.insert(claim.url);
+    }
+}
+
+/// Before names are given: the renames of a job that was cut short may be finished by it.
+void OutputGuard::clearLeftOversBeside(const QUrl &name)
+{
+    if (m_folder || m_isPlan)
+        return;
+    folderFor(name);
+    clearLeftOvers(m_folder->parent());
+}
+
+/// Null, or why the name can't be held against other programs.
+QString OutputGuard::claimOnDisk(const QUrl &name, OutputForm form)
+{
+    const OutputClaims::Answer answer = m_claims.take(name);
+    m_isTakenElsewhere = answer == OutputClaims::Answer::Taken;
+    const QString path = name.toLocalFile();
+    if (m_isTakenElsewhere)
+        return u"The output %1 is being made by another program, so nothing was started."_s.arg(path);
+    if (answer == OutputClaims::Answer::Impossible)
+        return u"The output %1 can't be made, as its folder takes no file, so nothing was started."_s.arg(
+            path);
+    const QString refusal = refusalOf(name, form);
+    if (!refusal.isNull()) {
+        m_claims.release(name);
+        m_isTakenElsewhere = true;
+    }
+    return refusal;
 }
 
 void OutputGuard::take(const QUrl &location)
@@ -155,87 +198,147 @@ QUrl OutputGuard::outputOfPart(const QUrl &location) const
     return found == m_inParts.end() ? QUrl() : *found;
 }
 
-/// The plain name of an output in parts is never written.
-QString OutputGuard::claimOf(const QUrl &location) const
+WorkFolder &OutputGuard::folderFor(const QUrl &name) const
 {
-    if (location.toLocalFile().isEmpty() || isInput(location) || m_inParts.contains(location))
-        return {};
-    if (m_claimed.contains(placeKey(location)))
-        return placeKey(location);
-    const QUrl output = outputOfPart(location);
-    return output.isEmpty() ? QString() : placeKey(output) + u'/';
+    if (!m_folder)
+        m_folder =
+            std::make_unique<WorkFolder>(QUrl::fromLocalFile(QFileInfo(name.toLocalFile()).absolutePath()));
+    return *m_folder;
 }
 
-QString OutputGuard::makeWayFor(const QUrl &output)
+QUrl OutputGuard::workPlaceOf(const QUrl &name) const
+{
+    if (m_published.contains(placeKey(name)))
+        return name;
+    if (!hasClaimed(name) || !m_folder || !m_folder->isMade())
+        return {};
+    const QUrl output = outputOfPart(name);
+    if (output.isEmpty())
+        return m_folder->placeOf(name);
+    const QString number = partPattern(output).match(QFileInfo(name.toLocalFile()).fileName()).captured(1);
+    return withMark(m_folder->placeOf(output), u'-' + number);
+}
+
+QUrl OutputGuard::madePlaceOf(const QUrl &name)
+{
+    if (!hasClaimed(name) || m_isPlan || isInput(name) || !folderFor(name).make())
+        return {};
+    return workPlaceOf(name);
+}
+
+QString OutputGuard::prepare(const QUrl &output)
 {
     if (!hasClaimed(output))
         return {};
-    const bool isInParts = m_inParts.contains(output);
-    for (const QUrl &place : isInParts ? partsOf(output) : QList<QUrl>{output}) {
-        const QString problem = setAside(place);
-        if (!problem.isNull())
-            return problem;
-    }
-    return isInParts ? beginParts(output) : m_files.begin(output);
-}
-
-/// All parts are begun by one of them.
-QString OutputGuard::beginParts(const QUrl &output)
-{
-    for (const QUrl &part : partsOf(output)) {
-        const QString problem = m_files.begin(part);
-        if (!problem.isNull())
-            return problem;
-    }
-    return m_files.begin(withMark(output, u"-001"_s));
-}
-
-QString OutputGuard::setAside(const QUrl &output)
-{
-    if (m_whenTaken != WhenTaken::Replace || !platform::isTakenName(output) || !hasClaimed(output))
-        return {};
-    if (m_files.isOwn(output))
-        return {}; // a second pass, or a retry, writes over its own first try
-    const QUrl aside = claimFree(withMark(output, u" (replaced)"_s));
-    if (!m_files.setAside(output, aside))
-        return u"The old %1 can't be set aside, so nothing was started."_s.arg(output.toLocalFile());
-    m_replaced.append({output, aside});
+    if (madePlaceOf(output).isEmpty())
+        return u"The output %1 can't be made, as its folder takes no file, so nothing was started."_s.arg(
+            output.toLocalFile());
+    for (const QUrl &part : m_inParts.contains(output) ? partsOf(output) : QList<QUrl>{output})
+        m_files.remove(part);
     return {};
 }
 
-void OutputGuard::forgetReplaced()
+QUrl OutputGuard::fileOf(const QUrl &name) const
 {
-    for (const Replaced &replaced : std::as_const(m_replaced)) {
-        if (platform::isTakenName(replaced.place))
-            m_files.remove(replaced.aside);
-        else // nothing came in its place after all
-            m_files.giveBack(replaced.aside, replaced.place);
-    }
-    m_replaced.clear();
+    const QUrl place = workPlaceOf(name);
+    return place.isEmpty() ? name : place;
 }
 
-QList<std::pair<QUrl, QUrl>> OutputGuard::putBackReplaced()
+QUrl OutputGuard::workFolder() const
 {
-    QList<std::pair<QUrl, QUrl>> moved;
-    for (const Replaced &replaced : std::as_const(m_replaced)) {
-        if (platform::isTakenName(replaced.place)) {
-            const QUrl incomplete = claimFree(withMark(replaced.place, u" (incomplete)"_s));
-            if (!m_files.rename(replaced.place, incomplete))
-                continue; // both stay where they are, so nothing is lost
-            moved.append({replaced.place, incomplete});
-        }
-        m_files.giveBack(replaced.aside, replaced.place);
+    return m_folder && m_folder->isMade() ? m_folder->folder() : QUrl();
+}
+
+QString OutputGuard::withFinalNames(const QString &text) const
+{
+    return m_folder ? m_folder->withFinalNames(text) : text;
+}
+
+QList<QUrl> OutputGuard::partsOf(const QUrl &output) const
+{
+    QList<QUrl> parts;
+    for (const QUrl &part : steps::partsOf(fileOf(output))) {
+        const auto number = partPattern(fileOf(output)).match(QFileInfo(part.toLocalFile()).fileName());
+        parts.append(withMark(output, u'-' + number.captured(1)));
     }
-    m_replaced.clear();
-    return moved;
+    return parts;
+}
+
+QList<Publication> OutputGuard::publicationsOf(const QList<QUrl> &names) const
+{
+    QList<Publication> publications;
+    for (const QUrl &name : names) {
+        Publication publication{fileOf(name), name, std::nullopt};
+        if (m_whenTaken == WhenTaken::Replace)
+            publication.replaced = platform::fileAt(name);
+        publications.append(publication);
+    }
+    return publications;
+}
+
+/// Somebody may have cleared the claim away meanwhile, and another one have taken it.
+QString OutputGuard::problemWithPublishing(const QList<QUrl> &names) const
+{
+    for (const QUrl &name : names) {
+        const QUrl output = outputOfPart(name);
+        if (!m_claims.isStillHeld(output.isEmpty() ? name : output))
+            return u"The name %1 was taken by another program meanwhile."_s.arg(name.toLocalFile());
+    }
+    return {};
+}
+
+void OutputGuard::published(const QList<QUrl> &names)
+{
+    for (const QUrl &name : names)
+        m_published.insert(placeKey(name));
+}
+
+/// Gives the file of a name another one, with the next number where that is taken too.
+QUrl OutputGuard::moved(const QUrl &name, const QUrl &to)
+{
+    const QUrl file = fileOf(name);
+    if (!platform::fileAt(file) || file == name)
+        return {};
+    constexpr int mostTries = 100;
+    for (int tries = 0; tries < mostTries; ++tries) {
+        const QUrl free = tries == 0 && to == name && !platform::fileAt(name) ? name : nextFree(to);
+        if (platform::renameToFreeName(file, free)) {
+            take(free);
+            m_published.insert(placeKey(free));
+            return free;
+        }
+        if (!platform::fileAt(free))
+            return {}; // it is not the name
+    }
+    return {};
+}
+
+QUrl OutputGuard::renamed(const QUrl &name)
+{
+    if (m_whenTaken != WhenTaken::NextFreeName)
+        return {};
+    const Claim claim = claimOutput(name);
+    return claim.refusal.isNull() ? claim.url : QUrl();
+}
+
+QUrl OutputGuard::keepIncomplete(const QUrl &name)
+{
+    return moved(name, withMark(name, u" (incomplete)"_s));
+}
+
+QUrl OutputGuard::keep(const QUrl &name)
+{
+    return moved(name, name);
 }
 
 void OutputGuard::release()
 {
+    m_folder.reset();
+    m_claims.releaseAll();
     m_registry.release(this);
     m_claimed.clear();
+    m_published.clear();
     m_inParts.clear();
-    m_files.clear();
 }
 
 } // namespace steps

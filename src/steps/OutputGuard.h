@@ -1,11 +1,16 @@
 #pragma once
 
 #include "steps/FreeNames.h"
+#include "steps/OutputClaims.h"
 #include "steps/OwnFiles.h"
+#include "steps/PublishList.h"
+#include "steps/WorkFolder.h"
 
 #include <QList>
 #include <QSet>
 #include <QUrl>
+
+#include <memory>
 
 namespace steps {
 
@@ -15,14 +20,15 @@ class OutputRegistry;
 enum class WhenTaken {
     NextFreeName, ///< "a (2).m4v": the window and watch mode
     Refuse,       ///< the step does not start
-    Replace       ///< the old file is set aside, and put back unless the job ends well
+    Replace       ///< the old file stays until the new one takes its place
 };
 
 /// Whether a tool writes its output under that name, or numbers it in parts: "a-001.mkv", "a-002.mkv".
 enum class OutputForm { OneFile, NumberedParts };
 
-/// Keeps one job from ever harming a file: it gives names that are free, refuses outputs that are
-/// inputs, sets replaced files aside and puts them back. Owned by its job; main thread only.
+/// Keeps one job from ever harming a file: it gives names that are free, holds them against other jobs and
+/// programs, refuses outputs that are inputs, and says where a file lies until it gets its name. Owned by its
+/// job; main thread only.
 class OutputGuard final
 {
 public:
@@ -37,6 +43,8 @@ public:
     OutputGuard(const OutputGuard &) = delete;
     OutputGuard &operator=(const OutputGuard &) = delete;
 
+    /// Names are given and nothing is made: for a job that is not started.
+    void planOnly() { m_isPlan = true; }
     void setInputs(const QList<QUrl> &inputs);
     bool isInput(const QUrl &location) const;
     const QList<QUrl> &inputs() const { return m_inputs; }
@@ -51,42 +59,64 @@ public:
     OwnFiles &files() { return m_files; }
     const OwnFiles &files() const { return m_files; }
 
-    /// Right before the tool starts: moves a file that is to be replaced out of the way, and takes the
-    /// name for the job's own. Answers a null text, or why that was not possible. A name that was not
-    /// claimed is left alone.
-    QString makeWayFor(const QUrl &output);
-    /// The job ended well: what was set aside goes.
-    void forgetReplaced();
-    /// It did not: what was set aside returns, and what stands in its place takes another name.
-    /// Answers where that incomplete output is now, for each name that changed.
-    QList<std::pair<QUrl, QUrl>> putBackReplaced();
-    /// Gives the names free for others.
+    /// Right before the tool starts: makes what the file will lie in, and removes a try before this one. A
+    /// null text, or why the tool must not be started. A name that was not claimed is left alone.
+    QString prepare(const QUrl &output);
+    /// Where the file of a claimed name lies now: in the work folder, until it gets its name. Any other
+    /// location is answered as it is.
+    QUrl fileOf(const QUrl &name) const;
+    /// The folder in which the job's tools work; empty until it is made.
+    QUrl workFolder() const;
+    /// The text of a tool with the final names in the place of those in the work folder.
+    QString withFinalNames(const QString &text) const;
+    /// The parts that are there of an output that comes in parts, by their final names.
+    QList<QUrl> partsOf(const QUrl &output) const;
+
+    // The end of a job.
+    /// What has to be done to give those finished files their names.
+    QList<Publication> publicationsOf(const QList<QUrl> &names) const;
+    /// Why they must not get them; a null text when they may.
+    QString problemWithPublishing(const QList<QUrl> &names) const;
+    /// Another name for a file whose own was taken meanwhile; empty where that is not wanted.
+    QUrl renamed(const QUrl &name);
+    /// They have them.
+    void published(const QList<QUrl> &names);
+    /// Moves a file that is not whole to a name that says so, which is answered; empty where that was not
+    /// possible.
+    QUrl keepIncomplete(const QUrl &name);
+    /// Gives a file its name, or the next one that is free, which is answered; empty where that was not
+    /// possible.
+    QUrl keep(const QUrl &name);
+    /// All that has not got its name goes, and names are free for others.
     void release();
 
 private:
-    struct Replaced
-    {
-        QUrl place;
-        QUrl aside;
-    };
+    QUrl workPlaceOf(const QUrl &name) const;
+    QUrl madePlaceOf(const QUrl &name);
+    WorkFolder &folderFor(const QUrl &name) const;
     bool isFree(const QUrl &location, OutputForm form) const;
-    QUrl nextFree(const QUrl &wanted, OutputForm form = OutputForm::OneFile) const;
+    QUrl nextFree(const QUrl &wanted, OutputForm form = OutputForm::OneFile,
+                  const QSet<QUrl> &except = {}) const;
     QString refusalFor(const QUrl &wanted) const;
     QString refusalForTaken(const QString &path) const;
     QString refusalForParts(const QUrl &wanted) const;
+    QString refusalOf(const QUrl &wanted, OutputForm form) const;
+    void clearLeftOversBeside(const QUrl &name);
+    QString claimOnDisk(const QUrl &name, OutputForm form);
     QUrl outputOfPart(const QUrl &location) const;
-    /// The claim that covers a name that may be written, as a key; empty where there is none.
-    QString claimOf(const QUrl &location) const;
-    QString setAside(const QUrl &output);
-    QString beginParts(const QUrl &output);
+    QUrl moved(const QUrl &name, const QUrl &to);
     void take(const QUrl &location);
 
     OutputRegistry &m_registry;
     WhenTaken m_whenTaken;
+    bool m_isPlan = false;
+    bool m_isTakenElsewhere = false; ///< why the last claim failed
     QList<QUrl> m_inputs;
-    QSet<QString> m_claimed; // by canonical folder and name
-    QList<QUrl> m_inParts;   // outputs that come in numbered parts
-    QList<Replaced> m_replaced;
+    QSet<QString> m_claimed;   // by canonical folder and name
+    QSet<QString> m_published; // the same
+    QList<QUrl> m_inParts;     // outputs that come in numbered parts
+    OutputClaims m_claims;
+    mutable std::unique_ptr<WorkFolder> m_folder; ///< beside the first output; made when it is needed
     OwnFiles m_files;
 };
 

@@ -1,152 +1,95 @@
 #include "steps/OwnFiles.h"
 
 #include "platform/FileIdentity.h"
-
-using namespace Qt::StringLiterals;
-using platform::placeKey;
+#include "platform/PlainFiles.h"
 
 namespace steps {
 
-OwnFiles::OwnFiles(const ClaimOf &claimOf)
-    : m_claimOf(claimOf)
+namespace {
+
+bool isPlainFileAt(const QUrl &place)
+{
+    const auto found = platform::fileAt(place);
+    return found && found->isPlain;
+}
+
+} // namespace
+
+OwnFiles::OwnFiles(const PlaceOf &placeOf, const PlaceOf &madePlaceOf)
+    : m_placeOf(placeOf)
+    , m_madePlaceOf(madePlaceOf)
 {
 }
 
 void OwnFiles::setPrivateFolder(const QString &path)
 {
-    m_privateFolder = path.isEmpty() ? QString() : platform::canonicalKey(QUrl::fromLocalFile(path)) + u'/';
+    m_privateFolder =
+        path.isEmpty() ? QString() : platform::canonicalKey(QUrl::fromLocalFile(path)) + QChar(u'/');
 }
 
 bool OwnFiles::isPrivate(const QUrl &name) const
 {
-    return !m_privateFolder.isEmpty() && placeKey(name).startsWith(m_privateFolder);
+    return !m_privateFolder.isEmpty() && platform::placeKey(name).startsWith(m_privateFolder);
+}
+
+QUrl OwnFiles::placeOf(const QUrl &name) const
+{
+    return isPrivate(name) ? name : m_placeOf(name);
+}
+
+QUrl OwnFiles::madePlaceOf(const QUrl &name)
+{
+    return isPrivate(name) ? name : m_madePlaceOf(name);
 }
 
 bool OwnFiles::isOwn(const QUrl &name) const
 {
-    const auto found = platform::fileAt(name);
-    const QString claim = m_claimOf(name);
-    const QString key = placeKey(name);
-    if (!found || m_returned.contains(key) || (claim.isEmpty() && !isPrivate(name)))
-        return false;
-    const auto made = m_made.constFind(key);
-    if (made != m_made.constEnd())
-        return found->isSameAs(*made);
-    return found->isPlain && (isPrivate(name) || m_begun.contains(claim));
-}
-
-QString OwnFiles::begin(const QUrl &name)
-{
-    if (platform::fileAt(name) && !isOwn(name))
-        return u"%1 exists already, so nothing was started."_s.arg(name.toLocalFile());
-    const QString claim = m_claimOf(name);
-    if (!claim.isEmpty())
-        m_begun.insert(claim);
-    return {};
-}
-
-void OwnFiles::keep(const QUrl &name, const platform::FileId &file)
-{
-    m_made.insert(placeKey(name), file);
-    m_returned.remove(placeKey(name));
+    const QUrl place = placeOf(name);
+    return !place.isEmpty() && isPlainFileAt(place);
 }
 
 bool OwnFiles::create(const QUrl &name, const QByteArray &content)
 {
-    if (m_claimOf(name).isEmpty() && !isPrivate(name))
-        return false;
-    const auto file = platform::createFile(name, content);
-    if (file)
-        keep(name, *file);
-    return file.has_value();
-}
-
-/// The old try of the job goes; true when the name is free then.
-bool OwnFiles::makeRoomAt(const QUrl &name)
-{
-    return !platform::fileAt(name) || remove(name);
+    const QUrl place = madePlaceOf(name);
+    return !place.isEmpty() && platform::createFile(place, content);
 }
 
 bool OwnFiles::write(const QUrl &name, const QByteArray &content)
 {
-    return makeRoomAt(name) && create(name, content);
+    remove(name);
+    return create(name, content);
 }
 
 bool OwnFiles::copy(const QUrl &from, const QUrl &name)
 {
-    if ((m_claimOf(name).isEmpty() && !isPrivate(name)) || !makeRoomAt(name))
-        return false;
-    const auto file = platform::copyPlainFile(from, name);
-    if (file)
-        keep(name, *file);
-    return file.has_value();
+    const QUrl own = placeOf(from);
+    remove(name);
+    const QUrl place = madePlaceOf(name);
+    return !place.isEmpty() && platform::copyPlainFile(own.isEmpty() ? from : own, place);
 }
 
-bool OwnFiles::link(const QUrl &to, const QUrl &name) const
+bool OwnFiles::link(const QUrl &to, const QUrl &name)
 {
-    return isPrivate(name) && platform::makeLink(to, name);
+    const QUrl place = madePlaceOf(name);
+    return !place.isEmpty() && platform::makeLink(to, place);
 }
 
 bool OwnFiles::append(const QUrl &name, const QByteArray &bytes) const
 {
-    const auto made = m_made.constFind(placeKey(name));
-    return made != m_made.constEnd() && isOwn(name) && platform::appendToFile(name, *made, bytes);
+    const QUrl place = placeOf(name);
+    const auto found = place.isEmpty() ? std::nullopt : platform::fileAt(place);
+    return found && platform::appendToFile(place, *found, bytes);
 }
 
 bool OwnFiles::remove(const QUrl &name)
 {
-    if (!isOwn(name) || !platform::removeName(name))
-        return false;
-    m_made.remove(placeKey(name));
-    return true;
-}
-
-void OwnFiles::moveRecord(const QUrl &from, const QUrl &to)
-{
-    m_made.remove(placeKey(from));
-    if (const auto file = platform::fileAt(to))
-        keep(to, *file);
-}
-
-bool OwnFiles::rename(const QUrl &from, const QUrl &to)
-{
-    if (!isOwn(from) || m_claimOf(to).isEmpty() || !platform::renameToFreeName(from, to))
-        return false;
-    moveRecord(from, to);
-    return true;
+    return isOwn(name) && platform::removeName(placeOf(name));
 }
 
 bool OwnFiles::renameOver(const QUrl &from, const QUrl &to)
 {
-    if (!isOwn(from) || !isOwn(to) || !platform::renameOver(from, to))
-        return false;
-    moveRecord(from, to);
-    return true;
-}
-
-bool OwnFiles::setAside(const QUrl &place, const QUrl &aside)
-{
-    if (m_claimOf(place).isEmpty() || m_claimOf(aside).isEmpty() || !platform::renameToFreeName(place, aside))
-        return false;
-    moveRecord(place, aside);
-    return true;
-}
-
-bool OwnFiles::giveBack(const QUrl &aside, const QUrl &place)
-{
-    if (!isOwn(aside) || !platform::renameToFreeName(aside, place))
-        return false;
-    m_made.remove(placeKey(aside));
-    m_made.remove(placeKey(place));
-    m_returned.insert(placeKey(place));
-    return true;
-}
-
-void OwnFiles::clear()
-{
-    m_made.clear();
-    m_begun.clear();
-    m_returned.clear();
+    const QUrl place = madePlaceOf(to);
+    return isOwn(from) && !place.isEmpty() && platform::renameOver(placeOf(from), place);
 }
 
 } // namespace steps

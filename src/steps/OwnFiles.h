@@ -1,65 +1,50 @@
 #pragma once
 
-#include "platform/PlainFiles.h"
-
-#include <QHash>
-#include <QSet>
+#include <QUrl>
 
 #include <functional>
 
 namespace steps {
 
-/// The files that one job made itself, and the only place that writes, appends to, renames or deletes any.
-/// Everything is refused for a name that the job has not claimed, for a file that it did not make, and
-/// through a link. Owned by the job's OutputGuard, which knows the claims; main thread only.
+/// The files that one job made itself, and the only place that writes, appends to, renames or deletes any of
+/// them. They lie in folders that are the job's alone until they get their final names; a name that the job
+/// has not claimed, and whatever stands outside those folders, is never touched. Owned by the job's
+/// OutputGuard; main thread only.
 class OwnFiles final
 {
 public:
-    /// Answers which claim of the job covers a name (a key), or an empty text.
-    using ClaimOf = std::function<QString(const QUrl &)>;
+    /// Where the file of a claimed name lies now; empty for a name that is not claimed, or has nothing to lie
+    /// in.
+    using PlaceOf = std::function<QUrl(const QUrl &)>;
+    /// The same, after making what it lies in.
+    explicit OwnFiles(const PlaceOf &placeOf, const PlaceOf &madePlaceOf);
 
-    explicit OwnFiles(const ClaimOf &claimOf);
-
-    /// Names in that folder, which is the job's alone, are as good as claimed and begun.
+    /// Names in that folder, which is the job's alone, are taken as they stand.
     void setPrivateFolder(const QString &path);
-    /// Whether what stands at that name was made by the job.
+    /// Whether a plain file of the job stands there.
     bool isOwn(const QUrl &name) const;
 
-    /// Right before a tool that will write there: from here on what comes at that name counts as made by the
-    /// job. Null, or a sentence where something else stands there.
-    QString begin(const QUrl &name);
     /// Writes a new file; false where anything stands.
     bool create(const QUrl &name, const QByteArray &content = {});
     /// The same; a file that the job made there before is replaced.
     bool write(const QUrl &name, const QByteArray &content);
+    /// Copies a plain file, which may be another one of the job, by its name.
     bool copy(const QUrl &from, const QUrl &name);
-    /// Makes a link to a file, in the folder that is the job's alone.
-    bool link(const QUrl &to, const QUrl &name) const;
-    /// Appends to a file that the job created or wrote itself.
+    /// Makes a link to a file.
+    bool link(const QUrl &to, const QUrl &name);
     bool append(const QUrl &name, const QByteArray &bytes) const;
     bool remove(const QUrl &name);
-    /// Never over anything.
-    bool rename(const QUrl &from, const QUrl &to);
     /// A file of the job takes the place of another one of it.
     bool renameOver(const QUrl &from, const QUrl &to);
 
-    /// Moves somebody's file out of the way, to a claimed name: it may go from there later.
-    bool setAside(const QUrl &place, const QUrl &aside);
-    /// Moves it back. From here on neither name is the job's.
-    bool giveBack(const QUrl &aside, const QUrl &place);
-    void clear();
-
 private:
     bool isPrivate(const QUrl &name) const;
-    bool makeRoomAt(const QUrl &name);
-    void keep(const QUrl &name, const platform::FileId &file);
-    void moveRecord(const QUrl &from, const QUrl &to);
+    QUrl placeOf(const QUrl &name) const;
+    QUrl madePlaceOf(const QUrl &name);
 
-    ClaimOf m_claimOf;
-    QString m_privateFolder;                 // canonical; ends in "/"
-    QHash<QString, platform::FileId> m_made; // by name
-    QSet<QString> m_begun;                   // claims
-    QSet<QString> m_returned;                // names
+    PlaceOf m_placeOf;
+    PlaceOf m_madePlaceOf;
+    QString m_privateFolder; // canonical; ends in "/"
 };
 
 } // namespace steps

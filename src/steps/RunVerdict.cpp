@@ -41,7 +41,8 @@ Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QStr
         sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
 }
 
-QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted)
+QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted,
+                           const std::function<QUrl(const QUrl &)> &fileOf)
 {
     const auto lacks = [&](const QString &sentence, const QUrl &file) {
         return sentence.arg(tool.fileName(), file.fileName());
@@ -49,12 +50,13 @@ QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const Q
     if (outputs.isEmpty())
         return lacks(u"%1 ended without writing %2."_s, wanted);
     for (const QUrl &file : outputs) {
-        const QFileInfo output(file.toLocalFile());
+        const QUrl place = fileOf(file);
+        const QFileInfo output(place.toLocalFile());
         if (!output.exists())
             return lacks(u"%1 ended without writing %2."_s, file);
         if (output.size() == 0)
             return lacks(u"%1 wrote nothing into %2."_s, file);
-        if (media::isMatroskaWithoutPackets(file))
+        if (media::isMatroskaWithoutPackets(place))
             return lacks(u"%1 wrote only headers into %2, and nothing of any track."_s, file);
     }
     return {};

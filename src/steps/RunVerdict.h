@@ -6,6 +6,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <functional>
+
 namespace steps {
 
 /// How a run of a tool ended, by its exit status; the tool's words in its log only say why. Without a process
@@ -13,7 +15,8 @@ namespace steps {
 Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QString &log);
 
 /// What is wrong with the outputs of a run that ended well, or a null text. Where none is there, the wanted
-/// one is named.
-QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted);
+/// one is named. Another function says where each of them lies.
+QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted,
+                           const std::function<QUrl(const QUrl &)> &fileOf);
 
 } // namespace steps

@@ -113,6 +113,23 @@ OptionItem OptionItem::withReplaced(Literal from, Literal to) const
     return item;
 }
 
+OptionItem OptionItem::withFileAt(const std::function<QUrl(const QUrl &)> &placeOf) const
+{
+    OptionItem item(*this);
+    if (m_isFile)
+        item.m_file = placeOf(m_file);
+    else if (m_hasData && !m_isTitle && m_data.startsWith(u'/'))
+        item.m_data = placeOf(QUrl::fromLocalFile(m_data)).toLocalFile();
+    return item;
+}
+
+OptionItem OptionItem::withPathReplaced(const QString &from, const QString &to) const
+{
+    OptionItem item(*this);
+    item.m_data.replace(from, to);
+    return item;
+}
+
 /// The word at the data's place holds it, and what stands in front of and behind it without a blank.
 QList<OptionItem> OptionItem::words() const
 {

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
+
 namespace tools {
 
 /// How a list shows a text that came from a file.
@@ -68,6 +70,10 @@ public:
     QString shown() const;
     /// The item on the shell line that runs: the same, with data the shell can't read as syntax.
     QString safe() const;
+    /// The same item for a file that lies elsewhere: a location, or data that is its path.
+    OptionItem withFileAt(const std::function<QUrl(const QUrl &)> &placeOf) const;
+    /// The same item with a path within its data replaced.
+    OptionItem withPathReplaced(const QString &from, const QString &to) const;
     /// The same item with its title cut to so many bytes of UTF-8, at a whole character.
     OptionItem withTitleCutTo(qsizetype bytes) const;
     /// A string cut at the blanks of its raw text; its data never parts. A file location stays whole.

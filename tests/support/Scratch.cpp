@@ -41,4 +41,11 @@ QStringList Scratch::names() const
                                   QDir::Name);
 }
 
+QStringList Scratch::shownNames() const
+{
+    QStringList shown = names();
+    shown.removeIf([](const QString &name) { return name.startsWith(u".tessaray-"_s); });
+    return shown;
+}
+
 } // namespace support

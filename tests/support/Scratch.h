@@ -16,6 +16,8 @@ public:
     QString write(const QString &name, const QByteArray &content) const;
     QByteArray read(const QString &name) const;
     QStringList names() const;
+    /// The same without work folders and claims of jobs.
+    QStringList shownNames() const;
 
 private:
     QTemporaryDir m_folder;

@@ -83,7 +83,7 @@ void KXConvertWithFfmpegJob::startJob()
         startConversion(m_converter);
 }
 
-QList<steps::Launch> KXConvertWithFfmpegJob::plan()
+QList<steps::Launch> KXConvertWithFfmpegJob::planned()
 {
     const auto converter = begin();
     if (!converter)
@@ -207,16 +207,8 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
     if (outcome.verdict == steps::Verdict::Failed)
         addOutcome(outcome);
     else if (keeping == KXConverter::Keeping::TheOutput)
-        keepFiles(dumper->outputFiles());
+        keepOutputOf(*dumper);
     return dumper->outputFileURL();
-}
-
-/// What was to go with the job if it had been stopped meanwhile now stays.
-void KXConvertWithFfmpegJob::keepFiles(const QList<QUrl> &kept)
-{
-    QList<QUrl> files = tempFilesToDeleteList();
-    files.removeIf([&](const QUrl &file) { return kept.contains(file); });
-    setTempFilesToDeleteList(files);
 }
 
 /// Keeps a window painting while it waits. A missing id counts as finished.

@@ -25,7 +25,7 @@ public:
     explicit KXConvertWithFfmpegJob(const jobs::JobContext &context);
 
     void startJob() override;
-    QList<steps::Launch> plan() override;
+    QList<steps::Launch> planned() override;
     void monitorNotifications(const KXNotification &notification) override;
     QString refusal() const override;
 
@@ -60,7 +60,6 @@ private:
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
     void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
-    void keepFiles(const QList<QUrl> &kept);
     void waitForBackground(KXConverter &converter);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);

@@ -45,15 +45,20 @@ void KXFfmpegConverter::initializeFor(const SelectionPointer &selection)
     setAppName(engines::appNameForDevice(selection->theDevice()));
 }
 
-/// Where the output would be a source, its base keeps the extension: "a.mkv" to MKV is "a.mkv.mkv".
 QUrl KXFfmpegConverter::wantedOutput() const
 {
     const OutputKind kind = engines::outputKindNamed(appName());
     const QString device = converterSelection()->theDevice();
-    const QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device);
-    if (!context().guard.isInput(wanted))
-        return wanted;
-    return engines::outputForBase(outputFileURL().toLocalFile(), kind, device);
+    return besideSources(engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device));
+}
+
+/// Where that is a source, the job's own name is "a (2).mkv".
+QUrl KXFfmpegConverter::besideSources(const QUrl &wanted) const
+{
+    QUrl name = wanted;
+    for (int number = 2; context().guard.isInput(name); ++number)
+        name = steps::withMark(wanted, u" (%1)"_s.arg(number));
+    return name;
 }
 
 void KXFfmpegConverter::prepareNames(const QUrl &wanted)
@@ -187,10 +192,8 @@ bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &select
     const QString suffix = engines::singleTrackSuffix(track);
     // No device has a file extension of its own here, "Xbox" included.
     const OutputKind kind = engines::outputKindNamed(appName());
-    QUrl wanted = engines::outputForBase(engines::withoutExtension(outputFileURL()) + suffix, kind, {});
-    if (context().guard.isInput(wanted))
-        wanted = engines::outputForBase(outputFileURL().toLocalFile() + suffix, kind, {});
-    prepareNames(wanted);
+    prepareNames(
+        besideSources(engines::outputForBase(engines::withoutExtension(outputFileURL()) + suffix, kind, {})));
     if (!refusal().isNull())
         return false;
     const auto lists = engines::singleTrackLists(*selection, track, outputFileURL(), logFileURL());
@@ -240,6 +243,19 @@ tools::OptionList KXFfmpegConverter::launchForm(const tools::OptionList &meant)
             m_warnings.append(warning);
     }
     return form.list;
+}
+
+/// A subtitle that was extracted for the picture stands within a filter's text, where its path is taken as it
+/// is.
+tools::OptionList KXFfmpegConverter::workingAside(const tools::OptionList &list) const
+{
+    const QUrl file = fileOf(subToBurnURL());
+    tools::OptionList aside = KXConverter::workingAside(list);
+    if (isEmpty(subToBurnURL()) || file == subToBurnURL())
+        return aside;
+    for (tools::OptionItem &item : aside)
+        item = item.withPathReplaced(subToBurnURL().toLocalFile(), file.toLocalFile());
+    return aside;
 }
 
 bool KXFfmpegConverter::fontCacheIsThere() const
@@ -363,7 +379,7 @@ steps::Outcome KXFfmpegConverter::outcome() const
     if (!refusal().isNull())
         return steps::Outcome::failed(refusal());
     engines::FfmpegRun run;
-    run.log = logString();
+    run.log = toldLog();
     run.files = namesInLog();
     run.lastTime = m_lastTime;
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();

@@ -51,17 +51,21 @@ public:
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
     steps::Outcome outcome() const override;
+    /// A single track is a part of a film to come, and never kept.
+    QList<QUrl> temporaryFiles() const override { return {}; }
     /// True when the run failed for packets without timestamps.
     bool asksForTimestamps() const;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
+    tools::OptionList workingAside(const tools::OptionList &list) const override;
 
 private:
     void noteSubtitlesWithoutPlace();
     void beginSecondPass();
     void prepareNames(const QUrl &wantedOutput);
     QUrl wantedOutput() const;
+    QUrl besideSources(const QUrl &wanted) const;
     QStringList namesInLog() const;
     bool fontCacheIsThere() const;
     bool goesByDuration(const steps::ReadEvent &event) const;

@@ -48,8 +48,8 @@ void KXMetadataPadder::backgroundReadingCompleted()
 /// A padded film is larger than the film: anything else is no whole one.
 bool KXMetadataPadder::replaceFilm()
 {
-    const QFileInfo padded(outputFileURL().toLocalFile());
-    const QFileInfo film(inputFileURL().toLocalFile());
+    const QFileInfo padded(fileOf(outputFileURL()).toLocalFile());
+    const QFileInfo film(fileOf(inputFileURL()).toLocalFile());
     return KXConverter::outcome().verdict != steps::Verdict::Failed && padded.size() >= film.size() &&
            context().guard.files().renameOver(outputFileURL(), inputFileURL());
 }

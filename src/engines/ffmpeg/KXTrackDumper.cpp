@@ -206,7 +206,7 @@ QString KXTrackDumper::pollFfmpeg()
     if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
         findDurationInSeconds();
     const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1", u"| grep time="});
     const QString time = steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
     if (!time.isNull())
         setOldProgress(time);
@@ -225,7 +225,7 @@ QString KXTrackDumper::pollMkvextract()
 steps::Outcome KXTrackDumper::outcomeBeside(const steps::Outcome &ended, const KXVideoTrack &source) const
 {
     engines::FfmpegRun run;
-    run.log = logString();
+    run.log = toldLog();
     run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
     run.lastTime = oldProgress();
     run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();

@@ -243,12 +243,12 @@ void KXVideoJoiner::backgroundReadingCompleted()
 /// The concat reader leaves out a file that it can't open, and ends well all the same.
 steps::Outcome KXVideoJoiner::outcomeOfConcat(const steps::Outcome &ended) const
 {
-    const QString missing = steps::ToolLog(logString()).firstLineContaining({u"Impossible to open"_s});
+    const QString missing = steps::ToolLog(toldLog()).firstLineContaining({u"Impossible to open"_s});
     if (!missing.isNull())
         return steps::Outcome::failed(
             u"A file could not be opened, so it is not in the output: %1."_s.arg(missing));
     engines::FfmpegRun run;
-    run.log = logString();
+    run.log = toldLog();
     for (const QUrl &file : converterSelection()->editFilesURLsList())
         run.files.append(file.toLocalFile());
     run.files.append(outputFileURL().toLocalFile());

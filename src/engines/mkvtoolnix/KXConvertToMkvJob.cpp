@@ -62,7 +62,7 @@ QList<ConverterPointer> KXConvertToMkvJob::preparedSteps()
 }
 
 /// The conversions, and then the muxer, which is the step that counts.
-QList<steps::Launch> KXConvertToMkvJob::plan()
+QList<steps::Launch> KXConvertToMkvJob::planned()
 {
     QList<steps::Launch> launches = planOf(preparedSteps());
     const auto muxer = makeMuxer();

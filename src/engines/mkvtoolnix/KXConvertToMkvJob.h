@@ -18,7 +18,7 @@ public:
     explicit KXConvertToMkvJob(const jobs::JobContext &context);
 
     void startJob() override;
-    QList<steps::Launch> plan() override;
+    QList<steps::Launch> planned() override;
     void monitorStartJob();
     void startPass2SelectorFor(KXFfmpegConverter &converter);
     void muxStep();

@@ -151,8 +151,7 @@ void KXEditMkvJob::monitorStartJob()
         return engines::pollSteps(stepConverterList(), previous, current);
     };
     poll(firstProgress(), cycle, [this] {
-        if (jobSelection()->jobType() == u"Send To Lintwick"_s)
-            handOver();
+        m_handsOver = jobSelection()->jobType() == u"Send To Lintwick"_s;
         jobDone();
     });
 }
@@ -168,6 +167,12 @@ void KXEditMkvJob::monitorStartJobWithMultipleSteps()
         return finished;
     };
     poll(firstProgress(), cycle, [this] { jobDone(); });
+}
+
+void KXEditMkvJob::published()
+{
+    if (m_handsOver)
+        handOver();
 }
 
 void KXEditMkvJob::handOver()

@@ -33,5 +33,8 @@ private:
     ConverterPointer preparedSplit();
     ConverterPointer preparedRemux();
     void startBackground(const ConverterPointer &converter);
+    void published() override;
     void handOver();
+
+    bool m_handsOver = false;
 };

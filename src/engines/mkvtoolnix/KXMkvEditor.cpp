@@ -144,7 +144,7 @@ QList<QUrl> KXMkvEditor::outputFiles() const
     const SelectionPointer selection = converterSelection();
     const bool isInParts = selection && selection->jobType() == splitting &&
                            engines::splitForm(*selection) == steps::OutputForm::NumberedParts;
-    return isInParts ? steps::partsOf(outputFileURL()) : QList<QUrl>{outputFileURL()};
+    return isInParts ? context().guard.partsOf(outputFileURL()) : QList<QUrl>{outputFileURL()};
 }
 
 /// mkvmerge says how far it is on standard output, and only the error stream is read, on purpose: a join

@@ -46,20 +46,21 @@ void KXSendToLintwickJob::startJob()
 void KXSendToLintwickJob::monitorNotifications(const KXNotification &notification)
 {
     followNotification(notification, engines::updates::sending);
-    if (notification.name != u"taskCompletion"_s || stepOf(notification) < 0)
-        return;
-    const auto self = shared_from_this();
-    if (stepConverterList().constLast()->outcome().verdict != steps::Verdict::Failed)
-        handOver(); // a subtitle that was not written is nothing to send
+}
+
+/// A subtitle that was not written is nothing to send.
+void KXSendToLintwickJob::published()
+{
+    if (!outputs().isEmpty())
+        handOver();
 }
 
 /// On the main thread, and before the job says that it is done.
 void KXSendToLintwickJob::handOver()
 {
     const QString path = appPreferences().panelValue(u"lintwickPath"_s).toString();
-    const auto problem =
-        engines::handOver(context().workspace, path, stepConverterList().constLast()->outputFileURL(),
-                          QUrl::fromLocalFile(jobSelection()->videoTrackFilePath()));
+    const auto problem = engines::handOver(context().workspace, path, outputs().constFirst(),
+                                           QUrl::fromLocalFile(jobSelection()->videoTrackFilePath()));
     if (!problem)
         return;
     openAlertSheet(problem);

@@ -18,5 +18,6 @@ protected:
     QList<ConverterPointer> preparedSteps() override;
 
 private:
+    void published() override;
     void handOver();
 };

@@ -85,7 +85,7 @@ QList<QUrl> KXVideoSplitter::outputFiles() const
 {
     const bool isOneFile =
         !converterSelection() || engines::splitForm(*converterSelection()) == steps::OutputForm::OneFile;
-    return isOneFile ? QList<QUrl>{outputFileURL()} : steps::partsOf(outputFileURL());
+    return isOneFile ? QList<QUrl>{outputFileURL()} : context().guard.partsOf(outputFileURL());
 }
 
 void KXVideoSplitter::handleNewTaskResult(const steps::ReadEvent &event)

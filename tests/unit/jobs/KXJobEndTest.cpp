@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -159,9 +160,25 @@ private Q_SLOTS:
         for (const auto &log : {u"a.m4v.log"_s, u"b.m4v.log"_s}) {
             const QByteArray text = job.fixture.scratch.read(log);
             QCOMPARE(lastLine(text), u"Tessaray: warnings: The end is missing."_s);
-            QVERIFY(text.startsWith("words\n"));
+            QVERIFY(text.contains("\nwords\n"));
             QVERIFY(text.endsWith('\n'));
         }
+    }
+
+    void aKeptLogBeginsWithWhatRan()
+    {
+        Job job;
+        job.fixture.setKeepLogs(true);
+        job.run(u"it's a film.m4v"_s);
+        QVERIFY(job.ends());
+        const QStringList lines =
+            QString::fromUtf8(job.fixture.scratch.read(u"it's a film.m4v.log"_s)).split(u'\n');
+        const QString tool = job.tool(5).toLocalFile();
+        QCOMPARE(lines.at(0), u"Tessaray: meant: %1 '%2'"_s.arg(tool, job.path(u"it'\\''s a film.m4v"_s)));
+        static const QRegularExpression aside(
+            u"^Tessaray: launched: [^ ]+ [^ ]+/\\.tessaray-[a-z0-9]{6}/1\\.m4v$"_s);
+        QVERIFY2(aside.match(lines.at(1)).hasMatch(), qPrintable(lines.at(1)));
+        QCOMPARE(lines.at(2), u"words"_s);
     }
 
     void goodOutcomeIsOneWord()
@@ -242,9 +259,23 @@ private Q_SLOTS:
         Job job;
         job.run(u"bad.m4v"_s, 1, 1);
         QVERIFY(job.ends());
-        QVERIFY(job.exists(u"bad.m4v"_s));
-        const QString named = u"The incomplete output %1 was kept."_s.arg(job.path(u"bad.m4v"_s));
+        QVERIFY(!job.exists(u"bad.m4v"_s));
+        QVERIFY(job.exists(u"bad (incomplete).m4v"_s));
+        const QString named =
+            u"The incomplete output %1 was kept."_s.arg(job.path(u"bad (incomplete).m4v"_s));
         QVERIFY(job.job->outcome().sentence.contains(named));
+    }
+
+    void ofSeveralFailedStepsTheLargestOutputStays()
+    {
+        Job job;
+        job.run(u"small.m4v"_s, 5, 1);
+        job.run(u"large.m4v"_s, 50, 1);
+        job.run(u"good.m4v"_s, 500);
+        QVERIFY(job.ends());
+        QVERIFY(job.exists(u"large (incomplete).m4v"_s) && job.exists(u"good.m4v"_s));
+        QVERIFY(!job.exists(u"small (incomplete).m4v"_s));
+        QCOMPARE(job.fixture.scratch.names().filter(u".tessaray"_s), QStringList());
     }
 
     void intermediateOutputOfAFailedStepIsNotCalledKept()

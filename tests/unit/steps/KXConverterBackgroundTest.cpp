@@ -83,6 +83,12 @@ struct Run
         return converter.outcome();
     }
 
+    QByteArray log() const
+    {
+        QFile file(guard.fileOf(fixture.scratch.url(u"step.log"_s)).toLocalFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     JobFixture fixture{JobFixture::Tools::Fake};
     steps::OutputGuard guard;
     OpenConverter converter;
@@ -110,7 +116,7 @@ private Q_SLOTS:
         Run run;
         run.start(u"ffmpeg/ffmpeg"_s, {u"out one"_s, u"err two"_s});
         QVERIFY(run.ends());
-        QCOMPARE(run.fixture.scratch.read(u"step.log"_s), QByteArray("one\ntwo\n"));
+        QCOMPARE(run.log(), QByteArray("one\ntwo\n"));
     }
 
     void launchFormIsWhatRuns()
@@ -132,8 +138,7 @@ private Q_SLOTS:
         QVERIFY(run.ends());
         QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
         QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
-        QVERIFY(run.fixture.scratch.read(u"step.log"_s).contains("not found") ||
-                run.fixture.scratch.read(u"step.log"_s).contains("No such file"));
+        QVERIFY(run.log().contains("not found") || run.log().contains("No such file"));
     }
 
     void toolWithoutANameIsTheReason()
@@ -142,7 +147,7 @@ private Q_SLOTS:
         QVERIFY(run.start(QUrl()).isNull());
         QVERIFY(run.converter.refusal().contains(u"could not be started."_s));
         QCOMPARE(run.converter.outcome().verdict, Verdict::Failed);
-        QVERIFY(run.fixture.scratch.read(u"step.log"_s).isNull());
+        QVERIFY(run.log().isNull());
     }
 
     /// A line in a shell's background has neither.
@@ -198,7 +203,7 @@ private Q_SLOTS:
         run.converter.setDurationInSeconds(u"120"_s);
         run.start(u"ffmpeg/ffmpeg"_s, {u"hang"_s});
         const auto poll = [&](const QByteArray &log) {
-            run.fixture.scratch.write(u"step.log"_s, log);
+            run.guard.files().write(run.fixture.scratch.url(u"step.log"_s), log);
             return run.converter.monitorConversion();
         };
         QCOMPARE(poll(""), u"0%"_s);
@@ -219,7 +224,7 @@ private Q_SLOTS:
         run.fixture.installTool(u"ffmpeg/ffprobe"_s,
                                 {u"record "_s + record, u"err   Duration: 00:00:40.00, start: 0.0"_s});
         run.start(u"ffmpeg/ffmpeg"_s, {u"err frame= 1 time=00:00:10.00 bitrate=1"_s, u"hang"_s});
-        QVERIFY(support::waitFor([&] { return !run.fixture.scratch.read(u"step.log"_s).isEmpty(); }));
+        QVERIFY(support::waitFor([&] { return !run.log().isEmpty(); }));
         QCOMPARE(run.converter.monitorConversion(), u"25%"_s);
         QCOMPARE(run.converter.monitorConversion(), u"25%"_s);
         QCOMPARE(support::FakeTool::recordedRuns(record).size(), 1);

@@ -1,12 +1,14 @@
 #include "steps/OutputGuard.h"
 
 #include "steps/OutputRegistry.h"
+#include "steps/Publisher.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <unistd.h>
@@ -39,6 +41,21 @@ struct Job
                  0);
     }
 
+    /// The tool writes it, and it gets its name.
+    bool publish(const QUrl &name, const QByteArray &content)
+    {
+        if (!guard.files().create(name, content))
+            return false;
+        const auto result = steps::publishNow(guard.workFolder(), guard.publicationsOf({name}));
+        guard.published({name});
+        return result.end == steps::PublishResult::End::Done;
+    }
+    QStringList hiddenNames() const
+    {
+        return QDir(scratch.path())
+            .entryList({u".*"_s}, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
     support::Scratch scratch;
     steps::OutputRegistry registry;
     OutputGuard guard;
@@ -57,7 +74,7 @@ private Q_SLOTS:
         const auto claim = job.guard.claimOutput(job.url(u"a.m4v"_s));
         QCOMPARE(claim.url, job.url(u"a.m4v"_s));
         QVERIFY(claim.refusal.isNull());
-        QCOMPARE(job.scratch.names(), QStringList()); // a claim makes no file
+        QCOMPARE(job.scratch.shownNames(), QStringList()); // none that a person sees
     }
 
     void takenNameGetsTheNextNumber_data()
@@ -193,7 +210,7 @@ private Q_SLOTS:
             job.guard.setInputs({job.url(u"film.m4v"_s)});
             const auto claim = job.guard.claimOutput(job.url(wanted));
             QVERIFY2(claim.refusal.contains(u"one of the job's own sources"_s), qPrintable(claim.refusal));
-            QVERIFY(job.guard.makeWayFor(claim.url).isNull());
+            QVERIFY(job.guard.prepare(claim.url).isNull());
             QVERIFY(!job.guard.files().isOwn(claim.url));
             QVERIFY(!job.guard.files().remove(claim.url));
             QCOMPARE(job.scratch.read(u"film.m4v"_s), QByteArray("film"));
@@ -233,79 +250,130 @@ private Q_SLOTS:
         QVERIFY(!job.guard.files().isOwn(QUrl()));
     }
 
-    void replacedFileIsSetAsideAndForgottenAtAGoodEnd()
+    void whatAToolWritesLiesInAHiddenFolderUntilItIsPublished()
+    {
+        Job job(WhenTaken::NextFreeName);
+        const QUrl name = job.guard.claimOutput(job.url(u"50%d: @film*.m4v"_s)).url;
+        QCOMPARE(job.guard.fileOf(name), name); // nothing is made yet
+        QVERIFY(job.guard.prepare(name).isNull());
+        const QString file = job.guard.fileOf(name).toLocalFile();
+        static const QRegularExpression plain(u"^/\\.tessaray-[a-z0-9]{6}/[0-9]+\\.m4v$"_s);
+        QVERIFY2(plain.match(file.mid(job.scratch.path().size())).hasMatch(), qPrintable(file));
+        QCOMPARE(QFileInfo(QFileInfo(file).path()).permissions() & (QFile::ReadGroup | QFile::ReadOther),
+                 QFile::Permissions());
+        QVERIFY(job.publish(name, "new"));
+        QCOMPARE(job.guard.fileOf(name), name);
+        QCOMPARE(job.scratch.read(u"50%d: @film*.m4v"_s), QByteArray("new"));
+        job.guard.release();
+        QCOMPARE(job.hiddenNames(), QStringList());
+    }
+
+    void filesOfOneStemStayAPair()
+    {
+        Job job(WhenTaken::NextFreeName);
+        const QUrl index = job.guard.claimOutput(job.url(u"a.b.idx"_s)).url;
+        const QUrl pictures = job.guard.claimFree(job.url(u"a.b.sub"_s));
+        const QUrl other = job.guard.claimFree(job.url(u"a.sub"_s));
+        QVERIFY(job.guard.prepare(index).isNull());
+        const QString stem = job.guard.fileOf(index).toLocalFile().chopped(3);
+        QCOMPARE(job.guard.fileOf(pictures).toLocalFile(), stem + u"sub"_s);
+        QVERIFY(job.guard.fileOf(other) != job.guard.fileOf(pictures));
+    }
+
+    void toolsTextsSpeakOfFinalNames()
+    {
+        Job job(WhenTaken::NextFreeName);
+        const QUrl name = job.guard.claimOutput(job.url(u"film.m4v"_s)).url;
+        QVERIFY(job.guard.prepare(name).isNull());
+        const QString said = u"Can't open '%1': no"_s;
+        QCOMPARE(job.guard.withFinalNames(said.arg(job.guard.fileOf(name).toLocalFile())),
+                 said.arg(name.toLocalFile()));
+    }
+
+    void oldFileStaysUntilTheNewOneTakesItsPlace()
     {
         Job job(WhenTaken::Replace);
         job.scratch.write(u"a.m4v"_s, "old");
         QVERIFY(job.refusalOf(u"a.m4v"_s).isNull());
-        QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("old")); // untouched until the tool starts
-        QVERIFY(job.guard.makeWayFor(job.url(u"a.m4v"_s)).isNull());
-        QCOMPARE(job.scratch.names(), QStringList{u"a (replaced).m4v"_s});
-        job.scratch.write(u"a.m4v"_s, "new");
-        job.guard.forgetReplaced();
-        QCOMPARE(job.scratch.names(), QStringList{u"a.m4v"_s});
+        QVERIFY(job.guard.prepare(job.url(u"a.m4v"_s)).isNull());
+        QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("old"));
+        QVERIFY(job.publish(job.url(u"a.m4v"_s), "new"));
         QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("new"));
     }
 
-    void replacedFileReturnsAfterABadEnd()
+    void nothingChangesWhereNothingIsPublished()
     {
         Job job(WhenTaken::Replace);
         job.scratch.write(u"a.m4v"_s, "old");
-        job.guard.claimOutput(job.url(u"a.m4v"_s));
-        job.guard.makeWayFor(job.url(u"a.m4v"_s));
-        job.scratch.write(u"a.m4v"_s, "half");
-        const auto moved = job.guard.putBackReplaced();
-        QCOMPARE(moved.size(), 1);
-        QCOMPARE(moved.first().first, job.url(u"a.m4v"_s));
-        QCOMPARE(moved.first().second, job.url(u"a (incomplete).m4v"_s));
+        const QUrl name = job.guard.claimOutput(job.url(u"a.m4v"_s)).url;
+        QVERIFY(job.guard.prepare(name).isNull());
+        QVERIFY(job.guard.files().create(name, "half"));
+        job.guard.release();
         QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("old"));
-        QCOMPARE(job.scratch.read(u"a (incomplete).m4v"_s), QByteArray("half"));
-        QCOMPARE(job.scratch.names().size(), 2);
+        QCOMPARE(job.scratch.shownNames(), QStringList{u"a.m4v"_s});
+        QCOMPARE(job.hiddenNames(), QStringList());
     }
 
-    void replacedFileReturnsWhenNothingTookItsPlace()
+    void incompleteFilesGetFreeNames()
     {
-        for (const bool endedWell : {false, true}) {
-            Job job(WhenTaken::Replace);
-            job.scratch.write(u"a.m4v"_s, "old");
-            job.guard.claimOutput(job.url(u"a.m4v"_s));
-            job.guard.makeWayFor(job.url(u"a.m4v"_s));
-            if (endedWell)
-                job.guard.forgetReplaced();
+        Job job(WhenTaken::Replace);
+        job.scratch.write(u"a (incomplete).m4v"_s, "the user's");
+        const QUrl name = job.guard.claimOutput(job.url(u"a.m4v"_s)).url;
+        QVERIFY(job.guard.prepare(name).isNull());
+        QVERIFY(job.guard.files().create(name, "half"));
+        QCOMPARE(job.guard.keepIncomplete(name), job.url(u"a (incomplete) (2).m4v"_s));
+        QCOMPARE(job.scratch.read(u"a (incomplete) (2).m4v"_s), QByteArray("half"));
+        QCOMPARE(job.scratch.read(u"a (incomplete).m4v"_s), QByteArray("the user's"));
+        QVERIFY(!QFileInfo::exists(name.toLocalFile()));
+    }
+
+    void secondTryIsWrittenInThePlaceOfTheFirst()
+    {
+        Job job(WhenTaken::NextFreeName);
+        const QUrl name = job.guard.claimOutput(job.url(u"a.m4v"_s)).url;
+        QVERIFY(job.guard.prepare(name).isNull());
+        const QUrl file = job.guard.fileOf(name);
+        QVERIFY(job.guard.files().create(name, "first try"));
+        QVERIFY(job.guard.prepare(name).isNull());
+        QCOMPARE(job.guard.fileOf(name), file);
+        QVERIFY(!QFileInfo::exists(file.toLocalFile()));
+    }
+
+    void anotherProgramsClaimTakesTheName()
+    {
+        for (const WhenTaken whenTaken : {WhenTaken::NextFreeName, WhenTaken::Refuse, WhenTaken::Replace}) {
+            Job job(whenTaken);
+            steps::OutputRegistry ofTheOther;
+            OutputGuard other(ofTheOther, WhenTaken::Refuse);
+            QVERIFY(other.claimOutput(job.url(u"a.m4v"_s)).refusal.isNull());
+            const auto claim = job.guard.claimOutput(job.url(u"a.m4v"_s));
+            if (whenTaken == WhenTaken::NextFreeName)
+                QCOMPARE(claim.url, job.url(u"a (2).m4v"_s));
             else
-                QVERIFY(job.guard.putBackReplaced().isEmpty());
-            QCOMPARE(job.scratch.names(), QStringList{u"a.m4v"_s});
-            QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("old"));
+                QVERIFY2(claim.refusal.contains(u"is being made by another program"_s),
+                         qPrintable(claim.refusal));
+            other.release();
+            QVERIFY(job.guard.claimOutput(job.url(u"b.m4v"_s)).refusal.isNull());
         }
     }
 
-    void secondPassWritesOverTheFirst()
+    void claimThatWasClearedAwayIsNoticedBeforePublishing()
     {
-        Job job(WhenTaken::Replace);
-        job.scratch.write(u"a.m4v"_s, "old");
-        job.guard.claimOutput(job.url(u"a.m4v"_s));
-        job.guard.makeWayFor(job.url(u"a.m4v"_s));
-        job.scratch.write(u"a.m4v"_s, "first try");
-        QVERIFY(job.guard.makeWayFor(job.url(u"a.m4v"_s)).isNull());
-        QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("first try"));
-        QCOMPARE(job.scratch.read(u"a (replaced).m4v"_s), QByteArray("old"));
+        Job job(WhenTaken::Refuse);
+        const QUrl name = job.guard.claimOutput(job.url(u"a.m4v"_s)).url;
+        QVERIFY(job.guard.problemWithPublishing({name}).isNull());
+        QVERIFY(QFile::remove(steps::OutputClaims::claimOf(name).toLocalFile()));
+        QVERIFY(job.guard.problemWithPublishing({name}).contains(u"another program"_s));
     }
 
-    void namesForSettingAsideAreFreeOnes()
+    void aPlanMakesNothing()
     {
-        Job job(WhenTaken::Replace);
-        job.scratch.write(u"a.m4v"_s, "old");
-        job.scratch.write(u"a (replaced).m4v"_s, "the user's");
-        job.scratch.write(u"a (incomplete).m4v"_s, "the user's too");
-        job.guard.claimOutput(job.url(u"a.m4v"_s));
-        job.guard.makeWayFor(job.url(u"a.m4v"_s));
-        job.scratch.write(u"a.m4v"_s, "half");
-        const auto moved = job.guard.putBackReplaced();
-        QCOMPARE(moved.first().second, job.url(u"a (incomplete) (2).m4v"_s));
-        QCOMPARE(job.scratch.read(u"a (replaced).m4v"_s), QByteArray("the user's"));
-        QCOMPARE(job.scratch.read(u"a (incomplete).m4v"_s), QByteArray("the user's too"));
-        QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("old"));
-        QCOMPARE(job.scratch.names().size(), 4);
+        Job job(WhenTaken::NextFreeName);
+        job.guard.planOnly();
+        const QUrl name = job.guard.claimOutput(job.url(u"a.m4v"_s)).url;
+        QCOMPARE(name, job.url(u"a.m4v"_s));
+        QVERIFY(!job.guard.prepare(name).isNull());
+        QCOMPARE(job.hiddenNames(), QStringList());
     }
 
     void linkIsReplacedAndItsTargetLeftAlone()
@@ -314,10 +382,8 @@ private Q_SLOTS:
         job.scratch.write(u"target.m4v"_s, "the user's");
         job.link(u"target.m4v"_s, u"a.m4v"_s);
         QVERIFY(job.refusalOf(u"a.m4v"_s).isNull());
-        QVERIFY(job.guard.makeWayFor(job.url(u"a.m4v"_s)).isNull());
-        job.scratch.write(u"a.m4v"_s, "new");
-        QVERIFY(job.guard.hasClaimed(job.url(u"a.m4v"_s)));
-        job.guard.forgetReplaced();
+        QVERIFY(job.guard.prepare(job.url(u"a.m4v"_s)).isNull());
+        QVERIFY(job.publish(job.url(u"a.m4v"_s), "new"));
         QCOMPARE(job.scratch.read(u"target.m4v"_s), QByteArray("the user's"));
         QCOMPARE(job.scratch.read(u"a.m4v"_s), QByteArray("new"));
         QVERIFY(!QFileInfo(job.scratch.path(u"a.m4v"_s)).isSymLink());
@@ -355,13 +421,16 @@ private Q_SLOTS:
         QCOMPARE(steps::partsOf(output), parts);
     }
 
-    void nobodyMakesWayForANameThatWasNotClaimed()
+    void aNameThatWasNotClaimedIsLeftAlone()
     {
         for (const WhenTaken whenTaken : {WhenTaken::NextFreeName, WhenTaken::Refuse, WhenTaken::Replace}) {
             Job job(whenTaken);
             job.scratch.write(u"a.m4v"_s, "old");
-            QVERIFY(job.guard.makeWayFor(job.url(u"a.m4v"_s)).isNull());
-            QCOMPARE(job.scratch.names(), QStringList{u"a.m4v"_s});
+            QVERIFY(job.guard.prepare(job.url(u"a.m4v"_s)).isNull());
+            QVERIFY(job.guard.keep(job.url(u"a.m4v"_s)).isEmpty());
+            QVERIFY(job.guard.keepIncomplete(job.url(u"a.m4v"_s)).isEmpty());
+            QCOMPARE(job.scratch.shownNames(), QStringList{u"a.m4v"_s});
+            QCOMPARE(job.hiddenNames(), QStringList());
         }
     }
 };

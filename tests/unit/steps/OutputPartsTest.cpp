@@ -1,6 +1,7 @@
 // Outputs that a tool numbers in parts: which files count as parts, and that no part is ever harmed.
 #include "steps/OutputGuard.h"
 #include "steps/OutputRegistry.h"
+#include "steps/Publisher.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
 
@@ -32,6 +33,12 @@ struct Split
         for (const QUrl &part : steps::partsOf(url(output)))
             names << part.fileName();
         return names;
+    }
+
+    bool publish(const QList<QUrl> &parts)
+    {
+        const auto result = steps::publishNow(guard.workFolder(), guard.publicationsOf(parts));
+        return result.end == steps::PublishResult::End::Done;
     }
 
     support::Scratch scratch;
@@ -137,7 +144,7 @@ private Q_SLOTS:
         split.scratch.write(u"a-001.mkv"_s, "the source");
         split.guard.setInputs({split.url(u"a-001.mkv"_s)});
         QVERIFY(split.claim(u"a.mkv"_s).refusal.contains(u"one of the job's own sources"_s));
-        QVERIFY(split.guard.makeWayFor(split.url(u"a.mkv"_s)).isNull());
+        QVERIFY(split.guard.prepare(split.url(u"a.mkv"_s)).isNull());
         QCOMPARE(split.scratch.read(u"a-001.mkv"_s), QByteArray("the source"));
     }
 
@@ -168,34 +175,35 @@ private Q_SLOTS:
 
     // Replacing.
 
-    void everyOldPartIsSetAsideAndOnlyReplacedOnesGo()
+    void partsLieAsideUntilTheyArePublished()
+    {
+        Split split;
+        const QUrl output = split.claim(u"50%d.mkv"_s).url;
+        QVERIFY(split.guard.prepare(output).isNull());
+        const QString plain = split.guard.fileOf(output).toLocalFile().chopped(4);
+        split.scratch.write(plain.mid(split.scratch.path().size() + 1) + u"-001.mkv"_s, "one");
+        split.scratch.write(plain.mid(split.scratch.path().size() + 1) + u"-002.mkv"_s, "two");
+        const QList<QUrl> parts{split.url(u"50%d-001.mkv"_s), split.url(u"50%d-002.mkv"_s)};
+        QCOMPARE(split.guard.partsOf(output), parts);
+        QVERIFY(split.parts(u"50%d.mkv"_s).isEmpty());
+        QVERIFY(split.publish(parts));
+        QCOMPARE(split.scratch.read(u"50%d-001.mkv"_s), QByteArray("one"));
+        QCOMPARE(split.scratch.read(u"50%d-002.mkv"_s), QByteArray("two"));
+    }
+
+    void onlyOldPartsOfTheSameNameAreReplaced()
     {
         Split split(WhenTaken::Replace);
         for (const QString &name : {u"a-001.mkv"_s, u"a-002.mkv"_s, u"a-1.mkv"_s})
             split.scratch.write(name, "old");
-        QVERIFY(split.claim(u"a.mkv"_s).refusal.isNull());
-        QVERIFY(split.guard.makeWayFor(split.url(u"a.mkv"_s)).isNull());
-        QVERIFY(split.parts(u"a.mkv"_s).isEmpty());
-        split.scratch.write(u"a-001.mkv"_s, "new");
-        split.guard.forgetReplaced();
-        QCOMPARE(split.scratch.names(),
-                 QStringList({u"a-001.mkv"_s, u"a-002.mkv"_s, u"a-1.mkv"_s})); // the others are back
+        const QUrl output = split.claim(u"a.mkv"_s).url;
+        QVERIFY(split.guard.prepare(output).isNull());
+        QVERIFY(split.guard.files().create(split.url(u"a-001.mkv"_s), "new"));
+        QCOMPARE(split.scratch.read(u"a-001.mkv"_s), QByteArray("old"));
+        QVERIFY(split.publish({split.url(u"a-001.mkv"_s)}));
+        QCOMPARE(split.scratch.shownNames(), QStringList({u"a-001.mkv"_s, u"a-002.mkv"_s, u"a-1.mkv"_s}));
         QCOMPARE(split.scratch.read(u"a-001.mkv"_s), QByteArray("new"));
         QCOMPARE(split.scratch.read(u"a-002.mkv"_s), QByteArray("old"));
-    }
-
-    void oldPartsReturnAfterABadEnd()
-    {
-        Split split(WhenTaken::Replace);
-        for (const QString &name : {u"a-001.mkv"_s, u"a-1.mkv"_s})
-            split.scratch.write(name, "old");
-        split.claim(u"a.mkv"_s);
-        QVERIFY(split.guard.makeWayFor(split.url(u"a.mkv"_s)).isNull());
-        split.scratch.write(u"a-001.mkv"_s, "half of a new one");
-        split.guard.putBackReplaced();
-        QCOMPARE(split.scratch.read(u"a-001.mkv"_s), QByteArray("old"));
-        QCOMPARE(split.scratch.read(u"a-1.mkv"_s), QByteArray("old"));
-        QCOMPARE(split.scratch.read(u"a-001 (incomplete).mkv"_s), QByteArray("half of a new one"));
     }
 };
 

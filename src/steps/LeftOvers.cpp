@@ -1,0 +1,85 @@
+#include "steps/LeftOvers.h"
+
+#include "platform/PlainFiles.h"
+#include "steps/FreeNames.h"
+#include "steps/OutputClaims.h"
+#include "steps/PublishList.h"
+#include "steps/WorkFolder.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QLockFile>
+
+using namespace Qt::StringLiterals;
+
+namespace steps {
+
+namespace {
+
+constexpr qint64 daysOfOthers = 7;
+
+QDateTime newestIn(const QFileInfo &folder)
+{
+    QDateTime newest = folder.lastModified();
+    for (const QFileInfo &entry :
+         QDir(folder.filePath()).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+        newest = qMax(newest, entry.lastModified());
+    return newest;
+}
+
+bool isOld(const QDateTime &changed)
+{
+    return changed.daysTo(QDateTime::currentDateTime()) >= daysOfOthers;
+}
+
+/// The next name that is free by now, where somebody took the one that was meant.
+void finish(const Publication &publication)
+{
+    constexpr int mostNames = 1000;
+    Publication tried = publication;
+    for (int number = 2; !publishFile(tried) && number < mostNames; ++number) {
+        if (!platform::fileAt(publication.file))
+            return;
+        tried = {publication.file, withMark(publication.name, u" (%1)"_s.arg(number)), std::nullopt};
+    }
+}
+
+void clearFolder(const QFileInfo &folder)
+{
+    const QUrl location = QUrl::fromLocalFile(folder.filePath());
+    const QString lockPath = folder.filePath() + u'/' + WorkFolder::lockName();
+    const bool isLocked = platform::fileAt(QUrl::fromLocalFile(lockPath)).has_value();
+    QLockFile lock(lockPath);
+    lock.setStaleLockTime(0);
+    if (isLocked && lock.tryLock(0)) {
+        for (const Publication &publication : publicationsIn(location).value_or(QList<Publication>()))
+            finish(publication);
+    } else if (!isOld(newestIn(folder))) {
+        return;
+    }
+    platform::removeFolder(location);
+}
+
+void clearClaim(const QFileInfo &claim)
+{
+    QLockFile lock(claim.filePath());
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock(0) && isOld(claim.lastModified()))
+        platform::removeName(QUrl::fromLocalFile(claim.filePath()));
+}
+
+} // namespace
+
+void clearLeftOvers(const QUrl &folder)
+{
+    const QDir::Filters all =
+        QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot | QDir::NoSymLinks;
+    for (const QFileInfo &entry : QDir(folder.toLocalFile()).entryInfoList({u".tessaray-*"_s}, all)) {
+        if (entry.isDir() && WorkFolder::isName(entry.fileName()))
+            clearFolder(entry);
+        else if (entry.isFile() && OutputClaims::isName(entry.fileName()))
+            clearClaim(entry);
+    }
+}
+
+} // namespace steps

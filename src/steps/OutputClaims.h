@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/PlainFiles.h"
+
+#include <QString>
+#include <QUrl>
+
+#include <memory>
+#include <unordered_map>
+
+class QLockFile;
+
+namespace steps {
+
+/// The final names that a job holds against other programs, also on other machines that share the folder: a
+/// hidden file beside each, made exclusively, that says who holds it. A claim of this host whose process is
+/// gone is taken over. Owned by the job's OutputGuard; main thread only.
+class OutputClaims final
+{
+public:
+    enum class Answer { Held, Taken, Impossible };
+
+    OutputClaims();
+    ~OutputClaims();
+    Q_DISABLE_COPY_MOVE(OutputClaims)
+
+    /// Held also where this job holds it already; Impossible where the folder takes no file.
+    Answer take(const QUrl &name);
+    /// Whether the claim is still the one that was made: somebody may have cleared it away.
+    bool isStillHeld(const QUrl &name) const;
+    void release(const QUrl &name);
+    void releaseAll();
+
+    /// Where the claim of a name lies. Names that differ in case or in the form of their accents share one,
+    /// as there are volumes where they are one file.
+    static QUrl claimOf(const QUrl &name);
+    /// Whether that is the name of a claim.
+    static bool isName(const QString &name);
+
+private:
+    struct Claim
+    {
+        std::unique_ptr<QLockFile> lock;
+        platform::FileId file;
+    };
+    static void letGo(const QString &path, Claim &claim);
+    std::unordered_map<QString, Claim> m_claims; ///< by path of the claim
+};
+
+} // namespace steps

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "steps/PublishList.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace steps {
+
+/// What became of an attempt to give finished files their names.
+struct PublishResult
+{
+    enum class End {
+        Done,
+        NameTaken,  ///< something stands at the name by now
+        NotFlushed, ///< the disk did not take all of it
+        Failed      ///< a rename was not possible
+    };
+    End end = End::Done;
+    QUrl name; ///< of the file that it failed for
+};
+
+/// Gives finished files of one work folder their names, all or none: they are brought to the disk, the list
+/// of renames is written, then they move. It works beside the main thread, as a disk can take its time. Owned
+/// by a job.
+class Publisher final : public QObject
+{
+    Q_OBJECT
+
+public:
+    Publisher();
+    ~Publisher() override;
+
+    /// One attempt at a time; ended() follows.
+    void start(const QUrl &workFolder, const QList<Publication> &publications);
+    /// No file gets its name any more. False when the first one has it already: then they all will, and this
+    /// has waited for it.
+    bool cancel();
+
+Q_SIGNALS:
+    void ended(const steps::PublishResult &result);
+
+private:
+    struct Attempt;
+    std::shared_ptr<Attempt> m_attempt;
+};
+
+/// The same, here and now.
+PublishResult publishNow(const QUrl &workFolder, const QList<Publication> &publications);
+
+} // namespace steps

@@ -1,0 +1,105 @@
+#include "steps/WorkFolder.h"
+
+#include "platform/PlainFiles.h"
+
+#include <QFileInfo>
+#include <QLockFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace steps {
+
+namespace {
+
+constexpr int triesOfAName = 20;
+constexpr qsizetype longestPlainSuffix = 8;
+
+QString randomLetters()
+{
+    constexpr QStringView alphabet = u"abcdefghijklmnopqrstuvwxyz0123456789";
+    QString letters;
+    for (int i = 0; i < 6; ++i)
+        letters += alphabet.at(QRandomGenerator::system()->bounded(static_cast<int>(alphabet.size())));
+    return letters;
+}
+
+/// With its full stop. Tools choose a format by it; anything else than a short word says nothing to them.
+QString plainSuffix(const QFileInfo &name)
+{
+    static const QRegularExpression word(u"^[A-Za-z0-9]+$"_s);
+    const QString suffix = name.suffix();
+    const bool isPlain = suffix.size() <= longestPlainSuffix && word.match(suffix).hasMatch();
+    return isPlain ? u'.' + suffix : QString();
+}
+
+} // namespace
+
+WorkFolder::WorkFolder(const QUrl &parent)
+    : m_parent(parent)
+{
+}
+
+WorkFolder::~WorkFolder()
+{
+    remove();
+}
+
+bool WorkFolder::isName(const QString &name)
+{
+    static const QRegularExpression pattern(u"^\\.tessaray-[a-z0-9]{6}$"_s);
+    return pattern.match(name).hasMatch();
+}
+
+/// The lock comes at once: a folder without one is taken for left over once it is old.
+bool WorkFolder::make()
+{
+    for (int i = 0; i < triesOfAName && !isMade(); ++i) {
+        m_folder = QUrl::fromLocalFile(m_parent.toLocalFile() + u"/.tessaray-"_s + randomLetters());
+        if (!platform::makePrivateFolder(m_folder)) {
+            if (platform::fileAt(m_folder))
+                continue;
+            return false;
+        }
+        m_lock = std::make_unique<QLockFile>(m_folder.toLocalFile() + u'/' + lockName());
+        m_lock->setStaleLockTime(0);
+        if (!m_lock->tryLock(0))
+            remove();
+    }
+    return isMade();
+}
+
+QUrl WorkFolder::placeOf(const QUrl &name)
+{
+    const QFileInfo info(name.toLocalFile());
+    const QString suffix = plainSuffix(info);
+    const QString stem = info.absoluteFilePath().chopped(suffix.size());
+    auto plain = m_stems.find(stem);
+    if (plain == m_stems.end())
+        plain = m_stems.insert(stem, QString::number(m_stems.size() + 1));
+    return QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + *plain + suffix);
+}
+
+QString WorkFolder::withFinalNames(QString text) const
+{
+    const QString start = m_folder.toLocalFile() + u'/';
+    if (!isMade() || !text.contains(start))
+        return text;
+    for (auto stem = m_stems.constBegin(); stem != m_stems.constEnd(); ++stem) {
+        for (const QChar behind : u".-'\""_s)
+            text.replace(start + stem.value() + behind, stem.key() + behind);
+    }
+    return text;
+}
+
+void WorkFolder::remove()
+{
+    if (!isMade())
+        return;
+    m_lock.reset();
+    platform::removeFolder(m_folder);
+    m_stems.clear();
+}
+
+} // namespace steps
