@@ -35,15 +35,12 @@ QString commandLine(const QUrl &tool, const tools::OptionList &list)
     return words.join(u' ');
 }
 
-/// What was meant, and what was started where that differs.
+/// What was meant, and what was started.
 QString commandsOf(const steps::Launch &run)
 {
     const QString meant = run.line ? run.line->meant : commandLine(run.tool, run.meant);
-    const QString launched = run.line ? run.line->launched : commandLine(run.tool, run.launched);
-    QString lines = u"Tessaray: meant: "_s + meant + u'\n';
-    if (launched != meant)
-        lines += u"Tessaray: launched: "_s + launched + u'\n';
-    return lines;
+    return u"Tessaray: meant: "_s + meant + u"\nTessaray: launched: "_s + commandLine(run.tool, run.started) +
+           u'\n';
 }
 
 } // namespace

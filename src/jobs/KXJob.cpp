@@ -269,6 +269,8 @@ void KXJob::followSoon(const std::function<void()> &monitor)
 void KXJob::noteFilesOf(const KXConverter &converter)
 {
     m_tempFilesToDeleteList += converter.temporaryFiles();
+    if (converter.isNeverKept())
+        m_neverKept += converter.temporaryFiles();
     if (m_guard.hasClaimed(converter.logFileURL()))
         m_logFilesToDeleteList.append(converter.logFileURL());
 }
@@ -610,13 +612,15 @@ void KXJob::keepFiles()
             m_outcome.sentence.replace(logSentence(log), logSentence(kept));
     }
     for (const QUrl &file : all ? std::as_const(m_tempFilesToDeleteList) : QList<QUrl>()) {
-        if (m_guard.hasClaimed(file))
+        if (m_guard.hasClaimed(file) && !m_neverKept.contains(file))
             m_guard.keep(file);
     }
 }
 
 void KXJob::keepOutputOf(const KXConverter &converter)
 {
+    m_tempFilesToDeleteList.removeIf(
+        [kept = converter.outputFiles()](const QUrl &file) { return kept.contains(file); });
     m_results.want(converter.outputFiles());
 }
 

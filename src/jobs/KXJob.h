@@ -190,6 +190,7 @@ private:
     std::optional<jobs::ProgressUpdate> m_flashing;
     steps::Outcome m_outcome;
     QList<QUrl> m_logsToKeep;
+    QList<QUrl> m_neverKept; ///< of the intermediate files
     QString m_temporaryFolder;
     QList<qsizetype> m_waitingSteps;
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn

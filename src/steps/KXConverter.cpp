@@ -206,11 +206,11 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
         return nullptr;
     m_context.guard.files().remove(logFileURL()); // that of the run before
     steps::Launch launch = launchOf(tool, options);
-    launch.launched = workingAside(launch.launched);
+    launch.started = workingAside(launch.launched);
     m_runs.append(launch);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
-    request.arguments = tools::argumentsOf(launch.launched);
+    request.arguments = tools::argumentsOf(launch.started);
     request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
     request.workingFolder = toolFolder();
     setBackgroundReadStatus(0);
@@ -328,13 +328,11 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     if (!m_refusal.isNull())
         return {};
     steps::Launch launch = launchOfLine(tool, options);
-    launch.launched = workingAside(launch.launched);
-    launch.line->launched =
-        tools::toolLine(tool, launch.launched, appPreferences(), tools::shellKind()).launched;
+    launch.started = workingAside(steps::runAsProcess(launch.launched));
     m_runs.append(launch);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
-    request.arguments = tools::argumentsOf(steps::runAsProcess(launch.launched));
+    request.arguments = tools::argumentsOf(launch.started);
     request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
     request.workingFolder = toolFolder();
     request.streams = ToolProcess::Streams::Merged;

@@ -133,6 +133,8 @@ public:
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job, unless logs are kept: then it stays too.
     virtual QList<QUrl> temporaryFiles() const;
+    /// Whether that goes in any case.
+    virtual bool isNeverKept() const { return false; }
 
 Q_SIGNALS:
     /// The tool has ended, and all that it printed was taken in.

@@ -20,6 +20,7 @@ struct Launch
     QUrl log;
     tools::OptionList meant;                        ///< the list as its rules have it
     tools::OptionList launched;                     ///< its launch form
+    tools::OptionList started;                      ///< the same in the work folder; empty in a plan
     QList<std::pair<QString, QString>> environment; ///< what is added to ours; a line exports it itself
     std::optional<tools::ShellLine> line;           ///< of a step that its rules describe as a shell line
 };

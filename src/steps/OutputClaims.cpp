@@ -46,6 +46,11 @@ OutputClaims::Answer OutputClaims::take(const QUrl &name)
     return Answer::Held;
 }
 
+bool OutputClaims::has(const QUrl &name) const
+{
+    return m_claims.contains(claimOf(name).toLocalFile());
+}
+
 bool OutputClaims::isStillHeld(const QUrl &name) const
 {
     const QUrl place = claimOf(name);

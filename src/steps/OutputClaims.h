@@ -26,6 +26,7 @@ public:
 
     /// Held also where this job holds it already; Impossible where the folder takes no file.
     Answer take(const QUrl &name);
+    bool has(const QUrl &name) const;
     /// Whether the claim is still the one that was made: somebody may have cleared it away.
     bool isStillHeld(const QUrl &name) const;
     void release(const QUrl &name);

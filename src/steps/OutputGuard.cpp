@@ -281,7 +281,8 @@ QString OutputGuard::problemWithPublishing(const QList<QUrl> &names) const
 {
     for (const QUrl &name : names) {
         const QUrl output = outputOfPart(name);
-        if (!m_claims.isStillHeld(output.isEmpty() ? name : output))
+        const QUrl claimed = output.isEmpty() ? name : output;
+        if (m_claims.has(claimed) && !m_claims.isStillHeld(claimed))
             return u"The name %1 was taken by another program meanwhile."_s.arg(name.toLocalFile());
     }
     return {};

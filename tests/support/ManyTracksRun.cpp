@@ -139,7 +139,7 @@ QString videoRateOf(const QString &film)
 QString ManyTracksRun::outputName() const
 {
     if (device == u"MKV"_s)
-        return u"film.mkv.mkv"_s;
+        return u"film (2).mkv"_s;
     return device == u"AVI"_s ? u"film.avi"_s : device == u"Xbox"_s ? u"film.mp4"_s : u"film.m4v"_s;
 }
 

@@ -39,10 +39,10 @@ private Q_SLOTS:
             m_runs->convert(selection, isForced ? steps::WhenTaken::Replace : steps::WhenTaken::NextFreeName);
         QVERIFY(m_runs->run(job));
         QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
-        QCOMPARE(job->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a.mkv.m4v"_s)});
-        QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
+        QCOMPARE(job->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a (2).m4v"_s)});
+        QCOMPARE(codecsOf(m_runs->path(u"a (2).m4v"_s)), u"h264 aac aac"_s);
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
-        QCOMPARE(m_runs->names(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a.mkv.m4v"_s}));
+        QCOMPARE(m_runs->names(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a (2).m4v"_s}));
     }
 
     void noOutputReplacesTheSecondNameOfAnAddedFile_data()
@@ -64,7 +64,7 @@ private Q_SLOTS:
         const auto job = m_runs->convert(selection, steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));
         QVERIFY2(job->outcome().verdict == steps::Verdict::Ok, qPrintable(job->outcome().sentence));
-        QCOMPARE(codecsOf(m_runs->path(u"a.mkv.m4v"_s)), u"h264 aac aac"_s);
+        QCOMPARE(codecsOf(m_runs->path(u"a (2).m4v"_s)), u"h264 aac aac"_s);
         QCOMPARE(contentOf(sound), contentOf(audioOnly()));
         QCOMPARE(contentOf(link), contentOf(audioOnly()));
         QCOMPARE(QFileInfo(link).isSymLink(), !isHardLink);
@@ -74,7 +74,7 @@ private Q_SLOTS:
     void whereEveryNameIsASourceNothingStarts()
     {
         const QString sound = m_runs->film(audioOnly(), u"a.m4v"_s);
-        const QString second = m_runs->film(surroundAc3(), u"a.mkv.m4v"_s);
+        const QString second = m_runs->film(surroundAc3(), u"a (2).m4v"_s);
         const auto selection = m_runs->probed(m_runs->film(longMkv(8)), u"General"_s, {sound, second});
         const auto job = m_runs->convert(selection, steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));

@@ -179,12 +179,12 @@ private Q_SLOTS:
             for (const QString &force : support::drawn(QStringList{QString(), u" --force"_s}, 1))
                 QTest::addRow("%s%s", name, qPrintable(force)) << options + force << links << output;
         };
-        row("it has the output's name", u"--add full.m4v"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
-        row("the output's name leads to it", u"--add new.m4a"_s, {u"full.m4v"_s}, u"full.mkv.m4v"_s);
-        row("no name is left", u"--add new.m4a"_s, {u"full.m4v"_s, u"full.mkv.m4v"_s}, {});
-        row("Matroska", u"--kind mkv --add full.mkv.mkv"_s, {u"full.mkv.mkv"_s}, {});
+        row("it has the output's name", u"--add full.m4v"_s, {u"full.m4v"_s}, u"full (2).m4v"_s);
+        row("the output's name leads to it", u"--add new.m4a"_s, {u"full.m4v"_s}, u"full (2).m4v"_s);
+        row("no name is left", u"--add new.m4a"_s, {u"full.m4v"_s, u"full (2).m4v"_s}, {});
+        row("Matroska", u"--kind mkv --add new.m4a"_s, {u"full (2).mkv"_s}, {});
         row("two passes", u"--video 2pass --video-bitrate 90 --add full.m4v"_s, {u"full.m4v"_s},
-            u"full.mkv.m4v"_s);
+            u"full (2).m4v"_s);
         row("the log's name leads to it", u"--add new.m4a"_s, {u"full.mkv.log"_s}, u"full.m4v"_s);
         row("a burned subtitle's name leads to it",
             u"--tracks 0,3 --video 1pass --video-bitrate 90 --subtitles burn --add new.m4a"_s,
@@ -230,7 +230,7 @@ private Q_SLOTS:
             programs.insert(QString::fromUtf8(started.constFirst()));
         const QSet<QString> meant{u"ffprobe"_s, u"grep"_s, u"ffmpeg"_s};
         QVERIFY2((programs - meant).isEmpty(), qPrintable((programs - meant).values().join(u' ')));
-        QCOMPARE(support::codecsOf(m_cli->media(u"full.mkv.mkv"_s)).count(u"subrip"_s), names.size());
+        QCOMPARE(support::codecsOf(m_cli->media(u"full (2).mkv"_s)).count(u"subrip"_s), names.size());
         QStringList left =
             QDir(m_cli->media(u"added"_s)).entryList(QDir::Files | QDir::Hidden | QDir::System);
         QCOMPARE(left.size(), names.size());

@@ -161,7 +161,7 @@ private Q_SLOTS:
             << u"full.m4v"_s << QStringList{u"h264 160"_s, u"aac 2 und"_s, u"ac3 6 und"_s, u"mov_text und"_s};
         QTest::newRow("into Matroska in two passes")
             << u"--tracks 0,4 --kind mkv --video 2pass --video-bitrate 200 --add new.ass --add new.m4a"_s
-            << u"full.mkv.mkv"_s << QStringList{u"h264 320"_s, u"aac 2 und"_s, u"ass fra"_s, u"ass und"_s};
+            << u"full (2).mkv"_s << QStringList{u"h264 320"_s, u"aac 2 und"_s, u"ass fra"_s, u"ass und"_s};
         QTest::newRow("by presets")
             << u"--track-preset Rule --settings-preset Set --add new.ac3 --add new.srt"_s << u"full.m4v"_s
             << QStringList{u"h264 160"_s, u"aac 2 deu"_s, u"ac3 6 und"_s, u"mov_text und"_s};

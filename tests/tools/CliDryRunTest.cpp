@@ -91,7 +91,7 @@ private Q_SLOTS:
         }
         QCOMPARE(textsOf(run.objects().at(0).value(u"arguments"_s)).constLast(), u"/dev/null"_s);
         QCOMPARE(textsOf(run.objects().at(1).value(u"arguments"_s)).constLast(),
-                 m_cli->media(u"a.mkv.mkv"_s));
+                 m_cli->media(u"a (2).mkv"_s));
     }
 
     void theLaunchedListIsShownWhereItDiffers()

@@ -118,14 +118,14 @@ private Q_SLOTS:
             linkToSource(link, u"a.m4v"_s);
             const auto run = m_cli->run(line);
             QVERIFY2(run.status == 0, run.error.constData());
-            QCOMPARE(run.lines(), QStringList({m_cli->media(u"a.mkv.m4v"_s)})); // the name that is left
-            QVERIFY(QFile::remove(m_cli->media(u"a.mkv.m4v"_s)));
-            linkToSource(link, u"a.mkv.m4v"_s);
+            QCOMPARE(run.lines(), QStringList({m_cli->media(u"a (2).m4v"_s)})); // the name that is left
+            QVERIFY(QFile::remove(m_cli->media(u"a (2).m4v"_s)));
+            linkToSource(link, u"a (2).m4v"_s);
             const auto second = m_cli->run(line);
             QCOMPARE(second.status, 2);
             QVERIFY2(second.said().contains(u"one of the job's own sources"_s), qPrintable(second.said()));
-            QCOMPARE(m_cli->mediaNames(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"a.mkv.m4v"_s}));
-            for (const auto &name : {u"a.m4v"_s, u"a.mkv.m4v"_s}) {
+            QCOMPARE(m_cli->mediaNames(), QStringList({u"a (2).m4v"_s, u"a.m4v"_s, u"a.mkv"_s}));
+            for (const auto &name : {u"a.m4v"_s, u"a (2).m4v"_s}) {
                 QCOMPARE(content(name), m_source);
                 QVERIFY(QFile::remove(m_cli->media(name)));
             }
@@ -136,17 +136,17 @@ private Q_SLOTS:
     {
         const auto run = m_cli->run(words(u"convert a.mkv --kind mkv --force --no-keep-logs --tracks 0"_s));
         QVERIFY2(run.status == 0, run.error.constData());
-        QCOMPARE(m_cli->mediaNames(), QStringList({u"a.mkv"_s, u"a.mkv.mkv"_s}));
-        QCOMPARE(run.lines(), QStringList({m_cli->media(u"a.mkv.mkv"_s)}));
+        QCOMPARE(m_cli->mediaNames(), QStringList({u"a (2).mkv"_s, u"a.mkv"_s}));
+        QCOMPARE(run.lines(), QStringList({m_cli->media(u"a (2).mkv"_s)}));
     }
 
     void theInputOfAnotherJobIsNoOutput_data()
     {
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("written");
-        QTest::newRow("of one to come") << u"convert a.mkv a.m4v --force"_s << u"a.m4v.m4v"_s;
-        QTest::newRow("of one that has ended") << u"convert a.m4v a.mkv --force"_s << u"a.m4v.m4v"_s;
-        QTest::newRow("into Matroska") << u"convert a.mkv a.m4v --kind mkv --force"_s << u"a.mkv.mkv"_s;
+        QTest::newRow("of one to come") << u"convert a.mkv a.m4v --force"_s << u"a (2).m4v"_s;
+        QTest::newRow("of one that has ended") << u"convert a.m4v a.mkv --force"_s << u"a (2).m4v"_s;
+        QTest::newRow("into Matroska") << u"convert a.mkv a.m4v --kind mkv --force"_s << u"a (2).mkv"_s;
     }
 
     void theInputOfAnotherJobIsNoOutput()

@@ -37,7 +37,7 @@ QMap<QString, QByteArray> contentOf(const QString &folder)
 
 /// The names that the commands below give their results.
 const QStringList takenNames{u"f.mkv"_s,
-                             u"f.mkv.mkv"_s,
+                             u"f (2).mkv"_s,
                              u"f.removed.mkv"_s,
                              u"f.mkv.remux.mkv"_s,
                              u"f.mkv.joined.mkv"_s,

@@ -55,7 +55,7 @@ private Q_SLOTS:
             << u"video=1 rate=400 width=320 stereo=1 surround=2 surroundRate=384 addStereo"_s << u"film.m4v"_s
             << QStringList{u"h264 320"_s, u"aac 2 eng"_s, u"aac 2 eng"_s, u"aac 6 eng"_s, u"mov_text deu"_s};
         QTest::newRow("everything in two passes")
-            << u"all"_s << u"all"_s << u"MKV"_s << u"video=2 rate=300 width=320"_s << u"film.mkv.mkv"_s
+            << u"all"_s << u"all"_s << u"MKV"_s << u"video=2 rate=300 width=320"_s << u"film (2).mkv"_s
             << QStringList{u"h264 320"_s,   u"aac 2 deu"_s,  u"aac 1 eng"_s, u"ac3 6 eng"_s, u"ac3 2 fra"_s,
                            u"flac 6 und"_s, u"subrip eng"_s, u"ass deu"_s,   u"subrip fra"_s};
         QTest::newRow("an AVI") << u"*/ac3/*"_s << u"all"_s << u"AVI"_s
@@ -72,7 +72,7 @@ private Q_SLOTS:
             << u"film.m4v"_s << QStringList{u"h264 2048"_s, u"aac 6 und"_s};
         QTest::newRow("an unknown original rate, AC3")
             << u"*/flac/*"_s << u"none"_s << u"MKV"_s << u"surround=3 surroundRate=Original keepStereo"_s
-            << u"film.mkv.mkv"_s << QStringList{u"h264 2048"_s, u"ac3 6 und"_s, u"flac 6 und"_s};
+            << u"film (2).mkv"_s << QStringList{u"h264 2048"_s, u"ac3 6 und"_s, u"flac 6 und"_s};
         QTest::newRow("burned in two passes before scaling")
             << u"#2"_s << u"*/ass"_s << u"iPod (All non-Touch)"_s << u"video=2 rate=300 burn"_s
             << u"film.m4v"_s << QStringList{u"h264 720"_s, u"aac 2 deu"_s};

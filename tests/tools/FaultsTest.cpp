@@ -323,12 +323,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("output");
-        QTest::newRow("beside itself") << QString() << u"a.mkv.mkv"_s;
-        QTest::newRow("another spelling") << u"other/../"_s << u"a.mkv.mkv"_s;
-        QTest::newRow("two slashes") << u"/"_s << u"a.mkv.mkv"_s;
-        QTest::newRow("a linked folder") << u"linked"_s << u"a.mkv.mkv"_s;
-        QTest::newRow("a hard link") << u"hard"_s << u"hard/a.mkv.mkv"_s;
-        QTest::newRow("a link") << u"soft"_s << u"soft/a.mkv.mkv"_s;
+        QTest::newRow("beside itself") << QString() << u"a (2).mkv"_s;
+        QTest::newRow("another spelling") << u"other/../"_s << u"a (2).mkv"_s;
+        QTest::newRow("two slashes") << u"/"_s << u"a (2).mkv"_s;
+        QTest::newRow("a linked folder") << u"linked"_s << u"a (2).mkv"_s;
+        QTest::newRow("a hard link") << u"hard"_s << u"hard/a (2).mkv"_s;
+        QTest::newRow("a link") << u"soft"_s << u"soft/a (2).mkv"_s;
     }
 
     void theSourceIsNeverTheOutput()
@@ -358,7 +358,7 @@ private Q_SLOTS:
     void withoutAnyOtherNameNothingRuns()
     {
         const QString source = m_runs->film(fullMkv());
-        for (const QString &name : {u"a.m4v"_s, u"a.mkv.m4v"_s})
+        for (const QString &name : {u"a.m4v"_s, u"a (2).m4v"_s})
             QVERIFY(QFile::link(source, m_runs->path(name)));
         const auto job = m_runs->convert(m_runs->probed(source), steps::WhenTaken::Replace);
         QVERIFY(m_runs->run(job));

@@ -260,7 +260,7 @@ void HostileNamesTest::converting()
                 tags(u"a:0"_s, title) + QStringList{u"-map"_s, u"0:2"_s, u"-codec:s:0"_s, u"copy"_s} +
                 tags(u"s:0"_s, title) + QStringList{u"-f"_s, u"matroska"_s, u"-y"_s, source + u".mkv"_s};
             expected += probeOf(source) + ffmpeg(list) + durationOf(source);
-            lane->names.append(film.stem + u".mkv.mkv"_s);
+            lane->names.append(film.stem + u" (2).mkv"_s);
             const auto streams = support::streamsOf(source + u".mkv"_s);
             QCOMPARE(streams.size(), 3);
             for (const QJsonObject &stream : streams)

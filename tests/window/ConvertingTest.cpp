@@ -168,7 +168,7 @@ private Q_SLOTS:
         QVERIFY(m_fixture->waitForJobs());
         deleteRow(*m_fixture, 1);
         QCOMPARE(m_fixture->rows("QueueTable", File), QStringList({u"1.mkv"_s, u"3.mkv"_s}));
-        QVERIFY(QFile::exists(m_fixture->path(u"2.mkv.mkv"_s)));
+        QVERIFY(QFile::exists(m_fixture->path(u"2 (2).mkv"_s)));
         m_fixture->click("QueueClearButton");
         QCOMPARE(m_fixture->rows("QueueTable", File), QStringList());
         QTRY_VERIFY(!m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
@@ -240,7 +240,7 @@ private Q_SLOTS:
         m_fixture->pick("DevicePopUp", u"MKV"_s);
         m_fixture->click("ConvertButton");
         QVERIFY(m_fixture->waitForJobs());
-        const QStringList tracks = tracksOf(m_fixture->path(u"1.mkv.mkv"_s));
+        const QStringList tracks = tracksOf(m_fixture->path(u"1 (2).mkv"_s));
         QCOMPARE(tracks.size(), 4);
         QVERIFY2(has(tracks, u"audio:eng:The 'first', 100%:.*"_s), qPrintable(tracks.join(u'\n')));
         QVERIFY2(has(tracks, u"audio:ita:.*"_s), qPrintable(tracks.join(u'\n')));

@@ -55,10 +55,7 @@ QUrl KXFfmpegConverter::wantedOutput() const
 /// Where that is a source, the job's own name is "a (2).mkv".
 QUrl KXFfmpegConverter::besideSources(const QUrl &wanted) const
 {
-    QUrl name = wanted;
-    for (int number = 2; context().guard.isInput(name); ++number)
-        name = steps::withMark(wanted, u" (%1)"_s.arg(number));
-    return name;
+    return context().guard.isInput(wanted) ? steps::withMark(wanted, u" (2)"_s) : wanted;
 }
 
 void KXFfmpegConverter::prepareNames(const QUrl &wanted)

@@ -51,8 +51,8 @@ public:
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
     steps::Outcome outcome() const override;
-    /// A single track is a part of a film to come, and never kept.
-    QList<QUrl> temporaryFiles() const override { return {}; }
+    /// A single track is a part of a film to come.
+    bool isNeverKept() const override { return isTemporaryOutput(); }
     /// True when the run failed for packets without timestamps.
     bool asksForTimestamps() const;
 

@@ -26,6 +26,18 @@ const KXVideoTrack *KXTrackDumper::track() const
     return isThere ? tracks.at(trackItemToProcess()).get() : nullptr;
 }
 
+/// The second file of the two has no name but this one.
+bool KXTrackDumper::takesCompanion(const QUrl &companion)
+{
+    if (!platform::isTakenName(companion)) {
+        const auto claim = context().guard.claimOutput(companion);
+        if (claim.refusal.isNull() && claim.url == companion)
+            return true;
+    }
+    refuse(u"%1 exists already, so nothing was started."_s.arg(companion.toLocalFile()));
+    return false;
+}
+
 /// Names for output and log, by the base path.
 bool KXTrackDumper::prepare(const QString &base, Naming naming)
 {
@@ -39,12 +51,8 @@ bool KXTrackDumper::prepare(const QString &base, Naming naming)
     else if (!claimOutput(wanted))
         return false;
     const QUrl companion = engines::extractionCompanion(outputFileURL(), *track());
-    if (!isEmpty(companion) && platform::isTakenName(companion)) {
-        refuse(u"%1 exists already, so nothing was started."_s.arg(companion.toLocalFile()));
+    if (!isEmpty(companion) && !takesCompanion(companion))
         return false;
-    }
-    if (!isEmpty(companion))
-        context().guard.claimFree(companion); // ours from here on
     claimLog(QUrl::fromLocalFile(outputFileURL().toLocalFile() + u".log"_s));
     setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
     setExtractorName(engines::isForMkvextract(*track()) ? u"mkvextractor"_s : u"ffmpeg"_s);

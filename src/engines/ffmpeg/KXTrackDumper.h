@@ -43,6 +43,7 @@ protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
 
 private:
+    bool takesCompanion(const QUrl &companion);
     enum class Naming { Output, Intermediate };
 
     const KXVideoTrack *track() const;

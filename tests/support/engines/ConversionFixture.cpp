@@ -72,10 +72,7 @@ QList<QStringList> ConversionFixture::calls() const
 {
     QList<QStringList> lists;
     for (const auto &run : FakeTool::recordedRuns(path(u"runs"_s))) {
-        QStringList arguments;
-        for (const QByteArray &argument : run.arguments)
-            arguments << QString::fromUtf8(argument);
-        lists << arguments;
+        lists << base.launcher.named(run.arguments);
     }
     return lists;
 }

@@ -48,10 +48,7 @@ QList<QStringList> FfmpegFixture::calls() const
 {
     QList<QStringList> lists;
     for (const auto &run : FakeTool::recordedRuns(path(u"runs"_s))) {
-        QStringList arguments;
-        for (const QByteArray &argument : run.arguments)
-            arguments << QString::fromUtf8(argument);
-        lists << arguments;
+        lists << base.launcher.named(run.arguments);
     }
     return lists;
 }

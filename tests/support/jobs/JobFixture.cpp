@@ -1,5 +1,6 @@
 #include "support/jobs/JobFixture.h"
 
+#include "steps/RunAsProcess.h"
 #include "support/FakeTool.h"
 #include "support/TestPlaces.h"
 
@@ -38,6 +39,36 @@ bool FakeWorkspace::open(const QUrl &document, const QUrl &application)
 {
     m_asked.append(u"open %1 with %2"_s.arg(document.toLocalFile(), application.toLocalFile()));
     return opens;
+}
+
+tools::ToolProcessPointer LaunchRecord::start(const steps::Launch &launch,
+                                              const tools::ToolProcess::Request &request)
+{
+    m_all.append(launch);
+    const tools::OptionList named = launch.line ? steps::runAsProcess(launch.launched) : launch.launched;
+    for (qsizetype i = 0; i < launch.started.size() && i < named.size(); ++i)
+        m_names.insert(launch.started.at(i).argument(), named.at(i).argument());
+    return StepLauncher::start(launch, request);
+}
+
+QList<steps::Launch> LaunchRecord::of(const QString &tool) const
+{
+    QList<steps::Launch> found;
+    for (const steps::Launch &launch : m_all) {
+        if (launch.tool.fileName() == tool)
+            found.append(launch);
+    }
+    return found;
+}
+
+QStringList LaunchRecord::named(const QByteArrayList &arguments) const
+{
+    QStringList texts;
+    for (const QByteArray &argument : arguments) {
+        const QString text = QString::fromUtf8(argument);
+        texts.append(m_names.value(text, text));
+    }
+    return texts;
 }
 
 JobFixture::JobFixture(Tools tools)

@@ -14,6 +14,7 @@
 #include "support/Scratch.h"
 #include "support/ScriptedAlerts.h"
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 
@@ -46,6 +47,23 @@ public:
 
 private:
     QStringList m_asked;
+};
+
+/// Starts what it is asked to start, and keeps what that was.
+class LaunchRecord final : public steps::StepLauncher
+{
+public:
+    tools::ToolProcessPointer start(const steps::Launch &launch,
+                                    const tools::ToolProcess::Request &request) override;
+    const QList<steps::Launch> &all() const { return m_all; }
+    /// The starts of one tool, in order.
+    QList<steps::Launch> of(const QString &tool) const;
+    /// What a tool was called with, by the final names of files.
+    QStringList named(const QByteArrayList &arguments) const;
+
+private:
+    QList<steps::Launch> m_all;
+    QHash<QString, QString> m_names; ///< an argument as it was started, to that of the launch form
 };
 
 /// Everything a job, a converter or the queue is handed, in a scratch folder of its own and with the
@@ -83,7 +101,7 @@ struct JobFixture
     ScriptedAlerts alerts;
     FakeVolumes volumes;
     FakeWorkspace workspace;
-    steps::StepLauncher launcher;
+    LaunchRecord launcher;
     steps::OutputRegistry outputs;
     steps::ScratchFolder scratchFolder;
     int toolsAtOnce = 4; ///< of one job, on whatever machine

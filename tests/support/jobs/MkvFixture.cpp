@@ -23,23 +23,6 @@ QString textOf(const QVariant &object)
 
 } // namespace
 
-tools::ToolProcessPointer LaunchRecord::start(const steps::Launch &launch,
-                                              const tools::ToolProcess::Request &request)
-{
-    m_all.append(launch);
-    return StepLauncher::start(launch, request);
-}
-
-QList<steps::Launch> LaunchRecord::of(const QString &tool) const
-{
-    QList<steps::Launch> found;
-    for (const steps::Launch &launch : m_all) {
-        if (launch.tool.fileName() == tool)
-            found.append(launch);
-    }
-    return found;
-}
-
 MkvFixture::MkvFixture(const QStringList &mkvmerge, const QString &sourceName)
     : source(base.scratch.url(sourceName.isNull() ? u"a.mkv"_s : sourceName))
     , guard(base.outputs, steps::WhenTaken::NextFreeName)
@@ -114,11 +97,17 @@ QList<QStringList> MkvFixture::calls(const QString &tool) const
     QList<QStringList> lists;
     for (const auto &run : FakeTool::recordedRuns(path(tool + u".runs"_s))) {
         QStringList arguments;
-        for (const QByteArray &argument : run.arguments)
-            arguments << shown(QString::fromUtf8(argument));
+        for (const QString &argument : launches.named(run.arguments))
+            arguments << shown(argument);
         lists << arguments;
     }
     return lists;
+}
+
+QByteArray MkvFixture::fileOf(const QUrl &name) const
+{
+    QFile file(guard.fileOf(name).toLocalFile());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QString MkvFixture::meant(qsizetype n, const QString &tool) const

@@ -24,20 +24,6 @@ std::shared_ptr<KXJob> makeJob(const jobs::JobContext &context)
 /// What a muxing list says of an English track, ended by a bar.
 QString muxOptions(const QString &id, const QString &title = {});
 
-/// Starts what it is asked to start, and keeps what that was.
-class LaunchRecord final : public steps::StepLauncher
-{
-public:
-    tools::ToolProcessPointer start(const steps::Launch &launch,
-                                    const tools::ToolProcess::Request &request) override;
-    const QList<steps::Launch> &all() const { return m_all; }
-    /// The starts of one tool, in order.
-    QList<steps::Launch> of(const QString &tool) const;
-
-private:
-    QList<steps::Launch> m_all;
-};
-
 /// Jobs and converters around mkvmerge in surroundings of their own, for a source in the scratch folder. The
 /// tools record how they were called and play a script. In the texts it answers, the scratch folder is
 /// called "/v", so that a list can be written down.
@@ -76,11 +62,13 @@ public:
     /// The texts announced under that name; locations are shown as paths.
     QStringList posted(const QString &name) const;
     QString shown(QString text) const;
+    /// What a file of the converter without a job holds, by its final name.
+    QByteArray fileOf(const QUrl &name) const;
     QString path(const QString &name) const { return base.scratch.path(name); }
     QUrl url(const QString &name) const { return base.scratch.url(name); }
 
     JobFixture base{JobFixture::Tools::Fake};
-    LaunchRecord launches;
+    LaunchRecord &launches = base.launcher;
     QUrl source;
     steps::OutputGuard guard;
     NotificationRecord record;

@@ -5,6 +5,8 @@
 #include "support/jobs/MkvFixture.h"
 #include "support/selection/HandMade.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QTest>
@@ -45,6 +47,18 @@ public:
     bool waitForStep(const QString &text) const
     {
         return waitFor([&] { return progressTexts().contains(text); });
+    }
+    /// The work folder of the job.
+    QDir work() const
+    {
+        const QDir folder(base.scratch.path());
+        return QDir(
+            folder.filePath(folder.entryList({u".tessaray-??????"_s}, QDir::Dirs | QDir::Hidden).value(0)));
+    }
+    void writeLog(const QByteArray &text) const
+    {
+        QFile log(work().filePath(u"2.log"_s)); // the output is number 1
+        QVERIFY(log.open(QIODevice::WriteOnly | QIODevice::Truncate) && log.write(text) == text.size());
     }
     QString taskOf(qsizetype n) const { return std::get<QString>(job->stepTaskList().at(n)); }
 };
@@ -280,16 +294,15 @@ private Q_SLOTS:
     {
         MkvJobFixture fixture({u"hang"_s});
         const auto job = fixture.begin({pictureAs()});
-        const QString muxLog = u"a.mkv.muxed.log"_s;
         QVERIFY(waitFor([&] { return fixture.calls().size() == 1; }));
         QVERIFY(waitFor([&] { return job->progressList().size() == 1; }));
-        fixture.base.scratch.write(muxLog, "Progress: 90%\rProgress: 100%\r");
+        fixture.writeLog("Progress: 90%\rProgress: 100%\r");
         QVERIFY(fixture.waitForStep(u"Muxing Tracks Step #1=100%"_s));
-        fixture.base.scratch.write(muxLog, "The cue entries (the index) are being written...\n");
-        fixture.base.scratch.write(muxLog, "Progress: 100%\rProgress: 3%\r");
+        fixture.writeLog("The cue entries (the index) are being written...\n");
+        fixture.writeLog("Progress: 100%\rProgress: 3%\r");
         QVERIFY(fixture.waitForStep(u"Muxing Tracks Step #2=3%"_s));
         QCOMPARE(job->progressStepCounter(), 2);
-        fixture.base.scratch.write(muxLog, "Progress: 4%\rProgress: 100%\nMultiplexing took 0 seconds.\n");
+        fixture.writeLog("Progress: 4%\rProgress: 100%\nMultiplexing took 0 seconds.\n");
         ::kill(fixture.taskOf(0).toInt(), SIGKILL);
         QVERIFY(fixture.waitForEnd());
         QVERIFY(fixture.progressTexts().contains(u"Muxing Tracks Step #2=Complete"_s));
@@ -400,7 +413,7 @@ private Q_SLOTS:
         fixture.setScript(u"ffmpeg/ffmpeg"_s, {u"write 10 last"_s, u"hang"_s});
         const auto job = fixture.begin({pictureAs(u"h264"_s), queuedSound()});
         QVERIFY(fixture.waitForStep(u"Converting Video=0%"_s));
-        QVERIFY(waitFor([&] { return fixture.base.scratch.names().contains(u"a.mkv"_s); }));
+        QVERIFY(waitFor([&] { return !fixture.work().entryList({u"*.mkv"_s}).isEmpty(); }));
         const qint64 tool = fixture.taskOf(0).toLongLong();
         job->stopJob();
         QVERIFY(waitFor([&] { return !runs(tool); }));

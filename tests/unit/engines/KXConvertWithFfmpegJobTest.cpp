@@ -183,7 +183,7 @@ private Q_SLOTS:
         QCOMPARE(calls.size(), 3);
         QCOMPARE(calls.at(1), pair + calls.at(0));
         QCOMPARE(calls.at(2).mid(0, 2), pair);
-        QCOMPARE(calls.at(2).last(), fixture.path(u"a.mkv.mkv"_s));
+        QCOMPARE(calls.at(2).last(), fixture.path(u"a (2).mkv"_s));
         QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 

@@ -279,7 +279,7 @@ private Q_SLOTS:
             u"exit status 1"_s);
         row("killed", {done, u"write 10 last"_s, u"die KILL"_s}, steps::Verdict::Failed,
             u"ended from outside"_s);
-        row("no output", {done}, steps::Verdict::Failed, u"without writing a.mkv.mkv"_s);
+        row("no output", {done}, steps::Verdict::Failed, u"without writing a (2).mkv"_s);
         row("empty output", {done, u"write 0 last"_s}, steps::Verdict::Failed, u"wrote nothing"_s);
         row("no picture", {u"err time=00:02:00.00 "_s, u"write 10 last"_s}, steps::Verdict::Failed,
             u"no picture"_s);
@@ -389,7 +389,7 @@ private Q_SLOTS:
         FfmpegFixture fixture;
         steps::OutputGuard strict(fixture.base.outputs, steps::WhenTaken::Refuse);
         fixture.base.scratch.write(u"a.m4v"_s, "precious");
-        strict.setInputs({fixture.source, fixture.url(u"a.m4v"_s), fixture.url(u"a.mkv.m4v"_s)});
+        strict.setInputs({fixture.source, fixture.url(u"a.m4v"_s), fixture.url(u"a (2).m4v"_s)});
         KXFfmpegConverter converter(fixture.base.converterContext(strict));
         QVERIFY(!converter.startConversionForSelection(fixture.selection(u"General"_s, {videoTrack()})));
         QVERIFY(!converter.refusal().isNull());

@@ -63,8 +63,8 @@ private Q_SLOTS:
         QTest::newRow("Xbox") << u"Xbox"_s << u"a.mp4"_s;
         QTest::newRow("PS3") << u"PS3"_s << u"a.m4v"_s;
         QTest::newRow("AVI") << u"AVI"_s << u"a.avi"_s;
-        // Where the output would be the source, its base keeps the extension.
-        QTest::newRow("MKV") << u"MKV"_s << u"a.mkv.mkv"_s;
+        // Where the output would be the source.
+        QTest::newRow("MKV") << u"MKV"_s << u"a (2).mkv"_s;
     }
 
     void outputsBesideTheSource()
@@ -214,7 +214,7 @@ private Q_SLOTS:
         QTest::newRow("MP4") << u"General"_s << false << u"a.m4v"_s;
         QTest::newRow("no device has an extension of its own") << u"Xbox"_s << false << u"a.m4v"_s;
         QTest::newRow("AVI") << u"AVI"_s << false << u"a.avi"_s;
-        QTest::newRow("MKV") << u"MKV"_s << false << u"a.mkv.mkv"_s;
+        QTest::newRow("MKV") << u"MKV"_s << false << u"a (2).mkv"_s;
         QTest::newRow("stereo copy") << u"General"_s << true << u"a.added.m4v"_s;
         QTest::newRow("stereo copy in MKV") << u"MKV"_s << true << u"a.added.mkv"_s;
     }
@@ -245,7 +245,7 @@ private Q_SLOTS:
         QVERIFY(fixture.waitForEnds(1));
         const QString statistics = fixture.path(u"temp/passLog"_s);
         QCOMPARE(fixture.calls().at(0).mid(fixture.calls().at(0).size() - 4),
-                 QStringList({u"-passlogfile"_s, statistics, u"-y"_s, fixture.path(u"a.mkv.mkv"_s)}));
+                 QStringList({u"-passlogfile"_s, statistics, u"-y"_s, fixture.path(u"a (2).mkv"_s)}));
         const QStringList second = fixture.calls().at(1);
         QCOMPARE(second.mid(second.size() - 4), fixture.calls().at(0).mid(fixture.calls().at(0).size() - 4));
         QCOMPARE(second.mid(2, 2), QStringList({u"-pass"_s, u"2"_s}));

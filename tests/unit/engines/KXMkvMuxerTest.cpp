@@ -354,7 +354,7 @@ private Q_SLOTS:
         MuxerFixture fixture({u"hang"_s});
         const QString id = fixture.mux({titledPicture()});
         QVERIFY(fixture.waitForRuns(1));
-        fixture.base.scratch.write(u"a.mkv.muxed.log"_s, log);
+        fixture.guard.files().write(fixture.muxer.logFileURL(), log);
         QCOMPARE(fixture.muxer.monitorConversion(), answer);
         ::kill(id.toInt(), SIGKILL);
         QVERIFY(waitFor([&] { return fixture.muxer.monitorConversion() == u"Complete"_s; }));

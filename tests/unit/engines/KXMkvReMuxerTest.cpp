@@ -58,7 +58,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.calls(),
                  QList<QStringList>{QStringList(
                      {u"-o"_s, u"/v/a.mkv.remux.mkv"_s, u"--compression"_s, u"-1:none"_s, u"/v/a.mkv"_s})});
-        QVERIFY(fixture.base.scratch.read(u"a.mkv.remuxing.log"_s).contains("Multiplexing took"));
+        QVERIFY(fixture.fileOf(fixture.remuxer.logFileURL()).contains("Multiplexing took"));
     }
 
     void aSaveFolderTakesOutputAndLog()
@@ -121,7 +121,7 @@ private Q_SLOTS:
         for (const QByteArray &chunk : chunks)
             fixture.read(chunk);
         QCOMPARE(fixture.posted(u"monitorSplitUpdate"_s), texts);
-        QCOMPARE(fixture.base.scratch.read(u"x.log"_s), chunks.join());
+        QCOMPARE(fixture.fileOf(fixture.remuxer.logFileURL()), chunks.join());
     }
 
     void progressTellsItsConverterAndStep()
@@ -170,7 +170,7 @@ private Q_SLOTS:
         const QString id = fixture.remuxer.startConversionFor(fixture.selection(mkvRemux, {}));
         QVERIFY(fixture.waitForRuns(1));
         QCOMPARE(fixture.remuxer.monitorConversion(), u"error"_s);
-        fixture.base.scratch.write(u"a.mkv.remuxing.log"_s, "Progress: 44%\rProgress: 45%\r");
+        fixture.guard.files().write(fixture.remuxer.logFileURL(), "Progress: 44%\rProgress: 45%\r");
         QCOMPARE(fixture.remuxer.monitorConversion(), u"45%"_s);
         ::kill(id.toInt(), SIGKILL);
         QVERIFY(waitFor([&] { return fixture.remuxer.monitorConversion() == u"Complete"_s; }));

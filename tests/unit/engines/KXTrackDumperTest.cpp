@@ -52,10 +52,7 @@ public:
     QStringList call() const
     {
         const auto runs = FakeTool::recordedRuns(path(u"runs"_s));
-        QStringList arguments;
-        for (const QByteArray &argument : runs.isEmpty() ? QByteArrayList() : runs.first().arguments)
-            arguments << QString::fromUtf8(argument);
-        return arguments;
+        return runs.isEmpty() ? QStringList() : base.launcher.named(runs.first().arguments);
     }
     QString program() const
     {
@@ -281,8 +278,8 @@ private Q_SLOTS:
         QVERIFY(fixture.waitForRun());
         QVERIFY(waitFor([&] { return fixture.dumper.monitorConversion() == u"50%"_s; }));
         QCOMPARE(fixture.dumper.oldProgress(), u"00:01:00.00"_s);
-        fixture.base.scratch.write(u"a.mkv.stream0.h264.log"_s,
-                                   "frame=2 time=00:01:30.00 bitrate\rsomething else\n");
+        fixture.guard.files().write(fixture.dumper.logFileURL(),
+                                    "frame=2 time=00:01:30.00 bitrate\rsomething else\n");
         QCOMPARE(fixture.dumper.monitorConversion(), u"50%"_s); // the last line has none
     }
 
@@ -292,7 +289,7 @@ private Q_SLOTS:
         fixture.dumper.startConversionFor(fixture.selection({pgs()}));
         QVERIFY(fixture.waitForRun());
         QVERIFY(waitFor([&] { return fixture.dumper.monitorConversion() == u"45%"_s; }));
-        fixture.base.scratch.write(u"a.mkv.stream5.sup.log"_s, "Progress: 60%\rWarning: something\n");
+        fixture.guard.files().write(fixture.dumper.logFileURL(), "Progress: 60%\rWarning: something\n");
         QCOMPARE(fixture.dumper.monitorConversion(), u"45%"_s);
         QCOMPARE(fixture.dumper.oldProgress(), u"45%"_s);
     }

@@ -23,7 +23,7 @@ namespace {
 
 /// What the operations would write, and the name from which theirs are made.
 const QStringList taken{u"a.mkv"_s,
-                        u"a.mkv.mkv"_s,
+                        u"a (2).mkv"_s,
                         u"a.m4v"_s,
                         u"a.muxed.mkv"_s,
                         u"a.removed.mkv"_s,
