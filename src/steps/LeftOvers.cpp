@@ -1,5 +1,6 @@
 #include "steps/LeftOvers.h"
 
+#include "platform/HolderFile.h"
 #include "platform/PlainFiles.h"
 #include "steps/FreeNames.h"
 #include "steps/OutputClaims.h"
@@ -8,7 +9,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QLockFile>
 
 using namespace Qt::StringLiterals;
 
@@ -47,11 +47,8 @@ void finish(const Publication &publication)
 void clearFolder(const QFileInfo &folder)
 {
     const QUrl location = QUrl::fromLocalFile(folder.filePath());
-    const QString lockPath = folder.filePath() + u'/' + WorkFolder::lockName();
-    const bool isLocked = platform::fileAt(QUrl::fromLocalFile(lockPath)).has_value();
-    QLockFile lock(lockPath);
-    lock.setStaleLockTime(0);
-    if (isLocked && lock.tryLock(0)) {
+    const QUrl lock = QUrl::fromLocalFile(folder.filePath() + u'/' + WorkFolder::lockName());
+    if (platform::HolderFile::isHolderGone(lock)) {
         for (const Publication &publication : publicationsIn(location).value_or(QList<Publication>()))
             finish(publication);
     } else if (!isOld(newestIn(folder))) {
@@ -62,10 +59,12 @@ void clearFolder(const QFileInfo &folder)
 
 void clearClaim(const QFileInfo &claim)
 {
-    QLockFile lock(claim.filePath());
-    lock.setStaleLockTime(0);
-    if (!lock.tryLock(0) && isOld(claim.lastModified()))
-        platform::removeName(QUrl::fromLocalFile(claim.filePath()));
+    const QUrl location = QUrl::fromLocalFile(claim.filePath());
+    if (isOld(claim.lastModified()) && !platform::HolderFile::isHolderGone(location))
+        platform::removeName(location);
+    else if (platform::HolderFile::isHolderGone(location))
+        platform::HolderFile(location)
+            .take(); // only one of several who clear it can, and it goes with the object
 }
 
 } // namespace

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "platform/PlainFiles.h"
+#include "platform/HolderFile.h"
 
 #include <QString>
 #include <QUrl>
 
 #include <memory>
 #include <unordered_map>
-
-class QLockFile;
 
 namespace steps {
 
@@ -18,11 +16,7 @@ namespace steps {
 class OutputClaims final
 {
 public:
-    enum class Answer { Held, Taken, Impossible };
-
-    OutputClaims();
-    ~OutputClaims();
-    Q_DISABLE_COPY_MOVE(OutputClaims)
+    using Answer = platform::HolderFile::Answer;
 
     /// Held also where this job holds it already; Impossible where the folder takes no file.
     Answer take(const QUrl &name);
@@ -39,13 +33,7 @@ public:
     static bool isName(const QString &name);
 
 private:
-    struct Claim
-    {
-        std::unique_ptr<QLockFile> lock;
-        platform::FileId file;
-    };
-    static void letGo(const QString &path, Claim &claim);
-    std::unordered_map<QString, Claim> m_claims; ///< by path of the claim
+    std::unordered_map<QString, std::unique_ptr<platform::HolderFile>> m_claims; ///< by path of the claim
 };
 
 } // namespace steps

@@ -1,9 +1,9 @@
 #include "steps/WorkFolder.h"
 
+#include "platform/HolderFile.h"
 #include "platform/PlainFiles.h"
 
 #include <QFileInfo>
-#include <QLockFile>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 
@@ -62,9 +62,9 @@ bool WorkFolder::make()
                 continue;
             return false;
         }
-        m_lock = std::make_unique<QLockFile>(m_folder.toLocalFile() + u'/' + lockName());
-        m_lock->setStaleLockTime(0);
-        if (!m_lock->tryLock(0))
+        m_lock = std::make_unique<platform::HolderFile>(
+            QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + lockName()));
+        if (m_lock->take() != platform::HolderFile::Answer::Held)
             remove();
     }
     return isMade();
@@ -78,7 +78,8 @@ QUrl WorkFolder::placeOf(const QUrl &name)
     auto plain = m_stems.find(stem);
     if (plain == m_stems.end())
         plain = m_stems.insert(stem, QString::number(m_stems.size() + 1));
-    return QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + *plain + suffix);
+    // mkvmerge puts the numbers of parts in front of the last full stop, wherever in the path that is.
+    return QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + *plain + (suffix.isEmpty() ? u"."_s : suffix));
 }
 
 QString WorkFolder::withFinalNames(QString text) const

@@ -6,7 +6,9 @@
 
 #include <memory>
 
-class QLockFile;
+namespace platform {
+class HolderFile;
+}
 
 namespace steps {
 
@@ -42,7 +44,7 @@ public:
 private:
     QUrl m_parent;
     QUrl m_folder;
-    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<platform::HolderFile> m_lock;
     QHash<QString, QString> m_stems; ///< final stem, with its path, to the plain one
 };
 

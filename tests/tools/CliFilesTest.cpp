@@ -96,8 +96,8 @@ private Q_SLOTS:
         m_cli->setTool(u"ffmpeg/ffmpeg"_s, failingTool);
         const auto run = m_cli->run(words(u"convert a.mkv --tracks 0"_s));
         QCOMPARE(run.status, 2);
-        QCOMPARE(content(u"a.m4v"_s), "half a film");
-        QVERIFY2(run.said().contains(m_cli->media(u"a.m4v"_s)), qPrintable(run.said()));
+        QCOMPARE(content(u"a (incomplete).m4v"_s), "half a film");
+        QVERIFY2(run.said().contains(m_cli->media(u"a (incomplete).m4v"_s)), qPrintable(run.said()));
         QVERIFY(run.output.isEmpty());
     }
 

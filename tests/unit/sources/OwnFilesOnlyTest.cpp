@@ -42,11 +42,6 @@ const QMap<QString, QString> &reasons()
         {u"prefs/ToolCheck.cpp"_s, u"a temporary home for a tool that is only asked for its version"_s},
         {u"cli/PresetsCommand.cpp"_s, u"the file that \"presets export\" was told to make, exclusively"_s},
         {u"steps/ScratchFolder.cpp"_s, u"the temporary folder of the program and those of its jobs"_s},
-        {u"steps/WorkFolder.cpp"_s, u"the lock in a folder of its own"_s},
-        {u"steps/WorkFolder.h"_s, u"its header"_s},
-        {u"steps/OutputClaims.cpp"_s, u"claims, which are files of its own beside the outputs"_s},
-        {u"steps/OutputClaims.h"_s, u"its header"_s},
-        {u"steps/LeftOvers.cpp"_s, u"the locks of work folders and claims that were left over"_s},
         {u"steps/ScratchFolder.h"_s, u"holds that folder"_s},
         {u"media/CodecVocabulary.cpp"_s, u"\"rm\" is a file extension there"_s},
     };

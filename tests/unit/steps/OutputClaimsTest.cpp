@@ -25,8 +25,8 @@ QStringList hiddenIn(const support::Scratch &scratch)
 /// What a lock file holds: process, program, host.
 QByteArray claimBy(qint64 pid, const QString &host, const QByteArray &machine = QSysInfo::machineUniqueId())
 {
-    return QByteArray::number(pid) + "\ntessaray\n" + host.toUtf8() + '\n' + machine + '\n' +
-           QSysInfo::bootUniqueId() + '\n';
+    return QByteArray::number(pid) + "\n\n" + host.toUtf8() + '\n' + machine + '\n' +
+           QSysInfo::bootUniqueId() + "\na word\n";
 }
 
 /// A number that no process has any more.

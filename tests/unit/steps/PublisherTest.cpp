@@ -44,8 +44,8 @@ struct Work
     void writeLock(const QString &host = QSysInfo::machineHostName(),
                    const QByteArray &machine = QSysInfo::machineUniqueId()) const
     {
-        scratch.write(folder + u"/lock"_s, "4194305\ntessaray\n" + host.toUtf8() + '\n' + machine + '\n' +
-                                               QSysInfo::bootUniqueId() + '\n');
+        scratch.write(folder + u"/lock"_s, "4194305\n\n" + host.toUtf8() + '\n' + machine + '\n' +
+                                               QSysInfo::bootUniqueId() + "\na word\n");
     }
     bool isThere() const { return QFileInfo::exists(scratch.path(folder)); }
     void makeOld(const QString &name) const

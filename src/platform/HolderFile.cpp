@@ -1,0 +1,140 @@
+#include "platform/HolderFile.h"
+
+#include "platform/OrdinaryFile.h"
+#include "platform/PlainFiles.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QSysInfo>
+#include <QUuid>
+
+#include <cerrno>
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace platform {
+
+namespace {
+
+constexpr qint64 mostBytesOfHolder = 4096;
+constexpr qint64 secondsOfWriting = 60;
+constexpr int triesOfTakingOver = 3;
+constexpr int numberOfLines = 7;
+
+/// The start of a process, in whatever unit the system has; empty where it does not tell. It tells a process
+/// from another one that has got its number since.
+QByteArray startOf(qint64 pid)
+{
+    QFile file(u"/proc/%1/stat"_s.arg(pid));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray line = file.readAll();
+    constexpr int fieldsBehindTheName = 19;
+    return line.mid(line.lastIndexOf(')') + 2).split(' ').value(fieldsBehindTheName);
+}
+
+/// Lines: process, its start, host, machine, boot, and a word that is never the same: a volume may give the
+/// number of a file that was removed to the next one at once, so numbers tell no file from another.
+QByteArray ownLines()
+{
+    const qint64 pid = QCoreApplication::applicationPid();
+    return QByteArrayList{QByteArray::number(pid),
+                          startOf(pid),
+                          QSysInfo::machineHostName().toUtf8(),
+                          QSysInfo::machineUniqueId(),
+                          QSysInfo::bootUniqueId(),
+                          QUuid::createUuid().toByteArray(QUuid::Id128),
+                          {}}
+        .join('\n');
+}
+
+bool isRunning(qint64 pid, const QByteArray &start)
+{
+    const bool isThere = ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
+    const QByteArray found = startOf(pid);
+    return isThere && (start.isEmpty() || found.isEmpty() || start == found);
+}
+
+/// Half a file is one that is being written, or was left so by a process that ended just then.
+bool isAbandoned(const QUrl &location)
+{
+    const QFileInfo info(location.toLocalFile());
+    return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) > secondsOfWriting;
+}
+
+QByteArray linesAt(const QUrl &location)
+{
+    return readPart(location.toLocalFile(), 0, mostBytesOfHolder);
+}
+
+} // namespace
+
+HolderFile::HolderFile(const QUrl &location)
+    : m_location(location)
+{
+}
+
+HolderFile::~HolderFile()
+{
+    if (isHeld())
+        removeName(m_location);
+}
+
+bool HolderFile::isHolderGone(const QUrl &location)
+{
+    const QByteArrayList lines = linesAt(location).split('\n');
+    if (lines.size() < numberOfLines)
+        return isAbandoned(location);
+    const bool isThisMachine =
+        lines.at(2) == QSysInfo::machineHostName().toUtf8() && lines.at(3) == QSysInfo::machineUniqueId();
+    if (!isThisMachine)
+        return false;
+    return lines.at(4) != QSysInfo::bootUniqueId() || !isRunning(lines.at(0).toLongLong(), lines.at(1));
+}
+
+bool HolderFile::make()
+{
+    const QByteArray lines = ownLines();
+    if (!createFile(m_location, lines))
+        return false;
+    m_lines = lines;
+    if (!isHeld()) // a full disk
+        removeName(m_location);
+    return isHeld();
+}
+
+/// By a rename, which only one of several can do; who moved another file than was judged puts it back.
+bool HolderFile::clearAway(const QByteArray &judged) const
+{
+    const QUrl aside =
+        QUrl::fromLocalFile(m_location.toLocalFile() + u'.' + QUuid::createUuid().toString(QUuid::Id128));
+    if (!renameToFreeName(m_location, aside))
+        return false;
+    if (linesAt(aside) == judged || !renameToFreeName(aside, m_location))
+        return removeName(aside);
+    return false;
+}
+
+HolderFile::Answer HolderFile::take()
+{
+    for (int i = 0; i < triesOfTakingOver && !isHeld(); ++i) {
+        if (make())
+            break;
+        if (!fileAt(m_location))
+            return Answer::Impossible;
+        const QByteArray judged = linesAt(m_location);
+        if (!isHolderGone(m_location) || !clearAway(judged))
+            return Answer::Taken;
+    }
+    return isHeld() ? Answer::Held : Answer::Taken;
+}
+
+bool HolderFile::isHeld() const
+{
+    return !m_lines.isEmpty() && linesAt(m_location) == m_lines;
+}
+
+} // namespace platform

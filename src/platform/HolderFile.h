@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QByteArray>
+#include <QUrl>
+
+namespace platform {
+
+/// A file that says which process holds something, made exclusively and gone with its holder's object. It
+/// needs no lock of the system, which some volumes grant to all and others to none. One of a process of this
+/// machine that is gone is taken over, by one of those who try; one of another machine never is.
+class HolderFile final
+{
+public:
+    enum class Answer { Held, Taken, Impossible };
+
+    explicit HolderFile(const QUrl &location);
+    ~HolderFile();
+    Q_DISABLE_COPY_MOVE(HolderFile)
+
+    Answer take();
+    /// Whether what stands there is still what take() made: somebody may have cleared it away.
+    bool isHeld() const;
+    /// Whether the process that is named there is one of this machine and gone. False where nothing stands.
+    static bool isHolderGone(const QUrl &location);
+
+private:
+    bool make();
+    bool clearAway(const QByteArray &judged) const;
+
+    QUrl m_location;
+    QByteArray m_lines; ///< what was written; empty where nothing is held
+};
+
+} // namespace platform
