@@ -453,6 +453,11 @@ void KXConverter::findDurationInSeconds()
     takeDuration(*answer);
 }
 
+void KXConverter::keepDurationAnswer(const QUrl &source, const QString &printed)
+{
+    durations().keep(source, printed);
+}
+
 void KXConverter::takeDurationOf(const QUrl &source)
 {
     takeDuration(durations().answerFor(source).value_or(QString()));

@@ -156,6 +156,8 @@ protected:
     /// False when the lengths are known. Else they are asked for, and the event, with all that follow it,
     /// comes again in its order once they are.
     bool holdsUntilDurationsAreKnown(const steps::ReadEvent &event);
+    /// What ffprobe printed of a source where somebody has looked at it already.
+    void keepDurationAnswer(const QUrl &source, const QString &printed);
     /// Takes the length of a source that is known.
     void takeDurationOf(const QUrl &source);
     /// The log's last line, where a carriage return ends a line too.
