@@ -7,6 +7,7 @@
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
 #include "steps/DurationLooks.h"
+#include "steps/FailureCause.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/OutputGuard.h"
 #include "steps/RunAsProcess.h"
@@ -29,6 +30,17 @@ QUrl inFolder(const QUrl &folder, const QString &name)
 {
     const QString path = folder.toLocalFile();
     return QUrl::fromLocalFile(path.endsWith(u'/') ? path + name : path + u'/' + name);
+}
+
+/// The files that a tool is given by name.
+QList<QUrl> filesIn(const tools::OptionList &list)
+{
+    QList<QUrl> files;
+    for (const tools::OptionItem &item : list) {
+        if (item.isFile())
+            files.append(QUrl::fromLocalFile(item.text()));
+    }
+    return files;
 }
 
 } // namespace
@@ -185,6 +197,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
         return nullptr;
     m_context.guard.files().remove(logFileURL()); // that of the run before
     const steps::Launch launch = launchOf(tool, options);
+    m_toolFiles = filesIn(launch.launched);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.launched);
@@ -306,6 +319,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     if (!m_refusal.isNull())
         return {};
     const steps::Launch launch = launchOfLine(tool, options);
+    m_toolFiles = filesIn(launch.launched);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(steps::runAsProcess(launch.launched));
@@ -506,7 +520,8 @@ steps::Outcome KXConverter::outcome() const
 
 steps::Outcome KXConverter::outcomeOfTool() const
 {
-    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, withoutNames(logString()));
+    const steps::FailureCause cause(withoutNames(logString()), m_toolFiles, outputFileURL());
+    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, cause);
     if (ended.verdict == steps::Verdict::Failed)
         return ended;
     const QString problem = steps::problemWithOutputs(m_tool, outputFiles(), outputFileURL());

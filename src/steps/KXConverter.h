@@ -193,6 +193,7 @@ private:
     steps::ConverterContext m_context;
     QString m_refusal;
     QUrl m_tool;
+    QList<QUrl> m_toolFiles; ///< that the run was given by name
     tools::ToolProcessPointer m_background;
     std::atomic_bool m_backgroundRuns = false; ///< read by a job's monitor thread
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};

@@ -363,6 +363,7 @@ steps::Outcome KXFfmpegConverter::outcome() const
     if (!refusal().isNull())
         return steps::Outcome::failed(refusal());
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = logString();
     run.files = namesInLog();
     run.lastTime = m_lastTime;

@@ -225,6 +225,7 @@ QString KXTrackDumper::pollMkvextract()
 steps::Outcome KXTrackDumper::outcomeBeside(const steps::Outcome &ended, const KXVideoTrack &source) const
 {
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = logString();
     run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
     run.lastTime = oldProgress();

@@ -294,6 +294,7 @@ steps::Outcome KXVideoJoiner::outcomeOfConcat(const steps::Outcome &ended) const
         return steps::Outcome::failed(
             u"A file could not be opened, so it is not in the output: %1."_s.arg(missing));
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = logString();
     for (const QUrl &file : converterSelection()->editFilesURLsList())
         run.files.append(file.toLocalFile());
