@@ -378,11 +378,11 @@ bool KXConverter::stringFoundInLog(const QString &text) const
     return found.contains(text);
 }
 
-QString KXConverter::lastTimeInLog() const
+QString KXConverter::lastStatusInLog() const
 {
     const QString line =
         doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logFileURL(), u"| tail -1", u"| grep time="});
-    return steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
+    return steps::isStatusLine(line) ? line : QString();
 }
 
 QString KXConverter::lastLogLine() const
@@ -418,10 +418,33 @@ QString KXConverter::monitorConversion()
     }
     if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
         findDurationInSeconds();
-    const QString time = lastTimeInLog();
-    if (!time.isNull())
-        setOldProgress(time);
-    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    const QString line = lastStatusInLog();
+    takeProgress({steps::timeInStatusLine(line), false, steps::bytesInStatusLine(line)});
+    return QString::asprintf("%i%%", percentDone());
+}
+
+void KXConverter::takeProgress(const steps::FfmpegReading &reading)
+{
+    if (!reading.time.isNull())
+        setOldProgress(reading.time);
+    if (reading.written >= 0)
+        m_writtenBytes = reading.written;
+}
+
+int KXConverter::percentDone()
+{
+    return m_durationIsAssumed ? steps::percentOfBytes(m_writtenBytes, sourceBytes())
+                               : steps::percentOfDuration(oldProgress(), durationInSeconds());
+}
+
+qint64 KXConverter::sourceBytes()
+{
+    if (!m_sourceBytes) {
+        m_sourceBytes = 0;
+        for (const QUrl &source : timedSources())
+            *m_sourceBytes += QFileInfo(source.toLocalFile()).size();
+    }
+    return *m_sourceBytes;
 }
 
 steps::DurationLooks &KXConverter::durations()

@@ -272,6 +272,7 @@ void KXFfmpegConverter::handleNewTaskResult(const steps::ReadEvent &event)
     if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty())
         return;
     const steps::FfmpegReading reading = m_progress.feed(event.data);
+    takeProgress(reading);
     if (!reading.time.isNull())
         m_lastTime = reading.time;
     if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
@@ -286,12 +287,11 @@ void KXFfmpegConverter::postProgress(const steps::FfmpegReading &reading)
     if (!reading.time.isNull()) {
         setFontconfigDirectoryExists(true);
         setFontconfigIsRebuilding(false);
-        setOldProgress(reading.time);
     } else if (reading.movesMoov) {
         post(engines::updates::conversion, u"moving moov atom"_s);
         return;
     }
-    const int percent = steps::percentOfDuration(oldProgress(), durationInSeconds());
+    const int percent = percentDone();
     const bool twoPasses = converterSelection() && converterSelection()->userPassNumber() == u"2"_s;
     const int pass = m_repeatsFirstPass ? 1 : currentPass();
     post(engines::updates::conversion,
@@ -355,7 +355,7 @@ QString KXFfmpegConverter::monitorConversion()
         return KXConverter::monitorConversion();
     if (!m_secondPassRuns)
         return u"Complete"_s;
-    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    return QString::asprintf("%i%%", percentDone());
 }
 
 steps::Outcome KXFfmpegConverter::outcome() const

@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using tools::ToolProcess;
@@ -44,12 +45,13 @@ void JoinLook::begin(const QList<QUrl> &files)
         m_files.append(found);
     }
     m_next = 0;
+    m_isLooking = true;
     QTimer::singleShot(0, this, &JoinLook::startMore);
 }
 
 void JoinLook::end()
 {
-    m_next = m_files.size();
+    m_isLooking = false;
     for (Look &look : m_looks)
         disconnect(look.task.get(), nullptr, this, nullptr);
     m_looks.clear(); // ends them
@@ -58,7 +60,7 @@ void JoinLook::end()
 /// A list of other files is told when the tool is to be started.
 void JoinLook::startMore()
 {
-    while (m_next < m_files.size() && std::ssize(m_looks) < m_atOnce) {
+    while (m_isLooking && m_next < m_files.size() && std::ssize(m_looks) < m_atOnce) {
         const qsizetype position = m_next++;
         const QUrl file = m_files.at(position).url;
         if (!media::isRegularFile(file))
@@ -66,7 +68,8 @@ void JoinLook::startMore()
         else if (!media::namesOtherFiles(file))
             start(position);
     }
-    if (m_next >= m_files.size() && m_looks.empty())
+    const bool isDone = m_next >= m_files.size() && m_looks.empty();
+    if (isDone && std::exchange(m_isLooking, false))
         Q_EMIT answered();
 }
 

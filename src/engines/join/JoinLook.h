@@ -54,6 +54,7 @@ private:
     QList<JoinFile> m_files;
     std::vector<Look> m_looks; ///< those that run
     qsizetype m_next = 0;
+    bool m_isLooking = false;
 };
 
 } // namespace engines

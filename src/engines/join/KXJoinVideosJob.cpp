@@ -45,6 +45,8 @@ void KXJoinVideosJob::startJob()
 
 void KXJoinVideosJob::looked()
 {
+    if (jobIsCancelled())
+        return;
     m_joiner->takeLook(m_look.files());
     follow(m_joiner->refusal().isNull() ? m_joiner->startPrepared() : nullptr);
 }

@@ -14,6 +14,7 @@
 #include "steps/ToolLog.h"
 #include "tools/Numbers.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -207,11 +208,13 @@ tools::OptionList KXVideoJoiner::launchForm(const tools::OptionList &meant)
 QString KXVideoJoiner::ffmpegPercentage(const QByteArray &bytes)
 {
     const steps::FfmpegReading reading = m_ffmpegProgress.feed(bytes);
-    if (reading.time.isNull())
+    takeProgress(reading);
+    if (m_lengthIsAssumed && reading.written >= 0)
+        return QString::number(steps::percentOfBytes(m_doneBytes + reading.written, m_runBytes));
+    if (m_lengthIsAssumed || reading.time.isNull())
         return {};
-    setOldProgress(reading.time);
     const qint64 now = m_doneSeconds + KXHelpers::convertToTimeInSecondsFrom(reading.time);
-    return QString::number(std::min<qint64>(tools::percentOf(now, m_runSeconds), wholePercent));
+    return QString::number(std::clamp<qint64>(tools::percentOf(now, m_runSeconds), 0, wholePercent));
 }
 
 /// "Appending: |==  | (10/100)"
@@ -248,6 +251,7 @@ qint64 KXVideoJoiner::secondsOf(const QUrl &file)
     setInputFileURL(file);
     takeDurationOf(file);
     setInputFileURL(first);
+    m_lengthIsAssumed = m_lengthIsAssumed || durationIsAssumed();
     return tools::leadingInteger(durationInSeconds());
 }
 
@@ -257,8 +261,11 @@ void KXVideoJoiner::addDurations()
     for (const QUrl &file : files)
         m_wholeSeconds += secondsOf(file);
     m_runSeconds = m_wholeSeconds;
-    for (const qsizetype position : m_toRetime)
+    m_runBytes = sourceBytes();
+    for (const qsizetype position : m_toRetime) { // these are written twice
         m_runSeconds += secondsOf(files.at(position));
+        m_runBytes += QFileInfo(files.at(position).toLocalFile()).size();
+    }
 }
 
 void KXVideoJoiner::handleNewTaskResult(const steps::ReadEvent &event)
@@ -282,6 +289,7 @@ void KXVideoJoiner::backgroundReadingCompleted()
     if (!isRetiming() || !wasRetimed())
         return post(u"taskCompletion"_s, u"Complete"_s);
     m_doneSeconds += m_wholeSeconds > 0 ? secondsOf(timedSources().at(m_toRetime.at(m_retimed))) : 0;
+    m_doneBytes += QFileInfo(timedSources().at(m_toRetime.at(m_retimed)).toLocalFile()).size();
     ++m_retimed;
     Q_EMIT anotherToolIsNeeded();
 }
@@ -300,7 +308,8 @@ steps::Outcome KXVideoJoiner::outcomeOfConcat(const steps::Outcome &ended) const
         run.files.append(file.toLocalFile());
     run.files.append(outputFileURL().toLocalFile());
     run.lastTime = oldProgress();
-    run.durationInSeconds = m_wholeSeconds > 0 ? QString::number(m_wholeSeconds) : QString();
+    run.durationInSeconds =
+        m_wholeSeconds > 0 && !m_lengthIsAssumed ? QString::number(m_wholeSeconds) : QString();
     run.hasVideo = true;
     steps::Outcome said = engines::outcomeOfMessages(run);
     if (said.verdict == steps::Verdict::Failed)

@@ -70,5 +70,8 @@ private:
     qint64 m_runSeconds = 0;     ///< of all runs together
     QList<qsizetype> m_toRetime; ///< positions of files
     QString m_timescale;
-    qsizetype m_retimed = 0; ///< how many of them are done
+    qint64 m_doneBytes = 0;         ///< of the sources of the runs before this one
+    qint64 m_runBytes = 0;          ///< of those of all runs
+    bool m_lengthIsAssumed = false; ///< of one of the files
+    qsizetype m_retimed = 0;        ///< how many of them are done
 };

@@ -362,6 +362,17 @@ private Q_SLOTS:
         QVERIFY(fixture.base.alerts.shown().isEmpty());
     }
 
+    void aJobThatIsStoppedAtOnceLooksAtNothing()
+    {
+        JoinFixture fixture(u"mkvmerge"_s);
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        job->stopJob();
+        QTest::qWait(200);
+        QVERIFY(fixture.calls(u"ffprobe"_s).isEmpty());
+        QVERIFY(fixture.calls(u"mkvmerge"_s).isEmpty());
+        QCOMPARE(job->outcome().verdict, Verdict::Stopped);
+    }
+
     void aFileThatIsNoFilmRefusesTheJoin()
     {
         JoinFixture fixture(u"mkvmerge"_s);
