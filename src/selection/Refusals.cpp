@@ -65,8 +65,7 @@ const QList<Unheld> &unheld()
         {OutputKind::Avi, u"AVI",
          oddSounds + QStringList{u"h264"_s, u"flv1"_s, u"h263"_s, u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s,
                                  u"wmv2"_s, u"dvvideo"_s, u"mpeg2video"_s, u"mjpeg"_s, u"pcm_s16be"_s,
-                                 u"pcm_s24be"_s, u"pcm_s32be"_s, u"adpcm_swf"_s, u"wavpack"_s, u"flac"_s,
-                                 u"truehd"_s}},
+                                 u"pcm_s24be"_s, u"pcm_s32be"_s, u"wavpack"_s, u"flac"_s, u"truehd"_s}},
         {OutputKind::Mkv, u"MKV", oddSounds},
     };
     return table;

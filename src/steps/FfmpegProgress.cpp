@@ -85,7 +85,8 @@ qint64 bytesInStatusLine(const QString &line)
 {
     const qsizetype at = line.lastIndexOf(u"size="_s);
     const QString value = at < 0 ? QString() : line.mid(at + 5).trimmed();
-    const QString digits = value.left(std::min(value.indexOf(u'k', 0, Qt::CaseInsensitive), value.size()));
+    const qsizetype unit = value.indexOf(u'k', 0, Qt::CaseInsensitive);
+    const QString digits = unit < 0 ? QString() : value.left(unit);
     return tools::isAllDigits(digits) ? tools::leadingInteger(digits) * bytesInKilobyte : -1;
 }
 

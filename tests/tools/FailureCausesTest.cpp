@@ -42,6 +42,11 @@ QString flacFilm()
                                      "sine=duration=2 -c:v libx264 -preset ultrafast -c:a flac"_s);
 }
 
+QString otherFilm()
+{
+    return made(u"cause-ac3.mkv"_s, u"-i %1 -c:v copy -c:a ac3"_s.arg(film()));
+}
+
 const QString copies = u"ffmpeg -nostdin -y -i "_s;
 
 QList<Failure> ofFfmpeg()
@@ -51,7 +56,7 @@ QList<Failure> ofFfmpeg()
          u"The file has no index: it is incomplete."_s},
         {u"FLAC into MP4"_s, copies + u"FLAC -c copy SCRATCH/o.mp4"_s,
          u"FLAC can't be in MP4: re-encode it or choose MKV."_s},
-        {u"SRT into MP4"_s, copies + u"SCRATCH/s.srt -c copy SCRATCH/o.mp4"_s,
+        {u"SRT into MP4"_s, copies + u"SCRATCH/s.srt -map 0 -c copy SCRATCH/o.mp4"_s,
          u"SUBRIP can't be in MP4: re-encode it or choose MKV."_s},
         {u"MP4 text into MKV"_s, copies + u"TEXT -map 0 -c copy SCRATCH/o.mkv"_s,
          u"MOV_TEXT can't be copied into MKV."_s},
@@ -91,8 +96,8 @@ QList<Failure> ofMkvtoolnix()
          u"Error: The type of file 'junk.mkv' could not be recognized."_s, 2},
         {u"folder gone, mkvmerge"_s, u"mkvmerge -o /proc/gone/o.mkv FILM"_s,
          u"Error: The file 'o.mkv' could not be opened for writing: create_directory() failed."_s, 2},
-        {u"other codec, mkvmerge"_s, joins + u"FLAC"_s,
-         u"Error: The track number 1 from the file 'cause-flac.mkv' cannot be appended to the track number 1 "
+        {u"other codec, mkvmerge"_s, joins + u"OTHER"_s,
+         u"Error: The track number 1 from the file 'cause-ac3.mkv' cannot be appended to the track number 1 "
          u"from the "
          "file 'cause-film.mkv'. The formats do not match."_s,
          2},
@@ -188,6 +193,8 @@ private:
                 word = film();
             else if (word == u"FLAC"_s)
                 word = flacFilm();
+            else if (word == u"OTHER"_s)
+                word = otherFilm();
             else if (word == u"TEXT"_s)
                 word = textMp4();
             else if (word == u"PACKED"_s)
