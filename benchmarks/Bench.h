@@ -19,6 +19,8 @@ int convert(const QString &cli, const QString &clip, int rounds);
 /// `remux` of a film and `join` of a half with itself beside the mkvmerge commands that they launched,
 /// alternating; and what the program's memory does meanwhile.
 int mkv(const QString &cli, const QString &film, const QString &half, int rounds);
+/// What a `join` of many copies of a film takes before its tool starts, beside bare probes of them on all cores.
+int joins(const QString &cli, const QString &film, int count, int rounds);
 /// Many short films in one run of `convert` and of `remux`, beside the tools that each job runs, alternating.
 int many(const QString &cli, const QString &film, int count, int rounds);
 /// A probe beside the same ffprobe lines run by hand, alternating.

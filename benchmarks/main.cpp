@@ -11,6 +11,8 @@ int main(int argc, char *argv[])
     const QString what = words.value(0);
     if (what == u"convert"_s && words.size() == 4)
         return bench::convert(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"joins"_s && words.size() == 5)
+        return bench::joins(words.at(1), words.at(2), words.at(3).toInt(), words.at(4).toInt());
     if (what == u"mkv"_s && words.size() == 5)
         return bench::mkv(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
     if (what == u"many"_s && words.size() == 5)
@@ -27,7 +29,8 @@ int main(int argc, char *argv[])
         return bench::stop(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
     if (what == u"watch"_s && words.size() == 1)
         return bench::watch();
-    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | mkv CLI FILM HALF ROUNDS | many CLI "
+    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | joins CLI FILM COUNT ROUNDS | mkv CLI FILM "
+               u"HALF ROUNDS | many CLI "
                u"FILM COUNT ROUNDS | probe "
                u"RESOURCES CLIP ROUNDS | reading | "
                "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | watch"_s);

@@ -100,6 +100,20 @@ QString KXVideoFile::initializeForURL(const QUrl &url)
     return status == ok ? createFilePropertiesForSelf() : status;
 }
 
+QString KXVideoFile::initializeFromPrintout(const QUrl &url, const media::Printout &printed)
+{
+    m_printed = printed;
+    const QString status = initializeForURL(url);
+    m_printed.reset();
+    return status;
+}
+
+void KXVideoFile::writeErrorFile(const QUrl &url, const QString &text) const
+{
+    if (!m_printed)
+        media::writeErrorFile(url, text);
+}
+
 /// The one place that runs the tool. An absent text when there was nothing to run it on.
 QString KXVideoFile::ffprobe(const QUrl &url, const tools::OptionList &options) const
 {
@@ -110,7 +124,7 @@ QString KXVideoFile::ffprobe(const QUrl &url, const tools::OptionList &options) 
 
 QString KXVideoFile::probeOf(const QUrl &url) const
 {
-    return ffprobe(url, {u"-show_streams -print_format json"});
+    return m_printed ? m_printed->json : ffprobe(url, {u"-show_streams -print_format json"});
 }
 
 QVariantList KXVideoFile::createFfprobeResultsDictionaryArrayForURL(const QUrl &url) const
@@ -121,7 +135,7 @@ QVariantList KXVideoFile::createFfprobeResultsDictionaryArrayForURL(const QUrl &
     const bool isList = media::holdsStreamList(output);
     const QList<QVariantMap> found = isList ? media::streamsIn(output) : QList<QVariantMap>();
     if (!isList || !media::standInTheirPlaces(found)) {
-        media::writeErrorFile(url, output);
+        writeErrorFile(url, output);
         return {notAVideo};
     }
     return QVariantList(found.begin(), found.end());
@@ -129,6 +143,8 @@ QVariantList KXVideoFile::createFfprobeResultsDictionaryArrayForURL(const QUrl &
 
 QStringList KXVideoFile::createFfprobeStreamCodecsArrayForURL(const QUrl &url) const
 {
+    if (m_printed)
+        return media::streamLineCodecs(m_printed->words.split(u'\n').filter(u"Stream #"_s).join(u'\n'));
     return media::streamLineCodecs(ffprobe(url, {u"2>&1", u"| grep 'Stream #'"}));
 }
 
@@ -158,7 +174,7 @@ QString KXVideoFile::refuse(const QUrl &url, const QString &status, const QStrin
     const QString output = probeOf(url);
     if (isStopped())
         return notAVideo;
-    media::writeErrorFile(url, output + reason);
+    writeErrorFile(url, output + reason);
     return status;
 }
 
@@ -170,8 +186,8 @@ void KXVideoFile::deriveVideoBitRates(const TrackList &tracks) const
     for (const TrackPointer &video : tracks) {
         if (video->trackType() != media::wordOf(TrackKind::Video) || video->trackBitRate() != u"0"_s)
             continue;
-        const auto whole =
-            media::containerBitRate(ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"}));
+        const auto whole = media::containerBitRate(
+            m_printed ? m_printed->words : ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"}));
         if (!whole)
             continue;
         qint64 rest = *whole;

@@ -2,6 +2,7 @@
 
 #include "media/AddedTracks.h"
 #include "media/KXVideoTrack.h"
+#include "media/ProbeReader.h"
 #include "platform/Fields.h"
 #include "tools/KXHelpers.h"
 
@@ -85,6 +86,8 @@ public:
     /// Probes the file: "OK", "not a video" or "track not identified". A probe that was stopped answers
     /// "not a video" and leaves no error file.
     QString initializeForURL(const QUrl &url);
+    /// The same from what a run of ffprobe printed already. Starts nothing and writes no error file.
+    QString initializeFromPrintout(const QUrl &url, const media::Printout &printed);
     /// The streams' dictionaries, or the single text "not a video".
     QVariantList createFfprobeResultsDictionaryArrayForURL(const QUrl &url) const;
     /// The codec words of ffprobe's stream lines, for streams that don't tell theirs otherwise.
@@ -150,4 +153,7 @@ private:
     void takeTracksFrom(const media::TrackBuilder &builder);
     void countTracksAnew();
     void takeVideoStream(const QVariantMap &stream);
+    void writeErrorFile(const QUrl &url, const QString &text) const;
+
+    std::optional<media::Printout> m_printed; ///< where somebody else ran the tool
 };

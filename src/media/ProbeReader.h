@@ -8,6 +8,13 @@
 
 namespace media {
 
+/// What one run of ffprobe printed of a file: the streams as JSON, and its words beside them.
+struct Printout
+{
+    QString json;
+    QString words;
+};
+
 // What ffprobe prints, read as text. None of these runs anything; all take any text whatever.
 
 /// Whether the JSON output holds a stream list. A file that carries the words "Invalid data found" in a

@@ -81,10 +81,13 @@ struct Field
 };
 
 constexpr std::array fields = {
-    Field{u"index", isIndex},          Field{u"codec_type", isKind}, Field{u"codec_name", isCodecName},
-    Field{u"width", isPixels},         Field{u"height", isPixels},   Field{u"channels", isChannels},
-    Field{u"bit_rate", isBitRate},     Field{u"level", isLevel},     Field{u"profile", isProfile},
-    Field{u"avg_frame_rate", isRatio},
+    Field{u"index", isIndex},          Field{u"codec_type", isKind},
+    Field{u"codec_name", isCodecName}, Field{u"width", isPixels},
+    Field{u"height", isPixels},        Field{u"channels", isChannels},
+    Field{u"bit_rate", isBitRate},     Field{u"level", isLevel},
+    Field{u"profile", isProfile},      Field{u"avg_frame_rate", isRatio},
+    Field{u"time_base", isRatio},      Field{u"sample_rate", isIndex},
+    Field{u"pix_fmt", isCodecName},    Field{u"extradata_hash", isProfile},
 };
 
 const Field *fieldOf(const QString &key)

@@ -1,5 +1,6 @@
 #include "selection/Refusals.h"
 
+#include "selection/Targets.h"
 #include "tools/Numbers.h"
 
 #include <algorithm>
@@ -40,6 +41,88 @@ bool isReencoded(const KXVideoTrack &track)
     return isVideo(track) && track.userCodec() != u"passthru"_s;
 }
 
+/// What is copied into such a file makes ffmpeg fail, or can't be played from it. A word that ends in "_"
+/// stands for all codecs that begin so.
+struct Unheld
+{
+    OutputKind kind;
+    QStringView container;
+    QStringList codecs;
+};
+
+/// Forms of PCM and its kin that no file but their own holds.
+const QStringList oddSounds{u"pcm_s8"_s,    u"pcm_f32be"_s, u"pcm_f64be"_s,   u"pcm_u16le"_s,
+                            u"pcm_u24le"_s, u"pcm_u32le"_s, u"adpcm_ima_qt"_s};
+
+const QList<Unheld> &unheld()
+{
+    static const QList<Unheld> table{
+        {OutputKind::Mp4,
+         u"MP4",
+         {u"flv1"_s, u"h263"_s, u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s, u"wmv2"_s, u"dvvideo"_s, u"pcm_"_s,
+          u"adpcm_"_s, u"wmav1"_s, u"wmav2"_s, u"wavpack"_s, u"flac"_s, u"truehd"_s}},
+        // Whatever is copied into an AVI is marked as XviD.
+        {OutputKind::Avi, u"AVI",
+         oddSounds + QStringList{u"h264"_s, u"flv1"_s, u"h263"_s, u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s,
+                                 u"wmv2"_s, u"dvvideo"_s, u"mpeg2video"_s, u"mjpeg"_s, u"pcm_s16be"_s,
+                                 u"pcm_s24be"_s, u"pcm_s32be"_s, u"wavpack"_s, u"flac"_s, u"truehd"_s}},
+        {OutputKind::Mkv, u"MKV", oddSounds},
+    };
+    return table;
+}
+
+/// ffmpeg writes these into MP4 where it may be experimental, as it may be beside an AAC encoder.
+bool isExperimental(const QString &codec)
+{
+    return codec == u"flac"_s || codec == u"truehd"_s;
+}
+
+bool isHeld(const Unheld &row, const QString &codec)
+{
+    return std::none_of(row.codecs.begin(), row.codecs.end(), [&](const QString &word) {
+        return word.endsWith(u'_') ? codec.startsWith(word) : codec == word;
+    });
+}
+
+bool hasAudioOutput(const KXVideoTrack &track, const QString &userCodec)
+{
+    const auto outputs = track.userAudioSettingsDictionaryArray();
+    return std::any_of(outputs.begin(), outputs.end(), [&](const QVariantMap &output) {
+        return output.value(u"userCodec"_s).toString() == userCodec;
+    });
+}
+
+bool isCopied(const KXVideoTrack &track)
+{
+    const QString copied = u"passthru"_s;
+    return isAudio(track) ? hasAudioOutput(track, copied) : isVideo(track) && track.userCodec() == copied;
+}
+
+/// "FLAC can't be in MP4: re-encode it or choose MKV."
+QString sentenceOf(const QString &codec, const Unheld &row)
+{
+    const QString other = row.kind == OutputKind::Mkv ? QString() : u" or choose MKV"_s;
+    return u"%1 can't be in %2: re-encode it%3."_s.arg(codec, row.container, other);
+}
+
+QString refusalOfContainer(const KXSelection &selection)
+{
+    const TrackList tracks = selection.trackList();
+    const bool encodesAac = std::any_of(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
+        return isAudio(*track) && hasAudioOutput(*track, u"aac"_s);
+    });
+    const OutputKind kind = outputKindFor(selection.theDevice());
+    for (const Unheld &row : unheld()) {
+        for (const TrackPointer &track : tracks) {
+            const QString codec = track->probedCodecName();
+            const bool isExcused = kind == OutputKind::Mp4 && encodesAac && isExperimental(codec);
+            if (row.kind == kind && isCopied(*track) && !isExcused && !isHeld(row, codec))
+                return sentenceOf(codec.toUpper(), row);
+        }
+    }
+    return {};
+}
+
 QString needsReencode()
 {
     return u"A subtitle can only be burned into a video that is re-encoded."_s;
@@ -78,6 +161,8 @@ QString refusalToConvert(const KXSelection &selection, const ConversionSettings 
     const QString ofVideos = refusalOfVideos(countOf(selection, isVideo));
     if (!ofVideos.isNull())
         return ofVideos;
+    if (const QString ofContainer = refusalOfContainer(selection); !ofContainer.isNull())
+        return ofContainer;
     if (asked.subtitles != SubtitleUse::Burn && countOf(selection, isBurned) == 0)
         return {};
     const qsizetype subtitles = countOf(selection, isSubtitle);
@@ -91,6 +176,8 @@ QString refusalToEncode(const KXSelection &selection)
     const TrackList tracks = selection.trackList();
     const auto video =
         std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) { return isVideo(*track); });
+    if (const QString ofContainer = refusalOfContainer(selection); !ofContainer.isNull())
+        return ofContainer;
     if (video == tracks.end())
         return {};
     if (isReencoded(**video))

@@ -8,6 +8,7 @@ namespace selection {
 
 /// A conversion takes one video track.
 QString refusalOfVideos(qsizetype count);
+// Both of a conversion name a track that is to be copied and that its file can't hold.
 /// Of a conversion that was just chosen. A subtitle that was to be burned may be missing in the selection,
 /// so what was asked for counts too.
 QString refusalToConvert(const KXSelection &selection, const ConversionSettings &asked);

@@ -11,6 +11,9 @@ namespace steps {
 
 namespace {
 
+constexpr qint64 wholePercent = 100;
+constexpr qint64 bytesInKilobyte = 1024;
+
 /// "[mp4 @ 0x55c5] Starting second pass: moving the moov atom to the beginning of the file", with or
 /// without its head. Such words elsewhere in a line are somebody's file name.
 bool tellsOfMoov(const QString &line)
@@ -23,7 +26,7 @@ bool tellsOfMoov(const QString &line)
 FfmpegReading saidBy(const QString &line)
 {
     if (isStatusLine(line))
-        return {timeInStatusLine(line), false};
+        return {timeInStatusLine(line), false, bytesInStatusLine(line)};
     return {QString(), tellsOfMoov(line)};
 }
 
@@ -47,9 +50,10 @@ void FfmpegProgressReader::hear(const QString &line, FfmpegReading &reading)
         return;
     m_saidByRest = said;
     if (!said.time.isNull())
-        reading = said;
-    else
-        reading.movesMoov = said.movesMoov;
+        reading.time = said.time;
+    if (said.written >= 0)
+        reading.written = said.written;
+    reading.movesMoov = said.movesMoov;
 }
 
 void FfmpegProgressReader::clear()
@@ -76,13 +80,28 @@ QString timeInStatusLine(const QString &line)
     return time.contains(u':') ? time : QString();
 }
 
+/// "size=     128kB"; newer versions say "KiB".
+qint64 bytesInStatusLine(const QString &line)
+{
+    const qsizetype at = line.lastIndexOf(u"size="_s);
+    const QString value = at < 0 ? QString() : line.mid(at + 5).trimmed();
+    const qsizetype unit = value.indexOf(u'k', 0, Qt::CaseInsensitive);
+    const QString digits = unit < 0 ? QString() : value.left(unit);
+    return tools::isAllDigits(digits) ? tools::leadingInteger(digits) * bytesInKilobyte : -1;
+}
+
 int percentOfDuration(const QString &time, const QString &durationInSeconds)
 {
     if (time.startsWith(u'-'))
         return 0;
     const qint64 percent = tools::percentOf(KXHelpers::convertToTimeInSecondsFrom(time),
                                             tools::leadingInteger(durationInSeconds));
-    return static_cast<int>(std::clamp<qint64>(percent, 0, 1'000'000));
+    return static_cast<int>(std::clamp<qint64>(percent, 0, wholePercent));
+}
+
+int percentOfBytes(qint64 written, qint64 sources)
+{
+    return static_cast<int>(std::clamp<qint64>(tools::percentOf(written, sources), 0, wholePercent - 1));
 }
 
 } // namespace steps

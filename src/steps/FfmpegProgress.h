@@ -11,6 +11,7 @@ struct FfmpegReading
 {
     QString time;           ///< the last whole time value; null when the chunk finished none
     bool movesMoov = false; ///< the last thing it said is that it moves the index to the front
+    qint64 written = -1;    ///< the last whole size of the output, in bytes; -1 when the chunk finished none
 
     bool operator==(const FfmpegReading &) const = default;
 };
@@ -36,8 +37,13 @@ bool isStatusLine(QStringView line);
 /// The value behind the last "time=" of a status line, up to the blank; null when there is no whole
 /// value, or none that is a time ("N/A").
 QString timeInStatusLine(const QString &line);
-/// Whole percent that a time text is of the duration, truncated; 0 without a duration, and for the
-/// negative times with which some runs begin.
+/// The bytes behind the last "size=" of a status line; -1 when there is no whole value ("N/A").
+qint64 bytesInStatusLine(const QString &line);
+/// Whole percent that a time text is of the duration, truncated, at most 100; 0 without a duration, and for
+/// the negative times with which some runs begin.
 int percentOfDuration(const QString &time, const QString &durationInSeconds);
+/// Whole percent that the bytes written are of those of the sources, for a run of which no length is known;
+/// at most 99, as what comes of a source may be larger.
+int percentOfBytes(qint64 written, qint64 sources);
 
 } // namespace steps

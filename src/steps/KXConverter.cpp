@@ -7,6 +7,7 @@
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
 #include "steps/DurationLooks.h"
+#include "steps/FailureCause.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/OutputGuard.h"
 #include "steps/RunAsProcess.h"
@@ -29,6 +30,17 @@ QUrl inFolder(const QUrl &folder, const QString &name)
 {
     const QString path = folder.toLocalFile();
     return QUrl::fromLocalFile(path.endsWith(u'/') ? path + name : path + u'/' + name);
+}
+
+/// The files that a tool is given by name.
+QList<QUrl> filesIn(const tools::OptionList &list)
+{
+    QList<QUrl> files;
+    for (const tools::OptionItem &item : list) {
+        if (item.isFile())
+            files.append(QUrl::fromLocalFile(item.text()));
+    }
+    return files;
 }
 
 } // namespace
@@ -208,6 +220,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     steps::Launch launch = launchOf(tool, options);
     launch.started = workingAside(launch.launched);
     m_runs.append(launch);
+    m_toolFiles = filesIn(launch.launched);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
@@ -330,6 +343,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     steps::Launch launch = launchOfLine(tool, options);
     launch.started = workingAside(steps::runAsProcess(launch.launched));
     m_runs.append(launch);
+    m_toolFiles = filesIn(launch.launched);
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
@@ -388,11 +402,11 @@ bool KXConverter::stringFoundInLog(const QString &text) const
     return found.contains(text);
 }
 
-QString KXConverter::lastTimeInLog() const
+QString KXConverter::lastStatusInLog() const
 {
     const QString line =
         doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1", u"| grep time="});
-    return steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
+    return steps::isStatusLine(line) ? line : QString();
 }
 
 QString KXConverter::lastLogLine() const
@@ -428,10 +442,33 @@ QString KXConverter::monitorConversion()
     }
     if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
         findDurationInSeconds();
-    const QString time = lastTimeInLog();
-    if (!time.isNull())
-        setOldProgress(time);
-    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    const QString line = lastStatusInLog();
+    takeProgress({steps::timeInStatusLine(line), false, steps::bytesInStatusLine(line)});
+    return QString::asprintf("%i%%", percentDone());
+}
+
+void KXConverter::takeProgress(const steps::FfmpegReading &reading)
+{
+    if (!reading.time.isNull())
+        setOldProgress(reading.time);
+    if (reading.written >= 0)
+        m_writtenBytes = reading.written;
+}
+
+int KXConverter::percentDone()
+{
+    return m_durationIsAssumed ? steps::percentOfBytes(m_writtenBytes, sourceBytes())
+                               : steps::percentOfDuration(oldProgress(), durationInSeconds());
+}
+
+qint64 KXConverter::sourceBytes()
+{
+    if (!m_sourceBytes) {
+        m_sourceBytes = 0;
+        for (const QUrl &source : timedSources())
+            *m_sourceBytes += QFileInfo(source.toLocalFile()).size();
+    }
+    return *m_sourceBytes;
 }
 
 steps::DurationLooks &KXConverter::durations()
@@ -475,6 +512,11 @@ void KXConverter::findDurationInSeconds()
         durations().keep(inputFileURL(), *answer);
     }
     takeDuration(*answer);
+}
+
+void KXConverter::keepDurationAnswer(const QUrl &source, const QString &printed)
+{
+    durations().keep(source, printed);
 }
 
 void KXConverter::takeDurationOf(const QUrl &source)
@@ -530,7 +572,8 @@ steps::Outcome KXConverter::outcome() const
 
 steps::Outcome KXConverter::outcomeOfTool() const
 {
-    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, withoutNames(toldLog()));
+    const steps::FailureCause cause(withoutNames(toldLog()), m_toolFiles, outputFileURL());
+    const steps::Outcome ended = steps::outcomeOfRun(lastTask().get(), m_tool, cause);
     if (ended.verdict == steps::Verdict::Failed)
         return ended;
     const auto lies = [this](const QUrl &name) { return fileOf(name); };

@@ -4,6 +4,7 @@
 #include "platform/KXNotificationCenter.h"
 #include "selection/KXSelection.h"
 #include "steps/ConverterContext.h"
+#include "steps/FfmpegProgress.h"
 #include "steps/Outcome.h"
 #include "steps/OutputGuard.h"
 #include "steps/StepLauncher.h"
@@ -14,6 +15,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 class KXPreferences;
 
@@ -163,11 +165,21 @@ protected:
     /// by monitorConversion(); answers the process id, a null text for none.
     QString startInBackground(const QUrl &tool, const tools::OptionList &options);
     bool durationIsAssumed() const { return m_durationIsAssumed; }
+    /// Takes what ffmpeg said of how far it is; percentDone() goes by the time, or where no length is known
+    /// by the bytes that are written beside those of the sources.
+    void takeProgress(const steps::FfmpegReading &reading);
+    int percentDone();
+    /// Bytes of all sources that the step goes by; asked for once.
+    qint64 sourceBytes();
     /// False when the lengths are known. Else they are asked for, and the event, with all that follow it,
     /// comes again in its order once they are.
     bool holdsUntilDurationsAreKnown(const steps::ReadEvent &event);
+    /// What ffprobe printed of a source where somebody has looked at it already.
+    void keepDurationAnswer(const QUrl &source, const QString &printed);
     /// Takes the length of a source that is known.
     void takeDurationOf(const QUrl &source);
+    /// The log's last line where it is one of ffmpeg's status lines; else null.
+    QString lastStatusInLog() const;
     /// The log's last line, where a carriage return ends a line too.
     QString lastLogLine() const;
     /// The poll of a tool that prints "Progress: 45%": "45%", "error" where the last line holds no
@@ -189,7 +201,6 @@ private:
     void watchBackground();
     void endOfStream(tools::ToolProcess::Channel channel);
     void appendToLog(const QByteArray &bytes);
-    QString lastTimeInLog() const;
     QString makeWay();
     QString toolFolder() const;
     QString makeLog();
@@ -203,11 +214,14 @@ private:
     QString m_refusal;
     QUrl m_tool;
     QList<steps::Launch> m_runs;
+    QList<QUrl> m_toolFiles; ///< that the run was given by name
     tools::ToolProcessPointer m_background;
     std::atomic_bool m_backgroundRuns = false; ///< read by a job's monitor thread
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
+    qint64 m_writtenBytes = 0;
+    std::optional<qint64> m_sourceBytes;
     bool m_cutsTitles = false; ///< what is launched tells less than what is meant
     bool m_logIsBegun = false;
     QList<steps::ReadEvent> m_held;

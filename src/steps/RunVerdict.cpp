@@ -1,10 +1,12 @@
 #include "steps/RunVerdict.h"
 
 #include "media/MatroskaPackets.h"
-#include "steps/ToolLog.h"
+#include "steps/FailureCause.h"
 #include "tools/ToolEnvironment.h"
 
 #include <QFileInfo>
+
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -19,26 +21,33 @@ QString sentenceOf(const QString &reason, const QString &words)
     return sentence.endsWith(u'.') ? sentence : sentence + u'.';
 }
 
+/// What a signal says of itself, else a line of the tool's that is known.
+QString whyEnded(std::optional<int> signal, const FailureCause &cause)
+{
+    if (signal == SIGKILL)
+        return u"The tool was killed."_s;
+    return signal == SIGXFSZ ? u"The file may not grow further."_s : cause.known();
+}
+
 } // namespace
 
-Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QString &text)
+Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const FailureCause &cause)
 {
     if (run == nullptr)
         return Outcome::failed(u"The tool of this step was not started."_s);
     const QString name = tool.fileName();
-    const ToolLog log(text);
     if (run->end() == tools::ToolProcess::End::NotStarted)
-        return Outcome::failed(sentenceOf(u"%1 was not started"_s.arg(name), log.lastMessage()));
+        return Outcome::failed(sentenceOf(u"%1 was not started"_s.arg(name), cause.sentence()));
     if (!run->exitStatus())
-        return Outcome::failed(u"%1 was ended from outside or crashed."_s.arg(name));
+        return Outcome::failed(sentenceOf(u"%1 was ended from outside or crashed"_s.arg(name),
+                                          whyEnded(run->endingSignal(), cause)));
     const int status = *run->exitStatus();
     if (tools::toolFamily(tool) == tools::ToolFamily::Mkv && status == 1)
-        return Outcome::warnings(
-            sentenceOf(u"%1 warned"_s.arg(name), log.firstLineStartingWith(u"Warning:"_s)));
+        return Outcome::warnings(sentenceOf(u"%1 warned"_s.arg(name), cause.warning()));
     if (status == 0)
         return Outcome::ok();
     return Outcome::failed(
-        sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), log.lastMessage()));
+        sentenceOf(u"%1 failed (exit status %2)"_s.arg(name).arg(status), cause.sentence()));
 }
 
 QString problemWithOutputs(const QUrl &tool, const QList<QUrl> &outputs, const QUrl &wanted,

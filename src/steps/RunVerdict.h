@@ -10,9 +10,11 @@
 
 namespace steps {
 
-/// How a run of a tool ended, by its exit status; the tool's words in its log only say why. Without a process
-/// it was not started.
-Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const QString &log);
+class FailureCause;
+
+/// How a run of a tool ended, by its exit status; the tool's words only say why. Without a process it was not
+/// started.
+Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const FailureCause &cause);
 
 /// What is wrong with the outputs of a run that ended well, or a null text. Where none is there, the wanted
 /// one is named. Another function says where each of them lies.

@@ -30,8 +30,10 @@ bool isClosingFigure(const QString &line)
 ToolLog::ToolLog(const QString &text)
 {
     static const QRegularExpression lineEnds(u"[\r\n]+"_s);
-    for (const QString &line : text.split(lineEnds, Qt::SkipEmptyParts)) {
-        if (!repeatsTheFile(line))
+    static const QRegularExpression colours(u"\x1b\\[[0-9;]*[A-Za-z]"_s);
+    for (QString line : text.split(lineEnds, Qt::SkipEmptyParts)) {
+        line.remove(colours); // a line of them alone is none
+        if (!line.isEmpty() && !repeatsTheFile(line))
             m_lines.append(line);
     }
 }

@@ -12,6 +12,8 @@ class ToolLog final
 public:
     explicit ToolLog(const QString &text);
 
+    const QStringList &lines() const & { return m_lines; }
+    const QStringList &lines() const && = delete;
     bool hasLineStartingWith(const QString &start) const;
     bool hasLineContaining(const QString &part) const;
     /// The first line that starts so; null when there is none.

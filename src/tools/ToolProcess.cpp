@@ -64,6 +64,12 @@ std::optional<int> ToolProcess::exitStatus() const
     return m_end == End::Exited ? std::optional<int>(m_process.exitCode()) : std::nullopt;
 }
 
+/// Of a program that did not exit by itself Qt's status is the signal.
+std::optional<int> ToolProcess::endingSignal() const
+{
+    return m_end == End::Crashed ? std::optional<int>(m_process.exitCode()) : std::nullopt;
+}
+
 void ToolProcess::suspend()
 {
     if (!isRunning())

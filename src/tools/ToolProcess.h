@@ -44,6 +44,8 @@ public:
     End end() const { return m_end; }
     /// No value while it runs, and when it crashed, was killed or never started.
     std::optional<int> exitStatus() const;
+    /// The signal that ended it; no value where none did.
+    std::optional<int> endingSignal() const;
     QString launchPath() const { return m_process.program(); }
     QStringList arguments() const { return m_process.arguments(); }
 

@@ -15,7 +15,7 @@ namespace support {
 ///   flood out|err BYTES       prints so many bytes, in lines of 80
 ///   cat                       copies standard input until it ends
 ///   await FILE                waits until the file is there
-///   sleep MILLISECONDS, hang, exit STATUS, die SIGNAL, ignore SIGNAL (TERM, INT, HUP, KILL, SEGV)
+///   sleep MILLISECONDS, hang, exit STATUS, die SIGNAL, ignore SIGNAL (TERM, INT, HUP, KILL, SEGV, XFSZ)
 ///   child FILE                starts a child that hangs and appends its process id to FILE
 ///   record FILE, pid FILE     appends the arguments (see recordedRuns()), the process id
 ///   environment NAME FILE     appends "NAME=value", or "NAME unset"

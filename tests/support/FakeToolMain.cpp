@@ -107,8 +107,9 @@ int descriptorNamed(const std::string &name)
 
 int signalNamed(const std::string &name)
 {
-    static const std::pair<const char *, int> signals[] = {
-        {"TERM", SIGTERM}, {"INT", SIGINT}, {"HUP", SIGHUP}, {"KILL", SIGKILL}, {"SEGV", SIGSEGV}};
+    static const std::pair<const char *, int> signals[] = {{"TERM", SIGTERM}, {"INT", SIGINT},
+                                                           {"HUP", SIGHUP},   {"KILL", SIGKILL},
+                                                           {"SEGV", SIGSEGV}, {"XFSZ", SIGXFSZ}};
     for (const auto &[known, number] : signals) {
         if (name == known)
             return number;

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 namespace engines {
 
@@ -11,7 +12,8 @@ namespace engines {
 struct FfmpegRun
 {
     QString log;
-    QStringList files;         ///< paths that stand in the log; what their names say never counts
+    QStringList files; ///< paths that stand in the log; what their names say never counts
+    QUrl output;
     QString lastTime;          ///< last progress time, H:M:S
     QString durationInSeconds; ///< of the input; "0" or assumed: absent
     bool hasVideo = false;

@@ -285,6 +285,7 @@ void KXFfmpegConverter::handleNewTaskResult(const steps::ReadEvent &event)
     if (event.channel != tools::ToolProcess::Channel::Error || event.data.isEmpty())
         return;
     const steps::FfmpegReading reading = m_progress.feed(event.data);
+    takeProgress(reading);
     if (!reading.time.isNull())
         m_lastTime = reading.time;
     if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
@@ -299,12 +300,11 @@ void KXFfmpegConverter::postProgress(const steps::FfmpegReading &reading)
     if (!reading.time.isNull()) {
         setFontconfigDirectoryExists(true);
         setFontconfigIsRebuilding(false);
-        setOldProgress(reading.time);
     } else if (reading.movesMoov) {
         post(engines::updates::conversion, u"moving moov atom"_s);
         return;
     }
-    const int percent = steps::percentOfDuration(oldProgress(), durationInSeconds());
+    const int percent = percentDone();
     const bool twoPasses = converterSelection() && converterSelection()->userPassNumber() == u"2"_s;
     const int pass = m_repeatsFirstPass ? 1 : currentPass();
     post(engines::updates::conversion,
@@ -368,7 +368,7 @@ QString KXFfmpegConverter::monitorConversion()
         return KXConverter::monitorConversion();
     if (!m_secondPassRuns)
         return u"Complete"_s;
-    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    return QString::asprintf("%i%%", percentDone());
 }
 
 steps::Outcome KXFfmpegConverter::outcome() const
@@ -376,6 +376,7 @@ steps::Outcome KXFfmpegConverter::outcome() const
     if (!refusal().isNull())
         return steps::Outcome::failed(refusal());
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = toldLog();
     run.files = namesInLog();
     run.lastTime = m_lastTime;

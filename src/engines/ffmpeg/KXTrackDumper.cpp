@@ -168,10 +168,8 @@ void KXTrackDumper::handleNewTaskResult(const steps::ReadEvent &event)
     if (!isProgress)
         return;
     const steps::FfmpegReading reading = m_progress.feed(event.data);
-    if (!reading.time.isNull())
-        setOldProgress(reading.time);
-    const QString text =
-        QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    takeProgress(reading);
+    const QString text = QString::asprintf("%i%%", percentDone());
     post(engines::updates::extraction, text);
     if (converterSelection() && converterSelection()->jobType() == u"Send To Lintwick"_s)
         post(engines::updates::sending, text);
@@ -213,12 +211,9 @@ QString KXTrackDumper::pollFfmpeg()
 {
     if (durationInSeconds() == u"0"_s || durationInSeconds().isEmpty())
         findDurationInSeconds();
-    const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1", u"| grep time="});
-    const QString time = steps::isStatusLine(line) ? steps::timeInStatusLine(line) : QString();
-    if (!time.isNull())
-        setOldProgress(time);
-    return QString::asprintf("%i%%", steps::percentOfDuration(oldProgress(), durationInSeconds()));
+    const QString line = lastStatusInLog();
+    takeProgress({steps::timeInStatusLine(line), false, steps::bytesInStatusLine(line)});
+    return QString::asprintf("%i%%", percentDone());
 }
 
 QString KXTrackDumper::pollMkvextract()
@@ -233,6 +228,7 @@ QString KXTrackDumper::pollMkvextract()
 steps::Outcome KXTrackDumper::outcomeBeside(const steps::Outcome &ended, const KXVideoTrack &source) const
 {
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = toldLog();
     run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
     run.lastTime = oldProgress();

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+using tools::OptionItem;
 using tools::OptionList;
 
 namespace engines {
@@ -69,6 +70,14 @@ OptionList concatLaunchForm(const OptionList &meant)
     list.insert(input, u"0");
     list.insert(input, u"-safe");
     return list;
+}
+
+OptionList retimeArguments(const QUrl &file, const QString &timescale, const QUrl &output)
+{
+    OptionList list{u"-i", file, u"-map", u"0", u"-c", u"copy"};
+    if (!timescale.isEmpty())
+        list << u"-video_track_timescale" << OptionItem::ofData(timescale);
+    return list << u"-y" << output;
 }
 
 OptionList mp4boxJoinArguments(const QList<QUrl> &files, const QUrl &folder, const QUrl &output)

@@ -19,6 +19,9 @@ tools::OptionList concatArguments(const QUrl &listFile, const QUrl &output);
 /// The launch form: absolute paths are let in, and every stream is taken.
 tools::OptionList concatLaunchForm(const tools::OptionList &meant);
 
+/// A copy of a file in which times are counted in other units; a timescale that is empty is left to ffmpeg.
+tools::OptionList retimeArguments(const QUrl &file, const QString &timescale, const QUrl &output);
+
 tools::OptionList mp4boxJoinArguments(const QList<QUrl> &files, const QUrl &folder, const QUrl &output);
 
 } // namespace engines

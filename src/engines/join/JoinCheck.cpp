@@ -1,13 +1,10 @@
 #include "engines/join/JoinCheck.h"
 
-#include <QCoreApplication>
+#include "engines/join/JoinLook.h"
+
 #include <QEventLoop>
-#include <QThread>
-#include <QThreadPool>
 
 #include <algorithm>
-#include <memory>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -45,22 +42,6 @@ Properties::Properties(const KXVideoFile &file)
     }
 }
 
-/// On the main thread the window goes on meanwhile.
-void waitForAll(QThreadPool &pool)
-{
-    const auto *application = QCoreApplication::instance();
-    if (application == nullptr || QThread::currentThread() != application->thread()) {
-        pool.waitForDone();
-        return;
-    }
-    QEventLoop loop;
-    const std::unique_ptr<QThread> waiter(QThread::create([&pool] { pool.waitForDone(); }));
-    QObject::connect(waiter.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    waiter->start();
-    loop.exec();
-    waiter->wait();
-}
-
 } // namespace
 
 QStringList mismatchedProperties(const QList<VideoFilePointer> &files)
@@ -90,27 +71,24 @@ QStringList mismatchedProperties(const QList<VideoFilePointer> &files)
     return names;
 }
 
-QList<VideoFilePointer> probedForJoining(const QList<QUrl> &files, const tools::ToolPlaces &places,
-                                         const tools::StopFlag &stop, int atOnce)
+QList<VideoFilePointer> filmsIn(const QList<JoinFile> &files)
 {
-    std::vector<VideoFilePointer> probed(static_cast<std::size_t>(files.size()));
-    QThreadPool pool;
-    pool.setMaxThreadCount(qMax(atOnce, 1));
-    for (std::size_t i = 0; i < probed.size(); ++i) {
-        pool.start([&probed, &places, &stop, i, url = files.at(static_cast<qsizetype>(i))] {
-            if (stop && *stop)
-                return;
-            const auto file = std::make_shared<KXVideoFile>(&places);
-            file->setStopFlag(stop);
-            if (file->initializeForURL(url) == u"OK"_s)
-                probed[i] = file;
-        });
+    QList<VideoFilePointer> films;
+    for (const JoinFile &file : files) {
+        if (file.film)
+            films.append(file.film);
     }
-    waitForAll(pool);
-    QList<VideoFilePointer> identified;
-    std::copy_if(probed.begin(), probed.end(), std::back_inserter(identified),
-                 [](const VideoFilePointer &file) { return file != nullptr; });
-    return identified;
+    return films;
+}
+
+QList<JoinFile> lookedAt(const QList<QUrl> &files, const KXPreferences &preferences, int atOnce)
+{
+    JoinLook look(preferences, atOnce);
+    QEventLoop loop;
+    QObject::connect(&look, &JoinLook::answered, &loop, &QEventLoop::quit);
+    look.begin(files);
+    loop.exec();
+    return look.files();
 }
 
 platform::AlertPointer mismatchAlert(const QStringList &names)

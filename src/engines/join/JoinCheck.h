@@ -1,7 +1,9 @@
 #pragma once
 
-#include "media/KXVideoFile.h"
+#include "engines/join/JoinFile.h"
 #include "platform/AlertPresenter.h"
+
+class KXPreferences;
 
 namespace engines {
 
@@ -9,10 +11,11 @@ namespace engines {
 /// "Track Count", "Track Types", "Track Codecs".
 QStringList mismatchedProperties(const QList<VideoFilePointer> &files);
 
-/// Probes the files for that, so many at a time; those that can't be probed are left out. Serves the event
-/// loop meanwhile; a set flag ends it.
-QList<VideoFilePointer> probedForJoining(const QList<QUrl> &files, const tools::ToolPlaces &places,
-                                         const tools::StopFlag &stop, int atOnce);
+/// The films among files that were looked at.
+QList<VideoFilePointer> filmsIn(const QList<JoinFile> &files);
+
+/// Looks at the files of a join, so many at a time, and serves the event loop until all were seen.
+QList<JoinFile> lookedAt(const QList<QUrl> &files, const KXPreferences &preferences, int atOnce);
 
 /// The warning that names them; it closes itself after 15 s.
 platform::AlertPointer mismatchAlert(const QStringList &names);

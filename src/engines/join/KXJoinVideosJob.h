@@ -1,8 +1,12 @@
 #pragma once
 
+#include "engines/join/JoinLook.h"
 #include "jobs/KXJob.h"
 
-/// Joins several files into one: a single step, with the tool that fits the files.
+class KXVideoJoiner;
+
+/// Joins several files into one: a single step, with the tool that fits the files. It looks at them first,
+/// and starts no tool where they don't fit together.
 class KXJoinVideosJob final : public KXJob
 {
     Q_OBJECT
@@ -15,4 +19,11 @@ public:
 
 protected:
     QList<ConverterPointer> preparedSteps() override;
+
+private:
+    void looked();
+    void follow(const tools::ToolProcessPointer &task);
+
+    engines::JoinLook m_look;
+    std::shared_ptr<KXVideoJoiner> m_joiner;
 };

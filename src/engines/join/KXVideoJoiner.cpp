@@ -5,6 +5,7 @@
 #include "engines/ffmpeg/FfmpegOutcome.h"
 #include "engines/join/JoinArguments.h"
 #include "engines/join/JoinCheck.h"
+#include "engines/join/JoinFit.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
@@ -13,10 +14,18 @@
 #include "steps/ToolLog.h"
 #include "tools/Numbers.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
-#include <QThread>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 wholePercent = 100;
+
+} // namespace
 
 KXVideoJoiner::KXVideoJoiner(const steps::ConverterContext &context)
     : KXConverter(context)
@@ -26,17 +35,10 @@ KXVideoJoiner::KXVideoJoiner(const steps::ConverterContext &context)
     setMonitorCounter(0);
 }
 
-KXVideoJoiner::~KXVideoJoiner()
-{
-    if (m_look)
-        m_look->wait(); // short: a stop ends its tools
-}
-
 QStringList KXVideoJoiner::findMismatchedProperetiesFor(const QList<QUrl> &files)
 {
-    const int besideTheTool = context().toolsAtOnce - 1;
     return engines::mismatchedProperties(
-        engines::probedForJoining(files, appPreferences(), stopFlag(), besideTheTool));
+        engines::filmsIn(engines::lookedAt(files, appPreferences(), context().toolsAtOnce)));
 }
 
 bool KXVideoJoiner::prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
@@ -62,44 +64,77 @@ tools::ToolProcessPointer
 KXVideoJoiner::startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                                const QUrl &folder)
 {
-    return prepareForSelectionWithSaveDirectoryURL(selection, folder) ? startPrepared() : nullptr;
+    if (!prepareForSelectionWithSaveDirectoryURL(selection, folder))
+        return nullptr;
+    takeLook(engines::lookedAt(selection->editFilesURLsList(), appPreferences(), context().toolsAtOnce));
+    return refusal().isNull() ? startPrepared() : nullptr;
+}
+
+void KXVideoJoiner::takeLook(const QList<engines::JoinFile> &files)
+{
+    const QStringList mismatched = engines::mismatchedProperties(engines::filmsIn(files));
+    if (!mismatched.isEmpty())
+        warn(engines::mismatchAlert(mismatched));
+    const engines::JoinFit fit = engines::joinFitOf(files, joinerName());
+    if (!fit.refusal.isNull())
+        return refuse(fit.refusal);
+    m_toRetime = fit.toRetime;
+    m_timescale = fit.timescale;
+    for (const engines::JoinFile &file : files) {
+        if (!file.words.isEmpty())
+            keepDurationAnswer(file.url, file.words);
+    }
 }
 
 tools::ToolProcessPointer KXVideoJoiner::startPrepared()
 {
-    const QList<QUrl> files = converterSelection()->editFilesURLsList();
-    auto task = start(files);
-    m_mustLook = task != nullptr;
-    if (m_mustLook && context().toolsAtOnce > 1)
-        lookAt(files);
-    return task;
+    m_mkvProgress.clear();
+    m_ffmpegProgress.clear();
+    if (!isRetiming())
+        return startJoining();
+    postConversionStarted();
+    return startRetiming();
 }
 
-/// Beside the tool, where there is more than one core: a warning holds no join up, and probing several files
-/// takes about as long as joining them.
-void KXVideoJoiner::lookAt(const QList<QUrl> &files)
+tools::ToolProcessPointer KXVideoJoiner::startNext()
 {
-    m_mustLook = false;
-    m_look.reset(QThread::create([this, files] { m_mismatched = findMismatchedProperetiesFor(files); }));
-    connect(m_look.get(), &QThread::finished, this, &KXVideoJoiner::looked);
-    m_look->start();
+    m_ffmpegProgress.clear();
+    return isRetiming() ? startRetiming() : startJoining();
 }
 
-void KXVideoJoiner::looked()
+tools::ToolProcessPointer KXVideoJoiner::startRetiming()
 {
-    m_look->wait();
-    m_look.reset();
-    if (isStopped())
-        return;
-    if (!m_mismatched.isEmpty())
-        warn(engines::mismatchAlert(m_mismatched));
-    completeWhenAllIsDone();
+    const qsizetype position = m_toRetime.at(m_retimed);
+    const QUrl file = converterSelection()->editFilesURLsList().at(position);
+    const auto list = engines::retimeArguments(file, m_timescale, retimedFile(position));
+    return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), list, ShouldWait::No);
 }
 
-void KXVideoJoiner::completeWhenAllIsDone()
+/// Of the kind of the first file, whose tool fixes the units of all but the pictures.
+QUrl KXVideoJoiner::retimedFile(qsizetype position) const
 {
-    if (m_toolIsDone && !m_look)
-        post(u"taskCompletion"_s, u"Complete"_s);
+    const QString extension = engines::extensionOf(inputFileURL()).toLower();
+    const QString plain = extension == u"m4v"_s ? u"mp4"_s : extension;
+    return QUrl::fromLocalFile(
+        u"%1retimed%2.%3"_s.arg(context().temporaryFolder, QString::number(position), plain));
+}
+
+QList<QUrl> KXVideoJoiner::filesToJoin() const
+{
+    QList<QUrl> files = converterSelection()->editFilesURLsList();
+    for (const qsizetype position : m_toRetime)
+        files[position] = retimedFile(position);
+    return files;
+}
+
+QList<QUrl> KXVideoJoiner::namesToWrite() const
+{
+    return isRetiming() ? QList<QUrl>{retimedFile(m_toRetime.at(m_retimed))} : QList<QUrl>{outputFileURL()};
+}
+
+bool KXVideoJoiner::wasRetimed() const
+{
+    return converterTask() && converterTask()->exitStatus() == 0;
 }
 
 tools::OptionList KXVideoJoiner::arguments(const QList<QUrl> &files) const
@@ -115,13 +150,12 @@ tools::OptionList KXVideoJoiner::arguments(const QList<QUrl> &files) const
 
 QList<steps::Launch> KXVideoJoiner::launches()
 {
-    return {launchOf(urlOfApp(joinerName()), arguments(converterSelection()->editFilesURLsList()))};
+    return {launchOf(urlOfApp(joinerName()), arguments(filesToJoin()))};
 }
 
-tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
+tools::ToolProcessPointer KXVideoJoiner::startJoining()
 {
-    m_mkvProgress.clear();
-    m_ffmpegProgress.clear();
+    const QList<QUrl> files = filesToJoin();
     const tools::OptionList list = arguments(files);
     if (list.isEmpty()) {
         refuse(u"There is no tool \"%1\" to join with, so nothing was started."_s.arg(joinerName()));
@@ -131,7 +165,8 @@ tools::ToolProcessPointer KXVideoJoiner::start(const QList<QUrl> &files)
         refuse(u"The list of files to join can't be written to %1."_s.arg(concatList().toLocalFile()));
         return nullptr;
     }
-    postConversionStarted();
+    if (m_toRetime.isEmpty())
+        postConversionStarted();
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(joinerName()), list, ShouldWait::No);
 }
 
@@ -162,19 +197,49 @@ bool KXVideoJoiner::writeConcatList(const QList<QUrl> &files) const
     return context().guard.files().write(concatList(), engines::concatListLaunched(listable(files)).toUtf8());
 }
 
+/// MP4Box reads a meaning into "@", "*", "#" and ":" of a name, so it gets links with plain ones.
+QUrl KXVideoJoiner::plainNameOf(const QUrl &file) const
+{
+    const qsizetype position = filesToJoin().indexOf(file);
+    if (file == saveDirectoryURL())
+        return context().guard.workFolder();
+    if (position < 0)
+        return file;
+    const QString name =
+        context().temporaryFolder + u"source%1.%2"_s.arg(position).arg(engines::extensionOf(file).toLower());
+    const QUrl link = QUrl::fromLocalFile(name);
+    context().guard.files().link(file, link);
+    return link;
+}
+
+tools::OptionList KXVideoJoiner::workingAside(const tools::OptionList &list) const
+{
+    tools::OptionList aside = KXConverter::workingAside(list);
+    if (joinerName() != u"mp4box"_s || isRetiming())
+        return aside;
+    for (tools::OptionItem &item : aside)
+        item = item.withFileAt([this](const QUrl &file) { return plainNameOf(file); });
+    return aside;
+}
+
 tools::OptionList KXVideoJoiner::launchForm(const tools::OptionList &meant)
 {
+    if (isRetiming())
+        return meant;
     return joinerName() == u"ffmpeg"_s ? engines::concatLaunchForm(meant) : meant;
 }
 
-/// Seconds of all files together: ffmpeg tells none for its list.
+/// Seconds of all runs together: ffmpeg tells none for its list.
 QString KXVideoJoiner::ffmpegPercentage(const QByteArray &bytes)
 {
     const steps::FfmpegReading reading = m_ffmpegProgress.feed(bytes);
-    if (reading.time.isNull())
+    takeProgress(reading);
+    if (m_lengthIsAssumed && reading.written >= 0)
+        return QString::number(steps::percentOfBytes(m_doneBytes + reading.written, m_runBytes));
+    if (m_lengthIsAssumed || reading.time.isNull())
         return {};
-    setOldProgress(reading.time);
-    return QString::number(steps::percentOfDuration(reading.time, QString::number(m_wholeSeconds)));
+    const qint64 now = m_doneSeconds + KXHelpers::convertToTimeInSecondsFrom(reading.time);
+    return QString::number(std::clamp<qint64>(tools::percentOf(now, m_runSeconds), 0, wholePercent));
 }
 
 /// "Appending: |==  | (10/100)"
@@ -205,21 +270,33 @@ QList<QUrl> KXVideoJoiner::timedSources() const
     return converterSelection()->editFilesURLsList();
 }
 
-void KXVideoJoiner::addDurations()
+qint64 KXVideoJoiner::secondsOf(const QUrl &file)
 {
     const QUrl first = inputFileURL();
-    for (const QUrl &file : timedSources()) {
-        setInputFileURL(file);
-        takeDurationOf(file);
-        m_wholeSeconds += tools::leadingInteger(durationInSeconds());
-    }
+    setInputFileURL(file);
+    takeDurationOf(file);
     setInputFileURL(first);
+    m_lengthIsAssumed = m_lengthIsAssumed || durationIsAssumed();
+    return tools::leadingInteger(durationInSeconds());
+}
+
+void KXVideoJoiner::addDurations()
+{
+    const QList<QUrl> files = timedSources();
+    for (const QUrl &file : files)
+        m_wholeSeconds += secondsOf(file);
+    m_runSeconds = m_wholeSeconds;
+    m_runBytes = sourceBytes();
+    for (const qsizetype position : m_toRetime) { // these are written twice
+        m_runSeconds += secondsOf(files.at(position));
+        m_runBytes += QFileInfo(files.at(position).toLocalFile()).size();
+    }
 }
 
 void KXVideoJoiner::handleNewTaskResult(const steps::ReadEvent &event)
 {
     const bool goesByDuration =
-        joinerName() == u"ffmpeg"_s && event.channel == tools::ToolProcess::Channel::Error;
+        (isRetiming() || joinerName() == u"ffmpeg"_s) && event.channel == tools::ToolProcess::Channel::Error;
     if (goesByDuration && !event.data.isEmpty() && m_wholeSeconds == 0) {
         if (holdsUntilDurationsAreKnown(event))
             return;
@@ -234,10 +311,12 @@ void KXVideoJoiner::handleNewTaskResult(const steps::ReadEvent &event)
 void KXVideoJoiner::backgroundReadingCompleted()
 {
     KXConverter::backgroundReadingCompleted();
-    m_toolIsDone = true;
-    if (m_mustLook && !isStopped())
-        lookAt(converterSelection()->editFilesURLsList());
-    completeWhenAllIsDone();
+    if (!isRetiming() || !wasRetimed())
+        return post(u"taskCompletion"_s, u"Complete"_s);
+    m_doneSeconds += m_wholeSeconds > 0 ? secondsOf(timedSources().at(m_toRetime.at(m_retimed))) : 0;
+    m_doneBytes += QFileInfo(timedSources().at(m_toRetime.at(m_retimed)).toLocalFile()).size();
+    ++m_retimed;
+    Q_EMIT anotherToolIsNeeded();
 }
 
 /// The concat reader leaves out a file that it can't open, and ends well all the same.
@@ -248,12 +327,14 @@ steps::Outcome KXVideoJoiner::outcomeOfConcat(const steps::Outcome &ended) const
         return steps::Outcome::failed(
             u"A file could not be opened, so it is not in the output: %1."_s.arg(missing));
     engines::FfmpegRun run;
+    run.output = outputFileURL();
     run.log = toldLog();
     for (const QUrl &file : converterSelection()->editFilesURLsList())
         run.files.append(file.toLocalFile());
     run.files.append(outputFileURL().toLocalFile());
     run.lastTime = oldProgress();
-    run.durationInSeconds = m_wholeSeconds > 0 ? QString::number(m_wholeSeconds) : QString();
+    run.durationInSeconds =
+        m_wholeSeconds > 0 && !m_lengthIsAssumed ? QString::number(m_wholeSeconds) : QString();
     run.hasVideo = true;
     steps::Outcome said = engines::outcomeOfMessages(run);
     if (said.verdict == steps::Verdict::Failed)

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "engines/join/JoinFile.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/KXConverter.h"
 #include "steps/MkvProgress.h"
 
-class QThread;
-
-/// Appends several files to one with mkvmerge, with ffmpeg's concat reader or with mp4box, and warns when
-/// they differ in what a join needs to be alike. Runs one tool once, and looks at the files meanwhile: the
-/// step is complete when both are done.
+/// Appends several files to one with mkvmerge, with ffmpeg's concat reader or with mp4box. Files are looked
+/// at before: it warns when they differ, and refuses those of which no whole film can be made. Where only the
+/// units differ in which times are counted, ffmpeg first copies such files into the job's own folder; its job
+/// asks for each run of a tool after the first.
 class KXVideoJoiner final : public KXConverter
 {
     Q_OBJECT
@@ -17,14 +17,18 @@ class KXVideoJoiner final : public KXConverter
 
 public:
     explicit KXVideoJoiner(const steps::ConverterContext &context);
-    ~KXVideoJoiner() override;
 
+    /// Serves the event loop while the files are looked at; a job looks at them itself.
     tools::ToolProcessPointer
     startConversionForSelectionWithSaveDirectoryURL(const SelectionPointer &selection,
                                                     const QUrl &folder) override;
     /// Names for output and log; false, with a refusal, when nothing may be started.
     bool prepareForSelectionWithSaveDirectoryURL(const SelectionPointer &selection, const QUrl &folder);
+    /// Takes what was found out about the files: shows the warning, and refuses them where they don't fit.
+    void takeLook(const QList<engines::JoinFile> &files);
     tools::ToolProcessPointer startPrepared() override;
+    /// The next tool, after anotherToolIsNeeded().
+    tools::ToolProcessPointer startNext();
     QList<steps::Launch> launches() override;
     /// What differs; the misspelling is meant.
     QStringList findMismatchedProperetiesFor(const QList<QUrl> &files);
@@ -32,20 +36,29 @@ public:
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     steps::Outcome outcome() const override;
+    QList<QUrl> namesToWrite() const override;
+
+Q_SIGNALS:
+    void anotherToolIsNeeded();
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
+    tools::OptionList workingAside(const tools::OptionList &list) const override;
 
 private:
-    tools::ToolProcessPointer start(const QList<QUrl> &files);
+    QUrl plainNameOf(const QUrl &file) const;
+    bool isRetiming() const { return m_retimed < m_toRetime.size(); }
+    tools::ToolProcessPointer startRetiming();
+    tools::ToolProcessPointer startJoining();
+    bool wasRetimed() const;
     /// The list for the tool that joins; an empty one for a tool that nobody knows.
     tools::OptionList arguments(const QList<QUrl> &files) const;
+    QUrl retimedFile(qsizetype position) const;
+    QList<QUrl> filesToJoin() const;
     bool writeConcatList(const QList<QUrl> &files) const;
     QUrl concatList() const;
     QList<QUrl> listable(const QList<QUrl> &files) const;
-    void lookAt(const QList<QUrl> &files);
-    void looked();
-    void completeWhenAllIsDone();
+    qint64 secondsOf(const QUrl &file);
     void addDurations();
     QString percentageIn(const steps::ReadEvent &event);
     QString ffmpegPercentage(const QByteArray &bytes);
@@ -54,9 +67,13 @@ private:
 
     steps::MkvProgressReader m_mkvProgress;
     steps::FfmpegProgressReader m_ffmpegProgress;
-    qint64 m_wholeSeconds = 0;       ///< of all files together
-    std::unique_ptr<QThread> m_look; ///< null when nobody looks at the files
-    QStringList m_mismatched;
-    bool m_toolIsDone = false;
-    bool m_mustLook = false; ///< and nobody has begun to
+    qint64 m_wholeSeconds = 0;   ///< of all files together
+    qint64 m_doneSeconds = 0;    ///< of the runs before this one
+    qint64 m_runSeconds = 0;     ///< of all runs together
+    QList<qsizetype> m_toRetime; ///< positions of files
+    QString m_timescale;
+    qint64 m_doneBytes = 0;         ///< of the sources of the runs before this one
+    qint64 m_runBytes = 0;          ///< of those of all runs
+    bool m_lengthIsAssumed = false; ///< of one of the files
+    qsizetype m_retimed = 0;        ///< how many of them are done
 };

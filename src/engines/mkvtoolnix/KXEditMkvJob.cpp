@@ -24,7 +24,10 @@ bool isExtraction(const QString &jobType)
 
 KXEditMkvJob::KXEditMkvJob(const jobs::JobContext &context)
     : KXJob(context)
+    , m_look(context.preferences, toolsAtOnce())
 {
+    connect(&m_look, &engines::JoinLook::answered, this, &KXEditMkvJob::looked);
+    connect(this, &KXJob::outcomeChanged, &m_look, &engines::JoinLook::end);
     for (const QString &name :
          {engines::updates::extraction, engines::updates::joining, engines::updates::splitting})
         observe(name);
@@ -32,7 +35,6 @@ KXEditMkvJob::KXEditMkvJob(const jobs::JobContext &context)
 
 void KXEditMkvJob::startJob()
 {
-    const auto self = shared_from_this(); // looking at the files of a join serves timers, and our row may go
     setStepTaskList({});
     setProgressList({});
     setStepConverterList({});
@@ -47,7 +49,7 @@ void KXEditMkvJob::startJob()
     if (steps.isEmpty())
         return endIfNothingRuns();
     if (type == u"MKV Joining"_s)
-        return startSingleStep(steps.constFirst());
+        return startJoin(steps.constFirst());
     startBackground(steps.constFirst());
 }
 
@@ -115,6 +117,30 @@ ConverterPointer KXEditMkvJob::preparedRemux()
     remuxer->setStepName(u"Re-Muxing MKV"_s);
     remuxer->prepareInBackground(jobSelection());
     return remuxer;
+}
+
+/// It is shown while its files are looked at.
+void KXEditMkvJob::startJoin(const ConverterPointer &editor)
+{
+    if (!editor->refusal().isNull())
+        return startSingleStep(editor);
+    setStepConverterList({editor});
+    m_look.begin(jobSelection()->editFilesURLsList());
+    setProgressList({{editor->stepName(), u"0%"_s}});
+    postProgress(progressList());
+}
+
+void KXEditMkvJob::looked()
+{
+    const auto editor = std::dynamic_pointer_cast<KXMkvEditor>(stepConverterList().value(0));
+    if (!editor || jobIsCancelled())
+        return;
+    editor->takeLook(m_look.files());
+    startSingleStep(editor);
+    for (const jobs::StepTask &task : stepTaskList()) {
+        if (isPaused())
+            std::get<tools::ToolProcessPointer>(task)->suspend();
+    }
 }
 
 void KXEditMkvJob::startBackground(const ConverterPointer &converter)

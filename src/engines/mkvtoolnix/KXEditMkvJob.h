@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/join/JoinLook.h"
 #include "jobs/KXJob.h"
 
 /// Edits an existing MKV file as its job type says: extracts, removes, joins, splits or remuxes. Extracting
@@ -33,8 +34,11 @@ private:
     ConverterPointer preparedSplit();
     ConverterPointer preparedRemux();
     void startBackground(const ConverterPointer &converter);
+    void startJoin(const ConverterPointer &editor);
+    void looked();
     void published() override;
     void handOver();
 
+    engines::JoinLook m_look;
     bool m_handsOver = false;
 };

@@ -3,6 +3,7 @@
 #include "engines/OutputBase.h"
 #include "engines/UpdateNames.h"
 #include "engines/join/JoinCheck.h"
+#include "engines/join/JoinFit.h"
 #include "engines/mkvtoolnix/KXVideoSplitter.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
 #include "prefs/KXPreferences.h"
@@ -27,7 +28,7 @@ KXMkvEditor::KXMkvEditor(const steps::ConverterContext &context)
 QStringList KXMkvEditor::findMismatchedProperetiesFor(const QList<QUrl> &files)
 {
     return engines::mismatchedProperties(
-        engines::probedForJoining(files, appPreferences(), stopFlag(), context().toolsAtOnce));
+        engines::filmsIn(engines::lookedAt(files, appPreferences(), context().toolsAtOnce)));
 }
 
 bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
@@ -48,16 +49,20 @@ bool KXMkvEditor::prepareJoin(const SelectionPointer &selection)
     return true;
 }
 
-/// False when the job was stopped meanwhile.
-bool KXMkvEditor::warnOfMismatch()
+void KXMkvEditor::takeLook(const QList<engines::JoinFile> &files)
 {
-    const QStringList mismatched = findMismatchedProperetiesFor(converterSelection()->editFilesURLsList());
-    if (isStopped())
-        return false;
+    const QStringList mismatched = engines::mismatchedProperties(engines::filmsIn(files));
     if (!mismatched.isEmpty())
         warn(engines::mismatchAlert(mismatched));
-    postConversionStarted();
-    return true;
+    refuse(engines::joinFitOf(files, u"mkvmerge"_s).refusal);
+}
+
+/// False when the files don't fit together.
+bool KXMkvEditor::lookAndTake()
+{
+    takeLook(engines::lookedAt(converterSelection()->editFilesURLsList(), appPreferences(),
+                               context().toolsAtOnce));
+    return refusal().isNull();
 }
 
 QList<steps::Launch> KXMkvEditor::launches()
@@ -73,13 +78,12 @@ tools::ToolProcessPointer KXMkvEditor::startConversionForSelection(const Selecti
 {
     if (selection->jobType() != joining)
         return converterTask();
-    return prepareJoin(selection) ? startPrepared() : nullptr;
+    return prepareJoin(selection) && lookAndTake() ? startPrepared() : nullptr;
 }
 
 tools::ToolProcessPointer KXMkvEditor::startPrepared()
 {
-    if (!warnOfMismatch())
-        return nullptr;
+    postConversionStarted();
     return runAndMonitorBinaryURLWithOptionsShouldWait(
         urlOfApp(u"mkvmerge"_s),
         engines::joinArguments(converterSelection()->editFilesURLsList(), outputFileURL()), ShouldWait::No);
@@ -89,7 +93,7 @@ QString KXMkvEditor::startConversionFor(const SelectionPointer &selection)
 {
     setDoShell_ID({});
     if (selection->jobType() == joining)
-        return prepareJoin(selection) ? startPreparedInBackground() : QString();
+        return prepareJoin(selection) && lookAndTake() ? startPreparedInBackground() : QString();
     if (selection->jobType() == splitting)
         return startSplit(selection);
     refuse(u"This is neither a join nor a split, so nothing was started."_s);
@@ -99,14 +103,12 @@ QString KXMkvEditor::startConversionFor(const SelectionPointer &selection)
 QString KXMkvEditor::startPreparedInBackground()
 {
     const QUrl tool = urlOfApp(u"mkvmerge"_s);
-    if (converterSelection()->jobType() == splitting) {
-        postConversionStarted();
-        setDoShell_ID(startInBackground(tool, splitItems()));
-    } else if (warnOfMismatch()) {
-        setDoShell_ID(
-            startInBackground(tool, engines::joinShellItems(converterSelection()->editFilesURLsList(),
-                                                            outputFileURL(), logFileURL())));
-    }
+    postConversionStarted();
+    const bool splits = converterSelection()->jobType() == splitting;
+    setDoShell_ID(
+        startInBackground(tool, splits ? splitItems()
+                                       : engines::joinShellItems(converterSelection()->editFilesURLsList(),
+                                                                 outputFileURL(), logFileURL())));
     return doShell_ID();
 }
 

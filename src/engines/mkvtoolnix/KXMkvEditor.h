@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/join/JoinFile.h"
 #include "steps/KXConverter.h"
 #include "tools/LineCutter.h"
 
@@ -12,6 +13,8 @@ class KXMkvEditor final : public KXConverter
 public:
     explicit KXMkvEditor(const steps::ConverterContext &context);
 
+    // The two starts of a join look at its files first and serve the event loop meanwhile; a job looks at
+    // them itself.
     /// A join. For any other job type the current process, untouched.
     tools::ToolProcessPointer startConversionForSelection(const SelectionPointer &selection) override;
     /// A join or a split; "error", and no tool, for anything else.
@@ -20,6 +23,9 @@ public:
     /// started.
     bool prepareJoin(const SelectionPointer &selection);
     bool prepareSplit(const SelectionPointer &selection);
+    /// Takes what was found out about the files of a join: shows the warning, and refuses them where they
+    /// don't fit.
+    void takeLook(const QList<engines::JoinFile> &files);
     tools::ToolProcessPointer startPrepared() override;
     QString startPreparedInBackground() override;
     /// A join is planned as a process object.
@@ -32,7 +38,7 @@ public:
     QList<QUrl> outputFiles() const override;
 
 private:
-    bool warnOfMismatch();
+    bool lookAndTake();
     tools::OptionList splitItems() const;
     QString startSplit(const SelectionPointer &selection);
 

@@ -1,3 +1,4 @@
+#include "selection/Refusals.h"
 #include "support/TestMain.h"
 #include "support/engines/ConversionFixture.h"
 #include "support/selection/HandMade.h"
@@ -103,6 +104,66 @@ private Q_SLOTS:
             fixture.make(u"MKV"_s, {videoTrack(video), subtitleTrack(u"3"_s, u"srt"_s, subtitle)});
         QCOMPARE(job->refusal(),
                  isRefused ? u"A subtitle can only be burned into a video that is re-encoded."_s : QString());
+    }
+
+    /// By the probe's word, so that a codec that is written into its kin is told apart.
+    void whatTheContainerCantHoldIsNotCopied_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("video");
+        QTest::addColumn<QString>("picture"); ///< the probe's word for the picture
+        QTest::addColumn<QString>("sound");
+        QTest::addColumn<QString>("settings"); ///< of the sound's outputs
+        QTest::addColumn<QString>("sentence");
+        const auto row = [](const char *name, const char *device, const char *video, const char *picture,
+                            const char *sound, const char *settings, const char *sentence) {
+            QTest::newRow(name) << QString::fromLatin1(device) << QString::fromLatin1(video)
+                                << QString::fromLatin1(picture) << QString::fromLatin1(sound)
+                                << QString::fromLatin1(settings) << QString::fromLatin1(sentence);
+        };
+        const char *flac = "FLAC can't be in MP4: re-encode it or choose MKV.";
+        row("FLAC into MP4", "General", "passthru", "h264", "flac", "passthru", flac);
+        row("for a device", "iPad Mini", "h264", "h264", "flac", "passthru", flac);
+        row("beside AAC", "General", "passthru", "h264", "flac", "passthru aac", "");
+        row("beside AC-3", "General", "passthru", "h264", "flac", "passthru ac3", flac);
+        row("re-encoded", "General", "passthru", "h264", "flac", "ac3", "");
+        row("into MKV", "MKV", "passthru", "h264", "flac", "passthru", "");
+        row("PCM beside AAC", "General", "passthru", "h264", "pcm_s16le", "passthru aac",
+            "PCM_S16LE can't be in MP4: re-encode it or choose MKV.");
+        row("PCM into AVI", "AVI", "mpeg4", "h264", "pcm_s16le", "passthru", "");
+        row("PCM the other way round into AVI", "AVI", "mpeg4", "h264", "pcm_s16be", "passthru",
+            "PCM_S16BE can't be in AVI: re-encode it or choose MKV.");
+        row("odd PCM into MKV", "MKV", "passthru", "h264", "pcm_s8", "passthru",
+            "PCM_S8 can't be in MKV: re-encode it.");
+        row("a picture into AVI", "AVI", "passthru", "h264", "mp3", "passthru",
+            "H264 can't be in AVI: re-encode it or choose MKV.");
+        row("a picture that AVI holds", "AVI", "passthru", "mpeg4", "mp3", "passthru", "");
+        row("a picture that is re-encoded", "General", "h264", "wmv2", "aac", "passthru", "");
+        row("a picture into MP4", "General", "passthru", "wmv2", "aac", "passthru",
+            "WMV2 can't be in MP4: re-encode it or choose MKV.");
+    }
+
+    void whatTheContainerCantHoldIsNotCopied()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, video);
+        QFETCH(QString, picture);
+        QFETCH(QString, sound);
+        QFETCH(QString, settings);
+        QFETCH(QString, sentence);
+        ConversionFixture fixture;
+        const auto film = videoTrack(video);
+        film->setProbedCodecName(picture);
+        const auto audio = audioTrack(u"1"_s, sound, u"2"_s, audioSettings(settings.section(u' ', 0, 0)));
+        audio->setProbedCodecName(sound);
+        if (settings.contains(u' '))
+            audio->setUserAudioSettingsDictionaryArray(
+                audio->userAudioSettingsDictionaryArray()
+                << audioSettings(settings.section(u' ', 1), u"2"_s, u"160"_s));
+        const auto job = fixture.make(fixture.selection(device, {film, audio}));
+        QCOMPARE(job->refusal(), sentence.isEmpty() ? QString() : sentence);
+        const auto chosen = fixture.selection(device, {film, audio});
+        QCOMPARE(selection::refusalToConvert(*chosen, {}), job->refusal());
     }
 
     void aRefusedJobRunsNothingAndEnds()

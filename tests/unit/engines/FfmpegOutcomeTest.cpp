@@ -68,7 +68,10 @@ private Q_SLOTS:
         const auto outcome =
             outcomeOfMessages(whole(usual + u"\nav_interleaved_write_frame(): No space left on device\n"_s));
         QCOMPARE(outcome.verdict, Verdict::Failed);
-        QCOMPARE(outcome.sentence, u"There was no space left for the output."_s);
+        QCOMPARE(outcome.sentence, u"ffmpeg failed: There is no room left for the output."_s);
+        FfmpegRun run = whole(u"Error closing file /v/a.mkv: No space left on device\n"_s);
+        run.output = QUrl::fromLocalFile(u"/v/s/a.mkv"_s);
+        QCOMPARE(outcomeOfMessages(run).sentence, u"ffmpeg failed: There is no room left in /v/s."_s);
     }
 
     void aDamagedSourceIsAWarning_data()
@@ -76,12 +79,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("line");
         for (
             const QString &line :
-            {u"[matroska,webm @ 0x1] File ended prematurely"_s,
-             u"/v/a.mp4: stream 0, offset 0x1: partial file"_s,
-             u"Error while decoding stream #0:0: Invalid data"_s,
+            {u"Error while decoding stream #0:0: Invalid data"_s,
              u"/v/a.mkv: Invalid data found when processing input"_s,
              u"[h264 @ 0x1] error while decoding MB 7 0, bytestream 4353"_s,
-             u"/v/a.mkv: corrupt decoded frame in stream 0"_s, u"/v/a.ts: corrupt input packet in stream 0"_s,
+             u"[avi @ 0x1] Packet corrupt (stream = 0, dts = 1819)."_s, u"[flv @ 0x1] Packet mismatch 1 2"_s,
+             u"[asf @ 0x1] ff asf bad header 1"_s, u"/v/a.mkv: corrupt decoded frame in stream 0"_s,
+             u"/v/a.ts: corrupt input packet in stream 0"_s,
              u"[matroska,webm @ 0x1] 0x00 at pos 9 (0x9) invalid as first byte of an EBML number"_s,
              u"[matroska,webm @ 0x1] Element at 0x9 ending at 0x99 exceeds containing master element ending at 0x9"_s})
             QTest::newRow(qPrintable(line)) << line;
@@ -92,7 +95,21 @@ private Q_SLOTS:
         QFETCH(QString, line);
         const auto outcome = outcomeOfMessages(whole(usual + u'\n' + line + u'\n'));
         QCOMPARE(outcome.verdict, Verdict::Warnings);
-        QCOMPARE(outcome.sentence, u"The source seems damaged: "_s + line + u'.');
+        QString said = line.startsWith(u'[') ? line.section(u"] "_s, 1) : line;
+        if (said.endsWith(u'.'))
+            said.chop(1);
+        QCOMPARE(outcome.sentence, u"The source seems damaged: "_s + said + u'.');
+    }
+
+    void aSourceThatWasCutIsToldToEndEarly()
+    {
+        for (const QString &line :
+             {u"[matroska,webm @ 0x55c3] File ended prematurely"_s,
+              u"[mov,mp4,m4a,3gp,3g2,mj2 @ 0x1] stream 1, offset 0x3a: partial file"_s}) {
+            const auto outcome = outcomeOfMessages(whole(usual + u'\n' + line + u'\n'));
+            QCOMPARE(outcome.verdict, Verdict::Warnings);
+            QCOMPARE(outcome.sentence, u"The source ends early: "_s + line.section(u"] "_s, 1) + u'.');
+        }
     }
 
     /// The banner repeats titles, indented.
@@ -187,7 +204,7 @@ private Q_SLOTS:
         FfmpegRun run = whole(usual + u"\n[matroska,webm @ 0x1] File ended prematurely\n"_s);
         run.lastTime = u"00:00:10.00"_s;
         const auto outcome = outcomeOfMessages(run);
-        QVERIFY(outcome.sentence.contains(u"damaged"_s));
+        QVERIFY(outcome.sentence.contains(u"ends early"_s));
         QVERIFY(outcome.sentence.contains(u"120 s long"_s));
     }
 

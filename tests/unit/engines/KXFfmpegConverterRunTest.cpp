@@ -42,7 +42,7 @@ private Q_SLOTS:
         QTest::newRow("truncated") << u"frame= 9 time=00:00:31.19 bitrate"_s << u"25%"_s;
         QTest::newRow("nothing yet") << u"time=00:00:00.00 "_s << u"0%"_s;
         QTest::newRow("the end") << u"time=00:02:00.00 "_s << u"100%"_s;
-        QTest::newRow("beyond the end") << u"time=00:03:00.00 "_s << u"150%"_s;
+        QTest::newRow("beyond the end") << u"time=00:03:00.00 "_s << u"100%"_s;
         QTest::newRow("negative") << u"frame=0 time=-00:00:00.07 bitrate"_s << u"0%"_s;
         QTest::newRow("no time") << u"frame=0 time=N/A bitrate"_s << u"0%"_s;
         QTest::newRow("no progress line") << u"Press [q] to stop"_s << u"0%"_s;
@@ -284,12 +284,12 @@ private Q_SLOTS:
         row("no picture", {u"err time=00:02:00.00 "_s, u"write 10 last"_s}, steps::Verdict::Failed,
             u"no picture"_s);
         row("full disk", {done, u"err x: No space left on device"_s, u"write 10 last"_s},
-            steps::Verdict::Failed, u"no space left"_s);
+            steps::Verdict::Failed, u"There is no room left in /"_s);
         row("full disk, exit status",
             {done, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s},
-            steps::Verdict::Failed, u"There was no space left for the output."_s);
+            steps::Verdict::Failed, u"ffmpeg failed: There is no room left in /"_s);
         row("damaged", {u"err [matroska @ 0x1] File ended prematurely"_s, done, u"write 10 last"_s},
-            steps::Verdict::Warnings, u"seems damaged"_s);
+            steps::Verdict::Warnings, u"ends early"_s);
         row("short", {u"err frame=9 time=00:00:10.00 "_s, u"write 10 last"_s}, steps::Verdict::Warnings,
             u"ends at 10 s"_s);
     }

@@ -338,7 +338,7 @@ private Q_SLOTS:
         QTest::newRow("process, full disk")
             << QStringList{end, u"err x: No space left on device"_s, u"write 10 last"_s, u"exit 1"_s} << false
             << static_cast<int>(steps::Verdict::Failed)
-            << u"Track 0, Video: (h264), was not written. There was no space left for the output."_s;
+            << u"Track 0, Video: (h264), was not written. ffmpeg failed: There is no room left in "_s;
         row("empty", {end, u"write 0 last"_s}, steps::Verdict::Failed, u"wrote nothing"_s);
     }
 

@@ -325,7 +325,7 @@ private Q_SLOTS:
         QCOMPARE(job->progressList(), jobs::ProgressList({{u"Joining Videos"_s, u"Joining"_s}}));
         QCOMPARE(fixture.progressTexts().constLast(), u"Joining Videos=Joining"_s);
         QCOMPARE(job->stepConverterList().size(), 1);
-        QCOMPARE(job->stepTaskList().size(), 1);
+        QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; })); // once the files were looked at
         QCOMPARE(job->logFilesToDeleteList(), QList<QUrl>{fixture.url(u"a.mkv.joined.log"_s)});
         QVERIFY(job->tempFilesToDeleteList().isEmpty());
         fixture.announce(u"monitorJoinUpdate"_s, u"no percentage"_s);
@@ -338,26 +338,63 @@ private Q_SLOTS:
         QVERIFY(fixture.waitForEnd());
     }
 
-    /// The tool does not wait for the look at the files, the end of the step does; a stop ends both.
-    void filesAreLookedAtWhileTheToolRuns()
+    /// At most one look a core, then the tool; a stop ends the looks.
+    void theToolStartsOnceTheFilesWereLookedAt()
     {
         JoinFixture fixture(u"mkvmerge"_s);
         const QString pids = fixture.path(u"pids"_s);
         fixture.setScript(u"ffmpeg/ffprobe"_s, {u"pid "_s + pids, u"hang"_s});
-        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
-        const auto joiner = job->stepConverterList().constFirst();
-        QVERIFY(waitFor([&] { return !joiner->converterTask()->isRunning(); }));
+        fixture.base.toolsAtOnce = 2;
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s, u"c.mkv"_s});
         const auto looks = [&] { return fixture.base.scratch.read(u"pids"_s).split('\n').size() - 1; };
-        QVERIFY(waitFor([&] { return looks() == 2; })); // both files at once
+        QVERIFY(waitFor([&] { return looks() == 2; }));
         QTest::qWait(300);
-        QCOMPARE(fixture.record.count(u"taskCompletion"_s), 0);
-        QVERIFY(!job->hasEnded());
+        QCOMPARE(looks(), 2);
+        QCOMPARE(job->progressList(), jobs::ProgressList({{u"Joining Videos"_s, u"Joining"_s}}));
+        QVERIFY(fixture.calls(u"mkvmerge"_s).isEmpty());
         job->stopJob();
         QCOMPARE(job->outcome().verdict, Verdict::Stopped);
-        QVERIFY(!QFile::exists(fixture.path(u"a.mkv.joined.mkv"_s)));
         for (const QByteArray &pid : fixture.base.scratch.read(u"pids"_s).trimmed().split('\n'))
             QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
+        QVERIFY(fixture.calls(u"mkvmerge"_s).isEmpty());
+        QVERIFY(!QFile::exists(fixture.path(u"a.mkv.joined.mkv"_s)));
         QVERIFY(fixture.base.alerts.shown().isEmpty());
+    }
+
+    void aJobThatIsStoppedAtOnceLooksAtNothing()
+    {
+        JoinFixture fixture(u"mkvmerge"_s);
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        job->stopJob();
+        QTest::qWait(200);
+        QVERIFY(fixture.calls(u"ffprobe"_s).isEmpty());
+        QVERIFY(fixture.calls(u"mkvmerge"_s).isEmpty());
+        QCOMPARE(job->outcome().verdict, Verdict::Stopped);
+    }
+
+    void aFileThatIsNoFilmRefusesTheJoin()
+    {
+        JoinFixture fixture(u"mkvmerge"_s);
+        fixture.setScript(u"ffmpeg/ffprobe"_s, {u"out {}"_s, u"exit 1"_s});
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(job->outcome().verdict, Verdict::Failed);
+        QCOMPARE(job->outcome().sentence, u"a.mkv can't be read as a film, so nothing was started."_s);
+        QVERIFY(fixture.calls(u"mkvmerge"_s).isEmpty());
+        QCOMPARE(fixture.base.scratch.names().filter(u"joined"_s), QStringList());
+    }
+
+    /// A pause while the files are looked at holds the tool too.
+    void aPausedJobHoldsTheToolThatStartsMeanwhile()
+    {
+        JoinFixture fixture(u"mkvmerge"_s);
+        const auto job = fixture.startJob({u"a.mkv"_s, u"b.mkv"_s});
+        job->pauseJob();
+        QVERIFY(waitFor([&] { return job->stepTaskList().size() == 1; }));
+        QVERIFY(std::get<tools::ToolProcessPointer>(job->stepTaskList().constFirst())->isSuspended());
+        job->resumeJob();
+        QVERIFY(fixture.waitForEnd());
+        QCOMPARE(job->outcome().verdict, Verdict::Ok);
     }
 
     void theJobTakesTheToolThatFitsTheFiles_data()

@@ -211,7 +211,7 @@ private Q_SLOTS:
         QTest::newRow("30 s of 120 s") << u"00:00:30.00"_s << u"120"_s << 25;
         QTest::newRow("truncated") << u"00:01:59.99"_s << u"120"_s << 99;
         QTest::newRow("whole") << u"00:02:00.00"_s << u"120"_s << 100;
-        QTest::newRow("beyond") << u"00:03:00.00"_s << u"120"_s << 150;
+        QTest::newRow("beyond") << u"00:03:00.00"_s << u"120"_s << 100;
         QTest::newRow("fraction dropped") << u"00:00:00.99"_s << u"10"_s << 0;
         QTest::newRow("a little negative") << u"-00:00:00.07"_s << u"120"_s << 0;
         QTest::newRow("negative by a minute") << u"-00:01:00.00"_s << u"120"_s << 0;
@@ -220,7 +220,7 @@ private Q_SLOTS:
         QTest::newRow("negative duration") << u"00:00:30.00"_s << u"-5"_s << 0;
         QTest::newRow("no time") << QString() << u"120"_s << 0;
         QTest::newRow("no time text") << u"N/A"_s << u"120"_s << 0;
-        QTest::newRow("absurd time") << u"999999999999:00:00"_s << u"1"_s << 1'000'000;
+        QTest::newRow("absurd time") << u"999999999999:00:00"_s << u"1"_s << 100;
     }
 
     void percentOfDuration()
@@ -229,6 +229,63 @@ private Q_SLOTS:
         QFETCH(QString, duration);
         QFETCH(int, percent);
         QCOMPARE(steps::percentOfDuration(time, duration), percent);
+    }
+
+    void bytesInAStatusLine_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<qint64>("bytes");
+        const auto row = [](const QString &line, qint64 bytes) {
+            QTest::newRow(qPrintable(line)) << line << bytes;
+        };
+        row(u"frame=   74 fps=0.0 q=21.0 size=       0kB time=00:00:03.23 "_s, 0);
+        row(u"frame=  200 fps=0.0 q=-1.0 Lsize=      36kB time=00:00:07.96 "_s, 36864);
+        row(u"size=     128KiB time=00:00:03.23 bitrate"_s, 131072);
+        row(u"size=12kB time=N/A"_s, 12288);
+        row(u"frame=1 size=N/A time=00:00:03.23 "_s, -1);
+        row(u"frame=1 size=     12"_s, -1);
+        row(u"frame=1 size=  "_s, -1);
+        row(u"frame=1 time=00:00:03.23 "_s, -1);
+    }
+
+    void bytesInAStatusLine()
+    {
+        QFETCH(QString, line);
+        QTEST(steps::bytesInStatusLine(line), "bytes");
+    }
+
+    /// Also where no time is told beside it.
+    void theSizeIsHeardToo()
+    {
+        FfmpegProgressReader reader;
+        const FfmpegReading reading =
+            reader.feed("frame=  2 size=       7kB time=N/A bitrate=N/A speed=N/A    \r");
+        QVERIFY(reading.time.isNull());
+        QCOMPARE(reading.written, 7168);
+        QCOMPARE(reader.feed(last).written, 36864);
+        QCOMPARE(reader.feed(moov).written, -1);
+    }
+
+    void percentOfBytes_data()
+    {
+        QTest::addColumn<qint64>("written");
+        QTest::addColumn<qint64>("sources");
+        QTest::addColumn<int>("percent");
+        QTest::newRow("a quarter") << qint64(25) << qint64(100) << 25;
+        QTest::newRow("truncated") << qint64(19) << qint64(1000) << 1;
+        QTest::newRow("all, and not finished") << qint64(100) << qint64(100) << 99;
+        QTest::newRow("more than all") << qint64(900) << qint64(100) << 99;
+        QTest::newRow("nothing") << qint64(0) << qint64(100) << 0;
+        QTest::newRow("of nothing") << qint64(5) << qint64(0) << 0;
+        QTest::newRow("terabytes") << qint64(4'000'000'000'000) << qint64(8'000'000'000'000) << 50;
+    }
+
+    void percentOfBytes()
+    {
+        QFETCH(qint64, written);
+        QFETCH(qint64, sources);
+        QFETCH(int, percent);
+        QCOMPARE(steps::percentOfBytes(written, sources), percent);
     }
 };
 

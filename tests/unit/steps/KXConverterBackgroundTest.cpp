@@ -160,7 +160,8 @@ private Q_SLOTS:
         ::kill(pid.toInt(), SIGKILL);
         QVERIFY(run.ends());
         QCOMPARE(run.converter.monitorConversion(), u"Complete"_s);
-        QCOMPARE(run.converter.outcome().sentence, u"ffmpeg was ended from outside or crashed."_s);
+        QCOMPARE(run.converter.outcome().sentence,
+                 u"ffmpeg was ended from outside or crashed: The tool was killed."_s);
     }
 
     void goesWithItsConverter()
@@ -286,7 +287,10 @@ private Q_SLOTS:
         QTest::newRow("failed without a word")
             << ffmpeg << QStringList{u"exit 8"_s} << Verdict::Failed << u"ffmpeg failed (exit status 8)."_s;
         QTest::newRow("killed") << ffmpeg << QStringList{write, u"die KILL"_s} << Verdict::Failed
-                                << u"ffmpeg was ended from outside or crashed."_s;
+                                << u"ffmpeg was ended from outside or crashed: The tool was killed."_s;
+        QTest::newRow("too large a file")
+            << ffmpeg << QStringList{write, u"die XFSZ"_s} << Verdict::Failed
+            << u"ffmpeg was ended from outside or crashed: The file may not grow further."_s;
         QTest::newRow("crashed") << ffmpeg << QStringList{write, u"die SEGV"_s} << Verdict::Failed
                                  << u"ffmpeg was ended from outside or crashed."_s;
         QTest::newRow("mkvmerge warned")
