@@ -56,7 +56,13 @@ struct MeantOutput
     double from = 0;          ///< seconds in the source; of a stretch only
     std::optional<double> to; ///< the same; absent: the end
     bool isRaw = false;       ///< an elementary stream without a container, so without times
-    QList<TrackFate> tracks;  ///< those of its sources that are in it, in no order
+    /// What becomes of the sources' tracks as far as they are known, in no order: those that are left out
+    /// too.
+    QList<TrackFate> tracks;
+    /// What becomes of the streams that are not among them (media::completed()): each a pattern by its kind,
+    /// and by codec and source where it has them. The first that fits counts.
+    QList<TrackFate> rest;
+    bool hasOneSetOfChapters = false; ///< of several sources with chapters only the first one's are in it
 };
 
 } // namespace media

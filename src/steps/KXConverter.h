@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/TrackFate.h"
 #include "platform/Fields.h"
 #include "platform/KXNotificationCenter.h"
 #include "selection/KXSelection.h"
@@ -127,6 +128,9 @@ public:
     virtual steps::Outcome outcome() const;
     /// What the step writes: its output, or the parts that are there of one that comes in parts.
     virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
+    /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
+    /// known when they are there. None where there is nothing to hold them against.
+    virtual QList<media::MeantOutput> meantOutputs() const { return {}; }
     /// What the tool is going to write, by claimed names.
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job.

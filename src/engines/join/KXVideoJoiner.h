@@ -32,6 +32,7 @@ public:
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     steps::Outcome outcome() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;

@@ -30,6 +30,7 @@ public:
     void backgroundReadingCompleted() override;
     QString monitorConversion() override { return pollPercentage(); }
     QList<QUrl> outputFiles() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
 
 private:
     bool warnOfMismatch();

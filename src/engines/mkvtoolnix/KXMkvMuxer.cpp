@@ -2,6 +2,7 @@
 
 #include "engines/OutputBase.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvFates.h"
 #include "engines/mkvtoolnix/MkvTrackNumbers.h"
 #include "media/KXVideoTrack.h"
 
@@ -56,6 +57,13 @@ QString KXMkvMuxer::startPreparedInBackground()
     setDoShell_ID(startInBackground(urlOfApp(u"mkvmerge"_s),
                                     engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL())));
     return doShell_ID();
+}
+
+QList<media::MeantOutput> KXMkvMuxer::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    return {engines::muxOutput(*converterSelection(), tracksToMux(), outputFileURL())};
 }
 
 /// All that we know of the file, also what is not written: the numbers go by position.

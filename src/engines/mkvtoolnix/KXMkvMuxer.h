@@ -19,6 +19,7 @@ public:
     QString startPreparedInBackground() override;
     QList<steps::Launch> launches() override;
     QString monitorConversion() override { return pollPercentage(); }
+    QList<media::MeantOutput> meantOutputs() const override;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
