@@ -23,11 +23,10 @@ QString kindOfStream(const QJsonObject &stream)
     return known.contains(type) ? type : u"data"_s;
 }
 
-/// How MP4 and MOV keep the titles of chapters.
-bool isChapterText(const QJsonObject &stream)
+/// The texts of chapters in MP4 and MOV, by ffprobe's word for them.
+bool isChapterText(const SourceStream &stream)
 {
-    return stream[u"codec_type"_s].toString() == u"data"_s &&
-           stream[u"codec_tag_string"_s].toString() == u"text"_s;
+    return stream.kind == u"data"_s && stream.codec == u"bin_data"_s;
 }
 
 bool isNamed(const QList<TrackFate> &tracks, const QUrl &source, const SourceStream &stream)
@@ -89,22 +88,30 @@ void leaveOutFurtherChapters(QList<TrackFate> &tracks)
 
 } // namespace
 
+SourceStreams withChapters(const SourceStreams &streams, bool hasChapters)
+{
+    SourceStreams all = streams;
+    if (!hasChapters)
+        return all;
+    const auto text = std::find_if(all.begin(), all.end(), isChapterText);
+    if (text == all.end())
+        all.append({-1, chaptersKind, QString()});
+    else
+        text->kind = chaptersKind;
+    return all;
+}
+
 SourceStreams sourceStreamsIn(const QByteArray &json)
 {
     const QJsonObject document = QJsonDocument::fromJson(json).object();
-    bool hasChapters = !document[u"chapters"_s].toArray().isEmpty();
     SourceStreams streams;
     for (const QJsonValue &value : document[u"streams"_s].toArray()) {
         const QJsonObject stream = value.toObject();
-        const bool isChapters = hasChapters && isChapterText(stream);
-        hasChapters = hasChapters && !isChapters;
         const QString codec = stream[u"codec_name"_s].toString();
-        streams.append({stream[u"index"_s].toInt(-1), isChapters ? chaptersKind : kindOfStream(stream),
-                        codec.isEmpty() ? QString() : codec});
+        streams.append(
+            {stream[u"index"_s].toInt(-1), kindOfStream(stream), codec.isEmpty() ? QString() : codec});
     }
-    if (hasChapters)
-        streams.append({-1, chaptersKind, QString()});
-    return streams;
+    return withChapters(streams, !document[u"chapters"_s].toArray().isEmpty());
 }
 
 MeantOutput completed(const MeantOutput &meant, const QHash<QUrl, SourceStreams> &sources)

@@ -18,6 +18,8 @@ struct SourceStream
 };
 using SourceStreams = QList<SourceStream>;
 
+/// The streams of a source that has chapters or has none.
+SourceStreams withChapters(const SourceStreams &streams, bool hasChapters);
 /// Of the JSON that ffprobe prints with -show_streams and -show_chapters. None for anything else.
 SourceStreams sourceStreamsIn(const QByteArray &json);
 
