@@ -1,5 +1,6 @@
 #include "cli/JobRun.h"
 
+#include "cli/Records.h"
 #include "cli/Session.h"
 
 #include <QEventLoop>
@@ -154,6 +155,7 @@ void JobRun::finished(const KXJob &job)
               {{u"outcome"_s, outcome.word()},
                {u"message"_s, outcome.sentence},
                {u"outputs"_s, pathsOf(job.outputs())},
+               {u"tracks"_s, receiptRecord(job.receipt())},
                {u"log"_s, remainingLog(job)}});
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())

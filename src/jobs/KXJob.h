@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jobs/JobContext.h"
+#include "jobs/JobReceipt.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
 #include "steps/DurationLooks.h"
@@ -82,6 +83,8 @@ public:
 
     /// How the job went; Unknown until it has ended.
     steps::Outcome outcome() const { return m_outcome; }
+    /// What became of every track of its sources, once it has ended; empty when it was stopped.
+    media::Receipt receipt() const { return m_receipt.receipt(); }
     /// Finished files the user wanted, in step order.
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.
@@ -95,6 +98,7 @@ Q_SIGNALS:
 protected:
     const jobs::JobContext &context() const { return m_context; }
     steps::OutputGuard &guard() { return m_guard; }
+    jobs::JobReceipt &receiptInTheMaking() { return m_receipt; }
     /// The converters of the first steps, with their names; those of which nothing may be started know why.
     virtual QList<ConverterPointer> preparedSteps() { return {}; }
     QList<steps::Launch> planOf(const QList<ConverterPointer> &prepared);
@@ -183,6 +187,7 @@ private:
     QTimer m_flashProgressTimer;
     std::optional<jobs::ProgressUpdate> m_flashing;
     steps::Outcome m_outcome;
+    jobs::JobReceipt m_receipt;
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_outputs;
     QString m_temporaryFolder;

@@ -121,6 +121,7 @@ void KXJob::stopJob()
     deleteFiles(m_logFilesToDeleteList);
     deleteFiles(m_tempFilesToDeleteList);
     releaseEverything();
+    m_receipt.clear();
     m_outcome = steps::Outcome::stopped();
     Q_EMIT outcomeChanged();
 }
@@ -184,6 +185,7 @@ steps::Outcome KXJob::outcomeOfStep(KXConverter &converter)
     } else if (!converter.isTemporaryOutput()) {
         m_outputs += converter.outputFiles();
     }
+    m_receipt.add(converter, outcome.verdict);
     return outcome;
 }
 
@@ -208,8 +210,11 @@ void KXJob::writeOutcomeToLogs()
 {
     const QString line = u"\nTessaray: %1%2\n"_s.arg(
         m_outcome.word(), m_outcome.sentence.isEmpty() ? QString() : u": "_s + m_outcome.sentence);
-    for (const QUrl &log : std::as_const(m_logFilesToDeleteList))
-        m_guard.files().append(log, line.toUtf8());
+    const media::Receipt receipt = m_receipt.receipt();
+    for (const QUrl &log : std::as_const(m_logFilesToDeleteList)) {
+        const QString tracks = m_receipt.linesFor(log, receipt).join(u'\n');
+        m_guard.files().append(log, (tracks.isEmpty() ? line : u"\nTracks:\n"_s + tracks + line).toUtf8());
+    }
 }
 
 void KXJob::deleteFiles(const QList<QUrl> &files)

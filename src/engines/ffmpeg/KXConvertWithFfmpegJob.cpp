@@ -207,13 +207,15 @@ QUrl KXConvertWithFfmpegJob::extracted(qsizetype index, KXConverter::Keeping kee
     if (outcome.verdict == steps::Verdict::Failed)
         addOutcome(outcome);
     else if (keeping == KXConverter::Keeping::TheOutput)
-        keepFiles(dumper->outputFiles());
+        keepFilesOf(*dumper);
     return dumper->outputFileURL();
 }
 
 /// What was to go with the job if it had been stopped meanwhile now stays.
-void KXConvertWithFfmpegJob::keepFiles(const QList<QUrl> &kept)
+void KXConvertWithFfmpegJob::keepFilesOf(const KXConverter &converter)
 {
+    const QList<QUrl> kept = converter.outputFiles();
+    receiptInTheMaking().addWanted(converter);
     QList<QUrl> files = tempFilesToDeleteList();
     files.removeIf([&](const QUrl &file) { return kept.contains(file); });
     setTempFilesToDeleteList(files);

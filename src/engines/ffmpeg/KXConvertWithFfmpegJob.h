@@ -60,7 +60,7 @@ private:
     void prepareBurning(KXFfmpegConverter &converter, qsizetype index);
     void noteUnlessDrawn(const KXFfmpegConverter &converter, const KXVideoTrack &track);
     QUrl extracted(qsizetype index, KXConverter::Keeping keeping);
-    void keepFiles(const QList<QUrl> &kept);
+    void keepFilesOf(const KXConverter &converter);
     void waitForBackground(KXConverter &converter);
     void startConversion(const std::shared_ptr<KXFfmpegConverter> &converter);
     void completion(const KXNotification &notification, qsizetype index);
