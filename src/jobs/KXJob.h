@@ -85,6 +85,12 @@ public:
     steps::Outcome outcome() const { return m_outcome; }
     /// What became of every track of its sources, once it has ended; empty when it was stopped.
     media::Receipt receipt() const { return m_receipt.receipt(); }
+    /// What a source holds, beside what was chosen of it. Until it is known the receipt tells of chosen
+    /// tracks and of those that could have been.
+    void takeStreamsOf(const QUrl &source, const media::SourceStreams &streams)
+    {
+        m_receipt.takeStreams(source, streams);
+    }
     /// Finished files the user wanted, in step order.
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.

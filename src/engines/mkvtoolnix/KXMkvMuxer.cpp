@@ -6,6 +6,8 @@
 #include "engines/mkvtoolnix/MkvTrackNumbers.h"
 #include "media/KXVideoTrack.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 KXMkvMuxer::KXMkvMuxer(const steps::ConverterContext &context)
@@ -72,8 +74,25 @@ TrackList KXMkvMuxer::tracksOfFile(const QString &path) const
     TrackList tracks;
     const TrackList known = converterSelection()->trackList() + converterSelection()->keepTracksList();
     for (const TrackPointer &track : known) {
-        const bool isFromIt = track->trackFileURL().toLocalFile() == path && !track->isStereoCopyFlag();
+        const bool isFromIt =
+            track->trackFileURL().toLocalFile() == path && !track->isStereoCopyFlag() && !track->isCover();
         if (isFromIt && !tracks.contains(track))
+            tracks.append(track);
+    }
+    return tracks;
+}
+
+/// To mkvmerge a cover is an attachment, which it takes along by itself; asked for as a track it warns. One
+/// that is all that is wanted of its file stays: else the file would not be read.
+TrackList KXMkvMuxer::withoutCovers() const
+{
+    const TrackList all = tracksToMux();
+    TrackList tracks;
+    for (const TrackPointer &track : all) {
+        const auto isCompany = [&](const TrackPointer &other) {
+            return !other->isCover() && other->muxingTrackFileURL() == track->muxingTrackFileURL();
+        };
+        if (!track->isCover() || std::none_of(all.begin(), all.end(), isCompany))
             tracks.append(track);
     }
     return tracks;
@@ -93,5 +112,5 @@ tools::OptionList KXMkvMuxer::launchForm(const tools::OptionList &)
         const QString answer = doShellScriptForWithOptions(urlOfApp(u"mkvmerge"_s), {u"-J", source});
         numbers.insert(path, engines::trackNumbersIn(answer, tracksOfFile(path)));
     }
-    return engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL(), numbers);
+    return engines::muxShellItems(withoutCovers(), outputFileURL(), logFileURL(), numbers);
 }

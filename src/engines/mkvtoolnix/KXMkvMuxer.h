@@ -28,4 +28,5 @@ private:
     /// "muxed" or "removed"; takes the tracks of the job type on the way.
     QString takeTracks();
     TrackList tracksOfFile(const QString &path) const;
+    TrackList withoutCovers() const;
 };

@@ -6,6 +6,8 @@
 #include "engines/mkvtoolnix/KXVideoSplitter.h"
 #include "selection/KXSelection.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using media::MeantOutput;
 using media::TrackFate;
@@ -61,6 +63,13 @@ TrackFate muxedTrack(const KXVideoTrack &track, const KXSelection &selection, co
                : leftOutTrack(track, u"Nobody knows which track of its file it is."_s);
 }
 
+bool isAmong(const TrackList &tracks, const KXVideoTrack &track)
+{
+    return std::any_of(tracks.begin(), tracks.end(), [&](const TrackPointer &other) {
+        return other->trackFileURL() == track.trackFileURL() && other->streamIndex() == track.streamIndex();
+    });
+}
+
 QList<QUrl> filesRead(const TrackList &tracks)
 {
     QList<QUrl> files;
@@ -76,6 +85,8 @@ QList<TrackFate> otherTracks(const KXSelection &selection, const TrackList &trac
     const QList<QUrl> files = filesRead(tracks);
     QList<TrackFate> fates;
     for (const TrackPointer &track : isRemoval ? selection.trackList() : selection.keepTracksList()) {
+        if (isAmong(tracks, *track))
+            continue;
         if (track->isCover() && files.contains(track->trackFileURL()))
             fates.append(copiedTrack(*track, output));
         else
