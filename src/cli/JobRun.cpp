@@ -160,7 +160,7 @@ void JobRun::finished(const KXJob &job)
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
-    if (outcome.verdict != steps::Verdict::Ok)
+    if (outcome.verdict != steps::Verdict::Ok || !outcome.sentence.isEmpty())
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
 

@@ -16,6 +16,7 @@ TrackFate notWritten(TrackFate fate)
     if (fate.became != Became::LeftOut)
         fate.reason = u"The output was not written."_s;
     fate.became = Became::LeftOut;
+    fate.told = media::Told::InTheReceipt; // that it failed is told
     fate.to = QString();
     fate.output = QUrl();
     fate.outputIndex = -1;

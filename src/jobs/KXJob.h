@@ -169,6 +169,7 @@ private:
     void startWaitingStepsOnceDurationsAreKnown();
     void startWaitingStep(qsizetype index);
     void settleOutcome();
+    void addWordsOfReceipt();
     void writeOutcomeToLogs();
     void deleteFiles(const QList<QUrl> &files);
     void deleteUnfinishedOutputs();

@@ -189,12 +189,23 @@ steps::Outcome KXJob::outcomeOfStep(KXConverter &converter)
     return outcome;
 }
 
+/// A note changes no verdict.
+void KXJob::addWordsOfReceipt()
+{
+    const media::Receipt receipt = m_receipt.receipt();
+    for (const QString &warning : media::sentencesOf(receipt, media::Told::AsAWarning))
+        addOutcome(steps::Outcome::warnings(warning));
+    for (const QString &note : media::sentencesOf(receipt, media::Told::AsANote))
+        addOutcome({steps::Verdict::Ok, note});
+}
+
 void KXJob::settleOutcome()
 {
     for (const ConverterPointer &converter : std::as_const(m_stepConverterList)) {
         if (converter)
             addOutcome(outcomeOfStep(*converter));
     }
+    addWordsOfReceipt();
     if (m_outcome.verdict == steps::Verdict::Unknown)
         m_outcome = steps::Outcome::ok();
     if (m_outcome.verdict == steps::Verdict::Failed) {

@@ -59,6 +59,28 @@ QString nameOf(const TrackFate &fate)
     return fate.kind + number + codec + u" of "_s + fate.source.fileName();
 }
 
+/// Those that are left out for the same reason, and told in the same way, as the first one.
+QList<TrackFate> alike(const QList<TrackFate> &tracks, const TrackFate &first)
+{
+    QList<TrackFate> found;
+    for (const TrackFate &track : tracks) {
+        if (track.told == first.told && track.source == first.source && track.kind == first.kind &&
+            track.reason == first.reason)
+            found.append(track);
+    }
+    return found;
+}
+
+QString sentenceOf(const QList<TrackFate> &tracks)
+{
+    const TrackFate &first = tracks.constFirst();
+    const QString which =
+        tracks.size() == 1
+            ? u"The %1 was"_s.arg(nameOf(first))
+            : u"%1 %2s of %3 were"_s.arg(QString::number(tracks.size()), first.kind, first.source.fileName());
+    return which + u" left out. "_s + first.reason;
+}
+
 QString seconds(double value)
 {
     return QString::number(value, 'f', 2) + u" s"_s;
@@ -156,6 +178,19 @@ QString wordOf(Proof proof)
         break;
     }
     return u"notProven"_s;
+}
+
+QStringList sentencesOf(const Receipt &receipt, Told told)
+{
+    QStringList sentences;
+    for (const TrackFate &fate : receipt.tracks) {
+        if (fate.became != Became::LeftOut || fate.told != told)
+            continue;
+        const QString sentence = sentenceOf(alike(receipt.tracks, fate));
+        if (!sentences.contains(sentence))
+            sentences.append(sentence);
+    }
+    return sentences;
 }
 
 QStringList linesOf(const Receipt &receipt)

@@ -23,6 +23,9 @@ Receipt receiptOf(const QList<MeantOutput> &outputs);
 QString wordOf(Became became);
 QString wordOf(Proof proof);
 
+/// What is to be told of it without being asked: a sentence for all tracks of a source that share a reason.
+QStringList sentencesOf(const Receipt &receipt, Told told);
+
 /// One line a track for a person: "subtitle 3 (subrip) of film.mkv: left out. It was not chosen."
 QStringList linesOf(const Receipt &receipt);
 

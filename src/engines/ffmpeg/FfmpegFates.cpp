@@ -6,6 +6,8 @@
 #include "engines/ffmpeg/FfmpegSubtitles.h"
 #include "selection/KXSelection.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using media::MeantOutput;
 using media::TrackFate;
@@ -129,6 +131,34 @@ void addSubtitles(FateList &list, const KXSelection &selection, const Conversion
     }
 }
 
+/// Whether a text that is carried, or drawn, has styles that ask for fonts.
+bool keepsStyles(const KXSelection &selection, const QList<TrackFate> &fates)
+{
+    for (const TrackPointer &track : selection.trackList()) {
+        const bool isStyled = track->trackCodec() == u"ass"_s || track->trackCodec() == u"ssa"_s;
+        const auto keepsIt = [&](const TrackFate &fate) {
+            return fate.source == track->trackFileURL() && fate.index == track->streamIndex() &&
+                   (fate.became == media::Became::Copied || fate.became == media::Became::Burned);
+        };
+        if (isStyled && isSubtitle(*track) && std::any_of(fates.begin(), fates.end(), keepsIt))
+            return true;
+    }
+    return false;
+}
+
+/// Fonts that a text will miss are told to everybody.
+QList<TrackFate> missedFonts()
+{
+    QList<TrackFate> fonts;
+    for (const QString &codec : {u"ttf"_s, u"otf"_s}) {
+        fonts.append(restLeftOut(u"attachment"_s,
+                                 u"A conversion carries no fonts, so styled subtitles may look different."_s,
+                                 codec));
+        fonts.last().told = media::Told::AsANote;
+    }
+    return fonts;
+}
+
 /// ffmpeg takes chapters over by itself, of the first input that has any; it is told of nothing else.
 QList<TrackFate> restOfConversion(OutputKind kind)
 {
@@ -152,7 +182,9 @@ MeantOutput conversionOutput(const KXSelection &selection, const ConversionReque
     meant.file = request.output;
     meant.sources = sourcesOf(selection.videoTrackFileURL(), selection.trackList());
     meant.tracks = list.fates() + notChosen(selection.keepTracksList());
-    meant.rest = restOfConversion(request.kind);
+    if (keepsStyles(selection, meant.tracks))
+        meant.rest = missedFonts();
+    meant.rest += restOfConversion(request.kind);
     meant.hasOneSetOfChapters = true;
     return meant;
 }

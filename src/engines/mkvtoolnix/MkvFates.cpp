@@ -28,8 +28,10 @@ const QStringList &unreadableSubtitles()
 QList<TrackFate> allButWhatIsUnreadable()
 {
     QList<TrackFate> rest;
-    for (const QString &codec : unreadableSubtitles())
+    for (const QString &codec : unreadableSubtitles()) {
         rest.append(restLeftOut(u"subtitle"_s, notReadable, codec));
+        rest.last().told = media::Told::AsAWarning; // all of the file was asked for, and mkvmerge is silent
+    }
     rest.append(restLeftOut(u"data"_s, notReadable));
     for (const QString &kind :
          {u"video"_s, u"audio"_s, u"subtitle"_s, u"cover"_s, u"attachment"_s, u"chapters"_s})

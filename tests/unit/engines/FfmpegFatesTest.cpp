@@ -231,6 +231,40 @@ private Q_SLOTS:
                               u"data left: A conversion carries no data streams."_s, chapters}));
     }
 
+    void fontsThatAreMissedAreTold_data()
+    {
+        QTest::addColumn<TrackPointer>("track");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QUrl>("drawn");
+        QTest::addColumn<bool>("areTold");
+        const auto row = [](const char *name, const TrackPointer &track, OutputKind kind, bool areTold,
+                            const QUrl &drawn = {}) {
+            QTest::newRow(name) << track << static_cast<int>(kind) << drawn << areTold;
+        };
+        row("ass in MKV", subtitleTrack(u"1"_s, u"ass"_s), OutputKind::Mkv, true);
+        row("ssa in MKV", subtitleTrack(u"1"_s, u"ssa"_s), OutputKind::Mkv, true);
+        row("ass in MP4, where styles go", subtitleTrack(u"1"_s, u"ass"_s), OutputKind::Mp4, false);
+        row("ass in AVI", subtitleTrack(u"1"_s, u"ass"_s), OutputKind::Avi, false);
+        row("srt in MKV", subtitleTrack(u"1"_s, u"srt"_s), OutputKind::Mkv, false);
+        row("ass that is drawn", subtitleTrack(u"1"_s, u"ass"_s, u"burn"_s), OutputKind::Mp4, true,
+            QUrl::fromLocalFile(u"/t/temp.ass"_s));
+        row("no subtitle", videoTrack(), OutputKind::Mkv, false);
+    }
+
+    void fontsThatAreMissedAreTold()
+    {
+        QFETCH(TrackPointer, track);
+        QFETCH(int, kind);
+        QFETCH(QUrl, drawn);
+        const auto rest = conversionOutput(*handMadeSelection(u"General"_s, {videoTrack(), track}),
+                                           requestFor(static_cast<OutputKind>(kind), drawn))
+                              .rest;
+        const QString sentence =
+            u"attachment ttf left: A conversion carries no fonts, so styled subtitles may look different."_s;
+        QTEST(toldPatterns(rest).contains(sentence), "areTold");
+        QVERIFY((rest.constFirst().told == media::Told::AsANote) == toldPatterns(rest).contains(sentence));
+    }
+
     void aSingleTrack_data()
     {
         QTest::addColumn<TrackPointer>("track");

@@ -148,6 +148,10 @@ private Q_SLOTS:
         QCOMPARE(toldPatterns(meant.rest), allOfAFile);
         QCOMPARE(meant.sources, QList<QUrl>{source});
         QCOMPARE(meant.output, output);
+        for (const media::TrackFate &pattern : meant.rest) {
+            const bool isSilentLoss = pattern.kind == u"subtitle"_s && !pattern.codec.isNull();
+            QVERIFY((pattern.told == media::Told::AsAWarning) == isSilentLoss);
+        }
         QVERIFY(meant.tracks.isEmpty());
         QVERIFY(meant.extent == Extent::Whole);
     }

@@ -76,6 +76,26 @@ private Q_SLOTS:
         QCOMPARE(media::receiptOf({part, part}).tracks.size(), 2);
     }
 
+    void whatEverybodyIsToldOfIsASentence()
+    {
+        const auto left = [](int index, const QString &reason, media::Told told) {
+            TrackFate one = fate(film, index, u"attachment"_s, Became::LeftOut);
+            one.codec = u"ttf"_s;
+            one.reason = reason;
+            one.told = told;
+            return one;
+        };
+        const auto receipt = media::receiptOf({outputOf(
+            {left(3, u"One."_s, media::Told::AsANote), left(4, u"Two."_s, media::Told::AsANote),
+             left(5, u"One."_s, media::Told::AsANote), left(6, u"One."_s, media::Told::AsAWarning),
+             left(7, u"One."_s, media::Told::InTheReceipt), fate(film, 0, u"video"_s, Became::Copied)})});
+        QCOMPARE(media::sentencesOf(receipt, media::Told::AsANote),
+                 QStringList({u"2 attachments of a.mkv were left out. One."_s,
+                              u"The attachment 4 (ttf) of a.mkv was left out. Two."_s}));
+        QCOMPARE(media::sentencesOf(receipt, media::Told::AsAWarning),
+                 QStringList({u"The attachment 6 (ttf) of a.mkv was left out. One."_s}));
+    }
+
     void wordsOfTheRecord()
     {
         QCOMPARE(media::wordOf(Became::Copied), u"copied"_s);
