@@ -116,7 +116,7 @@ private Q_SLOTS:
             fixture.mux(others + TrackList{cover});
             if (!fixture.waitForRuns(1))
                 qFatal("nothing was started");
-            return fixture.calls().constFirst().contains(u"--language 5:eng"_s);
+            return fixture.calls().constFirst().contains(u"5:eng"_s);
         };
         QVERIFY(!asksForCover({picture()}));
         QVERIFY(asksForCover({})); // else its file would not be read

@@ -55,7 +55,8 @@ struct Job
     support::TestConverterPointer step(const QString &name, int index, int leftOut, int status = 0)
     {
         const QUrl output = fixture.scratch.url(name);
-        const QUrl tool = fixture.installTool(name, {u"write 5 last"_s, u"exit %1"_s.arg(status)});
+        const QUrl tool = fixture.installTool(u"tool%1"_s.arg(status),
+                                              {u"out words"_s, u"write 5 last"_s, u"exit %1"_s.arg(status)});
         const auto converter = job->runStep(name, output, tool);
         converter->meant = {meantOf(output, index, leftOut)};
         return converter;
