@@ -2,6 +2,8 @@
 
 #include "steps/KXConverter.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using media::Became;
 using media::MeantOutput;
@@ -30,12 +32,16 @@ QList<TrackFate> notWritten(QList<TrackFate> fates)
     return fates;
 }
 
+void takeBack(MeantOutput &output)
+{
+    output.tracks = notWritten(output.tracks);
+    output.rest = notWritten(output.rest);
+}
+
 QList<MeantOutput> notWritten(QList<MeantOutput> outputs)
 {
-    for (MeantOutput &output : outputs) {
-        output.tracks = notWritten(output.tracks);
-        output.rest = notWritten(output.rest);
-    }
+    for (MeantOutput &output : outputs)
+        takeBack(output);
     return outputs;
 }
 
@@ -64,6 +70,26 @@ void JobReceipt::take(const KXConverter &converter, const QList<MeantOutput> &ou
 void JobReceipt::takeStreams(const QUrl &source, const media::SourceStreams &streams)
 {
     m_streams.insert(source, streams);
+}
+
+void JobReceipt::rename(const QUrl &from, const QUrl &to)
+{
+    const auto renamed = [&](const QUrl &name) { return name == from ? to : name; };
+    for (MeantOutput &output : m_outputs) {
+        output.output = renamed(output.output);
+        for (TrackFate &fate : output.tracks)
+            fate.output = renamed(fate.output);
+    }
+    for (QList<QUrl> &outputs : m_outputsOfLogs)
+        std::transform(outputs.begin(), outputs.end(), outputs.begin(), renamed);
+}
+
+void JobReceipt::keepOnly(const QList<QUrl> &published)
+{
+    for (MeantOutput &output : m_outputs) {
+        if (!published.contains(output.output))
+            takeBack(output);
+    }
 }
 
 void JobReceipt::clear()

@@ -22,6 +22,10 @@ public:
     void addWanted(const KXConverter &converter);
     /// What a source holds, however its tracks were chosen.
     void takeStreams(const QUrl &source, const media::SourceStreams &streams);
+    /// An output got another name than it was meant to have.
+    void rename(const QUrl &from, const QUrl &to);
+    /// The outputs that got their names; what the others were to hold is told as left out.
+    void keepOnly(const QList<QUrl> &published);
     /// Nothing became of anything: the job was stopped.
     void clear();
 

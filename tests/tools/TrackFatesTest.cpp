@@ -263,6 +263,21 @@ private Q_SLOTS:
                  "subtitles may look different."_s);
     }
 
+    void aSubtitleThatGetsAFileOfItsOwn()
+    {
+        RealRuns runs;
+        const QUrl source = QUrl::fromLocalFile(runs.film(richMkv()));
+        const auto selection = runs.probed(source.toLocalFile(), u"MKV"_s);
+        keepStreams(*selection, {u"0"_s, u"3"_s});
+        streamOf(*selection, u"3"_s)->setUserCodec(u"extract"_s);
+        const auto job = runs.convert(selection);
+        QVERIFY(runs.run(job));
+        QVERIFY2(tells(*job, u"a.mkv:3 subtitle subrip > subrip #0"_s), qPrintable(wordsOf(job->receipt())));
+        for (const TrackFate &fate : job->receipt().tracks)
+            QVERIFY2(QFile::exists(fate.output.toLocalFile()), qPrintable(fate.output.toLocalFile()));
+        QCOMPARE(job->receipt().tracks.size(), 2);
+    }
+
     void anExtraction_data()
     {
         QTest::addColumn<QString>("clip");

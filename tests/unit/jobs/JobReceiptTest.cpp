@@ -131,6 +131,31 @@ private Q_SLOTS:
         QCOMPARE(job.job->receipt().tracks.constFirst().output, QUrl());
     }
 
+    void anOutputMayGetAnotherName()
+    {
+        Job job;
+        const QUrl meant = job.fixture.scratch.url(u"one.aac"_s);
+        const QUrl got = job.fixture.scratch.url(u"one (2).aac"_s);
+        jobs::JobReceipt receipt;
+        const auto step = job.step(u"one.aac"_s, 1, 2);
+        receipt.add(*step, Verdict::Ok);
+        receipt.rename(meant, got);
+        QCOMPARE(receipt.receipt().tracks.constFirst().output, got);
+        QCOMPARE(receipt.linesFor(step->logFileURL(), receipt.receipt()).size(), 2);
+    }
+
+    void whatGotNoNameIsLeftOut()
+    {
+        Job job;
+        jobs::JobReceipt receipt;
+        receipt.add(*job.step(u"one.aac"_s, 1, 3), Verdict::Ok);
+        receipt.add(*job.step(u"two.aac"_s, 2, 3), Verdict::Ok);
+        receipt.keepOnly({job.fixture.scratch.url(u"two.aac"_s)});
+        QCOMPARE(told(receipt.receipt().tracks),
+                 QStringList({u"film.mkv:1 audio left: The output was not written."_s,
+                              u"film.mkv:2 audio > aac #0"_s, u"film.mkv:3 audio left: "_s}));
+    }
+
     void aStoppedJobHasNone()
     {
         Job job;
