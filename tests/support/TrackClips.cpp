@@ -60,6 +60,12 @@ QString richMp4()
                 u"-map 0 -map 2 -map_chapters 1 -c copy -disposition:v:1 attached_pic"_s);
 }
 
+QString dvdStream()
+{
+    return made(u"dvd.vob"_s, {vobsubMkv()},
+                u"-map 0:0 -map 0:1 -map 0:6 -c:v mpeg2video -c:a ac3 -ac 2 -c:s copy"_s);
+}
+
 QString surroundMka()
 {
     return clip(u"surround.mka"_s, [](const QString &path) {

@@ -26,6 +26,9 @@ QString richMkv();
 /// h264 (0), aac 2ch (1), mov_text (2), the texts of two chapters (3), a jpeg cover (4).
 QString richMp4();
 
+/// mpeg2video (0), ac3 2ch (1), a VobSub (2) in a program stream.
+QString dvdStream();
+
 // More than one stream.
 
 /// aac 2ch (0), srt (1).

@@ -128,7 +128,7 @@ private Q_SLOTS:
         QStringList whole{u"event"_s, u"fileName"_s, u"job"_s, u"jobType"_s, u"progress"_s, u"step"_s};
         for (const QJsonObject &object : run.objects().first(events.size() - 1))
             QCOMPARE(object.keys(), whole);
-        whole << u"outcome"_s << u"message"_s << u"outputs"_s << u"log"_s;
+        whole << u"outcome"_s << u"message"_s << u"outputs"_s << u"tracks"_s << u"log"_s;
         whole.sort();
         QCOMPARE(doneOf(run).keys(), whole);
         QCOMPARE(doneOf(run).value(u"outcome"_s).toString(), u"ok"_s);

@@ -1,6 +1,7 @@
 #include "engines/mkvtoolnix/MkvFates.h"
 
 #include "engines/Fates.h"
+#include "engines/OutputBase.h"
 #include "engines/ffmpeg/FfmpegDevices.h"
 #include "engines/ffmpeg/FfmpegFates.h"
 #include "engines/mkvtoolnix/KXVideoSplitter.h"
@@ -18,20 +19,58 @@ namespace {
 
 const QString notReadable = u"mkvmerge can't read it."_s;
 
-/// The probe's words of what mkvmerge does not even list.
-const QStringList &unreadableSubtitles()
+struct Unreadable
 {
-    static const QStringList codecs{u"mov_text"_s, u"eia_608"_s};
-    return codecs;
+    QString kind;
+    QString codec;         ///< the probe's own word
+    bool isInDvds = false; ///< only out of a program stream
+};
+
+/// What mkvmerge does not even list.
+const QList<Unreadable> &unreadable()
+{
+    static const QList<Unreadable> all{{u"subtitle"_s, u"mov_text"_s},
+                                       {u"subtitle"_s, u"eia_608"_s},
+                                       {u"audio"_s, u"nellymoser"_s},
+                                       {u"subtitle"_s, u"dvd_subtitle"_s, true}};
+    return all;
 }
 
-QList<TrackFate> allButWhatIsUnreadable()
+bool isProgramStream(const QUrl &file)
 {
-    QList<TrackFate> rest;
-    for (const QString &codec : unreadableSubtitles()) {
-        rest.append(restLeftOut(u"subtitle"_s, notReadable, codec));
-        rest.last().told = media::Told::AsAWarning; // all of the file was asked for, and mkvmerge is silent
+    static const QStringList extensions{u"vob"_s, u"mpg"_s, u"mpeg"_s};
+    return extensions.contains(extensionOf(file).toLower());
+}
+
+bool isReadable(const KXVideoTrack &track)
+{
+    return std::none_of(unreadable().begin(), unreadable().end(), [&](const Unreadable &one) {
+        return one.kind == kindOf(track) && one.codec == track.probedCodecName() &&
+               (!one.isInDvds || isProgramStream(track.trackFileURL()));
+    });
+}
+
+/// All of the files was asked for, and mkvmerge says nothing of what it does not list.
+QList<TrackFate> silentLosses(const QList<QUrl> &files)
+{
+    QList<TrackFate> losses;
+    for (const Unreadable &one : unreadable()) {
+        TrackFate loss = restLeftOut(one.kind, notReadable, one.codec);
+        loss.told = media::Told::AsAWarning;
+        if (!one.isInDvds)
+            losses.append(loss);
+        for (const QUrl &file : files) {
+            loss.source = file;
+            if (one.isInDvds && isProgramStream(file))
+                losses.append(loss);
+        }
     }
+    return losses;
+}
+
+QList<TrackFate> allThatIsReadableOf(const QList<QUrl> &files)
+{
+    QList<TrackFate> rest = silentLosses(files);
     rest.append(restLeftOut(u"data"_s, notReadable));
     for (const QString &kind :
          {u"video"_s, u"audio"_s, u"subtitle"_s, u"cover"_s, u"attachment"_s, u"chapters"_s})
@@ -57,7 +96,7 @@ TrackFate muxedTrack(const KXVideoTrack &track, const KXSelection &selection, co
 {
     if (isRedirected(track))
         return redirected(track, selection, output);
-    if (unreadableSubtitles().contains(track.probedCodecName()))
+    if (!isReadable(track))
         return leftOutTrack(track, notReadable);
     // A cover is an attachment, which comes whatever is asked for.
     return track.mkvmergeNumber() || track.isCover()
@@ -136,7 +175,7 @@ MeantOutput remuxOutput(const QUrl &source, const QUrl &output)
     meant.output = output;
     meant.file = output;
     meant.sources = {source};
-    meant.rest = allButWhatIsUnreadable();
+    meant.rest = allThatIsReadableOf({source});
     return meant;
 }
 
@@ -147,7 +186,7 @@ MeantOutput mkvJoinOutput(const QList<QUrl> &files, const QUrl &output)
     meant.file = output;
     meant.extent = media::Extent::Sum;
     meant.sources = files;
-    meant.rest = allButWhatIsUnreadable();
+    meant.rest = allThatIsReadableOf(files);
     return meant;
 }
 

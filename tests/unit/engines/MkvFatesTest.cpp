@@ -20,6 +20,7 @@ const QUrl output = QUrl::fromLocalFile(u"/v/out.mkv"_s);
 
 const QStringList allOfAFile{u"subtitle mov_text left: mkvmerge can't read it."_s,
                              u"subtitle eia_608 left: mkvmerge can't read it."_s,
+                             u"audio nellymoser left: mkvmerge can't read it."_s,
                              u"data left: mkvmerge can't read it."_s,
                              u"video copied"_s,
                              u"audio copied"_s,
@@ -149,11 +150,26 @@ private Q_SLOTS:
         QCOMPARE(meant.sources, QList<QUrl>{source});
         QCOMPARE(meant.output, output);
         for (const media::TrackFate &pattern : meant.rest) {
-            const bool isSilentLoss = pattern.kind == u"subtitle"_s && !pattern.codec.isNull();
+            const bool isSilentLoss = !pattern.codec.isNull();
             QVERIFY((pattern.told == media::Told::AsAWarning) == isSilentLoss);
         }
         QVERIFY(meant.tracks.isEmpty());
         QVERIFY(meant.extent == Extent::Whole);
+    }
+
+    void theSubtitlesOfADvdsStreamAreLost()
+    {
+        const QString lost = u"film.vob: subtitle dvd_subtitle left: mkvmerge can't read it."_s;
+        const QUrl stream = QUrl::fromLocalFile(u"/v/film.vob"_s);
+        QVERIFY(toldPatterns(remuxOutput(stream, output).rest).contains(lost));
+        QVERIFY(toldPatterns(mkvJoinOutput({source, stream}, output).rest).contains(lost));
+        const TrackPointer track = subtitleTrack(u"2"_s, u"vobsub"_s);
+        track->setProbedCodecName(u"dvd_subtitle"_s);
+        QCOMPARE(told(muxed({ready(track)}).tracks),
+                 QStringList{u"a.mkv:2 subtitle dvd_subtitle copied"_s}); // a Matroska file's it reads
+        track->setTrackFileURL(stream);
+        QCOMPARE(told(muxed({ready(track)}).tracks),
+                 QStringList{u"film.vob:2 subtitle dvd_subtitle left: mkvmerge can't read it."_s});
     }
 
     void aSplitByTimeIsOneStretch()
