@@ -1,5 +1,6 @@
 #include "cli/JobRun.h"
 
+#include "cli/Records.h"
 #include "cli/Session.h"
 
 #include <QEventLoop>
@@ -154,11 +155,12 @@ void JobRun::finished(const KXJob &job)
               {{u"outcome"_s, outcome.word()},
                {u"message"_s, outcome.sentence},
                {u"outputs"_s, pathsOf(job.outputs())},
+               {u"tracks"_s, receiptRecord(job.receipt())},
                {u"log"_s, remainingLog(job)}});
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
-    if (outcome.verdict != steps::Verdict::Ok)
+    if (outcome.verdict != steps::Verdict::Ok || !outcome.sentence.isEmpty())
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
 

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 class KXVideoFile;
 class KXVideoTrack;
+
+namespace media {
+struct Receipt;
+}
 
 namespace cli {
 
@@ -12,5 +17,7 @@ namespace cli {
 QJsonObject fileRecord(const KXVideoFile &file);
 /// Every field word of the track, in the same forms.
 QJsonObject trackRecord(const KXVideoTrack &track);
+/// What became of every track of a job's sources, one object each; what is not known is null.
+QJsonArray receiptRecord(const media::Receipt &receipt);
 
 } // namespace cli

@@ -93,6 +93,7 @@ void JobResults::settle(const PublishResult &result)
                      [&](const steps::Publication &publication) { return publication.name == result.name; });
     const QUrl other = result.end == PublishResult::End::NameTaken ? m_guard.renamed(result.name) : QUrl();
     if (!other.isEmpty() && taken != m_publications.end()) {
+        m_renamed.append({taken->name, other});
         taken->name = other;
         m_publisher.start(m_guard.workFolder(), m_publications);
         return;

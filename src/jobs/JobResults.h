@@ -28,6 +28,8 @@ public:
     bool cancel() { return m_publisher.cancel(); }
     /// Published files, in the order of their steps.
     const QList<QUrl> &outputs() const { return m_outputs; }
+    /// Those that got another name than they were meant to have, as their own was taken meanwhile.
+    const QList<std::pair<QUrl, QUrl>> &renamed() const { return m_renamed; }
     /// What went wrong with that; Unknown when nothing did.
     const steps::Outcome &problem() const { return m_problem; }
 
@@ -57,6 +59,7 @@ private:
     QList<steps::Launch> m_runs;
     QList<steps::Publication> m_publications;
     QList<QUrl> m_outputs;
+    QList<std::pair<QUrl, QUrl>> m_renamed;
     steps::Outcome m_problem;
     steps::Publisher m_publisher;
 };

@@ -519,6 +519,7 @@ void KXJob::stopJob()
     endLoop(m_monitorQueue, this);
     postProgress({});
     releaseEverything();
+    m_receipt.clear();
     m_outcome = steps::Outcome::stopped();
     Q_EMIT outcomeChanged();
 }
@@ -558,7 +559,11 @@ void KXJob::finish()
     m_slowEnd.stop();
     if (m_results.problem().verdict != steps::Verdict::Unknown)
         addOutcome(m_results.problem());
+    for (const auto &[from, to] : m_results.renamed())
+        m_receipt.rename(from, to);
+    m_receipt.keepOnly(outputs());
     published();
+    addWordsOfReceipt();
     m_ended = true;
     settleOutcome();
     releaseEverything();
@@ -580,6 +585,7 @@ steps::Outcome KXJob::outcomeOfStep(KXConverter &converter)
     const bool wasStarted = converter.converterTask() || !converter.doShell_ID().isEmpty();
     if (wasStarted)
         m_results.add(converter, outcome.verdict);
+    m_receipt.add(converter, outcome.verdict);
     if (outcome.verdict == steps::Verdict::Failed) {
         m_logsToKeep.append(converter.logFileURL());
         if (wasStarted && m_guard.files().isOwn(converter.logFileURL()))
@@ -600,14 +606,27 @@ void KXJob::settleOutcome()
     keepFiles();
 }
 
+/// A note changes no verdict.
+void KXJob::addWordsOfReceipt()
+{
+    const media::Receipt receipt = m_receipt.receipt();
+    for (const QString &warning : media::sentencesOf(receipt, media::Told::AsAWarning))
+        addOutcome(steps::Outcome::warnings(warning));
+    for (const QString &note : media::sentencesOf(receipt, media::Told::AsANote))
+        addOutcome({steps::Verdict::Ok, note});
+}
+
 /// Logs and intermediate files stay or go together, on purpose; the log of a failed step stays in any case.
 void KXJob::keepFiles()
 {
     const bool all = appPreferences().panelFlag(u"keepLogsFlag"_s);
     const QString line = u"\nTessaray: %1%2\n"_s.arg(
         m_outcome.word(), m_outcome.sentence.isEmpty() ? QString() : u": "_s + m_outcome.sentence);
+    const media::Receipt receipt = m_receipt.receipt();
     for (const QUrl &log : std::as_const(m_logFilesToDeleteList)) {
-        const QUrl kept = all || m_logsToKeep.contains(log) ? m_results.keepLog(log, line) : QUrl();
+        const QString tracks = m_receipt.linesFor(log, receipt).join(u'\n');
+        const QString end = tracks.isEmpty() ? line : u"\nTracks:\n"_s + tracks + line;
+        const QUrl kept = all || m_logsToKeep.contains(log) ? m_results.keepLog(log, end) : QUrl();
         if (!kept.isEmpty())
             m_outcome.sentence.replace(logSentence(log), logSentence(kept));
     }
@@ -622,6 +641,7 @@ void KXJob::keepOutputOf(const KXConverter &converter)
     m_tempFilesToDeleteList.removeIf(
         [kept = converter.outputFiles()](const QUrl &file) { return kept.contains(file); });
     m_results.want(converter.outputFiles());
+    m_receipt.addWanted(converter);
 }
 
 void KXJob::releaseEverything()

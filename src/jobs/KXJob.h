@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jobs/JobContext.h"
+#include "jobs/JobReceipt.h"
 #include "jobs/JobResults.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
@@ -83,6 +84,14 @@ public:
 
     /// How the job went; Unknown until it has ended.
     steps::Outcome outcome() const { return m_outcome; }
+    /// What became of every track of its sources, once it has ended; empty when it was stopped.
+    media::Receipt receipt() const { return m_receipt.receipt(); }
+    /// What a source holds, beside what was chosen of it. Until it is known the receipt tells of chosen
+    /// tracks and of those that could have been.
+    void takeStreamsOf(const QUrl &source, const media::SourceStreams &streams)
+    {
+        m_receipt.takeStreams(source, streams);
+    }
     /// Finished files the user wanted, in step order.
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.
@@ -96,6 +105,7 @@ Q_SIGNALS:
 protected:
     const jobs::JobContext &context() const { return m_context; }
     steps::OutputGuard &guard() { return m_guard; }
+    jobs::JobReceipt &receiptInTheMaking() { return m_receipt; }
     /// The converters of the first steps, with their names; those of which nothing may be started know why.
     virtual QList<ConverterPointer> preparedSteps() { return {}; }
     /// The work of plan(), for jobs that have more than their first steps.
@@ -169,6 +179,7 @@ private:
     void keepFiles();
     void showSlowEnd();
     void finish();
+    void addWordsOfReceipt();
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
     void checkFreeSpace();
@@ -189,6 +200,7 @@ private:
     QTimer m_flashProgressTimer;
     std::optional<jobs::ProgressUpdate> m_flashing;
     steps::Outcome m_outcome;
+    jobs::JobReceipt m_receipt;
     QList<QUrl> m_logsToKeep;
     QList<QUrl> m_neverKept; ///< of the intermediate files
     QString m_temporaryFolder;

@@ -56,6 +56,7 @@ TrackPointer KXVideoTrack::copy() const
         track->setProperty(qPrintable(name), property(qPrintable(name)));
     track->setProbedCodecName(probedCodecName());
     track->setHasCompany(hasCompany());
+    track->setIsCover(isCover());
     return track;
 }
 

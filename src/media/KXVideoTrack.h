@@ -122,10 +122,14 @@ public:
     /// added file must be told which one is meant. Copied, but in no text form.
     bool hasCompany() const { return m_hasCompany; }
     void setHasCompany(bool company) { m_hasCompany = company; }
+    /// A picture that belongs to the film as a whole, in a stream of its own. Copied, but in no text form.
+    bool isCover() const { return m_isCover; }
+    void setIsCover(bool cover) { m_isCover = cover; }
 
 private:
     void logFields(const QStringList &names) const;
 
     QString m_probedCodecName;
     bool m_hasCompany = false;
+    bool m_isCover = false;
 };

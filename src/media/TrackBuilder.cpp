@@ -123,6 +123,8 @@ TrackBuilder::Outcome TrackBuilder::add(const QVariantMap &stream, const QString
         return Outcome::NotIdentified;
     }
     setDescription(*track, stream);
+    const QVariantMap disposition = stream.value(u"disposition"_s).toMap();
+    track->setIsCover(*kind == TrackKind::Video && textIn(disposition, u"attached_pic"_s) == u"1"_s);
     m_tracks.append(track);
     return Outcome::Added;
 }

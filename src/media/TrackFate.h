@@ -15,6 +15,10 @@ enum class Became { Copied, Reencoded, Burned, LeftOut };
 /// all its bits. NotProven where there is no output to look at, or no known way.
 enum class Proof { NotProven, Lengths, Packets, Bits };
 
+/// Who is told of a track that is left out: whoever asks, everybody, or everybody as a warning. What a tool
+/// or a step says by itself is told once, so it is for those who ask.
+enum class Told { InTheReceipt, AsANote, AsAWarning };
+
 /// What becomes of one track of a source: what was planned, and what was measured once the output was
 /// checked. A plain value. Chapters, attachments and data streams are kinds of their own.
 struct TrackFate
@@ -27,7 +31,8 @@ struct TrackFate
     Became became = Became::Copied;
     QString to;     ///< the probe's word of the codec that it became; absent unless it is re-encoded
     QString reason; ///< why it was left out, a sentence; absent unless it was
-    QUrl output;    ///< the final name; empty where it is in none
+    Told told = Told::InTheReceipt;
+    QUrl output; ///< the final name; empty where it is in none
     int outputIndex =
         -1; ///< ffprobe's stream index in the output; -1 where not known before the output is read
     std::optional<double> sourceSeconds;
@@ -56,7 +61,13 @@ struct MeantOutput
     double from = 0;          ///< seconds in the source; of a stretch only
     std::optional<double> to; ///< the same; absent: the end
     bool isRaw = false;       ///< an elementary stream without a container, so without times
-    QList<TrackFate> tracks;  ///< those of its sources that are in it, in no order
+    /// What becomes of the sources' tracks as far as they are known, in no order: those that are left out
+    /// too.
+    QList<TrackFate> tracks;
+    /// What becomes of the streams that are not among them (media::completed()): each a pattern by its kind,
+    /// and by codec and source where it has them. The first that fits counts.
+    QList<TrackFate> rest;
+    bool hasOneSetOfChapters = false; ///< of several sources with chapters only the first one's are in it
 };
 
 } // namespace media

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/TrackFate.h"
 #include "platform/Fields.h"
 #include "platform/KXNotificationCenter.h"
 #include "selection/KXSelection.h"
@@ -131,6 +132,9 @@ public:
     virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
     /// Every run of its tools so far, as it was started.
     const QList<steps::Launch> &runs() const { return m_runs; }
+    /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
+    /// known when they are there. None where there is nothing to hold them against.
+    virtual QList<media::MeantOutput> meantOutputs() const { return {}; }
     /// What the tool is going to write, by claimed names.
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job, unless logs are kept: then it stays too.

@@ -43,6 +43,29 @@ QString chapterList()
 
 } // namespace
 
+QString richMkv()
+{
+    const QString font = clip(u"letters.ttf"_s, [](const QString &path) { writeContent(path, "letters"); });
+    return made(
+        u"rich.mkv"_s, {fullMkv(), pgsMkv(), chapterList()},
+        u"-map 0:0 -map 0:1 -map 0:2 -map 0:3 -map 1:2 -map_chapters 2 -c copy -attach "_s + font +
+            u" -attach "_s + picture(u"front.jpg"_s) +
+            u" -metadata:s:t:0 mimetype=application/x-truetype-font -metadata:s:t:1 mimetype=image/jpeg"
+            " -metadata:s:t:1 filename=cover.jpg"_s);
+}
+
+QString richMp4()
+{
+    return made(u"rich.mp4"_s, {textMp4(), chapterList(), picture(u"front.jpg"_s)},
+                u"-map 0 -map 2 -map_chapters 1 -c copy -disposition:v:1 attached_pic"_s);
+}
+
+QString dvdStream()
+{
+    return made(u"dvd.vob"_s, {vobsubMkv()},
+                u"-map 0:0 -map 0:1 -map 0:6 -c:v mpeg2video -c:a ac3 -ac 2 -c:s copy"_s);
+}
+
 QString surroundMka()
 {
     return clip(u"surround.mka"_s, [](const QString &path) {

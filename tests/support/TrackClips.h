@@ -18,6 +18,17 @@ QString frenchSrt();
 /// mov_text, and nothing else.
 QString textOnlyMp4();
 
+// Whole films with all that a film can hold.
+
+/// h264 (0), ac3 6ch (1), aac 2ch (2), srt (3), a picture subtitle (4), a font (5), a jpeg cover (6), and two
+/// chapters.
+QString richMkv();
+/// h264 (0), aac 2ch (1), mov_text (2), the texts of two chapters (3), a jpeg cover (4).
+QString richMp4();
+
+/// mpeg2video (0), ac3 2ch (1), a VobSub (2) in a program stream.
+QString dvdStream();
+
 // More than one stream.
 
 /// aac 2ch (0), srt (1).

@@ -60,6 +60,31 @@ private Q_SLOTS:
         QVERIFY(m_cli->temporaryNames().isEmpty());
     }
 
+    void whatBecameOfEveryTrackIsInTheEventAndInTheLog()
+    {
+        m_cli->clip(support::fullMkv(), u"a.mkv"_s);
+        const auto run = m_cli->run(words(u"--json --keep-logs convert a.mkv --tracks 0,2,3"_s));
+        QVERIFY2(run.status == 0, run.error.constData());
+        QStringList told;
+        for (const QJsonValue &value : doneOf(run).value(u"tracks"_s).toArray()) {
+            const QJsonObject track = value.toObject();
+            QCOMPARE(track.size(), 14);
+            QCOMPARE(track.value(u"source"_s).toString(), m_cli->media(u"a.mkv"_s));
+            told.append(u"%1 %2 %3 %4"_s.arg(QString::number(track.value(u"index"_s).toInt()),
+                                             track.value(u"codec"_s).toString(),
+                                             track.value(u"became"_s).toString(),
+                                             QFileInfo(track.value(u"output"_s).toString()).fileName()));
+        }
+        for (const QString &line : {u"0 h264 copied a.m4v"_s, u"1 ac3 leftOut "_s, u"2 aac copied a.m4v"_s,
+                                    u"3 subrip reencoded a.m4v"_s, u"4 ass leftOut "_s, u"5 dts leftOut "_s})
+            QVERIFY2(told.contains(line), qPrintable(told.join(u'\n')));
+        QFile log(m_cli->media(u"a.mkv.log"_s));
+        QVERIFY(log.open(QFile::ReadOnly));
+        const QString text = QString::fromUtf8(log.readAll());
+        QVERIFY(text.contains(u"audio 1 (ac3) of a.mkv: left out. It was not chosen.\n"_s));
+        QVERIFY(text.contains(u"subtitle 3 (subrip) of a.mkv: re-encoded to mov_text into a.m4v"_s));
+    }
+
     void choicesByHandAreCarriedOut()
     {
         m_cli->clip(support::fullMkv(), u"a.mkv"_s);
@@ -100,7 +125,7 @@ private Q_SLOTS:
         QStringList whole{u"event"_s, u"fileName"_s, u"job"_s, u"jobType"_s, u"progress"_s, u"step"_s};
         for (const QJsonObject &object : run.objects().first(events.size() - 1))
             QCOMPARE(object.keys(), whole);
-        whole << u"outcome"_s << u"message"_s << u"outputs"_s << u"log"_s;
+        whole << u"outcome"_s << u"message"_s << u"outputs"_s << u"tracks"_s << u"log"_s;
         whole.sort();
         QCOMPARE(doneOf(run).keys(), whole);
         QCOMPARE(doneOf(run).value(u"outcome"_s).toString(), u"ok"_s);

@@ -46,14 +46,6 @@ QString labelOf(const KXVideoTrack &track)
                                track.externalTrackFlag() ? track.trackFileURL().fileName() : number, codec);
 }
 
-void addStream(LaunchFacts &facts, const KXVideoTrack &track, const TrackList &tracks)
-{
-    MappedStream stream{track.trackCodec(), track.probedCodecName(), labelOf(track), {}};
-    if (track.externalTrackFlag() && track.hasCompany())
-        stream.picked = track.streamIndex();
-    facts.streams.insert(mapArgument(track, tracks, 0).text(), stream);
-}
-
 LaunchForm appliedExcept(const QString &left, const tools::OptionList &meant, const LaunchFacts &facts)
 {
     LaunchForm form{meant, {}};
@@ -65,6 +57,14 @@ LaunchForm appliedExcept(const QString &left, const tools::OptionList &meant, co
 }
 
 } // namespace
+
+MappedStream mappedStream(const KXVideoTrack &track)
+{
+    MappedStream stream{track.trackCodec(), track.probedCodecName(), labelOf(track), {}};
+    if (track.externalTrackFlag() && track.hasCompany())
+        stream.picked = track.streamIndex();
+    return stream;
+}
 
 LaunchForm ffmpegLaunchForm(const tools::OptionList &meant, const LaunchFacts &facts)
 {
@@ -93,7 +93,7 @@ LaunchFacts launchFactsOf(const KXSelection &selection, OutputKind kind)
     facts.sourceHeight = static_cast<int>(tools::leadingInteger(selection.videoTrackHeight()));
     const TrackList tracks = selection.trackList();
     for (const TrackPointer &track : tracks)
-        addStream(facts, *track, tracks);
+        facts.streams.insert(mapArgument(*track, tracks, 0).text(), mappedStream(*track));
     return facts;
 }
 

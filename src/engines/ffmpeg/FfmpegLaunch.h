@@ -9,6 +9,7 @@
 #include <optional>
 
 class KXSelection;
+class KXVideoTrack;
 
 namespace engines {
 
@@ -51,6 +52,8 @@ QStringList ffmpegLaunchRuleNames();
 LaunchForm ffmpegLaunchFormWithout(const QString &ruleName, const tools::OptionList &meant,
                                    const LaunchFacts &facts);
 
+/// What the rules must know of one of its tracks.
+MappedStream mappedStream(const KXVideoTrack &track);
 /// The facts of a selection's conversion; pass and retry are the caller's to add.
 LaunchFacts launchFactsOf(const KXSelection &selection, OutputKind kind);
 

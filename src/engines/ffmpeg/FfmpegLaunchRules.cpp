@@ -11,6 +11,18 @@ using namespace Qt::StringLiterals;
 using tools::OptionItem;
 using tools::OptionList;
 
+namespace engines {
+
+bool holdsSubtitle(OutputKind kind, const MappedStream &stream)
+{
+    static const QStringList texts{u"srt"_s, u"ass"_s, u"ssa"_s, u"sub"_s, u"ttxt"_s};
+    if (kind == OutputKind::Mp4)
+        return texts.contains(stream.codec);
+    return stream.probedCodec != u"dvb_teletext"_s; // Matroska takes every other kind we know
+}
+
+} // namespace engines
+
 namespace engines::launchrules {
 
 namespace {
@@ -57,14 +69,6 @@ bool copiesAudio(const OptionList &list)
 
 constexpr char16_t evenScale[] = u"scale=trunc(iw/2)*2:trunc(ih/2)*2";
 constexpr char16_t evenScaleAtEnd[] = u",scale=trunc(iw/2)*2:trunc(ih/2)*2[outv]";
-
-bool holdsSubtitle(OutputKind kind, const MappedStream &stream)
-{
-    static const QStringList texts{u"srt"_s, u"ass"_s, u"ssa"_s, u"sub"_s, u"ttxt"_s};
-    if (kind == OutputKind::Mp4)
-        return texts.contains(stream.codec);
-    return stream.probedCodec != u"dvb_teletext"_s; // Matroska takes every other kind we know
-}
 
 /// Takes one soft subtitle out: its "-map" up to its last metadata item.
 void removeSubtitleAt(OptionList &list, qsizetype map, qint64 number)

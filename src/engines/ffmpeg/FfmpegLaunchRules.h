@@ -3,6 +3,13 @@
 #include "engines/ffmpeg/FfmpegLaunch.h"
 
 /// One function per launch rule; each changes the list only where its fault would show.
+namespace engines {
+
+/// Whether the container has a place for that subtitle as a stream of its own.
+bool holdsSubtitle(OutputKind kind, const MappedStream &stream);
+
+} // namespace engines
+
 namespace engines::launchrules {
 
 /// A single track's pass 2 was written for a shell line but runs as a process: the redirection goes

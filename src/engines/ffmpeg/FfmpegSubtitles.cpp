@@ -40,14 +40,27 @@ void drawText(OptionList &list, const KXSelection &selection, const QString &pat
         list << u"-vf" << text.item();
 }
 
-FilterText lastSubtitleStream(const TrackList &tracks)
+/// By its type alone, on purpose; null when there is none.
+TrackPointer lastSubtitle(const TrackList &tracks)
 {
-    FilterText stream;
+    TrackPointer last;
     for (const TrackPointer &track : tracks) {
         if (track->trackType() == u"Subtitle"_s)
-            stream = FilterText() << track->streamIndex();
+            last = track;
     }
-    return stream;
+    return last;
+}
+
+FilterText lastSubtitleStream(const TrackList &tracks)
+{
+    const TrackPointer last = lastSubtitle(tracks);
+    return last ? FilterText() << last->streamIndex() : FilterText();
+}
+
+bool isDrawnAsText(const QUrl &subtitle)
+{
+    const QString extension = QFileInfo(subtitle.toLocalFile()).suffix().toLower();
+    return QStringList{u"srt"_s, u"ssa"_s, u"ass"_s, u"ttxt"_s}.contains(extension);
 }
 
 /// The graph that lays the picture subtitle over the video; takes a scaling out of the list into it.
@@ -119,9 +132,20 @@ void burnSubtitle(OptionList &list, const KXSelection &selection, const QUrl &su
 {
     if (subtitle == selection.videoTrackFileURL())
         return overlayPicture(list, selection);
-    const QString extension = QFileInfo(subtitle.toLocalFile()).suffix().toLower();
-    if (QStringList{u"srt"_s, u"ssa"_s, u"ass"_s, u"ttxt"_s}.contains(extension))
+    if (isDrawnAsText(subtitle))
         drawText(list, selection, subtitle.toLocalFile());
+}
+
+TrackPointer drawnSubtitle(const KXSelection &selection, const QUrl &subtitle)
+{
+    const TrackList tracks = selection.trackList();
+    if (subtitle.toLocalFile().isEmpty())
+        return nullptr;
+    if (subtitle == selection.videoTrackFileURL())
+        return videoTrackOf(tracks) ? lastSubtitle(tracks) : nullptr;
+    const auto chosen = std::find_if(tracks.begin(), tracks.end(),
+                                     [](const TrackPointer &track) { return selection::isBurned(*track); });
+    return isDrawnAsText(subtitle) && chosen != tracks.end() ? *chosen : nullptr;
 }
 
 } // namespace engines

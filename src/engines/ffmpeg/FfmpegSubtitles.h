@@ -22,5 +22,8 @@ tools::OptionList softSubtitleArguments(const TrackList &tracks, int videoInput,
 /// Changes a list so that the subtitle is drawn into the picture: a text file by the subtitles filter,
 /// a picture subtitle of the source itself by an overlay. Any other file changes nothing.
 void burnSubtitle(tools::OptionList &list, const KXSelection &selection, const QUrl &subtitle);
+/// The track that burnSubtitle() draws: of a text file the one that was chosen to be drawn, of the source
+/// itself its last subtitle. Null when it changes nothing.
+TrackPointer drawnSubtitle(const KXSelection &selection, const QUrl &subtitle);
 
 } // namespace engines

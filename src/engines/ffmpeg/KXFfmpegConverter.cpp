@@ -4,6 +4,7 @@
 #include "engines/UpdateNames.h"
 #include "engines/ffmpeg/FfmpegArguments.h"
 #include "engines/ffmpeg/FfmpegDevices.h"
+#include "engines/ffmpeg/FfmpegFates.h"
 #include "engines/ffmpeg/FfmpegOutcome.h"
 #include "engines/ffmpeg/FfmpegSingleTrack.h"
 #include "engines/ffmpeg/FfmpegSubtitles.h"
@@ -97,6 +98,7 @@ bool KXFfmpegConverter::prepareConversion(const SelectionPointer &selection)
     setOptionArray1(lists.first);
     setOptionArray2(lists.second);
     setCurrentPass(lists.currentPass);
+    m_request = request;
     m_isShellLine = false;
     noteSubtitlesWithoutPlace();
     return true;
@@ -197,6 +199,7 @@ bool KXFfmpegConverter::prepareTrackItemToProcess(const SelectionPointer &select
     setOptionArray1(lists.first);
     setOptionArray2(lists.second);
     setCurrentPass(lists.currentPass);
+    m_request.reset();
     m_isShellLine = true;
     return true;
 }
@@ -349,6 +352,21 @@ void KXFfmpegConverter::backgroundReadingCompleted()
     setConversionError(!logString().contains(u"frame="_s) ||
                        logString().contains(u"av_interleaved_write_frame(): Invalid argument"_s));
     post(u"taskCompletion"_s, u"Complete"_s);
+}
+
+QList<media::MeantOutput> KXFfmpegConverter::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    if (m_request) {
+        engines::ConversionRequest request = *m_request;
+        request.output = outputFileURL();
+        return {engines::conversionOutput(*converterSelection(), request)};
+    }
+    const TrackPointer track = converterSelection()->trackList().value(trackItemToProcess());
+    if (!track)
+        return {};
+    return {engines::singleTrackOutput(*track, engines::outputKindNamed(appName()), outputFileURL())};
 }
 
 QStringList KXFfmpegConverter::namesInLog() const

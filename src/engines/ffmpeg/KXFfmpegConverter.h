@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/ffmpeg/FfmpegArguments.h"
 #include "engines/ffmpeg/FfmpegLaunch.h"
 #include "steps/FfmpegProgress.h"
 #include "steps/KXConverter.h"
@@ -53,6 +54,7 @@ public:
     steps::Outcome outcome() const override;
     /// A single track is a part of a film to come.
     bool isNeverKept() const override { return isTemporaryOutput(); }
+    QList<media::MeantOutput> meantOutputs() const override;
     /// True when the run failed for packets without timestamps.
     bool asksForTimestamps() const;
 
@@ -73,6 +75,8 @@ private:
     void postProgress(const steps::FfmpegReading &reading);
     void removeInterruptedStatistics();
 
+    /// What the lists of a whole-file conversion were made from; absent for a single track.
+    std::optional<engines::ConversionRequest> m_request;
     steps::FfmpegProgressReader m_progress;
     QString m_lastTime; ///< of the run, also while the fonts are being prepared
     QStringList m_warnings;

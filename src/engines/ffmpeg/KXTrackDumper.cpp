@@ -2,6 +2,7 @@
 
 #include "engines/UpdateNames.h"
 #include "engines/ffmpeg/ExtractionArguments.h"
+#include "engines/ffmpeg/ExtractionFates.h"
 #include "engines/ffmpeg/FfmpegOutcome.h"
 #include "media/KXVideoTrack.h"
 #include "platform/FileIdentity.h"
@@ -182,6 +183,17 @@ QList<QUrl> KXTrackDumper::outputFiles() const
     const QUrl companion =
         source != nullptr ? engines::extractionCompanion(outputFileURL(), *source) : QUrl();
     return isEmpty(companion) ? QList<QUrl>{outputFileURL()} : QList<QUrl>{outputFileURL(), companion};
+}
+
+/// The film of a VobSub is its index.
+QList<media::MeantOutput> KXTrackDumper::meantOutputs() const
+{
+    const KXVideoTrack *source = converterSelection() ? track() : nullptr;
+    if (source == nullptr || !refusal().isNull())
+        return {};
+    const TrackList notWanted = converterSelection()->keepTracksList();
+    return {extractorName() == u"mp4box"_s ? engines::impossibleExtraction(*source, notWanted)
+                                           : engines::extractionMeant(*source, notWanted, outputFileURL())};
 }
 
 QList<QUrl> KXTrackDumper::temporaryFiles() const

@@ -36,6 +36,7 @@ public:
     QString monitorConversion() override;
     steps::Outcome outcome() const override;
     QList<QUrl> outputFiles() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
     QList<QUrl> namesToWrite() const override { return outputFiles(); }
     QList<QUrl> temporaryFiles() const override;
 

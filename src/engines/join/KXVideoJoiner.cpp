@@ -5,6 +5,7 @@
 #include "engines/ffmpeg/FfmpegOutcome.h"
 #include "engines/join/JoinArguments.h"
 #include "engines/join/JoinCheck.h"
+#include "engines/join/JoinFates.h"
 #include "engines/join/JoinFit.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
 #include "prefs/KXPreferences.h"
@@ -263,6 +264,13 @@ QString KXVideoJoiner::percentageIn(const steps::ReadEvent &event)
     if (joinerName() == u"ffmpeg"_s)
         return isError ? ffmpegPercentage(event.data) : QString();
     return mp4boxPercentage();
+}
+
+QList<media::MeantOutput> KXVideoJoiner::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    return {engines::joinOutput(joinerName(), converterSelection()->editFilesURLsList(), outputFileURL())};
 }
 
 QList<QUrl> KXVideoJoiner::timedSources() const

@@ -37,6 +37,7 @@ public:
     void backgroundReadingCompleted() override;
     steps::Outcome outcome() const override;
     QList<QUrl> namesToWrite() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
 
 Q_SIGNALS:
     void anotherToolIsNeeded();

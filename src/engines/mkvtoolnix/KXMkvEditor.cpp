@@ -6,6 +6,7 @@
 #include "engines/join/JoinFit.h"
 #include "engines/mkvtoolnix/KXVideoSplitter.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvFates.h"
 #include "prefs/KXPreferences.h"
 #include "selection/Refusals.h"
 
@@ -147,6 +148,16 @@ QList<QUrl> KXMkvEditor::outputFiles() const
     const bool isInParts = selection && selection->jobType() == splitting &&
                            engines::splitForm(*selection) == steps::OutputForm::NumberedParts;
     return isInParts ? context().guard.partsOf(outputFileURL()) : QList<QUrl>{outputFileURL()};
+}
+
+QList<media::MeantOutput> KXMkvEditor::meantOutputs() const
+{
+    const SelectionPointer selection = converterSelection();
+    if (!selection || !refusal().isNull())
+        return {};
+    if (selection->jobType() == splitting)
+        return engines::splitOutputs(*selection, inputFileURL(), outputFiles());
+    return {engines::mkvJoinOutput(selection->editFilesURLsList(), outputFileURL())};
 }
 
 /// mkvmerge says how far it is on standard output, and only the error stream is read, on purpose: a join

@@ -36,6 +36,7 @@ public:
     void backgroundReadingCompleted() override;
     QString monitorConversion() override { return pollPercentage(); }
     QList<QUrl> outputFiles() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
 
 private:
     bool lookAndTake();

@@ -2,8 +2,11 @@
 
 #include "engines/OutputBase.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvFates.h"
 #include "engines/mkvtoolnix/MkvTrackNumbers.h"
 #include "media/KXVideoTrack.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -58,14 +61,38 @@ QString KXMkvMuxer::startPreparedInBackground()
     return doShell_ID();
 }
 
+QList<media::MeantOutput> KXMkvMuxer::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    return {engines::muxOutput(*converterSelection(), tracksToMux(), outputFileURL())};
+}
+
 /// All that we know of the file, also what is not written: the numbers go by position.
 TrackList KXMkvMuxer::tracksOfFile(const QString &path) const
 {
     TrackList tracks;
     const TrackList known = converterSelection()->trackList() + converterSelection()->keepTracksList();
     for (const TrackPointer &track : known) {
-        const bool isFromIt = track->trackFileURL().toLocalFile() == path && !track->isStereoCopyFlag();
+        const bool isFromIt =
+            track->trackFileURL().toLocalFile() == path && !track->isStereoCopyFlag() && !track->isCover();
         if (isFromIt && !tracks.contains(track))
+            tracks.append(track);
+    }
+    return tracks;
+}
+
+/// To mkvmerge a cover is an attachment, which it takes along by itself; asked for as a track it warns. One
+/// that is all that is wanted of its file stays: else the file would not be read.
+TrackList KXMkvMuxer::withoutCovers() const
+{
+    const TrackList all = tracksToMux();
+    TrackList tracks;
+    for (const TrackPointer &track : all) {
+        const auto isCompany = [&](const TrackPointer &other) {
+            return !other->isCover() && other->muxingTrackFileURL() == track->muxingTrackFileURL();
+        };
+        if (!track->isCover() || std::none_of(all.begin(), all.end(), isCompany))
             tracks.append(track);
     }
     return tracks;
@@ -85,5 +112,5 @@ tools::OptionList KXMkvMuxer::launchForm(const tools::OptionList &)
         const QString answer = doShellScriptForWithOptions(urlOfApp(u"mkvmerge"_s), {u"-J", source});
         numbers.insert(path, engines::trackNumbersIn(answer, tracksOfFile(path)));
     }
-    return engines::muxShellItems(tracksToMux(), outputFileURL(), logFileURL(), numbers);
+    return engines::muxShellItems(withoutCovers(), outputFileURL(), logFileURL(), numbers);
 }

@@ -19,6 +19,7 @@ public:
     QString startPreparedInBackground() override;
     QList<steps::Launch> launches() override;
     QString monitorConversion() override { return pollPercentage(); }
+    QList<media::MeantOutput> meantOutputs() const override;
 
 protected:
     tools::OptionList launchForm(const tools::OptionList &meant) override;
@@ -27,4 +28,5 @@ private:
     /// "muxed" or "removed"; takes the tracks of the job type on the way.
     QString takeTracks();
     TrackList tracksOfFile(const QString &path) const;
+    TrackList withoutCovers() const;
 };

@@ -3,6 +3,7 @@
 #include "engines/OutputBase.h"
 #include "engines/UpdateNames.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvFates.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
 
@@ -68,6 +69,13 @@ QString KXMkvReMuxer::startPreparedInBackground()
     setDoShell_ID(startInBackground(urlOfApp(u"mkvmerge"_s),
                                     engines::remuxShellItems(inputFileURL(), outputFileURL(), logFileURL())));
     return doShell_ID();
+}
+
+QList<media::MeantOutput> KXMkvReMuxer::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    return {engines::remuxOutput(inputFileURL(), outputFileURL())};
 }
 
 /// Under the splitter's name, on purpose.

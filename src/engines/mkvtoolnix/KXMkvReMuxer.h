@@ -26,6 +26,7 @@ public:
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QString monitorConversion() override { return pollPercentage(); }
+    QList<media::MeantOutput> meantOutputs() const override;
 
 private:
     steps::MkvProgressReader m_progress;

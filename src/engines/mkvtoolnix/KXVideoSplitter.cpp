@@ -3,6 +3,7 @@
 #include "engines/OutputBase.h"
 #include "engines/UpdateNames.h"
 #include "engines/mkvtoolnix/MkvArguments.h"
+#include "engines/mkvtoolnix/MkvFates.h"
 #include "prefs/SaveFolder.h"
 #include "selection/Refusals.h"
 
@@ -86,6 +87,13 @@ QList<QUrl> KXVideoSplitter::outputFiles() const
     const bool isOneFile =
         !converterSelection() || engines::splitForm(*converterSelection()) == steps::OutputForm::OneFile;
     return isOneFile ? QList<QUrl>{outputFileURL()} : context().guard.partsOf(outputFileURL());
+}
+
+QList<media::MeantOutput> KXVideoSplitter::meantOutputs() const
+{
+    if (!converterSelection() || !refusal().isNull())
+        return {};
+    return engines::splitOutputs(*converterSelection(), inputFileURL(), outputFiles());
 }
 
 void KXVideoSplitter::handleNewTaskResult(const steps::ReadEvent &event)

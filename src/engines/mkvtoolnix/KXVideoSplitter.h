@@ -22,6 +22,7 @@ public:
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QList<QUrl> outputFiles() const override;
+    QList<media::MeantOutput> meantOutputs() const override;
 
 private:
     tools::OptionList arguments() const;

@@ -25,8 +25,11 @@ public:
     void backgroundReadingCompleted() override;
     steps::Outcome outcome() const override;
 
+    QList<media::MeantOutput> meantOutputs() const override { return meant; }
+
     /// What outcome() answers instead of the base's judgement.
     std::optional<steps::Outcome> judged;
+    QList<media::MeantOutput> meant;
 };
 
 using TestConverterPointer = std::shared_ptr<TestConverter>;

@@ -1,5 +1,6 @@
 #include "cli/Records.h"
 #include "media/KXVideoFile.h"
+#include "media/Receipt.h"
 #include "support/TestMain.h"
 
 #include <QJsonArray>
@@ -174,6 +175,52 @@ private Q_SLOTS:
         QCOMPARE(settings, QJsonArray({first, second}));
         QCOMPARE(cli::trackRecord(KXVideoTrack()).value(u"userAudioSettingsDictionaryArray"_s),
                  QJsonValue(QJsonArray()));
+    }
+
+    void aReceiptIsAListOfObjects()
+    {
+        media::TrackFate fate;
+        fate.source = QUrl::fromLocalFile(u"/v/a.mkv"_s);
+        fate.index = 1;
+        fate.kind = u"audio"_s;
+        fate.codec = u"ac3"_s;
+        fate.became = media::Became::Reencoded;
+        fate.to = u"aac"_s;
+        fate.output = QUrl::fromLocalFile(u"/v/a.m4v"_s);
+        fate.outputIndex = 2;
+        fate.sourceSeconds = 60.5;
+        fate.outputSeconds = 60.25;
+        fate.sourceBytes = 5'000'000'000;
+        fate.outputBytes = 7;
+        fate.proof = media::Proof::Lengths;
+        const QJsonObject expected{{u"source"_s, u"/v/a.mkv"_s},  {u"index"_s, 1},
+                                   {u"kind"_s, u"audio"_s},       {u"codec"_s, u"ac3"_s},
+                                   {u"became"_s, u"reencoded"_s}, {u"to"_s, u"aac"_s},
+                                   {u"reason"_s, QJsonValue()},   {u"output"_s, u"/v/a.m4v"_s},
+                                   {u"outputIndex"_s, 2},         {u"sourceSeconds"_s, 60.5},
+                                   {u"outputSeconds"_s, 60.25},   {u"sourceBytes"_s, 5'000'000'000.0},
+                                   {u"outputBytes"_s, 7},         {u"proof"_s, u"lengths"_s}};
+        QCOMPARE(cli::receiptRecord({{fate}}), QJsonArray{expected});
+    }
+
+    void whatAReceiptDoesNotKnowIsNull()
+    {
+        media::TrackFate fate;
+        fate.source = QUrl::fromLocalFile(u"/v/a.mkv"_s);
+        fate.kind = u"chapters"_s;
+        fate.became = media::Became::LeftOut;
+        fate.reason = u"An AVI carries no chapters."_s;
+        QJsonObject expected{{u"source"_s, u"/v/a.mkv"_s},
+                             {u"kind"_s, u"chapters"_s},
+                             {u"became"_s, u"leftOut"_s},
+                             {u"reason"_s, u"An AVI carries no chapters."_s},
+                             {u"proof"_s, u"notProven"_s}};
+        for (const QString &word :
+             {u"index"_s, u"codec"_s, u"to"_s, u"output"_s, u"outputIndex"_s, u"sourceSeconds"_s,
+              u"outputSeconds"_s, u"sourceBytes"_s, u"outputBytes"_s})
+            expected.insert(word, QJsonValue());
+        QCOMPARE(cli::receiptRecord({{fate}}), QJsonArray{expected});
+        QCOMPARE(cli::receiptRecord({}), QJsonArray());
     }
 };
 

@@ -96,6 +96,23 @@ private Q_SLOTS:
         QVERIFY(fixture.waitForRuns(1));
     }
 
+    /// It is an attachment, which comes without being asked for.
+    void aCoverIsNotAskedFor()
+    {
+        const auto asksForCover = [](const TrackList &others) {
+            MuxerFixture fixture;
+            const TrackPointer cover = picture();
+            cover->setIsCover(true);
+            cover->setTrackMkvmergeID(u"5"_s);
+            fixture.mux(others + TrackList{cover});
+            if (!fixture.waitForRuns(1))
+                qFatal("nothing was started");
+            return fixture.calls().constFirst().contains(u"5:eng"_s);
+        };
+        QVERIFY(!asksForCover({picture()}));
+        QVERIFY(asksForCover({})); // else its file would not be read
+    }
+
     void otherJobTypesMuxWhatTheCallerSet()
     {
         for (const QString &type : {u"MKV Remux"_s, u"MKV Track Replacement"_s, u""_s}) {

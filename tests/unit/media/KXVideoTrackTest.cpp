@@ -141,11 +141,13 @@ private Q_SLOTS:
         const TrackPointer track = filledTrack();
         track->setProbedCodecName(u"hdmv_pgs_subtitle"_s);
         track->setHasCompany(true);
+        track->setIsCover(true);
         const TrackPointer copy = track->copy();
         for (const QString &name : KXVideoTrack::fieldNames())
             QCOMPARE(copy->property(qPrintable(name)), track->property(qPrintable(name)));
         QCOMPARE(copy->probedCodecName(), u"hdmv_pgs_subtitle"_s);
         QVERIFY(copy->hasCompany());
+        QVERIFY(copy->isCover());
         copy->setUserCodec(u"aac"_s);
         copy->setUserAudioSettingsDictionaryArray({});
         copy->setProbedCodecName({});
@@ -163,6 +165,7 @@ private Q_SLOTS:
         QVERIFY(track.copy()->trackMkvmergeID().isNull());
         QVERIFY(track.copy()->probedCodecName().isNull());
         QVERIFY(!track.copy()->hasCompany());
+        QVERIFY(!track.copy()->isCover());
     }
 
     void takesTheMuxingSnapshot()

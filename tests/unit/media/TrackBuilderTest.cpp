@@ -54,6 +54,18 @@ class TrackBuilderTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aPictureThatIsAttachedIsACover()
+    {
+        const auto disposed = [](const QString &type, const QString &codec, const QString &attached) {
+            return trackOf(
+                with(stream(type, codec), u"disposition"_s, QVariantMap{{u"attached_pic"_s, attached}}));
+        };
+        QVERIFY(disposed(u"video"_s, u"mjpeg"_s, u"1"_s)->isCover());
+        QVERIFY(!disposed(u"video"_s, u"mjpeg"_s, u"0"_s)->isCover());
+        QVERIFY(!disposed(u"audio"_s, u"aac"_s, u"1"_s)->isCover());
+        QVERIFY(!trackOf(stream(u"video"_s, u"mjpeg"_s))->isCover());
+    }
+
     void fillsTheFileFields()
     {
         const TrackPointer track = trackOf(stream(u"video"_s, u"h264"_s), u"/films/My Film.MKV"_s);
