@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <utility>
+
+namespace media {
+
+/// How many packets went through one stream of a run of ffmpeg.
+struct StreamFigures
+{
+    qint64 packets = 0;
+    qint64 bytes = 0;
+};
+
+/// What a tool's own output tells of a run that ended well, as far as a check can use it. Nothing in it that
+/// comes from a film counts: titles and names stand in lines that are left out.
+struct RunFigures
+{
+    using Stream =
+        std::pair<int, int>; ///< of ffmpeg: the number of the input or output, and the stream's in it
+
+    QHash<Stream, StreamFigures> read;  ///< by input stream; empty unless ffmpeg was asked to be verbose
+    QHash<Stream, StreamFigures> muxed; ///< by output stream
+    QString damage; ///< the first line that tells of damaged or missing data; absent where none does
+};
+
+RunFigures runFiguresFrom(const QString &log);
+
+/// Whether a line of a tool tells that data was damaged or missing. Lines that good films bring about too
+/// (times that do not grow, an estimated length) do not.
+bool tellsOfDamage(const QString &line);
+
+} // namespace media
