@@ -68,6 +68,47 @@ bool hasOneLike(const QList<FilmPacket> &packets, const FilmPacket &wanted, doub
     });
 }
 
+/// How many of the packets in windows of a film lie in the other one, too.
+struct Found
+{
+    int seen = 0;
+    int missing = 0;
+};
+
+Found foundIn(const QList<FilmPacket> &others, const QList<FilmPacket> &packets, const QList<double> &windows,
+              double shift, bool withSize)
+{
+    Found found;
+    for (const FilmPacket &one : packets) {
+        const bool isSampled = std::any_of(windows.begin(), windows.end(),
+                                           [&](double window) { return isInside(*one.shown, window); });
+        found.seen += isSampled ? 1 : 0;
+        found.missing += isSampled && !hasOneLike(others, one, shift, withSize) ? 1 : 0;
+    }
+    return found;
+}
+
+/// The windows of a film that were sampled of the other one, too.
+QList<double> commonWindows(const QList<double> &windows, const FilmFacts &other, double shift)
+{
+    QList<double> common;
+    for (const double window : windows) {
+        const bool isThere = other.windows.isEmpty()
+                                 ? other.wasReadWhole
+                                 : std::any_of(other.windows.begin(), other.windows.end(), [&](double one) {
+                                       return std::abs(one + shift - window) < 0.2;
+                                   });
+        if (isThere)
+            common.append(window);
+    }
+    return common;
+}
+
+bool isOff(const Found &found)
+{
+    return found.missing * 5 > found.seen;
+}
+
 } // namespace
 
 Sampled sampledTimes(const FilmFacts &source, const StreamFacts &from, const FilmFacts &output,
@@ -77,19 +118,16 @@ Sampled sampledTimes(const FilmFacts &source, const StreamFacts &from, const Fil
         return Sampled::NotKnown;
     const bool withSize = keepsSizes(source, from) && keepsSizes(output, to);
     const QList<FilmPacket> before = packetsOf(source, from);
-    int seen = 0;
-    int missing = 0;
-    for (const FilmPacket &one : packetsOf(output, to)) {
-        for (const double window : windowsOf(source)) {
-            if (!isInside(*one.shown - shift, window))
-                continue;
-            ++seen;
-            missing += hasOneLike(before, one, shift, withSize) ? 0 : 1;
-        }
-    }
-    if (before.isEmpty() || seen == 0)
+    const QList<FilmPacket> after = packetsOf(output, to);
+    const QList<double> windows = commonWindows(windowsOf(source), output, -shift);
+    QList<double> shifted;
+    for (const double window : windows)
+        shifted.append(window + shift);
+    const Found moved = foundIn(before, after, shifted, shift, withSize);
+    const Found lost = foundIn(after, before, windows, -shift, withSize);
+    if (before.isEmpty() || moved.seen + lost.seen == 0)
         return Sampled::NotKnown;
-    return missing * 5 > seen ? Sampled::Different : Sampled::Same;
+    return isOff(moved) || isOff(lost) ? Sampled::Different : Sampled::Same;
 }
 
 } // namespace media
