@@ -238,11 +238,11 @@ void moveToEarliest(QList<ExpectedStream> &streams)
     }
 }
 
-std::optional<double> firstKeyFrame(const FilmFacts &film, double from)
+std::optional<double> firstKeyFrame(const FilmFacts &film, double from, double behind)
 {
     std::optional<double> first;
     for (const double one : film.keyFrames) {
-        if (one >= from - 0.0005 && (!first || one < *first))
+        if (one >= from - 0.0005 && one > behind + 0.0005 && (!first || one < *first))
             first = one;
     }
     return first;
@@ -277,9 +277,10 @@ std::optional<TrueStretch> trueStretchOf(const MeantOutput &output, const FilmFa
         return std::nullopt;
     const double begin = beginOf(source);
     const bool fromHead = output.from <= begin;
-    const auto from = fromHead ? std::optional(begin) : firstKeyFrame(source, output.from);
+    const auto from = fromHead ? std::optional(begin) : firstKeyFrame(source, output.from, -1);
     const bool toEnd = !output.to || *output.to >= *end;
-    const auto to = toEnd ? end : firstKeyFrame(source, *output.to);
+    const auto to =
+        toEnd ? end : firstKeyFrame(source, *output.to, from.value_or(-1)); // never nothing at all
     return TrueStretch{from.value_or(*end), to.value_or(*end)};
 }
 

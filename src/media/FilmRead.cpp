@@ -127,16 +127,23 @@ std::optional<FilmRead> searchOf(const FilmFacts &facts, const QList<FilmRead> &
     return std::nullopt;
 }
 
-bool hasKeyFrameIn(const FilmFacts &facts, double from, double to)
+/// The first key frame from a time on and behind another one.
+std::optional<double> keyFrameIn(const FilmFacts &facts, double from, double to, double behind)
 {
-    return std::any_of(facts.keyFrames.begin(), facts.keyFrames.end(),
-                       [&](double one) { return one >= from - 0.0005 && one <= to; });
+    std::optional<double> first;
+    for (const double one : facts.keyFrames) {
+        const bool isThere = one >= from - 0.0005 && one <= to && one > behind + 0.0005;
+        if (isThere && (!first || one < *first))
+            first = one;
+    }
+    return first;
 }
 
-/// The first key frame from a time on, in stretches that grow.
+/// The key frames from these times on, each behind the one before, in stretches that grow.
 std::optional<FilmRead> keyFrameRead(const FilmFacts &facts, const FilmWish &wish,
                                      const QList<FilmRead> &made)
 {
+    double behind = -1;
     for (const double from : wish.keyFramesFrom) {
         if (facts.lastEnd() && from >= *facts.lastEnd())
             continue;
@@ -144,7 +151,9 @@ std::optional<FilmRead> keyFrameRead(const FilmFacts &facts, const FilmWish &wis
             const FilmRead read = stretch(from, from + length);
             if (!made.contains(read))
                 return read;
-            if (hasKeyFrameIn(facts, from, from + length))
+            const auto found = keyFrameIn(facts, from, from + length, behind);
+            behind = found.value_or(behind);
+            if (found)
                 break;
         }
     }

@@ -33,7 +33,7 @@ struct FilmWish
     /// How far the sampled windows are before the film's end; where absent, at three quarters, half and a
     /// quarter of its length.
     QList<double> windowsBeforeEnd;
-    /// Times from which on the first key frame is wanted.
+    /// Times from which on the first key frame is wanted, each behind the one before.
     QList<double> keyFramesFrom;
     /// A file that can only be known by reading all of it is read when it is no larger; absent: however
     /// large.

@@ -41,7 +41,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<int>("bytes"); // -1: not told
         const QByteArray ebml = QByteArray::fromHex("1a45dfa3820000");
-        QTest::newRow("Matroska, 4 bytes of segment") << ebml + QByteArray::fromHex("18538067840a0b0c0d") << 16;
+        QTest::newRow("Matroska, 4 bytes of segment")
+            << ebml + QByteArray::fromHex("18538067840a0b0c0d") << 16;
         QTest::newRow("cut") << ebml + QByteArray::fromHex("185380678f0a0b") << 27;
         QTest::newRow("a long size") << ebml + QByteArray::fromHex("1853806701000000000000040a0b0c0d") << 23;
         QTest::newRow("a size that is not known")
@@ -53,9 +54,9 @@ private Q_SLOTS:
         QTest::newRow("MP4, cut") << head + box("mdat", "1234").chopped(2) << 28;
         QTest::newRow("MP4, cut in a box's head") << head + box("mdat", "1234").first(6) << 16;
         QTest::newRow("MP4, to the end of the file") << head + QByteArray(4, '\0') + "mdat12" << -1;
-        QTest::newRow("MP4, a long box")
-            << head + QByteArray::fromHex("00000001") + "mdat" + QByteArray::fromHex("0000000000000014") + "12"
-            << 36;
+        QTest::newRow("MP4, a long box") << head + QByteArray::fromHex("00000001") + "mdat" +
+                                                QByteArray::fromHex("0000000000000014") + "12"
+                                         << 36;
         QTest::newRow("AVI") << riff("AVI 1234") << 16;
         QTest::newRow("AVI, cut") << riff("AVI 1234").chopped(3) << 16;
         QTest::newRow("AVI in two") << riff("AVI 1234") + riff("AVIX56").chopped(1) << 30;

@@ -11,7 +11,8 @@ namespace {
 
 /// The end of a run of ffmpeg 5.1 at "-v verbose", as it was printed.
 const QString verboseEnd =
-    u"frame= 1501 fps=543 q=-1.0 Lsize=    6107kB time=00:01:00.03 bitrate= 833.4kbits/s dup=1 drop=0 speed=21.7x    \n"
+    u"frame= 1501 fps=543 q=-1.0 Lsize=    6107kB time=00:01:00.03 bitrate= 833.4kbits/s dup=1 drop=0 "
+    u"speed=21.7x    \n"
     "video:5114kB audio:938kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: 0.924870%\n"
     "Input file #0 (am.mkv):\n"
     "  Input stream #0:0 (video): 1500 packets read (2146365 bytes); 1500 frames decoded; \n"
@@ -20,7 +21,8 @@ const QString verboseEnd =
     "  Total: 4314 packets (3106699 bytes) demuxed\n"
     "Output file #0 (v.mp4):\n"
     "  Output stream #0:0 (video): 1501 frames encoded; 1501 packets muxed (5236277 bytes); \n"
-    "  Output stream #0:1 (audio): 2814 frames encoded (2881536 samples); 2815 packets muxed (960485 bytes); \n"
+    "  Output stream #0:1 (audio): 2814 frames encoded (2881536 samples); 2815 packets muxed (960485 bytes); "
+    "\n"
     "  Total: 4316 packets (6196762 bytes) muxed\n"_s;
 
 } // namespace
@@ -66,7 +68,8 @@ private Q_SLOTS:
         row("[matroska,webm @ 0x55] File ended prematurely at pos. 1883244 (0x1cbc6c)", true);
         row("[mov,mp4,m4a,3gp,3g2,mj2 @ 0x56] stream 1, offset 0x1d0fd8: partial file", true);
         row("[avi @ 0x5581] Packet corrupt (stream = 0, dts = 1819).", true);
-        row("[matroska,webm @ 0x56] Element at 0x9c4 ending at 0x3fe exceeds containing master element", true);
+        row("[matroska,webm @ 0x56] Element at 0x9c4 ending at 0x3fe exceeds containing master element",
+            true);
         row("[matroska,webm @ 0x56] 0x00 at pos 2500 (0x9c4) invalid as first byte of an EBML number", true);
         row("[h264 @ 0x55] concealing 213 DC, 213 AC, 213 MV errors in P frame", true);
         row("Error while decoding stream #0:1: Invalid data found when processing input", true);
