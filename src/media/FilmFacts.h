@@ -67,6 +67,7 @@ struct FilmFacts
     QList<double> windows;       ///< where the sampled windows begin; each is windowSeconds long
     QStringList errors;          ///< ffprobe's own lines
     bool hasTail = false;        ///< its last packets were seen
+    bool listsAll = false;       ///< `packets` holds all of them
     bool wasReadWhole = false;   ///< every packet was seen
     std::optional<double> aimed; ///< the end that the tail was looked for at
 

@@ -192,7 +192,7 @@ std::optional<FilmRead> nextRead(const FilmFacts &facts, const FilmWish &wish, c
     if ((!facts.hasTail || canNotSeek(facts)) && mayReadAll)
         return whole;
     const auto end = facts.lastEnd();
-    if (end && facts.isShort() && surveysIn(made) == 1 && *end > shortFilmSeconds)
+    if (end && (facts.isShort() || !facts.promise()) && !facts.listsAll && surveysIn(made) == 1)
         return survey(*end, wish); // the windows lie in what there is
     if (facts.wasReadWhole)
         return std::nullopt;

@@ -169,6 +169,17 @@ void takeEndFromIndex(StreamFacts &stream)
         stream.lastEnd = *stream.headerStart + *stream.headerSeconds;
 }
 
+/// Of an AVI that was cut ffmpeg makes up a length by its bytes; its header still tells how many pictures it
+/// had.
+void takeLengthOfAvi(FilmFacts &facts, const QJsonArray &streams)
+{
+    for (qsizetype i = 0; facts.format == u"avi"_s && i < streams.size(); ++i) {
+        const auto pictures = jsonNumber(streams.at(i).toObject(), u"nb_frames"_s);
+        if (facts.streams.at(i).kind == u"video"_s && pictures && facts.seconds)
+            facts.seconds = std::max(*facts.seconds, *pictures * facts.streams.at(i).frameSeconds);
+    }
+}
+
 } // namespace
 
 FilmFacts headerFactsFrom(const QByteArray &json)
@@ -184,8 +195,10 @@ FilmFacts headerFactsFrom(const QByteArray &json)
     facts.seconds = jsonNumber(format, u"duration"_s);
     facts.bytes = jsonWhole(format, u"size"_s).value_or(0);
     facts.chapters = static_cast<int>(object.value(u"chapters"_s).toArray().size());
-    for (const QJsonValue stream : object.value(u"streams"_s).toArray())
+    const QJsonArray streams = object.value(u"streams"_s).toArray();
+    for (const QJsonValue stream : streams)
         facts.streams.append(streamFrom(stream.toObject(), facts));
+    takeLengthOfAvi(facts, streams);
     return facts;
 }
 
@@ -256,6 +269,7 @@ void FilmReader::takeListing()
 void FilmReader::takeSurveyed(qsizetype count)
 {
     const bool isAll = m_read.promise && *m_read.promise <= shortFilmSeconds && count < mostListed;
+    m_facts.listsAll = isAll;
     m_facts.wasReadWhole = m_facts.wasReadWhole || isAll;
     m_facts.hasTail = m_facts.hasTail || (isAll && count > 0);
     for (StreamFacts &stream : m_facts.streams) {

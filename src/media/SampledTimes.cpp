@@ -44,7 +44,7 @@ QList<FilmPacket> packetsOf(const FilmFacts &film, const StreamFacts &stream)
 /// Of a film that is known whole they lie as they would in a long one.
 QList<double> windowsOf(const FilmFacts &film)
 {
-    if (!film.windows.isEmpty() || !film.wasReadWhole || !film.lastEnd())
+    if (!film.windows.isEmpty() || !film.listsAll || !film.lastEnd())
         return film.windows;
     const double begin = film.earliestStart().value_or(0);
     const double length = *film.lastEnd() - begin;
@@ -94,7 +94,7 @@ QList<double> commonWindows(const QList<double> &windows, const FilmFacts &other
     QList<double> common;
     for (const double window : windows) {
         const bool isThere = other.windows.isEmpty()
-                                 ? other.wasReadWhole
+                                 ? other.listsAll
                                  : std::any_of(other.windows.begin(), other.windows.end(), [&](double one) {
                                        return std::abs(one + shift - window) < 0.2;
                                    });
