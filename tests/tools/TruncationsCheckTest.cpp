@@ -143,10 +143,8 @@ private:
         const bool isJoin = todo.name == u"join"_s;
         media::MeantOutput meant = isJoin ? CheckRun::meant({source, source}, output, Extent::Sum)
                                           : CheckRun::meant({source}, output);
-        if (!todo.video.isEmpty())
-            reencode(meant, u"video"_s, todo.video);
-        if (!todo.audio.isEmpty())
-            reencode(meant, u"audio"_s, todo.audio);
+        reencode(meant, u"video"_s, todo.video);
+        reencode(meant, u"audio"_s, todo.audio);
         if (todo.name == u"split"_s) {
             meant.extent = Extent::Stretch;
             meant.from = 1;

@@ -151,7 +151,7 @@ QString told(const media::CheckedOutput &result)
 void reencode(MeantOutput &output, const QString &kind, const QString &codec)
 {
     for (TrackFate &fate : output.tracks) {
-        if (fate.kind != kind || fate.became == Became::LeftOut)
+        if (codec.isEmpty() || fate.kind != kind || fate.became == Became::LeftOut)
             continue;
         fate.became = Became::Reencoded;
         fate.to = codec;

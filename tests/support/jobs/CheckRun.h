@@ -37,7 +37,7 @@ private:
 /// "ok", "warnings: The source ...", "failed: ..."
 QString told(const media::CheckedOutput &result);
 
-/// The fate of a source's stream is to be re-encoded into that codec; by the position of the stream's kind.
+/// The streams of a kind are to be re-encoded into that codec; without one they stay as they are.
 void reencode(media::MeantOutput &output, const QString &kind, const QString &codec);
 /// Only streams of these indexes of the sources are meant; the others are left out.
 void keepOnly(media::MeantOutput &output, const QList<int> &indexes);
