@@ -110,6 +110,18 @@ std::optional<qint64> sizeToldByAsf(QIODevice &file)
     return isBroadcast || size == 0 ? std::nullopt : endOf(0, size);
 }
 
+/// "filesize" among the values at the head, a floating-point number behind a byte that says so.
+std::optional<qint64> sizeToldByFlv(QIODevice &file)
+{
+    file.seek(0);
+    const QByteArray head = file.read(4096);
+    const qsizetype at = head.indexOf(QByteArray("filesize\0", 9));
+    if (at < 0 || head.size() < at + 17)
+        return std::nullopt;
+    const auto size = qFromBigEndian<double>(head.constData() + at + 9);
+    return size >= 1 && size < 1e15 ? std::optional(static_cast<qint64>(size)) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<qint64> declaredBytesOf(const QUrl &film)
@@ -124,6 +136,8 @@ std::optional<qint64> declaredBytesOf(const QUrl &film)
         return endOfRiffs(file);
     if (head.startsWith(QByteArray::fromHex("3026b2758e66cf11a6d900aa0062ce6c")))
         return sizeToldByAsf(file);
+    if (head.startsWith("FLV"))
+        return sizeToldByFlv(file);
     if (head.mid(4, 4) == "ftyp")
         return endOfBoxes(file);
     return std::nullopt;

@@ -25,6 +25,11 @@ QString nameOf(const QUrl &file)
     return file.fileName();
 }
 
+QString asSentence(const QString &words)
+{
+    return words.endsWith(u'.') ? words : words + u'.';
+}
+
 QString fine(double seconds)
 {
     return QString::number(seconds, 'f', 2);
@@ -112,7 +117,7 @@ private:
             return; // not every stream that stands alone can be read again
         const QString words = m_film.errors.isEmpty() ? QString() : m_film.errors.constLast();
         const QString sentence = u"%1 can't be read"_s.arg(name());
-        m_failures << (words.isEmpty() ? sentence + u'.' : u"%1: %2."_s.arg(sentence, words));
+        m_failures << asSentence(words.isEmpty() ? sentence : sentence + u": "_s + words);
     }
 
     void compareFilm()
@@ -521,7 +526,7 @@ private:
             isShort = isShort || film.isShort();
         }
         if (!m_figures.damage.isNull() && !isShort)
-            m_warnings << u"The source is damaged: %1."_s.arg(m_figures.damage);
+            m_warnings << asSentence(u"The source is damaged: "_s + m_figures.damage);
     }
 
     static QString endOf(const FilmFacts &film, const QString &label)

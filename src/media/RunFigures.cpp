@@ -56,6 +56,14 @@ void takeFigures(RunFigures &figures, const QString &line)
     streams.insert(stream, {match.captured(4).toLongLong(), match.captured(5).toLongLong()});
 }
 
+/// "[flv @ 0x5559] Packet corrupt" without what stands in brackets, which is another one each time.
+QString withoutAddress(const QString &line)
+{
+    static const QRegularExpression address(u"^(?:\\[[^\\]]* @ 0x[0-9a-f]+\\] *)+"_s);
+    QString words = line.trimmed();
+    return words.remove(address);
+}
+
 } // namespace
 
 bool tellsOfDamage(const QString &line)
@@ -74,7 +82,7 @@ RunFigures runFiguresFrom(const QString &log)
         if (isBehindFilms)
             takeFigures(figures, line);
         if (figures.damage.isNull() && isOwnLine(line) && tellsOfDamage(line))
-            figures.damage = line.trimmed();
+            figures.damage = withoutAddress(line);
     }
     return figures;
 }

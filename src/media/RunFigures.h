@@ -25,7 +25,7 @@ struct RunFigures
 
     QHash<Stream, StreamFigures> read;  ///< by input stream; empty unless ffmpeg was asked to be verbose
     QHash<Stream, StreamFigures> muxed; ///< by output stream
-    QString damage; ///< the first line that tells of damaged or missing data; absent where none does
+    QString damage; ///< the first line that tells of damaged or missing data, as the user sees it
 };
 
 RunFigures runFiguresFrom(const QString &log);

@@ -63,6 +63,11 @@ private Q_SLOTS:
         QTest::newRow("AVI, never finished") << "RIFF" + QByteArray(4, '\0') + "AVI " << -1;
         QTest::newRow("ASF") << asf(77, 2) << 77;
         QTest::newRow("ASF as it is sent") << asf(77, 1) << -1;
+        const QByteArray metadata = "FLV\x01\x05" + QByteArray(30, 'm');
+        QTest::newRow("FLV") << metadata + "filesize" + QByteArray::fromHex("004059000000000000") + "d"
+                             << 100;
+        QTest::newRow("FLV, not told") << metadata << -1;
+        QTest::newRow("FLV, not finished") << metadata + "filesize" + QByteArray(9, '\0') << -1;
         QTest::newRow("a transport stream") << QByteArray(376, 'G') << -1;
         QTest::newRow("nothing") << QByteArray() << -1;
     }
