@@ -1,5 +1,6 @@
 #include "media/DeclaredBytes.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QtEndian>
 
@@ -122,7 +123,116 @@ std::optional<qint64> sizeToldByFlv(QIODevice &file)
     return size >= 1 && size < 1e15 ? std::optional(static_cast<qint64>(size)) : std::nullopt;
 }
 
+std::optional<quint64> elementId(QIODevice &file)
+{
+    const auto head = bigNumber(file, 1);
+    if (!head || *head < 0x10)
+        return std::nullopt;
+    const int more = *head >= 0x80 ? 0 : *head >= 0x40 ? 1 : *head >= 0x20 ? 2 : 3;
+    const auto rest = bigNumber(file, more);
+    return rest ? std::optional((*head << (8 * more)) | *rest) : std::nullopt;
+}
+
+/// The content of the first element of that name among those from here to the end, none of which may be long.
+QByteArray elementNamed(QIODevice &file, quint64 wanted, qint64 end)
+{
+    constexpr quint64 longest = 1024 * 1024;
+    while (file.pos() < end) {
+        const auto id = elementId(file);
+        const auto size = id ? elementSize(file) : std::nullopt;
+        if (!size || *size > longest)
+            break;
+        if (*id == wanted)
+            return file.read(static_cast<qint64>(*size));
+        file.seek(file.pos() + static_cast<qint64>(*size));
+    }
+    return {};
+}
+
+QByteArray childNamed(const QByteArray &content, quint64 wanted)
+{
+    QBuffer buffer;
+    buffer.setData(content);
+    buffer.open(QIODevice::ReadOnly);
+    return elementNamed(buffer, wanted, content.size());
+}
+
+double floatOf(const QByteArray &bytes)
+{
+    if (bytes.size() == 4)
+        return double(qFromBigEndian<float>(bytes.constData()));
+    return bytes.size() == 8 ? qFromBigEndian<double>(bytes.constData()) : 0;
+}
+
+quint64 numberOfBytes(const QByteArray &bytes)
+{
+    quint64 number = 0;
+    for (const char byte : bytes.left(8))
+        number = number << 8 | static_cast<quint8>(byte);
+    return number;
+}
+
+/// What the information at the head of a segment tells, in units of so many nanoseconds.
+double secondsOfSegment(QIODevice &file)
+{
+    if (!endOfSegment(file)) // stands at the first element in it then
+        return 0;
+    const QByteArray information = elementNamed(file, 0x1549A966, file.size());
+    const QByteArray unit = childNamed(information, 0x2AD7B1);
+    const double nanoseconds = unit.isEmpty() ? 1e6 : double(numberOfBytes(unit));
+    return floatOf(childNamed(information, 0x4489)) * nanoseconds / 1e9;
+}
+
+/// The content of the box of that name among those from here to the end; a long one is not read.
+QByteArray boxNamed(QIODevice &file, const QByteArray &wanted, qint64 end)
+{
+    constexpr qint64 longest = 4096;
+    qint64 at = file.pos();
+    for (int count = 0; count < mostParts && at < end && file.seek(at); ++count) {
+        auto size = bigNumber(file, 4);
+        const QByteArray kind = file.read(4);
+        if (size == 1)
+            size = bigNumber(file, 8);
+        const auto boxEnd = size >= quint64(8) ? endOf(at, size) : std::nullopt;
+        if (kind == wanted)
+            return file.read(longest);
+        if (!boxEnd)
+            break;
+        at = *boxEnd;
+    }
+    return {};
+}
+
+double secondsOfMovie(QIODevice &file)
+{
+    file.seek(0);
+    const QByteArray movie = boxNamed(file, "moov", file.size());
+    QBuffer buffer;
+    buffer.setData(movie);
+    buffer.open(QIODevice::ReadOnly);
+    const QByteArray head = boxNamed(buffer, "mvhd", movie.size());
+    const bool isLong = head.startsWith('\1');
+    const quint64 unit = numberOfBytes(head.mid(isLong ? 20 : 12, 4));
+    const quint64 length = numberOfBytes(head.mid(isLong ? 24 : 16, isLong ? 8 : 4));
+    return unit == 0 ? 0 : double(length) / double(unit);
+}
+
 } // namespace
+
+std::optional<double> toldSecondsOf(const QUrl &film)
+{
+    constexpr double longest = 1000 * 3600.0;
+    QFile file(film.toLocalFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray head = file.read(8);
+    double seconds = 0;
+    if (head.startsWith(QByteArray::fromHex("1a45dfa3")))
+        seconds = secondsOfSegment(file);
+    else if (head.endsWith("ftyp"))
+        seconds = secondsOfMovie(file);
+    return seconds > 0 && seconds < longest ? std::optional(seconds) : std::nullopt;
+}
 
 std::optional<qint64> declaredBytesOf(const QUrl &film)
 {

@@ -257,7 +257,7 @@ double ExpectedStream::tolerance(const StreamFacts &found) const
         if (one == nullptr)
             continue;
         if (kind == u"video"_s) // a picture may last as long as it likes
-            most = std::max({most, 2 * one->frameSeconds, 2 * one->lastSeconds});
+            most = std::max({most, 2 * one->frameSeconds, 2 * one->lastSeconds, 2 * one->lastGap});
         else if (one->sampleRate > 0)
             most = std::max(most, 2 * 2048.0 / one->sampleRate);
     }

@@ -42,6 +42,7 @@ struct StreamFacts
     std::optional<double> firstTime; ///< of the first packet, also of one that an edit list hides
     std::optional<double> lastEnd;   ///< measured, or told by an index that can't be wrong alone
     double lastSeconds = 0;          ///< how long its last packet lasts
+    double lastGap = 0;              ///< the longest time between two of its last few pictures
 
     /// Where it begins: a copy takes along what an edit list hides, an encoder does not see it.
     std::optional<double> startOfCopy() const;

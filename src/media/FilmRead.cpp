@@ -186,6 +186,9 @@ std::optional<FilmRead> nextRead(const FilmFacts &facts, const FilmWish &wish, c
         return survey(facts.promise(), wish);
     if (!facts.isOpen)
         return std::nullopt;
+    const double aimed = facts.aimed.value_or(0); // by what ffprobe thinks otherwise of
+    if (!facts.hasTail && surveysIn(made) == 1 && std::abs(facts.promise().value_or(aimed) - aimed) > 1)
+        return survey(facts.promise(), wish);
     const FilmRead whole{What::Whole, {}, {}};
     const bool mayReadAll =
         !made.contains(whole) && (!wish.mostBytesRead || facts.bytes <= *wish.mostBytesRead);

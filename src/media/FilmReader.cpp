@@ -209,6 +209,8 @@ FilmReader::FilmReader(const FilmWish &wish)
 
 QStringList FilmReader::next()
 {
+    if (m_made.isEmpty())
+        m_facts.seconds = toldSecondsOf(m_wish.film);
     const auto read = nextRead(m_facts, m_wish, m_made);
     if (!read)
         return {};
@@ -319,8 +321,27 @@ void FilmReader::take(const FilmPacket &packet)
     const bool isPart = m_read.what == What::Survey && !m_read.windows.isEmpty();
     if (packet.isKey && stream->kind == u"video"_s && !isPart) // else there may be others between them
         m_facts.keyFrames.append(*packet.time());
-    if (isOfTail(packet))
-        takeEndOf(packet);
+    if (!isOfTail(packet))
+        return;
+    takeEndOf(packet);
+    if (stream->kind == u"video"_s && packet.shown)
+        takePicture(packet);
+}
+
+/// Of pictures that come at odd times the last ones tell how long one may last: files give it the usual
+/// length, encoders the time since the one before.
+void FilmReader::takePicture(const FilmPacket &packet)
+{
+    constexpr qsizetype kept = 5;
+    QList<double> &last = m_lastPictures[packet.stream];
+    last.insert(std::lower_bound(last.begin(), last.end(), *packet.shown), *packet.shown);
+    if (last.size() > kept)
+        last.removeFirst();
+    StreamFacts &stream = *streamIn(m_facts, packet.stream);
+    stream.lastGap = 0;
+    for (qsizetype i = 1; i < last.size(); ++i)
+        stream.lastGap =
+            std::max(stream.lastGap, std::min(last.at(i) - last.at(i - 1), longestPictureSeconds));
 }
 
 void FilmReader::takeEndOf(const FilmPacket &packet)

@@ -2,6 +2,8 @@
 
 #include "media/FilmRead.h"
 
+#include <QHash>
+
 namespace media {
 
 /// Makes the facts of one film out of what ffprobe prints: says which read is next, is fed its output in
@@ -24,6 +26,7 @@ private:
     void takeLine(const QByteArray &line);
     void take(const FilmPacket &packet);
     void takeEndOf(const FilmPacket &packet);
+    void takePicture(const FilmPacket &packet);
     void takeSurveyed(qsizetype count);
     void countWhole();
     bool isOfTail(const FilmPacket &packet) const;
@@ -33,7 +36,8 @@ private:
     FilmRead m_read;
     QList<FilmRead> m_made;
     QByteArray m_printed;
-    QList<qint64> m_counts; ///< packets a stream, of a read of all
+    QHash<int, QList<double>> m_lastPictures; ///< the last few times a stream, sorted
+    QList<qint64> m_counts;                   ///< packets a stream, of a read of all
 };
 
 /// The header's and the streams' part of a survey, without what is measured. Exposed for tests.
