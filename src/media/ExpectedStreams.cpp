@@ -77,6 +77,16 @@ std::optional<double> wholeLength(const FilmFacts &film)
     return end ? std::optional(*end - beginOf(film)) : std::nullopt;
 }
 
+/// What the packets of a sound in MP4 last more than it is heard.
+double hiddenIn(const FilmFacts &film, const StreamFacts &source, const ExpectedStream &expected)
+{
+    const auto packed = packedSeconds(source, expected.packets);
+    if (!film.isMov() || !packed || !expected.seconds)
+        return 0;
+    const double more = *packed - *expected.seconds;
+    return more > 2 * *packetSeconds(source) ? more : 0;
+}
+
 struct Span
 {
     std::optional<double> start;
@@ -157,7 +167,7 @@ private:
             expected.seconds = *span.end - *span.start;
         if (expected.isCopied) {
             expected.packets = trueCount(film, source);
-            expected.bytes = expected.packets ? source.bytes : std::nullopt;
+            expected.hidden = hiddenIn(film, source, expected);
         }
     }
 
@@ -262,6 +272,22 @@ double ExpectedStream::tolerance(const StreamFacts &found) const
             most = std::max(most, 2 * 2048.0 / one->sampleRate);
     }
     return isCopied ? most : 1.5 * most;
+}
+
+std::optional<double> packetSeconds(const StreamFacts &stream)
+{
+    static const QHash<QString, int> samples{
+        {u"aac"_s, 1024}, {u"mp2"_s, 1152}, {u"mp3"_s, 1152}, {u"ac3"_s, 1536}};
+    const bool isHalf = stream.codec == u"mp3"_s && stream.sampleRate < 32000;
+    const int inPacket = isHalf ? 576 : samples.value(stream.codec);
+    return inPacket > 0 && stream.sampleRate > 0 ? std::optional(double(inPacket) / stream.sampleRate)
+                                                 : std::nullopt;
+}
+
+std::optional<double> packedSeconds(const StreamFacts &stream, std::optional<qint64> packets)
+{
+    const auto packet = packetSeconds(stream);
+    return packet && packets ? std::optional(double(*packets) * *packet) : std::nullopt;
 }
 
 std::optional<qint64> trueCount(const FilmFacts &film, const StreamFacts &stream)

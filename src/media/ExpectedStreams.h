@@ -19,8 +19,9 @@ struct ExpectedStream
     bool isCopied = true;
     std::optional<double> start;
     std::optional<double> seconds;
+    double hidden =
+        0; ///< what an edit list hides in front of a sound: some tools take it along, others don't
     std::optional<qint64> packets;
-    std::optional<qint64> bytes;
 
     bool isTimed() const { return kind == u"video" || kind == u"audio"; }
     /// How much its length may be off.
@@ -38,6 +39,11 @@ std::optional<TrueStretch> trueStretchOf(const MeantOutput &output, const FilmFa
 
 /// The streams of picture, sound and text that an output should have, by kind and in the order of its fates.
 QList<ExpectedStream> expectedStreams(const MeantOutput &output, const QHash<QUrl, FilmFacts> &films);
+
+/// Seconds of one packet of a sound that is always packed alike; absent for others.
+std::optional<double> packetSeconds(const StreamFacts &stream);
+/// Those of so many; absent where they are not known.
+std::optional<double> packedSeconds(const StreamFacts &stream, std::optional<qint64> packets);
 
 /// Whether a source's count of packets is that of what is really there.
 std::optional<qint64> trueCount(const FilmFacts &film, const StreamFacts &stream);

@@ -75,13 +75,28 @@ struct Found
     int missing = 0;
 };
 
+/// A window ends with its first packet that lies behind it, of whatever stream: where the pieces of the
+/// streams lie far apart in a file, others end earlier.
+bool isCovered(const QList<FilmPacket> &others, double window, double time)
+{
+    bool hasBefore = false;
+    bool hasBehind = false;
+    for (const FilmPacket &one : others) {
+        const bool isNear = *one.shown >= window - windowSeconds && *one.shown <= window + 2 * windowSeconds;
+        hasBefore = hasBefore || (isNear && *one.shown <= time + sameTime);
+        hasBehind = hasBehind || (isNear && *one.shown >= time - sameTime);
+    }
+    return hasBefore && hasBehind;
+}
+
 Found foundIn(const QList<FilmPacket> &others, const QList<FilmPacket> &packets, const QList<double> &windows,
               double shift, bool withSize)
 {
     Found found;
     for (const FilmPacket &one : packets) {
-        const bool isSampled = std::any_of(windows.begin(), windows.end(),
-                                           [&](double window) { return isInside(*one.shown, window); });
+        const bool isSampled = std::any_of(windows.begin(), windows.end(), [&](double window) {
+            return isInside(*one.shown, window) && isCovered(others, window - shift, *one.shown - shift);
+        });
         found.seen += isSampled ? 1 : 0;
         found.missing += isSampled && !hasOneLike(others, one, shift, withSize) ? 1 : 0;
     }

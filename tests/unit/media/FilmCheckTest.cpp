@@ -314,7 +314,37 @@ private Q_SLOTS:
         Case one;
         one.output.streams[1].packets = 2700;
         QCOMPARE(told(one.result()),
-                 u"warnings: The audio track of out.mkv has holes: 0:02 of 1:00 are missing."_s);
+                 u"warnings: The audio track of out.mkv has holes: 2.40 s of 60.00 s are missing."_s);
+    }
+
+    /// 16 packets of 1,024 samples in front of the sound are hidden by an edit list.
+    void whatAnEditListHidesMayComeAlong_data()
+    {
+        QTest::addColumn<double>("start"); // of the output's sound, beside the picture
+        QTest::addColumn<int>("packets");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("left out") << 0.0 << 2813 << u"ok"_s;
+        QTest::newRow("taken along") << -0.34 << 2829 << u"ok"_s;
+        QTest::newRow("neither")
+            << -0.17 << 2821
+            << u"failed: The audio track of out.mkv begins 0.17 s too early. The audio track of out.mkv "
+               "lasts 60.17 s instead of 60.00 s. The audio track of out.mkv holds 2821 packets instead of "
+               "2829."_s;
+    }
+
+    void whatAnEditListHidesMayComeAlong()
+    {
+        QFETCH(double, start);
+        QFETCH(int, packets);
+        QFETCH(QString, said);
+        Case one;
+        one.source.format = u"mov,mp4,m4a,3gp,3g2,mj2"_s;
+        for (FilmFacts *film : {&one.source, &one.output}) // a picture that begins before both
+            film->streams[0].headerStart = film->streams[0].firstTime = -1;
+        one.source.streams[1].packets = 2829;
+        one.output.streams[1].headerStart = one.output.streams[1].firstTime = start;
+        one.output.streams[1].packets = packets;
+        QCOMPARE(told(one.result()), said);
     }
 
     void figuresOfTheRunCount()
