@@ -29,6 +29,8 @@ public:
 
     /// One for each of the outputs, in their order; none before finished().
     const QList<media::CheckedOutput> &results() const { return m_results; }
+    /// What was read of the sources and of the outputs' files.
+    const media::Films &films() const { return m_reads.facts(); }
     /// All results as one: the worst verdict and the sentences, each once.
     Outcome outcome() const;
 

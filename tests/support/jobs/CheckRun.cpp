@@ -95,6 +95,7 @@ QList<media::CheckedOutput> CheckRun::check(const QList<MeantOutput> &outputs, c
     check.begin(outputs, log);
     if (!waitFor([&] { return hasFinished; }))
         qFatal("the check does not end");
+    m_films = check.films();
     return check.results();
 }
 

@@ -25,6 +25,9 @@ public:
     QList<media::CheckedOutput> check(const QList<media::MeantOutput> &outputs, const QString &log = {});
     media::CheckedOutput check(const media::MeantOutput &output, const QString &log = {});
 
+    /// What was read of all films that were checked.
+    const media::Films &films() const { return m_films; }
+
     /// What ffmpeg says of a film's streams: kind and codec, in their order.
     static QList<std::pair<QString, QString>> streamsOf(const QString &film);
     /// The length by decoding: the time of ffmpeg's last status line, with the picture or the sound alone.
@@ -32,6 +35,7 @@ public:
 
 private:
     JobFixture m_base;
+    media::Films m_films;
 };
 
 /// "ok", "warnings: The source ...", "failed: ..."
