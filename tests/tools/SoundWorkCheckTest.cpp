@@ -1,6 +1,7 @@
 // Good work of every kind is told "ok" by the check of its output: films of each container, copied and
 // re-encoded, that start late, with tracks that begin late or end early, with covers, chapters, fonts, few or
 // odd frames, parts, joins and single tracks. The short form draws some of them.
+#include "media/DeclaredBytes.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/Seeds.h"
@@ -10,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTest>
 
 #include <cmath>
@@ -406,6 +408,30 @@ private Q_SLOTS:
         const auto result = run.check(CheckRun::meant(sources, output, Extent::Sum), log);
         QCOMPARE(told(result), u"ok"_s);
         QVERIFY(std::abs(*result.seconds - 60.0 * count) < 1);
+    }
+
+    /// What is read of a header without a tool is what ffprobe says.
+    void lengthsAreTold_data()
+    {
+        QTest::addColumn<QString>("film");
+        QTest::newRow("ffmpeg's mkv") << minuteOf(u"mkv"_s);
+        QTest::newRow("mkvmerge's mkv") << minuteWithText();
+        QTest::newRow("mkv from 5") << minuteOf(u"mkv"_s, 5);
+        QTest::newRow("mp4, the index in front") << minuteOf(u"mp4"_s);
+        QTest::newRow("mp4, the index behind") << textMp4();
+        QTest::newRow("mov") << minuteOf(u"mov"_s);
+    }
+
+    void lengthsAreTold()
+    {
+        QFETCH(QString, film);
+        QProcess ffprobe;
+        ffprobe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_entries"_s, u"format=duration"_s, u"-of"_s,
+                                     u"csv=p=0"_s, film});
+        QVERIFY(ffprobe.waitForFinished(60000));
+        const auto told = media::toldSecondsOf(QUrl::fromLocalFile(film));
+        QVERIFY(told);
+        QVERIFY(std::abs(*told - ffprobe.readAllStandardOutput().trimmed().toDouble()) < 0.01);
     }
 
     void remuxesAreOk_data()

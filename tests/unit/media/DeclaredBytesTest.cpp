@@ -82,6 +82,51 @@ private Q_SLOTS:
         QCOMPARE(static_cast<int>(declared.value_or(-1)), bytes);
     }
 
+    void secondsAreRead_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<double>("seconds"); // 0: not told
+        const QByteArray begin = QByteArray::fromHex("1a45dfa382000018538067ff");
+        const QByteArray known = QByteArray::fromHex("1a45dfa3820000185380670100000000000100");
+        const QByteArray millisecond = QByteArray::fromHex("2ad7b1830f4240");
+        const QByteArray thousand = QByteArray::fromHex("4489844479f000");      // 999.75 as a float
+        const QByteArray large = QByteArray::fromHex("448988409f3f0000000000"); // 1999.75
+        const auto information = [](const QByteArray &content) {
+            return QByteArray::fromHex("ec820000") + QByteArray::fromHex("1549a966") +
+                   char(0x80 | content.size()) + content;
+        };
+        QTest::newRow("milliseconds") << known + information(millisecond + thousand) << 0.99975;
+        QTest::newRow("without a unit") << known + information(thousand) << 0.99975;
+        QTest::newRow("another unit")
+            << known + information(QByteArray::fromHex("2ad7b1820400") + large) << 1999.75 * 1024 / 1e9;
+        QTest::newRow("no length") << known + information(millisecond) << 0.0;
+        QTest::newRow("sent into a pipe") << begin + information(millisecond + thousand) << 0.0;
+        QTest::newRow("cut") << (known + information(millisecond + thousand)).chopped(3) << 0.0;
+        const QByteArray length = QByteArray::fromHex("000003e80000ea60"); // 60000 thousandths
+        const QByteArray head = box("mvhd", QByteArray(12, '\0') + length + QByteArray(8, 'r'));
+        const QByteArray longHead =
+            box("mvhd", '\1' + QByteArray(19, '\0') + QByteArray::fromHex("000003e8000000000000ea60"));
+        const QByteArray ftyp = box("ftyp", "isom0000");
+        QTest::newRow("MP4") << ftyp + box("moov", head) + box("mdat", "1") << 60.0;
+        QTest::newRow("MP4, the index behind") << ftyp + box("mdat", "1") + box("moov", head) << 60.0;
+        QTest::newRow("MP4, long numbers") << ftyp + box("moov", longHead) << 60.0;
+        QTest::newRow("MP4, no index") << ftyp + box("mdat", "1") << 0.0;
+        QTest::newRow("MP4, an index that is cut") << (ftyp + box("moov", head)).chopped(20) << 0.0;
+        QTest::newRow("AVI") << riff("AVI 1234") << 0.0;
+        QTest::newRow("nothing") << QByteArray() << 0.0;
+    }
+
+    void secondsAreRead()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(double, seconds);
+        const support::Scratch scratch;
+        scratch.write(u"a"_s, content);
+        const auto told = media::toldSecondsOf(scratch.url(u"a"_s));
+        QCOMPARE(told.has_value(), seconds > 0);
+        QCOMPARE(told.value_or(0), seconds);
+    }
+
     void aMissingFileTellsNothing()
     {
         QVERIFY(!media::declaredBytesOf(QUrl::fromLocalFile(u"/nowhere/a.mkv"_s)));
