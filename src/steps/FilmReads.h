@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include <memory>
+#include <vector>
 
 class KXPreferences;
 

@@ -8,6 +8,7 @@
 #include "support/jobs/CheckRun.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -90,6 +91,33 @@ private Q_SLOTS:
         const QString log = run.run(line + QString(), {source, run.path(output)});
         const QString said = told(run.check(CheckRun::meant({source}, run.path(output)), log));
         QVERIFY2(said.startsWith(u"failed: "_s) && said.contains(sentence), qPrintable(said));
+    }
+
+    /// The figures come in a file of their own; what ffmpeg prints beside it is as ever.
+    void figuresComeInAFile()
+    {
+        CheckRun run;
+        const QString output = run.path(u"out.mkv"_s);
+        const QStringList words{
+            u"-nostdin"_s, u"-y"_s, u"-i"_s,   minuteOf(u"mkv"_s), u"-map"_s,
+            u"0"_s,        u"-c"_s, u"copy"_s, u"-bsf:a"_s,        u"noise=drop='between(n\\,500\\,584)'"_s,
+            output};
+        const auto variable = media::figuresVariable(u"figures");
+        QProcess ffmpeg;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(variable.first, variable.second);
+        ffmpeg.setProcessEnvironment(environment);
+        ffmpeg.setWorkingDirectory(run.path());
+        ffmpeg.start(u"ffmpeg"_s, words);
+        QVERIFY(ffmpeg.waitForFinished(60000));
+        const QString printed = QString::fromUtf8(ffmpeg.readAllStandardError());
+        QVERIFY(media::runFiguresFrom(printed).read.isEmpty());
+        QVERIFY(printed.contains(u"time=00:01:00.0"_s) && !printed.contains(u"AVIOContext"_s));
+        const QString figures = QString::fromUtf8(contentOf(run.path(u"figures"_s)));
+        const auto read = media::runFiguresFrom(figures);
+        QCOMPARE(read.read.value({0, 1}).packets - read.muxed.value({0, 1}).packets, 85);
+        const QString said = told(run.check(CheckRun::meant({minuteOf(u"mkv"_s)}, output), figures));
+        QVERIFY2(said.startsWith(u"failed: The audio track of out.mkv holds "_s), qPrintable(said));
     }
 
     void aCutOutputFails_data()
