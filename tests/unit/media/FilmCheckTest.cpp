@@ -393,6 +393,33 @@ private Q_SLOTS:
         QCOMPARE(result.seconds, std::optional(60.0));
     }
 
+    /// The container may have its own order; codecs tell the tracks apart.
+    void tracksMayBeInAnotherOrder()
+    {
+        Case one;
+        one.source.streams << stream(3, u"audio"_s, u"ac3"_s, 0, 60);
+        one.output.streams[1].codec = u"ac3"_s;
+        one.output.streams << stream(3, u"audio"_s, u"aac"_s, 0, 60);
+        one.source.packets.clear();
+        one.output.packets.clear();
+        one.meant = meantOf(one.source);
+        const CheckedOutput result = one.result();
+        QCOMPARE(told(result), u"ok"_s);
+        QCOMPARE(result.output.tracks.at(1).outputIndex, 3);
+        QCOMPARE(result.output.tracks.at(3).outputIndex, 1);
+    }
+
+    /// Readers stop at different packets of what was cut.
+    void theEndOfAShortSourceIsRagged()
+    {
+        Case one;
+        one.source.seconds = 600;
+        one.output.seconds = one.output.streams[0].lastEnd = one.output.streams[1].lastEnd = 59.1;
+        QCOMPARE(told(one.result()), u"warnings: The source ends at 1:00 of 10:00."_s);
+        one.output.seconds = one.output.streams[0].lastEnd = one.output.streams[1].lastEnd = 58.5;
+        QVERIFY(told(one.result()).startsWith(u"failed: The video of out.mkv lasts 0:59 instead of 1:00."_s));
+    }
+
     void shortSourcesAreTold_data()
     {
         QTest::addColumn<double>("promise");
