@@ -23,6 +23,10 @@ class StepLauncher;
 
 namespace jobs {
 
+/// Whether finished files are held against what was meant. A test whose tools play something wants that left
+/// out.
+enum class Checking { Outputs, Nothing };
+
 /// What every job is handed. There is one of each per program, and all of them outlive the jobs.
 struct JobContext
 {
@@ -37,6 +41,7 @@ struct JobContext
     steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
     int toolsAtOnce = QThread::idealThreadCount(); ///< of one job
     Intervals intervals = {};
+    Checking checking = Checking::Outputs;
 };
 
 } // namespace jobs

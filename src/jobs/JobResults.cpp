@@ -45,17 +45,34 @@ QString commandsOf(const steps::Launch &run)
 
 } // namespace
 
-JobResults::JobResults(steps::OutputGuard &guard)
+JobResults::JobResults(const JobContext &context, steps::OutputGuard &guard)
     : m_guard(guard)
+    , m_isChecking(context.checking == Checking::Outputs)
+    , m_check(context.preferences, context.toolsAtOnce)
 {
     connect(&m_publisher, &steps::Publisher::ended, this, &JobResults::settle);
+    connect(&m_check, &steps::OutputCheck::finished, this, &JobResults::checked);
+}
+
+void JobResults::stepStarted(const KXConverter &converter)
+{
+    if (m_isChecking && converter.refusal().isNull() && !converter.isTemporaryOutput())
+        m_check.readSources(converter.meantOutputs());
 }
 
 void JobResults::add(const KXConverter &converter, steps::Verdict verdict)
 {
     m_runs += converter.runs();
-    m_steps.append(
-        {converter.outputFiles(), verdict != steps::Verdict::Failed, !converter.isTemporaryOutput()});
+    Step step;
+    step.files = converter.outputFiles();
+    step.meant = converter.meantOutputs();
+    for (media::MeantOutput &output : step.meant)
+        output.file = m_guard.fileOf(output.output);
+    step.log = converter.logFileURL();
+    step.told = converter.whatToolsTold();
+    step.isWhole = verdict != steps::Verdict::Failed;
+    step.isWanted = !converter.isTemporaryOutput();
+    m_steps.append(step);
 }
 
 void JobResults::want(const QList<QUrl> &names)
@@ -66,6 +83,45 @@ void JobResults::want(const QList<QUrl> &names)
 
 void JobResults::publish()
 {
+    m_toCheck = 0;
+    checkNext();
+}
+
+/// One step after the other: the figures of a tool's log are of one run.
+void JobResults::checkNext()
+{
+    while (m_isChecking && m_toCheck < m_steps.size()) {
+        const Step &step = m_steps.at(m_toCheck);
+        if (step.isWanted && step.isWhole && !step.meant.isEmpty())
+            return m_check.begin(step.meant, step.told);
+        ++m_toCheck;
+    }
+    publishChecked();
+}
+
+void JobResults::checked()
+{
+    Step &step = m_steps[m_toCheck++];
+    const Outcome outcome = m_check.outcome();
+    for (const media::CheckedOutput &result : m_check.results())
+        m_measured.append(result.output);
+    step.isWhole = outcome.verdict != steps::Verdict::Failed;
+    if (!step.isWhole)
+        m_logsOfFailed.append(step.log);
+    if (!outcome.sentence.isEmpty())
+        m_found = m_found.joinedWith(outcome);
+    checkNext();
+}
+
+bool JobResults::cancel()
+{
+    m_check.end();
+    return m_publisher.cancel();
+}
+
+void JobResults::publishChecked()
+{
+    m_isPublishing = true;
     QList<QUrl> names;
     for (const Step &step : std::as_const(m_steps)) {
         for (const QUrl &file : step.files) {
@@ -76,7 +132,7 @@ void JobResults::publish()
     m_publications = m_guard.publicationsOf(names);
     const QString problem = m_guard.problemWithPublishing(names);
     if (!problem.isNull())
-        m_problem = Outcome::failed(problem);
+        m_found = m_found.joinedWith(Outcome::failed(problem));
     if (names.isEmpty() || !problem.isNull())
         return Q_EMIT settled();
     m_publisher.start(m_guard.workFolder(), m_publications);
@@ -98,7 +154,7 @@ void JobResults::settle(const PublishResult &result)
         m_publisher.start(m_guard.workFolder(), m_publications);
         return;
     }
-    m_problem = Outcome::failed(sentenceFor(result));
+    m_found = m_found.joinedWith(Outcome::failed(sentenceFor(result)));
     Q_EMIT settled();
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "jobs/JobContext.h"
 #include "steps/KXConverter.h"
+#include "steps/OutputCheck.h"
 #include "steps/Publisher.h"
 
 #include <QObject>
@@ -8,30 +10,40 @@
 namespace jobs {
 
 /// What the steps of a job leave: which files get their names, which one stays as an incomplete one, which
-/// logs stay. Files that stand alone are published although others failed; those of one step all or none.
-/// Owned by its job; main thread only.
+/// logs stay. Only what was checked is published. Files that stand alone are published although others
+/// failed; those of one step all or none. Owned by its job; main thread only.
 class JobResults final : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit JobResults(steps::OutputGuard &guard);
+    JobResults(const JobContext &context, steps::OutputGuard &guard);
 
+    /// A step that has just been started: its sources are read while its tool works.
+    void stepStarted(const KXConverter &converter);
     /// A step that has ended. Files that nobody wanted are never published.
     void add(const KXConverter &converter, steps::Verdict verdict);
     /// They are wanted after all, though their step was to keep them for the job alone.
     void want(const QList<QUrl> &names);
 
-    /// Gives every finished file its name; settled() follows, at once where there is none.
+    /// Checks every finished file, and gives it its name; settled() follows, at once where there is none.
     void publish();
+    /// Whether the checks are over.
+    bool isPublishing() const { return m_isPublishing; }
     /// No file gets its name any more. False when they have theirs already.
-    bool cancel() { return m_publisher.cancel(); }
+    bool cancel();
     /// Published files, in the order of their steps.
     const QList<QUrl> &outputs() const { return m_outputs; }
     /// Those that got another name than they were meant to have, as their own was taken meanwhile.
     const QList<std::pair<QUrl, QUrl>> &renamed() const { return m_renamed; }
-    /// What went wrong with that; Unknown when nothing did.
-    const steps::Outcome &problem() const { return m_problem; }
+    /// What the checks found, and what went wrong with publishing; Unknown when there was neither.
+    const steps::Outcome &found() const { return m_found; }
+    /// The outputs with what was measured of their tracks.
+    const QList<media::MeantOutput> &measured() const { return m_measured; }
+    /// What the check read of the sources.
+    const media::Films &films() const { return m_check.films(); }
+    /// The logs of steps whose outputs the check did not pass.
+    const QList<QUrl> &logsOfFailed() const { return m_logsOfFailed; }
 
     /// Of what was not published, the largest file stays under a name that says that it is not whole. Answers
     /// that name; empty when there is none.
@@ -47,20 +59,32 @@ private:
     struct Step
     {
         QList<QUrl> files;
+        QList<media::MeantOutput> meant;
+        QUrl log;
+        QString told; ///< by its tool
         bool isWhole = false;
         bool isWanted = false;
     };
+    void checkNext();
+    void checked();
+    void publishChecked();
     void settle(const steps::PublishResult &result);
     void takeNames();
     QByteArray commandsFor(const QUrl &log) const;
 
     steps::OutputGuard &m_guard;
     QList<Step> m_steps;
+    bool m_isChecking;
+    bool m_isPublishing = false;
+    steps::OutputCheck m_check;
+    qsizetype m_toCheck = 0; ///< the step whose outputs are checked
+    QList<media::MeantOutput> m_measured;
+    QList<QUrl> m_logsOfFailed;
     QList<steps::Launch> m_runs;
     QList<steps::Publication> m_publications;
     QList<QUrl> m_outputs;
     QList<std::pair<QUrl, QUrl>> m_renamed;
-    steps::Outcome m_problem;
+    steps::Outcome m_found;
     steps::Publisher m_publisher;
 };
 

@@ -79,10 +79,9 @@ KXJob::KXJob(const jobs::JobContext &context)
     , m_context(context)
     , m_guard(context.outputs, context.whenTaken)
     , m_durations(context.preferences)
-    , m_results(m_guard)
+    , m_results(m_context, m_guard)
 {
     connect(&m_results, &jobs::JobResults::settled, this, &KXJob::finish);
-    m_slowEnd.setSingleShot(true);
     connect(&m_slowEnd, &QTimer::timeout, this, &KXJob::showSlowEnd);
     m_monitorQueue.setMaxThreadCount(1);
     connect(&m_flashProgressTimer, &QTimer::timeout, this, [this] {
@@ -170,6 +169,8 @@ void KXJob::stepStarted(const ConverterPointer &converter, const tools::ToolProc
     if (task)
         addTask(task);
     m_progressList.append({converter->stepName(), task ? u"0%"_s : u"Complete"_s});
+    if (task)
+        m_results.stepStarted(*converter);
     noteFilesOf(*converter);
 }
 
@@ -227,6 +228,7 @@ void KXJob::startWaitingStep(qsizetype index)
     const auto task = m_stepConverterList.at(index)->startPrepared();
     if (task) {
         addTask(task);
+        m_results.stepStarted(*m_stepConverterList.at(index));
         m_runningSteps.insert(index);
     } else {
         completeStep(index, m_stepConverterList.at(index)->stepName());
@@ -246,6 +248,7 @@ void KXJob::followBackground(KXConverter &converter)
     const QString pid = converter.doShell_ID();
     addTask(pid);
     m_inBackground.append(&converter);
+    m_results.stepStarted(converter);
     connect(&converter, &KXConverter::toolEnded, this, [this, pid] {
         removeTask(pid); // the number may be another's soon
         toolEnded();
@@ -540,14 +543,31 @@ void KXJob::jobDone()
     m_results.publish();
 }
 
-/// Said only where the disk takes its time.
+/// Said only where it takes its time.
 void KXJob::showSlowEnd()
 {
     jobs::ProgressList list = m_progressList;
-    if (list.isEmpty())
+    const QString word = m_results.isPublishing() ? u"writing to disk"_s : u"checking"_s;
+    if (list.isEmpty() || word == m_shownEnd)
         return;
-    list.last().progress = u"writing to disk"_s;
+    m_shownEnd = word;
+    list.last().progress = word;
     postProgress(list);
+}
+
+/// What was measured goes into the receipt, what was found into the outcome.
+void KXJob::takeResults()
+{
+    for (const media::MeantOutput &output : m_results.measured())
+        m_receipt.replace(output);
+    if (m_results.found().verdict == steps::Verdict::Unknown)
+        return;
+    addOutcome(m_results.found());
+    for (const QUrl &log : m_results.logsOfFailed()) {
+        m_logsToKeep.append(log);
+        if (m_guard.files().isOwn(log))
+            m_outcome.sentence += logSentence(log);
+    }
 }
 
 /// Every file has its name, or none of them will.
@@ -557,8 +577,9 @@ void KXJob::finish()
         return;
     const auto self = shared_from_this();
     m_slowEnd.stop();
-    if (m_results.problem().verdict != steps::Verdict::Unknown)
-        addOutcome(m_results.problem());
+    if (!m_shownEnd.isEmpty())
+        postProgress(m_progressList);
+    takeResults();
     for (const auto &[from, to] : m_results.renamed())
         m_receipt.rename(from, to);
     m_receipt.keepOnly(outputs());

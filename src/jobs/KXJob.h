@@ -179,6 +179,7 @@ private:
     void keepFiles();
     void showSlowEnd();
     void finish();
+    void takeResults();
     void addWordsOfReceipt();
     void stopTask(const jobs::StepTask &task);
     void stopFlashing();
@@ -208,7 +209,8 @@ private:
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
     std::atomic_bool m_isPaused = false;
     jobs::JobResults m_results;
-    QTimer m_slowEnd;        ///< runs out where publishing takes long enough to be shown
+    QTimer m_slowEnd;   ///< runs while finished files are checked and published
+    QString m_shownEnd; ///< what was shown of that
     bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;
 };

@@ -87,9 +87,9 @@ RunFigures runFiguresFrom(const QString &log)
     return figures;
 }
 
-std::pair<QString, QString> figuresVariable(tools::Literal name)
+std::pair<QString, QString> figuresVariable(const QString &plainName)
 {
-    return {u"FFREPORT"_s, u"file=%1:level=40"_s.arg(name.text())};
+    return {u"FFREPORT"_s, u"file=%1:level=40"_s.arg(plainName)};
 }
 
 } // namespace media

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "tools/Literal.h"
-
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -34,7 +32,7 @@ RunFigures runFiguresFrom(const QString &log);
 /// The variable that has ffmpeg write a verbose copy of its output, figures included, into a file of that
 /// plain name in its working folder. What it prints stays as it is, but for three lines in front, so that
 /// progress and causes are read as ever.
-std::pair<QString, QString> figuresVariable(tools::Literal name);
+std::pair<QString, QString> figuresVariable(const QString &plainName);
 
 /// Whether a line of a tool tells that data was damaged or missing. Lines that good films bring about too
 /// (times that do not grow, an estimated length) do not.

@@ -4,6 +4,8 @@
 #include "media/KXVideoTrack.h"
 #include "media/MatroskaPackets.h"
 #include "media/Playlists.h"
+#include "media/RunFigures.h"
+#include "platform/OrdinaryFile.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
 #include "steps/DurationLooks.h"
@@ -192,6 +194,31 @@ QString KXConverter::toolFolder() const
     return folder.isEmpty() ? appPreferences().workingFolder() : folder.toLocalFile();
 }
 
+/// In the work folder, where the plain name of the log is a number; without one there is none.
+QUrl KXConverter::figures() const
+{
+    const QFileInfo log(fileOf(logFileURL()).toLocalFile());
+    const QUrl folder = m_context.guard.workFolder();
+    return folder.isEmpty() || log.absolutePath() != folder.toLocalFile()
+               ? QUrl()
+               : QUrl::fromLocalFile(folder.toLocalFile() + u"/figures"_s + log.completeBaseName());
+}
+
+void KXConverter::askForFigures(const QUrl &tool, QProcessEnvironment &environment) const
+{
+    const QString name = figures().fileName();
+    if (tools::toolFamily(tool) != tools::ToolFamily::Ffmpeg || name.isEmpty())
+        return;
+    const auto [variable, value] = media::figuresVariable(name);
+    environment.insert(variable, value);
+}
+
+QString KXConverter::whatToolsTold() const
+{
+    const auto verbose = platform::readWhole(figures().toLocalFile());
+    return verbose.bytes.isEmpty() ? logString() : QString::fromUtf8(verbose.bytes);
+}
+
 /// Null, or why the tool must not be started.
 QString KXConverter::makeWay()
 {
@@ -225,6 +252,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
     request.environment = tools::processEnvironment(tool, tools::textsOf(options), appPreferences());
+    askForFigures(tool, request.environment);
     request.workingFolder = toolFolder();
     setBackgroundReadStatus(0);
     setLogString(u""_s);
@@ -348,6 +376,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
     request.environment = tools::lineEnvironment(tool, tools::textsOf(options), appPreferences());
+    askForFigures(tool, request.environment);
     request.workingFolder = toolFolder();
     request.streams = ToolProcess::Streams::Merged;
     logObjectWithString(launch.line->meant, u"doShellScript String: "_s);

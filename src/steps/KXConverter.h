@@ -130,6 +130,9 @@ public:
     virtual steps::Outcome outcome() const;
     /// What the step writes: its output, or the parts that are there of one that comes in parts.
     virtual QList<QUrl> outputFiles() const { return {outputFileURL()}; }
+    /// What its tool printed, and, of ffmpeg, the figures at the end of a verbose copy of that. For the
+    /// check.
+    QString whatToolsTold() const;
     /// Every run of its tools so far, as it was started.
     const QList<steps::Launch> &runs() const { return m_runs; }
     /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
@@ -207,6 +210,8 @@ private:
     void appendToLog(const QByteArray &bytes);
     QString makeWay();
     QString toolFolder() const;
+    void askForFigures(const QUrl &tool, QProcessEnvironment &environment) const;
+    QUrl figures() const;
     QString makeLog();
     void takeDuration(const QString &answer);
     steps::DurationLooks &durations();

@@ -102,7 +102,7 @@ private Q_SLOTS:
             u"-nostdin"_s, u"-y"_s, u"-i"_s,   minuteOf(u"mkv"_s), u"-map"_s,
             u"0"_s,        u"-c"_s, u"copy"_s, u"-bsf:a"_s,        u"noise=drop='between(n\\,500\\,584)'"_s,
             output};
-        const auto variable = media::figuresVariable(u"figures");
+        const auto variable = media::figuresVariable(u"figures"_s);
         QProcess ffmpeg;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(variable.first, variable.second);

@@ -77,6 +77,8 @@ JobFixture::JobFixture(Tools tools)
 {
     if (tools == Tools::Real)
         intervals.poll = 300;
+    else
+        checking = jobs::Checking::Nothing;
     const QString problem = preferences.initialize();
     if (!problem.isNull())
         qFatal("no preferences: %s", qPrintable(problem));
@@ -90,7 +92,7 @@ jobs::JobContext JobFixture::jobContext(steps::WhenTaken whenTaken)
 jobs::JobContext JobFixture::jobContext(steps::WhenTaken whenTaken, steps::StepLauncher &other)
 {
     return {preferences, notifications, alerts,    volumes,     workspace, other,
-            outputs,     scratchFolder, whenTaken, toolsAtOnce, intervals};
+            outputs,     scratchFolder, whenTaken, toolsAtOnce, intervals, checking};
 }
 
 steps::ConverterContext JobFixture::converterContext(steps::OutputGuard &guard)

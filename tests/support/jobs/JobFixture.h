@@ -104,7 +104,8 @@ struct JobFixture
     LaunchRecord launcher;
     steps::OutputRegistry outputs;
     steps::ScratchFolder scratchFolder;
-    int toolsAtOnce = 4; ///< of one job, on whatever machine
+    jobs::Checking checking = jobs::Checking::Outputs; ///< not with fake tools, whose files are no films
+    int toolsAtOnce = 4;                               ///< of one job, on whatever machine
     /// Short ones; a poll asks a shell, so real tools are asked less often.
     jobs::Intervals intervals{20, 20, 5, 20};
 };

@@ -114,7 +114,7 @@ private Q_SLOTS:
             const auto job =
                 maker({context.preferences, context.notifications, context.alerts, context.volumes,
                        context.workspace, context.launcher, outputs, context.scratch, context.whenTaken,
-                       context.toolsAtOnce, context.intervals});
+                       context.toolsAtOnce, context.intervals, context.checking});
             job->initJobWithSelectionAndPreferences(selectionFor(fixture), fixture.base.preferences);
             return job;
         };
