@@ -56,7 +56,7 @@ private Q_SLOTS:
         const auto job = m_fault->runs.add(operation, source);
         m_fault->runWithAnother();
         compareVerdict(*job, Verdict::Warnings, u"mkvmerge warned: Warning:"_s);
-        QVERIFY2(job->outcome().sentence.contains(u"Error in the Matroska file structure"_s),
+        QVERIFY2(job->outcome().sentence.contains(u"The source is damaged from 0:02 to 0:04."_s),
                  qPrintable(job->outcome().sentence));
         QCOMPARE(job->outputs().constFirst().toLocalFile(), m_fault->output(operation));
         QVERIFY(secondsOf(m_fault->output(operation)) > 1);
@@ -113,10 +113,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("clip");
         QTest::addColumn<Verdict>("verdict");
         QTest::addColumn<QString>("words");
-        QTest::newRow("damaged") << brokenClusterMkv() << Verdict::Warnings << u"Matroska file structure"_s;
-        QTest::newRow("empty") << emptyMkv() << Verdict::Failed << u"could not be recognized"_s;
-        QTest::newRow("no film") << srtFile() << Verdict::Failed << u"Error:"_s;
-        QTest::newRow("gone") << QString() << Verdict::Failed << u"could not be opened"_s;
+        QTest::newRow("damaged") << brokenClusterMkv() << Verdict::Warnings
+                                 << u"The source is damaged from 0:02 to 0:04."_s;
+        QTest::newRow("empty") << emptyMkv() << Verdict::Failed << u"second.mkv can't be read as a film"_s;
+        QTest::newRow("no film") << srtFile() << Verdict::Failed << u"second.mkv can't be joined to a.mkv"_s;
+        QTest::newRow("gone") << QString() << Verdict::Failed << u"second.mkv is no file that can be read"_s;
     }
 
     void theSecondFileOfAJoin()
