@@ -21,6 +21,7 @@ struct Shape
 const QList<Shape> probing{
     {u"-i"_s, u"FILM"_s},
     {u"-show_streams"_s, {}},
+    {u"-show_data_hash"_s, u"md5"_s},
     {u"-print_format"_s, u"json"_s},
 };
 

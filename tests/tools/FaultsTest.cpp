@@ -124,7 +124,7 @@ private:
 
     static void compareReason(const KXJob &job)
     {
-        const QString words = isMounted() ? u"no space left"_s : u"ffmpeg failed"_s;
+        const QString words = isMounted() ? u"There is no room left in "_s : u"ffmpeg failed"_s;
         QVERIFY2(job.outcome().sentence.contains(words), qPrintable(job.outcome().sentence));
     }
 

@@ -17,9 +17,9 @@ namespace engines {
 
 namespace {
 
-QString problemOf(const QUrl &file, const QString &why)
+QString problemOf(const QString &name, const QString &why)
 {
-    return u"%1 %2, so nothing was started."_s.arg(file.fileName(), why);
+    return u"%1 %2, so nothing was started."_s.arg(name, why);
 }
 
 } // namespace
@@ -64,7 +64,7 @@ void JoinLook::startMore()
         const qsizetype position = m_next++;
         const QUrl file = m_files.at(position).url;
         if (!media::isRegularFile(file))
-            m_files[position].problem = problemOf(file, u"is no file that can be read"_s);
+            m_files[position].problem = problemOf(file.toLocalFile(), u"is no file that can be read"_s);
         else if (!media::namesOtherFiles(file))
             start(position);
     }
@@ -132,9 +132,9 @@ void JoinLook::finish(qsizetype position, bool inTime)
     const QUrl url = m_files.at(position).url;
     m_files[position] = joinFileOf(url, {QString::fromUtf8(look.json), QString::fromUtf8(look.words)});
     if (!inTime)
-        m_files[position].problem = problemOf(url, u"did not answer in time"_s);
+        m_files[position].problem = problemOf(url.fileName(), u"did not answer in time"_s);
     else if (look.task->exitStatus() != 0)
-        m_files[position].problem = problemOf(url, u"can't be read as a film"_s);
+        m_files[position].problem = problemOf(url.fileName(), u"can't be read as a film"_s);
     startMore();
 }
 
