@@ -72,6 +72,16 @@ void JobReceipt::takeStreams(const QUrl &source, const media::SourceStreams &str
     m_streams.insert(source, streams);
 }
 
+void JobReceipt::takeMeasured(const QList<MeantOutput> &outputs)
+{
+    for (const MeantOutput &measured : outputs) {
+        for (MeantOutput &output : m_outputs) {
+            if (output.output == measured.output)
+                output = measured;
+        }
+    }
+}
+
 void JobReceipt::rename(const QUrl &from, const QUrl &to)
 {
     const auto renamed = [&](const QUrl &name) { return name == from ? to : name; };
