@@ -72,11 +72,13 @@ void JobReceipt::takeStreams(const QUrl &source, const media::SourceStreams &str
     m_streams.insert(source, streams);
 }
 
-void JobReceipt::replace(const MeantOutput &measured)
+void JobReceipt::takeMeasured(const QList<MeantOutput> &outputs)
 {
-    for (MeantOutput &output : m_outputs) {
-        if (output.output == measured.output)
-            output = measured;
+    for (const MeantOutput &measured : outputs) {
+        for (MeantOutput &output : m_outputs) {
+            if (output.output == measured.output)
+                output = measured;
+        }
     }
 }
 

@@ -22,8 +22,8 @@ public:
     void addWanted(const KXConverter &converter);
     /// What a source holds, however its tracks were chosen.
     void takeStreams(const QUrl &source, const media::SourceStreams &streams);
-    /// An output with what was measured of its tracks.
-    void replace(const media::MeantOutput &measured);
+    /// Outputs that were looked at, with what was measured, in the place of those of the same names.
+    void takeMeasured(const QList<media::MeantOutput> &outputs);
     /// An output got another name than it was meant to have.
     void rename(const QUrl &from, const QUrl &to);
     /// The outputs that got their names; what the others were to hold is told as left out.

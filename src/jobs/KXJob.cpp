@@ -558,8 +558,7 @@ void KXJob::showSlowEnd()
 /// What was measured goes into the receipt, what was found into the outcome.
 void KXJob::takeResults()
 {
-    for (const media::MeantOutput &output : m_results.measured())
-        m_receipt.replace(output);
+    m_receipt.takeMeasured(m_results.measured());
     if (m_results.found().verdict == steps::Verdict::Unknown)
         return;
     addOutcome(m_results.found());

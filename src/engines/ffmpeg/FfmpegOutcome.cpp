@@ -2,7 +2,6 @@
 
 #include "steps/FailureCause.h"
 #include "steps/ToolLog.h"
-#include "tools/KXHelpers.h"
 #include "tools/Numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -12,9 +11,6 @@ namespace engines {
 
 namespace {
 
-constexpr qint64 toleratedSeconds = 2;
-constexpr qint64 toleratedPercent = 90;
-
 steps::ToolLog saidIn(const FfmpegRun &run)
 {
     QString log = run.log;
@@ -23,14 +19,6 @@ steps::ToolLog saidIn(const FfmpegRun &run)
             log.replace(file, u"the file"_s);
     }
     return steps::ToolLog(log);
-}
-
-bool isShort(const FfmpegRun &run)
-{
-    const qint64 duration = tools::leadingInteger(run.durationInSeconds);
-    const qint64 done = KXHelpers::convertToTimeInSecondsFrom(run.lastTime);
-    return run.hasVideo && !run.lastTime.isEmpty() && duration - done > toleratedSeconds &&
-           tools::percentOf(done, duration) < toleratedPercent;
 }
 
 /// The last status line counts the pictures that were written. Of a damaged AVI that can be none without a
@@ -67,14 +55,9 @@ Outcome outcomeOfMessages(const FfmpegRun &run)
          u"exceeds containing master element"_s, u"Invalid data found when processing input"_s});
     if (!damage.isNull())
         outcome = outcome.joinedWith(Outcome::warnings(damageSentence(damage)));
-    if (lacksPictures(run, log)) {
+    if (lacksPictures(run, log))
         outcome =
             outcome.joinedWith(Outcome::warnings(u"There is nothing in the video track of the output."_s));
-    } else if (isShort(run)) {
-        const auto sentence = u"The output ends at %1 s, the source is %2 s long."_s;
-        const QString done = QString::number(KXHelpers::convertToTimeInSecondsFrom(run.lastTime));
-        outcome = outcome.joinedWith(Outcome::warnings(sentence.arg(done, run.durationInSeconds)));
-    }
     return outcome;
 }
 

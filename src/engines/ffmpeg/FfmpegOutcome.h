@@ -14,8 +14,6 @@ struct FfmpegRun
     QString log;
     QStringList files; ///< paths that stand in the log; what their names say never counts
     QUrl output;
-    QString lastTime;          ///< last progress time, H:M:S
-    QString durationInSeconds; ///< of the input; "0" or assumed: absent
     bool hasVideo = false;
 };
 

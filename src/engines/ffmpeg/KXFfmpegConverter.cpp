@@ -152,7 +152,6 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
 {
     beginSecondPass();
     m_progress.clear();
-    m_lastTime.clear();
     const auto task =
         runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
     m_secondPassRuns = task != nullptr;
@@ -170,7 +169,6 @@ tools::ToolProcessPointer KXFfmpegConverter::startTimeStampRetry()
     m_isShellLine = false;
     m_startsSecondPass = false;
     m_progress.clear();
-    m_lastTime.clear();
     return runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray1(), ShouldWait::No);
 }
 
@@ -289,8 +287,6 @@ void KXFfmpegConverter::handleNewTaskResult(const steps::ReadEvent &event)
         return;
     const steps::FfmpegReading reading = m_progress.feed(event.data);
     takeProgress(reading);
-    if (!reading.time.isNull())
-        m_lastTime = reading.time;
     if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
         post(engines::updates::conversion, u"Initializing Fontconfig"_s);
         return;
@@ -397,8 +393,6 @@ steps::Outcome KXFfmpegConverter::outcome() const
     run.output = outputFileURL();
     run.log = toldLog();
     run.files = namesInLog();
-    run.lastTime = m_lastTime;
-    run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
     run.hasVideo = converterSelection() && hasVideo(*converterSelection()) && doShell_ID().isEmpty();
     steps::Outcome ended = outcomeOfTool();
     // The mark counts words anywhere in the log, also in names and titles, so it is looked at again.

@@ -78,7 +78,6 @@ private:
     /// What the lists of a whole-file conversion were made from; absent for a single track.
     std::optional<engines::ConversionRequest> m_request;
     steps::FfmpegProgressReader m_progress;
-    QString m_lastTime; ///< of the run, also while the fonts are being prepared
     QStringList m_warnings;
     /// A retry of a two-pass run: pass 1 runs again although currentPass() stays 2.
     bool m_repeatsFirstPass = false;

@@ -243,8 +243,6 @@ steps::Outcome KXTrackDumper::outcomeBeside(const steps::Outcome &ended, const K
     run.output = outputFileURL();
     run.log = toldLog();
     run.files = {inputFileURL().toLocalFile(), outputFileURL().toLocalFile()};
-    run.lastTime = oldProgress();
-    run.durationInSeconds = durationIsAssumed() ? QString() : durationInSeconds();
     run.hasVideo = source.trackType() == u"Video"_s && doShell_ID().isEmpty();
     const steps::Outcome said = engines::outcomeOfMessages(run);
     return ended.verdict == steps::Verdict::Ok || said.verdict == steps::Verdict::Failed ? said : ended;

@@ -340,9 +340,6 @@ steps::Outcome KXVideoJoiner::outcomeOfConcat(const steps::Outcome &ended) const
     for (const QUrl &file : converterSelection()->editFilesURLsList())
         run.files.append(file.toLocalFile());
     run.files.append(outputFileURL().toLocalFile());
-    run.lastTime = oldProgress();
-    run.durationInSeconds =
-        m_wholeSeconds > 0 && !m_lengthIsAssumed ? QString::number(m_wholeSeconds) : QString();
     run.hasVideo = true;
     steps::Outcome said = engines::outcomeOfMessages(run);
     if (said.verdict == steps::Verdict::Failed)

@@ -13,8 +13,6 @@ FfmpegRun whole(const QString &log)
 {
     FfmpegRun run;
     run.log = log;
-    run.lastTime = u"00:02:00.00"_s;
-    run.durationInSeconds = u"120"_s;
     run.hasVideo = true;
     return run;
 }
@@ -155,57 +153,6 @@ private Q_SLOTS:
         QVERIFY(hasWriteError(whole(usual + u"\nav_interleaved_write_frame(): Invalid argument\n"_s)));
         QVERIFY(!hasWriteError(
             whole(usual + u"\n    title : av_interleaved_write_frame(): Invalid argument\n"_s)));
-    }
-
-    void aShortResultIsAWarning_data()
-    {
-        QTest::addColumn<QString>("done");
-        QTest::addColumn<QString>("duration");
-        QTest::addColumn<bool>("hasVideo");
-        QTest::addColumn<bool>("isShort");
-        const auto row = [](const char *name, const char *done, const char *duration, bool video,
-                            bool isShort) {
-            QTest::newRow(name) << QString::fromLatin1(done) << QString::fromLatin1(duration) << video
-                                << isShort;
-        };
-        row("just under nine tenths", "00:01:47.99", "120", true, true);
-        row("nine tenths", "00:01:48.00", "120", true, false);
-        row("longer than the source", "00:03:00.00", "120", true, false);
-        row("two seconds of a short clip", "00:00:02.00", "4", true, false);
-        row("three seconds of a short clip", "00:00:01.00", "4", true, true);
-        row("no video", "00:00:10.00", "120", false, false);
-        row("no time at all", "", "120", true, false);
-        row("duration not known", "00:00:10.00", "0", true, false);
-        row("duration absent", "00:00:10.00", "", true, false);
-    }
-
-    void aShortResultIsAWarning()
-    {
-        QFETCH(QString, done);
-        QFETCH(QString, duration);
-        QFETCH(bool, hasVideo);
-        QFETCH(bool, isShort);
-        FfmpegRun run = whole(usual);
-        run.lastTime = done;
-        run.durationInSeconds = duration;
-        run.hasVideo = hasVideo;
-        QCOMPARE(outcomeOfMessages(run).verdict, isShort ? Verdict::Warnings : Verdict::Ok);
-    }
-
-    void aShortResultNamesBothLengths()
-    {
-        FfmpegRun run = whole(usual);
-        run.lastTime = u"00:00:10.00"_s;
-        QCOMPARE(outcomeOfMessages(run).sentence, u"The output ends at 10 s, the source is 120 s long."_s);
-    }
-
-    void bothWarningsAreTold()
-    {
-        FfmpegRun run = whole(usual + u"\n[matroska,webm @ 0x1] File ended prematurely\n"_s);
-        run.lastTime = u"00:00:10.00"_s;
-        const auto outcome = outcomeOfMessages(run);
-        QVERIFY(outcome.sentence.contains(u"ends early"_s));
-        QVERIFY(outcome.sentence.contains(u"120 s long"_s));
     }
 
     void missingTimestampsAreFound()
