@@ -178,7 +178,8 @@ private:
             if (!m_expected.at(i).isTimed() || !start || pairs.at(i) < 0)
                 continue;
             const auto there = m_film.streams.at(pairs.at(i)).startOfCopy();
-            if (m_expected.at(i).kind == u"video"_s && m_expected.at(i).isCopied && there) {
+            if (m_expected.at(i).kind == u"video"_s && m_expected.at(i).isCopied && there &&
+                saysWhenShown(*source, *from)) {
                 m_shift = *there - *start;
                 return;
             }
@@ -546,7 +547,28 @@ private:
     std::optional<double> m_shift;
 };
 
+MeantOutput completedBy(const MeantOutput &output, const Films &films)
+{
+    QHash<QUrl, SourceStreams> streams;
+    for (const QUrl &source : output.sources) {
+        const auto film = films.constFind(source);
+        if (film != films.constEnd() && film->isOpen)
+            streams.insert(source, sourceStreamsOf(*film));
+    }
+    return completed(output, streams);
+}
+
 } // namespace
+
+SourceStreams sourceStreamsOf(const FilmFacts &film)
+{
+    static const QStringList known{u"video"_s, u"audio"_s, u"subtitle"_s, u"cover"_s, u"attachment"_s};
+    SourceStreams streams;
+    for (const StreamFacts &one : film.streams)
+        streams.append({one.index, known.contains(one.kind) ? one.kind : u"data"_s,
+                        one.codec.isEmpty() ? QString() : one.codec});
+    return withChapters(streams, film.chapters > 0);
+}
 
 QString clockTime(double seconds)
 {
@@ -563,7 +585,7 @@ QList<CheckedOutput> checkedOutputs(const QList<MeantOutput> &outputs, const Fil
     const RunFigures common = outputs.size() == 1 ? figures : RunFigures{{}, {}, figures.damage};
     QList<CheckedOutput> checked;
     for (const MeantOutput &output : outputs)
-        checked.append(OneCheck(output, films, common).run());
+        checked.append(OneCheck(completedBy(output, films), films, common).run());
     checkPartsTogether(checked, films);
     return checked;
 }

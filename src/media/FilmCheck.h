@@ -2,6 +2,7 @@
 
 #include "media/FilmRead.h"
 #include "media/RunFigures.h"
+#include "media/SourceStreams.h"
 #include "media/TrackFate.h"
 
 #include <QHash>
@@ -25,9 +26,13 @@ using Films = QHash<QUrl, FilmFacts>;
 
 /// Holds the finished outputs of a step against what they were meant to be. The facts are those of all their
 /// sources, by location, and of their files; a source that is not among them can't be held against anything,
-/// which is told. The parts of a whole are to be handed over together, in their order.
+/// which is told. Outputs are completed by what their sources hold. The parts of a whole are to be handed
+/// over together, in their order.
 QList<CheckedOutput> checkedOutputs(const QList<MeantOutput> &outputs, const Films &films,
                                     const RunFigures &figures);
+
+/// What a film holds, to complete what is meant of it.
+SourceStreams sourceStreamsOf(const FilmFacts &film);
 
 /// What is to be known of a source, for these outputs.
 FilmWish wishForSource(const QUrl &source, const QList<MeantOutput> &outputs);

@@ -126,10 +126,18 @@ bool isOff(const Found &found)
 
 } // namespace
 
+bool saysWhenShown(const FilmFacts &film, const StreamFacts &stream)
+{
+    return std::all_of(film.packets.begin(), film.packets.end(), [&](const FilmPacket &one) {
+        return one.stream != stream.index || one.shown.has_value();
+    });
+}
+
 Sampled sampledTimes(const FilmFacts &source, const StreamFacts &from, const FilmFacts &output,
                      const StreamFacts &to, double shift)
 {
-    if (!canBeSampled(source, from) || !canBeSampled(output, to))
+    if (!canBeSampled(source, from) || !canBeSampled(output, to) || !saysWhenShown(source, from) ||
+        !saysWhenShown(output, to))
         return Sampled::NotKnown;
     const bool withSize = keepsSizes(source, from) && keepsSizes(output, to);
     const QList<FilmPacket> before = packetsOf(source, from);

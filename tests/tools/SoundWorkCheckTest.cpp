@@ -147,6 +147,11 @@ QList<Work> oddFilms()
     all += waysOf(u"no length"_s, u"a.mkv"_s, u"ffmpeg -i $m -c copy -live 1 -f matroska $0"_s, u"k4er"_s);
     all += waysOf(u"fragments"_s, u"a.mp4"_s, u"ffmpeg -i $m -c copy -movflags frag_keyframe+empty_moov $0"_s,
                   u"k4er"_s);
+    const QString packed = u"ffmpeg -i $m -map 0 -c:v mpeg4 -bf 2 -vtag xvid -c:a libmp3lame $0"_s;
+    const QString generated = u"ffmpeg -fflags +genpts -i $0 -map 0 -c copy $1"_s;
+    all.append({u"B-frames in avi to mkv"_s, u"a.avi"_s, packed, generated, u"out.mkv"_s, {}, {}, {}, {}});
+    all.append({u"B-frames in avi to mp4"_s, u"a.avi"_s, packed, generated, u"out.mp4"_s, {}, {}, {}, {}});
+    all += waysOf(u"B-frames in avi"_s, u"a.avi"_s, packed, u"er"_s);
     return all;
 }
 

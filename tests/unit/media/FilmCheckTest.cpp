@@ -200,6 +200,16 @@ private Q_SLOTS:
             },
             u"ok"_s);
         row(
+            "pictures that don't say when they are shown",
+            [](Case &c) {
+                c.output.packets = sampledPackets(0.05, -0.05); // the pictures moved
+                for (FilmPacket &packet : c.source.packets) {
+                    if (packet.stream == 0 && packet.bytes % 3 == 0)
+                        packet.shown.reset();
+                }
+            },
+            u"ok"_s);
+        row(
             "every second packet of a window",
             [](Case &c) {
                 c.output.packets.removeIf(
@@ -391,6 +401,25 @@ private Q_SLOTS:
         QCOMPARE(result.output.tracks.at(1).outputIndex, 0);
         QCOMPARE(result.output.tracks.at(2).proof, Proof::Lengths);
         QCOMPARE(result.seconds, std::optional(60.0));
+    }
+
+    /// A step that takes a film as it is names no track.
+    void whatIsMeantIsCompletedByTheSource()
+    {
+        Case one;
+        one.meant.tracks.clear();
+        for (const QString &kind : {u"video"_s, u"audio"_s, u"subtitle"_s}) {
+            TrackFate pattern;
+            pattern.kind = kind;
+            pattern.became = kind == u"subtitle"_s ? Became::LeftOut : Became::Copied;
+            one.meant.rest.append(pattern);
+        }
+        QCOMPARE(told(one.result()), u"failed: out.mkv holds 1 subtitle track instead of 0."_s);
+        one.output.streams.removeAt(2);
+        const CheckedOutput result = one.result();
+        QCOMPARE(told(result), u"ok"_s);
+        QCOMPARE(result.output.tracks.size(), 3);
+        QCOMPARE(result.output.tracks.at(1).proof, Proof::Lengths);
     }
 
     /// The container may have its own order; codecs tell the tracks apart.
