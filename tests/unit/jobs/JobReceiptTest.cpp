@@ -131,6 +131,24 @@ private Q_SLOTS:
         QCOMPARE(job.job->receipt().tracks.constFirst().output, QUrl());
     }
 
+    void whatWasMeasuredTakesThePlaceOfWhatWasMeant()
+    {
+        Job job;
+        jobs::JobReceipt receipt;
+        const auto step = job.step(u"one.aac"_s, 1, 3);
+        receipt.add(*step, Verdict::Ok);
+        receipt.add(*job.step(u"two.aac"_s, 2, 3), Verdict::Ok);
+        MeantOutput measured = step->meant.constFirst();
+        measured.tracks.first().outputSeconds = 8;
+        measured.tracks.first().proof = media::Proof::Lengths;
+        receipt.replace(measured);
+        const auto tracks = receipt.receipt().tracks;
+        QCOMPARE(tracks.size(), 3);
+        QCOMPARE(tracks.at(0).outputSeconds, std::optional(8.0));
+        QVERIFY(tracks.at(0).proof == media::Proof::Lengths);
+        QVERIFY(tracks.at(1).proof == media::Proof::NotProven);
+    }
+
     void anOutputMayGetAnotherName()
     {
         Job job;
