@@ -558,6 +558,10 @@ void KXJob::showSlowEnd()
 /// What was measured goes into the receipt, what was found into the outcome.
 void KXJob::takeResults()
 {
+    for (auto film = m_results.films().begin(); film != m_results.films().end(); ++film) {
+        if (film->isOpen)
+            m_receipt.takeStreams(film.key(), media::sourceStreamsOf(film.value()));
+    }
     m_receipt.takeMeasured(m_results.measured());
     if (m_results.found().verdict == steps::Verdict::Unknown)
         return;

@@ -12,7 +12,7 @@ using tools::OptionList;
 
 namespace {
 
-const QUrl muxOutput = QUrl::fromLocalFile(u"/v/out.mkv"_s);
+const QUrl muxedFile = QUrl::fromLocalFile(u"/v/out.mkv"_s);
 const QUrl muxLog = QUrl::fromLocalFile(u"/v/out.log"_s);
 
 /// A track as it is right before a mux.
@@ -54,7 +54,7 @@ private Q_SLOTS:
         const TrackPointer added = muxedTrack(
             support::external(support::subtitleTrack(u"0"_s, u"srt"_s), u"/v/s.srt"_s), u"0"_s, u"a b"_s);
         QCOMPARE(
-            support::itemsOf(engines::muxShellItems({video, audio, added}, muxOutput, muxLog)),
+            support::itemsOf(engines::muxShellItems({video, audio, added}, muxedFile, muxLog)),
             u"-o|/v/out.mkv|--language 0:eng|--track-name 0:''|--default-track 0:1|--forced-track 0:0|"
             "--compression 0:none|--language 1:deu|--track-name 1:'it\\'s'|--default-track 1:0|"
             "--forced-track 1:1|--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'|--language 0:eng|"
@@ -70,7 +70,7 @@ private Q_SLOTS:
         const TrackPointer one = muxedTrack(support::audioTrack(u"1"_s, u"aac"_s, u"2"_s, {}), u"1"_s);
         const TrackPointer two = muxedTrack(support::audioTrack(u"2"_s, u"aac"_s, u"2"_s, {}), u"2"_s);
         const QString list =
-            support::itemsOf(engines::muxShellItems({sub, added, one, two}, muxOutput, muxLog));
+            support::itemsOf(engines::muxShellItems({sub, added, one, two}, muxedFile, muxLog));
         QVERIFY2(list.contains(u"|-D|-a 1,2|-s 3|'/v/a.mkv'|"_s), qPrintable(list));
         QVERIFY2(list.contains(u"|-D|-a 0|-S|'/v/b.ac3'|&>"_s), qPrintable(list));
         QVERIFY(list.indexOf(u"'/v/a.mkv'"_s) < list.indexOf(u"'/v/b.ac3'"_s));
@@ -89,7 +89,7 @@ private Q_SLOTS:
         QFETCH(QString, id);
         const TrackPointer video = muxedTrack(support::videoTrack(), u"0"_s);
         const TrackPointer audio = muxedTrack(support::audioTrack(u"1"_s, u"ac3"_s, u"6"_s, {}), id);
-        const QString list = support::itemsOf(engines::muxShellItems({video, audio}, muxOutput, muxLog));
+        const QString list = support::itemsOf(engines::muxShellItems({video, audio}, muxedFile, muxLog));
         QVERIFY2(list.contains(u"|-d 0|-A|-S|'/v/a.mkv'|"_s), qPrintable(list));
         QCOMPARE(list.count(u"--language"_s), 1);
     }
@@ -98,7 +98,7 @@ private Q_SLOTS:
     {
         const TrackPointer odd = muxedTrack(support::videoTrack(), u"4"_s);
         odd->setMuxingTrackType(u"Button"_s);
-        const QString list = support::itemsOf(engines::muxShellItems({odd}, muxOutput, muxLog));
+        const QString list = support::itemsOf(engines::muxShellItems({odd}, muxedFile, muxLog));
         QVERIFY2(list.contains(u"--compression 4:none|-D|-A|-S|'/v/a.mkv'"_s), qPrintable(list));
     }
 
@@ -106,9 +106,9 @@ private Q_SLOTS:
     {
         const QList<QUrl> files{QUrl::fromLocalFile(u"/v/1.mkv"_s), QUrl::fromLocalFile(u"/v/2 b.mkv"_s),
                                 QUrl::fromLocalFile(u"/v/3.mkv"_s)};
-        QCOMPARE(support::itemsOf(engines::joinArguments(files, muxOutput)),
+        QCOMPARE(support::itemsOf(engines::joinArguments(files, muxedFile)),
                  u"-o|/v/out.mkv|/v/1.mkv|+|/v/2 b.mkv|+|/v/3.mkv"_s);
-        QCOMPARE(support::itemsOf(engines::joinShellItems(files, muxOutput, muxLog)),
+        QCOMPARE(support::itemsOf(engines::joinShellItems(files, muxedFile, muxLog)),
                  u"-o|/v/out.mkv|/v/1.mkv|+'/v/2 b.mkv'|+'/v/3.mkv'|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -130,9 +130,9 @@ private Q_SLOTS:
         QFETCH(QString, item);
         const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
         QCOMPARE(engines::splitWord(*splitSelection(type)), word);
-        QCOMPARE(support::itemsOf(engines::splitArguments(word, input, muxOutput)),
+        QCOMPARE(support::itemsOf(engines::splitArguments(word, input, muxedFile)),
                  u"-o|/v/out.mkv|--split|"_s + word + u"|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(support::itemsOf(engines::splitShellItems(*splitSelection(type), input, muxOutput, muxLog)),
+        QCOMPARE(support::itemsOf(engines::splitShellItems(*splitSelection(type), input, muxedFile, muxLog)),
                  u"-o|/v/out.mkv|"_s + item + u"|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -154,9 +154,9 @@ private Q_SLOTS:
     void remuxes()
     {
         const QUrl input = QUrl::fromLocalFile(u"/v/a.mkv"_s);
-        QCOMPARE(support::itemsOf(engines::remuxArguments(input, muxOutput)),
+        QCOMPARE(support::itemsOf(engines::remuxArguments(input, muxedFile)),
                  u"-o|/v/out.mkv|--compression|-1:none|/v/a.mkv"_s);
-        QCOMPARE(support::itemsOf(engines::remuxShellItems(input, muxOutput, muxLog)),
+        QCOMPARE(support::itemsOf(engines::remuxShellItems(input, muxedFile, muxLog)),
                  u"-o|/v/out.mkv|--compression -1:none|/v/a.mkv|&>|/v/out.log|& echo $!"_s);
     }
 
@@ -172,13 +172,13 @@ private Q_SLOTS:
         const engines::TrackNumbers numbers = engines::trackNumbersIn(json, {video, audio});
         QCOMPARE(numbers, engines::TrackNumbers({{2, 1}}));
         const QString list =
-            support::itemsOf(engines::muxShellItems(tracks, muxOutput, muxLog, {{u"/v/a.mkv"_s, numbers}}));
+            support::itemsOf(engines::muxShellItems(tracks, muxedFile, muxLog, {{u"/v/a.mkv"_s, numbers}}));
         QVERIFY2(list.contains(u"--language 1:eng|--track-name 1:''|--default-track 1:0|--forced-track 1:0|"
                                "--compression 1:none|-d 0|-a 1|-S|'/v/a.mkv'"_s),
                  qPrintable(list));
         QVERIFY2(list.contains(u"--language 2:eng"_s) && list.contains(u"-D|-a 2|-S|'/v/b.ac3'"_s),
                  qPrintable(list));
-        QVERIFY(support::itemsOf(engines::muxShellItems(tracks, muxOutput, muxLog))
+        QVERIFY(support::itemsOf(engines::muxShellItems(tracks, muxedFile, muxLog))
                     .contains(u"-d 0|-a 2|-S|'/v/a.mkv'"_s));
     }
 
