@@ -48,4 +48,15 @@ QStringList Scratch::shownNames() const
     return shown;
 }
 
+QStringList filesAtWork(const QString &folder, const QString &pattern)
+{
+    QStringList files;
+    for (const QString &work : QDir(folder).entryList({u".tessaray-??????"_s}, QDir::Dirs | QDir::Hidden)) {
+        const QDir inside(folder + u'/' + work);
+        for (const QString &name : inside.entryList({pattern}, QDir::Files))
+            files.append(inside.filePath(name));
+    }
+    return files;
+}
+
 } // namespace support

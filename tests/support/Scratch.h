@@ -23,4 +23,7 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// What jobs are writing in a folder for results, by a pattern of its plain name ("*.m4v").
+QStringList filesAtWork(const QString &folder, const QString &pattern);
+
 } // namespace support

@@ -80,12 +80,12 @@ private Q_SLOTS:
         };
         const QString twoPasses = u"convert long.mkv --video 2pass --video-bitrate 300"_s;
         row("pass 1", twoPasses, {}, u"/dev/null"_s, u"Pass #1"_s);
-        row("pass 2", twoPasses, {}, u"long.m4v"_s, u"Pass #2"_s);
-        row("one pass", u"convert long.mkv --video 1pass"_s, {}, u"long.m4v"_s, u"%\""_s);
-        row("a copy", u"convert long.mkv"_s, u"ffmpeg"_s, u"long.m4v"_s, u"%\""_s);
-        row("an extraction", u"extract long.mkv"_s, u"ffmpeg"_s, u"stream1.aac"_s, u"%\""_s);
+        row("pass 2", twoPasses, {}, u"long.mkv"_s, u"Pass #2"_s);
+        row("one pass", u"convert long.mkv --video 1pass"_s, {}, u"long.mkv"_s, u"%\""_s);
+        row("a copy", u"convert long.mkv"_s, u"ffmpeg"_s, u"long.mkv"_s, u"%\""_s);
+        row("an extraction", u"extract long.mkv"_s, u"ffmpeg"_s, u".aac"_s, u"%\""_s);
         row("an extraction in the background", u"convert full.mkv --video 1pass --subtitles burn"_s,
-            u"ffmpeg"_s, u"stream3.srt"_s, u"started"_s);
+            u"ffmpeg"_s, u".srt"_s, u"started"_s);
         row("burning", u"convert full.mkv --video 2pass --video-bitrate 300 --subtitles burn --tracks 0,3"_s,
             u"ffmpeg"_s, u"/dev/null"_s, u"started"_s);
         row("a probe", u"probe full.mkv long.mkv"_s, u"ffprobe"_s, u"sleep 120"_s, {});
@@ -125,7 +125,7 @@ private Q_SLOTS:
     {
         m_cli->clip(support::longMkv(120), u"long.mkv"_s);
         start(words(u"convert long.mkv --video 1pass"_s));
-        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        QVERIFY(isBusyWith(u"long.mkv"_s, u"%\""_s));
         QVERIFY(toolsAfter(SIGINT).isEmpty());
         const auto run = end();
         CliFixture::Run whole;
@@ -150,7 +150,7 @@ private Q_SLOTS:
         for (const auto &name : {u"a.mkv"_s, u"b.mkv"_s, u"c.mkv"_s})
             m_cli->clip(support::longMkv(120), name);
         start(words(u"convert a.mkv b.mkv c.mkv --video 1pass"_s));
-        QVERIFY(isBusyWith(u"a.m4v"_s, u"%\""_s));
+        QVERIFY(isBusyWith(u"a.mkv"_s, u"%\""_s));
         QVERIFY(toolsAfter(signal).isEmpty());
         QCOMPARE(end().status, 128 + signal);
         QCOMPARE(eventsIn(m_output), QStringList({u"queued a.mkv"_s, u"queued b.mkv"_s, u"queued c.mkv"_s,
@@ -163,7 +163,7 @@ private Q_SLOTS:
         m_cli->clip(support::fullMkv(), u"a.mkv"_s);
         m_cli->clip(support::longMkv(120), u"b.mkv"_s);
         start(words(u"convert a.mkv b.mkv --video 1pass --no-keep-logs"_s));
-        QVERIFY(isBusyWith(u"b.m4v"_s, u"done"_s));
+        QVERIFY(isBusyWith(u"b.mkv"_s, u"done"_s));
         QVERIFY(toolsAfter(SIGINT).isEmpty());
         QCOMPARE(end().status, 130);
         QCOMPARE(m_cli->mediaNames(), QStringList({u"a.m4v"_s, u"a.mkv"_s, u"b.mkv"_s}));
@@ -209,7 +209,7 @@ private Q_SLOTS:
     {
         m_cli->clip(support::longMkv(120), u"long.mkv"_s);
         start(words(u"convert long.mkv --video 1pass"_s));
-        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        QVERIFY(isBusyWith(u"long.mkv"_s, u"%\""_s));
         int tools = 0;
         for (const qint64 pid : m_cli->processes()) {
             if (pid == m_process->processId())
@@ -226,7 +226,7 @@ private Q_SLOTS:
     {
         m_cli->clip(support::longMkv(120), u"long.mkv"_s);
         start(words(u"convert long.mkv --video 1pass"_s));
-        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        QVERIFY(isBusyWith(u"long.mkv"_s, u"%\""_s));
         QVERIFY(toolsAfter(SIGHUP).isEmpty());
         QCOMPARE(end().status, 143);
         QCOMPARE(m_cli->mediaNames(), QStringList({u"long.mkv"_s}));
@@ -238,7 +238,7 @@ private Q_SLOTS:
         const auto before = ::signal(SIGHUP, SIG_IGN); // what "nohup" hands on
         start(words(u"convert long.mkv --video 1pass"_s));
         ::signal(SIGHUP, before);
-        QVERIFY(isBusyWith(u"long.m4v"_s, u"%\""_s));
+        QVERIFY(isBusyWith(u"long.mkv"_s, u"%\""_s));
         ::kill(static_cast<pid_t>(m_process->processId()), SIGHUP);
         QTest::qWait(300);
         QCOMPARE(m_process->state(), QProcess::Running);

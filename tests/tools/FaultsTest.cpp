@@ -263,12 +263,13 @@ private Q_SLOTS:
         const QString source = m_runs->film(wideMkv());
         const auto job = m_runs->convert(m_runs->reencoded(source, u"General"_s, u"1"_s));
         job->startJob();
-        QVERIFY(waitFor([this] { return QFile::exists(m_runs->path(u"a.m4v"_s)); }));
+        QVERIFY(waitFor([this] { return !filesAtWork(m_runs->path(), u"*.m4v"_s).isEmpty(); }));
         const auto process = std::get<tools::ToolProcessPointer>(job->stepTaskList().first());
         QCOMPARE(::kill(static_cast<pid_t>(process->processIdentifier()), SIGKILL), 0);
         QVERIFY(m_runs->waitForEnd());
         compareFailed(*job, u"was ended from outside or crashed"_s);
-        const QFileInfo output(m_runs->path(u"a.m4v"_s));
+        const QFileInfo output(m_runs->path(u"a (incomplete).m4v"_s));
+        QVERIFY(!QFile::exists(m_runs->path(u"a.m4v"_s)));
         QCOMPARE(job->outcome().sentence.contains(u"incomplete output"_s), output.exists());
         QVERIFY(!output.exists() || output.size() > 0);
         QCOMPARE(contentOf(source), contentOf(wideMkv()));

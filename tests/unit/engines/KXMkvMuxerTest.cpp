@@ -101,7 +101,7 @@ private Q_SLOTS:
     {
         const auto asksForCover = [](const TrackList &others) {
             MuxerFixture fixture;
-            const TrackPointer cover = pictureAs();
+            const TrackPointer cover = titledPicture();
             cover->setIsCover(true);
             cover->setTrackMkvmergeID(u"5"_s);
             fixture.mux(others + TrackList{cover});
@@ -109,7 +109,7 @@ private Q_SLOTS:
                 qFatal("nothing was started");
             return fixture.calls().constFirst().contains(u"5:eng"_s);
         };
-        QVERIFY(!asksForCover({pictureAs()}));
+        QVERIFY(!asksForCover({titledPicture()}));
         QVERIFY(asksForCover({})); // else its file would not be read
     }
 

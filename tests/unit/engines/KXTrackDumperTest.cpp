@@ -363,13 +363,6 @@ private Q_SLOTS:
         QVERIFY2(outcome.sentence.contains(words), qPrintable(outcome.sentence));
     }
 
-    void aShortVideoIsAWarning()
-    {
-        DumperFixture fixture({u"err frame=9 Lsize=9kB time=00:00:10.00 bitrate"_s, u"write 10 last"_s});
-        fixture.dumper.startConversionForSelection(fixture.selection({videoTrack()}));
-        QVERIFY(fixture.waitForEnd());
-        QCOMPARE(fixture.dumper.outcome().verdict, steps::Verdict::Warnings);
-    }
 };
 
 TESSARAY_TEST(KXTrackDumperTest)
