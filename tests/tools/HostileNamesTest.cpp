@@ -54,6 +54,8 @@ private Q_SLOTS:
     void initTestCase();
     void namesAreManyAndBad();
     void aNameReadAsSyntaxWouldBeSeen();
+    void aCheckOfAnotherFormWouldBeSeen_data();
+    void aCheckOfAnotherFormWouldBeSeen();
     void probing();
     void converting();
     void extracting();
@@ -213,6 +215,60 @@ void HostileNamesTest::aNameReadAsSyntaxWouldBeSeen()
     int polls = 0;
     QCOMPARE(startedIn(lane, polls), Started({{"touch", "X"}}));
     QVERIFY(QFile::remove(lane.cli.media(u"X"_s)));
+}
+
+/// What is different from a conversion whose two films are checked, by words.
+void HostileNamesTest::aCheckOfAnotherFormWouldBeSeen_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<bool>("isMeant");
+    const auto row = [](const char *name, const QString &before, const QString &after, bool isMeant = false) {
+        QTest::newRow(name) << before << after << isMeant;
+    };
+    const QString none;
+    row("as meant", u"SOURCE"_s, u"SOURCE"_s, true);
+    row("packets alone", u"OUTPUT"_s, u"OUTPUT\nSTRETCH /f/a.mkv"_s, true);
+    row("a look twice", u"SOURCE"_s, u"SOURCE\nSOURCE"_s);
+    row("no look at the source", u"SOURCE"_s, none);
+    row("no look at the output", u"OUTPUT"_s, none);
+    row("another film", u"OUTPUT"_s, u"OUTPUT\nSTRETCH /f/b.mkv"_s);
+    row("a file that no tool wrote", u"OUTPUT"_s, u"OUTPUT\nSTRETCH /f/.tessaray-k3x9ab/2.mkv"_s);
+    row("a part that is none", u"OUTPUT"_s, u"OUTPUT\nSTRETCH /f/.tessaray-k3x9ab/1-001.mkv"_s);
+    row("an option more", u" -of json"_s, u" -report -of json"_s);
+    row("an option less", u" -show_chapters"_s, none);
+    row("another place", u"35.000%+#20000"_s, u"0%+9"_s);
+    row("a word behind the film", u"SOURCE"_s, u"SOURCE /f/a.mkv"_s);
+    row("another program", u"ffprobe"_s, u"ffplay"_s);
+    row("a work folder elsewhere", u"/f/.tess"_s, u"/g/.tess"_s);
+    row("no name of a work folder", u"-k3x9ab"_s, u"-K3"_s);
+    row("no plain name", u"/1.mkv"_s, u"/a.mkv"_s);
+    row("another extension", u"/1.mkv"_s, u"/1.m4v"_s);
+}
+
+void HostileNamesTest::aCheckOfAnotherFormWouldBeSeen()
+{
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(bool, isMeant);
+    const QString packets = u"-show_entries packet=stream_index,pts_time,dts_time,duration_time,size,flags"_s;
+    const QString survey = u"ffprobe -v error -show_format -show_streams -show_chapters -show_data_hash md5 "
+                           "-read_intervals PARTS PACKETS -of json -i "_s;
+    QString recorded = u"ffmpeg -i /f/a.mkv -y /f/.tessaray-k3x9ab/1.mkv\nSOURCE\nOUTPUT"_s;
+    recorded.replace(before, after); // of the words that stand for a run
+    recorded.replace(u"SOURCE"_s, QString(survey).replace(u"PARTS"_s, u"%+#60,4.000%5.500,35.000%+#20000"_s) +
+                                      u"/f/a.mkv"_s);
+    recorded.replace(u"OUTPUT"_s,
+                     QString(survey).replace(u"PARTS"_s, u"%+#20000"_s) + u"/f/.tessaray-k3x9ab/1.mkv"_s);
+    recorded.replace(u"STRETCH"_s, u"ffprobe -v error -read_intervals 0.000%15.000 PACKETS -of csv=p=0 -i"_s);
+    recorded.replace(u"PACKETS"_s, packets);
+    recorded.replace(before, after); // of their own words
+    Started runs;
+    for (const QString &line : recorded.split(u'\n', Qt::SkipEmptyParts))
+        runs.append(line.toUtf8().split(' '));
+    const QString found = difference(runs, ffmpeg({u"-i"_s, u"/f/a.mkv"_s, u"-y"_s, u"/f/out.mkv"_s}),
+                                     {u"/f/a.mkv"_s, u"/f/out.mkv"_s});
+    QVERIFY2(found.isNull() == isMeant, qPrintable(found));
 }
 
 void HostileNamesTest::probing()
