@@ -70,11 +70,24 @@ double beginOf(const FilmFacts &film)
     return film.earliestStart().value_or(film.start.value_or(0));
 }
 
-/// How long a film lasts as the next one of a sum is put behind it.
-std::optional<double> wholeLength(const FilmFacts &film)
+/// How long a film lasts as the next one of a sum is put behind it: to the end of its picture and sound where
+/// a tool drops its text, else to the end of all that it holds, or to where its header says that it ends.
+struct LengthInSum
+{
+    double least = 0;
+    double most = 0;
+};
+
+std::optional<LengthInSum> lengthInSum(const FilmFacts &film)
 {
     const auto end = film.lastEnd();
-    return end ? std::optional(*end - beginOf(film)) : std::nullopt;
+    if (!end)
+        return std::nullopt;
+    double last = std::max(*end, film.promise().value_or(*end));
+    for (const StreamFacts &one : film.streams)
+        last = std::max(last, one.lastEnd.value_or(last));
+    const double begin = beginOf(film);
+    return LengthInSum{*end - begin, last - begin};
 }
 
 /// What the packets of a sound in MP4 last more than it is heard.
@@ -183,8 +196,10 @@ private:
             lengthBefore(firstFate.source, occurrenceOf(m_output, expected.fates.constFirst()));
         if (!first.start || !last.end || !before || !ahead)
             return;
-        expected.start = *ahead + *first.start;
-        expected.seconds = *before + *last.end - *expected.start;
+        expected.start = ahead->least + *first.start;
+        expected.seconds = before->least + *last.end - *expected.start;
+        expected.mostLater = ahead->most - ahead->least;
+        expected.mostMore = before->most - before->least - expected.mostLater;
         addCounts(expected);
     }
 
@@ -201,17 +216,18 @@ private:
         expected.packets = packets;
     }
 
-    std::optional<double> lengthBefore(const QUrl &source, qsizetype occurrence) const
+    std::optional<LengthInSum> lengthBefore(const QUrl &source, qsizetype occurrence) const
     {
-        double seconds = 0;
+        LengthInSum sum;
         for (const QUrl &one : m_output.sources) {
             if (one == source && occurrence-- == 0)
-                return seconds;
+                return sum;
             const auto film = m_films.constFind(one);
-            const auto length = film == m_films.constEnd() ? std::nullopt : wholeLength(*film);
+            const auto length = film == m_films.constEnd() ? std::nullopt : lengthInSum(*film);
             if (!length)
                 return std::nullopt;
-            seconds += *length;
+            sum.least += length->least;
+            sum.most += length->most;
         }
         return std::nullopt;
     }

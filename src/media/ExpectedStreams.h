@@ -19,6 +19,8 @@ struct ExpectedStream
     bool isCopied = true;
     std::optional<double> start;
     std::optional<double> seconds;
+    double mostLater = 0; ///< how much later it may begin in a sum, see LengthInSum
+    double mostMore = 0;  ///< how much longer it may last in a sum
     double hidden =
         0; ///< what an edit list hides in front of a sound: some tools take it along, others don't
     std::optional<qint64> packets;

@@ -36,11 +36,21 @@ constexpr std::array damageWords = {
     "The last timestamp processed before the error",
 };
 
-/// Indented lines and those that name inputs and outputs repeat texts of the film.
+/// Only what a tool tells by itself counts: its command line, and lines about a file or a film, repeat names
+/// and titles, which may hold whatever they like.
 bool isOwnLine(const QString &line)
 {
-    return !line.startsWith(u' ') && !line.startsWith(u"Input #"_s) && !line.startsWith(u"Output #"_s) &&
-           !line.startsWith(u"Input file #"_s) && !line.startsWith(u"Output file #"_s);
+    static const QRegularExpression form(
+        u"^(?:\\[[^\\]]+ @ 0x[0-9a-f]+\\]|Error|Warning:|The last timestamp |This file contains "
+        "|[^ ].*: corrupt (?:decoded frame|input packet) in stream \\d)"_s);
+    return form.match(line).hasMatch();
+}
+
+/// A name stands in quotes, and may hold some.
+QString withoutNames(QString line)
+{
+    static const QRegularExpression quoted(u"['\"].*['\"]"_s);
+    return line.remove(quoted);
 }
 
 /// "  Input stream #0:1 (audio): 5626 packets read (960334 bytes); 5626 frames decoded; "
@@ -81,7 +91,7 @@ RunFigures runFiguresFrom(const QString &log)
         isBehindFilms = isBehindFilms || line.startsWith(u"Input file #"_s);
         if (isBehindFilms)
             takeFigures(figures, line);
-        if (figures.damage.isNull() && isOwnLine(line) && tellsOfDamage(line))
+        if (figures.damage.isNull() && isOwnLine(line) && tellsOfDamage(withoutNames(line)))
             figures.damage = withoutAddress(line);
     }
     return figures;

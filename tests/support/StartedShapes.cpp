@@ -1,5 +1,7 @@
 #include "support/StartedShapes.h"
 
+#include "support/StartedPrograms.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
@@ -11,7 +13,8 @@ namespace support::started {
 namespace {
 
 /// One or two words of a program's line. FILM stands for a file beside the films, OWN for one among our own
-/// temporary ones, N for a number, SCALE for the filter that makes a picture smaller.
+/// temporary ones, either also for one in a job's hidden folder beside the films, N for a number, SCALE for
+/// the filter that makes a picture smaller.
 struct Shape
 {
     QString word;
@@ -100,9 +103,11 @@ QRegularExpression expressionOf(QString pattern, const QString &scratch)
     // In this order: what is put in holds none of the later words.
     pattern.replace(u"SCALE"_s, u"(scale=trunc\\(N/N\\*iw/2\\)\\*2:trunc\\(ow/a/2\\)\\*2)"_s);
     pattern.replace(QRegularExpression(u"\\bN(?=\\W|$|k|s)"_s), u"[0-9]{1,9}"_s);
-    pattern.replace(u"FILM"_s,
-                    folder + u"/media/(in/)?(film|other|extra)(\\.[A-Za-z0-9]+| \\([0-9]+\\)|-[0-9]+)*"_s);
-    pattern.replace(u"OWN"_s, folder + u"/tmp/tessaray-\\w{6}/job[0-9]+/[A-Za-z0-9.-]+"_s);
+    const QString plain = u"/media/(in/)?\\.tessaray-[a-z0-9]{6}/[0-9]+(-[0-9]{3})?\\.[A-Za-z0-9]+"_s;
+    const QString named = u"/media/(in/)?(film|other|extra)(\\.[A-Za-z0-9]+| \\([0-9]+\\)|-[0-9]+)*"_s;
+    const QString own = u"/tmp/tessaray-\\w{6}/job[0-9]+/[A-Za-z0-9.-]+"_s;
+    pattern.replace(u"FILM"_s, u"%1(%2|%3)"_s.arg(folder, named, plain));
+    pattern.replace(u"OWN"_s, u"%1(%2|%3)"_s.arg(folder, own, plain));
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern),
                               QRegularExpression::DotMatchesEverythingOption);
 }
@@ -135,6 +140,9 @@ qsizetype fittingAt(const QStringList &words, qsizetype place, const QList<Shape
 
 QString offenceOf(const QByteArrayList &run, const QString &scratch)
 {
+    const QString checked = checkedFile(run);
+    if (!checked.isNull())
+        return fits(checked, u"FILM"_s, scratch) ? QString() : u"a check of another file"_s;
     QStringList words;
     for (const QByteArray &bytes : run)
         words.append(QString::fromUtf8(bytes));

@@ -1,10 +1,13 @@
-// A film with many tracks: never more tools at once than the machine has cores, and a signal ends all of it.
+// A film with many tracks: never more tools at once than the machine has cores, nor more looks at films that
+// check what they made, and a signal ends all of it.
 #include "support/CliFixture.h"
 #include "support/Clips.h"
+#include "support/StartedPrograms.h"
 #include "support/TestMain.h"
 #include "support/Waiting.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 #include <QThread>
 
@@ -47,17 +50,20 @@ private Q_SLOTS:
     void anExtractionRunsAToolACore()
     {
         const auto process = m_cli->start({u"extract"_s, u"film.mkv"_s, u"--no-keep-logs"_s});
-        qsizetype most = 0;
+        AtOnce most;
         support::waitFor(
             [&] {
-                most = qMax(most, tools());
+                const AtOnce now = running();
+                most = {qMax(most.tools, now.tools), qMax(most.checks, now.checks)};
                 return process->state() == QProcess::NotRunning;
             },
             patienceMs);
         const auto run = CliFixture::outcomeOf(*process);
         QVERIFY2(run.status == 0, qPrintable(run.said()));
         QCOMPARE(m_cli->mediaNames().size(), 1 + 2 + subtitles);
-        QVERIFY2(most >= 1 && most <= QThread::idealThreadCount(), qPrintable(QString::number(most)));
+        const int cores = QThread::idealThreadCount();
+        QVERIFY2(most.tools >= 1 && most.tools <= cores, qPrintable(QString::number(most.tools)));
+        QVERIFY2(most.checks >= 1 && most.checks <= cores, qPrintable(QString::number(most.checks)));
     }
 
     void aSignalEndsAllOfIt()
@@ -77,20 +83,41 @@ private Q_SLOTS:
     }
 
 private:
+    struct AtOnce
+    {
+        qsizetype tools = 0;
+        qsizetype checks = 0; ///< the source is read while the tools work, so these count by themselves
+    };
+
     /// Those that were there at one moment: between two looks at all processes, of which each takes a while.
-    qsizetype tools() const
+    AtOnce running() const
     {
         const QList<qint64> before = m_cli->processes();
-        QList<qint64> both = m_cli->processes();
-        both.removeIf([&](qint64 pid) { return !before.contains(pid) || !isTool(pid); });
-        return both.size();
+        AtOnce both;
+        for (const qint64 pid : m_cli->processes()) {
+            const QByteArrayList line = before.contains(pid) ? commandLine(pid) : QByteArrayList();
+            const bool isCheck = !support::started::checkedFile(line).isNull();
+            both.checks += isCheck;
+            both.tools += !isCheck && isTool(line);
+        }
+        return both;
     }
 
-    static bool isTool(qint64 pid)
+    /// The program by its name alone; nothing for a process that has just ended.
+    static QByteArrayList commandLine(qint64 pid)
     {
         QFile file(u"/proc/%1/cmdline"_s.arg(pid));
         const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        return !line.isEmpty() && !line.contains("tessaray-cli") && !line.startsWith("/bin/sh");
+        if (line.isEmpty())
+            return {};
+        QByteArrayList words = line.chopped(1).split('\0');
+        words.first() = QFileInfo(QFile::decodeName(words.constFirst())).fileName().toUtf8();
+        return words;
+    }
+
+    static bool isTool(const QByteArrayList &line)
+    {
+        return !line.isEmpty() && !line.contains("tessaray-cli") && line.constFirst() != "sh";
     }
 
     std::unique_ptr<CliFixture> m_cli;

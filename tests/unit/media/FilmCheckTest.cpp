@@ -318,6 +318,36 @@ private Q_SLOTS:
         QCOMPARE(told(one.result()), said);
     }
 
+    void picturesOfTextAreCountedAlikeInOneContainer_data()
+    {
+        QTest::addColumn<QString>("codec");
+        QTest::addColumn<QString>("format"); // of the source
+        QTest::addColumn<QString>("said");
+        const QString fewer = u"failed: The subtitle track of out.mkv holds 2 packets instead of 8."_s;
+        for (const QString &codec : {u"hdmv_pgs_subtitle"_s, u"dvd_subtitle"_s, u"dvb_subtitle"_s}) {
+            QTest::addRow("%s out of its own file", qPrintable(codec)) << codec << u"sup"_s << u"ok"_s;
+            QTest::addRow("%s, transport", qPrintable(codec)) << codec << u"mpegts"_s << u"ok"_s;
+            QTest::addRow("%s, Matroska", qPrintable(codec)) << codec << u"matroska,webm"_s << fewer;
+        }
+        QTest::newRow("text") << u"subrip"_s << u"srt"_s << fewer;
+    }
+
+    /// Segments are packets in one container, and whole pictures in another.
+    void picturesOfTextAreCountedAlikeInOneContainer()
+    {
+        QFETCH(QString, codec);
+        QFETCH(QString, format);
+        QFETCH(QString, said);
+        Case one;
+        one.source.format = format;
+        one.source.bytes = 1880; // whole packets of a transport stream
+        one.source.streams[2].codec = one.output.streams[2].codec = codec;
+        one.source.streams[2].packets = 8;
+        one.output.streams[2].packets = 2;
+        one.meant = meantOf(one.source);
+        QCOMPARE(told(one.result()), said);
+    }
+
     /// With nothing to compare them with it can't be told whose they are.
     void holesAreTold()
     {
@@ -508,27 +538,37 @@ private Q_SLOTS:
     void sumsAreCompared_data()
     {
         QTest::addColumn<double>("soundEnd"); // of the first film
+        QTest::addColumn<double>("textEnd");  // the same
         QTest::addColumn<double>("end");      // of the output
         QTest::addColumn<QString>("said");
-        QTest::newRow("both") << 60.0 << 120.0 << u"ok"_s;
-        QTest::newRow("both, nearly") << 60.0 << 119.85 << u"ok"_s;
-        QTest::newRow("the first film's sound ends early") << 40.0 << 120.0 << u"ok"_s;
-        QTest::newRow("one of them")
-            << 60.0 << 60.0
-            << u"failed: The video of out.mkv lasts 1:00 instead of 2:00. The audio track of out.mkv lasts "
-               "1:00 instead of 2:00."_s;
+        const auto wrong = [](const QString &length) {
+            return u"failed: The video of out.mkv lasts %1 instead of 2:00. The audio track of out.mkv lasts "
+                   "%1 instead of 2:00."_s.arg(length);
+        };
+        QTest::newRow("both") << 60.0 << 50.0 << 120.0 << u"ok"_s;
+        QTest::newRow("both, nearly") << 60.0 << 50.0 << 119.85 << u"ok"_s;
+        QTest::newRow("the first film's sound ends early") << 40.0 << 50.0 << 120.0 << u"ok"_s;
+        QTest::newRow("one of them") << 60.0 << 50.0 << 60.0 << wrong(u"1:00"_s);
+        QTest::newRow("behind the first film's text") << 60.0 << 66.0 << 126.0 << u"ok"_s;
+        QTest::newRow("beside the first film's text") << 60.0 << 66.0 << 120.0 << u"ok"_s;
+        QTest::newRow("far behind the first film's text") << 60.0 << 66.0 << 127.0 << wrong(u"2:07"_s);
+        QTest::newRow("the one with the text") << 60.0 << 66.0 << 66.0 << wrong(u"1:06"_s);
+        QTest::newRow("behind a text in the middle of the picture")
+            << 60.0 << 50.0 << 121.0 << wrong(u"2:01"_s);
     }
 
+    /// The next film is put behind all of the one before, or behind all of it that is kept.
     void sumsAreCompared()
     {
         QFETCH(double, soundEnd);
+        QFETCH(double, textEnd);
         QFETCH(double, end);
         QFETCH(QString, said);
         const QUrl second = QUrl::fromLocalFile(u"/films/b.mkv"_s);
         FilmFacts one = minute();
-        one.streams.removeAt(2);
         FilmFacts other = one;
         one.streams[1].lastEnd = soundEnd;
+        one.streams[2].lastEnd = textEnd;
         FilmFacts output = one;
         output.seconds = end;
         for (StreamFacts &found : output.streams)
@@ -544,7 +584,47 @@ private Q_SLOTS:
             media::checkedOutputs({meant}, {{sourceUrl, one}, {second, other}, {outputUrl, output}}, {})
                 .constFirst();
         QCOMPARE(told(result), said);
-        QCOMPARE(result.output.tracks.at(3).outputIndex, 1);
+        QCOMPARE(result.output.tracks.at(4).outputIndex, 1);
+    }
+
+    /// What only the second film has begins behind all of the first one, or behind its picture.
+    void aTrackOfTheSecondFilmBeginsBehindTheFirst_data()
+    {
+        QTest::addColumn<double>("start"); // of the output's second sound
+        QTest::addColumn<QString>("said");
+        QTest::newRow("behind the text") << 66.0 << u"ok"_s;
+        QTest::newRow("behind the picture") << 60.0 << u"ok"_s;
+        QTest::newRow("at the head")
+            << 0.0
+            << u"failed: The audio track 2 of out.mkv begins 60.00 s too early. The audio track 2 of out.mkv "
+               "lasts 2:06 instead of 1:00."_s;
+    }
+
+    void aTrackOfTheSecondFilmBeginsBehindTheFirst()
+    {
+        QFETCH(double, start);
+        QFETCH(QString, said);
+        const QUrl second = QUrl::fromLocalFile(u"/films/b.mkv"_s);
+        Case one;
+        one.source.streams[2].lastEnd = 66;
+        FilmFacts other = minute();
+        other.streams << stream(3, u"audio"_s, u"ac3"_s, 0, 60);
+        const double end = start == 60 ? 120 : 126;
+        one.output.seconds = end;
+        one.output.streams << stream(3, u"audio"_s, u"ac3"_s, start, end);
+        for (StreamFacts &found : one.output.streams)
+            found.lastEnd = end;
+        one.meant.extent = Extent::Sum;
+        one.meant.sources = {sourceUrl, second};
+        for (TrackFate fate : meantOf(other).tracks) {
+            fate.source = second;
+            one.meant.tracks.append(fate);
+        }
+        QCOMPARE(
+            told(media::checkedOutputs(
+                     {one.meant}, {{sourceUrl, one.source}, {second, other}, {outputUrl, one.output}}, {})
+                     .constFirst()),
+            said);
     }
 
     void stretchesBeginAtKeyFrames_data()

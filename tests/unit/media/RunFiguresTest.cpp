@@ -58,6 +58,24 @@ private Q_SLOTS:
         QCOMPARE(runFiguresFrom(title + verboseEnd).read.value({0, 0}).packets, 1500);
     }
 
+    void namesAreNoDamage_data()
+    {
+        QTest::addColumn<QString>("line");
+        const auto row = [](const char *line) { QTest::newRow(line) << QString::fromUtf8(line); };
+        row("/usr/bin/ffmpeg -i \"a partial file.srt\" -c copy out.mkv");
+        row("'/films/partial file.mkv': Using the demultiplexer for the format 'Matroska'.");
+        row("The file '/films/it's a partial file.mkv' has been opened for writing.");
+        row("Warning: '/films/it's a partial file.mkv' track 0: The track has no duration.");
+        row("[AVIOContext @ 0x55] Opening 'partial file.mkv' for reading");
+        row("partial file.srt':"); // of a name of several lines
+    }
+
+    void namesAreNoDamage()
+    {
+        QFETCH(QString, line);
+        QCOMPARE(runFiguresFrom(u"first\n"_s + line + u"\nlast\n"_s).damage, QString());
+    }
+
     void damageIsTold_data()
     {
         QTest::addColumn<QString>("line");
@@ -74,6 +92,8 @@ private Q_SLOTS:
         row("[h264 @ 0x55] concealing 213 DC, 213 AC, 213 MV errors in P frame", true);
         row("Error while decoding stream #0:1: Invalid data found when processing input", true);
         row("Warning: 'a.mkv': Error in the Matroska file structure at position 1234.", true);
+        row("/films/a.ts: corrupt input packet in stream 0", true);
+        row("/films/a.ts: corrupt decoded frame in stream 1", true);
         row("[mp4 @ 0x56] Application provided invalid, non monotonically increasing dts to muxer", false);
         row("[matroska @ 0x5] Timestamps are unset in a packet for stream 0.", false);
         row("[mp3 @ 0x55] Estimating duration from bitrate, this may be inaccurate", false);
