@@ -70,6 +70,8 @@ void JobResults::add(const KXConverter &converter, steps::Verdict verdict)
         output.file = m_guard.fileOf(output.output);
     step.log = converter.logFileURL();
     step.told = converter.whatToolsTold();
+    if (verdict == steps::Verdict::Warnings)
+        step.damage = steps::OutputCheck::Damage::IsTold;
     step.isWhole = verdict != steps::Verdict::Failed;
     step.isWanted = !converter.isTemporaryOutput();
     m_steps.append(step);
@@ -93,7 +95,7 @@ void JobResults::checkNext()
     while (m_isChecking && m_toCheck < m_steps.size()) {
         const Step &step = m_steps.at(m_toCheck);
         if (step.isWanted && step.isWhole && !step.meant.isEmpty())
-            return m_check.begin(step.meant, step.told);
+            return m_check.begin(step.meant, step.told, step.damage);
         ++m_toCheck;
     }
     publishChecked();

@@ -62,6 +62,7 @@ private:
         QList<media::MeantOutput> meant;
         QUrl log;
         QString told; ///< by its tool
+        steps::OutputCheck::Damage damage = steps::OutputCheck::Damage::ToBeTold;
         bool isWhole = false;
         bool isWanted = false;
     };

@@ -209,8 +209,8 @@ private:
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
     std::atomic_bool m_isPaused = false;
     jobs::JobResults m_results;
-    QTimer m_slowEnd;   ///< runs while finished files are checked and published
-    QString m_shownEnd; ///< what was shown of that
+    QTimer m_slowEnd;        ///< runs while finished files are checked and published
+    QString m_shownEnd;      ///< what was shown of that
     bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;
 };

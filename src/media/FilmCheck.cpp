@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -88,6 +89,9 @@ public:
         else
             compareFilm();
         tellOfSources();
+        if (m_isUsable &&
+            !m_figures.damage.isNull()) // what a damaged source has lost is no fault of the result
+            m_warnings = std::exchange(m_failures, {}) + m_warnings;
         m_result.sentences = m_failures + m_warnings;
         if (!m_failures.isEmpty())
             m_result.result = CheckedOutput::Result::Failed;
@@ -106,7 +110,13 @@ private:
             return; // not every stream that stands alone can be read again
         const QString words = m_film.errors.isEmpty() ? QString() : m_film.errors.constLast();
         const QString sentence = u"%1 can't be read"_s.arg(name());
-        m_failures << asSentence(words.isEmpty() ? sentence : sentence + u": "_s + words);
+        failWholly(asSentence(words.isEmpty() ? sentence : sentence + u": "_s + words));
+    }
+
+    void failWholly(const QString &sentence)
+    {
+        m_failures << sentence;
+        m_isUsable = false;
     }
 
     void compareFilm()
@@ -116,7 +126,7 @@ private:
         if (begin && end)
             m_result.seconds = *end - *begin;
         if (m_film.isShort())
-            m_failures << u"%1 is not whole: it ends before its own header says that it does."_s.arg(name());
+            failWholly(u"%1 is not whole: it ends before its own header says that it does."_s.arg(name()));
         m_expected = expectedStreams(output(), m_films);
         compareNumbers();
         const QList<int> pairs = pairedStreams(m_expected, output(), m_film);
@@ -135,10 +145,10 @@ private:
                                                [&](const auto &one) { return one.kind == kind; });
             const qint64 found = m_film.ofKind(kind).size();
             if (found != meant)
-                m_failures << u"%1 holds %2 %3 instead of %4."_s.arg(name())
-                                  .arg(found)
-                                  .arg(kindWord(kind, found))
-                                  .arg(meant);
+                failWholly(u"%1 holds %2 %3 instead of %4."_s.arg(name())
+                               .arg(found)
+                               .arg(kindWord(kind, found))
+                               .arg(meant));
         }
         for (const QString &kind : {u"cover"_s, u"attachment"_s})
             compareAttached(kind, m_film.ofKind(kind).size());
@@ -214,7 +224,7 @@ private:
     {
         const QString label = labelOf(found) + u" of "_s + name();
         if (!expected.codec.isEmpty() && !isSameCodec(expected.codec, found.codec))
-            m_failures << u"%1 is %2 instead of %3."_s.arg(label, found.codec, expected.codec);
+            failWholly(u"%1 is %2 instead of %3."_s.arg(label, found.codec, expected.codec));
         const auto counted = countIn(found);
         fill(expected, found, counted);
         const qsizetype failures = m_failures.size();
@@ -351,7 +361,7 @@ private:
         const bool wasSeen = m_film.wasReadWhole || !found.firstTime;
         if (!wasSeen || *expected.seconds <= slackOf(expected, found))
             return Measured::NotKnown;
-        m_failures << u"%1 holds nothing."_s.arg(label);
+        failWholly(u"%1 holds nothing."_s.arg(label));
         return Measured::Off;
     }
 
@@ -535,7 +545,7 @@ private:
                 m_warnings << endOf(film, label);
             isShort = isShort || film.isShort();
         }
-        if (!m_figures.damage.isNull() && !isShort)
+        if (!m_figures.damage.isNull() && !m_figures.damageIsTold && !isShort)
             m_warnings << asSentence(u"The source is damaged: "_s + m_figures.damage);
     }
 
@@ -557,6 +567,7 @@ private:
     const FilmFacts m_film;
     const RunFigures &m_figures;
     CheckedOutput m_result;
+    bool m_isUsable = true;
     QStringList m_failures;
     QStringList m_warnings;
     QList<ExpectedStream> m_expected;
@@ -598,7 +609,8 @@ QList<CheckedOutput> checkedOutputs(const QList<MeantOutput> &outputs, const Fil
                                     const RunFigures &figures)
 {
     // The figures of a run name streams by number, which tells nothing where it wrote several files.
-    const RunFigures common = outputs.size() == 1 ? figures : RunFigures{{}, {}, figures.damage};
+    const RunFigures common =
+        outputs.size() == 1 ? figures : RunFigures{{}, {}, figures.damageIsTold, figures.damage};
     QList<CheckedOutput> checked;
     for (const MeantOutput &output : outputs)
         checked.append(OneCheck(completedBy(output, films), films, common).run());

@@ -24,6 +24,7 @@ struct RunFigures
 
     QHash<Stream, StreamFigures> read;  ///< by input stream; empty unless ffmpeg was asked to be verbose
     QHash<Stream, StreamFigures> muxed; ///< by output stream
+    bool damageIsTold = false; ///< by whoever judged the run
     QString damage; ///< the first line that tells of damaged or missing data, as the user sees it
 };
 

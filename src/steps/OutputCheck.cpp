@@ -34,10 +34,11 @@ void OutputCheck::readSources(const QList<media::MeantOutput> &outputs)
     m_reads.ask(wishesForSources(outputs));
 }
 
-void OutputCheck::begin(const QList<media::MeantOutput> &outputs, const QString &toolLog)
+void OutputCheck::begin(const QList<media::MeantOutput> &outputs, const QString &toolLog, Damage damage)
 {
     m_outputs = outputs;
     m_figures = media::runFiguresFrom(toolLog);
+    m_figures.damageIsTold = damage == Damage::IsTold;
     m_results.clear();
     m_isRunning = true;
     m_readsOutputs = false;

@@ -14,6 +14,9 @@ class OutputCheck final : public QObject
     Q_OBJECT
 
 public:
+    /// Whether a damaged source was told of already, by what the tool's exit status and words came to.
+    enum class Damage { ToBeTold, IsTold };
+
     OutputCheck(const KXPreferences &preferences, int toolsAtOnce);
 
     /// To be called when the tool starts: these are the outputs as they are meant, as far as they are known
@@ -22,7 +25,8 @@ public:
     /// To be called when the tool has ended well, with the outputs as they lie there and what the tool
     /// printed. Whatever was found out about an output before is forgotten. finished() follows from the event
     /// loop, unless it is ended first.
-    void begin(const QList<media::MeantOutput> &outputs, const QString &toolLog);
+    void begin(const QList<media::MeantOutput> &outputs, const QString &toolLog,
+               Damage damage = Damage::ToBeTold);
     bool isRunning() const { return m_isRunning; }
     /// Stops at once; finished() does not follow any more.
     void end();
