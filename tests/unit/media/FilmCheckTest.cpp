@@ -411,6 +411,21 @@ private Q_SLOTS:
                  "number."_s);
     }
 
+    /// The result of a damaged film can't be whole, but it has to be what it was meant to be.
+    void whatADamagedSourceHasLostIsNoFailure()
+    {
+        Case one;
+        one.figures.read.insert({0, 1}, {2813, 900000});
+        one.figures.muxed.insert({0, 1}, {2600, 800000});
+        const QString lost = u"The audio track of out.mkv holds 2600 packets instead of 2813."_s;
+        QCOMPARE(told(one.result()), u"failed: "_s + lost);
+        one.figures.damage = u"invalid as first byte of an EBML number"_s;
+        one.figures.damageIsTold = true;
+        QCOMPARE(told(one.result()), u"warnings: "_s + lost);
+        one.output.streams[1].codec = u"mp3"_s;
+        QVERIFY(told(one.result()).startsWith(u"failed: "_s));
+    }
+
     void fatesAreFilledIn()
     {
         Case one;
