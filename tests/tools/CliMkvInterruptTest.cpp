@@ -7,6 +7,7 @@
 #include "support/Waiting.h"
 #include "support/engines/MkvRuns.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTest>
 
@@ -103,8 +104,8 @@ private Q_SLOTS:
 
     void whatWasFinishedBeforeStays()
     {
-        const CliFixture::Run run =
-            interrupted(u"remux b.mkv a.mkv --no-keep-logs"_s, u"a.mkv.remux.mkv"_s, SIGINT);
+        const CliFixture::Run run = interrupted(u"remux b.mkv a.mkv --no-keep-logs"_s, u"a.mkv.remux.mkv"_s,
+                                                SIGINT, u"b.mkv.remux.mkv"_s);
         QCOMPARE(run.status, 130);
         m_names.insert(2, u"b.mkv.remux.mkv"_s);
         QCOMPARE(m_cli->mediaNames(), m_names);
@@ -112,15 +113,30 @@ private Q_SLOTS:
     }
 
 private:
+    bool isThere(const QString &name) const
+    {
+        return name.isEmpty() || QFileInfo::exists(m_cli->media(name));
+    }
+
+    /// The file lies under a plain name in the job's hidden folder, with the number of its part.
+    bool hasBegun(const QString &output) const
+    {
+        const QString end = output.contains(u"-002."_s) ? u"-002.mkv"_s : u".mkv"_s;
+        const QDir media(m_cli->media());
+        for (const QString &folder : media.entryList({u".tessaray-??????"_s}, QDir::Dirs | QDir::Hidden)) {
+            if (QFileInfo(media.filePath(folder + u"/1"_s + end)).size() > 10)
+                return true;
+        }
+        return false;
+    }
+
     /// Starts the program, sends the signal when the output has begun, and looks for tools when it has ended.
-    CliFixture::Run interrupted(const QString &line, const QString &output, int signal)
+    CliFixture::Run interrupted(const QString &line, const QString &output, int signal,
+                                const QString &after = {})
     {
         const auto process = m_cli->start(QStringList{u"--json"_s} + line.split(u' '));
         const bool isBusy = waitFor(
-            [&] {
-                return QFileInfo(m_cli->media(output)).size() > 10 ||
-                       process->state() == QProcess::NotRunning;
-            },
+            [&] { return (isThere(after) && hasBegun(output)) || process->state() == QProcess::NotRunning; },
             60000);
         if (!isBusy || process->state() == QProcess::NotRunning)
             return CliFixture::outcomeOf(*process);
