@@ -460,6 +460,7 @@ private Q_SLOTS:
         std::swap(one.source.streams[1].codec, one.source.streams[2].codec);
         one.output.streams[2] = stream(2, u"audio"_s, u"aac"_s, 0, 60);
         one.output.streams[1].lastEnd = 60.02;
+        one.output.streams[1].firstTime = -0.021333; // hidden
         for (FilmFacts *film : {&one.source, &one.output}) {
             for (FilmPacket &packet : film->packets)
                 packet.stream = packet.stream == 1 ? 2 : packet.stream;
@@ -471,7 +472,8 @@ private Q_SLOTS:
                 one.output.packets.append(packet);
         }
         one.meant = meantOf(one.source);
-        one.meant.tracks[1].became = Became::Reencoded;
+        one.meant.tracks[0].became = one.meant.tracks[1].became = Became::Reencoded;
+        one.meant.tracks[0].to = u"h264"_s;
         one.meant.tracks[1].to = u"aac"_s;
         const CheckedOutput result = one.result();
         QCOMPARE(told(result), u"ok"_s);
