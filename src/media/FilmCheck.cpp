@@ -182,21 +182,25 @@ private:
         if (source == nullptr || !source->earliestStart() || !m_film.earliestStart())
             return;
         std::optional<double> earliest;
+        std::optional<double> earliestThere; // without the packets that an encoder puts in front
         for (qsizetype i = 0; i < pairs.size(); ++i) {
             const StreamFacts *from = m_expected.at(i).sources.constFirst();
             const auto start = from == nullptr ? std::nullopt : from->startOfCopy();
             if (!m_expected.at(i).isTimed() || !start || pairs.at(i) < 0)
                 continue;
-            const auto there = m_film.streams.at(pairs.at(i)).startOfCopy();
+            const StreamFacts &found = m_film.streams.at(pairs.at(i));
+            const auto there = m_expected.at(i).isCopied ? found.startOfCopy() : found.startOfPicture();
             if (m_expected.at(i).kind == u"video"_s && m_expected.at(i).isCopied && there &&
                 saysWhenShown(*source, *from)) {
                 m_shift = *there - *start;
                 return;
             }
             earliest = std::min(earliest.value_or(*start), *start);
+            if (there)
+                earliestThere = std::min(earliestThere.value_or(*there), *there);
         }
         if (earliest)
-            m_shift = *m_film.earliestStart() - *earliest;
+            m_shift = earliestThere.value_or(*m_film.earliestStart()) - *earliest;
     }
 
     const FilmFacts *onlySource() const

@@ -14,12 +14,14 @@ struct Match
     int found = -1;
 };
 
+/// What a length may be off tells no tracks apart: those of one length come in their order.
 double lengthCost(const ExpectedStream &expected, const StreamFacts &found)
 {
     const auto start = found.startOfCopy();
     if (!expected.seconds || !start || !found.lastEnd)
         return 0;
-    return std::min(100.0, std::abs(*found.lastEnd - *start - *expected.seconds));
+    const double off = std::abs(*found.lastEnd - *start - *expected.seconds);
+    return off <= expected.tolerance(found) ? 0 : std::min(100.0, off);
 }
 
 double costOf(const ExpectedStream &expected, const MeantOutput &output, const StreamFacts &found)

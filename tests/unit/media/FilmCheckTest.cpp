@@ -467,6 +467,35 @@ private Q_SLOTS:
         QCOMPARE(result.output.tracks.at(1).proof, Proof::Lengths);
     }
 
+    /// One sound becomes the codec of the other, and lasts a little longer: packets tell which is which.
+    void tracksOfOneLengthAreInTheirOrder()
+    {
+        Case one;
+        one.source.streams[2] = stream(2, u"audio"_s, u"ac3"_s, 0, 60);
+        std::swap(one.source.streams[1].codec, one.source.streams[2].codec);
+        one.output.streams[2] = stream(2, u"audio"_s, u"aac"_s, 0, 60);
+        one.output.streams[1].lastEnd = 60.02;
+        one.output.streams[1].firstTime = -0.021333; // hidden
+        for (FilmFacts *film : {&one.source, &one.output}) {
+            for (FilmPacket &packet : film->packets)
+                packet.stream = packet.stream == 1 ? 2 : packet.stream;
+        }
+        for (FilmPacket packet : QList<FilmPacket>(one.output.packets)) {
+            packet.stream = packet.stream == 2 ? 1 : packet.stream;
+            packet.bytes += 50;
+            if (packet.stream == 1)
+                one.output.packets.append(packet);
+        }
+        one.meant = meantOf(one.source);
+        one.meant.tracks[0].became = one.meant.tracks[1].became = Became::Reencoded;
+        one.meant.tracks[0].to = u"h264"_s;
+        one.meant.tracks[1].to = u"aac"_s;
+        const CheckedOutput result = one.result();
+        QCOMPARE(told(result), u"ok"_s);
+        QCOMPARE(result.output.tracks.at(1).outputIndex, 1);
+        QCOMPARE(result.output.tracks.at(2).outputIndex, 2);
+    }
+
     /// The container may have its own order; codecs tell the tracks apart.
     void tracksMayBeInAnotherOrder()
     {
