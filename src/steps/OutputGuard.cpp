@@ -27,6 +27,17 @@ bool isTooLong(const QUrl &location, OutputForm form)
     return platform::isTooLongName(QUrl::fromLocalFile(location.toLocalFile() + numberOfPart(form)));
 }
 
+QString sentenceThatItCantBeMade(const QUrl &output)
+{
+    const QFileInfo folder(QFileInfo(output.toLocalFile()).absolutePath());
+    QString why = u"no file can be made in its folder"_s;
+    if (!folder.isDir())
+        why = u"its folder is not there"_s;
+    else if (!folder.isWritable())
+        why = u"its folder can't be written to"_s;
+    return u"The output %1 can't be made: %2."_s.arg(output.toLocalFile(), why);
+}
+
 } // namespace
 
 OutputGuard::OutputGuard(OutputRegistry &registry, WhenTaken whenTaken)
@@ -159,8 +170,7 @@ QString OutputGuard::claimOnDisk(const QUrl &name, OutputForm form)
     if (m_isTakenElsewhere)
         return u"The output %1 is being made by another program, so nothing was started."_s.arg(path);
     if (answer == OutputClaims::Answer::Impossible)
-        return u"The output %1 can't be made, as its folder takes no file, so nothing was started."_s.arg(
-            path);
+        return sentenceThatItCantBeMade(name);
     const QString refusal = refusalOf(name, form);
     if (!refusal.isNull()) {
         m_claims.release(name);
@@ -231,8 +241,7 @@ QString OutputGuard::prepare(const QUrl &output)
     if (!hasClaimed(output))
         return {};
     if (madePlaceOf(output).isEmpty())
-        return u"The output %1 can't be made, as its folder takes no file, so nothing was started."_s.arg(
-            output.toLocalFile());
+        return sentenceThatItCantBeMade(output);
     for (const QUrl &part : m_inParts.contains(output) ? partsOf(output) : QList<QUrl>{output})
         m_files.remove(part);
     return {};

@@ -43,6 +43,8 @@ public:
     OutputGuard(const OutputGuard &) = delete;
     OutputGuard &operator=(const OutputGuard &) = delete;
 
+    /// Whether a taken name is no obstacle.
+    bool takesNextFree() const { return m_whenTaken == WhenTaken::NextFreeName; }
     /// Names are given and nothing is made: for a job that is not started.
     void planOnly() { m_isPlan = true; }
     void setInputs(const QList<QUrl> &inputs);

@@ -86,8 +86,8 @@ private Q_SLOTS:
         const auto other = m_runs->convert(selection);
         QVERIFY(m_runs->run(other));
         // The job's own name is "a (2).m4v", and what is free for that is given.
-        QCOMPARE(other->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a (2) (2).m4v"_s)});
-        QCOMPARE(codecsOf(m_runs->path(u"a (2) (2).m4v"_s)), u"h264 aac aac ac3"_s);
+        QCOMPARE(other->outputs(), QList<QUrl>{m_runs->base.scratch.url(u"a (3).m4v"_s)});
+        QCOMPARE(codecsOf(m_runs->path(u"a (3).m4v"_s)), u"h264 aac aac ac3"_s);
     }
 
     /// Another job's output would be the file that this one still waits to read.

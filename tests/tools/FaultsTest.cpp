@@ -97,7 +97,7 @@ private Q_SLOTS:
         runs.base.setSaveFolder(folder);
         const auto job = runs.convert(runs.probed(source));
         QVERIFY(runs.run(job));
-        compareFailed(*job, u"ffmpeg failed"_s);
+        compareFailed(*job, u"can't be made: "_s);
         QVERIFY(!QFile::exists(folder + u"/a.m4v"_s));
         QCOMPARE(contentOf(source), contentOf(fullMkv()));
     }
@@ -248,7 +248,7 @@ private Q_SLOTS:
         m_runs->base.setSaveFolder(m_runs->path(u"gone"_s));
         const auto job = m_runs->convert(m_runs->probed(source));
         QVERIFY(m_runs->run(job));
-        compareFailed(*job, u"No such file or directory"_s);
+        compareFailed(*job, u"its folder is not there"_s);
         QCOMPARE(m_runs->names(), QStringList{u"a.mkv"_s});
     }
 

@@ -56,7 +56,8 @@ QUrl KXFfmpegConverter::wantedOutput() const
 /// Where that is a source, the job's own name is "a (2).mkv".
 QUrl KXFfmpegConverter::besideSources(const QUrl &wanted) const
 {
-    return context().guard.isInput(wanted) ? steps::withMark(wanted, u" (2)"_s) : wanted;
+    const bool needsMark = context().guard.isInput(wanted) && !context().guard.takesNextFree();
+    return needsMark ? steps::withMark(wanted, u" (2)"_s) : wanted;
 }
 
 void KXFfmpegConverter::prepareNames(const QUrl &wanted)
