@@ -82,6 +82,8 @@ public:
 
     CheckedOutput run()
     {
+        if (isTooLong())
+            return m_result; // nothing is proven
         if (!m_film.isOpen)
             sayItIsNotOpen();
         else if (output().isRaw)
@@ -101,6 +103,15 @@ public:
     }
 
 private:
+    /// The streams of some films lie so far apart in them that a sample of one is most of the others.
+    bool isTooLong()
+    {
+        const QList<QUrl> &sources = output().sources;
+        return m_film.isTooLong || std::any_of(sources.begin(), sources.end(), [this](const QUrl &source) {
+                   return m_films.value(source).isTooLong;
+               });
+    }
+
     MeantOutput &output() { return m_result.output; }
     QString name() { return nameOf(output().output); }
 

@@ -53,8 +53,9 @@ struct StreamFacts
 /// What is known of one film. A plain value, filled by media::take().
 struct FilmFacts
 {
-    bool wasAsked = false; ///< ffprobe has answered, be it with an error
-    bool isOpen = false;   ///< it told a format
+    bool wasAsked = false;  ///< ffprobe has answered, be it with an error
+    bool isOpen = false;    ///< it told a format
+    bool isTooLong = false; ///< what it lists is more than can be looked at
     QString format;
     QString writtenAt; ///< the file's creation time, as it tells it
     std::optional<double> start;

@@ -211,7 +211,7 @@ QStringList FilmReader::next()
 {
     if (m_made.isEmpty())
         m_facts.seconds = toldSecondsOf(m_wish.film);
-    const auto read = nextRead(m_facts, m_wish, m_made);
+    const auto read = m_facts.isTooLong ? std::nullopt : nextRead(m_facts, m_wish, m_made);
     if (!read)
         return {};
     m_read = *read;
@@ -224,8 +224,10 @@ QStringList FilmReader::next()
 
 void FilmReader::feed(const QByteArray &chunk)
 {
-    if (m_printed.size() + chunk.size() > mostListing)
+    if (m_facts.isTooLong || m_printed.size() + chunk.size() > mostListing) {
+        m_facts.isTooLong = true;
         return;
+    }
     m_printed += chunk;
     if (m_read.what == What::Stretch || m_read.what == What::Whole)
         takeLines();
@@ -239,6 +241,8 @@ void FilmReader::finish(const QByteArray &errors)
             m_facts.errors.append(line);
     }
     m_facts.wasAsked = true;
+    if (m_facts.isTooLong)
+        return;
     if (m_read.what == What::Header || m_read.what == What::Survey)
         takeListing();
     else if (m_read.what == What::Whole)

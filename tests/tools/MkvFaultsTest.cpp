@@ -62,7 +62,7 @@ private Q_SLOTS:
         QVERIFY(secondsOf(m_fault->output(operation)) > 1);
     }
 
-    /// mkvmerge does not report a file that just ends, so we have nothing to report.
+    /// mkvmerge does not report a file that just ends; the check does.
     void aTruncatedFileIsWrittenAsFarAsItGoes_data() { rowsFor(inTheTab, 2); }
 
     void aTruncatedFileIsWrittenAsFarAsItGoes()
@@ -70,7 +70,7 @@ private Q_SLOTS:
         QFETCH(QString, operation);
         const auto job = m_fault->runs.add(operation, m_fault->film(truncatedMkv(), u"a.mkv"_s));
         m_fault->runWithAnother();
-        compareVerdict(*job, Verdict::Ok, {});
+        compareVerdict(*job, Verdict::Warnings, u"ends at 0:05 of 0:08."_s);
         const double seconds = secondsOf(m_fault->output(operation));
         const double mostSeconds = operation == mkv::join ? 15 : 7;
         QVERIFY2(seconds > 1 && seconds < mostSeconds, qPrintable(QString::number(seconds)));
@@ -146,15 +146,18 @@ private Q_SLOTS:
         const auto job = m_fault->runs.add(operation, m_fault->film(manyPacketsMkv(), u"a.mkv"_s));
         m_fault->addAnother();
         m_fault->runs.queue().theQueueLoop();
-        const QFileInfo written(m_fault->output(operation));
-        QVERIFY(waitFor([&] { return QFileInfo(written.filePath()).size() > 0; }));
+        QVERIFY(waitFor([&] {
+            const QStringList written = filesAtWork(m_fault->runs.path(), u"1*.mkv"_s);
+            return !written.isEmpty() && QFileInfo(written.constLast()).size() > 0;
+        }));
         const auto processes = m_fault->runs.processes();
         QVERIFY(!processes.isEmpty());
         for (const qint64 pid : processes)
             ::kill(static_cast<pid_t>(pid), SIGKILL);
         QVERIFY(m_fault->runs.waitForEnd());
         compareVerdict(*job, Verdict::Failed, u"mkvmerge was ended from outside or crashed"_s);
-        const QString kept = u"The incomplete output %1 was kept."_s.arg(written.filePath());
+        static const QRegularExpression kept(
+            u"The incomplete output \\S+ \\(incomplete\\)\\.mkv was kept\\."_s);
         QVERIFY2(job->outcome().sentence.contains(kept), qPrintable(job->outcome().sentence));
         m_fault->compareAnotherAndFiles();
     }
