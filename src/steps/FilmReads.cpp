@@ -108,6 +108,8 @@ void FilmReads::readFrom(Reading &reading, ToolProcess::Channel channel, const Q
         reading.reader.feed(bytes);
     else if (reading.errors.size() < mostErrorBytes)
         reading.errors += bytes;
+    if (reading.reader.facts().isTooLong)
+        reading.task->terminate();
 }
 
 void FilmReads::finish(Reading &reading)
