@@ -174,9 +174,12 @@ void takeEndFromIndex(StreamFacts &stream)
 void takeLengthOfAvi(FilmFacts &facts, const QJsonArray &streams)
 {
     for (qsizetype i = 0; facts.format == u"avi"_s && i < streams.size(); ++i) {
-        const auto pictures = jsonNumber(streams.at(i).toObject(), u"nb_frames"_s);
-        if (facts.streams.at(i).kind == u"video"_s && pictures && facts.seconds)
-            facts.seconds = std::max(*facts.seconds, *pictures * facts.streams.at(i).frameSeconds);
+        const QJsonObject stream = streams.at(i).toObject();
+        const auto pictures = jsonNumber(stream, u"nb_frames"_s); // empty ones too, one in each unit of its time
+        const QStringList unit = stream.value(u"time_base"_s).toString().split(u'/');
+        const double units = unit.value(1).toDouble();
+        if (facts.streams.at(i).kind == u"video"_s && pictures && facts.seconds && units > 0)
+            facts.seconds = std::max(*facts.seconds, *pictures * unit.constFirst().toDouble() / units);
     }
 }
 
