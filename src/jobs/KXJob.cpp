@@ -504,7 +504,7 @@ void KXJob::stopJob()
     if (m_ended)
         return;
     const auto self = shared_from_this(); // an observer may let go of us
-    if (m_isEnding && !m_results.cancel())
+    if (!m_results.cancel())
         return;
     unsubscribe();
     m_ended = true;

@@ -130,6 +130,25 @@ private:
         m_isUsable = false;
     }
 
+    /// A join by ffmpeg forgets that a picture is a cover.
+    void takeCovers()
+    {
+        static const QStringList pictures{u"mjpeg"_s, u"png"_s, u"bmp"_s, u"gif"_s};
+        const QList<TrackFate> &fates = output().tracks;
+        qsizetype missing =
+            std::count_if(fates.begin(), fates.end(),
+                          [](const TrackFate &fate) {
+                              return fate.kind == u"cover"_s && fate.became != Became::LeftOut;
+                          }) -
+            m_film.ofKind(u"cover"_s).size();
+        for (StreamFacts &one : m_film.streams) {
+            if (missing > 0 && one.kind == u"video"_s && pictures.contains(one.codec)) {
+                one.kind = u"cover"_s;
+                --missing;
+            }
+        }
+    }
+
     void compareFilm()
     {
         const auto begin = m_film.earliestStart();
@@ -139,6 +158,7 @@ private:
         if (m_film.isShort())
             failWholly(u"%1 is not whole: it ends before its own header says that it does."_s.arg(name()));
         m_expected = expectedStreams(output(), m_films);
+        takeCovers();
         compareNumbers();
         const QList<int> pairs = pairedStreams(m_expected, output(), m_film);
         findShift(pairs);
@@ -579,7 +599,7 @@ private:
     }
 
     const Films &m_films;
-    const FilmFacts m_film;
+    FilmFacts m_film;
     const RunFigures &m_figures;
     CheckedOutput m_result;
     bool m_isUsable = true;

@@ -128,7 +128,9 @@ private:
         QStringList shown;
         for (const KXNotification &notification : m_runs->record.named(u"progressUpdate"_s)) {
             for (const jobs::ProgressItem &item : notification.object.value<jobs::ProgressList>()) {
-                if (item.step == label)
+                const bool isOver = item.progress == u"checking"_s || item.progress == u"writing to disk"_s ||
+                                    (!shown.isEmpty() && shown.constLast() == u"Complete"_s);
+                if (item.step == label && !isOver)
                     shown.append(item.progress);
             }
         }

@@ -88,7 +88,9 @@ private Q_SLOTS:
                 word = fixture.media(word);
         }
         const auto run = fixture.run(QStringList{u"--json"_s} + words);
-        QVERIFY2(run.status != 2, run.error.constData());
+        const bool isBroken =
+            hasLength && words.contains(u"join"_s); // its second half would lie over the first
+        QVERIFY2((run.status == 2) == isBroken, run.error.constData());
         const QList<int> shown = percents(run);
         QVERIFY(!shown.isEmpty());
         QVERIFY(std::is_sorted(shown.begin(), shown.end()));

@@ -245,8 +245,8 @@ private:
         m_slow->job = m_slow->runs.convert(selection);
     }
 
-    bool outputHasBegun() const { return QFile::exists(m_slow->runs.path(u"a.m4v"_s)); }
-    bool backgroundHasBegun() const { return QFile::exists(m_slow->runs.path(u"a.mkv.stream3.srt"_s)); }
+    bool outputHasBegun() const { return !filesAtWork(m_slow->runs.path(), u"*.m4v"_s).isEmpty(); }
+    bool backgroundHasBegun() const { return !filesAtWork(m_slow->runs.path(), u"*.srt"_s).isEmpty(); }
     bool statisticsHaveBegun() const
     {
         const QStringList folders = m_slow->temporaryFolders();

@@ -112,12 +112,13 @@ QString manyPacketsBeginMkv()
     });
 }
 
-MkvRuns::MkvRuns(steps::WhenTaken whenTaken)
+MkvRuns::MkvRuns(steps::WhenTaken whenTaken, jobs::Checking checking)
     : record(runs.base.notifications,
              {u"conversionStarted"_s, u"monitorJoinUpdate"_s, u"monitorSplitUpdate"_s, u"progressUpdate"_s,
               u"taskCompletion"_s, u"jobDone"_s})
 {
     engines::registerJobs(m_factory);
+    runs.base.checking = checking;
     m_queue = std::make_unique<KXQueueController>(runs.base.jobContext(whenTaken), m_factory, nullptr);
     m_queue->initialize();
 }

@@ -34,7 +34,8 @@ inline const QString editRemux = QStringLiteral("edit remux");
 class MkvRuns final
 {
 public:
-    explicit MkvRuns(steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName);
+    explicit MkvRuns(steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName,
+                     jobs::Checking checking = jobs::Checking::Outputs);
     Q_DISABLE_COPY_MOVE(MkvRuns)
 
     /// The job for that source, at the end of the queue; a join appends "b.mkv", a mux adds "sound.ac3" and

@@ -417,7 +417,9 @@ private Q_SLOTS:
         Case one;
         one.figures.read.insert({0, 1}, {2813, 900000});
         one.figures.muxed.insert({0, 1}, {2600, 800000});
-        const QString lost = u"The audio track of out.mkv holds 2600 packets instead of 2813."_s;
+        const QString lost =
+            u"The audio track of out.mkv holds 2600 packets instead of 2813. The audio track of "
+            "out.mkv has holes: 4.53 s of 60.00 s are missing."_s;
         QCOMPARE(told(one.result()), u"failed: "_s + lost);
         one.figures.damage = u"invalid as first byte of an EBML number"_s;
         one.figures.damageIsTold = true;

@@ -294,7 +294,7 @@ private Q_SLOTS:
     void anAviTellsItsPictures()
     {
         const QByteArray listed = R"("streams": [{"index": 0, "codec_name": "mpeg4", "codec_type": "video",
-            "avg_frame_rate": "25/1", "r_frame_rate": "25/1", "nb_frames": "15000", "duration": "60.0"}])";
+            "avg_frame_rate": "25/1", "r_frame_rate": "25/1", "time_base": "1/25", "nb_frames": "15000", "duration": "60.0"}])";
         const FilmFacts facts = media::headerFactsFrom(survey({}, "avi", listed));
         QCOMPARE(facts.promise(), std::optional(600.0));
         QVERIFY(!facts.streams.constFirst().packets);
