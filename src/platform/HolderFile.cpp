@@ -101,7 +101,8 @@ bool HolderFile::make()
     if (!createFile(m_location, lines))
         return false;
     m_lines = lines;
-    if (!isHeld()) // a full disk
+    const QByteArray written = linesAt(m_location);
+    if (written.size() < lines.size() && lines.startsWith(written) && fileAt(m_location)) // a full disk
         removeName(m_location);
     return isHeld();
 }

@@ -220,6 +220,11 @@ void removeFolder(const QUrl &location)
         QDir(location.toLocalFile()).removeRecursively();
 }
 
+bool removeEmptyFolder(const QUrl &location)
+{
+    return ::rmdir(pathOf(location).constData()) == 0;
+}
+
 bool flushToDisk(const QUrl &location)
 {
     const OpenPlainFile file(pathOf(location), O_RDONLY | O_NOFOLLOW);

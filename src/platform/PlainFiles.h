@@ -45,6 +45,8 @@ bool removeName(const QUrl &location);
 bool makePrivateFolder(const QUrl &location);
 /// Takes a folder away with all that is in it; links in it go themselves. What is not a folder stays.
 void removeFolder(const QUrl &location);
+/// The same for one that holds nothing; false where it does.
+bool removeEmptyFolder(const QUrl &location);
 /// Waits until the file's bytes are on the disk; false when they can't be brought there.
 bool flushToDisk(const QUrl &location);
 /// The same for the names in a folder. Some volumes can't do that, so it answers nothing.

@@ -48,6 +48,8 @@ void clearFolder(const QFileInfo &folder)
 {
     const QUrl location = QUrl::fromLocalFile(folder.filePath());
     const QUrl lock = QUrl::fromLocalFile(folder.filePath() + u'/' + WorkFolder::lockName());
+    if (platform::removeEmptyFolder(location))
+        return; // who was about to work in it makes another one
     if (platform::HolderFile::isHolderGone(lock)) {
         for (const Publication &publication : publicationsIn(location).value_or(QList<Publication>()))
             finish(publication);

@@ -170,6 +170,14 @@ private Q_SLOTS:
         QCOMPARE(work.scratch.shownNames(), QStringList());
     }
 
+    void anEmptyFolderGoes()
+    {
+        const Work work({});
+        QVERIFY(work.isThere());
+        steps::clearLeftOvers(work.scratch.url(u""_s));
+        QVERIFY(!work.isThere());
+    }
+
     void aFolderWithoutALockIsNoOnesYet()
     {
         const Work work({u"a.mkv"_s});
