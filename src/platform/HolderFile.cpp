@@ -95,6 +95,13 @@ bool HolderFile::isHolderGone(const QUrl &location)
     return lines.at(4) != QSysInfo::bootUniqueId() || !isRunning(lines.at(0).toLongLong(), lines.at(1));
 }
 
+void HolderFile::clearIfGone(const QUrl &location)
+{
+    const QByteArray judged = linesAt(location);
+    if (isHolderGone(location))
+        HolderFile(location).clearAway(judged);
+}
+
 bool HolderFile::make()
 {
     const QByteArray lines = ownLines();

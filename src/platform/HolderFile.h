@@ -22,6 +22,8 @@ public:
     bool isHeld() const;
     /// Whether the process that is named there is one of this machine and gone. False where nothing stands.
     static bool isHolderGone(const QUrl &location);
+    /// Takes the file of such a process away.
+    static void clearIfGone(const QUrl &location);
 
 private:
     bool make();

@@ -62,11 +62,9 @@ void clearFolder(const QFileInfo &folder)
 void clearClaim(const QFileInfo &claim)
 {
     const QUrl location = QUrl::fromLocalFile(claim.filePath());
-    if (isOld(claim.lastModified()) && !platform::HolderFile::isHolderGone(location))
+    platform::HolderFile::clearIfGone(location);
+    if (isOld(claim.lastModified()))
         platform::removeName(location);
-    else if (platform::HolderFile::isHolderGone(location))
-        platform::HolderFile(location)
-            .take(); // only one of several who clear it can, and it goes with the object
 }
 
 } // namespace
