@@ -118,7 +118,11 @@ void JobResults::checked()
 bool JobResults::cancel()
 {
     m_check.end();
-    return m_publisher.cancel();
+    if (m_publisher.cancel())
+        return true;
+    takeNames();
+    Q_EMIT settled();
+    return false;
 }
 
 void JobResults::publishChecked()

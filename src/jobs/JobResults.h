@@ -30,7 +30,7 @@ public:
     void publish();
     /// Whether the checks are over.
     bool isPublishing() const { return m_isPublishing; }
-    /// No file gets its name any more. False when they have theirs already.
+    /// No file gets its name any more. False when they have theirs already: then settled() was emitted.
     bool cancel();
     /// Published files, in the order of their steps.
     const QList<QUrl> &outputs() const { return m_outputs; }

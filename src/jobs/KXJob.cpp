@@ -498,7 +498,7 @@ void KXJob::waitForKilledTools()
     }
 }
 
-/// Files that have their names by now are finished ones, so that a stop that comes so late is none.
+/// Files that have their names by now are finished ones: a job that is stopped so late is done.
 void KXJob::stopJob()
 {
     if (m_ended)

@@ -56,8 +56,8 @@ bool OwnFiles::create(const QUrl &name, const QByteArray &content)
 
 bool OwnFiles::write(const QUrl &name, const QByteArray &content)
 {
-    remove(name);
-    return create(name, content);
+    const QUrl place = madePlaceOf(name);
+    return !place.isEmpty() && platform::replacePlainFile(place, content);
 }
 
 bool OwnFiles::copy(const QUrl &from, const QUrl &name)

@@ -88,6 +88,7 @@ struct Publisher::Attempt
     QMutex mutex;
     QWaitCondition over;
     State state = State::Flushing;
+    PublishResult result;
     Publisher *receiver = nullptr; ///< null once it is gone, or wants to hear no more
 
     bool beginMoving()
@@ -97,14 +98,19 @@ struct Publisher::Attempt
             state = State::Moving;
         return state == State::Moving;
     }
-    void finish(const PublishResult &result)
+    bool isOver()
+    {
+        const QMutexLocker locker(&mutex);
+        return state == State::Over;
+    }
+    void finish(const PublishResult &answer)
     {
         const QMutexLocker locker(&mutex);
         state = State::Over;
+        result = answer;
         over.wakeAll();
         if (receiver != nullptr)
-            QMetaObject::invokeMethod(
-                receiver, [to = receiver, result] { Q_EMIT to->ended(result); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(receiver, &Publisher::tell, Qt::QueuedConnection);
     }
 };
 
@@ -130,6 +136,13 @@ void Publisher::start(const QUrl &workFolder, const QList<Publication> &publicat
     }).detach();
 }
 
+/// Nothing is told of an attempt that was cancelled meanwhile.
+void Publisher::tell()
+{
+    if (m_attempt && m_attempt->isOver())
+        Q_EMIT ended(std::exchange(m_attempt, nullptr)->result);
+}
+
 bool Publisher::cancel()
 {
     if (!m_attempt)
@@ -141,7 +154,7 @@ bool Publisher::cancel()
         attempt->state = Attempt::State::Cancelled;
     while (attempt->state == Attempt::State::Moving)
         attempt->over.wait(&attempt->mutex);
-    return attempt->state == Attempt::State::Cancelled;
+    return attempt->state == Attempt::State::Cancelled || attempt->result.end != PublishResult::End::Done;
 }
 
 } // namespace steps

@@ -34,14 +34,16 @@ public:
 
     /// One attempt at a time; ended() follows.
     void start(const QUrl &workFolder, const QList<Publication> &publications);
-    /// No file gets its name any more. False when the first one has it already: then they all will, and this
-    /// has waited for it.
+    /// Ends the attempt: ended() does not follow any more. False when all files have their names; renames that had
+    /// begun are waited for.
     bool cancel();
 
 Q_SIGNALS:
     void ended(const steps::PublishResult &result);
 
 private:
+    void tell();
+
     struct Attempt;
     std::shared_ptr<Attempt> m_attempt;
 };

@@ -43,6 +43,7 @@ struct Running
     support::TestConverterPointer start(const QString &output, QStringList script)
     {
         script.replaceInStrings(u"PIDS"_s, path(u"pids"_s));
+        script.replaceInStrings(u"GO"_s, path(u"go"_s));
         const QUrl tool = fixture.installTool(output + u".tool"_s, script);
         return kind == Kind::Process ? job->runStep(output, fixture.scratch.url(output), tool)
                                      : job->runBackgroundStep(output, fixture.scratch.url(output), tool);
@@ -233,6 +234,19 @@ private Q_SLOTS:
         job->stopJob();
         QCOMPARE(fixture.scratch.read(u"a.m4v"_s), QByteArray("old"));
         QCOMPARE(fixture.scratch.names().filter(u"a"_s).filter(u".m4v"_s), QStringList{u"a.m4v"_s});
+    }
+
+    /// The files may have their names before the job hears of it.
+    void aStopAfterTheFilesHaveTheirNamesIsNone()
+    {
+        Running running(Kind::Process, {}, {u"await GO"_s, u"write 5 last"_s});
+        running.fixture.scratch.write(u"go"_s, {});
+        QVERIFY(support::waitFor([&] { return running.exists(u"out.m4v"_s); }));
+        running.job->stopJob();
+        QCOMPARE(running.job->outcome().verdict, steps::Verdict::Ok);
+        QCOMPARE(running.job->outputs(), QList<QUrl>{running.fixture.scratch.url(u"out.m4v"_s)});
+        QCOMPARE(running.record.count(u"jobDone"_s), 1);
+        QCOMPARE(running.fixture.scratch.names().filter(u".tessaray"_s), QStringList());
     }
 
     void stoppedJobSaysSoAndIsSilentFromThen_data() { addKinds(); }

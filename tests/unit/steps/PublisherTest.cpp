@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QSysInfo>
 #include <QTest>
+#include <QThread>
 
 #include <ctime>
 #include <fcntl.h>
@@ -76,7 +77,22 @@ private Q_SLOTS:
         QVERIFY(support::waitFor([&] { return ended.size() == 1; }));
         QCOMPARE(work.scratch.read(u"a.mkv"_s), QByteArray("new a.mkv"));
         QCOMPARE(work.scratch.read(u"b.mkv"_s), QByteArray("new b.mkv"));
-        QVERIFY(!publisher.cancel()); // it is done
+    }
+
+    /// The names are there before the event loop hears of it.
+    void whoCancelsTooLateIsToldSo()
+    {
+        const Work work({u"a.mkv"_s, u"b.mkv"_s});
+        steps::Publisher publisher;
+        QSignalSpy ended(&publisher, &steps::Publisher::ended);
+        publisher.start(work.scratch.url(work.folder), work.publications);
+        while (!QFileInfo::exists(work.scratch.path(u"a.mkv"_s)))
+            QThread::msleep(1);
+        QVERIFY(!publisher.cancel());
+        QVERIFY(QFileInfo::exists(work.scratch.path(u"b.mkv"_s))); // all of them or none
+        QCoreApplication::processEvents();
+        QCOMPARE(ended.size(), 0);
+        QVERIFY(publisher.cancel()); // nothing is under way any more
     }
 
     void noneGetsItsNameWhereOneIsTaken()
