@@ -11,7 +11,7 @@ _tessaray_cli_options() {
     extract | remove) echo "$global --tracks --force --dry-run" ;;
     join | remux | send) echo "$global --force --dry-run" ;;
     split) echo "$global --time --size --duration --force --dry-run" ;;
-    watch) echo "$global --track-preset --settings-preset" ;;
+    watch) echo "$global --track-preset --settings-preset --existing" ;;
     play) echo "$global --tracks" ;;
     *) echo "$global" ;;
     esac

@@ -72,9 +72,14 @@ QUrl JobStarter::source() const
     return editsFiles ? selection->editFilesURLsList().value(0) : selection->videoTrackFileURL();
 }
 
+bool JobStarter::takesResultsOf(const QUrl &film) const
+{
+    return prefs::SaveFolder(m_parts.preferences).takesResultsOf(film);
+}
+
 bool JobStarter::saveFolderIsWritable()
 {
-    if (prefs::SaveFolder(m_parts.preferences).takesResultsOf(source()))
+    if (takesResultsOf(source()))
         return true;
     platform::Alert alert;
     alert.message = prefs::SaveFolder::notWritable();

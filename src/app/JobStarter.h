@@ -48,6 +48,8 @@ public:
     void startTrackEditing();
     /// Why that button can do nothing; a null text when it can.
     QString trackEditingRefusal() const;
+    /// Whether the folder for that film's results can be written.
+    bool takesResultsOf(const QUrl &film) const;
     /// Starting goes on after a moment; until then nothing else may start.
     bool isFinishing() const { return m_finish.isActive(); }
 

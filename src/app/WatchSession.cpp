@@ -4,10 +4,13 @@
 #include "app/JobStarter.h"
 #include "jobs/KXQueueController.h"
 #include "prefs/KXWatchModeController.h"
+#include "prefs/SaveFolder.h"
 #include "presets/KXPresetsController.h"
 #include "selection/KXSelectionController.h"
 
 #include <QFileInfo>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +34,7 @@ WatchSession::WatchSession(const Parts &parts)
     : m_parts(parts)
     , m_journal(QFileInfo(parts.settingsPath).absolutePath())
 {
+    parts.watchMode.setDataFolder(QFileInfo(parts.settingsPath).absolutePath());
     m_start.setSingleShot(true);
     m_start.setInterval(startMilliseconds);
     connect(&m_start, &QTimer::timeout, this, &WatchSession::startOpened);
@@ -66,6 +70,13 @@ void WatchSession::connectLog()
     connect(&m_parts.watchMode, &Watch::fileGivenUp, this, [this](const QString &path) {
         note(WatchLog::Kind::Failed, tr("%1 could not be opened, and is not tried again.").arg(path));
     });
+    connect(&m_parts.watchMode, &Watch::fileNotWhole, this, [this](const QString &path) {
+        note(WatchLog::Kind::Waiting, tr("%1: until it is whole.").arg(path));
+    });
+    connect(&m_parts.watchMode, &Watch::nameNotReadable, this, [this](const QString &path) {
+        note(WatchLog::Kind::Failed,
+             tr("%1: its name is not UTF-8. Rename it to have it converted.").arg(path));
+    });
     connect(&m_parts.watchMode, &Watch::folderMissing, this, [this] {
         if (!std::exchange(m_folderWasMissing, true))
             note(WatchLog::Kind::Failed, tr("The folder is not there. Waiting until it is back."));
@@ -75,11 +86,8 @@ void WatchSession::connectLog()
              tr("%1 can't be opened; it is tried again when it changes.").arg(url.toLocalFile()));
         m_parts.watchMode.fileRefused(url);
     });
-    connect(&m_parts.starter, &JobStarter::notStarted, this, [this](const QString &name) {
-        note(WatchLog::Kind::Failed, tr("%1: the presets choose nothing that can be converted.").arg(name));
-    });
-    connect(&m_parts.starter, &JobStarter::refused, this,
-            [this](const QString &reason) { note(WatchLog::Kind::Failed, reason); });
+    connect(&m_parts.starter, &JobStarter::notStarted, this, &WatchSession::leftByPresets);
+    connect(&m_parts.starter, &JobStarter::refused, this, &WatchSession::refusedNow);
     connect(&m_parts.queue, &KXQueueController::jobAdded, this, &WatchSession::jobAdded);
     connect(&m_parts.queue, &KXQueueController::jobChanged, this, &WatchSession::jobChanged);
 }
@@ -88,6 +96,22 @@ void WatchSession::note(WatchLog::Kind kind, const QString &text)
 {
     if (m_parts.watchMode.appIsInWatchMode())
         m_log.add(kind, text);
+}
+
+void WatchSession::leftByPresets(const QString &fileName)
+{
+    note(WatchLog::Kind::Failed, tr("%1: the presets choose nothing that can be converted.").arg(fileName));
+    for (const QUrl &film : std::as_const(m_batch)) {
+        if (film.fileName() == fileName)
+            m_parts.watchMode.fileDone(film);
+    }
+}
+
+void WatchSession::refusedNow(const QString &reason)
+{
+    note(WatchLog::Kind::Failed, reason);
+    for (const QUrl &film : std::as_const(m_batch))
+        m_parts.watchMode.fileLater(film);
 }
 
 QString WatchSession::startRefusal() const
@@ -116,6 +140,10 @@ bool WatchSession::start()
     }
     m_folderWasMissing = false;
     note(WatchLog::Kind::Note, tr("Watching %1.").arg(m_parts.watchMode.watchFolderPath()));
+    if (!m_parts.watchMode.isJournalInFolder())
+        note(WatchLog::Kind::Note,
+             tr("The folder can't be written, so what is known of it is kept beside the "
+                "settings. A program on another machine does not see it."));
     tellLeftOver();
     tellWhatIsThere();
     return true;
@@ -160,10 +188,29 @@ void WatchSession::takeNext()
     if (m_active || m_pending.isEmpty() || m_parts.intake.isBusy())
         return;
     m_active = true;
-    m_parts.intake.setOpeningFileMode(u"watch"_s);
-    m_parts.intake.openedFileHubForFiles(m_pending.takeFirst());
+    m_batch = takenNow(m_pending.takeFirst());
+    if (!m_batch.isEmpty()) {
+        m_parts.intake.setOpeningFileMode(u"watch"_s);
+        m_parts.intake.openedFileHubForFiles(m_batch);
+    }
     if (!m_start.isActive())
         batchDone();
+}
+
+/// One film whose result has no place must not hold up those beside it.
+QList<QUrl> WatchSession::takenNow(const QList<QUrl> &films)
+{
+    QList<QUrl> taken;
+    for (const QUrl &film : films) {
+        if (m_parts.starter.takesResultsOf(film)) {
+            taken.append(film);
+            continue;
+        }
+        note(WatchLog::Kind::Failed,
+             tr("%1: %2 It is tried again later.").arg(film.toLocalFile(), prefs::SaveFolder::notWritable()));
+        m_parts.watchMode.fileLater(film);
+    }
+    return taken;
 }
 
 void WatchSession::startOpened()
@@ -195,6 +242,7 @@ void WatchSession::jobChanged(int row)
         return;
     m_lastEnded = job;
     m_journal.finished();
+    m_parts.watchMode.fileDone(job->jobSelection()->videoTrackFileURL());
     const bool failed = job->outcome().verdict == steps::Verdict::Failed;
     QStringList parts{job->jobFileName()};
     if (!failed && !job->outputs().isEmpty())

@@ -64,6 +64,9 @@ private:
     void jobChanged(int row);
     void filesFound(const QStringList &paths);
     void note(WatchLog::Kind kind, const QString &text);
+    QList<QUrl> takenNow(const QList<QUrl> &films);
+    void leftByPresets(const QString &fileName);
+    void refusedNow(const QString &reason);
     void connectLog();
 
     Parts m_parts;
@@ -72,6 +75,7 @@ private:
     KXNotificationCenter::Subscription m_announced;
     QTimer m_start;
     QList<QList<QUrl>> m_pending;
+    QList<QUrl> m_batch; ///< what is being opened and started
     std::weak_ptr<KXJob> m_lastEnded;
     bool m_active = false;
     bool m_folderWasMissing = false;

@@ -65,12 +65,13 @@ ExitStatus WatchCommand::execute(Session &session) const
     if (!problem.isNull())
         return session.failed(problem);
     session.program().preferences().setWatchFolderURL(QUrl::fromLocalFile(folder));
+    session.program().watchMode().setTakesExisting(session.line().has(u"existing"_s));
     app::FileWork files(session.program(), session.alerts());
     QEventLoop loop;
     QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,
                      [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });
     followProgress(session, &loop);
-    if (!files.watchSession().start())
+    if (!files.watchSession().start()) // the log says why
         return session.failed(u"The folder %1 can't be watched."_s.arg(folder));
     QObject::connect(&session.interrupts(), &app::Interrupts::interrupted, &loop, &QEventLoop::quit);
     if (!session.isInterrupted())

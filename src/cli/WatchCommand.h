@@ -24,7 +24,8 @@ public:
     }
     QStringList options() const override
     {
-        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset")};
+        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"),
+                QStringLiteral("existing")};
     }
     ExitStatus execute(Session &session) const override;
 };

@@ -95,6 +95,14 @@ bool HolderFile::isHolderGone(const QUrl &location)
     return lines.at(4) != QSysInfo::bootUniqueId() || !isRunning(lines.at(0).toLongLong(), lines.at(1));
 }
 
+QString HolderFile::holderAt(const QUrl &location)
+{
+    const QByteArrayList lines = linesAt(location).split('\n');
+    if (lines.size() < numberOfLines)
+        return {};
+    return u"process %1 on %2"_s.arg(QString::fromLatin1(lines.at(0)), QString::fromUtf8(lines.at(2)));
+}
+
 void HolderFile::clearIfGone(const QUrl &location)
 {
     const QByteArray judged = linesAt(location);

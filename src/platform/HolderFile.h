@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 #include <QUrl>
 
 namespace platform {
@@ -22,6 +23,8 @@ public:
     bool isHeld() const;
     /// Whether the process that is named there is one of this machine and gone. False where nothing stands.
     static bool isHolderGone(const QUrl &location);
+    /// "process 123 on HOST"; a null text where nothing that can be read stands.
+    static QString holderAt(const QUrl &location);
     /// Takes the file of such a process away.
     static void clearIfGone(const QUrl &location);
 

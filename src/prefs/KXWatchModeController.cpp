@@ -3,9 +3,12 @@
 #include "platform/Chooser.h"
 #include "prefs/KXPreferences.h"
 
+#include <QFileInfo>
 #include <QPointer>
+#include <QRegularExpression>
 
 #include <algorithm>
+#include <chrono>
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +28,30 @@ QString sizeText(qint64 size)
     return QString::number(std::max<qint64>(size, 0));
 }
 
+constexpr quint32 looksUntilAllAreSeen = 12; ///< a minute, at the pace of the looks
+constexpr quint32 looksUntilTidied = 17'280; ///< a day
+constexpr qint64 patienceMs = 3'600'000;     ///< with a film that is not whole and does not change
+constexpr qint64 minuteMs = 60'000;
+
+/// A minute, and each time four times as long, up to an hour and some.
+qint64 waitBefore(int attempt)
+{
+    return minuteMs << (2 * std::min(attempt, 3));
+}
+
+/// What is left of a job that failed.
+bool isIncompleteByName(const QString &path)
+{
+    static const QRegularExpression mark(u"\\(incomplete\\)(?: \\(\\d+\\))?$"_s);
+    return mark.match(QFileInfo(path).completeBaseName()).hasMatch();
+}
+
+qint64 steadyMilliseconds()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
 } // namespace
 
 QStringList KXWatchModeController::movieExtensions()
@@ -37,6 +64,7 @@ KXWatchModeController::KXWatchModeController(KXPreferences *preferences,
                                              const prefs::WatchIntervals &intervals)
     : m_preferences(preferences)
     , m_listing(std::make_unique<prefs::WatchListing>())
+    , m_clock(steadyMilliseconds)
 {
     m_watchTimer.setInterval(intervals.poll);
     connect(&m_watchTimer, &QTimer::timeout, this, &KXWatchModeController::watchLoop);
@@ -69,14 +97,12 @@ bool KXWatchModeController::startWatchMode()
 {
     setWatchFolderURL(m_preferences == nullptr ? QUrl() : m_preferences->watchFolderURL());
     setWatchFolderPath(watchFolderURL().toLocalFile());
-    m_folder = m_listing->canonicalFolder(watchFolderPath());
-    if (m_folder.isNull()) {
-        setWatchFolderPath(u"must select a valid directory to start watch mode"_s);
+    if (const QString problem = startProblem(); !problem.isNull()) {
+        setWatchFolderPath(problem);
         Q_EMIT folderChanged();
         return false;
     }
-    m_files.growing().clear();
-    m_files.setBase(m_listing->movies(m_folder, movieExtensionsList()));
+    takeWhatIsThere();
     m_drawerTimer.stop();
     m_watchTimer.start();
     setAppIsInWatchMode(true);
@@ -84,6 +110,41 @@ bool KXWatchModeController::startWatchMode()
     Q_EMIT folderChanged();
     m_toggleTimer.start();
     return true;
+}
+
+QString KXWatchModeController::startProblem()
+{
+    m_folder = m_listing->canonicalFolder(watchFolderPath());
+    if (m_folder.isNull())
+        return u"must select a valid directory to start watch mode"_s;
+    return m_watcher.take(m_folder);
+}
+
+/// What waited at the end of the last watch waits on, what is new is known from now on.
+void KXWatchModeController::takeWhatIsThere()
+{
+    m_journal.open(m_folder, m_dataFolder);
+    m_files.growing().clear();
+    m_seen.clear();
+    m_look = 0;
+    QStringList known;
+    QStringList waiting;
+    QList<Film> unknown;
+    const QList<Entry> entries = m_listing->entries(m_folder, movieExtensionsList());
+    for (const Entry &entry : entries) {
+        if (isKnown(entry)) {
+            known.append(entry.path);
+        } else if (const Film film = filmAt(entry.path); m_takesExisting || m_journal.waits(film)) {
+            waiting.append(entry.path);
+        } else {
+            unknown.append(film);
+            known.append(entry.path);
+        }
+    }
+    m_journal.note(prefs::WatchJournal::Why::Known, unknown);
+    m_journal.tidy(QSet<QString>(known.begin(), known.end()));
+    m_files.setBase(known);
+    watchNew(waiting);
 }
 
 void KXWatchModeController::delayedToggleWindows()
@@ -95,6 +156,7 @@ void KXWatchModeController::endWatchMode()
 {
     m_watchTimer.stop();
     m_toggleTimer.stop();
+    m_watcher.release();
     Q_EMIT windowsSwapped(false);
     m_drawerTimer.start();
 }
@@ -137,68 +199,120 @@ void KXWatchModeController::outputAnnounced(const QUrl &output)
     m_files.announce(output.toLocalFile());
 }
 
+KXWatchModeController::Film KXWatchModeController::filmAt(const QString &path) const
+{
+    const prefs::WatchListing::State state = m_listing->stateOf(path);
+    return {path, state.size, state.changed, state.inode};
+}
+
 void KXWatchModeController::fileRefused(const QUrl &file)
 {
     const QString path = file.toLocalFile();
+    m_handedOver.remove(path);
+    m_journal.note(prefs::WatchJournal::Why::Refused, {filmAt(path)});
     if (m_files.refused(path, m_listing->stateOf(path)) == prefs::WatchedFiles::mostAttempts)
         Q_EMIT fileGivenUp(path);
 }
 
+/// It is known as it was handed over: what was put in its place meanwhile is another film.
+void KXWatchModeController::fileDone(const QUrl &file)
+{
+    const QString path = file.toLocalFile();
+    m_later.remove(path);
+    if (m_handedOver.contains(path))
+        m_journal.note(prefs::WatchJournal::Why::Known, {m_handedOver.take(path)});
+}
+
+void KXWatchModeController::fileLater(const QUrl &file)
+{
+    const QString path = file.toLocalFile();
+    Later &later = m_later[path];
+    later.notBefore = m_clock() + waitBefore(later.attempts++);
+    m_handedOver.remove(path);
+}
+
 void KXWatchModeController::watchLoop()
 {
-    const QStringList current = m_listing->movies(m_folder, movieExtensionsList());
+    const QList<Entry> current = m_listing->entries(m_folder, movieExtensionsList());
     if (m_listing->canonicalFolder(m_folder).isNull()) { // asked afterwards: it may vanish while it is read
-        Q_EMIT folderMissing(); // what is known stays: when the folder is back, its files are no new ones
+        Q_EMIT folderMissing();
         return;
     }
-    if (current.isEmpty()) {
-        m_files.setBase({});
-        forgetVanished(current);
-    } else {
-        lookAt(current);
-    }
+    m_journal.refresh();
+    ++m_look;
+    lookAt(current);
+    if (m_look % looksUntilTidied == 0)
+        m_journal.tidy(QSet<QString>(m_files.base().begin(), m_files.base().end()));
     Q_EMIT drawerWanted(false);
 }
 
-void KXWatchModeController::lookAt(const QStringList &current)
+void KXWatchModeController::lookAt(const QList<Entry> &current)
 {
-    watchChangedAgain();
     const QSet<QString> growing = m_files.growingPaths();
+    QStringList there;
     QStringList known;
     QStringList fresh;
-    bool stillGrowing = false;
-    for (const QString &path : current) {
-        if (m_files.isInBase(path))
-            known.append(path);
-        else if (growing.contains(path))
-            stillGrowing = true;
-        else if (!m_files.isAnnounced(path))
-            fresh.append(path);
+    for (const Entry &entry : current) {
+        there.append(entry.path);
+        if (growing.contains(entry.path))
+            continue;
+        (isKnown(entry) ? known : fresh).append(entry.path);
     }
-    if (fresh.isEmpty() && !stillGrowing && growing.isEmpty() && known.size() == m_files.base().size())
-        return;
-    if (known.size() < m_files.base().size())
-        m_files.setBase(known); // files that vanished may come back as new ones
-    forgetVanished(current);
+    m_files.setBase(known);
+    forgetVanished(there);
     takeFinished();
     watchNew(fresh);
     if (!m_toProcess.isEmpty())
         Q_EMIT filesReady(urlsOf(std::exchange(m_toProcess, {})));
 }
 
-/// Refused files that have changed are no longer among the known ones, and so are new again.
-void KXWatchModeController::watchChangedAgain()
+/// Known files are looked at themselves in turn, since there may be tens of thousands; another file under the
+/// name shows in the listing at once.
+bool KXWatchModeController::isKnown(const Entry &entry)
 {
-    const QStringList changed = m_files.changedSinceRefused(*m_listing);
-    for (const QString &path : changed)
-        m_files.watchAgain(path);
+    const auto seen = m_seen.find(entry.path);
+    if (seen != m_seen.end() && *seen == entry.number && !isLookedAtNow(entry.path))
+        return true;
+    const bool known = isKnownByItself(entry);
+    if (known)
+        m_seen.insert(entry.path, entry.number);
+    else
+        m_seen.remove(entry.path);
+    return known;
+}
+
+bool KXWatchModeController::isLookedAtNow(const QString &path) const
+{
+    return m_handedOver.contains(path) || m_later.contains(path) || m_files.wasRefused(path) ||
+           qHash(path) % looksUntilAllAreSeen == m_look % looksUntilAllAreSeen;
+}
+
+bool KXWatchModeController::isKnownByItself(const Entry &entry)
+{
+    using Why = prefs::WatchJournal::Why;
+    if (!entry.isNameUtf8) {
+        if (!m_toldNames.contains(entry.path))
+            Q_EMIT nameNotReadable(entry.path);
+        m_toldNames.insert(entry.path);
+        return true;
+    }
+    if (isIncompleteByName(entry.path) || m_files.isAnnounced(entry.path))
+        return true;
+    const Film film = filmAt(entry.path);
+    if (const auto handed = m_handedOver.find(entry.path); handed != m_handedOver.end())
+        return handed->isSameContent(film);
+    if (m_files.isGivenUp(entry.path, {film.size, film.changed, film.inode}))
+        return true;
+    const auto why = m_journal.find(film);
+    if (why == Why::Waiting)
+        return m_later.contains(entry.path) && m_clock() < m_later.value(entry.path).notBefore;
+    return why == Why::Refused ? m_look > 0 : why.has_value();
 }
 
 void KXWatchModeController::forgetVanished(const QStringList &current)
 {
-    if (m_files.growing().isEmpty())
-        return;
     const QSet<QString> there(current.begin(), current.end());
+    m_seen.removeIf([&](QHash<QString, quint64>::iterator seen) { return !there.contains(seen.key()); });
     m_files.growing().removeIf([&](const prefs::WatchedFiles::Growing &file) {
         if (there.contains(file.path))
             return false;
@@ -211,22 +325,49 @@ void KXWatchModeController::forgetVanished(const QStringList &current)
 void KXWatchModeController::takeFinished()
 {
     QList<prefs::WatchedFiles::Growing> still;
-    for (const prefs::WatchedFiles::Growing &file : std::as_const(m_files.growing())) {
+    for (prefs::WatchedFiles::Growing &file : m_files.growing()) {
         const QString size = sizeText(m_listing->stateOf(file.path).size);
-        if (size == u"0"_s || size != file.oldSize) {
-            still.append({file.path, size});
-            continue;
-        }
-        m_toProcess.append(file.path);
-        m_files.appendToBase(file.path);
+        if (size == u"0"_s || size != file.oldSize)
+            still.append({file.path, size, m_clock()});
+        else if (!isTakenAsWhole(file))
+            still.append(file);
+        else
+            handOver(file.path);
     }
     m_files.growing() = still;
 }
 
+/// A copy that stalls stops growing too. What never becomes whole is taken after an hour; the job then says
+/// where it ends.
+bool KXWatchModeController::isTakenAsWhole(prefs::WatchedFiles::Growing &file)
+{
+    if (m_listing->wholenessOf(file.path) == prefs::WatchListing::Wholeness::Whole ||
+        m_clock() - file.changedAt >= patienceMs)
+        return true;
+    if (!std::exchange(file.isTold, true))
+        Q_EMIT fileNotWhole(file.path);
+    return false;
+}
+
+void KXWatchModeController::handOver(const QString &path)
+{
+    const Film film = filmAt(path);
+    m_journal.note(prefs::WatchJournal::Why::Waiting, {film});
+    m_handedOver.insert(path, film);
+    m_files.appendToBase(path);
+    m_toProcess.append(path);
+}
+
+/// Written down at once: were the program to end, it would be an old film at the next start.
 void KXWatchModeController::watchNew(const QStringList &files)
 {
-    for (const QString &path : files)
-        m_files.growing().append({path, sizeText(m_listing->stateOf(path).size)});
-    if (!files.isEmpty())
-        Q_EMIT filesFound(files);
+    QList<Film> films;
+    for (const QString &path : files) {
+        films.append(filmAt(path));
+        m_files.growing().append({path, sizeText(films.constLast().size), m_clock()});
+    }
+    if (files.isEmpty())
+        return;
+    m_journal.note(prefs::WatchJournal::Why::Waiting, films);
+    Q_EMIT filesFound(files);
 }

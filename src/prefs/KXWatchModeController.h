@@ -2,11 +2,14 @@
 
 #include "platform/Fields.h"
 #include "prefs/WatchIntervals.h"
+#include "prefs/WatchJournal.h"
 #include "prefs/WatchedFiles.h"
+#include "prefs/WatchedFolder.h"
 
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class KXPreferences;
@@ -15,9 +18,10 @@ namespace platform {
 class Chooser;
 }
 
-/// Watches one folder: tells new movies from old ones, waits until each has stopped growing, and says which
-/// are ready. Owned by the program; the queue looks down at it and tells it the outputs that are written. It
-/// opens no file and starts no job. Main thread only.
+/// Watches one folder: tells new movies from old ones, waits until each is whole, and says which are ready.
+/// What is known stands in a journal on disk, so that neither an end of the program nor an empty or missing
+/// folder forgets it. Owned by the program; the queue looks down at it and tells it the outputs that are
+/// written. It starts no job. Main thread only.
 class KXWatchModeController final : public QObject
 {
     Q_OBJECT
@@ -27,7 +31,8 @@ class KXWatchModeController final : public QObject
     KX_FIELD(QUrl, watchFolderURL, setWatchFolderURL, {})
     /// In lower case.
     KX_FIELD(QStringList, movieExtensionsList, setMovieExtensionsList, movieExtensions())
-    /// Present when watching began, already handed over, or written by ourselves.
+    /// Those of the last look that are not to be processed: present when watching began, handed over, written
+    /// by ourselves.
     Q_PROPERTY(
         QList<QUrl> baseWatchFolderMovieList READ baseWatchFolderMovieList WRITE setBaseWatchFolderMovieList)
     /// Files that may still grow: {"fileURL", "oldSize": bytes as text}.
@@ -41,6 +46,14 @@ public:
 
     /// Another view of the folder, for tests.
     void setListing(std::unique_ptr<prefs::WatchListing> listing) { m_listing = std::move(listing); }
+    /// Milliseconds from anywhere on; the system's own where none is set.
+    void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
+    /// Where the journal of a folder lies that can't be written.
+    void setDataFolder(const QString &folder) { m_dataFolder = folder; }
+    /// Films that the journal does not know at the start are processed too.
+    void setTakesExisting(bool takes) { m_takesExisting = takes; }
+    /// False where the journal of the watched folder lies elsewhere, or nowhere.
+    bool isJournalInFolder() const { return m_journal.isInFolder(); }
 
     void chooseWatchFolderURL(platform::Chooser &chooser);
     /// False when the folder can't be watched; watchFolderPath() then says so.
@@ -56,8 +69,14 @@ public:
 
     /// An output that a job writes, whether or not watch mode is on: never a new movie.
     void outputAnnounced(const QUrl &output);
-    /// A file that was handed over could not be opened; it is looked at again when it has changed.
+    /// A file that was handed over could not be opened; it is looked at again when it has changed, and at the
+    /// next start.
     void fileRefused(const QUrl &file);
+    /// A file that was handed over is done with, however that went. Until then it waits, also for the next
+    /// start.
+    void fileDone(const QUrl &file);
+    /// A file that was handed over could not be processed now; it is handed over again, later each time.
+    void fileLater(const QUrl &file);
 
     static constexpr int fadeMilliseconds = 100;
 
@@ -74,20 +93,49 @@ Q_SIGNALS:
     void folderMissing();
     void fileGivenUp(const QString &path);
     void fileForgotten(const QString &path);
+    /// It has stopped growing and is still being written, or is shorter than it says itself.
+    void fileNotWhole(const QString &path);
+    /// Its name is not UTF-8, so that no tool can open it.
+    void nameNotReadable(const QString &path);
 
 private:
+    using Film = prefs::WatchJournal::Film;
+    using Entry = prefs::WatchListing::Entry;
+    struct Later
+    {
+        qint64 notBefore = 0;
+        int attempts = 0;
+    };
+
     static QStringList movieExtensions();
     void delayedToggleWindows();
     void delayedOpenDrawer();
-    void lookAt(const QStringList &current);
+    QString startProblem();
+    void takeWhatIsThere();
+    void lookAt(const QList<Entry> &current);
+    bool isKnown(const Entry &entry);
+    bool isKnownByItself(const Entry &entry);
+    bool isLookedAtNow(const QString &path) const;
     void forgetVanished(const QStringList &current);
     void takeFinished();
+    bool isTakenAsWhole(prefs::WatchedFiles::Growing &file);
+    void handOver(const QString &path);
     void watchNew(const QStringList &files);
-    void watchChangedAgain();
+    Film filmAt(const QString &path) const;
 
     KXPreferences *m_preferences;
     std::unique_ptr<prefs::WatchListing> m_listing;
+    std::function<qint64()> m_clock;
+    QString m_dataFolder;
+    bool m_takesExisting = false;
+    prefs::WatchedFolder m_watcher;
+    prefs::WatchJournal m_journal;
     prefs::WatchedFiles m_files;
+    QHash<QString, quint64> m_seen; ///< known ones, with the number of their directory entry
+    QHash<QString, Film> m_handedOver;
+    QHash<QString, Later> m_later;
+    QSet<QString> m_toldNames;
+    quint32 m_look = 0; ///< how many there were since the start
     QStringList m_toProcess;
     QTimer m_watchTimer;
     QTimer m_toggleTimer;

@@ -1,10 +1,14 @@
 #include "prefs/WatchListing.h"
 
+#include "media/DeclaredBytes.h"
+#include "platform/OpenFiles.h"
+
 #include <QByteArrayList>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <QUrl>
 
 #include <dirent.h>
 #include <memory>
@@ -36,6 +40,11 @@ QByteArray extensionOf(const QByteArray &name)
     return point < 0 ? QByteArray() : name.mid(point + 1).toLower();
 }
 
+bool isUtf8(const QByteArray &path)
+{
+    return QString::fromUtf8(path).toUtf8() == path;
+}
+
 } // namespace
 
 QString WatchListing::canonicalFolder(const QString &path) const
@@ -47,12 +56,12 @@ QString WatchListing::canonicalFolder(const QString &path) const
 /// Walks by the directory entries alone, without a look at each file: folders can be large. Each folder is
 /// read on its own, so that one that vanishes meanwhile takes only its own files along. Files that are still
 /// being downloaded end in an extension of their own, so they are no movies; a leading "._" is hidden.
-QStringList WatchListing::movies(const QString &folder, const QStringList &extensions) const
+QList<WatchListing::Entry> WatchListing::entries(const QString &folder, const QStringList &extensions) const
 {
     QSet<QByteArray> wanted;
     for (const QString &extension : extensions)
         wanted.insert(extension.toUtf8());
-    QStringList found;
+    QList<Entry> found;
     QByteArrayList folders{QFile::encodeName(folder)};
     while (!folders.isEmpty()) {
         const QByteArray place = folders.takeLast();
@@ -66,18 +75,34 @@ QStringList WatchListing::movies(const QString &folder, const QStringList &exten
             if (type == DT_DIR)
                 folders.append(path);
             else if (type == DT_REG && wanted.contains(extensionOf(name)))
-                found.append(QFile::decodeName(path));
+                found.append({QFile::decodeName(path), entry->d_ino, isUtf8(path)});
         }
     }
     return found;
 }
 
+QStringList WatchListing::movies(const QString &folder, const QStringList &extensions) const
+{
+    QStringList paths;
+    for (const Entry &entry : entries(folder, extensions))
+        paths.append(entry.path);
+    return paths;
+}
+
 WatchListing::State WatchListing::stateOf(const QString &path) const
 {
-    const QFileInfo info(path);
-    if (!info.exists())
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return {};
-    return {info.size(), info.lastModified().toMSecsSinceEpoch()};
+    return {status.st_size, QFileInfo(path).lastModified().toMSecsSinceEpoch(), status.st_ino};
+}
+
+WatchListing::Wholeness WatchListing::wholenessOf(const QString &path) const
+{
+    if (platform::isOpenForWriting(path))
+        return Wholeness::IsBeingWritten;
+    const auto declared = media::declaredBytesOf(QUrl::fromLocalFile(path));
+    return declared && *declared > QFileInfo(path).size() ? Wholeness::IsShorterThanItSays : Wholeness::Whole;
 }
 
 } // namespace prefs

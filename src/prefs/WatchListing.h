@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 
 namespace prefs {
@@ -13,17 +14,30 @@ public:
     {
         qint64 size = -1;
         qint64 changed = 0;
+        quint64 inode = 0; ///< 0 where the volume has none to go by
 
         bool operator==(const State &) const = default;
     };
+    /// A film as its folder lists it, without a look at the film itself.
+    struct Entry
+    {
+        QString path;
+        quint64 number = 0;     ///< of the directory entry: another one is another file
+        bool isNameUtf8 = true; ///< else no tool can be given the name
+    };
+    /// Whether a file that has stopped growing is all there.
+    enum class Wholeness { Whole, IsBeingWritten, IsShorterThanItSays };
 
     virtual ~WatchListing() = default;
     /// The folder's path without links; a null text when there is no such folder.
     virtual QString canonicalFolder(const QString &path) const;
     /// The regular files in the folder and its sub-folders that end in one of the (lower-case) extensions.
     /// Hidden files and folders, links, and names of files that are still being downloaded are left out.
-    virtual QStringList movies(const QString &folder, const QStringList &extensions) const;
+    virtual QList<Entry> entries(const QString &folder, const QStringList &extensions) const;
+    QStringList movies(const QString &folder, const QStringList &extensions) const;
     virtual State stateOf(const QString &path) const;
+    /// Reads a few bytes of its head. "Whole" where neither the system nor the file tells.
+    virtual Wholeness wholenessOf(const QString &path) const;
 };
 
 } // namespace prefs

@@ -65,30 +65,15 @@ QSet<QString> WatchedFiles::growingPaths() const
 int WatchedFiles::refused(const QString &path, const WatchListing::State &state)
 {
     Refusal &refusal = m_refusals[path];
-    ++refusal.count;
-    refusal.state = state;
-    refusal.waits = refusal.count < mostAttempts;
-    return refusal.count;
+    if (refusal.inode != state.inode)
+        refusal = {0, state.inode};
+    return ++refusal.count;
 }
 
-QStringList WatchedFiles::changedSinceRefused(const WatchListing &listing) const
+bool WatchedFiles::isGivenUp(const QString &path, const WatchListing::State &state) const
 {
-    QStringList changed;
-    for (auto refusal = m_refusals.begin(); refusal != m_refusals.end(); ++refusal) {
-        if (!refusal->waits)
-            continue;
-        const WatchListing::State now = listing.stateOf(refusal.key());
-        if (now.size >= 0 && now != refusal->state)
-            changed.append(refusal.key());
-    }
-    return changed;
-}
-
-void WatchedFiles::watchAgain(const QString &path)
-{
-    m_refusals[path].waits = false;
-    m_base.removeAll(path);
-    m_baseSet.remove(path);
+    const auto refusal = m_refusals.find(path);
+    return refusal != m_refusals.end() && refusal->inode == state.inode && refusal->count >= mostAttempts;
 }
 
 } // namespace prefs

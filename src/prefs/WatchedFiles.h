@@ -29,16 +29,19 @@ public:
     {
         QString path;
         QString oldSize;
+        qint64 changedAt = 0; ///< when the size was seen to change the last time, by the clock of the looks
+        bool isTold = false;  ///< that it stopped and is not whole
     };
     QList<Growing> &growing() { return m_growing; }
     const QList<Growing> &growing() const { return m_growing; }
     QSet<QString> growingPaths() const;
 
-    /// A file that was handed over and could not be opened. Answers how often that has happened.
+    /// A file that was handed over and could not be opened. Answers how often that has happened to this very
+    /// file: another one of its name begins anew.
     int refused(const QString &path, const WatchListing::State &state);
-    /// The refused files that changed since, by a fresh look; they may be watched again.
-    QStringList changedSinceRefused(const WatchListing &listing) const;
-    void watchAgain(const QString &path);
+    bool wasRefused(const QString &path) const { return m_refusals.contains(path); }
+    /// Whether it was refused so often that no change of it counts any more.
+    bool isGivenUp(const QString &path, const WatchListing::State &state) const;
 
     static constexpr int mostAttempts = 5;
 
@@ -46,8 +49,7 @@ private:
     struct Refusal
     {
         int count = 0;
-        WatchListing::State state;
-        bool waits = false;
+        quint64 inode = 0;
     };
 
     QStringList m_base;

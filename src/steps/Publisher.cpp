@@ -1,5 +1,7 @@
 #include "steps/Publisher.h"
 
+#include "prefs/WatchJournal.h"
+
 #include <QFileInfo>
 #include <QMutex>
 #include <QWaitCondition>
@@ -61,6 +63,15 @@ QList<Publication> inSafeOrder(QList<Publication> publications)
     return publications;
 }
 
+/// A folder that is watched must not take them for films that have arrived.
+void noteAsOutputs(const QList<Publication> &publications)
+{
+    QList<prefs::WatchJournal::Output> outputs;
+    for (const Publication &publication : publications)
+        outputs.append({publication.file, publication.name});
+    prefs::WatchJournal::noteOutputs(outputs);
+}
+
 PublishResult attemptOf(const QUrl &workFolder, const QList<Publication> &publications,
                         const MayMove &mayMove)
 {
@@ -71,6 +82,7 @@ PublishResult attemptOf(const QUrl &workFolder, const QList<Publication> &public
     if (!writeRecord(workFolder, publications))
         return {PublishResult::End::NotFlushed, publications.constFirst().name};
     platform::flushFolder(workFolder);
+    noteAsOutputs(publications);
     if (!mayMove())
         return {PublishResult::End::Failed, {}};
     const PublishResult result = moveAll(inSafeOrder(publications));

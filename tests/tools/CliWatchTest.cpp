@@ -130,18 +130,42 @@ private Q_SLOTS:
             ::kill(static_cast<pid_t>(pid), SIGKILL);
         QVERIFY(waitFor([this] { return m_cli->processes().isEmpty(); }));
         const QByteArray film = m_cli->scratch().read(u"media/in/long.mkv"_s);
+        m_cli->setTool(u"ffmpeg/ffmpeg"_s, u"exec /usr/bin/ffmpeg \"$@\""_s);
         watch({u"--json"_s});
         QVERIFY2(tells(u"failed"_s, u"in/long.m4v was not finished when the program ended the last time."_s),
                  qPrintable(said()));
-        QVERIFY(tells(u"note"_s, u"in/long.mkv is already there and is not processed."_s));
+        QVERIFY2(tells(u"done"_s, u"long.mkv"_s), qPrintable(said())); // what waited waits no longer
+        QCOMPARE(count(u"started"_s, {}), 1);
+        QCOMPARE(end(SIGINT).status, 130);
+        QCOMPARE(names(), QStringList({u"long.m4v"_s, u"long.mkv"_s}));
+        QVERIFY(m_cli->scratch().read(u"media/in/long.mkv"_s) == film);
+        renameAll({{u"long.mkv"_s, u"other.mkv"_s}, {u"long.m4v"_s, u"result.m4v"_s}});
+        watch({u"--json"_s}); // it is named once, and both are known under whatever names
+        QVERIFY(tells(u"note"_s, u"other.mkv is already there"_s));
+        renameAll({{u"other.mkv"_s, u"third.mkv"_s}, {u"result.m4v"_s, u"third.m4v"_s}});
         waitForTwoLooks();
         QCOMPARE(count(u"started"_s, {}), 0);
+        QCOMPARE(count(u"failed"_s, u"was not finished"_s), 0);
         QCOMPARE(end(SIGINT).status, 130);
-        QCOMPARE(names(), QStringList({u"last.mkv"_s, u"last.mkv.error.txt"_s, u"long.mkv"_s}));
-        QVERIFY(m_cli->scratch().read(u"media/in/long.mkv"_s) == film);
-        watch({u"--json"_s}); // it is named once
-        QVERIFY(tells(u"note"_s, u"long.mkv is already there"_s));
-        QCOMPARE(count(u"failed"_s, {}), 0);
+    }
+
+    void aFolderHasOneWatcherAndItsOutputsAreKnownToOthers()
+    {
+        QVERIFY(QDir().mkpath(m_cli->media(u"in/sub"_s)));
+        m_cli->clip(support::fullMkv(), u"in/sub/old.mkv"_s);
+        watch({u"--json"_s, u"--existing"_s});
+        QVERIFY2(tells(u"done"_s, u"old.mkv"_s), qPrintable(said()));
+        for (const QString &folder : {u"in"_s, u"in/sub"_s, u"."_s}) {
+            const CliFixture::Run second = m_cli->run(QStringList{u"watch"_s, folder} + presets, 20000);
+            QCOMPARE(second.status, 2);
+            const QString holder = u"is watched already by process %1 on "_s.arg(m_process->processId());
+            QVERIFY2(QString::fromUtf8(second.output).contains(holder), second.output.constData());
+        }
+        // By another program, into the folder.
+        m_cli->clip(support::fullMkv(), u"elsewhere.mkv"_s);
+        QCOMPARE(m_cli->run({u"--save-dir"_s, u"in/sub"_s, u"remux"_s, u"elsewhere.mkv"_s}).status, 0);
+        waitForTwoLooks();
+        QCOMPARE(count(u"started"_s, {}), 1);
         QCOMPARE(end(SIGINT).status, 130);
     }
 
@@ -237,6 +261,12 @@ private:
     {
         m_cli->clip(clip, u"outside/"_s + name);
         QVERIFY(QFile::rename(m_cli->media(u"outside/"_s + name), m_cli->media(u"in/"_s + name)));
+    }
+
+    void renameAll(const QList<std::pair<QString, QString>> &names)
+    {
+        for (const auto &[from, to] : names)
+            QVERIFY(QFile::rename(m_cli->media(u"in/"_s + from), m_cli->media(u"in/"_s + to)));
     }
 
     /// What is no film is told when two looks have found it alike, and what they start is started by then.

@@ -272,8 +272,10 @@ private Q_SLOTS:
         haltFfmpeg();
         QVERIFY(session().start());
         m_fixture->program().preferences().setSaveDirectoryURL(m_fixture->scratch().url(u"gone"_s));
-        arrive({m_fixture->film(support::textMp4(), u"a.mp4"_s)});
-        QVERIFY(tells(u"failed The application does not have permision to write to the save folder"_s));
+        const QString film = m_fixture->film(support::textMp4(), u"a.mp4"_s);
+        arrive({film});
+        QVERIFY(tells(u"failed "_s + film +
+                      u": The application does not have permision to write to the save folder"_s));
         m_fixture->program().preferences().setSaveDirectoryURL({});
         arrive({m_fixture->film(support::textMp4(), u"b.mp4"_s)});
         QVERIFY(jobsBecome({u"MKV Conversion b.mp4"_s}));

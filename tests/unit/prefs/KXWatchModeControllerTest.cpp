@@ -25,14 +25,15 @@ struct Shelf
     bool isThere = true;
     QStringList order;
     QHash<QString, State> states;
+    QStringList halfOnes; ///< shorter than they say themselves
     bool vanishesWhenListed = false;
     int listed = 0;
 
-    void put(const QString &path, qint64 size, qint64 changed = 0)
+    void put(const QString &path, qint64 size, qint64 changed = 0, quint64 inode = 0)
     {
         if (!order.contains(path))
             order.append(path);
-        states[path] = {size, changed};
+        states[path] = {size, changed, inode};
     }
     void take(const QString &path)
     {
@@ -52,14 +53,21 @@ public:
     {
         return m_shelf.isThere && path == folder ? folder : QString();
     }
-    QStringList movies(const QString &path, const QStringList & /*extensions*/) const override
+    QList<Entry> entries(const QString &path, const QStringList & /*extensions*/) const override
     {
         ++m_shelf.listed;
         if (m_shelf.vanishesWhenListed)
             m_shelf.isThere = false;
-        return path == folder ? m_shelf.order : QStringList();
+        QList<Entry> entries;
+        for (const QString &film : path == folder ? m_shelf.order : QStringList())
+            entries.append({film, m_shelf.states.value(film).inode});
+        return entries;
     }
     State stateOf(const QString &path) const override { return m_shelf.states.value(path); }
+    Wholeness wholenessOf(const QString &path) const override
+    {
+        return m_shelf.halfOnes.contains(path) ? Wholeness::IsShorterThanItSays : Wholeness::Whole;
+    }
 
 private:
     Shelf &m_shelf;
@@ -259,10 +267,121 @@ private Q_SLOTS:
     {
         m_shelf->put(u"/w/old.mkv"_s, 5);
         startAndPoll();
-        m_shelf->put(u"/w/old.mkv"_s, 50, 9); // grows even
-        poll(4);
+        poll(40);
         QVERIFY(m_ready.isEmpty());
         QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
+    }
+
+    /// Known ones are looked at in turn, all of them within twelve looks.
+    void aFileThatTakesThePlaceOfAKnownOneIsNew_data()
+    {
+        QTest::addColumn<quint64>("inode");
+        QTest::addColumn<int>("looks");
+        QTest::newRow("another file: seen at once") << quint64(8) << 1;
+        QTest::newRow("the same file with another content: within a minute") << quint64(7) << 12;
+    }
+
+    void aFileThatTakesThePlaceOfAKnownOneIsNew()
+    {
+        QFETCH(quint64, inode);
+        QFETCH(int, looks);
+        m_shelf->put(u"/w/film.mkv"_s, 5, 1, 7);
+        startAndPoll();
+        m_shelf->put(u"/w/film.mkv"_s, 50, 9, inode);
+        poll(looks + 1);
+        QCOMPARE(m_ready, QStringList{u"/w/film.mkv"_s});
+    }
+
+    void aKnownFileThatWasRenamedIsKnown()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5, 1, 7);
+        startAndPoll();
+        m_shelf->take(u"/w/old.mkv"_s);
+        m_shelf->put(u"/w/sub/new.mkv"_s, 5, 1, 7);
+        poll(20);
+        QVERIFY(m_ready.isEmpty());
+    }
+
+    void existingFilesAreTakenWhereThatIsWanted()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        m_watch->setTakesExisting(true);
+        QVERIFY(m_watch->startWatchMode());
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
+    }
+
+    void whatAJobThatFailedLeftIsNeverTaken_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("isTaken");
+        QTest::newRow("incomplete") << u"/w/a (incomplete).mkv"_s << false;
+        QTest::newRow("a second one") << u"/w/a (incomplete) (2).mkv"_s << false;
+        QTest::newRow("a film about it") << u"/w/a (incomplete) story.mkv"_s << true;
+    }
+
+    void whatAJobThatFailedLeftIsNeverTaken()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, isTaken);
+        startAndPoll();
+        m_shelf->put(name, 5);
+        poll(3);
+        QCOMPARE(m_ready.size(), isTaken ? 1 : 0);
+    }
+
+    void aFileThatIsShorterThanItSaysWaitsForItsRest()
+    {
+        startAndPoll();
+        QSignalSpy notWhole(m_watch.get(), &KXWatchModeController::fileNotWhole);
+        m_shelf->halfOnes = {u"/w/film.mkv"_s};
+        m_shelf->put(u"/w/film.mkv"_s, 5);
+        poll(30); // the copy has stalled
+        QVERIFY(m_ready.isEmpty());
+        QCOMPARE(notWhole.size(), 1);
+        m_shelf->halfOnes.clear();
+        m_shelf->put(u"/w/film.mkv"_s, 9, 2);
+        poll(2);
+        QCOMPARE(m_ready, QStringList{u"/w/film.mkv"_s});
+    }
+
+    void anHourWithoutAChangeIsEnough()
+    {
+        qint64 now = 0;
+        m_watch->setClock([&] { return now; });
+        startAndPoll();
+        m_shelf->halfOnes = {u"/w/film.mkv"_s};
+        m_shelf->put(u"/w/film.mkv"_s, 5);
+        poll(2);
+        now = 3'599'999;
+        poll();
+        QVERIFY(m_ready.isEmpty());
+        now = 3'600'000;
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/film.mkv"_s});
+    }
+
+    void whatCouldNotBeDoneNowIsDoneLater()
+    {
+        qint64 now = 0;
+        m_watch->setClock([&] { return now; });
+        startAndPoll();
+        m_shelf->put(u"/w/film.mkv"_s, 5);
+        poll(2);
+        for (const qint64 minutes : {1, 4, 16, 64, 64}) {
+            m_ready.clear();
+            m_watch->fileLater(url(u"/w/film.mkv"_s));
+            now += minutes * 60'000 - 1;
+            poll(15);
+            QVERIFY(m_ready.isEmpty());
+            ++now;
+            poll(2);
+            QCOMPARE(m_ready, QStringList{u"/w/film.mkv"_s});
+        }
+        m_watch->fileDone(url(u"/w/film.mkv"_s));
+        now += 1'000'000'000;
+        poll(30);
+        QCOMPARE(m_ready.size(), 1);
     }
 
     void aFileCopiedOverTwelveSecondsIsTakenAtTheFirstPollAfterItsSizeStopsChanging()
@@ -398,27 +517,29 @@ private Q_SLOTS:
         QCOMPARE(m_watch->monitorWatchFolderMovieList().size(), 1);
     }
 
-    void aKnownFileThatVanishedMayComeBackAsANewOne()
+    void aKnownFileThatVanishedComesBackAsAKnownOne_data()
     {
-        m_shelf->put(u"/w/old.mkv"_s, 5);
-        m_shelf->put(u"/w/other.mkv"_s, 5);
-        startAndPoll();
-        m_shelf->take(u"/w/old.mkv"_s);
-        poll();
-        QCOMPARE(m_watch->baseWatchFolderMovieList(), QList<QUrl>{url(u"/w/other.mkv"_s)});
-        m_shelf->put(u"/w/old.mkv"_s, 5);
-        poll(2);
-        QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
+        QTest::addColumn<bool>("isFolderEmptyMeanwhile");
+        QTest::newRow("among others") << false;
+        QTest::newRow("the only one") << true;
     }
 
-    void anEmptyFolderForgetsEverything()
+    void aKnownFileThatVanishedComesBackAsAKnownOne()
     {
+        QFETCH(bool, isFolderEmptyMeanwhile);
         m_shelf->put(u"/w/old.mkv"_s, 5);
+        if (!isFolderEmptyMeanwhile)
+            m_shelf->put(u"/w/other.mkv"_s, 5);
         startAndPoll();
         m_shelf->take(u"/w/old.mkv"_s);
         poll();
-        QVERIFY(m_watch->baseWatchFolderMovieList().isEmpty());
+        QCOMPARE(m_watch->baseWatchFolderMovieList().size(), isFolderEmptyMeanwhile ? 0 : 1);
         m_shelf->put(u"/w/old.mkv"_s, 5);
+        poll(15);
+        QVERIFY(m_ready.isEmpty());
+        m_shelf->take(u"/w/old.mkv"_s);
+        poll();
+        m_shelf->put(u"/w/old.mkv"_s, 6); // another film
         poll(2);
         QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
     }
@@ -553,6 +674,9 @@ private Q_SLOTS:
             QCOMPARE(givenUp.size(), change < 5 ? 0 : 1);
         }
         QCOMPARE(givenUp.constFirst().constFirst().toString(), u"/w/bad.mkv"_s);
+        m_shelf->put(u"/w/bad.mkv"_s, 90, 90, 9); // another file of that name
+        poll(3);
+        QCOMPARE(m_ready.size(), 6);
     }
 
     void aRefusedFileThatIsRefusedAtOnceIsNoDifferent()
@@ -577,7 +701,12 @@ private Q_SLOTS:
         m_watch->fileRefused(url(u"/w/bad.mkv"_s));
         m_shelf->take(u"/w/bad.mkv"_s);
         poll(2);
-        m_shelf->put(u"/w/bad.mkv"_s, 5, 1);
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 1, 8);
+        poll(2);
+        QCOMPARE(m_ready.size(), 1); // it is the same film, copied again
+        m_shelf->take(u"/w/bad.mkv"_s);
+        poll(2);
+        m_shelf->put(u"/w/bad.mkv"_s, 5, 2, 9);
         poll(2);
         QCOMPARE(m_ready.size(), 2);
     }

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <cstdio>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -139,6 +140,35 @@ private Q_SLOTS:
         QCOMPARE(state.changed, 1700000000500);
         QVERIFY(WatchListing().stateOf(path(u"gone.mkv"_s)) == WatchListing::State());
         QCOMPARE(WatchListing::State().size, -1);
+    }
+
+    void aFileIsWholeWhenNobodyWritesItAndItIsAsLongAsItSays()
+    {
+        using Wholeness = WatchListing::Wholeness;
+        // Matroska's head, and a segment that says it has 16 bytes
+        const QByteArray head = QByteArray::fromHex("1a45dfa3844286810118538067") + '\x90';
+        const QString film = m_scratch->write(u"w/a.mkv"_s, head + QByteArray(7, 'x'));
+        QCOMPARE(WatchListing().wholenessOf(film), Wholeness::IsShorterThanItSays);
+        QFile file(film);
+        QVERIFY(file.open(QIODevice::Append));
+        file.write(QByteArray(9, 'x'));
+        file.flush();
+        QCOMPARE(WatchListing().wholenessOf(film), Wholeness::IsBeingWritten);
+        file.close();
+        QVERIFY(file.open(QIODevice::ReadOnly)); // who reads it harms nothing
+        QCOMPARE(WatchListing().wholenessOf(film), Wholeness::Whole);
+    }
+
+    void aNameThatIsNotUtf8IsSeenAsSuch()
+    {
+        m_scratch->write(u"w/a.mkv"_s, "x");
+        QVERIFY(::rename(QFile::encodeName(path(u"a.mkv"_s)).constData(),
+                         (QFile::encodeName(path()) + "/\xff.mkv").constData()) == 0);
+        const auto entries = WatchListing().entries(path(), {u"mkv"_s});
+        QCOMPARE(entries.size(), 1);
+        QVERIFY(!entries.constFirst().isNameUtf8);
+        m_scratch->write(u"w/b.mkv"_s, "x");
+        QCOMPARE(WatchListing().entries(path(), {u"mkv"_s}).size(), 2);
     }
 
 private:

@@ -11,29 +11,6 @@ using namespace Qt::StringLiterals;
 using prefs::WatchedFiles;
 using State = prefs::WatchListing::State;
 
-namespace {
-
-/// Answers what a test says about any file.
-class OneState final : public prefs::WatchListing
-{
-public:
-    explicit OneState(const State &state)
-        : m_state(state)
-    {
-    }
-    State stateOf(const QString & /*path*/) const override { return m_state; }
-
-private:
-    State m_state;
-};
-
-QStringList changedWith(const WatchedFiles &files, const State &state)
-{
-    return files.changedSinceRefused(OneState(state));
-}
-
-} // namespace
-
 class WatchedFilesTest final : public QObject
 {
     Q_OBJECT
@@ -119,38 +96,18 @@ private Q_SLOTS:
         QCOMPARE(files.isAnnounced(path), isOurs);
     }
 
-    void aRefusedFileWaitsForAChangeOfSizeOrTime()
-    {
-        WatchedFiles files;
-        QCOMPARE(files.refused(u"/w/a.mkv"_s, {5, 10}), 1);
-        QVERIFY(changedWith(files, {5, 10}).isEmpty());
-        QCOMPARE(changedWith(files, {6, 10}), QStringList{u"/w/a.mkv"_s});
-        QCOMPARE(changedWith(files, {5, 11}), QStringList{u"/w/a.mkv"_s});
-        QVERIFY(changedWith(files, {-1, 0}).isEmpty()); // gone
-    }
-
-    void aFileThatIsWatchedAgainIsNoLongerKnownNorChanged()
-    {
-        WatchedFiles files;
-        files.setBase({u"/w/a.mkv"_s, u"/w/b.mkv"_s});
-        files.refused(u"/w/a.mkv"_s, {5, 10});
-        files.watchAgain(u"/w/a.mkv"_s);
-        QCOMPARE(files.base(), QStringList{u"/w/b.mkv"_s});
-        QVERIFY(!files.isInBase(u"/w/a.mkv"_s));
-        QVERIFY(changedWith(files, {6, 10}).isEmpty());
-    }
-
-    void afterTheFifthRefusalNoChangeCounts()
+    void afterTheFifthRefusalTheFileIsGivenUp()
     {
         QCOMPARE(WatchedFiles::mostAttempts, 5);
         WatchedFiles files;
-        for (int attempt = 1; attempt <= 4; ++attempt) {
-            QCOMPARE(files.refused(u"/w/a.mkv"_s, {attempt, 0}), attempt);
-            QCOMPARE(changedWith(files, {99, 0}).size(), 1);
+        for (int attempt = 1; attempt <= 5; ++attempt) {
+            QVERIFY(!files.isGivenUp(u"/w/a.mkv"_s, {99, 0, 7}));
+            QCOMPARE(files.refused(u"/w/a.mkv"_s, {attempt, 0, 7}), attempt);
         }
-        QCOMPARE(files.refused(u"/w/a.mkv"_s, {5, 0}), 5);
-        QVERIFY(changedWith(files, {99, 0}).isEmpty());
-        QCOMPARE(files.refused(u"/w/b.mkv"_s, {5, 0}), 1); // each file has attempts of its own
+        QVERIFY(files.isGivenUp(u"/w/a.mkv"_s, {99, 0, 7}));
+        QVERIFY(!files.isGivenUp(u"/w/a.mkv"_s, {99, 0, 8})); // another file of that name
+        QCOMPARE(files.refused(u"/w/a.mkv"_s, {5, 0, 8}), 1);
+        QCOMPARE(files.refused(u"/w/b.mkv"_s, {5, 0, 7}), 1); // each has attempts of its own
     }
 };
 
