@@ -153,7 +153,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
 {
     beginSecondPass();
     m_progress.clear();
-    m_secondPassPercent = 0;
+    m_secondPassPercent = percentDone();
     const auto task =
         runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
     m_secondPassRuns = task != nullptr;
