@@ -100,9 +100,12 @@ private:
             ::raise(SIGKILL);
     }
     int error() const { return m_what == "full" ? ENOSPC : EROFS; }
-    /// A full volume still takes files away and gives them other names.
+    /// A full volume still takes files away and gives them other names, but where a folder would have to
+    /// grow.
     bool meets(std::string_view call) const
     {
+        if (call == "rename" && m_what == "full")
+            return m_isWatched && m_calls == m_number;
         if (call == m_call)
             return true;
         return m_what == "full" ? call == "mkdir" || call == "create" || call == "write" : call != "flush";
