@@ -4,6 +4,7 @@
 #include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
+#include "steps/FolderProblem.h"
 #include "steps/ScratchFolder.h"
 #include "tools/Numbers.h"
 #include "tools/ProcessGroup.h"
@@ -63,6 +64,22 @@ QList<QUrl> inputsOf(const KXSelection &selection)
     }
     inputs.removeIf([](const QUrl &url) { return url.toLocalFile().isEmpty(); });
     return inputs;
+}
+
+/// Why nothing can be written beside the outputs, where that is so and the job's sentence does not say it:
+/// the tools seldom tell it in words for people.
+QString sentenceOnFolder(const QList<ConverterPointer> &converters, const QString &said)
+{
+    for (const ConverterPointer &converter : converters) {
+        const QUrl output = converter ? converter->outputFileURL() : QUrl();
+        if (output.isEmpty())
+            continue;
+        const QString problem = steps::problemWithFolderOf(output);
+        return problem.isNull() || said.contains(problem, Qt::CaseInsensitive)
+                   ? QString()
+                   : u' ' + steps::sentenceThatItCantBeMade(output, problem);
+    }
+    return {};
 }
 
 /// A step that is well needs no words to be judged by; those of hundreds of steps would fill the memory.
@@ -623,6 +640,7 @@ void KXJob::settleOutcome()
     if (m_outcome.verdict == steps::Verdict::Unknown)
         m_outcome = steps::Outcome::ok();
     if (m_outcome.verdict == steps::Verdict::Failed) {
+        m_outcome.sentence += sentenceOnFolder(m_stepConverterList, m_outcome.sentence);
         const QUrl incomplete = m_results.keepIncomplete(); // a wrong verdict must never cost anybody a film
         if (!incomplete.isEmpty())
             m_outcome.sentence += keptSentence(incomplete);

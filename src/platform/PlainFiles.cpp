@@ -136,9 +136,10 @@ std::optional<FileId> fileAt(const QUrl &location)
 std::optional<FileId> createFile(const QUrl &location, const QByteArray &content)
 {
     const OpenPlainFile file(pathOf(location), anew);
-    if (file.isOpen())
-        file.write(content);
-    return file.file();
+    if (!file.isOpen() || file.write(content))
+        return file.file();
+    removeName(location); // half of it says something else
+    return std::nullopt;
 }
 
 bool appendToFile(const QUrl &location, const FileId &file, const QByteArray &bytes)

@@ -22,7 +22,7 @@ std::optional<FileId> fileAt(const QUrl &location);
 
 // None of these ever writes through a link.
 
-/// Writes a new file. Nothing, and nothing written, where anything stands at that name.
+/// Writes a new file. Nothing, and no file, where anything stands at that name or it can't be written whole.
 std::optional<FileId> createFile(const QUrl &location, const QByteArray &content);
 /// Appends to that very file; false where another one, or none, stands at its name by now.
 bool appendToFile(const QUrl &location, const FileId &file, const QByteArray &bytes);

@@ -248,6 +248,7 @@ KXConverter::runAndMonitorBinaryURLWithOptionsShouldWait(const QUrl &tool, const
     launch.started = workingAside(launch.launched);
     m_runs.append(launch);
     m_toolFiles = filesIn(launch.launched);
+    keepLogPlace();
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
@@ -372,6 +373,7 @@ QString KXConverter::startInBackground(const QUrl &tool, const tools::OptionList
     launch.started = workingAside(steps::runAsProcess(launch.launched));
     m_runs.append(launch);
     m_toolFiles = filesIn(launch.launched);
+    keepLogPlace();
     ToolProcess::Request request;
     request.program = tool.toLocalFile();
     request.arguments = tools::argumentsOf(launch.started);
@@ -421,9 +423,23 @@ void KXConverter::waitForBackgroundEnd(int milliseconds)
         m_background->waitUntilExit(milliseconds);
 }
 
+void KXConverter::keepLogPlace()
+{
+    const QUrl place = fileOf(logFileURL());
+    const QMutexLocker locker(&m_logPlaceMutex);
+    m_logPlace = place;
+}
+
+/// The guard answers on the main thread only, and polls come from another one.
+QUrl KXConverter::logPlace() const
+{
+    const QMutexLocker locker(&m_logPlaceMutex);
+    return m_logPlace.isEmpty() ? logFileURL() : m_logPlace;
+}
+
 bool KXConverter::stringFoundInLog(const QString &text) const
 {
-    const QUrl log = fileOf(logFileURL());
+    const QUrl log = logPlace();
     if (!fileExistsAtURL(log))
         return false; // else the shell's complaint would be searched
     const tools::OptionItem pattern = tools::OptionItem(u"| grep ").withData(text, tools::Quoting::Single);
@@ -434,13 +450,13 @@ bool KXConverter::stringFoundInLog(const QString &text) const
 QString KXConverter::lastStatusInLog() const
 {
     const QString line =
-        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1", u"| grep time="});
+        doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logPlace(), u"| tail -1", u"| grep time="});
     return steps::isStatusLine(line) ? line : QString();
 }
 
 QString KXConverter::lastLogLine() const
 {
-    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {fileOf(logFileURL()), u"| tail -1"});
+    return doUnixCommandWithOptions(u"tr '\\r' '\\n' < ", {logPlace(), u"| tail -1"});
 }
 
 QString KXConverter::pollPercentage() const

@@ -12,6 +12,7 @@
 #include "tools/KXHelpers.h"
 #include "tools/ToolProcess.h"
 
+#include <QMutex>
 #include <QStringDecoder>
 
 #include <atomic>
@@ -210,6 +211,8 @@ private:
     void appendToLog(const QByteArray &bytes);
     QString makeWay();
     QString toolFolder() const;
+    void keepLogPlace();
+    QUrl logPlace() const;
     void askForFigures(const QUrl &tool, QProcessEnvironment &environment) const;
     QUrl figures() const;
     QString makeLog();
@@ -226,6 +229,8 @@ private:
     QList<QUrl> m_toolFiles; ///< that the run was given by name
     tools::ToolProcessPointer m_background;
     std::atomic_bool m_backgroundRuns = false; ///< read by a job's monitor thread
+    mutable QMutex m_logPlaceMutex;
+    QUrl m_logPlace; ///< of the run that was started last; empty before
     QStringDecoder m_outputDecoder{QStringDecoder::Utf8};
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;

@@ -1,6 +1,7 @@
 #include "steps/OutputGuard.h"
 
 #include "platform/FileIdentity.h"
+#include "steps/FolderProblem.h"
 #include "steps/LeftOvers.h"
 #include "steps/OutputRegistry.h"
 
@@ -29,13 +30,9 @@ bool isTooLong(const QUrl &location, OutputForm form)
 
 QString sentenceThatItCantBeMade(const QUrl &output)
 {
-    const QFileInfo folder(QFileInfo(output.toLocalFile()).absolutePath());
-    QString why = u"no file can be made in its folder"_s;
-    if (!folder.isDir())
-        why = u"its folder is not there"_s;
-    else if (!folder.isWritable())
-        why = u"its folder can't be written to"_s;
-    return u"The output %1 can't be made: %2."_s.arg(output.toLocalFile(), why);
+    const QString why = problemWithFolderOf(output);
+    return steps::sentenceThatItCantBeMade(output,
+                                           why.isNull() ? u"no file can be made in its folder"_s : why);
 }
 
 } // namespace

@@ -153,6 +153,7 @@ tools::ToolProcessPointer KXFfmpegConverter::startSecondPass()
 {
     beginSecondPass();
     m_progress.clear();
+    m_secondPassPercent = percentDone();
     const auto task =
         runAndMonitorBinaryURLWithOptionsShouldWait(urlOfApp(u"ffmpeg"_s), optionArray2(), ShouldWait::No);
     m_secondPassRuns = task != nullptr;
@@ -288,6 +289,7 @@ void KXFfmpegConverter::handleNewTaskResult(const steps::ReadEvent &event)
         return;
     const steps::FfmpegReading reading = m_progress.feed(event.data);
     takeProgress(reading);
+    m_secondPassPercent = percentDone();
     if (!isEmpty(subToBurnURL()) && !fontCacheIsThere()) {
         post(engines::updates::conversion, u"Initializing Fontconfig"_s);
         return;
@@ -383,7 +385,7 @@ QString KXFfmpegConverter::monitorConversion()
         return KXConverter::monitorConversion();
     if (!m_secondPassRuns)
         return u"Complete"_s;
-    return QString::asprintf("%i%%", percentDone());
+    return QString::asprintf("%i%%", m_secondPassPercent.load());
 }
 
 steps::Outcome KXFfmpegConverter::outcome() const

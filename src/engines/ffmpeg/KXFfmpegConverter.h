@@ -85,4 +85,5 @@ private:
     bool m_isShellLine = false;
     bool m_startsSecondPass = false;
     std::atomic_bool m_secondPassRuns = false; ///< read by a job's monitor thread
+    std::atomic_int m_secondPassPercent = 0;   ///< the same
 };

@@ -25,6 +25,8 @@ public:
     using KXConverter::claimLog;
     using KXConverter::claimOutput;
     using KXConverter::KXConverter;
+    using KXConverter::lastLogLine;
+    using KXConverter::lastStatusInLog;
     using KXConverter::launchOfLine;
     using KXConverter::startInBackground;
 
@@ -117,6 +119,20 @@ private Q_SLOTS:
         run.start(u"ffmpeg/ffmpeg"_s, {u"out one"_s, u"err two"_s});
         QVERIFY(run.ends());
         QCOMPARE(run.log(), QByteArray("one\ntwo\n"));
+    }
+
+    /// They come from a monitor thread, while the main thread claims and publishes names.
+    void pollsKeepToTheLogOfTheRunWhateverTheGuardDoes()
+    {
+        Run run;
+        run.start(u"ffmpeg/ffmpeg"_s, {u"out size=1kB time=00:00:01.00 bitrate=1kbits/s"_s});
+        QVERIFY(run.ends());
+        const QString line = run.converter.lastLogLine();
+        QVERIFY(line.contains(u"time="_s));
+        run.guard.published({run.converter.logFileURL()});
+        QCOMPARE(run.converter.lastLogLine(), line);
+        QCOMPARE(run.converter.lastStatusInLog(), line);
+        QVERIFY(run.converter.stringFoundInLog(u"time="_s));
     }
 
     void launchFormIsWhatRuns()

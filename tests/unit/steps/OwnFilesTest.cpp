@@ -2,6 +2,7 @@
 #include "steps/OwnFiles.h"
 
 #include "support/Scratch.h"
+#include "support/SmallFiles.h"
 #include "support/TestMain.h"
 
 #include <QDir>
@@ -72,6 +73,19 @@ private Q_SLOTS:
         QCOMPARE(job.content(u"work/mine"_s), QByteArray("newer"));
         QVERIFY(job.files.remove(job.url(u"mine"_s)));
         QCOMPARE(job.content(u"mine"_s), QByteArray("theirs"));
+    }
+
+    void aFileIsWrittenWholeOrNotAtAll()
+    {
+        Job job;
+        const QUrl mine = job.url(u"mine"_s);
+        {
+            const support::SmallFiles limit(4);
+            QVERIFY(!job.files.create(mine, "0123456789"));
+            QVERIFY(!QFileInfo::exists(job.scratch.path(u"work/mine"_s)));
+            QVERIFY(job.files.create(mine, "0123") && !job.files.write(mine, "0123456789"));
+        }
+        QCOMPARE(job.content(u"work/mine"_s), QByteArray("0123"));
     }
 
     void aLinkIsNeverFollowed_data()
