@@ -2,6 +2,7 @@
 
 #include "platform/HolderFile.h"
 #include "platform/PlainFiles.h"
+#include "steps/PublishList.h"
 
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -63,7 +64,8 @@ bool WorkFolder::make()
             return false;
         }
         m_lock = std::make_unique<platform::HolderFile>(
-            QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + lockName()));
+            QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + lockName()),
+            platform::keeper::Leaving{true, recordIn(m_folder).toLocalFile()});
         if (m_lock->take() != platform::HolderFile::Answer::Held)
             remove();
     }
@@ -98,8 +100,8 @@ void WorkFolder::remove()
 {
     if (!isMade())
         return;
+    platform::removeFolder(m_folder, lockName());
     m_lock.reset();
-    platform::removeFolder(m_folder);
     m_stems.clear();
 }
 

@@ -32,6 +32,7 @@ const QMap<QString, QString> &reasons()
     static const QMap<QString, QString> list{
         {u"platform/PlainFiles.cpp"_s, u"the one place that opens, renames and deletes; knows no names"_s},
         {u"platform/PlainFiles.h"_s, u"its header"_s},
+        {u"platform/Keeper.cpp"_s, u"/dev/null in the place of the streams of the keeper"_s},
         {u"platform/FileLock.cpp"_s, u"lock files of our own, which go with their holder"_s},
         {u"platform/OrdinaryFile.cpp"_s, u"opens to read only"_s},
         {u"platform/DefaultsStore.cpp"_s, u"the settings store, a file of its own"_s},
