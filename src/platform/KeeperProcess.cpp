@@ -26,7 +26,7 @@ namespace {
 
 constexpr int lookAtLeaderlessMs = 5000;
 constexpr int graceMs = 500; // for tools that have something to clear up themselves
-constexpr int endMs = 1000;  // of what was killed
+constexpr int endMs = 500;   // of what was killed
 constexpr int sliceMs = 10;
 
 bool isEmpty(pid_t group)
