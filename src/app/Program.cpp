@@ -51,6 +51,7 @@ jobs::JobContext Program::contextFor(steps::OutputRegistry &outputs)
 
 QString Program::initialize(KXPreferences::Unpack tools)
 {
+    steps::ScratchFolder::clearLeftOvers();
     const QString problem = m_preferences.initialize(tools);
     m_currentSelection->initialize();
     m_selectionController.initialize();

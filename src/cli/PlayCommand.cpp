@@ -4,6 +4,7 @@
 #include "cli/FileSelection.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
+#include "platform/Keeper.h"
 #include "prefs/ToolCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -55,6 +56,7 @@ ExitStatus PlayCommand::execute(Session &session) const
     if (!problem.isNull())
         return session.failed(problem);
     session.program().playMovie(file.selection);
+    platform::keeper::letGroupsRunOn(); // the player is what was asked for: it stays when we are done
     return ExitStatus::AllWell;
 }
 

@@ -73,7 +73,11 @@ ExitStatus WatchCommand::execute(Session &session) const
     followProgress(session, &loop);
     if (!files.watchSession().start()) // the log says why
         return session.failed(u"The folder %1 can't be watched."_s.arg(folder));
-    QObject::connect(&session.interrupts(), &app::Interrupts::interrupted, &loop, &QEventLoop::quit);
+    // Films may be being opened, each in an event loop of its own within ours.
+    QObject::connect(&session.interrupts(), &app::Interrupts::interrupted, &loop, [&] {
+        files.intake().stopProbing();
+        loop.quit();
+    });
     if (!session.isInterrupted())
         loop.exec();
     files.intake().stopProbing();

@@ -1,5 +1,6 @@
 #include "app/Environment.h"
 #include "cli/Commands.h"
+#include "platform/KeeperProcess.h"
 
 #include <QCoreApplication>
 #include <QStringDecoder>
@@ -24,6 +25,8 @@ bool areUtf8(int count, char **words)
 
 int main(int argc, char *argv[])
 {
+    if (platform::keeper::isWanted(argc, argv))
+        return platform::keeper::run();
     app::prepareProcess();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tessaray"));

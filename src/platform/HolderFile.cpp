@@ -2,10 +2,10 @@
 
 #include "platform/OrdinaryFile.h"
 #include "platform/PlainFiles.h"
+#include "platform/ProcessState.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
 #include <QSysInfo>
 #include <QUuid>
@@ -24,25 +24,13 @@ constexpr qint64 secondsOfWriting = 60;
 constexpr int triesOfTakingOver = 3;
 constexpr int numberOfLines = 7;
 
-/// The start of a process, in whatever unit the system has; empty where it does not tell. It tells a process
-/// from another one that has got its number since.
-QByteArray startOf(qint64 pid)
-{
-    QFile file(u"/proc/%1/stat"_s.arg(pid));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray line = file.readAll();
-    constexpr int fieldsBehindTheName = 19;
-    return line.mid(line.lastIndexOf(')') + 2).split(' ').value(fieldsBehindTheName);
-}
-
 /// Lines: process, its start, host, machine, boot, and a word that is never the same: a volume may give the
 /// number of a file that was removed to the next one at once, so numbers tell no file from another.
 QByteArray ownLines()
 {
     const qint64 pid = QCoreApplication::applicationPid();
     return QByteArrayList{QByteArray::number(pid),
-                          startOf(pid),
+                          startOfProcess(pid),
                           QSysInfo::machineHostName().toUtf8(),
                           QSysInfo::machineUniqueId(),
                           QSysInfo::bootUniqueId(),
@@ -53,8 +41,9 @@ QByteArray ownLines()
 
 bool isRunning(qint64 pid, const QByteArray &start)
 {
-    const bool isThere = ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
-    const QByteArray found = startOf(pid);
+    const bool isThere =
+        (::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM) && stateOfProcess(pid) != 'Z';
+    const QByteArray found = startOfProcess(pid);
     return isThere && (start.isEmpty() || found.isEmpty() || start == found);
 }
 
@@ -72,8 +61,9 @@ QByteArray linesAt(const QUrl &location)
 
 } // namespace
 
-HolderFile::HolderFile(const QUrl &location)
+HolderFile::HolderFile(const QUrl &location, const keeper::Leaving &leaving)
     : m_location(location)
+    , m_leaving(leaving)
 {
 }
 
@@ -81,6 +71,8 @@ HolderFile::~HolderFile()
 {
     if (isHeld())
         removeName(m_location);
+    if (!m_lines.isEmpty())
+        keeper::letGo(m_location.toLocalFile());
 }
 
 bool HolderFile::isHolderGone(const QUrl &location)
@@ -119,6 +111,8 @@ bool HolderFile::make()
     const QByteArray written = linesAt(m_location);
     if (written.size() < lines.size() && lines.startsWith(written) && fileAt(m_location)) // a full disk
         removeName(m_location);
+    if (isHeld())
+        keeper::hold(m_location.toLocalFile(), m_lines, m_leaving);
     return isHeld();
 }
 

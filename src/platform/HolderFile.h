@@ -1,20 +1,23 @@
 #pragma once
 
+#include "platform/Keeper.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
 
 namespace platform {
 
-/// A file that says which process holds something, made exclusively and gone with its holder's object. It
-/// needs no lock of the system, which some volumes grant to all and others to none. One of a process of this
-/// machine that is gone is taken over, by one of those who try; one of another machine never is.
+/// A file that says which process holds something, made exclusively and gone with its holder's object, or
+/// by our keeper where we are gone without a word. It needs no lock of the system, which some volumes grant
+/// to all and others to none. One of a process of this machine that is gone is taken over, by one of those
+/// who try; one of another machine never is.
 class HolderFile final
 {
 public:
     enum class Answer { Held, Taken, Impossible };
 
-    explicit HolderFile(const QUrl &location);
+    explicit HolderFile(const QUrl &location, const keeper::Leaving &leaving = {});
     ~HolderFile();
     Q_DISABLE_COPY_MOVE(HolderFile)
 
@@ -33,6 +36,7 @@ private:
     bool clearAway(const QByteArray &judged) const;
 
     QUrl m_location;
+    keeper::Leaving m_leaving;
     QByteArray m_lines; ///< what was written; empty where nothing is held
 };
 

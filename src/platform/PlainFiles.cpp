@@ -213,12 +213,23 @@ bool makePrivateFolder(const QUrl &location)
     return ::mkdir(pathOf(location).constData(), S_IRWXU) == 0;
 }
 
-void removeFolder(const QUrl &location)
+void removeFolder(const QUrl &location, const QString &last)
 {
     const auto found = fileAt(location);
     const QFileInfo info(location.toLocalFile());
-    if (found && info.isDir() && !info.isSymLink())
-        QDir(location.toLocalFile()).removeRecursively();
+    if (!found || !info.isDir() || info.isSymLink())
+        return;
+    QDir folder(location.toLocalFile());
+    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    for (const QFileInfo &entry : folder.entryInfoList(all)) {
+        if (entry.fileName() == last)
+            continue;
+        if (entry.isDir() && !entry.isSymLink())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            removeName(QUrl::fromLocalFile(entry.filePath()));
+    }
+    folder.removeRecursively();
 }
 
 bool removeEmptyFolder(const QUrl &location)

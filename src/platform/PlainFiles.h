@@ -43,8 +43,9 @@ bool removeName(const QUrl &location);
 /// Makes a folder that only its owner may look into; group and access list are inherited as for any other.
 /// False where the name is taken or can't be made.
 bool makePrivateFolder(const QUrl &location);
-/// Takes a folder away with all that is in it; links in it go themselves. What is not a folder stays.
-void removeFolder(const QUrl &location);
+/// Takes a folder away with all that is in it; links in it go themselves. What is not a folder stays. The
+/// file of that name goes last, so that a removal that is cut short can be told from a folder of nobody.
+void removeFolder(const QUrl &location, const QString &last = {});
 /// The same for one that holds nothing; false where it does.
 bool removeEmptyFolder(const QUrl &location);
 /// Waits until the file's bytes are on the disk; false when they can't be brought there.

@@ -1,12 +1,13 @@
 #include "prefs/ToolCheck.h"
 
+#include "platform/TemporaryFolder.h"
 #include "tools/ShellRunner.h"
 #include "tools/ToolPlaces.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 
 #include <algorithm>
 
@@ -151,7 +152,8 @@ ToolReport ToolCheck::check(const QString &name) const
 std::optional<QString> ToolCheck::askedVersion(const QUrl &location, tools::Literal flag,
                                                const QString &pattern) const
 {
-    const QTemporaryDir home; // mplayer writes a configuration into its home whenever it runs
+    const platform::TemporaryFolder home(
+        QDir::tempPath()); // mplayer writes a configuration into its home whenever it runs
     const auto line =
         tools::toolLine(location, {tools::OptionItem(flag), u"2>&1"}, m_places, tools::shellKind());
     tools::ShellRequest request = tools::toolRequest(line.launched, location, m_places);

@@ -56,7 +56,7 @@ void clearFolder(const QFileInfo &folder)
     } else if (!isOld(newestIn(folder))) {
         return;
     }
-    platform::removeFolder(location);
+    platform::removeFolder(location, WorkFolder::lockName());
 }
 
 void clearClaim(const QFileInfo &claim)

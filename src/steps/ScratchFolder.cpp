@@ -20,12 +20,18 @@ bool isPlain(const QString &path)
 
 /// The user's own choice first; else a place on disk, as the statistics of a long film take gigabytes
 /// and /tmp is often kept in memory.
-QString parentFolder()
+QStringList candidateFolders()
 {
     QStringList candidates{u"/var/tmp"_s, QDir::tempPath(), u"/tmp"_s};
     if (qEnvironmentVariableIsSet("TMPDIR"))
         candidates.prepend(QDir::tempPath());
-    for (const QString &candidate : std::as_const(candidates)) {
+    candidates.removeDuplicates();
+    return candidates;
+}
+
+QString parentFolder()
+{
+    for (const QString &candidate : candidateFolders()) {
         if (isPlain(candidate) && QFileInfo(candidate).isDir() && QFileInfo(candidate).isWritable())
             return candidate;
     }
@@ -37,7 +43,7 @@ QString parentFolder()
 QString ScratchFolder::makeJobFolder()
 {
     if (!m_folder)
-        m_folder = std::make_unique<QTemporaryDir>(parentFolder() + u"/tessaray-XXXXXX"_s);
+        m_folder = std::make_unique<platform::TemporaryFolder>(parentFolder());
     if (!m_folder->isValid())
         return {};
     const QString folder = m_folder->path() + u"/job%1/"_s.arg(++m_jobs);
@@ -48,6 +54,12 @@ void ScratchFolder::removeJobFolder(const QString &folder)
 {
     if (m_folder && !folder.isEmpty() && folder.startsWith(m_folder->path() + u"/job"_s))
         QDir(folder).removeRecursively();
+}
+
+void ScratchFolder::clearLeftOvers()
+{
+    for (const QString &folder : candidateFolders())
+        platform::TemporaryFolder::clearLeft(folder);
 }
 
 } // namespace steps

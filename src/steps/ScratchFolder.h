@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/TemporaryFolder.h"
+
 #include <QString>
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -16,9 +17,11 @@ public:
     QString makeJobFolder();
     /// Removes a folder made by makeJobFolder() with all that is in it; other paths are left alone.
     void removeJobFolder(const QString &folder);
+    /// Removes the temporary-files folders of programs that are gone.
+    static void clearLeftOvers();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<platform::TemporaryFolder> m_folder;
     int m_jobs = 0;
 };
 

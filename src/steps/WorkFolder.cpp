@@ -2,9 +2,10 @@
 
 #include "platform/HolderFile.h"
 #include "platform/PlainFiles.h"
+#include "platform/TemporaryFolder.h"
+#include "steps/PublishList.h"
 
 #include <QFileInfo>
-#include <QRandomGenerator>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -15,15 +16,6 @@ namespace {
 
 constexpr int triesOfAName = 20;
 constexpr qsizetype longestPlainSuffix = 8;
-
-QString randomLetters()
-{
-    constexpr QStringView alphabet = u"abcdefghijklmnopqrstuvwxyz0123456789";
-    QString letters;
-    for (int i = 0; i < 6; ++i)
-        letters += alphabet.at(QRandomGenerator::system()->bounded(static_cast<int>(alphabet.size())));
-    return letters;
-}
 
 /// With its full stop. Tools choose a format by it; anything else than a short word says nothing to them.
 QString plainSuffix(const QFileInfo &name)
@@ -56,14 +48,16 @@ bool WorkFolder::isName(const QString &name)
 bool WorkFolder::make()
 {
     for (int i = 0; i < triesOfAName && !isMade(); ++i) {
-        m_folder = QUrl::fromLocalFile(m_parent.toLocalFile() + u"/.tessaray-"_s + randomLetters());
+        m_folder =
+            QUrl::fromLocalFile(m_parent.toLocalFile() + u"/.tessaray-"_s + platform::randomLetters(6));
         if (!platform::makePrivateFolder(m_folder)) {
             if (platform::fileAt(m_folder))
                 continue;
             return false;
         }
         m_lock = std::make_unique<platform::HolderFile>(
-            QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + lockName()));
+            QUrl::fromLocalFile(m_folder.toLocalFile() + u'/' + lockName()),
+            platform::keeper::Leaving{true, recordIn(m_folder).toLocalFile()});
         if (m_lock->take() != platform::HolderFile::Answer::Held)
             remove();
     }
@@ -98,8 +92,8 @@ void WorkFolder::remove()
 {
     if (!isMade())
         return;
+    platform::removeFolder(m_folder, lockName());
     m_lock.reset();
-    platform::removeFolder(m_folder);
     m_stems.clear();
 }
 

@@ -1,6 +1,8 @@
 #include "tools/ProcessGroup.h"
 
-#include <QFile>
+#include "platform/Keeper.h"
+#include "platform/ProcessState.h"
+
 #include <QProcess>
 
 #include <csignal>
@@ -11,18 +13,7 @@ namespace tools {
 
 namespace {
 
-/// The state letter of a process ("R", "S", "Z", ...); 0 when it can't be told.
-char stateOf(qint64 pid)
-{
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!stat.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray line = stat.readAll();
-    const qsizetype afterName = line.lastIndexOf(')'); // the name itself may hold anything
-    return afterName >= 0 && afterName + 2 < line.size() ? line.at(afterName + 2) : 0;
-}
-
-/// Where there is no /proc, only of our own children is known that they wait to be reaped.
+/// Where states can't be told, only of our own children is known that they wait to be reaped.
 bool isChildToReap(pid_t pid)
 {
     siginfo_t info = {};
@@ -32,13 +23,30 @@ bool isChildToReap(pid_t pid)
 
 } // namespace
 
-void leadOwnGroup(QProcess &process, const std::function<void()> &alsoInChild)
+qint64 startInOwnGroup(QProcess &process, const QString &program, const QStringList &arguments,
+                       const std::function<void()> &alsoInChild)
 {
-    process.setChildProcessModifier([alsoInChild] {
-        ::setpgid(0, 0);
-        if (alsoInChild)
-            alsoInChild();
-    });
+    qint64 leader = 0;
+    {
+        platform::keeper::Start start;
+        process.setChildProcessModifier([alsoInChild, &start] {
+            ::setpgid(0, 0);
+            start.tellInChild();
+            if (alsoInChild)
+                alsoInChild();
+        });
+        process.start(program, arguments);
+        leader = process.processId();
+        start.started(leader);
+        process.setChildProcessModifier({});
+    }
+    const auto tellEnd = [leader](QProcess::ProcessState state) {
+        if (state == QProcess::NotRunning)
+            platform::keeper::groupEnded(leader);
+    };
+    QObject::connect(&process, &QProcess::stateChanged, &process, tellEnd);
+    tellEnd(process.state());
+    return leader;
 }
 
 void signalGroupOf(qint64 pid, int signal)
@@ -53,18 +61,19 @@ void signalGroupOf(qint64 pid, int signal)
         ::kill(process, signal);
 }
 
-void killGroupLedBy(qint64 leader)
+void killGroupLedBy(qint64 leader, Leader state)
 {
     if (leader < 2)
         return;
-    ::kill(static_cast<pid_t>(leader), SIGKILL); // it may not lead yet
+    if (state == Leader::Runs)
+        ::kill(static_cast<pid_t>(leader), SIGKILL); // it may not lead yet
     ::kill(static_cast<pid_t>(-leader), SIGKILL);
 }
 
 bool isEndedZombie(qint64 pid)
 {
     const pid_t process = static_cast<pid_t>(pid);
-    if (stateOf(pid) != 'Z' && !isChildToReap(process))
+    if (platform::stateOfProcess(pid) != 'Z' && !isChildToReap(process))
         return false;
     // Leaders of a group were started by a process object, which would lose their exit status.
     if (::getpgid(process) != process)

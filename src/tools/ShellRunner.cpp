@@ -49,7 +49,6 @@ private:
 Run::Run(const ShellRequest &request)
     : m_request(request)
 {
-    leadOwnGroup(m_process, [this] { m_streams.claimInChild(); });
     m_process.setStandardInputFile(QProcess::nullDevice());
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());
@@ -57,8 +56,8 @@ Run::Run(const ShellRequest &request)
     m_process.setWorkingDirectory(request.workingFolder);
     m_clock.start();
     if (m_streams.areOpen())
-        m_process.start(u"/bin/sh"_s, {u"-c"_s, request.line});
-    m_leader = m_process.processId();
+        m_leader = startInOwnGroup(m_process, u"/bin/sh"_s, {u"-c"_s, request.line},
+                                   [this] { m_streams.claimInChild(); });
     m_streams.closeWriters();
 }
 
@@ -70,7 +69,7 @@ bool Run::mustStop() const
 
 void Run::endNow()
 {
-    killGroupLedBy(m_leader);
+    killGroupLedBy(m_leader, m_process.state() == QProcess::NotRunning ? Leader::Ended : Leader::Runs);
     m_process.waitForFinished(1000);
     m_streams.waitAndRead(0); // what came before; a process that left the group is not waited for
 }

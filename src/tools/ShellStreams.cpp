@@ -1,5 +1,7 @@
 #include "tools/ShellStreams.h"
 
+#include "platform/Pipe.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
@@ -26,18 +28,11 @@ int clearOfStandard(int descriptor)
     return moved;
 }
 
-bool makePipe(int &reader, int &writer)
+bool makeStream(int &reader, int &writer)
 {
     int ends[2] = {-1, -1};
-#ifdef Q_OS_LINUX
-    if (::pipe2(ends, O_CLOEXEC) != 0) // at once: another thread may start a program right now
+    if (!platform::makePipe(ends))
         return false;
-#else
-    if (::pipe(ends) != 0)
-        return false;
-    ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
-#endif
     reader = clearOfStandard(ends[0]);
     writer = clearOfStandard(ends[1]);
     return reader >= 0 && writer >= 0 && ::fcntl(reader, F_SETFL, O_NONBLOCK) == 0;
@@ -47,7 +42,8 @@ bool makePipe(int &reader, int &writer)
 
 ShellStreams::ShellStreams()
 {
-    m_open = makePipe(m_readers[Output], m_writers[Output]) && makePipe(m_readers[Error], m_writers[Error]);
+    m_open =
+        makeStream(m_readers[Output], m_writers[Output]) && makeStream(m_readers[Error], m_writers[Error]);
     m_ended.fill(!m_open);
 }
 

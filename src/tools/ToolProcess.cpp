@@ -13,7 +13,6 @@ namespace tools {
 
 ToolProcess::ToolProcess()
 {
-    leadOwnGroup(m_process);
     connect(&m_process, &QProcess::readyReadStandardOutput, this, [this] { read(Channel::Output); });
     connect(&m_process, &QProcess::readyReadStandardError, this, [this] { read(Channel::Error); });
     connect(&m_process, &QProcess::finished, this, [this](int, QProcess::ExitStatus status) {
@@ -36,7 +35,7 @@ std::shared_ptr<ToolProcess> ToolProcess::start(const Request &request)
     tool->m_process.setWorkingDirectory(request.workingFolder);
     if (request.streams == Streams::Merged)
         tool->m_process.setProcessChannelMode(QProcess::MergedChannels);
-    tool->m_process.start(request.program, request.arguments);
+    startInOwnGroup(tool->m_process, request.program, request.arguments);
     tool->m_process.closeWriteChannel(); // no tool can wait for a key
     return tool;
 }

@@ -1,4 +1,5 @@
 #include "app/Environment.h"
+#include "platform/KeeperProcess.h"
 #include "platform/VisibleText.h"
 #include "window/SingleInstance.h"
 #include "window/WindowProgram.h"
@@ -62,6 +63,8 @@ Wishes wishesOf(const QCoreApplication &application)
 
 int main(int argc, char *argv[])
 {
+    if (platform::keeper::isWanted(argc, argv))
+        return platform::keeper::run();
     app::prepareProcess();
     introduce();
     if (onlyAsks(argc, argv)) {

@@ -1,5 +1,6 @@
 // Takes pictures of the windows and sheets in the states that people see, for the documentation and to be
 // looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
+#include "platform/KeeperProcess.h"
 #include "support/Clips.h"
 #include "support/Waiting.h"
 #include "window/ProgressDelegate.h"
@@ -145,6 +146,8 @@ void takeWatching(const Photographer &photographer)
 
 int main(int argc, char *argv[])
 {
+    if (platform::keeper::isWanted(argc, argv))
+        return platform::keeper::run();
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"Videos"_s);
     if (argc < 3)

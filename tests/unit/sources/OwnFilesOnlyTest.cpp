@@ -32,6 +32,7 @@ const QMap<QString, QString> &reasons()
     static const QMap<QString, QString> list{
         {u"platform/PlainFiles.cpp"_s, u"the one place that opens, renames and deletes; knows no names"_s},
         {u"platform/PlainFiles.h"_s, u"its header"_s},
+        {u"platform/Keeper.cpp"_s, u"/dev/null in the place of the streams of the keeper"_s},
         {u"platform/FileLock.cpp"_s, u"lock files of our own, which go with their holder"_s},
         {u"platform/OrdinaryFile.cpp"_s, u"opens to read only"_s},
         {u"platform/DefaultsStore.cpp"_s, u"the settings store, a file of its own"_s},
@@ -39,10 +40,8 @@ const QMap<QString, QString> &reasons()
         {u"app/Environment.cpp"_s, u"/dev/null in the place of streams that are closed"_s},
         {u"window/SingleInstance.cpp"_s, u"the socket of the running window"_s},
         {u"window/HandOverMessage.cpp"_s, u"a stream in memory"_s},
-        {u"prefs/ToolCheck.cpp"_s, u"a temporary home for a tool that is only asked for its version"_s},
         {u"cli/PresetsCommand.cpp"_s, u"the file that \"presets export\" was told to make, exclusively"_s},
         {u"steps/ScratchFolder.cpp"_s, u"the temporary folder of the program and those of its jobs"_s},
-        {u"steps/ScratchFolder.h"_s, u"holds that folder"_s},
         {u"media/CodecVocabulary.cpp"_s, u"\"rm\" is a file extension there"_s},
     };
     return list;

@@ -127,6 +127,44 @@ private Q_SLOTS:
         QVERIFY(folder.makeJobFolder().startsWith(scratch.path()));
     }
 
+    void whatAProgramThatIsGoneLeftIsCleared()
+    {
+        const support::Scratch scratch;
+        const TemporaryPlace place(scratch.path());
+        QByteArray lock;
+        {
+            steps::ScratchFolder before;
+            lock = scratch.read(QFileInfo(before.makeJobFolder() + u"../lock"_s)
+                                    .canonicalFilePath()
+                                    .mid(QFileInfo(scratch.path()).canonicalFilePath().size() + 1));
+        }
+        QVERIFY(lock.contains('\n'));
+        // The highest number that a process may have and that none has; and one that runs.
+        const QByteArray gone = "999999999" + lock.mid(lock.indexOf('\n'));
+        scratch.write(u"tessaray-aaaaaa/lock"_s, gone);
+        scratch.write(u"tessaray-aaaaaa/job1/temp.ass"_s, "x");
+        scratch.write(u"tessaray-bbbbbb/lock"_s, lock);
+        scratch.write(u"tessaray-bbbbbb/job1/temp.ass"_s, "x");
+        scratch.write(u"tessaray-cccccc/new"_s, "without a lock as yet");
+        scratch.write(u"tessaray-films/lock"_s, gone); // a name that we give nothing
+        steps::ScratchFolder::clearLeftOvers();
+        QCOMPARE(QDir(scratch.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 QStringList({u"tessaray-bbbbbb"_s, u"tessaray-cccccc"_s, u"tessaray-films"_s}));
+        QCOMPARE(scratch.read(u"tessaray-bbbbbb/job1/temp.ass"_s), QByteArray("x"));
+    }
+
+    void aFolderThatALinkLeadsToStays()
+    {
+        const support::Scratch scratch;
+        const TemporaryPlace place(scratch.path(u"tmp"_s));
+        QDir().mkpath(scratch.path(u"tmp"_s));
+        scratch.write(u"films/lock"_s, "999999999\n\n\n\n\n\n\n");
+        QVERIFY(QFile::link(scratch.path(u"films"_s), scratch.path(u"tmp/tessaray-aaaaaa"_s)));
+        steps::ScratchFolder::clearLeftOvers();
+        QVERIFY(QFile::exists(scratch.path(u"films/lock"_s)));
+        QVERIFY(QFileInfo(scratch.path(u"tmp/tessaray-aaaaaa"_s)).isSymLink());
+    }
+
     void placeThatAFilterCannotReadIsAvoided_data()
     {
         QTest::addColumn<QString>("name");
