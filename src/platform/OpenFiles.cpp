@@ -9,7 +9,7 @@
 
 namespace platform {
 
-#ifdef F_SETLEASE
+#if defined(F_SETLEASE) && defined(F_SETSIG)
 /// A lease for reading is refused exactly while some program has the file open for writing. Who opens it
 /// while we hold the lease makes the system signal us, which must be one that does nothing.
 bool isOpenForWriting(const QString &path)
