@@ -33,6 +33,7 @@ const QList<OptionSpec> &allOptions()
         {u"size"_s, u"MB"_s, u"Make parts of at most this size in megabytes."_s},
         {u"duration"_s, u"HH:MM:SS"_s, u"Make parts of this duration."_s},
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
+        {u"verify"_s, {}, u"Compare what was copied with its source, bit for bit."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, without running them."_s},
     };
     return options;

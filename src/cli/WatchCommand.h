@@ -24,7 +24,7 @@ public:
     }
     QStringList options() const override
     {
-        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset")};
+        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"), QStringLiteral("verify")};
     }
     ExitStatus execute(Session &session) const override;
 };
