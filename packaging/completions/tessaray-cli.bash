@@ -6,12 +6,12 @@ _tessaray_cli_options() {
     case $1 in
     convert)
         echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
-            "--track-preset --settings-preset --force --dry-run"
+            "--track-preset --settings-preset --force --verify --dry-run"
         ;;
-    extract | remove) echo "$global --tracks --force --dry-run" ;;
-    join | remux | send) echo "$global --force --dry-run" ;;
-    split) echo "$global --time --size --duration --force --dry-run" ;;
-    watch) echo "$global --track-preset --settings-preset --existing" ;;
+    extract | remove) echo "$global --tracks --force --verify --dry-run" ;;
+    join | remux | send) echo "$global --force --verify --dry-run" ;;
+    split) echo "$global --time --size --duration --force --verify --dry-run" ;;
+    watch) echo "$global --track-preset --settings-preset --existing --verify" ;;
     play) echo "$global --tracks" ;;
     *) echo "$global" ;;
     esac
@@ -110,7 +110,7 @@ _tessaray_cli() {
             only_files=1
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
-            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --dry-run) ;;
+            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run) ;;
             *) option=$word ;;
             esac
         elif [[ -z $command ]]; then

@@ -34,6 +34,7 @@ const QList<OptionSpec> &allOptions()
         {u"duration"_s, u"HH:MM:SS"_s, u"Make parts of this duration."_s},
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
         {u"existing"_s, {}, u"Convert films too that are in the folder already and were never converted."_s},
+        {u"verify"_s, {}, u"Compare what was copied with its source, bit for bit."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, without running them."_s},
     };
     return options;

@@ -51,7 +51,7 @@ QStringList ConvertCommand::options() const
 {
     return {u"device"_s,          u"kind"_s,      u"video"_s,  u"video-bitrate"_s, u"width"_s,
             u"audio"_s,           u"subtitles"_s, u"tracks"_s, u"add"_s,           u"track-preset"_s,
-            u"settings-preset"_s, u"force"_s,     u"dry-run"_s};
+            u"settings-preset"_s, u"force"_s,     u"verify"_s, u"dry-run"_s};
 }
 
 std::optional<jobs::JobRequest> ConvertCommand::prepared(Session &session, const QString &path,

@@ -59,7 +59,7 @@ QJsonObject fateRecord(const media::TrackFate &fate)
             {u"outputSeconds"_s, jsonOf(fate.outputSeconds)},
             {u"sourceBytes"_s, jsonOf(fate.sourceBytes)},
             {u"outputBytes"_s, jsonOf(fate.outputBytes)},
-            {u"proof"_s, media::wordOf(fate.proof)}};
+            {u"proof"_s, media::proofWordOf(fate)}};
 }
 
 QJsonObject recordOf(const QObject &object, const QStringList &words)

@@ -1,6 +1,7 @@
 #include "jobs/JobResults.h"
 
 #include "platform/OrdinaryFile.h"
+#include "prefs/KXPreferences.h"
 
 #include <QFileInfo>
 
@@ -46,12 +47,15 @@ QString commandsOf(const steps::Launch &run)
 } // namespace
 
 JobResults::JobResults(const JobContext &context, steps::OutputGuard &guard)
-    : m_guard(guard)
+    : m_preferences(context.preferences)
+    , m_guard(guard)
     , m_isChecking(context.checking == Checking::Outputs)
     , m_check(context.preferences, context.toolsAtOnce)
+    , m_proof(context.preferences, context.toolsAtOnce)
 {
     connect(&m_publisher, &steps::Publisher::ended, this, &JobResults::settle);
     connect(&m_check, &steps::OutputCheck::finished, this, &JobResults::checked);
+    connect(&m_proof, &steps::OutputProof::finished, this, &JobResults::verified);
 }
 
 void JobResults::stepStarted(const KXConverter &converter)
@@ -103,21 +107,49 @@ void JobResults::checkNext()
 
 void JobResults::checked()
 {
-    Step &step = m_steps[m_toCheck++];
-    const Outcome outcome = m_check.outcome();
+    QList<media::MeantOutput> measured;
     for (const media::CheckedOutput &result : m_check.results())
-        m_measured.append(result.output);
+        measured.append(result.output);
+    take(measured, m_check.outcome());
+    if (m_steps.at(m_toCheck).isWhole && m_preferences.panelFlag(u"verifyFlag"_s))
+        return m_proof.begin(measured, m_check.films());
+    ++m_toCheck;
+    checkNext();
+}
+
+void JobResults::verified()
+{
+    take(m_proof.outputs(), m_proof.outcome());
+    ++m_toCheck;
+    checkNext();
+}
+
+/// What was measured later holds what was measured before, and comes behind it.
+void JobResults::take(const QList<media::MeantOutput> &measured, const Outcome &outcome)
+{
+    Step &step = m_steps[m_toCheck];
+    m_measured += measured;
     step.isWhole = outcome.verdict != steps::Verdict::Failed;
     if (!step.isWhole)
         m_logsOfFailed.append(step.log);
     if (!outcome.sentence.isEmpty())
         m_found = m_found.joinedWith(outcome);
-    checkNext();
+}
+
+void JobResults::pause()
+{
+    m_proof.pause();
+}
+
+void JobResults::resume()
+{
+    m_proof.resume();
 }
 
 bool JobResults::cancel()
 {
     m_check.end();
+    m_proof.end();
     if (m_publisher.cancel())
         return true;
     takeNames();

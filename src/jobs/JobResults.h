@@ -3,6 +3,7 @@
 #include "jobs/JobContext.h"
 #include "steps/KXConverter.h"
 #include "steps/OutputCheck.h"
+#include "steps/OutputProof.h"
 #include "steps/Publisher.h"
 
 #include <QObject>
@@ -26,10 +27,16 @@ public:
     /// They are wanted after all, though their step was to keep them for the job alone.
     void want(const QList<QUrl> &names);
 
-    /// Checks every finished file, and gives it its name; settled() follows, at once where there is none.
+    /// Checks every finished file, verifies it where that is wanted, and gives it its name; settled()
+    /// follows, at once where there is none.
     void publish();
     /// Whether the checks are over.
     bool isPublishing() const { return m_isPublishing; }
+    /// Whether copies are compared with their sources bit for bit.
+    bool isVerifying() const { return m_proof.isRunning(); }
+    /// Suspends the tools that run for it, and starts no other until it is resumed.
+    void pause();
+    void resume();
     /// No file gets its name any more. False when they have theirs already: then settled() was emitted.
     bool cancel();
     /// Published files, in the order of their steps.
@@ -68,16 +75,20 @@ private:
     };
     void checkNext();
     void checked();
+    void verified();
+    void take(const QList<media::MeantOutput> &measured, const steps::Outcome &outcome);
     void publishChecked();
     void settle(const steps::PublishResult &result);
     void takeNames();
     QByteArray commandsFor(const QUrl &log) const;
 
+    const KXPreferences &m_preferences;
     steps::OutputGuard &m_guard;
     QList<Step> m_steps;
     bool m_isChecking;
     bool m_isPublishing = false;
     steps::OutputCheck m_check;
+    steps::OutputProof m_proof;
     qsizetype m_toCheck = 0; ///< the step whose outputs are checked
     QList<media::MeantOutput> m_measured;
     QList<QUrl> m_logsOfFailed;

@@ -473,6 +473,7 @@ void KXJob::pauseJob()
             signalBackground(std::get<QString>(task), SIGSTOP);
         }
     }
+    m_results.pause();
 }
 
 void KXJob::resumeJob()
@@ -486,6 +487,7 @@ void KXJob::resumeJob()
             signalBackground(std::get<QString>(task), SIGCONT);
         }
     }
+    m_results.resume();
     startWaitingSteps();
 }
 
@@ -564,7 +566,9 @@ void KXJob::jobDone()
 void KXJob::showSlowEnd()
 {
     jobs::ProgressList list = m_progressList;
-    const QString word = m_results.isPublishing() ? u"writing to disk"_s : u"checking"_s;
+    const QString word = m_results.isPublishing()  ? u"writing to disk"_s
+                         : m_results.isVerifying() ? u"verifying"_s
+                                                   : u"checking"_s;
     if (list.isEmpty() || word == m_shownEnd)
         return;
     m_shownEnd = word;
@@ -656,6 +660,8 @@ void KXJob::addWordsOfReceipt()
         addOutcome(steps::Outcome::warnings(warning));
     for (const QString &note : media::sentencesOf(receipt, media::Told::AsANote))
         addOutcome({steps::Verdict::Ok, note});
+    for (const QString &verified : media::sentencesOfVerified(receipt))
+        addOutcome({steps::Verdict::Ok, verified});
 }
 
 /// Logs and intermediate files stay or go together, on purpose; the log of a failed step stays in any case.

@@ -1,5 +1,6 @@
 #include "media/Receipt.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -116,6 +117,49 @@ QString proofOf(const TrackFate &fate)
     return {};
 }
 
+QString verifiedOf(const TrackFate &fate)
+{
+    switch (fate.verified) {
+    case Verified::NotProven:
+        return u"; not proven bit for bit"_s;
+    case Verified::Decodes:
+        return u"; its key frames decode"_s;
+    case Verified::SameBits: // proofOf() tells it
+    case Verified::NotAsked:
+        break;
+    }
+    return {};
+}
+
+/// A track in its own output: "audio 1 (alac)".
+QString shortNameOf(const TrackFate &fate)
+{
+    const QString codec = fate.codec.isNull() ? QString() : u" (%1)"_s.arg(fate.codec);
+    return fate.kind + u' ' + QString::number(fate.outputIndex < 0 ? fate.index : fate.outputIndex) + codec;
+}
+
+QString sentenceOfVerified(const QList<TrackFate> &tracks)
+{
+    QStringList unproven;
+    bool isProven = false;
+    bool decodes = false;
+    for (const TrackFate &track : tracks) {
+        isProven = isProven || track.verified == Verified::SameBits;
+        decodes = decodes || track.verified == Verified::Decodes;
+        if (track.verified == Verified::NotProven)
+            unproven.append(shortNameOf(track));
+    }
+    QStringList found;
+    if (!unproven.isEmpty())
+        found << u"not proven bit for bit: "_s + unproven.join(u", "_s);
+    else if (isProven)
+        found << u"proven bit for bit"_s;
+    if (decodes)
+        found << u"its key frames decode"_s;
+    return found.isEmpty() ? QString()
+                           : tracks.constFirst().output.fileName() + u": "_s + found.join(u"; "_s) + u'.';
+}
+
 QString fortuneOf(const TrackFate &fate)
 {
     const QString place = fate.output.fileName();
@@ -180,6 +224,11 @@ QString wordOf(Proof proof)
     return u"notProven"_s;
 }
 
+QString proofWordOf(const TrackFate &fate)
+{
+    return wordOf(fate.verified == Verified::NotProven ? Proof::NotProven : fate.proof);
+}
+
 QStringList sentencesOf(const Receipt &receipt, Told told)
 {
     QStringList sentences;
@@ -193,12 +242,30 @@ QStringList sentencesOf(const Receipt &receipt, Told told)
     return sentences;
 }
 
+QStringList sentencesOfVerified(const Receipt &receipt)
+{
+    QList<QUrl> outputs;
+    QHash<QUrl, QList<TrackFate>> tracks;
+    for (const TrackFate &track : receipt.tracks) {
+        if (track.output.isEmpty())
+            continue;
+        if (!tracks.contains(track.output))
+            outputs.append(track.output);
+        tracks[track.output].append(track);
+    }
+    QStringList sentences;
+    for (const QUrl &output : outputs)
+        sentences << sentenceOfVerified(tracks.value(output));
+    sentences.removeAll(QString());
+    return sentences;
+}
+
 QStringList linesOf(const Receipt &receipt)
 {
     QStringList lines;
     for (const TrackFate &fate : receipt.tracks)
         lines.append(nameOf(fate) + u": "_s + fortuneOf(fate) + lengthsOf(fate) + sizesOf(fate) +
-                     proofOf(fate));
+                     proofOf(fate) + verifiedOf(fate));
     return lines;
 }
 

@@ -22,9 +22,14 @@ Receipt receiptOf(const QList<MeantOutput> &outputs);
 /// The words of the record: "copied", "notProven".
 QString wordOf(Became became);
 QString wordOf(Proof proof);
+/// The word of how a track was proven. Where its bits were to be compared and could not be, it is not proven.
+QString proofWordOf(const TrackFate &fate);
 
 /// What is to be told of it without being asked: a sentence for all tracks of a source that share a reason.
 QStringList sentencesOf(const Receipt &receipt, Told told);
+
+/// What a job that was asked to verify its outputs says of each: "film.m4v: proven bit for bit."
+QStringList sentencesOfVerified(const Receipt &receipt);
 
 /// One line a track for a person: "subtitle 3 (subrip) of film.mkv: left out. It was not chosen."
 QStringList linesOf(const Receipt &receipt);

@@ -36,6 +36,9 @@ constexpr std::array damageWords = {
     "The last timestamp processed before the error",
 };
 
+constexpr std::array harmlessWords = {"non monoton", "Timestamps are unset in a packet",
+                                      "Application provided invalid", "Estimating duration"};
+
 /// Only what a tool tells by itself counts: its command line, and lines about a file or a film, repeat names
 /// and titles, which may hold whatever they like.
 bool isOwnLine(const QString &line)
@@ -79,6 +82,12 @@ QString withoutAddress(const QString &line)
 bool tellsOfDamage(const QString &line)
 {
     return std::any_of(damageWords.begin(), damageWords.end(),
+                       [&](const char *words) { return line.contains(QLatin1StringView(words)); });
+}
+
+bool isHarmlessLine(const QString &line)
+{
+    return std::any_of(harmlessWords.begin(), harmlessWords.end(),
                        [&](const char *words) { return line.contains(QLatin1StringView(words)); });
 }
 

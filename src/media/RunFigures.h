@@ -24,7 +24,7 @@ struct RunFigures
 
     QHash<Stream, StreamFigures> read;  ///< by input stream; empty unless ffmpeg was asked to be verbose
     QHash<Stream, StreamFigures> muxed; ///< by output stream
-    bool damageIsTold = false; ///< by whoever judged the run
+    bool damageIsTold = false;          ///< by whoever judged the run
     QString damage; ///< the first line that tells of damaged or missing data, as the user sees it
 };
 
@@ -38,5 +38,8 @@ std::pair<QString, QString> figuresVariable(const QString &plainName);
 /// Whether a line of a tool tells that data was damaged or missing. Lines that good films bring about too
 /// (times that do not grow, an estimated length) do not.
 bool tellsOfDamage(const QString &line);
+
+/// Whether ffmpeg says that line, as an error, of sound work too.
+bool isHarmlessLine(const QString &line);
 
 } // namespace media

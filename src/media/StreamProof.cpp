@@ -1,8 +1,10 @@
 #include "media/StreamProof.h"
 
+#include "media/RunFigures.h"
+
 #include <QRegularExpression>
 
-#include <optional>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -80,9 +82,28 @@ HashFilter filterFor(const QString &codec, Home home)
     return codec == u"mpeg4"_s ? filterOfMpeg4(home) : filterOfOthers(codec, home);
 }
 
-QStringList hashBeginning(const QUrl &film)
+QUrl fileOf(const MeantOutput &output)
 {
-    return {u"-nostdin"_s, u"-v"_s, u"error"_s, u"-i"_s, film.toLocalFile()};
+    return output.file.isEmpty() ? output.output : output.file;
+}
+
+/// A list for ffmpeg's reader of films that follow each other, as an address that holds it. Its films need
+/// the name of their protocol, else they are taken to lie where the list does.
+QString listOf(const QList<QUrl> &films)
+{
+    QString list = u"ffconcat version 1.0\n"_s;
+    for (const QUrl &film : films)
+        list += u"file 'file:"_s + film.toLocalFile().replace(u'\'', u"'\\''"_s) + u"'\n"_s;
+    return u"data:text/plain;base64,"_s + QString::fromLatin1(list.toUtf8().toBase64());
+}
+
+QStringList hashBeginning(const QList<QUrl> &films)
+{
+    QStringList words{u"-nostdin"_s, u"-v"_s, u"error"_s};
+    if (films.size() == 1)
+        return words << u"-i"_s << films.constFirst().toLocalFile();
+    return words << u"-f"_s << u"concat"_s << u"-safe"_s << u"0"_s << u"-protocol_whitelist"_s
+                 << u"file,data"_s << u"-i"_s << listOf(films);
 }
 
 void addStream(QStringList &arguments, int stream, qsizetype number, const QString &filter)
@@ -97,25 +118,92 @@ QStringList hashEnd()
     return {u"-c"_s, u"copy"_s, u"-f"_s, u"streamhash"_s, u"-hash"_s, u"md5"_s, u"-"_s};
 }
 
-std::optional<ProofRuns> runsFor(const MeantOutput &output, const QUrl &source, const FilmFacts &from,
-                                 const FilmFacts &to)
+/// One side of a proof: films of one container that are read one behind the other, if those can be.
+std::optional<Home> commonHome(const QList<QUrl> &films, const QHash<QUrl, FilmFacts> &facts)
 {
-    const QUrl file = output.file.isEmpty() ? output.output : output.file;
-    ProofRuns runs{{source, hashBeginning(source)}, {file, hashBeginning(file)}, {}};
-    for (int i = 0; i < output.tracks.size(); ++i) {
-        const TrackFate &fate = output.tracks.at(i);
-        const auto before = filterFor(fate.codec, homeOf(from));
-        const auto after = filterFor(fate.codec, homeOf(to));
-        const bool isHere = fate.source == source && fate.became == Became::Copied && fate.index >= 0;
-        if (!isHere || fate.outputIndex < 0 || !before || !after)
+    std::optional<Home> common;
+    for (const QUrl &film : films) {
+        const auto known = facts.constFind(film);
+        const bool isLine = films.size() == 1 || !film.toLocalFile().contains(u'\n');
+        if (known == facts.constEnd() || !isLine || (common && *common != homeOf(*known)))
+            return std::nullopt;
+        common = homeOf(*known);
+    }
+    return common;
+}
+
+/// The tracks of a stream of the sources, all in one stream of the outputs.
+using Group = QList<TrackPlace>;
+
+/// Copied tracks, by where they were and where they are: what lies at one place in all films of each side is
+/// one stream.
+QList<Group> groupsOf(const QList<MeantOutput> &outputs, const QList<QUrl> &sources)
+{
+    QList<Group> groups;
+    QHash<std::pair<int, int>, qsizetype> places;
+    for (int output = 0; output < outputs.size(); ++output) {
+        const QList<TrackFate> &tracks = outputs.at(output).tracks;
+        for (int track = 0; track < tracks.size(); ++track) {
+            const TrackFate &fate = tracks.at(track);
+            if (fate.became != Became::Copied || fate.index < 0 || fate.outputIndex < 0 ||
+                !sources.contains(fate.source))
+                continue;
+            const std::pair key{fate.index, fate.outputIndex};
+            if (!places.contains(key)) {
+                places.insert(key, groups.size());
+                groups.append(Group());
+            }
+            groups[places.value(key)].append({output, track});
+        }
+    }
+    return groups;
+}
+
+/// Sources and outputs are read as one film each. A stream that is not in all of them is not compared.
+std::optional<ProofRuns> runsFor(const QList<MeantOutput> &outputs, const QList<QUrl> &sources,
+                                 const QHash<QUrl, FilmFacts> &films)
+{
+    QList<QUrl> files;
+    for (const MeantOutput &output : outputs)
+        files.append(fileOf(output));
+    const auto from = commonHome(sources, films);
+    const auto to = commonHome(files, films);
+    if (!from || !to)
+        return std::nullopt;
+    ProofRuns runs{
+        {sources.constFirst(), hashBeginning(sources)}, {files.constFirst(), hashBeginning(files)}, {}};
+    for (const Group &group : groupsOf(outputs, sources)) {
+        const TrackPlace first = group.constFirst();
+        const TrackFate &fate = outputs.at(first.output).tracks.at(first.track);
+        const auto before = filterFor(fate.codec, *from);
+        const auto after = filterFor(fate.codec, *to);
+        if (!before || !after || group.size() != std::max(sources.size(), outputs.size()))
             continue;
         addStream(runs.source.arguments, fate.index, runs.tracks.size(), *before);
         addStream(runs.output.arguments, fate.outputIndex, runs.tracks.size(), *after);
-        runs.tracks.append(i);
+        runs.tracks.append(group);
     }
     runs.source.arguments += hashEnd();
     runs.output.arguments += hashEnd();
     return runs.tracks.isEmpty() ? std::nullopt : std::optional(runs);
+}
+
+/// The runs of one output, by whose number its tracks are named.
+void addRunsOf(QList<ProofRuns> &all, const QList<MeantOutput> &outputs, int number,
+               const QHash<QUrl, FilmFacts> &films)
+{
+    const MeantOutput &output = outputs.at(number);
+    const bool isSum = output.extent == Extent::Sum;
+    for (const QUrl &source : isSum ? QList<QUrl>{output.sources.value(0)} : output.sources) {
+        auto runs = runsFor({output}, isSum ? output.sources : QList<QUrl>{source}, films);
+        if (!runs)
+            continue;
+        for (QList<TrackPlace> &places : runs->tracks) {
+            for (TrackPlace &place : places)
+                place.output = number;
+        }
+        all.append(*runs);
+    }
 }
 
 /// By the number of the stream in the run: "1,a,MD5=d41d8cd98f00b204e9800998ecf8427e".
@@ -131,40 +219,115 @@ QHash<int, QByteArray> hashesIn(const QByteArray &printed)
     return hashes;
 }
 
+QString sentenceOfDifference(const QList<MeantOutput> &outputs, const QList<TrackPlace> &places)
+{
+    const TrackPlace first = places.constFirst();
+    const TrackFate &fate = outputs.at(first.output).tracks.at(first.track);
+    const bool isOneSource = std::all_of(places.begin(), places.end(), [&](const TrackPlace &place) {
+        return outputs.at(place.output).tracks.at(place.track).source == fate.source;
+    });
+    const bool isOneOutput = places.constLast().output == first.output;
+    return u"Track %1 of %2 (%3) is not the same in %4, bit for bit."_s.arg(
+        QString::number(fate.index), isOneSource ? fate.source.fileName() : u"the films"_s, fate.kind,
+        isOneOutput ? outputs.at(first.output).output.fileName() : u"the parts"_s);
+}
+
+void takeAsProven(TrackFate &fate)
+{
+    fate.proof = Proof::Bits;
+    fate.verified = Verified::SameBits;
+}
+
+bool isEncodedVideo(const TrackFate &fate)
+{
+    return fate.became == Became::Reencoded && fate.kind == u"video"_s && fate.outputIndex >= 0;
+}
+
+/// The first line that speaks of the film; a muxer that keeps nothing may complain of the times of frames.
+QString firstErrorIn(const QByteArray &errors)
+{
+    static const QRegularExpression address(u"^(?:\\[[^\\]]* @ 0x[0-9a-f]+\\] *)+"_s);
+    for (const QByteArray &line : errors.split('\n')) {
+        QString words = QString::fromUtf8(line).trimmed();
+        if (!words.isEmpty() && !words.startsWith(u"[null @"_s) && !isHarmlessLine(words))
+            return words.remove(address);
+    }
+    return {};
+}
+
 } // namespace
 
-QList<ProofRuns> proofRuns(const MeantOutput &output, const QHash<QUrl, FilmFacts> &films)
+QList<ProofRuns> proofRuns(const QList<MeantOutput> &outputs, const QHash<QUrl, FilmFacts> &films)
 {
     QList<ProofRuns> all;
-    const auto to = films.constFind(output.file.isEmpty() ? output.output : output.file);
-    if (output.extent != Extent::Whole || to == films.constEnd())
-        return all;
-    for (const QUrl &source : output.sources) {
-        const auto from = films.constFind(source);
-        const auto runs = from == films.constEnd() ? std::nullopt : runsFor(output, source, *from, *to);
-        if (runs)
-            all.append(*runs);
+    const bool areParts = !outputs.isEmpty() && outputs.constFirst().extent == Extent::Part;
+    if (areParts) {
+        const auto runs = runsFor(outputs, outputs.constFirst().sources, films);
+        return runs ? QList<ProofRuns>{*runs} : all;
+    }
+    for (int number = 0; number < outputs.size(); ++number) {
+        if (outputs.at(number).extent != Extent::Stretch)
+            addRunsOf(all, outputs, number, films);
     }
     return all;
 }
 
-QStringList proveBits(MeantOutput &output, const ProofRuns &runs, const QByteArray &ofSource,
+QStringList proveBits(QList<MeantOutput> &outputs, const ProofRuns &runs, const QByteArray &ofSource,
                       const QByteArray &ofOutput)
 {
     const QHash<int, QByteArray> before = hashesIn(ofSource);
     const QHash<int, QByteArray> after = hashesIn(ofOutput);
     QStringList sentences;
     for (int i = 0; i < runs.tracks.size(); ++i) {
-        TrackFate &fate = output.tracks[runs.tracks.at(i)];
         if (!before.contains(i) || !after.contains(i))
             continue;
-        if (before.value(i) == after.value(i))
-            fate.proof = Proof::Bits;
-        else
-            sentences << u"Track %1 of %2 (%3) is not the same in %4, bit for bit."_s.arg(
-                QString::number(fate.index), fate.source.fileName(), fate.kind, output.output.fileName());
+        const bool isSame = before.value(i) == after.value(i);
+        for (const TrackPlace &place : isSame ? runs.tracks.at(i) : QList<TrackPlace>())
+            takeAsProven(outputs[place.output].tracks[place.track]);
+        if (!isSame)
+            sentences << sentenceOfDifference(outputs, runs.tracks.at(i));
     }
     return sentences;
+}
+
+void markUnproven(MeantOutput &output)
+{
+    static const QStringList kinds{u"video"_s, u"audio"_s, u"subtitle"_s};
+    for (TrackFate &fate : output.tracks) {
+        if (fate.became == Became::Copied && kinds.contains(fate.kind) && fate.proof != Proof::Bits)
+            fate.verified = Verified::NotProven;
+    }
+}
+
+std::optional<FilmRun> keyFrameRun(const MeantOutput &output)
+{
+    const QUrl file = fileOf(output);
+    FilmRun run{
+        file,
+        {u"-nostdin"_s, u"-v"_s, u"error"_s, u"-skip_frame"_s, u"nokey"_s, u"-i"_s, file.toLocalFile()}};
+    const qsizetype before = run.arguments.size();
+    for (const TrackFate &fate : output.tracks) {
+        if (isEncodedVideo(fate))
+            run.arguments << u"-map"_s << u"0:%1"_s.arg(fate.outputIndex);
+    }
+    if (run.arguments.size() == before)
+        return std::nullopt;
+    run.arguments << u"-fps_mode"_s << u"passthrough"_s << u"-f"_s << u"null"_s << u"-"_s;
+    return run;
+}
+
+QString takeKeyFrames(MeantOutput &output, const QByteArray &errors, bool endedWell)
+{
+    const QString line = firstErrorIn(errors);
+    if (!endedWell || !line.isEmpty()) {
+        const QString sentence = u"Not every key frame of %1 can be decoded"_s.arg(output.output.fileName());
+        return line.isEmpty() ? sentence + u'.' : sentence + u": "_s + line + u'.';
+    }
+    for (TrackFate &fate : output.tracks) {
+        if (isEncodedVideo(fate))
+            fate.verified = Verified::Decodes;
+    }
+    return {};
 }
 
 } // namespace media

@@ -15,6 +15,10 @@ enum class Became { Copied, Reencoded, Burned, LeftOut };
 /// all its bits. NotProven where there is no output to look at, or no known way.
 enum class Proof { NotProven, Lengths, Packets, Bits };
 
+/// What a job that was asked to verify its outputs found out beyond that: a copied track has the same bits or
+/// there is no known way to compare them, and the key frames of encoded video decode.
+enum class Verified { NotAsked, SameBits, NotProven, Decodes };
+
 /// Who is told of a track that is left out: whoever asks, everybody, or everybody as a warning. What a tool
 /// or a step says by itself is told once, so it is for those who ask.
 enum class Told { InTheReceipt, AsANote, AsAWarning };
@@ -40,6 +44,7 @@ struct TrackFate
     std::optional<qint64> sourceBytes;
     std::optional<qint64> outputBytes;
     Proof proof = Proof::NotProven;
+    Verified verified = Verified::NotAsked;
 };
 
 /// What one output is meant to hold of its sources.

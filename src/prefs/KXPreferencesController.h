@@ -23,6 +23,7 @@ class KXPreferencesController final : public QObject
     KX_STATE(bool, moovInFrontFlag, setMoovInFrontFlag, true)
     KX_STATE(bool, metadataPaddingFlag, setMetadataPaddingFlag, false)
     KX_STATE(bool, useDpliiFlag, setUseDpliiFlag, true)
+    KX_STATE(bool, verifyFlag, setVerifyFlag, false)
 
 public:
     /// Both must outlive the controller.

@@ -94,6 +94,7 @@ void PreferencesPanel::addSwitches(QFormLayout *layout)
     layout->addRow({}, noPadding);
     layout->addRow({},
                    checkBox(tr("Use &Dolby Pro Logic II for stereo"), "PrefUseDpliiButton", "useDpliiFlag"));
+    layout->addRow({}, checkBox(tr("&Verify finished files bit for bit"), "PrefVerifyButton", "verifyFlag"));
     offerPadding(padding, noPadding);
 }
 

@@ -8,6 +8,7 @@
 #include "support/jobs/CheckClips.h"
 #include "support/jobs/CheckRun.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -63,13 +64,15 @@ QByteArray printedBy(const QStringList &arguments)
     return process.readAllStandardOutput();
 }
 
-/// The sentences; the proofs are in the output then.
-QStringList verify(CheckRun &run, media::MeantOutput &output)
+/// The sentences; the proofs are in the outputs then.
+QStringList verify(CheckRun &run, QList<media::MeantOutput> &outputs)
 {
-    output = run.check(output).output;
+    const auto results = run.check(outputs);
+    for (qsizetype i = 0; i < outputs.size(); ++i)
+        outputs[i] = results.at(i).output;
     QStringList sentences;
-    for (const media::ProofRuns &runs : media::proofRuns(output, run.films()))
-        sentences += media::proveBits(output, runs, printedBy(runs.source.arguments),
+    for (const media::ProofRuns &runs : media::proofRuns(outputs, run.films()))
+        sentences += media::proveBits(outputs, runs, printedBy(runs.source.arguments),
                                       printedBy(runs.output.arguments));
     return sentences;
 }
@@ -109,9 +112,75 @@ private Q_SLOTS:
         }
         const QString output = run.path(way.output);
         run.run(way.line, {source, output});
-        media::MeantOutput meant = CheckRun::meant({source}, output);
+        QList<media::MeantOutput> meant{CheckRun::meant({source}, output)};
         QCOMPARE(verify(run, meant), QStringList());
-        QCOMPARE(proofsOf(meant), way.proofs);
+        QCOMPARE(proofsOf(meant.constFirst()), way.proofs);
+    }
+
+    void joinedFilmsAreProven_data()
+    {
+        QTest::addColumn<QString>("container");
+        QTest::addColumn<bool>("isFlipped");
+        for (const QString &container : drawn(QList<QString>{u"mkv"_s, u"mp4"_s, u"mov"_s, u"avi"_s}, 1)) {
+            QTest::addRow("%s", qPrintable(container)) << container << false;
+            QTest::addRow("%s, flipped", qPrintable(container)) << container << true;
+        }
+    }
+
+    void joinedFilmsAreProven()
+    {
+        QFETCH(QString, container);
+        QFETCH(bool, isFlipped);
+        CheckRun run;
+        const QStringList films{run.path(u"it's 1."_s + container), run.path(u"2."_s + container)};
+        for (int i = 0; i < 2; ++i)
+            run.run(u"ffmpeg -ss %1 -t 10 -i $0 -map 0 -c copy $1"_s.arg(10 * i),
+                    {minuteOf(container), films.at(i)});
+        const QString output = run.path(u"out."_s + container);
+        writeContent(run.path(u"list"_s),
+                     "file 'it'\\''s 1." + container.toUtf8() + "'\nfile '2." + container.toUtf8() + "'\n");
+        if (container == u"mkv"_s)
+            run.run(u"mkvmerge -o $2 $0 + $1"_s, films + QStringList{output});
+        else
+            run.run(u"ffmpeg -f concat -safe 0 -i $0 -map 0 -c copy $1"_s, {run.path(u"list"_s), output});
+        if (isFlipped)
+            flipIn(output, 0, 15);
+        QList<media::MeantOutput> meant{CheckRun::meant(films, output, media::Extent::Sum)};
+        const QStringList sentences = verify(run, meant);
+        const QList<Proof> proofs = proofsOf(meant.constFirst());
+        QCOMPARE(proofs.count(Proof::Bits), isFlipped ? 2 : 4);
+        QCOMPARE(sentences.value(0),
+                 isFlipped ? u"Track 0 of the films (video) is not the same in out.%1, bit for bit."_s.arg(
+                                 container)
+                           : QString());
+    }
+
+    void partsOfAFilmAreProven_data()
+    {
+        QTest::addColumn<bool>("isFlipped");
+        QTest::newRow("as they are") << false;
+        QTest::newRow("flipped") << true;
+    }
+
+    void partsOfAFilmAreProven()
+    {
+        QFETCH(bool, isFlipped);
+        CheckRun run;
+        run.run(u"mkvmerge -o $1 --split 15s $0"_s, {minuteOf(u"mkv"_s), run.path(u"out.mkv"_s)});
+        QList<media::MeantOutput> meant;
+        for (int i = 1; QFile::exists(run.path(u"out-00%1.mkv"_s.arg(i))); ++i)
+            meant.append(CheckRun::meant({minuteOf(u"mkv"_s)}, run.path(u"out-00%1.mkv"_s.arg(i)),
+                                         media::Extent::Part));
+        QVERIFY(meant.size() > 2);
+        if (isFlipped)
+            flipIn(run.path(u"out-002.mkv"_s), 1, 5);
+        const QStringList sentences = verify(run, meant);
+        for (const media::MeantOutput &part : std::as_const(meant))
+            QCOMPARE(proofsOf(part).count(Proof::Bits), isFlipped ? 1 : 2);
+        QCOMPARE(sentences.join(u' '),
+                 isFlipped ? u"Track 1 of %1 (audio) is not the same in the parts, bit for bit."_s.arg(
+                                 QFileInfo(minuteOf(u"mkv"_s)).fileName())
+                           : QString());
     }
 
     /// In the middle of the data of one packet, which neither its length nor its time shows.
@@ -130,22 +199,22 @@ private Q_SLOTS:
         const QString output = run.path(u"out.mp4"_s);
         run.run(copied, {source, output});
         flipIn(output, stream);
-        media::MeantOutput meant = CheckRun::meant({source}, output);
+        QList<media::MeantOutput> meant{CheckRun::meant({source}, output)};
         const QStringList sentences = verify(run, meant);
         QCOMPARE(sentences.size(), 1);
         QVERIFY2(sentences.constFirst().startsWith(u"Track %1 of "_s.arg(stream)) &&
                      sentences.constFirst().endsWith(u"is not the same in out.mp4, bit for bit."_s),
                  qPrintable(sentences.constFirst()));
-        QVERIFY(meant.tracks.at(stream).proof != Proof::Bits);
-        QCOMPARE(meant.tracks.at(1 - stream).proof, Proof::Bits);
+        QVERIFY(meant.constFirst().tracks.at(stream).proof != Proof::Bits);
+        QCOMPARE(meant.constFirst().tracks.at(1 - stream).proof, Proof::Bits);
     }
 
 private:
-    static void flipIn(const QString &film, int stream)
+    static void flipIn(const QString &film, int stream, int second = 20)
     {
         QProcess ffprobe;
         ffprobe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, QString::number(stream),
-                                     u"-read_intervals"_s, u"20%+#1"_s, u"-show_entries"_s,
+                                     u"-read_intervals"_s, u"%1%+#1"_s.arg(second), u"-show_entries"_s,
                                      u"packet=pos,size"_s, u"-of"_s, u"csv=p=0"_s, film});
         QVERIFY(ffprobe.waitForFinished(60000));
         const QList<QByteArray> fields = ffprobe.readAllStandardOutput().trimmed().split(','); // size, pos

@@ -106,6 +106,7 @@ private Q_SLOTS:
              {"PrefToolTipsButton", "PrefLogsButton", "PrefOptimizeStreamingButton", "PrefUseDpliiButton"})
             QVERIFY2(fixture.isChecked(word), word);
         QVERIFY(!fixture.isChecked("PrefAddPaddingButton"));
+        QVERIFY(!fixture.isChecked("PrefVerifyButton"));
     }
 
     void everySwitchIsStored_data()
@@ -119,6 +120,7 @@ private Q_SLOTS:
                                    << false;
         QTest::newRow("padding") << QByteArray("PrefAddPaddingButton") << u"metadataPaddingFlag"_s << true;
         QTest::newRow("dolby") << QByteArray("PrefUseDpliiButton") << u"useDpliiFlag"_s << false;
+        QTest::newRow("verify") << QByteArray("PrefVerifyButton") << u"verifyFlag"_s << true;
     }
 
     void everySwitchIsStored()

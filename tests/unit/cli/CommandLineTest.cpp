@@ -171,7 +171,7 @@ private Q_SLOTS:
              {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles", "add",
               "track-preset", "settings-preset", "time", "size", "duration"})
             QTest::newRow(name) << true << false;
-        for (const auto &name : {"force", "dry-run"})
+        for (const auto &name : {"force", "verify", "dry-run"})
             QTest::newRow(name) << false << false;
     }
 
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 14 + 2); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 14 + 3); }
 };
 
 TESSARAY_TEST(CommandLineTest)
