@@ -44,6 +44,15 @@ QString setAside(const QString &path)
     return {};
 }
 
+/// What programs that were killed left of a change that was not done.
+void clearHalfWritten(const QString &folder)
+{
+    const QString pattern = QFileInfo(platform::besideOf(folder + u"/*"_s + ending)).fileName();
+    for (const QString &name :
+         QDir(folder).entryList({pattern}, QDir::Files | QDir::Hidden | QDir::NoSymLinks))
+        platform::removeName(urlOf(folder + u'/' + name));
+}
+
 QString damagedSentence(const QString &path)
 {
     const QString aside = setAside(path);
@@ -126,6 +135,8 @@ void StoredQueue::takeFolder(QStringList &problems)
     m_holder = std::make_unique<HolderFile>(urlOf(m_folder + u"/holder"_s));
     const HolderFile::Answer answer = m_holder->take();
     m_isOpen = answer == HolderFile::Answer::Held;
+    if (m_isOpen)
+        clearHalfWritten(m_folder);
     if (answer == HolderFile::Answer::Taken)
         problems.append(
             u"Another window keeps the queue in %1, so jobs of this one are not stored."_s.arg(m_folder));

@@ -18,8 +18,6 @@ namespace platform {
 
 namespace {
 
-constexpr int lockPatienceMs = 5000;
-
 QString cannotBeRead(const QString &path, const QString &why)
 {
     return u"The settings in %1 can't be read: %2."_s.arg(path, why);
@@ -60,8 +58,9 @@ QString DefaultsStore::store(const QVariantMap &changed)
     return update([&](const QVariantMap &) { return changed; });
 }
 
-JsonDefaultsStore::JsonDefaultsStore(const QString &path)
+JsonDefaultsStore::JsonDefaultsStore(const QString &path, int patienceMs)
     : m_path(path)
+    , m_patienceMs(patienceMs)
 {
 }
 
@@ -148,7 +147,7 @@ QString JsonDefaultsStore::update(const Change &change)
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return u"The folder for %1 can't be made."_s.arg(m_path);
     StoreLock lock(m_path);
-    const QString problem = lock.take(lockPatienceMs);
+    const QString problem = lock.take(m_patienceMs);
     if (!problem.isNull())
         return cannotBeSaved(m_path, problem);
     const Found found = find(); // what another program stored since we read stays

@@ -51,7 +51,8 @@ private:
 class JsonDefaultsStore final : public DefaultsStore
 {
 public:
-    explicit JsonDefaultsStore(const QString &path);
+    /// Who writes at the same time is waited for so long, in milliseconds.
+    explicit JsonDefaultsStore(const QString &path, int patienceMs = 5000);
 
     /// Where the defaults of this user live (respects the test mode of the standard paths).
     static QString standardPath();
@@ -84,6 +85,7 @@ private:
     void keep(const QByteArray &bytes, const QVariantMap &values);
 
     QString m_path;
+    int m_patienceMs;
     QVariantMap m_values; ///< as they were last read or saved
     QByteArray m_bytes;   ///< the same as the file holds them
     StoredForm m_form;

@@ -198,7 +198,7 @@ private Q_SLOTS:
         const support::Scratch scratch;
         QLockFile lock(scratch.path(u"d.json.lock"_s));
         QVERIFY(lock.lock());
-        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
+        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s), 100);
         QVERIFY(store.store({{u"k"_s, 1}}).contains(u"locked"_s));
         QVERIFY(!scratch.names().contains(u"d.json"_s));
     }

@@ -23,6 +23,7 @@ using support::Scratch;
 namespace {
 
 const QString name = u"d.json"_s;
+constexpr int patience = 100; // milliseconds
 const QVariantMap keys{{u"list"_s, QVariantList()}, {u"panel"_s, QVariantMap()}, {u"text"_s, u""_s}};
 
 QVariantMap fileOf(const Scratch &scratch)
@@ -34,7 +35,7 @@ QVariantMap fileOf(const Scratch &scratch)
 struct Running
 {
     explicit Running(const Scratch &scratch)
-        : store(scratch.path(name))
+        : store(scratch.path(name), patience)
     {
         store.registerDefaults(keys);
         store.load();
