@@ -19,7 +19,8 @@ int convert(const QString &cli, const QString &clip, int rounds);
 /// `remux` of a film and `join` of a half with itself beside the mkvmerge commands that they launched,
 /// alternating; and what the program's memory does meanwhile.
 int mkv(const QString &cli, const QString &film, const QString &half, int rounds);
-/// What a `join` of many copies of a film takes before its tool starts, beside bare probes of them on all cores.
+/// What a `join` of many copies of a film takes before its tool starts, beside bare probes of them on all
+/// cores.
 int joins(const QString &cli, const QString &film, int count, int rounds);
 /// Many short films in one run of `convert` and of `remux`, beside the tools that each job runs, alternating.
 int many(const QString &cli, const QString &film, int count, int rounds);
@@ -34,6 +35,8 @@ int start(const QString &cli, const QString &clip, int rounds);
 /// Seconds from an interrupt to the end of the program and its tools: while files are opened, a film is
 /// converted, files are joined.
 int stop(const QString &cli, const QString &film, const QString &half, int rounds);
+/// Presets that are stored one after the other, 100 and 400 of them.
+int store();
 /// Looks at real watched folders of several sizes, with new films in them and without.
 int watch();
 

@@ -27,12 +27,14 @@ int main(int argc, char *argv[])
         return bench::start(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"stop"_s && words.size() == 5)
         return bench::stop(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
+    if (what == u"store"_s && words.size() == 1)
+        return bench::store();
     if (what == u"watch"_s && words.size() == 1)
         return bench::watch();
     bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | joins CLI FILM COUNT ROUNDS | mkv CLI FILM "
                u"HALF ROUNDS | many CLI "
                u"FILM COUNT ROUNDS | probe "
                u"RESOURCES CLIP ROUNDS | reading | "
-               "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | watch"_s);
+               "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | store | watch"_s);
     return 64;
 }

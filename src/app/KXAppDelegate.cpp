@@ -35,9 +35,12 @@ KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
     , m_files(surroundings.program, surroundings.alerts)
     , m_infoWriter(surroundings.program.preferences())
     , m_queueWatch(surroundings.program.queue(), surroundings.desktop)
+    , m_storedQueue(surroundings.program.queueFolder(), surroundings.program.queue())
 {
     connect(&program().selectionController(), &KXSelectionController::stateChanged, this,
             &KXAppDelegate::fileTextFieldChanged);
+    connect(&program().preferences(), &KXPreferences::storeMended, this, &KXAppDelegate::noteWorthy);
+    connect(&m_storedQueue, &jobs::StoredQueue::failed, this, &KXAppDelegate::noteWorthy);
     connect(&starter(), &app::JobStarter::finishingChanged, this,
             [this] { m_queueWatch.expectMore(starter().isFinishing()); });
 }
@@ -78,46 +81,92 @@ void KXAppDelegate::initGuiSettingsFrom(const QVariantMap &settings)
         indexIn(settings.value(u"settingMethodIndex"_s), presets.presetSettingsNamesList().size()));
 }
 
+QString KXAppDelegate::restoreQueue()
+{
+    const QString problem = m_storedQueue.open();
+    connect(&program().queue(), &KXQueueController::jobAdded, this, &KXAppDelegate::sayIfHeld);
+    sayIfHeld();
+    return problem;
+}
+
+void KXAppDelegate::sayIfHeld()
+{
+    if (program().queue().isHeld())
+        Q_EMIT noteWorthy(tr("The queue waits. Press Resume to start it."));
+}
+
 bool KXAppDelegate::applicationShouldTerminate()
 {
     intake().stopProbing();
     if (m_askingToQuit)
         return false;
     KXQueueController &queue = program().queue();
-    if (!queue.qJobIsRunning()) {
-        rememberAndSave();
-        return true;
-    }
+    if (!queue.qJobIsRunning())
+        return mayQuitUnsaved();
     queue.pauseQueueButton(u"Pause"_s);
     platform::Alert question;
     question.message = u"Videos are still being processed.  Quit anyways?"_s; // two blanks are meant
     question.buttons = {u"OK"_s, u"Cancel"_s};
-    m_askingToQuit = true;
-    m_around.alerts.show(std::make_shared<const platform::Alert>(question),
-                         [self = QPointer(this)](int returnCode) {
-                             if (self)
-                                 self->quitAnswered(returnCode);
-                         });
+    ask(question, &KXAppDelegate::quitAnswered);
     return false;
 }
 
-/// After "Cancel" the job stays paused: meant.
+void KXAppDelegate::ask(const platform::Alert &question, void (KXAppDelegate::*answered)(int))
+{
+    m_askingToQuit = true;
+    m_around.alerts.show(std::make_shared<const platform::Alert>(question),
+                         [self = QPointer(this), answered](int returnCode) {
+                             if (!self)
+                                 return;
+                             self->m_askingToQuit = false;
+                             (self->*answered)(returnCode);
+                         });
+}
+
+/// After "Cancel" the job stays paused: meant. What waits is stored before the list is emptied.
 void KXAppDelegate::quitAnswered(int returnCode)
 {
-    m_askingToQuit = false;
+    if (returnCode == platform::firstButtonReturn && mayQuitUnsaved())
+        Q_EMIT terminationAllowed();
+}
+
+/// Asks where something would be lost.
+bool KXAppDelegate::mayQuitUnsaved()
+{
+    QStringList problems{m_storedQueue.store(), rememberAndSave()};
+    problems.removeAll(QString());
+    if (problems.isEmpty()) {
+        leaveQueue();
+        return true;
+    }
+    platform::Alert question;
+    question.message = u"Not everything could be saved."_s;
+    question.informativeText = problems.join(u' ');
+    question.style = platform::AlertStyle::Warning;
+    question.buttons = {u"Quit Anyway"_s, u"Cancel"_s};
+    ask(question, &KXAppDelegate::unsavedAnswered);
+    return false;
+}
+
+void KXAppDelegate::unsavedAnswered(int returnCode)
+{
     if (returnCode != platform::firstButtonReturn)
         return;
-    program().queue().removeAllJobs();
-    rememberAndSave();
+    leaveQueue();
     Q_EMIT terminationAllowed();
 }
 
-void KXAppDelegate::rememberAndSave()
+void KXAppDelegate::leaveQueue()
+{
+    m_storedQueue.close();
+    if (program().queue().qJobIsRunning())
+        program().queue().removeAllJobs();
+}
+
+QString KXAppDelegate::rememberAndSave()
 {
     program().preferences().setGuiSettingsDictionary(createGuiSettingsDictionary());
-    const QString problem = program().preferences().savePreferencesToDefaults();
-    if (!problem.isNull())
-        Q_EMIT noteWorthy(problem);
+    return program().preferences().savePreferencesToDefaults();
 }
 
 void KXAppDelegate::openFilePanel(const QString &title)
@@ -194,7 +243,9 @@ void KXAppDelegate::switchToolTips(bool shown)
     panel.insert(tipsKey, shown);
     preferences.setPreferencePanelDictionary(panel);
     preferences.modifyToolTips();
-    preferences.savePreferencesToDefaults();
+    const QString problem = preferences.savePreferencesToDefaults();
+    if (!problem.isNull())
+        Q_EMIT noteWorthy(problem);
 }
 
 /// The tab that gathers files is compared with a name it does not bear: meant, and so what came in last is

@@ -3,6 +3,7 @@
 #include "app/FileInfoWriter.h"
 #include "app/FileWork.h"
 #include "app/QueueWatch.h"
+#include "jobs/StoredQueue.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -47,8 +48,11 @@ public:
 
     /// After the program was initialised: tool tips, and tab and presets as they were.
     void applicationDidFinishLaunching();
-    /// True when the program may end now. With a running job it asks, and terminationAllowed() follows when
-    /// the answer is yes; otherwise the job stays paused.
+    /// Shows the jobs that an earlier run of the program left, and stores those that are added from now on.
+    /// After applicationDidFinishLaunching(). A null text, or what was the matter with them, for the user.
+    QString restoreQueue();
+    /// True when the program may end now. With a running job, or with something that can't be saved, it asks,
+    /// and terminationAllowed() follows when the answer is yes; otherwise the job stays paused.
     bool applicationShouldTerminate();
 
     /// What is remembered until the next start, see initGuiSettingsFrom().
@@ -84,7 +88,12 @@ Q_SIGNALS:
 
 private:
     void quitAnswered(int returnCode);
-    void rememberAndSave();
+    QString rememberAndSave();
+    bool mayQuitUnsaved();
+    void ask(const platform::Alert &question, void (KXAppDelegate::*answered)(int));
+    void unsavedAnswered(int returnCode);
+    void leaveQueue();
+    void sayIfHeld();
     void takeInLater(const QList<QUrl> &files);
     void switchToolTips(bool shown);
     void saveFileInfo();
@@ -93,5 +102,6 @@ private:
     app::FileWork m_files;
     app::FileInfoWriter m_infoWriter;
     app::QueueWatch m_queueWatch;
+    jobs::StoredQueue m_storedQueue;
     bool m_askingToQuit = false;
 };

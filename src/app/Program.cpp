@@ -5,6 +5,8 @@
 #include "engines/player/KXMoviePlayer.h"
 #include "steps/OutputGuard.h"
 
+#include <QStandardPaths>
+
 using namespace Qt::StringLiterals;
 
 namespace app {
@@ -18,10 +20,18 @@ jobs::JobFactory makeFactory()
     return factory;
 }
 
+QString queueFolderFor(const QString &defaultsPath)
+{
+    return defaultsPath.isEmpty()
+               ? QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/queue"_s
+               : defaultsPath + u".queue"_s;
+}
+
 } // namespace
 
 Program::Program(const Options &options, platform::AlertPresenter &alerts)
-    : m_whenTaken(options.whenTaken)
+    : m_queueFolder(queueFolderFor(options.defaultsPath))
+    , m_whenTaken(options.whenTaken)
     , m_intervals(options.intervals)
     , m_alerts(alerts)
     , m_defaults(options.defaultsPath.isEmpty() ? platform::JsonDefaultsStore::standardPath()

@@ -43,6 +43,9 @@ public:
     platform::DefaultsStore &defaults() { return m_defaults; }
     /// Where the settings lie; what else is remembered lies beside them.
     QString settingsPath() const { return m_defaults.path(); }
+    /// Where the window keeps the jobs that are not done: in the data folder of the user, or beside settings
+    /// of another place.
+    QString queueFolder() const { return m_queueFolder; }
     KXPreferences &preferences() { return m_preferences; }
     KXNotificationCenter &notifications() { return m_notifications; }
     KXQueueController &queue() { return m_queue; }
@@ -60,6 +63,7 @@ public:
     jobs::JobContext contextFor(steps::OutputRegistry &outputs);
 
 private:
+    QString m_queueFolder;
     steps::WhenTaken m_whenTaken;
     jobs::Intervals m_intervals;
     platform::AlertPresenter &m_alerts;

@@ -44,10 +44,10 @@ void QueueWatch::expectMore(bool more)
     look();
 }
 
-/// A paused queue may let the machine sleep: nothing of it runs.
+/// A paused or held queue may let the machine sleep: nothing of it runs.
 void QueueWatch::look()
 {
-    const bool paused = m_queue.qJobIsRunning() && m_queue.pauseButtonTitle() == u"Resume"_s;
+    const bool paused = m_queue.canPauseOrResume() && m_queue.pauseButtonTitle() == u"Resume"_s;
     const bool working = m_queue.qJobIsRunning() || hasQueuedJob() || m_moreComing;
     if (working && !paused)
         m_desktop.keepAwake(tr("Videos are being processed"));

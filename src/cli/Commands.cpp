@@ -106,7 +106,7 @@ ExitStatus execute(Session &session, const CommandLine &line)
         if (!problem.isNull())
             return session.wrongUsage(problem);
     }
-    return session.unlessInterrupted(command->execute(session));
+    return session.unlessInterrupted(session.unlessUnsettled(command->execute(session)));
 }
 
 } // namespace

@@ -38,11 +38,19 @@ app::Program &Session::program()
         options.defaultsPath = absolutePath(m_line.value(u"defaults"_s));
     options.whenTaken = whenTakenFor(m_line);
     m_program = std::make_unique<app::Program>(options, m_alerts);
+    QObject::connect(&m_program->preferences(), &KXPreferences::storeMended, &m_program->preferences(),
+                     [this](const QString &sentence) { sayUnsettled(sentence); });
     const QString problem = m_program->initialize();
     if (!problem.isNull())
-        m_console.say(problem);
+        sayUnsettled(problem);
     applyOptions();
     return *m_program;
+}
+
+void Session::sayUnsettled(const QString &sentence)
+{
+    m_console.say(sentence);
+    m_isUnsettled = true;
 }
 
 void Session::applyOptions()

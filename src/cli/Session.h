@@ -30,17 +30,24 @@ public:
     ExitStatus failed(const QString &sentence);
     /// What an interrupt makes of a status.
     ExitStatus unlessInterrupted(ExitStatus status) const;
+    /// The same for settings that could not be read, or had to be mended.
+    ExitStatus unlessUnsettled(ExitStatus status) const
+    {
+        return m_isUnsettled ? worse(status, ExitStatus::Warnings) : status;
+    }
     bool isInterrupted() const { return m_interrupts.signalNumber() != 0; }
     prefs::SaveFolder saveFolder() { return prefs::SaveFolder(program().preferences()); }
 
 private:
     void applyOptions();
+    void sayUnsettled(const QString &sentence);
 
     CommandLine m_line;
     Console m_console;
     ConsoleAlerts m_alerts;
     app::Interrupts m_interrupts;
     std::unique_ptr<app::Program> m_program;
+    bool m_isUnsettled = false;
 };
 
 /// A path of the command line made absolute, without "." and ".."; an empty one stays empty.

@@ -173,6 +173,7 @@ void JobResults::publishChecked()
         m_found = m_found.joinedWith(Outcome::failed(problem));
     if (names.isEmpty() || !problem.isNull())
         return Q_EMIT settled();
+    Q_EMIT publishing(m_publications);
     m_publisher.start(m_guard.workFolder(), m_publications);
 }
 
@@ -189,6 +190,7 @@ void JobResults::settle(const PublishResult &result)
     if (!other.isEmpty() && taken != m_publications.end()) {
         m_renamed.append({taken->name, other});
         taken->name = other;
+        Q_EMIT publishing(m_publications);
         m_publisher.start(m_guard.workFolder(), m_publications);
         return;
     }

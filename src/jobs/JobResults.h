@@ -60,6 +60,8 @@ public:
     QUrl keepLog(const QUrl &log, const QString &lastLine);
 
 Q_SIGNALS:
+    /// Right before the attempt to give these files their names.
+    void publishing(const QList<steps::Publication> &publications);
     void settled();
 
 private:

@@ -1,6 +1,6 @@
 #include "jobs/KXJob.h"
 
-#include "media/KXVideoTrack.h"
+#include "jobs/QueuedJob.h"
 #include "platform/Volumes.h"
 #include "prefs/KXPreferences.h"
 #include "prefs/SaveFolder.h"
@@ -53,19 +53,6 @@ void endLoop(QThreadPool &loop, QObject *job)
     QCoreApplication::removePostedEvents(job, QEvent::MetaCall);
 }
 
-QList<QUrl> inputsOf(const KXSelection &selection)
-{
-    QList<QUrl> inputs{selection.videoTrackFileURL()};
-    inputs += selection.editFilesURLsList();
-    for (const TrackList &tracks :
-         {selection.trackList(), selection.addedAudioTrackList(), selection.keepTracksList()}) {
-        for (const TrackPointer &track : tracks)
-            inputs.append(track->trackFileURL());
-    }
-    inputs.removeIf([](const QUrl &url) { return url.toLocalFile().isEmpty(); });
-    return inputs;
-}
-
 /// Why nothing can be written beside the outputs, where that is so and the job's sentence does not say it:
 /// the tools seldom tell it in words for people.
 QString sentenceOnFolder(const QList<ConverterPointer> &converters, const QString &said)
@@ -99,6 +86,7 @@ KXJob::KXJob(const jobs::JobContext &context)
     , m_results(m_context, m_guard)
 {
     connect(&m_results, &jobs::JobResults::settled, this, &KXJob::finish);
+    connect(&m_results, &jobs::JobResults::publishing, this, &KXJob::publishing);
     connect(&m_slowEnd, &QTimer::timeout, this, &KXJob::showSlowEnd);
     m_monitorQueue.setMaxThreadCount(1);
     connect(&m_flashProgressTimer, &QTimer::timeout, this, [this] {
@@ -121,7 +109,7 @@ KXJob::~KXJob()
 void KXJob::setJobSelection(const SelectionPointer &selection)
 {
     m_jobSelection = selection;
-    m_guard.setInputs(inputsOf(*selection));
+    m_guard.setInputs(jobs::sourcesOf(*selection));
 }
 
 void KXJob::initJobWithSelectionAndPreferences(const SelectionPointer &selection, const KXPreferences &)
@@ -546,6 +534,24 @@ void KXJob::stopJob()
     Q_EMIT outcomeChanged();
 }
 
+/// Nothing of it ever runs, so it speaks for no name.
+void KXJob::endedBefore(const steps::Outcome &outcome, const QList<QUrl> &outputs)
+{
+    unsubscribe();
+    m_ended = true;
+    m_outcome = outcome;
+    m_earlierOutputs = outputs;
+    m_guard.setInputs({});
+    releaseEverything();
+    setJobStatus(u"Completed"_s);
+}
+
+void KXJob::refuse(const QString &reason)
+{
+    addOutcome(steps::Outcome::failed(reason));
+    requestJobDone();
+}
+
 void KXJob::jobDone()
 {
     if (m_ended || m_isEnding)
@@ -712,7 +718,7 @@ QString KXJob::startProblem() const
 
 QList<QUrl> KXJob::outputs() const
 {
-    return m_results.outputs();
+    return m_earlierOutputs.isEmpty() ? m_results.outputs() : m_earlierOutputs;
 }
 
 void KXJob::checkFreeSpace()

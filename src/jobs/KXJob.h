@@ -81,6 +81,10 @@ public:
     /// Ends all observing, as when a row is removed.
     void unsubscribe();
     bool hasEnded() const { return m_ended; }
+    /// For a job that an earlier run of the program made: it is completed and never runs.
+    void endedBefore(const steps::Outcome &outcome, const QList<QUrl> &outputs);
+    /// In the place of startJob(): it ends as failed, for that reason.
+    void refuse(const QString &reason);
 
     /// How the job went; Unknown until it has ended.
     steps::Outcome outcome() const { return m_outcome; }
@@ -101,6 +105,8 @@ public:
 
 Q_SIGNALS:
     void outcomeChanged();
+    /// Its files are about to get their names, which they do after this.
+    void publishing(const QList<steps::Publication> &publications);
 
 protected:
     const jobs::JobContext &context() const { return m_context; }
@@ -213,6 +219,7 @@ private:
     QString m_shownEnd;      ///< what was shown of that
     bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;
+    QList<QUrl> m_earlierOutputs; ///< of one that ended before the program was started
 };
 
 using JobPointer = std::shared_ptr<KXJob>;

@@ -6,7 +6,6 @@
 #include "prefs/KXWatchModeController.h"
 
 #include <QFileInfo>
-#include <QHash>
 #include <QPointer>
 
 #include <algorithm>
@@ -15,32 +14,6 @@ using namespace Qt::StringLiterals;
 using jobs::JobKind;
 
 namespace {
-
-/// Gives the selection tracks of its own: one copy per track, the same one in every list.
-void isolateTracks(KXSelection &selection)
-{
-    QHash<const KXVideoTrack *, TrackPointer> copies;
-    const auto isolated = [&](const TrackList &tracks) {
-        TrackList own;
-        for (const TrackPointer &track : tracks) {
-            TrackPointer &copy = copies[track.get()];
-            if (!copy)
-                copy = track->copy();
-            own.append(copy);
-        }
-        return own;
-    };
-    selection.setTrackList(isolated(selection.trackList()));
-    selection.setKeepTracksList(isolated(selection.keepTracksList()));
-    selection.setAddedAudioTrackList(isolated(selection.addedAudioTrackList()));
-}
-
-SelectionPointer jobsOwnCopy(const SelectionPointer &selection)
-{
-    const SelectionPointer copy = selection->copy();
-    isolateTracks(*copy);
-    return copy;
-}
 
 /// A raw H.264 stream whose video passes through can only be muxed.
 JobKind conversionKindFor(const KXSelection &selection)
@@ -55,6 +28,11 @@ JobKind conversionKindFor(const KXSelection &selection)
 }
 
 constexpr int deleteColumn = 0;
+
+bool isWaiting(const JobPointer &job)
+{
+    return job->jobStatus() == u"Queued"_s;
+}
 
 } // namespace
 
@@ -124,20 +102,39 @@ int KXQueueController::add(const jobs::JobRequest &request)
     }
 }
 
-JobPointer KXQueueController::append(JobKind kind)
+JobPointer KXQueueController::make(JobKind kind)
 {
     const JobPointer job = m_factory.make(kind, m_context);
     if (!job)
         return nullptr;
-    m_jobList.append(job);
-    startNextSoon();
     connect(job.get(), &KXJob::outcomeChanged, this, [this, job = job.get()] {
         const auto isIt = [job](const JobPointer &other) { return other.get() == job; };
         const auto found = std::find_if(m_jobList.cbegin(), m_jobList.cend(), isIt);
         if (found != m_jobList.cend())
             Q_EMIT jobChanged(static_cast<int>(found - m_jobList.cbegin()));
     });
+    connect(job.get(), &KXJob::publishing, this, &KXQueueController::jobPublishing);
     return job;
+}
+
+JobPointer KXQueueController::append(JobKind kind)
+{
+    const JobPointer job = make(kind);
+    if (!job)
+        return nullptr;
+    m_jobList.append(job);
+    startNextSoon();
+    return job;
+}
+
+void KXQueueController::announceAdded(const JobPointer &job, JobKind kind)
+{
+    if (m_remembersChoices) {
+        const SelectionPointer chosen = jobs::independentCopy(*job->jobSelection());
+        m_queued.insert(job.get(),
+                        {kind, job->jobFileName(), chosen, jobs::statesOf(jobs::sourcesOf(*chosen)), {}, {}});
+    }
+    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
 }
 
 int KXQueueController::addConversion(const SelectionPointer &selection)
@@ -146,7 +143,7 @@ int KXQueueController::addConversion(const SelectionPointer &selection)
     const JobPointer job = append(kind);
     if (!job)
         return 0;
-    const SelectionPointer own = jobsOwnCopy(selection);
+    const SelectionPointer own = jobs::independentCopy(*selection);
     own->setTrackList(own->trackList() + own->addedAudioTrackList());
     if (kind == JobKind::Muxing)
         own->setTrackList(jobs::tracksForMuxing(own->trackList()));
@@ -154,7 +151,7 @@ int KXQueueController::addConversion(const SelectionPointer &selection)
     job->setJobStatus(u"Queued"_s);
     job->setJobFileName(selection->videoTrackFileName());
     job->setJobSelection(own);
-    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+    announceAdded(job, kind);
     return 1;
 }
 
@@ -163,8 +160,8 @@ int KXQueueController::addOne(const jobs::JobRequest &request)
     const JobPointer job = append(request.kind);
     if (!job)
         return 0;
-    job->initJobWithSelectionAndPreferences(jobsOwnCopy(request.selection), m_context.preferences);
-    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+    job->initJobWithSelectionAndPreferences(jobs::independentCopy(*request.selection), m_context.preferences);
+    announceAdded(job, request.kind);
     return 1;
 }
 
@@ -175,11 +172,11 @@ int KXQueueController::addOnePerFile(const jobs::JobRequest &request)
         const JobPointer job = append(request.kind);
         if (!job)
             return added;
-        const SelectionPointer own = jobsOwnCopy(request.selection);
+        const SelectionPointer own = jobs::independentCopy(*request.selection);
         job->initJobWithSelectionAndPreferences(own, m_context.preferences);
         own->setVideoTrackFileURL(file);
         job->setJobFileName(file.fileName());
-        Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+        announceAdded(job, request.kind);
         ++added;
     }
     return added;
@@ -199,10 +196,9 @@ void KXQueueController::theQueueLoop()
 
 void KXQueueController::manageQueue()
 {
-    if (m_jobIsRunning)
+    if (m_jobIsRunning || m_isHeld)
         return;
-    const auto queued = std::find_if(m_jobList.cbegin(), m_jobList.cend(),
-                                     [](const JobPointer &job) { return job->jobStatus() == u"Queued"_s; });
+    const auto queued = std::find_if(m_jobList.cbegin(), m_jobList.cend(), isWaiting);
     if (queued == m_jobList.cend())
         return;
     // Said before the start: a start that waits serves timers, and nothing may start twice.
@@ -217,8 +213,13 @@ void KXQueueController::manageQueue()
 void KXQueueController::startJobThread()
 {
     const JobPointer job = m_currentJob; // stays alive even if its row goes while it starts
-    if (job)
+    if (!job)
+        return;
+    const QString change = m_restored.remove(job.get()) ? changeOf(*job) : QString();
+    if (change.isNull())
         job->startJob();
+    else
+        job->refuse(change);
 }
 
 void KXQueueController::notificationHub(const KXNotification &notification)
@@ -230,6 +231,7 @@ void KXQueueController::notificationHub(const KXNotification &notification)
         jobEnded(notification);
     } else if (notification.name == u"conversionStarted"_s) {
         rememberOutput(notification.object.toUrl());
+        Q_EMIT jobClaimed(notification.object.toUrl());
     }
 }
 
@@ -242,7 +244,11 @@ void KXQueueController::jobEnded(const KXNotification &notification)
     m_jobIsRunning = false;
     m_progressList = notification.object.value<jobs::ProgressList>();
     m_currentJob->setJobStatus(u"Completed"_s);
-    setPauseButtonTitle(u"Pause"_s);
+    setPauseButtonTitle(m_isHeld ? u"Resume"_s : u"Pause"_s);
+    const bool stops = m_stopsAfterThisJob;
+    forgetStop();
+    if (stops)
+        hold();
     Q_EMIT jobProgressListChanged();
     Q_EMIT jobChanged(static_cast<int>(m_currentJobRowIndex));
     startNextSoon();
@@ -270,6 +276,10 @@ void KXQueueController::setPauseButtonTitle(const QString &title)
 
 void KXQueueController::pauseQueueButton(const QString &title)
 {
+    if (m_isHeld && title == u"Resume"_s) {
+        setHeld(false);
+        startNextSoon();
+    }
     if (!m_jobIsRunning || !m_currentJob)
         return;
     if (title == u"Pause"_s) {
@@ -294,9 +304,13 @@ void KXQueueController::removeRow(qsizetype row)
 {
     const JobPointer job = m_jobList.takeAt(row);
     job->unsubscribe();
+    m_queued.remove(job.get());
+    m_restored.remove(job.get());
     if (row < m_currentJobRowIndex)
         --m_currentJobRowIndex;
     Q_EMIT jobRemoved(static_cast<int>(row));
+    if (!hasWaitingJob())
+        setHeld(false);
 }
 
 void KXQueueController::deleteJobRow(int column, int row)
@@ -350,7 +364,8 @@ void KXQueueController::stopCurrentJob()
     const JobPointer job = m_currentJob;
     job->stopJob();
     m_jobIsRunning = false;
-    setPauseButtonTitle(u"Pause"_s);
+    forgetStop();
+    setPauseButtonTitle(m_isHeld ? u"Resume"_s : u"Pause"_s);
     if (m_currentJobRowIndex < m_jobList.size() && m_jobList.at(m_currentJobRowIndex) == job)
         removeRow(m_currentJobRowIndex);
 }
@@ -362,4 +377,134 @@ void KXQueueController::removeAllJobs()
             removeRow(row);
     }
     stopCurrentJob();
+}
+
+// Rows, and a queue that is held.
+
+bool KXQueueController::hasWaitingJob() const
+{
+    return std::any_of(m_jobList.cbegin(), m_jobList.cend(), isWaiting);
+}
+
+bool KXQueueController::canMoveJob(int row) const
+{
+    return row >= 0 && row < m_jobList.size() && isWaiting(m_jobList.at(row));
+}
+
+bool KXQueueController::moveJob(int row, int to)
+{
+    if (!canMoveJob(row) || to < 0 || to >= m_jobList.size())
+        return false;
+    if (row == to)
+        return true;
+    m_jobList.move(row, to);
+    if (m_currentJob && m_jobList.contains(m_currentJob))
+        m_currentJobRowIndex = m_jobList.indexOf(m_currentJob);
+    Q_EMIT jobMoved(row, to);
+    return true;
+}
+
+std::optional<jobs::QueuedJob> KXQueueController::queuedJob(const KXJob &job) const
+{
+    const auto found = m_queued.constFind(&job);
+    return found == m_queued.cend() ? std::nullopt : std::optional(*found);
+}
+
+QString KXQueueController::changeOf(const KXJob &job) const
+{
+    const auto queued = queuedJob(job);
+    return queued ? jobs::changeOf(queued->sources) : QString();
+}
+
+QString KXQueueController::runAgainRefusal(int row) const
+{
+    const JobPointer job = m_jobList.value(row);
+    if (!job || job->jobStatus() != u"Completed"_s)
+        return u"Only a job that has ended can run again."_s;
+    if (!queuedJob(*job))
+        return u"What was chosen for this job is not known any more."_s;
+    return changeOf(*job);
+}
+
+int KXQueueController::runJobAgain(int row)
+{
+    if (!runAgainRefusal(row).isNull())
+        return -1;
+    const JobPointer ended = m_jobList.at(row);
+    jobs::QueuedJob queued = *queuedJob(*ended);
+    queued.outcome = {};
+    queued.outputs.clear();
+    const JobPointer job = remade(queued);
+    if (!job)
+        return -1;
+    Q_EMIT jobRunsAgain(*ended, *job);
+    removeRow(row);
+    m_jobList.append(job);
+    Q_EMIT jobAdded(static_cast<int>(m_jobList.size()) - 1);
+    startNextSoon();
+    return static_cast<int>(m_jobList.size()) - 1;
+}
+
+/// A job as it was added, from what is known of it.
+JobPointer KXQueueController::remade(const jobs::QueuedJob &queued)
+{
+    const JobPointer job = make(queued.kind);
+    if (!job)
+        return nullptr;
+    const SelectionPointer own = jobs::independentCopy(*queued.selection);
+    job->setJobType(own->jobType());
+    job->setJobStatus(u"Queued"_s);
+    job->setJobFileName(queued.fileName);
+    job->setJobSelection(own);
+    if (queued.outcome.verdict != steps::Verdict::Unknown)
+        job->endedBefore(queued.outcome, queued.outputs);
+    m_queued.insert(job.get(), queued);
+    return job;
+}
+
+void KXQueueController::restore(const QList<jobs::QueuedJob> &stored)
+{
+    if (!stored.isEmpty())
+        openForJobs();
+    int row = 0;
+    for (const jobs::QueuedJob &queued : stored) {
+        const JobPointer job = remade(queued);
+        if (!job)
+            continue;
+        m_restored.insert(job.get());
+        m_jobList.insert(row, job);
+        if (row <= m_currentJobRowIndex && m_currentJob)
+            ++m_currentJobRowIndex;
+        Q_EMIT jobAdded(row++);
+    }
+    hold();
+}
+
+void KXQueueController::hold()
+{
+    setHeld(hasWaitingJob());
+}
+
+void KXQueueController::setHeld(bool held)
+{
+    if (m_isHeld == held)
+        return;
+    m_isHeld = held;
+    if (!m_jobIsRunning)
+        setPauseButtonTitle(held ? u"Resume"_s : u"Pause"_s);
+    Q_EMIT heldChanged();
+}
+
+void KXQueueController::setStopsAfterThisJob(bool stops)
+{
+    const bool wanted = stops && m_jobIsRunning;
+    if (m_stopsAfterThisJob == wanted)
+        return;
+    m_stopsAfterThisJob = wanted;
+    Q_EMIT stopsAfterThisJobChanged();
+}
+
+void KXQueueController::forgetStop()
+{
+    setStopsAfterThisJob(false);
 }

@@ -2,8 +2,13 @@
 
 #include "jobs/JobFactory.h"
 #include "jobs/KXJob.h"
+#include "jobs/QueuedJob.h"
 
+#include <QHash>
+#include <QSet>
 #include <QTimer>
+
+#include <optional>
 
 class KXWatchModeController;
 
@@ -33,8 +38,11 @@ public:
     /// Starts the current job from elsewhere; the scheduler does it itself.
     void startJobThread();
     void notificationHub(const KXNotification &notification);
-    /// "Pause" and "Resume" act while a job runs; any other title does nothing.
+    /// "Pause" and "Resume" act while a job runs, and "Resume" lets a held queue go on; any other title does
+    /// nothing.
     void pauseQueueButton(const QString &title);
+    /// Whether that button does anything now.
+    bool canPauseOrResume() const { return m_jobIsRunning || m_isHeld; }
     void clearQueueButton();
     void deleteJobRow(int column, int row);
     void quitJobAlertClosedReturnCode(int returnCode);
@@ -42,6 +50,34 @@ public:
     void stopCurrentJob();
     /// Takes every row away and stops the running job, when the program ends.
     void removeAllJobs();
+
+    /// From now on what was chosen for each added job is remembered, so that it can run again. It takes
+    /// memory.
+    void rememberChoices() { m_remembersChoices = true; }
+
+    // Rows. They are counted as they stand in qJobList(); one that is not there can do nothing.
+    /// Whether that job waits, so that it may stand elsewhere.
+    bool canMoveJob(int row) const;
+    /// Gives a waiting job the row "to", counted without it. False where it can't be moved.
+    bool moveJob(int row, int to);
+    /// Why an ended job can't run again: a null text when it can. Looks at its sources on the disk.
+    QString runAgainRefusal(int row) const;
+    /// Makes an ended job wait anew, behind all others, with what was chosen for it. Answers its new row; -1
+    /// where it can't run again.
+    int runJobAgain(int row);
+    /// Once the running job has ended the queue is held. Forgotten when no job runs.
+    bool stopsAfterThisJob() const { return m_stopsAfterThisJob; }
+    void setStopsAfterThisJob(bool stops);
+
+    // A held queue starts nothing until pauseQueueButton("Resume"): the button reads so meanwhile. Jobs that
+    // are added join its end. It is held only as long as jobs wait.
+    bool isHeld() const { return m_isHeld; }
+    void hold();
+    /// Jobs of an earlier run of the program, in their order, in front of what is there. Nothing of them
+    /// starts: where any of them waits the queue is held.
+    void restore(const QList<jobs::QueuedJob> &stored);
+    /// What was chosen for a job, as it was when it was added; nothing where it is not in the list.
+    std::optional<jobs::QueuedJob> queuedJob(const KXJob &job) const;
 
     const QList<JobPointer> &qJobList() const { return m_jobList; }
     const jobs::ProgressList &jobProgressList() const { return m_progressList; }
@@ -55,6 +91,17 @@ Q_SIGNALS:
     void jobAdded(int row);
     void jobChanged(int row);
     void jobRemoved(int row);
+    /// A row stands elsewhere now.
+    void jobMoved(int from, int to);
+    void heldChanged();
+    void stopsAfterThisJobChanged();
+    /// An ended job goes, and that one takes its place at the end of the list: both follow as jobRemoved()
+    /// and jobAdded().
+    void jobRunsAgain(const KXJob &ended, const KXJob &job);
+    /// A step of the running job has begun to write what is to bear that name.
+    void jobClaimed(const QUrl &output);
+    /// The running job is about to give its files their names, which they get after this.
+    void jobPublishing(const QList<steps::Publication> &publications);
     void jobProgressListChanged();
     void drawerWanted(bool open);
     void pauseButtonTitleChanged();
@@ -63,7 +110,15 @@ private:
     int addConversion(const SelectionPointer &selection);
     int addOne(const jobs::JobRequest &request);
     int addOnePerFile(const jobs::JobRequest &request);
+    JobPointer make(jobs::JobKind kind);
     JobPointer append(jobs::JobKind kind);
+    /// The job has all that it was given: it is shown.
+    void announceAdded(const JobPointer &job, jobs::JobKind kind);
+    JobPointer remade(const jobs::QueuedJob &queued);
+    QString changeOf(const KXJob &job) const;
+    bool hasWaitingJob() const;
+    void setHeld(bool held);
+    void forgetStop();
     void openForJobs();
     void startNextSoon();
     void removeRow(qsizetype row);
@@ -76,6 +131,8 @@ private:
     const jobs::JobFactory &m_factory;
     KXWatchModeController *m_watchMode;
     QList<JobPointer> m_jobList;
+    QHash<const KXJob *, jobs::QueuedJob> m_queued; ///< as they were added
+    QSet<const KXJob *> m_restored;                 ///< those of an earlier run that were not started yet
     jobs::ProgressList m_progressList;
     JobPointer m_currentJob;
     std::weak_ptr<KXJob> m_jobAskedAbout;
@@ -85,4 +142,7 @@ private:
     QString m_pauseButtonTitle = QStringLiteral("Pause");
     qint64 m_currentJobRowIndex = 0;
     bool m_jobIsRunning = false;
+    bool m_remembersChoices = false;
+    bool m_isHeld = false;
+    bool m_stopsAfterThisJob = false;
 };

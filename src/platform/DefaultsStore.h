@@ -1,11 +1,16 @@
 #pragma once
 
+#include "platform/StoredForm.h"
+
 #include <QString>
 #include <QVariantMap>
 
 #include <functional>
+#include <utility>
 
 namespace platform {
+
+class StoreLock;
 
 /// A per-user store of values (texts, booleans, numbers, lists, dictionaries) by key. Owned by the
 /// program. Registered defaults answer for keys that were never stored; they are never written.
@@ -28,21 +33,26 @@ public:
     virtual QString update(const Change &change) = 0;
     /// Reads the store again. Answers a null text, or a sentence that says what is wrong with it.
     virtual QString load() = 0;
+    /// What the last update() met and made good again, as a sentence for the user, once; else a null text.
+    virtual QString takeNotice() { return {}; }
 
 protected:
+    const QVariantMap &registered() const { return m_registered; }
     virtual const QVariantMap &stored() const = 0;
 
 private:
     QVariantMap m_registered;
 };
 
-/// The store as one JSON file, written atomically under a lock beside it. A file that can't be read
-/// as JSON is never overwritten: it is kept under another name before the first write. What is no ordinary
-/// file, or far too large, is neither read nor written.
+/// The store as one JSON file, replaced whole under a lock beside it, never through a link. What was read or
+/// saved last is kept in memory: where the file is gone, damaged or has lost keys when something is saved,
+/// that stands in for it. A damaged file is kept under another name first, and told. What is no ordinary
+/// file, far too large, or holds something else than settings is never written.
 class JsonDefaultsStore final : public DefaultsStore
 {
 public:
-    explicit JsonDefaultsStore(const QString &path);
+    /// Who writes at the same time is waited for so long, in milliseconds.
+    explicit JsonDefaultsStore(const QString &path, int patienceMs = 5000);
 
     /// Where the defaults of this user live (respects the test mode of the standard paths).
     static QString standardPath();
@@ -52,18 +62,34 @@ public:
 
     QString update(const Change &change) override;
     QString load() override;
+    QString takeNotice() override { return std::exchange(m_notice, QString()); }
     QString path() const { return m_path; }
 
 protected:
     const QVariantMap &stored() const override { return m_values; }
 
 private:
-    QString readForWriting();
-    QString write(const QVariantMap &values);
+    struct Found
+    {
+        enum class State { Fine, Missing, Damaged, NotOurs };
+        State state = State::Fine;
+        QString problem; ///< a sentence; null when it is fine, or nothing is there
+        QByteArray bytes;
+        QVariantMap values;
+    };
+    Found find() const;
+    Found judged(const QByteArray &bytes) const;
+    bool isOurs(const QVariantMap &values) const;
+    QString save(const Found &found, const QVariantMap &values, const StoreLock &lock);
+    QString setAside();
+    void keep(const QByteArray &bytes, const QVariantMap &values);
 
     QString m_path;
-    QVariantMap m_values;
-    bool m_damaged = false;
+    int m_patienceMs;
+    QVariantMap m_values; ///< as they were last read or saved
+    QByteArray m_bytes;   ///< the same as the file holds them
+    StoredForm m_form;
+    QString m_notice;
 };
 
 } // namespace platform

@@ -50,11 +50,14 @@ bool FileLock::tryLock(int patienceMs)
     for (;;) {
         m_descriptor = ::open(m_path.constData(),
                               O_RDONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
-        if (m_descriptor < 0)
+        if (m_descriptor < 0) {
+            m_wasBusy = false;
             return false;
+        }
         if (lockNow(m_descriptor) && isAtPath())
             return true;
         close();
+        m_wasBusy = true;
         if (clock.elapsed() >= patienceMs)
             return false;
         ::usleep(pause);

@@ -17,6 +17,8 @@ public:
     /// Waits so long for another holder. False when that one still has it, and at once when the file can't be
     /// made or opened.
     bool tryLock(int patienceMs);
+    /// Whether tryLock() failed because another holder had it.
+    bool wasBusy() const { return m_wasBusy; }
 
 private:
     bool isAtPath() const;
@@ -24,6 +26,7 @@ private:
 
     QByteArray m_path;
     int m_descriptor = -1;
+    bool m_wasBusy = false;
 };
 
 } // namespace platform

@@ -123,6 +123,8 @@ QString KXPreferences::saveChanged(const QStringList &keys)
         return problem; // what changed stays marked as changed, for the next attempt
     for (const QString &key : keys)
         m_loaded.insert(key, now.value(key));
+    if (const QString notice = m_store.takeNotice(); !notice.isNull())
+        Q_EMIT storeMended(notice);
     return {};
 }
 

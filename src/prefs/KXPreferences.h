@@ -93,6 +93,8 @@ public:
 Q_SIGNALS:
     /// The tool tips or the title of their menu item have other texts now.
     void toolTipsModified();
+    /// What was saved is safe, but something was the matter with the store: a sentence for the user.
+    void storeMended(const QString &sentence);
     /// The tools are unpacked, as far as they can be.
     void toolsUnpacked();
 

@@ -1,5 +1,7 @@
 #include "prefs/StoredChanges.h"
 
+#include "platform/StoredForm.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonValue>
@@ -60,11 +62,14 @@ QVariantList mergedList(const QVariantList &stored, const QVariantList &loaded, 
 
 bool storedAlike(const QVariant &one, const QVariant &other)
 {
-    return QJsonValue::fromVariant(one) == QJsonValue::fromVariant(other);
+    return platform::isSameValue(one, other) ||
+           QJsonValue::fromVariant(one) == QJsonValue::fromVariant(other);
 }
 
 QVariant merged(const QVariant &stored, const QVariant &loaded, const QVariant &now)
 {
+    if (platform::isSameValue(stored, loaded)) // the usual case: no other program wrote
+        return now;
     if (now.typeId() == QMetaType::QVariantMap)
         return mergedMap(stored.toMap(), loaded.toMap(), now.toMap());
     if (now.typeId() == QMetaType::QVariantList)

@@ -1,6 +1,5 @@
 #include "presets/KXPresetSelections.h"
 
-#include "presets/PresetRecord.h"
 #include "presets/TrackFilters.h"
 #include "selection/KXSelectionController.h"
 
@@ -57,6 +56,7 @@ QVariantMap KXPresetSelections::makeRecord() const
 void KXPresetSelections::initFromRecord(const QVariantMap &record)
 {
     presets::takeRecord(*this, record, recordWords());
+    m_otherFields = presets::otherFields(record, recordWords());
     setPSelectedAudioTrack(pSelectedAudioTrack()); // whether it is by language follows from the choice
     setPSelectedSubtitleTrack(pSelectedSubtitleTrack());
     if (record.value(u"pAudioFilterMode"_s).isNull())

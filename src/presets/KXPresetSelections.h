@@ -2,6 +2,7 @@
 
 #include "media/KXVideoFile.h"
 #include "platform/Fields.h"
+#include "presets/PresetRecord.h"
 
 #include <memory>
 
@@ -49,6 +50,8 @@ public:
     /// The words of a record.
     static const QStringList &recordWords();
     QVariantMap makeRecord() const;
+    /// The same with what a newer version has stored beside it.
+    QVariantMap recordToStore() const { return presets::withOthers(makeRecord(), m_otherFields); }
     void initFromRecord(const QVariantMap &record);
 
     // Each for an object that was just made.
@@ -68,6 +71,7 @@ private:
     QVariantMap legacyAudioFilter() const;
     QVariantMap legacySubtitleFilter() const;
 
+    QVariantMap m_otherFields; ///< of its record, of words that are not ours
     VideoFilePointer m_currentVideoFile;
     KXSelectionController &m_selectionController;
 };

@@ -1,6 +1,5 @@
 #include "presets/KXPresetSettings.h"
 
-#include "presets/PresetRecord.h"
 #include "selection/KXSelectionController.h"
 #include "selection/Possibilities.h"
 #include "tools/Numbers.h"
@@ -44,6 +43,7 @@ QVariantMap KXPresetSettings::makeRecord() const
 void KXPresetSettings::initFromRecord(const QVariantMap &record)
 {
     presets::takeRecord(*this, record, recordWords());
+    m_otherFields = presets::otherFields(record, recordWords());
 }
 
 void KXPresetSettings::initializeAsByID()

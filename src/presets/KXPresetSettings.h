@@ -2,6 +2,7 @@
 
 #include "media/KXVideoFile.h"
 #include "platform/Fields.h"
+#include "presets/PresetRecord.h"
 #include "selection/ConversionSettings.h"
 
 #include <QVariantMap>
@@ -56,6 +57,8 @@ public:
     /// The words of a record, in its order.
     static const QStringList &recordWords();
     QVariantMap makeRecord() const;
+    /// The same with what a newer version has stored beside it.
+    QVariantMap recordToStore() const { return presets::withOthers(makeRecord(), m_otherFields); }
     /// The record is trusted: what it lacks becomes empty, 0 or false.
     void initFromRecord(const QVariantMap &record);
 
@@ -84,6 +87,7 @@ private:
     selection::AudioOutputs stereoOutputs() const;
     selection::AudioOutputs surroundOutputs(const KXVideoTrack &track) const;
 
+    QVariantMap m_otherFields; ///< of its record, of words that are not ours
     VideoFilePointer m_currentVideoFile;
     KXSelectionController &m_selectionController;
 };

@@ -27,7 +27,7 @@ QVariantList recordsOf(const List &presets)
     QVariantList records;
     for (const auto &preset : presets) {
         if (preset->isEditable())
-            records.append(preset->makeRecord());
+            records.append(preset->recordToStore());
     }
     return records;
 }

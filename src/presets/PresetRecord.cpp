@@ -35,6 +35,22 @@ void takeRecord(QObject &object, const QVariantMap &record, const QStringList &w
     }
 }
 
+QVariantMap otherFields(QVariantMap record, const QStringList &words)
+{
+    for (const QString &word : words)
+        record.remove(word);
+    return record;
+}
+
+QVariantMap withOthers(QVariantMap record, const QVariantMap &others)
+{
+    for (auto field = others.cbegin(); field != others.cend(); ++field) {
+        if (!record.contains(field.key()))
+            record.insert(field.key(), *field);
+    }
+    return record;
+}
+
 bool isFreeName(const QString &name)
 {
     static const QStringList builtIn{u"Manual"_s, u"Extract Tracks"_s, u"Remove Tracks"_s, u"First Track"_s,

@@ -25,6 +25,8 @@ QString Outcome::word() const
         return u"failed"_s;
     case Verdict::Stopped:
         return u"stopped"_s;
+    case Verdict::Interrupted:
+        return u"interrupted"_s;
     case Verdict::Unknown:
         break;
     }

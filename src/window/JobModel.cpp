@@ -61,6 +61,8 @@ QString statusTextOf(const KXJob &job)
         return JobModel::tr("%1, failed").arg(status);
     case steps::Verdict::Stopped:
         return JobModel::tr("%1, stopped").arg(status);
+    case steps::Verdict::Interrupted:
+        return JobModel::tr("%1, interrupted").arg(status);
     default:
         return status;
     }
@@ -91,6 +93,7 @@ QVariant JobModel::iconOf(const KXJob &job, int column) const
     case steps::Verdict::Ok:
         return style->standardIcon(QStyle::SP_DialogApplyButton);
     case steps::Verdict::Warnings:
+    case steps::Verdict::Interrupted:
         return style->standardIcon(QStyle::SP_MessageBoxWarning);
     case steps::Verdict::Failed:
         return style->standardIcon(QStyle::SP_MessageBoxCritical);

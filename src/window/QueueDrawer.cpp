@@ -122,7 +122,7 @@ void QueueDrawer::togglePause()
 void QueueDrawer::refreshButtons()
 {
     m_pause->setText(m_queue.pauseButtonTitle());
-    m_pause->setEnabled(m_queue.qJobIsRunning());
+    m_pause->setEnabled(m_queue.canPauseOrResume());
     const QList<JobPointer> &jobs = m_queue.qJobList();
     m_clear->setEnabled(std::any_of(
         jobs.begin(), jobs.end(), [](const JobPointer &job) { return job->jobStatus() == u"Completed"_s; }));

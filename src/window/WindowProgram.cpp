@@ -49,6 +49,7 @@ void WindowProgram::start(const QStringList &paths)
     m_window.show();
     m_untilReady.start(longestWaitForPaint);
     sayProblem(problem);
+    sayProblem(m_delegate.restoreQueue());
     if (!paths.isEmpty())
         m_delegate.filesRequested(paths);
 }

@@ -5,6 +5,7 @@
 #include "support/Unprivileged.h"
 
 #include <QCoreApplication>
+#include <QDate>
 #include <QDir>
 #include <QJsonDocument>
 #include <QLockFile>
@@ -132,14 +133,16 @@ private Q_SLOTS:
     void damagedFileIsSetAsideBeforeTheFirstWrite()
     {
         const support::Scratch scratch;
+        const QString aside = u"d.json damaged "_s + QDate::currentDate().toString(Qt::ISODate);
         scratch.write(u"d.json"_s, "{ \"half\": ");
-        scratch.write(u"d.json.damaged"_s, "an older one");
+        scratch.write(aside, "an older one");
         platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
         QVERIFY(store.load().contains(scratch.path(u"d.json"_s)));
         QCOMPARE(scratch.read(u"d.json"_s), QByteArray("{ \"half\": "));
         QVERIFY(store.store({{u"k"_s, 1}}).isNull());
-        QCOMPARE(scratch.read(u"d.json.damaged"_s), QByteArray("an older one"));
-        QCOMPARE(scratch.read(u"d.json.damaged-2"_s), QByteArray("{ \"half\": "));
+        QCOMPARE(scratch.read(aside), QByteArray("an older one"));
+        QCOMPARE(scratch.read(aside + u" (2)"_s), QByteArray("{ \"half\": "));
+        QVERIFY(store.takeNotice().contains(aside + u" (2)"_s));
         QVERIFY(store.load().isNull());
         QCOMPARE(store.value(u"k"_s).toInt(), 1);
         QVERIFY(store.store({{u"k"_s, 2}}).isNull()); // and not again
@@ -195,7 +198,7 @@ private Q_SLOTS:
         const support::Scratch scratch;
         QLockFile lock(scratch.path(u"d.json.lock"_s));
         QVERIFY(lock.lock());
-        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s));
+        platform::JsonDefaultsStore store(scratch.path(u"d.json"_s), 100);
         QVERIFY(store.store({{u"k"_s, 1}}).contains(u"locked"_s));
         QVERIFY(!scratch.names().contains(u"d.json"_s));
     }
