@@ -23,6 +23,7 @@ const QList<std::pair<QString, QVariant>> &panelFields()
         {saveDirectoryKey, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
         {u"keepLogsFlag"_s, true}, {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
         {u"useDpliiFlag"_s, true},
+        {u"newerCodecsFlag"_s, false},
     };
     return fields;
 }
