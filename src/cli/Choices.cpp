@@ -90,11 +90,12 @@ bool leavesOutSubtitles(const KXSelection &selection)
 Choices::Choices(const CommandLine &line)
 {
     for (const QString &option : {u"device"_s, u"kind"_s, u"video"_s, u"video-bitrate"_s, u"width"_s,
-                                  u"audio"_s, u"subtitles"_s, u"add"_s}) {
+                                  u"audio"_s, u"subtitles"_s, u"add"_s, u"auto"_s}) {
         if (line.has(option))
             m_given.append(u"--"_s + option);
     }
-    if (!line.has(u"settings-preset"_s)) {
+    readAim(line);
+    if (!line.has(u"settings-preset"_s) && !line.has(u"auto"_s)) {
         m_settings.target = u"General"_s;
         m_settings.picture = Picture::PassThrough;
         m_settings.subtitles = SubtitleUse::Mux;
@@ -117,6 +118,22 @@ void Choices::fail(const QString &sentence)
 {
     if (m_error.isNull())
         m_error = sentence;
+}
+
+/// A preset may name the device; otherwise it has to be given.
+void Choices::readAim(const CommandLine &line)
+{
+    if (!line.has(u"auto"_s))
+        return;
+    m_aim = selection::aimNamed(line.value(u"auto"_s));
+    if (!m_aim)
+        return fail(u"--auto takes quality or speed, not \"%1\"."_s.arg(line.value(u"auto"_s)));
+    if (!line.has(u"device"_s) && !line.has(u"settings-preset"_s))
+        return fail(u"--auto needs --device: what is copied depends on what the device plays."_s);
+    const QString refusal =
+        line.has(u"device"_s) ? selection::refusalToGuess(line.value(u"device"_s)) : QString();
+    if (selection::targetNamed(line.value(u"device"_s)) != nullptr && !refusal.isNull())
+        fail(u"--auto: "_s + refusal);
 }
 
 void Choices::readTarget(const CommandLine &line)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "selection/ConversionSettings.h"
+#include "selection/BestGuess.h"
 
 #include <QHash>
 #include <QString>
@@ -28,10 +28,14 @@ public:
     QString errorFor(const KXSelection &selection) const;
     /// What they are for a selection whose tracks are already chosen.
     selection::ConversionSettings settingsFor(const KXSelection &selection) const;
+    /// What --auto asks for; no value when it was not given. The choices are then those that were given, and
+    /// nothing else.
+    const std::optional<selection::Aim> &aim() const { return m_aim; }
     /// The options given that say how a conversion is to be made: "--device".
     const QStringList &given() const { return m_given; }
 
 private:
+    void readAim(const CommandLine &line);
     void readTarget(const CommandLine &line);
     void readVideo(const CommandLine &line);
     void readAudio(const QStringList &values);
@@ -46,6 +50,7 @@ private:
     selection::ConversionSettings m_settings;        ///< no value: the preset's, or the source's
     bool m_wantsMp4 = false;                         ///< of whichever device the preset says
     QHash<QString, selection::AudioOutputs> m_audio; ///< by stream index, or "+1" for the first added file
+    std::optional<selection::Aim> m_aim;
     QStringList m_given;
     std::optional<QStringList> m_tracks;
 };

@@ -4,6 +4,7 @@
 #include "cli/ExtractCommand.h"
 #include "cli/Help.h"
 #include "cli/JoinCommand.h"
+#include "cli/PlanCommand.h"
 #include "cli/PlayCommand.h"
 #include "cli/PrefsCommand.h"
 #include "cli/PresetsCommand.h"
@@ -42,6 +43,7 @@ const std::vector<std::unique_ptr<Command>> &allCommands()
         std::vector<std::unique_ptr<Command>> list;
         list.push_back(std::make_unique<ProbeCommand>());
         list.push_back(std::make_unique<ConvertCommand>());
+        list.push_back(std::make_unique<PlanCommand>());
         list.push_back(std::make_unique<ExtractCommand>());
         list.push_back(std::make_unique<JoinCommand>());
         list.push_back(std::make_unique<SplitCommand>());

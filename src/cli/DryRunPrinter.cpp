@@ -37,8 +37,8 @@ QString commandOf(const steps::Launch &launch)
 {
     if (launch.line)
         return launch.line->launched;
-    return pastableCommand(launch.environment, QStringList{launch.tool.toLocalFile()} +
-                                                   tools::argumentsOf(launch.launched));
+    return pastableCommand(launch.environment,
+                           QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(launch.launched));
 }
 
 QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
@@ -77,6 +77,15 @@ struct Stage
 };
 
 } // namespace
+
+QList<JobPointer> plannedJobs(Session &session, steps::OutputRegistry &outputs,
+                              const QList<jobs::JobRequest> &requests)
+{
+    KXQueueController queue(session.program().contextFor(outputs), session.program().factory(), nullptr);
+    for (const jobs::JobRequest &request : requests)
+        queue.add(request);
+    return queue.qJobList();
+}
 
 DryRunPrinter::DryRunPrinter(Session &session)
     : m_session(session)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jobs/JobRequest.h"
+#include "jobs/KXJob.h"
 
 #include <QList>
 #include <QString>
@@ -8,6 +9,10 @@
 namespace cli {
 
 class Session;
+
+/// The jobs of the requests, which nothing starts. They hold on to the registry.
+QList<JobPointer> plannedJobs(Session &session, steps::OutputRegistry &outputs,
+                              const QList<jobs::JobRequest> &requests);
 
 /// Goes through jobs without running a tool: to print their commands, and to know before anything
 /// runs where two of them would write the same file.

@@ -63,11 +63,14 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
     const QString status = program.currentFile().load(QUrl::fromLocalFile(path));
     if (status != u"OK"_s) {
         result.refusal = status;
+        result.wayOut = program.currentFile().file()->wayOut();
         return result;
     }
     result.refusal = addAll(session, choice.addedPaths);
-    if (!result.refusal.isNull())
+    if (!result.refusal.isNull()) {
+        result.wayOut = program.currentFile().file()->wayOut();
         return result;
+    }
     selectTracks(program, choice);
     result.selection = program.selectionController().currentSelection()->copy();
     return result;
@@ -75,8 +78,12 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
 
 ExitStatus refused(Session &session, const FileSelection &file)
 {
-    return session.isInterrupted() ? ExitStatus::Failed
-                                   : session.failed(u"%1: %2"_s.arg(file.path, file.refusal));
+    if (session.isInterrupted())
+        return ExitStatus::Failed;
+    session.failed(u"%1: %2"_s.arg(file.path, file.refusal));
+    if (!file.wayOut.isNull())
+        session.console().say(file.wayOut);
+    return ExitStatus::Failed;
 }
 
 QStringList missingTracks(const KXSelection &selection, const TrackChoice &choice)

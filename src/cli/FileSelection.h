@@ -18,6 +18,7 @@ struct FileSelection
 {
     QString path;
     QString refusal; ///< a null text when there is a selection
+    QString wayOut;  ///< of the refusal, in a line of its own; a null text where there is none
     SelectionPointer selection;
 };
 

@@ -53,7 +53,7 @@ ExitStatus probeOne(Session &session, const QString &path)
     }
     session.console().object({{u"file"_s, fileRecord(*file)}, {u"tracks"_s, tracks}, {u"status"_s, status}});
     if (!isOk)
-        return session.failed(u"%1: %2"_s.arg(path, status));
+        return refused(session, {path, status, file->wayOut(), nullptr});
     show(session.console(), path, *file);
     return ExitStatus::AllWell;
 }

@@ -62,6 +62,8 @@ void Session::applyOptions()
         preferences.overrideForThisRun(u"keepLogsFlag"_s, false);
     if (m_line.has(u"verify"_s))
         preferences.overrideForThisRun(u"verifyFlag"_s, true);
+    if (m_line.has(u"newer-codecs"_s))
+        preferences.overrideForThisRun(u"newerCodecsFlag"_s, true);
     if (m_line.has(u"save-dir"_s))
         preferences.overrideForThisRun(u"saveDirectoryPath"_s, absolutePath(m_line.value(u"save-dir"_s)));
 }

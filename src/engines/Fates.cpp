@@ -25,6 +25,7 @@ TrackFate inOutput(const KXVideoTrack &track, Became became, const QUrl &output)
 {
     TrackFate fate = fateOf(track, became);
     fate.output = output;
+    fate.reason = track.choiceReason();
     return fate;
 }
 

@@ -65,7 +65,7 @@ QString useOf(const QVariantList &streams, const QUrl &url)
     return u"replace file"_s;
 }
 
-AddedTracks addedTracksIn(const QVariantList &streams, const QUrl &url)
+AddedTracks addedTracksIn(const QVariantList &streams, const QUrl &url, Codecs codecs)
 {
     TrackList tracks;
     for (const QVariant &value : streams) {
@@ -78,8 +78,8 @@ AddedTracks addedTracksIn(const QVariantList &streams, const QUrl &url)
         const TrackKind kind = type == u"audio"_s ? TrackKind::Audio : TrackKind::Subtitle;
         const TrackPointer track = addedTrack(kind, stream, url, countOf(tracks, kind));
         const QString codec = textIn(stream, u"codec_name"_s);
-        if (!setCodecFields(*track, kind, codec))
-            return {{}, u"track not identified"_s, u"\n\nProblem Codec: "_s + codec};
+        if (!setCodecFields(*track, kind, codec, codecs))
+            return {{}, u"track not identified"_s, u"\n\nProblem Codec: "_s + codec, codec};
         if (countOf(tracks, kind) > 0)
             return {{}, u"too many tracks"_s};
         setDescription(*track, stream);

@@ -1,5 +1,7 @@
 #include "media/CodecVocabulary.h"
 
+#include <QHash>
+
 using namespace Qt::StringLiterals;
 
 namespace media {
@@ -98,6 +100,24 @@ const CodecVocabulary &CodecVocabulary::of(TrackKind kind)
         break;
     }
     return subtitle();
+}
+
+std::optional<CodecVocabulary::Match> CodecVocabulary::classifyNewer(TrackKind kind, const QString &codecName)
+{
+    static const QHash<QString, Match> forms{
+        {u"hevc"_s, {u"hevc"_s, u"hevc"_s}},     {u"av1"_s, {u"av1"_s, u"ivf"_s}},
+        {u"vp8"_s, {u"vp8"_s, u"ivf"_s}},        {u"vp9"_s, {u"vp9"_s, u"ivf"_s}},
+        {u"prores"_s, {u"prores"_s, u"mov"_s}},  {u"theora"_s, {u"theora"_s, u"ogv"_s}},
+        {u"opus"_s, {u"opus"_s, u"opus"_s}},     {u"alac"_s, {u"alac"_s, u"m4a"_s}},
+        {u"amr_nb"_s, {u"amr_nb"_s, u"amr"_s}},  {u"amr_wb"_s, {u"amr_wb"_s, u"amr"_s}},
+    };
+    if (codecName.isEmpty())
+        return std::nullopt;
+    const QString name = codecName.toLower();
+    const auto known = forms.constFind(name);
+    if (known != forms.constEnd())
+        return *known;
+    return Match{name, kind == TrackKind::Audio ? u"mka"_s : u"mkv"_s};
 }
 
 std::optional<CodecVocabulary::Match> CodecVocabulary::classify(const QString &codecName) const

@@ -9,6 +9,8 @@
 namespace media {
 
 enum class TrackKind { Video, Audio, Subtitle };
+/// Which codecs are known: those of the vocabulary, or, where it has no word, every other one too.
+enum class Codecs { OfVocabulary, NewerToo };
 
 /// The words by which a probed codec is told, for one kind of track: three parallel lists of groups.
 /// There is one table a kind in the whole program.
@@ -34,6 +36,9 @@ public:
     /// when no group fits or the name is empty. The last one wins on purpose: "dts" is in "dts-hd" and
     /// becomes "dtshd", every "..._subtitle" of pictures becomes "teletext".
     std::optional<Match> classify(const QString &codecName) const;
+    /// Of a codec that classify() does not know: its own name, told as a whole, and the form in which it is
+    /// extracted. Nothing only for an empty name.
+    static std::optional<Match> classifyNewer(TrackKind kind, const QString &codecName);
 
 private:
     struct Row;

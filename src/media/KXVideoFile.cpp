@@ -11,6 +11,8 @@
 
 #include <QMetaProperty>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using media::AddedTracks;
 using media::CodecVocabulary;
@@ -88,6 +90,21 @@ QUrl KXVideoFile::resource(const QString &name) const
     return QUrl::fromLocalFile(places()->resourcesLocation().toLocalFile() + u'/' + name);
 }
 
+media::Codecs KXVideoFile::codecs() const
+{
+    const bool takesNewer = places() != nullptr && places()->takesNewerCodecs();
+    return takesNewer ? media::Codecs::NewerToo : media::Codecs::OfVocabulary;
+}
+
+QString KXVideoFile::wayOut() const
+{
+    if (m_problemCodec.isEmpty())
+        return {};
+    return u"Its codec %1 is one of the newer ones: --newer-codecs, or the preference \"Open films with "
+           u"newer "
+           "codecs\", opens it."_s.arg(m_problemCodec);
+}
+
 QString KXVideoFile::initializeForURL(const QUrl &url)
 {
     setFileDefaultPropertyValues();
@@ -151,12 +168,14 @@ QStringList KXVideoFile::createFfprobeStreamCodecsArrayForURL(const QUrl &url) c
 QString KXVideoFile::createTrackListForSelf()
 {
     const QVariantList streams = ffprobeResultsDictionaryArray();
-    media::TrackBuilder builder(theFileURL(), streams.size());
+    media::TrackBuilder builder(theFileURL(), streams.size(), codecs());
     const QStringList fallback = createFfprobeStreamCodecsArrayForURL(theFileURL());
     for (qsizetype position = 0; position < streams.size(); ++position) {
         const auto outcome = builder.add(streams.at(position).toMap(), fallback.value(position));
-        if (outcome == media::TrackBuilder::Outcome::NotIdentified)
+        if (outcome == media::TrackBuilder::Outcome::NotIdentified) {
+            m_problemCodec = builder.problemCodec();
             return refuse(theFileURL(), notIdentified, u"\n\nProblem Codec: "_s + builder.problemCodec());
+        }
     }
     if (builder.tracks().isEmpty())
         return refuse(theFileURL(), notAVideo, {});
@@ -181,13 +200,15 @@ QString KXVideoFile::refuse(const QUrl &url, const QString &status, const QStrin
 /// A video track that doesn't tell its bit rate gets what the container's leaves after all tracks known
 /// so far. The grep passes nothing on purpose: the line that is read comes from standard error, which
 /// the pipe doesn't filter.
-void KXVideoFile::deriveVideoBitRates(const TrackList &tracks) const
+void KXVideoFile::deriveVideoBitRates(const TrackList &tracks)
 {
     for (const TrackPointer &video : tracks) {
         if (video->trackType() != media::wordOf(TrackKind::Video) || video->trackBitRate() != u"0"_s)
             continue;
-        const auto whole = media::containerBitRate(
-            m_printed ? m_printed->words : ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"}));
+        const QString words =
+            m_printed ? m_printed->words : ffprobe(theFileURL(), {u"-print_format json | grep 'Durations'"});
+        m_toldSeconds = media::containerSeconds(words);
+        const auto whole = media::containerBitRate(words);
         if (!whole)
             continue;
         qint64 rest = *whole;
@@ -264,10 +285,12 @@ QString KXVideoFile::whatToDoWithFile(const QUrl &url) const
 
 AddedTracks KXVideoFile::createAddedTrackForURL(const QUrl &url) const
 {
+    m_problemCodec = QString();
     const QVariantList streams = createFfprobeResultsDictionaryArrayForURL(url);
     if (streams == QVariantList{notAVideo})
         return {{}, notAVideo};
-    AddedTracks added = media::addedTracksIn(streams, url);
+    AddedTracks added = media::addedTracksIn(streams, url, codecs());
+    m_problemCodec = added.problemCodec;
     if (!added.complaint.isNull())
         added.refusal = refuse(url, added.refusal, added.complaint);
     return added;
@@ -341,6 +364,18 @@ void KXVideoFile::setFileDefaultPropertyValues()
 {
     const KXVideoFile fresh(nullptr);
     copyProperties(resetNames(), fresh, *this);
+    m_toldSeconds = 0;
+    m_problemCodec = QString();
+}
+
+std::optional<double> KXVideoFile::seconds() const
+{
+    double longest = m_toldSeconds;
+    for (const TrackPointer &track : trackList()) {
+        if (!track->externalTrackFlag())
+            longest = std::max(longest, track->form().seconds);
+    }
+    return longest > 0 ? std::optional(longest) : std::nullopt;
 }
 
 VideoFilePointer KXVideoFile::copy() const
@@ -354,6 +389,7 @@ void KXVideoFile::makeSelfCopyOfVideoFile(const KXVideoFile &other)
 {
     copyProperties(propertiesKeysList(), other, *this);
     setTrackList(other.trackList());
+    m_toldSeconds = other.m_toldSeconds;
 }
 
 QString KXVideoFile::stringFromFileProperties() const

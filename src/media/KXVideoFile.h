@@ -115,6 +115,15 @@ public:
     /// leads to, and headerRemovalFlag(), is the caller's business.
     bool checkForHeaderRemovalFor(const QUrl &url) const;
 
+    /// The codec for which the last probe, or the last look at a file to add, answered "track not
+    /// identified"; null where it answered otherwise.
+    QString problemCodec() const { return m_problemCodec; }
+    /// What that refusal means and how the file can be opened, in one sentence; null where the last answer
+    /// was another, or nothing would help.
+    QString wayOut() const;
+    /// How long the film is; absent where the probe told no length. theDuration() is not filled by it.
+    std::optional<double> seconds() const;
+
     /// A file with the same values of propertiesKeysList() and the same tracks.
     VideoFilePointer copy() const;
     /// Takes the same over from another file.
@@ -146,14 +155,17 @@ private:
     inline static const QString notAVideo = QStringLiteral("not a video");
 
     QUrl resource(const QString &name) const;
+    media::Codecs codecs() const;
     QString ffprobe(const QUrl &url, const tools::OptionList &options) const;
     QString probeOf(const QUrl &url) const;
     QString refuse(const QUrl &url, const QString &status, const QString &reason) const;
-    void deriveVideoBitRates(const TrackList &tracks) const;
+    void deriveVideoBitRates(const TrackList &tracks);
     void takeTracksFrom(const media::TrackBuilder &builder);
     void countTracksAnew();
     void takeVideoStream(const QVariantMap &stream);
     void writeErrorFile(const QUrl &url, const QString &text) const;
 
+    mutable QString m_problemCodec;
+    double m_toldSeconds = 0; ///< by the container; 0 where it was not asked, or does not know
     std::optional<media::Printout> m_printed; ///< where somebody else ran the tool
 };

@@ -57,6 +57,8 @@ TrackPointer KXVideoTrack::copy() const
     track->setProbedCodecName(probedCodecName());
     track->setHasCompany(hasCompany());
     track->setIsCover(isCover());
+    track->setForm(form());
+    track->setChoiceReason(choiceReason());
     return track;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/StreamForm.h"
 #include "platform/Fields.h"
 #include "tools/KXHelpers.h"
 
@@ -125,11 +126,20 @@ public:
     /// A picture that belongs to the film as a whole, in a stream of its own. Copied, but in no text form.
     bool isCover() const { return m_isCover; }
     void setIsCover(bool cover) { m_isCover = cover; }
+    /// What its stream tells of its form. Copied, but in no text form.
+    const media::StreamForm &form() const { return m_form; }
+    void setForm(const media::StreamForm &form) { m_form = form; }
+    /// Why it becomes what was chosen for it, in sentences, where the program chose; absent where a person
+    /// did. The receipt tells it. Copied, but in no text form.
+    QString choiceReason() const { return m_choiceReason; }
+    void setChoiceReason(const QString &reason) { m_choiceReason = reason; }
 
 private:
     void logFields(const QStringList &names) const;
 
     QString m_probedCodecName;
+    QString m_choiceReason;
+    media::StreamForm m_form;
     bool m_hasCompany = false;
     bool m_isCover = false;
 };

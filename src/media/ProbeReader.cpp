@@ -179,6 +179,25 @@ std::optional<qint64> containerBitRate(const QString &output)
     return tools::leadingInteger(line.mid(line.indexOf(mark) + mark.size()));
 }
 
+double clockSeconds(const QString &text)
+{
+    constexpr int inAMinute = 60;
+    const QStringList pieces = text.split(u':');
+    if (pieces.size() != 3)
+        return 0;
+    const double minutes = pieces.at(0).toDouble() * inAMinute + pieces.at(1).toDouble();
+    const double seconds = minutes * inAMinute + pieces.at(2).toDouble();
+    return std::isfinite(seconds) && seconds > 0 ? seconds : 0;
+}
+
+double containerSeconds(const QString &output)
+{
+    const QStringList lines = output.split(u'\n').filter(u"Duration:"_s);
+    if (lines.size() != 1)
+        return 0;
+    return clockSeconds(lines.constFirst().section(u"Duration:"_s, 1, 1).section(u',', 0, 0).trimmed());
+}
+
 QString textIn(const QVariantMap &dictionary, const QString &key)
 {
     const QVariant value = dictionary.value(key);

@@ -40,6 +40,12 @@ QStringList streamLineCodecs(const QString &output);
 /// there isn't exactly one such line or it tells no bit rate.
 std::optional<qint64> containerBitRate(const QString &output);
 
+/// The seconds of a "01:02:03.45"; 0 for anything else.
+double clockSeconds(const QString &text);
+
+/// The film's length in seconds from the same line; 0 where it says "N/A", or where there isn't exactly one.
+double containerSeconds(const QString &output);
+
 /// The text under that key; absent when there is none or it is no text.
 QString textIn(const QVariantMap &dictionary, const QString &key);
 

@@ -48,6 +48,13 @@ bool isRatio(const QString &value)
     return stroke > 0 && isNumber(value.left(stroke), 10) && isNumber(value.mid(stroke + 1), 10);
 }
 
+bool isSeconds(const QString &value)
+{
+    const qsizetype point = value.indexOf(u'.');
+    return point < 0 ? isNumber(value, 12)
+                     : isNumber(value.left(point), 12) && isNumber(value.mid(point + 1), 9);
+}
+
 bool isKind(const QString &value)
 {
     static constexpr std::array kinds{u"video",      u"audio",   u"subtitle", u"data",
@@ -81,13 +88,15 @@ struct Field
 };
 
 constexpr std::array fields = {
-    Field{u"index", isIndex},          Field{u"codec_type", isKind},
-    Field{u"codec_name", isCodecName}, Field{u"width", isPixels},
-    Field{u"height", isPixels},        Field{u"channels", isChannels},
-    Field{u"bit_rate", isBitRate},     Field{u"level", isLevel},
-    Field{u"profile", isProfile},      Field{u"avg_frame_rate", isRatio},
-    Field{u"time_base", isRatio},      Field{u"sample_rate", isIndex},
-    Field{u"pix_fmt", isCodecName},    Field{u"extradata_hash", isProfile},
+    Field{u"index", isIndex},           Field{u"codec_type", isKind},
+    Field{u"codec_name", isCodecName},  Field{u"width", isPixels},
+    Field{u"height", isPixels},         Field{u"channels", isChannels},
+    Field{u"bit_rate", isBitRate},      Field{u"level", isLevel},
+    Field{u"profile", isProfile},       Field{u"avg_frame_rate", isRatio},
+    Field{u"time_base", isRatio},       Field{u"sample_rate", isIndex},
+    Field{u"pix_fmt", isCodecName},     Field{u"extradata_hash", isProfile},
+    Field{u"field_order", isCodecName}, Field{u"color_transfer", isCodecName},
+    Field{u"duration", isSeconds},
 };
 
 const Field *fieldOf(const QString &key)

@@ -176,6 +176,12 @@ QString fortuneOf(const TrackFate &fate)
     return fate.reason.isNull() ? u"left out"_s : u"left out. "_s + fate.reason;
 }
 
+/// Why that was chosen for a track that is not left out.
+QString choiceOf(const TrackFate &fate)
+{
+    return fate.became == Became::LeftOut || fate.reason.isNull() ? QString() : u". "_s + fate.reason;
+}
+
 } // namespace
 
 Receipt receiptOf(const QList<MeantOutput> &outputs)
@@ -265,7 +271,7 @@ QStringList linesOf(const Receipt &receipt)
     QStringList lines;
     for (const TrackFate &fate : receipt.tracks)
         lines.append(nameOf(fate) + u": "_s + fortuneOf(fate) + lengthsOf(fate) + sizesOf(fate) +
-                     proofOf(fate) + verifiedOf(fate));
+                     proofOf(fate) + verifiedOf(fate) + choiceOf(fate));
     return lines;
 }
 

@@ -65,6 +65,7 @@ void setFileFields(KXVideoTrack &track, const QUrl &file, const FileNames &names
 void setKindFields(KXVideoTrack &track, TrackKind kind, const QVariantMap &stream)
 {
     track.setTrackType(wordOf(kind));
+    track.setForm(streamFormOf(stream));
     track.setUserCodec(kind == TrackKind::Subtitle ? u"mux"_s : u"passthru"_s);
     if (kind != TrackKind::Audio)
         return;
@@ -76,9 +77,11 @@ void setKindFields(KXVideoTrack &track, TrackKind kind, const QVariantMap &strea
                                                 {u"userNumberOfChannels"_s, track.trackNumberOfChannels()}}});
 }
 
-bool setCodecFields(KXVideoTrack &track, TrackKind kind, const QString &codecName)
+bool setCodecFields(KXVideoTrack &track, TrackKind kind, const QString &codecName, Codecs codecs)
 {
-    const auto match = CodecVocabulary::of(kind).classify(codecName);
+    auto match = CodecVocabulary::of(kind).classify(codecName);
+    if (!match && codecs == Codecs::NewerToo)
+        match = CodecVocabulary::classifyNewer(kind, codecName);
     if (!match)
         return false;
     track.setTrackCodec(match->codec);
@@ -101,10 +104,11 @@ void setDescription(KXVideoTrack &track, const QVariantMap &stream)
         track.setTrackBitRate(bitRate.chopped(3));
 }
 
-TrackBuilder::TrackBuilder(const QUrl &file, qsizetype streamCount)
+TrackBuilder::TrackBuilder(const QUrl &file, qsizetype streamCount, Codecs codecs)
     : m_file(file)
     , m_names(fileNamesOf(file))
     , m_streamCount(streamCount)
+    , m_codecs(codecs)
 {
 }
 
@@ -116,8 +120,9 @@ TrackBuilder::Outcome TrackBuilder::add(const QVariantMap &stream, const QString
     const TrackPointer track = newTrack(*kind, stream);
     const QString told = textIn(stream, u"codec_name"_s);
     const QString codecName = told.isEmpty() ? fallbackCodec : told;
-    if (!setCodecFields(*track, *kind, codecName)) {
-        if (*kind == TrackKind::Video && isPicture(codecName))
+    const bool mayBeSkipped = *kind == TrackKind::Video && isPicture(codecName);
+    if (!setCodecFields(*track, *kind, codecName, mayBeSkipped ? Codecs::OfVocabulary : m_codecs)) {
+        if (mayBeSkipped)
             return Outcome::Skipped;
         m_problemCodec = codecName;
         return Outcome::NotIdentified;

@@ -15,7 +15,7 @@ class TrackBuilder final
 {
 public:
     /// The number of streams decides how the other tools count in containers of a single stream.
-    TrackBuilder(const QUrl &file, qsizetype streamCount);
+    TrackBuilder(const QUrl &file, qsizetype streamCount, Codecs codecs = Codecs::OfVocabulary);
 
     enum class Outcome {
         Added,
@@ -40,6 +40,7 @@ private:
     QUrl m_file;
     FileNames m_names;
     qsizetype m_streamCount;
+    Codecs m_codecs;
     TrackList m_tracks;
     QString m_problemCodec;
 };
@@ -47,10 +48,11 @@ private:
 // The rules of single values, for tracks that are not built from a whole file.
 
 void setFileFields(KXVideoTrack &track, const QUrl &file, const FileNames &names);
-/// Type, the choices that every new track starts with, channels.
+/// Type, form, the choices that every new track starts with, channels.
 void setKindFields(KXVideoTrack &track, TrackKind kind, const QVariantMap &stream);
-/// Codec, extension and display text; false when the vocabulary doesn't know the name.
-bool setCodecFields(KXVideoTrack &track, TrackKind kind, const QString &codecName);
+/// Codec, extension and display text; false when the name is not among the codecs.
+bool setCodecFields(KXVideoTrack &track, TrackKind kind, const QString &codecName,
+                    Codecs codecs = Codecs::OfVocabulary);
 /// Title, language and bit rate, each only where the stream tells it.
 void setDescription(KXVideoTrack &track, const QVariantMap &stream);
 /// Gives tracks without a title one: "Audio Track". A title that begins with "none" counts as none.

@@ -34,7 +34,7 @@ struct TrackFate
     QString codec; ///< the probe's own word; absent where it has none
     Became became = Became::Copied;
     QString to;     ///< the probe's word of the codec that it became; absent unless it is re-encoded
-    QString reason; ///< why it was left out, a sentence; absent unless it was
+    QString reason; ///< why it was left out, a sentence; why the program chose this for it; else absent
     Told told = Told::InTheReceipt;
     QUrl output; ///< the final name; empty where it is in none
     int outputIndex =

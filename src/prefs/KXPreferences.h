@@ -89,6 +89,7 @@ public:
     QUrl toolsLocation() const override { return m_toolsLocationURL; }
     QUrl resourcesLocation() const override { return QUrl::fromLocalFile(m_places.resources); }
     QString workingFolder() const override { return m_places.workingFolder; }
+    bool takesNewerCodecs() const override { return panelFlag(QStringLiteral("newerCodecsFlag")); }
 
 Q_SIGNALS:
     /// The tool tips or the title of their menu item have other texts now.

@@ -24,6 +24,8 @@ class KXPreferencesController final : public QObject
     KX_STATE(bool, metadataPaddingFlag, setMetadataPaddingFlag, false)
     KX_STATE(bool, useDpliiFlag, setUseDpliiFlag, true)
     KX_STATE(bool, verifyFlag, setVerifyFlag, false)
+    /// Films whose codecs the vocabulary does not know are opened too.
+    KX_STATE(bool, newerCodecsFlag, setNewerCodecsFlag, false)
 
 public:
     /// Both must outlive the controller.

@@ -1,6 +1,7 @@
 #include "presets/KXPresetSettings.h"
 
 #include "selection/KXSelectionController.h"
+#include "selection/Playback.h"
 #include "selection/Possibilities.h"
 #include "tools/Numbers.h"
 
@@ -139,6 +140,41 @@ void KXPresetSettings::takeVideoSettings()
         pVideoBitRateIndex() == custom ? pVideoBitRate() : m_currentVideoFile->theVideoBitRate());
     m_selectionController.setEnteredUserFPS(pFPSIndex() == custom ? pFPS() : m_currentVideoFile->theFPS());
     m_selectionController.setEnteredUserWidth(widthToEnter());
+}
+
+std::optional<selection::Aim> KXPresetSettings::aim() const
+{
+    if (!pVideoActionIsBestGuess())
+        return std::nullopt;
+    return pVideoActionIndex() == firstGuess ? selection::Aim::Quality : selection::Aim::Speed;
+}
+
+selection::ConversionSettings KXPresetSettings::heldByGuess() const
+{
+    selection::ConversionSettings held;
+    if (pVideoBitRateIndex() == custom)
+        held.videoBitRate = pVideoBitRate();
+    if (pFPSIndex() == custom)
+        held.frameRate = pFPS();
+    if (pWidthIndex() == custom && widthToEnter() == pWidth())
+        held.width = pWidth();
+    held.subtitles =
+        pSubAction() == u"Burn (hard)"_s ? selection::SubtitleUse::Burn : selection::SubtitleUse::Mux;
+    const selection::Playback *device = selection::playbackOf(pDevice());
+    for (const TrackPointer &track : m_selectionController.currentSelection()->trackList()) {
+        if (selection::isAudio(*track) && (device == nullptr || playsOnDevice(*device, *track)))
+            held.audio.insert(track, outputsFor(*track));
+    }
+    return held;
+}
+
+/// A preset's sound passes through unless somebody says otherwise, so that is no choice against the device.
+bool KXPresetSettings::playsOnDevice(const selection::Playback &device, const KXVideoTrack &track) const
+{
+    const AudioOutputs outputs = outputsFor(track);
+    const bool isCopied = std::any_of(outputs.begin(), outputs.end(),
+                                      [](const AudioOutput &output) { return output.passesThrough(); });
+    return !isCopied || selection::whyUnplayedSound(device, track).isNull();
 }
 
 /// A preset never enlarges the picture.

@@ -3,11 +3,16 @@
 #include "media/KXVideoFile.h"
 #include "platform/Fields.h"
 #include "presets/PresetRecord.h"
+#include "selection/BestGuess.h"
 #include "selection/ConversionSettings.h"
 
 #include <QVariantMap>
 
 #include <memory>
+
+namespace selection {
+struct Playback;
+}
 
 class KXPresetSettings;
 class KXSelectionController;
@@ -76,9 +81,16 @@ public:
     /// Fills in the settings. "Manual" changes nothing.
     void makeSettings();
 
+    /// What its guess makes most of; no value where it says itself what becomes of the video.
+    std::optional<selection::Aim> aim() const;
+    /// What of it holds against its guess, for the selection that it was applied to: custom numbers, what
+    /// becomes of subtitles, and of sound, but for sound that it passes through and its device does not play.
+    selection::ConversionSettings heldByGuess() const;
+
 private:
     void takeVideoSettings();
     QString widthToEnter() const;
+    bool playsOnDevice(const selection::Playback &device, const KXVideoTrack &track) const;
     void takeAudioSettings();
     void takeSubtitleSettings();
     selection::AudioOutput stereoOutput() const;

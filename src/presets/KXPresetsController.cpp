@@ -183,9 +183,29 @@ void KXPresetsController::applyCurrentPresetSelections()
 
 void KXPresetsController::applyCurrentPresetSettings()
 {
-    if (m_settingMethodIndex < m_settings.size())
+    if (m_settingMethodIndex < m_settings.size()) {
+        if (m_settingMethodIndex != 0)
+            selection::forgetReasons(m_currentVideoFile->trackList());
         m_settings.at(m_settingMethodIndex)->makeSettings();
+        guess(*m_settings.at(m_settingMethodIndex));
+    }
     m_selectionController.updateTabs();
+}
+
+/// A preset that leaves the video to a guess, once its own settings are made.
+void KXPresetsController::guess(const KXPresetSettings &preset)
+{
+    const KXSelection &selection = *m_selectionController.currentSelection();
+    if (!preset.aim() || selection.trackList().isEmpty())
+        return;
+    if (const auto made =
+            selection::bestGuess(selection, preset.pDevice(), *preset.aim(), preset.heldByGuess()))
+        m_selectionController.takeGuess(*made);
+}
+
+PresetSettingsPointer KXPresetsController::currentPresetSettings() const
+{
+    return m_settings.value(m_settingMethodIndex);
 }
 
 QString KXPresetsController::currentPresetSettingName() const

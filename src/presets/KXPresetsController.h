@@ -51,6 +51,7 @@ public:
     void applyCurrentPresetSelections();
     void applyCurrentPresetSettings() override;
     QString currentPresetSettingName() const;
+    PresetSettingsPointer currentPresetSettings() const;
 
     /// The index to store: the one that the chosen preset has in the list as the next start builds it,
     /// where removed built-ins are back.
@@ -87,6 +88,7 @@ Q_SIGNALS:
     void panelRowsChanged();
 
 private:
+    void guess(const KXPresetSettings &preset);
     PresetSelectionsPointer newSelections() const;
     PresetSettingsPointer newSettings() const;
     PresetSelectionsPointer selectionsAtRow(int row) const;

@@ -106,6 +106,23 @@ ConversionSettings ConversionSettings::of(const KXSelection &selection)
     return settings;
 }
 
+ConversionSettings ConversionSettings::overlaidBy(const ConversionSettings &other) const
+{
+    ConversionSettings both = *this;
+    const auto take = [](auto &value, const auto &others) {
+        if (others)
+            value = others;
+    };
+    take(both.target, other.target);
+    take(both.videoBitRate, other.videoBitRate);
+    take(both.width, other.width);
+    take(both.frameRate, other.frameRate);
+    take(both.picture, other.picture);
+    take(both.subtitles, other.subtitles);
+    both.audio.insert(other.audio);
+    return both;
+}
+
 void ConversionSettings::writeTo(KXSelection &selection) const
 {
     if (target)

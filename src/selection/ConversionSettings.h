@@ -41,6 +41,8 @@ struct ConversionSettings
     /// Of a selection: what its words say.
     static ConversionSettings of(const KXSelection &selection);
     void writeTo(KXSelection &selection) const;
+    /// The same with every value that the other has.
+    ConversionSettings overlaidBy(const ConversionSettings &other) const;
 };
 
 bool isVideo(const KXVideoTrack &track);

@@ -307,6 +307,23 @@ void KXSelectionController::setAddStereoTrackButton(const int &state)
     Q_EMIT stateChanged();
 }
 
+void KXSelectionController::takeGuess(const selection::BestGuess &guess)
+{
+    const selection::ConversionSettings &settings = guess.settings;
+    {
+        const QScopedValueRollback updating(m_updating, true); // the controls one by one, the rules once
+        selection::writeGuess(guess, *m_selection);
+        setMp4Device(settings.target.value_or(m_mp4Device));
+        takeNumbersFromSelection();
+        if (settings.picture)
+            setVideoMatrixIndex(static_cast<int>(*settings.picture));
+        if (settings.subtitles)
+            setSubtitleMatrixIndex(*settings.subtitles == selection::SubtitleUse::Burn ? 0 : 1);
+        setAudioTrackPopupIndex(m_audioTrackPopupIndex);
+    }
+    updateTabs();
+}
+
 void KXSelectionController::useNewEncoderCheckBox(bool on)
 {
     m_selection->setCurrentEncoder(on ? u"ffmpeg"_s : u"mencoder"_s);

@@ -4,6 +4,7 @@
 #include "platform/Fields.h"
 #include "platform/KXNotificationCenter.h"
 #include "selection/AudioActions.h"
+#include "selection/BestGuess.h"
 #include "selection/KXSelection.h"
 #include "selection/TrackTicks.h"
 #include "tools/KXHelpers.h"
@@ -169,9 +170,13 @@ public:
     void byHand(Setter setter, const Value &value)
     {
         leaveSettingsPreset();
+        selection::forgetReasons(m_selection->trackList());
         (this->*setter)(value);
         updateTabs();
     }
+    /// Sets the controls to what was guessed for the current selection (selection::bestGuess()), and writes
+    /// it and its reasons into the selection. A person's later choice takes the reasons away.
+    void takeGuess(const selection::BestGuess &guess);
     /// One of audioActions() is ticked or unticked by hand.
     void tickAudioAction(const QString &action, bool ticked);
     void useNewEncoderCheckBox(bool on);

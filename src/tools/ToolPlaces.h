@@ -16,6 +16,8 @@ public:
     virtual QUrl resourcesLocation() const = 0;
     /// The folder that contains the application; tools run in it.
     virtual QString workingFolder() const = 0;
+    /// Whether films are opened whatever their codecs are called.
+    virtual bool takesNewerCodecs() const { return false; }
 };
 
 /// Where a tool or an archive of tools is, by its name; no check that it is there.

@@ -78,7 +78,8 @@ TrackFate subtitleFate(const KXVideoTrack &track, const KXVideoTrack *drawn, con
     if (request.kind == OutputKind::Avi)
         return leftOutTrack(track, u"An AVI carries no subtitles."_s);
     if (!holdsSubtitle(request.kind, mappedStream(track)))
-        return leftOutTrack(track, u"The output can't hold it."_s);
+        return leftOutTrack(track, track.choiceReason().isNull() ? u"The output can't hold it."_s
+                                                                 : track.choiceReason());
     return muxedSubtitle(track, request);
 }
 

@@ -49,13 +49,13 @@ bool JoinStream::isExtra() const
     return isCover || (type != u"video"_s && type != u"audio"_s && type != u"subtitle"_s);
 }
 
-JoinFile joinFileOf(const QUrl &url, const media::Printout &printed)
+JoinFile joinFileOf(const QUrl &url, const media::Printout &printed, const tools::ToolPlaces *places)
 {
     JoinFile file;
     file.url = url;
     file.words = printed.words;
     file.format = formatIn(printed.words);
-    const auto film = std::make_shared<KXVideoFile>(nullptr);
+    const auto film = std::make_shared<KXVideoFile>(places);
     if (film->initializeFromPrintout(url, printed) == u"OK"_s)
         file.film = film;
     if (!media::holdsStreamList(printed.json))

@@ -39,6 +39,7 @@ struct JoinFile
 };
 
 /// The file from what ffprobe printed of it.
-JoinFile joinFileOf(const QUrl &url, const media::Printout &printed);
+JoinFile joinFileOf(const QUrl &url, const media::Printout &printed,
+                    const tools::ToolPlaces *places = nullptr);
 
 } // namespace engines

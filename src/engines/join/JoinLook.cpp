@@ -130,7 +130,8 @@ void JoinLook::finish(qsizetype position, bool inTime)
     m_looks.erase(found);
     disconnect(look.task.get(), nullptr, this, nullptr);
     const QUrl url = m_files.at(position).url;
-    m_files[position] = joinFileOf(url, {QString::fromUtf8(look.json), QString::fromUtf8(look.words)});
+    m_files[position] =
+        joinFileOf(url, {QString::fromUtf8(look.json), QString::fromUtf8(look.words)}, &m_preferences);
     if (!inTime)
         m_files[position].problem = problemOf(url.fileName(), u"did not answer in time"_s);
     else if (look.task->exitStatus() != 0)

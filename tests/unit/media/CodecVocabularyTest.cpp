@@ -196,10 +196,47 @@ private Q_SLOTS:
         }
     }
 
+    void newerCodecsByTheirWholeNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<TrackKind>("kind");
+        QTest::addColumn<QString>("codec");
+        QTest::addColumn<QString>("extension");
+        const auto row = [](const char *name, TrackKind kind, const char *extension) {
+            const QString text = QString::fromLatin1(name);
+            QTest::newRow(name) << text << kind << text.toLower() << QString::fromLatin1(extension);
+        };
+        row("hevc", TrackKind::Video, "hevc");
+        row("av1", TrackKind::Video, "ivf");
+        row("vp8", TrackKind::Video, "ivf");
+        row("VP9", TrackKind::Video, "ivf");
+        row("prores", TrackKind::Video, "mov");
+        row("theora", TrackKind::Video, "ogv");
+        row("ffv1", TrackKind::Video, "mkv");
+        row("hevcx", TrackKind::Video, "mkv"); // another name, though it holds one
+        row("opus", TrackKind::Audio, "opus");
+        row("alac", TrackKind::Audio, "m4a");
+        row("amr_nb", TrackKind::Audio, "amr");
+        row("cook", TrackKind::Audio, "mka");
+        row("webvtt", TrackKind::Subtitle, "mkv");
+    }
+
+    void newerCodecsByTheirWholeNames()
+    {
+        QFETCH(QString, name);
+        QFETCH(TrackKind, kind);
+        QVERIFY(!CodecVocabulary::of(kind).classify(name)); // the first one is asked first
+        const auto match = CodecVocabulary::classifyNewer(kind, name);
+        QVERIFY(match.has_value());
+        QTEST(match->codec, "codec");
+        QTEST(match->extension, "extension");
+    }
+
     void anEmptyNameIsNoCodec()
     {
         QVERIFY(!CodecVocabulary::of(TrackKind::Video).classify({}));
         QVERIFY(!CodecVocabulary::of(TrackKind::Video).classify(u""_s));
+        QVERIFY(!CodecVocabulary::classifyNewer(TrackKind::Video, u""_s));
     }
 
     void keepsItsTablesInOrder()

@@ -189,6 +189,19 @@ private Q_SLOTS:
         QCOMPARE(builder.problemCodec(), u"opus"_s);
     }
 
+    void newerCodecsAreTakenWhereTheyAreWanted()
+    {
+        TrackBuilder builder(QUrl::fromLocalFile(u"/v/a.mkv"_s), 4, media::Codecs::NewerToo);
+        QCOMPARE(builder.add(stream(u"video"_s, u"HEVC"_s), {}), Outcome::Added);
+        QCOMPARE(builder.add(stream(u"audio"_s, u"opus"_s), {}), Outcome::Added);
+        QCOMPARE(builder.add(stream(u"audio"_s, u"dts"_s), {}), Outcome::Added);
+        QCOMPARE(builder.add(stream(u"video"_s, u"png"_s), {}), Outcome::Skipped);
+        QCOMPARE(builder.add(stream(u"video"_s, u""_s), {}), Outcome::NotIdentified);
+        QCOMPARE(builder.tracks().at(0)->trackInfo(), u"Video: (hevc)"_s);
+        QCOMPARE(builder.tracks().at(1)->trackCodec(), u"opus"_s);
+        QCOMPARE(builder.tracks().at(2)->trackCodec(), u"dtshd"_s); // as without
+    }
+
     void fallsBackWhereNoCodecIsTold()
     {
         const QVariantMap silent{{u"codec_type"_s, u"audio"_s}, {u"index"_s, u"0"_s}};
