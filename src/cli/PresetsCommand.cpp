@@ -99,18 +99,24 @@ ExitStatus PresetsCommand::show(Session &session, const QStringList &words) cons
 
 ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
 {
-    const QJsonObject presets = presets::exported(session.program().presets());
+    const presets::Export presets = presets::exported(session.program().presets());
+    const QByteArray bytes = QJsonDocument(presets.file).toJson(QJsonDocument::Indented);
+    if (bytes.size() > mostBytes)
+        return session.failed(u"Your presets are too large for a file that can be imported."_s);
+    for (const QString &sentence : presets.leftOut)
+        session.console().say(sentence);
+    const ExitStatus status = presets.leftOut.isEmpty() ? ExitStatus::AllWell : ExitStatus::Warnings;
     if (path.isEmpty()) {
-        session.console().object(presets);
-        session.console().document(presets);
-        return ExitStatus::AllWell;
+        session.console().object(presets.file);
+        session.console().document(presets.file);
+        return status;
     }
-    const QString problem = writeNew(path, QJsonDocument(presets).toJson(QJsonDocument::Indented));
+    const QString problem = writeNew(path, bytes);
     if (!problem.isNull())
         return session.failed(problem);
     session.console().object({{u"exported"_s, path}});
     session.console().result(path);
-    return ExitStatus::AllWell;
+    return status;
 }
 
 ExitStatus PresetsCommand::importFrom(Session &session, const QString &path) const

@@ -53,7 +53,8 @@ QHash<QString, ValueRule> makeTracksRules()
     return {
         {u"pName"_s, ValueRule::anyText()},
         {u"pSelectedVideoTrack"_s,
-         ValueRule::oneOf({u"First track, if it is video"_s, u"None"_s}, {u"First Track"_s, u"0"_s})},
+         ValueRule::oneOf({u"First track, if it is video"_s, u"None"_s}, {u"First Track"_s, u"0"_s})
+             .alsoStored({u""_s})},
         {u"pSelectedAudioTrack"_s, olderChoice},
         {u"pAudioIsByLanguage"_s, ValueRule::flag()},
         {u"pSelectedAudioLanguage"_s, olderChoice},

@@ -156,6 +156,15 @@ QString ValueRule::shown(const QVariant &stored) const
     return place < 0 ? stored.toString() : m_shown.at(place);
 }
 
+QString ValueRule::storedValues() const
+{
+    if (m_kind == Kind::Index)
+        return u"a whole number from 0 to %1"_s.arg(m_limit - 1);
+    if (m_kind == Kind::Flag)
+        return u"true or false"_s;
+    return m_kind == Kind::Choice ? quotedList(m_stored) : rightValues();
+}
+
 QString ValueRule::rightValues() const
 {
     switch (m_kind) {

@@ -37,6 +37,8 @@ public:
     QString shown(const QVariant &stored) const;
     /// The right values for a sentence: "a", "b" or "c".
     QString rightValues() const;
+    /// The same as they are stored.
+    QString storedValues() const;
     /// The right values one by one, where they can be counted.
     const QStringList &choices() const { return m_shown; }
 

@@ -9,6 +9,7 @@
 #include "support/TestMain.h"
 #include "support/presets/PresetFixture.h"
 
+#include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -264,6 +265,26 @@ private Q_SLOTS:
                                        {u"pSubAction"_s, u"Mux (soft)"_s},
                                        {u"isEditable"_s, true}};
             QCOMPARE(fixture.bundle.makeRecord(), expected);
+        }
+    }
+
+    void theManualNamesEveryFieldAndEveryWordOfTheRecord()
+    {
+        QFile file(QStringLiteral(TESSARAY_SOURCE_DIR "/packaging/man/tessaray-cli.1"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString manual = QString::fromUtf8(file.readAll());
+        QStringList words = KXPresetSelections::recordWords() + KXPresetSettings::recordWords() +
+                            presets::filterWords(FilterKind::Audio);
+        for (const auto *word : {"audio1.choice", "audio1.number", "audio1.language", "audio1.codec",
+                                 "audio1.channels", "audio.mode", "subtitle1.choice", "subtitle.mode"})
+            words.append(QString::fromLatin1(word));
+        for (const QString &word : std::as_const(words))
+            QVERIFY2(manual.contains(word), qPrintable(word));
+        for (const QStringList &list :
+             {presets::pVideoActionList(), presets::pStereoActionList(), presets::pSurroundActionList(),
+              presets::pSubActionList(), presets::afTrackChoiceList(), presets::afChannelsList()}) {
+            for (const QString &value : list)
+                QVERIFY2(manual.contains(u"\\(dq"_s + value + u"\\(dq"_s), qPrintable(value));
         }
     }
 
