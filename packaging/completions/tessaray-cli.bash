@@ -13,6 +13,7 @@ _tessaray_cli_options() {
     split) echo "$global --time --size --duration --force --verify --dry-run" ;;
     watch) echo "$global --track-preset --settings-preset --existing --verify" ;;
     play) echo "$global --tracks" ;;
+    presets) echo "$global --for" ;;
     *) echo "$global" ;;
     esac
 }
@@ -54,7 +55,7 @@ _tessaray_cli_value() { # PROGRAM OPTION TYPED
     case $2 in
     --save-dir) _tessaray_cli_files "$3" -d ;;
     --defaults | --add) _tessaray_cli_files "$3" ;;
-    --device) _tessaray_cli_offer "$3" < <(_tessaray_cli_devices) ;;
+    --device | --for) _tessaray_cli_offer "$3" < <(_tessaray_cli_devices) ;;
     --kind) _tessaray_cli_offer "$3" < <(printf '%s\n' mp4 mkv avi) ;;
     --video) _tessaray_cli_offer "$3" < <(printf '%s\n' passthru 1pass 2pass) ;;
     --subtitles) _tessaray_cli_offer "$3" < <(printf '%s\n' mux burn) ;;
@@ -75,8 +76,11 @@ _tessaray_cli_argument() { # PROGRAM COMMAND FIRST-ARGUMENT COUNT TYPED
     help) [[ $4 != 0 ]] || _tessaray_cli_argument "$1" "" "" 0 "$5" ;;
     presets)
         case $4-$3 in
-        0-) _tessaray_cli_offer "$5" < <(printf '%s\n' list show export import) ;;
-        1-show) _tessaray_cli_offer "$5" < <(_tessaray_cli_presets "$1" '[a-z]*') ;;
+        0-) _tessaray_cli_offer "$5" < <(printf '%s\n' list show add set rename remove export import) ;;
+        1-add) _tessaray_cli_offer "$5" < <(printf '%s\n' tracks settings) ;;
+        1-show | 1-set | 1-rename | 1-remove)
+            _tessaray_cli_offer "$5" < <(_tessaray_cli_presets "$1" '[a-z]*')
+            ;;
         1-export | 1-import) _tessaray_cli_files "$5" ;;
         esac
         ;;

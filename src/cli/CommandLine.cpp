@@ -35,6 +35,7 @@ const QList<OptionSpec> &allOptions()
         {u"settings-preset"_s, u"NAME"_s, u"Let this preset choose the settings; options override it."_s},
         {u"auto"_s, u"quality|speed"_s,
          u"Copy what the device plays and re-encode the rest, in two passes or one; options override it."_s},
+        {u"for"_s, u"DEVICE"_s, u"Make the new settings preset ready for this device."_s},
         {u"time"_s, u"START-END"_s, u"Take this part, as HH:MM:SS-HH:MM:SS."_s},
         {u"size"_s, u"MB"_s, u"Make parts of at most this size in megabytes."_s},
         {u"duration"_s, u"HH:MM:SS"_s, u"Make parts of this duration."_s},

@@ -1,11 +1,13 @@
 #include "cli/PresetsCommand.h"
 
+#include "cli/PresetEditing.h"
 #include "cli/Session.h"
 #include "platform/OrdinaryFile.h"
 #include "presets/PresetExchange.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -18,16 +20,6 @@ const QString trackKind = u"tracks"_s;
 const QString settingsKind = u"settings"_s;
 constexpr qint64 mostBytes = 16 * 1024 * 1024; // a preset file is some kilobytes
 
-QString shown(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::QVariantList:
-        return QString::fromUtf8(QJsonDocument::fromVariant(value.toList()).toJson(QJsonDocument::Compact));
-    default:
-        return value.toString();
-    }
-}
-
 template <typename List>
 void listKind(Console &console, const QString &kind, const List &presets)
 {
@@ -36,24 +28,6 @@ void listKind(Console &console, const QString &kind, const List &presets)
             {{u"kind"_s, kind}, {u"name"_s, preset->pName()}, {u"isEditable"_s, preset->isEditable()}});
         console.result(kind + u": "_s + preset->pName());
     }
-}
-
-/// Answers how many presets of that name there were.
-template <typename List>
-int showNamed(Console &console, const QString &kind, const List &presets, const QString &name)
-{
-    int count = 0;
-    for (const auto &preset : presets) {
-        if (preset->pName() != name)
-            continue;
-        ++count;
-        const QVariantMap record = preset->makeRecord();
-        console.object({{u"kind"_s, kind}, {u"record"_s, QJsonObject::fromVariantMap(record)}});
-        console.result(kind + u": "_s + name);
-        for (const QString &word : preset->recordWords())
-            console.result(u"  "_s + word + u" = "_s + shown(record.value(word)));
-    }
-    return count;
 }
 
 /// Writes a file that was not there; a null text, or why it could not.
@@ -71,16 +45,31 @@ QString writeNew(const QString &path, const QByteArray &contents)
     return problem;
 }
 
+using Change = ExitStatus (*)(Session &, const QStringList &);
+
+const QHash<QString, Change> &changesByVerb()
+{
+    static const QHash<QString, Change> changes{{u"add"_s, &addPreset},
+                                                {u"set"_s, &setPreset},
+                                                {u"rename"_s, &renamePreset},
+                                                {u"remove"_s, &removePreset}};
+    return changes;
+}
+
 } // namespace
 
 ExitStatus PresetsCommand::execute(Session &session) const
 {
     const QStringList words = session.line().arguments();
     const QString verb = words.value(0);
+    if (session.line().has(u"for"_s) && verb != u"add"_s)
+        return session.wrongUsage(u"The option --for belongs to \"presets add settings NAME\"."_s);
+    if (changesByVerb().contains(verb))
+        return changesByVerb().value(verb)(session, words.mid(1));
     if (verb == u"list"_s && words.size() == 1)
         return list(session);
-    if (verb == u"show"_s && words.size() == 2)
-        return show(session, words.at(1));
+    if (verb == u"show"_s && (words.size() == 2 || words.size() == 3))
+        return show(session, words.mid(1));
     if (verb == u"export"_s && words.size() <= 2)
         return exportTo(session, absolutePath(words.value(1)));
     if (verb == u"import"_s && words.size() == 2)
@@ -96,28 +85,38 @@ ExitStatus PresetsCommand::list(Session &session) const
     return ExitStatus::AllWell;
 }
 
-ExitStatus PresetsCommand::show(Session &session, const QString &name) const
+ExitStatus PresetsCommand::show(Session &session, const QStringList &words) const
 {
-    const KXPresetsController &presets = session.program().presets();
-    const int count = showNamed(session.console(), trackKind, presets.presetSelectionsList(), name) +
-                      showNamed(session.console(), settingsKind, presets.presetSettingsList(), name);
-    return count > 0 ? ExitStatus::AllWell : session.wrongUsage(u"There is no preset \"%1\"."_s.arg(name));
+    const QString kind = words.size() == 2 ? words.constFirst() : QString();
+    if (!kind.isNull() && kind != trackKind && kind != settingsKind)
+        return session.wrongUsage(u"Usage: tessaray-cli presets show [tracks|settings] NAME"_s);
+    const NamedPreset preset = presetNamed(session.program().presets(), kind, words.constLast());
+    if (!preset.problem.isNull())
+        return session.wrongUsage(preset.problem);
+    showPreset(session, preset);
+    return ExitStatus::AllWell;
 }
 
 ExitStatus PresetsCommand::exportTo(Session &session, const QString &path) const
 {
-    const QJsonObject presets = presets::exported(session.program().presets());
+    const presets::Export presets = presets::exported(session.program().presets());
+    const QByteArray bytes = QJsonDocument(presets.file).toJson(QJsonDocument::Indented);
+    if (bytes.size() > mostBytes)
+        return session.failed(u"Your presets are too large for a file that can be imported."_s);
+    for (const QString &sentence : presets.leftOut)
+        session.console().say(sentence);
+    const ExitStatus status = presets.leftOut.isEmpty() ? ExitStatus::AllWell : ExitStatus::Warnings;
     if (path.isEmpty()) {
-        session.console().object(presets);
-        session.console().document(presets);
-        return ExitStatus::AllWell;
+        session.console().object(presets.file);
+        session.console().document(presets.file);
+        return status;
     }
-    const QString problem = writeNew(path, QJsonDocument(presets).toJson(QJsonDocument::Indented));
+    const QString problem = writeNew(path, bytes);
     if (!problem.isNull())
         return session.failed(problem);
     session.console().object({{u"exported"_s, path}});
     session.console().result(path);
-    return ExitStatus::AllWell;
+    return status;
 }
 
 ExitStatus PresetsCommand::importFrom(Session &session, const QString &path) const

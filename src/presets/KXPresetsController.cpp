@@ -2,6 +2,7 @@
 
 #include "prefs/KXPreferences.h"
 #include "presets/PresetRecord.h"
+#include "presets/PresetSentence.h"
 #include "selection/KXSelectionController.h"
 
 #include <QScopedValueRollback>
@@ -81,6 +82,15 @@ QString renameAt(const List &presets, int row, const QString &name)
                                         : u"The name \"%1\" belongs to a built-in preset."_s.arg(name);
     presets.at(row + hidden)->setPName(name);
     return {};
+}
+
+/// What OK in a sheet does. Without a row nothing is chosen: "Manual".
+template <typename List>
+QString okSentence(const List &presets, int row)
+{
+    const auto preset = row < 0 ? presets.constFirst() : presets.value(row + hidden, presets.constFirst());
+    return u"OK saves your presets and applies \"%1\". %2"_s.arg(preset->pName(),
+                                                                 presets::sentenceFor(*preset));
 }
 
 } // namespace
@@ -266,12 +276,14 @@ void KXPresetsController::selectSettingsRow(int row)
 
 void KXPresetsController::openPresetSelectionPanel()
 {
+    m_selectionsBefore.emplace(m_selections, m_selectionMethodIndex);
     Q_EMIT listsChanged();
     selectSelectionsRow(rowOfIndex(m_selections, m_selectionMethodIndex));
 }
 
 void KXPresetsController::openPresetSettingsPanel()
 {
+    m_settingsBefore.emplace(m_settings, m_settingMethodIndex);
     Q_EMIT listsChanged();
     selectSettingsRow(rowOfIndex(m_settings, m_settingMethodIndex));
 }
@@ -331,6 +343,8 @@ QString KXPresetsController::okPresetSelectionPanel()
     m_filterEditor.setPreset(nullptr); // the sheet is gone, and what was being edited counts
     creatSelectionsNamesList();
     const QString problem = savePresetSelectionsListToUserDefaults();
+    if (problem.isNull())
+        m_selectionsBefore.reset();
     setSelectionMethodIndex(m_selectionRow + hidden);
     return problem;
 }
@@ -339,6 +353,43 @@ QString KXPresetsController::okPresetSettingsPanel()
 {
     creatSettingsNamesList();
     const QString problem = savePresetSettingsListToUserDefaults();
+    if (problem.isNull())
+        m_settingsBefore.reset();
     setSettingMethodIndex(m_settingsRow + hidden);
     return problem;
+}
+
+QString KXPresetsController::okPresetSelectionSentence() const
+{
+    return okSentence(m_selections, m_selectionRow);
+}
+
+QString KXPresetsController::okPresetSettingsSentence() const
+{
+    return okSentence(m_settings, m_settingsRow);
+}
+
+void KXPresetsController::cancelPresetSelectionPanel()
+{
+    if (!m_selectionsBefore)
+        return;
+    m_filterEditor.setPreset(nullptr); // what is being edited goes to its preset before that is restored
+    m_selections = m_selectionsBefore->restored();
+    const int index = m_selectionsBefore->methodIndex();
+    m_selectionsBefore.reset();
+    creatSelectionsNamesList();
+    if (index != m_selectionMethodIndex) // after an OK that could not save
+        setSelectionMethodIndex(index);
+}
+
+void KXPresetsController::cancelPresetSettingsPanel()
+{
+    if (!m_settingsBefore)
+        return;
+    m_settings = m_settingsBefore->restored();
+    const int index = m_settingsBefore->methodIndex();
+    m_settingsBefore.reset();
+    creatSettingsNamesList();
+    if (index != m_settingMethodIndex)
+        setSettingMethodIndex(index);
 }

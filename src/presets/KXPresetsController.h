@@ -3,7 +3,10 @@
 #include "presets/FilterEditor.h"
 #include "presets/KXPresetSelections.h"
 #include "presets/KXPresetSettings.h"
+#include "presets/SheetSnapshot.h"
 #include "selection/PresetDriver.h"
+
+#include <optional>
 
 class KXPreferences;
 
@@ -76,6 +79,12 @@ public:
     /// Both close the sheet: names, storing, and the selected row is chosen. They answer like the saving.
     QString okPresetSelectionPanel();
     QString okPresetSettingsPanel();
+    /// What OK does with the row that is selected now, as sentences.
+    QString okPresetSelectionSentence() const;
+    QString okPresetSettingsSentence() const;
+    /// Both close the sheet as if it had not been opened: presets, their values and the choice are as before.
+    void cancelPresetSelectionPanel();
+    void cancelPresetSettingsPanel();
     FilterEditor &filterEditor() { return m_filterEditor; }
 
     /// Adds presets made from records to both lists and stores them; on failure the lists are as before.
@@ -103,6 +112,8 @@ private:
     QStringList m_selectionsNames;
     QStringList m_settingsNames;
     FilterEditor m_filterEditor;
+    std::optional<presets::SheetSnapshot<KXPresetSelections>> m_selectionsBefore; ///< while the sheet is open
+    std::optional<presets::SheetSnapshot<KXPresetSettings>> m_settingsBefore;
     int m_selectionMethodIndex = 0;
     int m_settingMethodIndex = 0;
     int m_selectionRow = -1;

@@ -1,15 +1,23 @@
 #pragma once
 
 #include <QJsonObject>
-#include <QString>
+#include <QStringList>
 
 class KXPresetsController;
 
 namespace presets {
 
-/// The user's presets as one object: {"version": 1, "presetSelectionsArray": [records],
-/// "presetSettingsArray": [records]}.
-QJsonObject exported(const KXPresetsController &presets);
+/// The user's presets as a file.
+struct Export
+{
+    /// {"version": 1, "presetSelectionsArray": [records], "presetSettingsArray": [records]}
+    QJsonObject file;
+    /// A sentence for each preset that no import would take, because it was stored with a value that none
+    /// holds.
+    QStringList leftOut;
+};
+
+Export exported(const KXPresetsController &presets);
 
 /// What an import came to: a null problem, and how many presets were added of each kind.
 struct Import

@@ -142,6 +142,11 @@ QString PresetSelectionsSheet::rename(int row, const QString &name)
     return m_presets.renamePresetSelection(row, name);
 }
 
+void PresetSelectionsSheet::undo()
+{
+    m_presets.cancelPresetSelectionPanel();
+}
+
 QString PresetSelectionsSheet::store()
 {
     return m_presets.okPresetSelectionPanel();

@@ -32,6 +32,7 @@ protected:
     void remove() override;
     QString rename(int row, const QString &name) override;
     QString store() override;
+    void undo() override;
     void showPreset(bool isEditable) override;
 
 private:

@@ -199,6 +199,11 @@ QString PresetSettingsSheet::rename(int row, const QString &name)
     return m_presets.renamePresetSettings(row, name);
 }
 
+void PresetSettingsSheet::undo()
+{
+    m_presets.cancelPresetSettingsPanel();
+}
+
 QString PresetSettingsSheet::store()
 {
     return m_presets.okPresetSettingsPanel();

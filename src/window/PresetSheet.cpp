@@ -138,4 +138,11 @@ void PresetSheet::finish()
     m_ok->setText(tr("Close Unsaved"));
 }
 
+void PresetSheet::reject()
+{
+    m_name->disconnect(this); // what is typed there is not taken on the way out
+    undo();
+    QDialog::reject();
+}
+
 } // namespace window

@@ -12,8 +12,8 @@ class QVBoxLayout;
 namespace window {
 
 /// What the two sheets of presets share: the table, the name, a line that says what was refused, and the end.
-/// A sheet can't be cancelled: however it is closed, Escape too, what was typed counts and is stored, so that
-/// nothing gets lost. It is deleted when it closes.
+/// OK stores and applies; closed in any other way, by Escape too, it changes nothing. It is deleted when it
+/// closes.
 class PresetSheet : public QDialog
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     Q_DISABLE_COPY_MOVE(PresetSheet)
 
     void accept() override { finish(); }
-    void reject() override { finish(); }
+    void reject() override;
 
 protected:
     /// The list's first preset, which has no row: the manual choice.
@@ -48,6 +48,8 @@ protected:
     virtual QString rename(int row, const QString &name) = 0;
     /// Answers a null text, or a sentence when saving failed.
     virtual QString store() = 0;
+    /// Everything as it was when the sheet was opened.
+    virtual void undo() = 0;
     virtual void showPreset(bool isEditable) = 0;
 
 private:

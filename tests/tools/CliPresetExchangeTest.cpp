@@ -179,6 +179,19 @@ private Q_SLOTS:
         QCOMPARE(content(u"store/defaults.json"_s), storedPresets(someRules(), {}));
     }
 
+    void whatNoImportTakesIsLeftOutAndTold()
+    {
+        storePresets(*m_cli, {trackPreset(u"Good"_s, u"#1"_s)},
+                     {settingsPreset(u"Bad"_s, u"Toaster"_s), settingsPreset(u"Fine"_s, u"PS3"_s)});
+        const auto run = m_cli->run(words(u"presets export mine.json"_s));
+        QCOMPARE(run.status, 1);
+        QVERIFY2(run.said().startsWith(u"The preset \"Bad\" was left out: its \"pDevice\" is \"Toaster\""_s),
+                 run.error.constData());
+        const CliFixture other;
+        QCOMPARE(other.run({u"presets"_s, u"import"_s, m_cli->media(u"mine.json"_s)}).status, 0);
+        QCOMPARE(listedPresets(other), listOfPresets({u"Good"_s}, {u"Fine"_s}));
+    }
+
     void anOldRecordGoesOutWhole()
     {
         storePresets(*m_cli,

@@ -124,7 +124,11 @@ private Q_SLOTS:
         row("nothing for a number", {u"convert"_s, u"--width"_s, u""_s}, {u""_s});
         row("a track preset", {u"convert"_s, u"--track-preset"_s, u"A"_s}, {u"All\\ Tracks"_s});
         row("a settings preset", {u"convert"_s, u"--settings-preset"_s, u"E"_s}, {u"Extract\\ Tracks"_s});
-        row("presets", {u"presets"_s, u"s"_s}, {u"show"_s});
+        row("presets", {u"presets"_s, u"s"_s}, {u"show"_s, u"set"_s});
+        row("a kind of preset", {u"presets"_s, u"add"_s, u"t"_s}, {u"tracks"_s});
+        row("a preset to change", {u"presets"_s, u"set"_s, u"F"_s}, {u"First\\ Track"_s});
+        row("a device to be ready for", {u"presets"_s, u"add"_s, u"settings"_s, u"x"_s, u"--for"_s, u"PS"_s},
+            {u"PS3"_s});
         row("a preset to show", {u"presets"_s, u"show"_s, u"F"_s}, {u"First\\ Track"_s});
         row("a file to import", {u"presets"_s, u"import"_s, u"no"_s}, {u"notes.srt"_s});
         row("prefs", {u"prefs"_s, u""_s}, {u"list"_s, u"get"_s, u"set"_s});
@@ -166,6 +170,9 @@ private Q_SLOTS:
             {u"tessaray-cli remove --tr"_s, u"tessaray-cli remove --tracks="_s},
             {u"tessaray-cli presets sh"_s, u"tessaray-cli presets show "_s},
             {u"tessaray-cli presets show Fir"_s, u"tessaray-cli presets show First\\ Track "_s},
+            {u"tessaray-cli presets add tr"_s, u"tessaray-cli presets add tracks "_s},
+            {u"tessaray-cli presets add settings x --for PS"_s,
+             u"tessaray-cli presets add settings x --for PS3 "_s},
             {u"tessaray-cli prefs set moov"_s, u"tessaray-cli prefs set moovInFrontFlag "_s},
             {u"tessaray-cli help con"_s, u"tessaray-cli help convert "_s},
         };

@@ -102,7 +102,7 @@ private Q_SLOTS:
         fixture.driver().chooseRow(second);
         QTest::keyClick(table, Qt::Key_F2);
         QTest::keyClicks(table->findChild<QLineEdit *>(), u"Half typed"_s);
-        fixture.sheet->close();
+        fixture.driver().click("OkPresetButton");
         QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Half typed, Own"_s);
     }
@@ -290,7 +290,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.driver().focus(), u"af1EditButton"_s);
         fixture.driver().key(Qt::Key_Space);
         QCOMPARE(fixture.driver().title("af1EditButton"), u"Filter #1"_s);
-        fixture.sheet->close();
+        fixture.driver().click("OkPresetButton");
         QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(fixture.storedFilters(u"pAudioFilterArray"_s),
                  u"Tracks w/ Properties ...|2|Any Language|Any Codec|Any Type"_s);
@@ -426,40 +426,41 @@ private Q_SLOTS:
         fixture.driver().find<QComboBox>("afUserTrackNumber")->hidePopup();
     }
 
-    void escapeLosesNothing()
+    void escapeChangesNothing()
     {
         Fixture fixture;
+        const QString names = fixture.base.storedNames(u"presetSelectionsArray"_s);
+        const QString filters = fixture.storedFilters(u"pAudioFilterArray"_s);
+        QSignalSpy methods(&fixture.base.presets, &KXPresetsController::methodsChanged);
         fixture.driver().click("af1EditButton");
         fixture.driver().pick("afUserTrackNumber", u"1"_s);
-        fixture.driver().type("PresetName", u"Kept"_s);
+        fixture.driver().type("PresetName", u"Not kept"_s);
         fixture.driver().key(Qt::Key_Escape);
         QTRY_VERIFY(fixture.sheet.isNull());
-        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), u"Kept, Own"_s);
-        QCOMPARE(fixture.storedFilters(u"pAudioFilterArray"_s),
-                 u"Audio Track Number|1|Any Language|Any Codec|Any Type"_s);
+        QCOMPARE(fixture.base.storedNames(u"presetSelectionsArray"_s), names);
+        QCOMPARE(fixture.storedFilters(u"pAudioFilterArray"_s), filters);
+        QCOMPARE(fixture.base.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(methods.count(), 0);
     }
 
-    void closingStoresAndAppliesOnce_data()
+    void okStoresAndAppliesOnce()
     {
-        QTest::addColumn<QString>("how");
-        QTest::newRow("ok") << u"ok"_s;
-        QTest::newRow("escape") << u"escape"_s;
-        QTest::newRow("the window's button") << u"close"_s;
-    }
-
-    void closingStoresAndAppliesOnce()
-    {
-        QFETCH(const QString, how);
         Fixture fixture;
         QSignalSpy methods(&fixture.base.presets, &KXPresetsController::methodsChanged);
-        if (how == u"ok"_s)
-            fixture.driver().click("OkPresetButton");
-        else if (how == u"escape"_s)
-            QTest::keyClick(fixture.sheet, Qt::Key_Escape);
-        else
-            fixture.sheet->close();
+        fixture.driver().click("OkPresetButton");
         QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(methods.count(), 1);
+    }
+
+    void theWindowsButtonChangesNothing()
+    {
+        Fixture fixture;
+        fixture.driver().type("PresetName", u"Not kept"_s);
+        QSignalSpy methods(&fixture.base.presets, &KXPresetsController::methodsChanged);
+        fixture.sheet->close();
+        QTRY_VERIFY(fixture.sheet.isNull());
+        QCOMPARE(methods.count(), 0);
+        QCOMPARE(fixture.base.listed(), u"Manual, First Track, All Tracks, Second, Own"_s);
     }
 
     void aFailedSavingIsToldOnce()
@@ -472,7 +473,7 @@ private Q_SLOTS:
         QVERIFY(!fixture.refusal().isEmpty());
         QCOMPARE(fixture.driver().title("OkPresetButton"), u"Close Unsaved"_s);
         QVERIFY(fixture.driver().isEnabled("af1EditButton")); // its filters are still there
-        QTest::keyClick(fixture.sheet, Qt::Key_Escape);
+        fixture.driver().click("OkPresetButton");
         QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(fixture.base.names(), u"Manual, First Track, All Tracks, Unsaved, Own"_s);
     }

@@ -152,7 +152,7 @@ private Q_SLOTS:
         fixture.driver().pick("PWidthList", u"Custom"_s);
         fixture.driver().type("PWidth", u"720"_s);
         fixture.driver().type("PVideoBitRate", u"1500"_s);
-        QTest::keyClick(fixture.driver().find("PVideoBitRate"), Qt::Key_Escape);
+        fixture.driver().click("OkPresetButton");
         QTRY_VERIFY(fixture.sheet.isNull());
         QCOMPARE(fixture.stored(u"pWidth"_s).toString(), u"720"_s);
         QCOMPARE(fixture.stored(u"pVideoBitRate"_s).toString(), u"1500"_s);

@@ -104,6 +104,94 @@ private Q_SLOTS:
         QCOMPARE(fixture.settingsListed(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
     }
 
+    void aCancelledSheetOfTracksChangesNothing()
+    {
+        SheetFixture fixture;
+        const QByteArray stored = fixture.scratch.read(u"defaults.json"_s);
+        const QList<PresetSelectionsPointer> before = fixture.presets.presetSelectionsList();
+        QVariantList records;
+        for (const PresetSelectionsPointer &preset : before)
+            records.append(preset->makeRecord());
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.addPresetSelection();
+        fixture.presets.selectionListTableClicked(0);
+        fixture.presets.removePresetSelection(); // a built-in
+        fixture.presets.selectionListTableClicked(1);
+        QVERIFY(fixture.presets.renamePresetSelection(1, u"Changed"_s).isNull());
+        fixture.presets.presetSelectionsList().at(2)->setPSelectedVideoTrack(u"0"_s);
+        fixture.presets.filterEditor().addFilterButtonClicked(192);
+        fixture.presets.filterEditor().pointerEntered(101);
+        fixture.presets.filterEditor().editFilterPanel(101);
+        fixture.presets.filterEditor().setField(FilterKind::Audio, u"currentTrackNumber"_s, u"9"_s);
+        fixture.presets.cancelPresetSelectionPanel();
+        QCOMPARE(fixture.presets.presetSelectionsList(), before);
+        for (qsizetype i = 0; i < before.size(); ++i)
+            QCOMPARE(before.at(i)->makeRecord(), records.at(i).toMap());
+        QCOMPARE(fixture.names(), u"Manual, First Track, All Tracks, Second, Own"_s);
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0);
+        QCOMPARE(fixture.ticked(), u""_s);
+        QCOMPARE(fixture.scratch.read(u"defaults.json"_s), stored);
+        fixture.presets.cancelPresetSelectionPanel(); // there is no sheet now
+        QCOMPARE(fixture.presets.presetSelectionsList(), before);
+    }
+
+    void aCancelledSheetOfSettingsChangesNothing()
+    {
+        SheetFixture fixture;
+        const QByteArray stored = fixture.scratch.read(u"defaults.json"_s);
+        const QList<PresetSettingsPointer> before = fixture.presets.presetSettingsList();
+        const QVariantMap record = before.at(2)->makeRecord();
+        fixture.presets.openPresetSettingsPanel();
+        fixture.presets.addPresetSettings();
+        QVERIFY(fixture.presets.renamePresetSettings(1, u"Changed"_s).isNull());
+        fixture.presets.presetSettingsList().at(2)->setPWidth(u"99"_s);
+        fixture.presets.settingsListTableClicked(2);
+        fixture.presets.removePresetSettings();
+        fixture.presets.cancelPresetSettingsPanel();
+        QCOMPARE(fixture.presets.presetSettingsList(), before);
+        QCOMPARE(before.at(2)->makeRecord(), record);
+        QCOMPARE(fixture.settingsNames(), u"Manual, Extract Tracks, For PS3, For Xbox"_s);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
+        QCOMPARE(fixture.scratch.read(u"defaults.json"_s), stored);
+    }
+
+    void cancelAfterAFailedSavingTakesTheChoiceBack()
+    {
+        SheetFixture fixture;
+        QVERIFY(fixture.block());
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.openPresetSettingsPanel();
+        fixture.presets.selectionListTableClicked(2);
+        fixture.presets.settingsListTableClicked(1);
+        QVERIFY(!fixture.presets.okPresetSelectionPanel().isNull());
+        QVERIFY(!fixture.presets.okPresetSettingsPanel().isNull());
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 3);
+        fixture.presets.cancelPresetSelectionPanel();
+        fixture.presets.cancelPresetSettingsPanel();
+        QCOMPARE(fixture.presets.selectionMethodIndex(), 0);
+        QCOMPARE(fixture.presets.settingMethodIndex(), 0);
+    }
+
+    void okSaysWhatItWillApply()
+    {
+        SheetFixture fixture;
+        fixture.presets.openPresetSelectionPanel();
+        fixture.presets.openPresetSettingsPanel();
+        fixture.presets.selectionListTableClicked(2);
+        QCOMPARE(
+            fixture.presets.okPresetSelectionSentence(),
+            u"OK saves your presets and applies \"Second\". The first track is taken if it is video. Audio: "
+            "track 2. Subtitles: track 1."_s);
+        fixture.presets.settingsListTableClicked(1);
+        QCOMPARE(
+            fixture.presets.okPresetSettingsSentence(),
+            u"OK saves your presets and applies \"For PS3\". For PS3. The video is copied. Stereo sound is "
+            "copied. Surround sound is copied. Subtitles stay tracks."_s);
+        fixture.presets.settingsListTableClicked(-1);
+        QCOMPARE(fixture.presets.okPresetSettingsSentence(),
+                 u"OK saves your presets and applies \"Manual\". Settings are chosen by hand."_s);
+    }
+
     void okChoosesTheSelectedRuleAndStores()
     {
         SheetFixture fixture;
