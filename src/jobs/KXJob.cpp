@@ -592,6 +592,8 @@ void KXJob::takeResults()
     m_receipt.takeMeasured(m_results.measured());
     if (m_results.found().verdict == steps::Verdict::Unknown)
         return;
+    if (m_results.tellsOfEnd())
+        m_outcome = m_outcome.withoutDamage();
     addOutcome(m_results.found());
     for (const QUrl &log : m_results.logsOfFailed()) {
         m_logsToKeep.append(log);
@@ -665,9 +667,9 @@ void KXJob::addWordsOfReceipt()
     for (const QString &warning : media::sentencesOf(receipt, media::Told::AsAWarning))
         addOutcome(steps::Outcome::warnings(warning));
     for (const QString &note : media::sentencesOf(receipt, media::Told::AsANote))
-        addOutcome({steps::Verdict::Ok, note});
+        addOutcome({steps::Verdict::Ok, note, {}});
     for (const QString &verified : media::sentencesOfVerified(receipt))
-        addOutcome({steps::Verdict::Ok, verified});
+        addOutcome({steps::Verdict::Ok, verified, {}});
 }
 
 /// Logs and intermediate files stay or go together, on purpose; the log of a failed step stays in any case.

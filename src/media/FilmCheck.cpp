@@ -20,6 +20,7 @@ constexpr qint64 mostBytesOfCount = 64 * 1024 * 1024;
 constexpr double farFromAsked = 2;
 constexpr double sumTolerance = 0.05;
 constexpr double textTolerance = 1;
+constexpr double toldTolerance = 1;
 
 QString nameOf(const QUrl &file)
 {
@@ -82,10 +83,10 @@ public:
 
     CheckedOutput run()
     {
-        if (isTooLong())
-            return m_result; // nothing is proven
         if (!m_film.isOpen)
             sayItIsNotOpen();
+        else if (isTooLong())
+            compareHeaders();
         else if (output().isRaw)
             compareRaw();
         else
@@ -167,6 +168,59 @@ private:
                 compareStream(m_expected.at(i), m_film.streams.at(pairs.at(i)));
         }
         tellOfStretch();
+    }
+
+    /// What can be known without looking at packets.
+    void compareHeaders()
+    {
+        m_expected = expectedStreams(output(), m_films);
+        takeCovers();
+        compareNumbers();
+        const QList<int> pairs = pairedStreams(m_expected, output(), m_film);
+        for (qsizetype i = 0; i < pairs.size(); ++i) {
+            if (pairs.at(i) >= 0)
+                compareHeader(m_expected.at(i), m_film.streams.at(pairs.at(i)));
+        }
+        const FilmFacts *source = onlySource();
+        if (source != nullptr && takesAllOf(*source))
+            compareToldLengths(source->seconds, m_film.seconds, name());
+    }
+
+    void compareHeader(const ExpectedStream &expected, const StreamFacts &found)
+    {
+        const QString label = labelOf(found) + u" of "_s + name();
+        if (!expected.codec.isEmpty() && !isSameCodec(expected.codec, found.codec))
+            failWholly(u"%1 is %2 instead of %3."_s.arg(label, found.codec, expected.codec));
+        const StreamFacts *from = expected.sources.constFirst();
+        const bool isSame = onlySource() != nullptr && from != nullptr && expected.isTimed() &&
+                            compareToldLengths(from->headerSeconds, found.headerSeconds, label);
+        for (const int at : expected.fates) {
+            output().tracks[at].outputIndex = found.index;
+            output().tracks[at].proof = isSame ? Proof::Lengths : Proof::NotProven;
+        }
+    }
+
+    /// Whether both are known, and alike.
+    bool compareToldLengths(std::optional<double> meant, std::optional<double> found, const QString &label)
+    {
+        if (!meant || !found)
+            return false;
+        if (std::abs(*meant - *found) <= std::max(toldTolerance, *meant * 0.0005))
+            return true;
+        failWholly(timesOf(label + u" lasts %1 instead of %2."_s, *found, *meant));
+        return false;
+    }
+
+    /// Else the longest of its tracks may be among those that were left out.
+    bool takesAllOf(const FilmFacts &source)
+    {
+        const QList<TrackFate> &fates = output().tracks;
+        const auto isTaken = [&](const StreamFacts &one) {
+            return std::any_of(fates.begin(), fates.end(), [&](const TrackFate &fate) {
+                return fate.index == one.index && fate.became != Became::LeftOut;
+            });
+        };
+        return std::all_of(source.streams.begin(), source.streams.end(), isTaken);
     }
 
     void compareNumbers()
@@ -577,11 +631,19 @@ private:
             if (!film.isOpen)
                 m_warnings << u"%1 can't be read, so %2 could not be compared with it."_s.arg(label, name());
             else if (film.isShort())
-                m_warnings << endOf(film, label);
+                tellOfEnd(endOf(film, label));
             isShort = isShort || film.isShort();
         }
         if (!m_figures.damage.isNull() && !m_figures.damageIsTold && !isShort)
             m_warnings << asSentence(u"The source is damaged: "_s + m_figures.damage);
+        if (!m_figures.complaint.isNull() && m_figures.damage.isNull() && !isShort && m_failures.isEmpty())
+            m_warnings << asSentence(u"ffmpeg told of an error: "_s + m_figures.complaint);
+    }
+
+    void tellOfEnd(const QString &sentence)
+    {
+        m_warnings << sentence;
+        m_result.tellsOfEnd = true;
     }
 
     static QString endOf(const FilmFacts &film, const QString &label)
@@ -645,7 +707,8 @@ QList<CheckedOutput> checkedOutputs(const QList<MeantOutput> &outputs, const Fil
 {
     // The figures of a run name streams by number, which tells nothing where it wrote several files.
     const RunFigures common =
-        outputs.size() == 1 ? figures : RunFigures{{}, {}, figures.damageIsTold, figures.damage};
+        outputs.size() == 1 ? figures
+                            : RunFigures{{}, {}, figures.damageIsTold, figures.damage, figures.complaint};
     QList<CheckedOutput> checked;
     for (const MeantOutput &output : outputs)
         checked.append(OneCheck(completedBy(output, films), films, common).run());

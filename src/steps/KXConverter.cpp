@@ -316,6 +316,11 @@ void KXConverter::deliver(const steps::ReadEvent &event)
     endOfStream(event.channel);
 }
 
+bool KXConverter::hasRunningTool() const
+{
+    return m_backgroundRuns || (converterTask() && converterTask()->isRunning());
+}
+
 /// Whichever stream ends second completes the reading.
 void KXConverter::endOfStream(ToolProcess::Channel channel)
 {

@@ -136,6 +136,7 @@ public:
     QString whatToolsTold() const;
     /// Every run of its tools so far, as it was started.
     const QList<steps::Launch> &runs() const { return m_runs; }
+    bool hasRunningTool() const;
     /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
     /// known when they are there. None where there is nothing to hold them against.
     virtual QList<media::MeantOutput> meantOutputs() const { return {}; }
