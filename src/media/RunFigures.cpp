@@ -36,8 +36,13 @@ constexpr std::array damageWords = {
     "The last timestamp processed before the error",
 };
 
-constexpr std::array harmlessWords = {"non monoton", "Timestamps are unset in a packet",
-                                      "Application provided invalid", "Estimating duration"};
+constexpr std::array harmlessWords = {"non monoton",
+                                      "Timestamps are unset in a packet",
+                                      "Application provided invalid",
+                                      "Estimating duration",
+                                      "parser not found for codec",
+                                      "Could not find codec parameters for stream",
+                                      "unable to decode APP fields"};
 
 /// By which a line of ffmpeg's that is not known is taken for one that tells of an error.
 bool speaksOfError(const QString &line)
