@@ -46,6 +46,7 @@ KXAppDelegate::~KXAppDelegate() = default;
 
 void KXAppDelegate::applicationDidFinishLaunching()
 {
+    m_hasLaunched = true;
     program().preferences().modifyToolTips();
     initGuiSettingsFrom(program().preferences().guiSettingsDictionary());
     program().selectionController().updateTabs();
@@ -110,6 +111,16 @@ void KXAppDelegate::quitAnswered(int returnCode)
     program().queue().removeAllJobs();
     rememberAndSave();
     Q_EMIT terminationAllowed();
+}
+
+void KXAppDelegate::applicationWillTerminate()
+{
+    if (!m_hasLaunched)
+        return; // nothing was read that could be stored
+    const QSignalBlocker nobodyCanBeTold(this);
+    intake().stopProbing();
+    program().queue().removeAllJobs();
+    rememberAndSave();
 }
 
 void KXAppDelegate::rememberAndSave()

@@ -50,6 +50,9 @@ public:
     /// True when the program may end now. With a running job it asks, and terminationAllowed() follows when
     /// the answer is yes; otherwise the job stays paused.
     bool applicationShouldTerminate();
+    /// On every way out that is noticed, with or without a display and with no more questions: what must be
+    /// there at the next start is stored, and the running job is stopped.
+    void applicationWillTerminate();
 
     /// What is remembered until the next start, see initGuiSettingsFrom().
     QVariantMap createGuiSettingsDictionary() const;
@@ -94,4 +97,5 @@ private:
     app::FileInfoWriter m_infoWriter;
     app::QueueWatch m_queueWatch;
     bool m_askingToQuit = false;
+    bool m_hasLaunched = false;
 };
