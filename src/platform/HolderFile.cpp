@@ -6,7 +6,9 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSysInfo>
 #include <QUuid>
 
@@ -52,6 +54,11 @@ bool isAbandoned(const QUrl &location)
 {
     const QFileInfo info(location.toLocalFile());
     return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) > secondsOfWriting;
+}
+
+QUrl neighbourOf(const QUrl &location)
+{
+    return QUrl::fromLocalFile(location.toLocalFile() + u'.' + QUuid::createUuid().toString(QUuid::Id128));
 }
 
 QByteArray linesAt(const QUrl &location)
@@ -102,25 +109,37 @@ void HolderFile::clearIfGone(const QUrl &location)
         HolderFile(location).clearAway(judged);
 }
 
+/// Whole from its first moment on: a half one, of a process that was killed just then, would block for a
+/// while.
 bool HolderFile::make()
 {
     const QByteArray lines = ownLines();
-    if (!createFile(m_location, lines))
-        return false;
-    m_lines = lines;
-    const QByteArray written = linesAt(m_location);
-    if (written.size() < lines.size() && lines.startsWith(written) && fileAt(m_location)) // a full disk
-        removeName(m_location);
+    const QUrl beside = neighbourOf(m_location);
+    const bool isWhole = !fileAt(m_location) && createFile(beside, lines) && linesAt(beside) == lines;
+    if (isWhole && renameToFreeName(beside, m_location))
+        m_lines = lines;
+    else
+        removeName(beside);
     if (isHeld())
         keeper::hold(m_location.toLocalFile(), m_lines, m_leaving);
     return isHeld();
 }
 
+void HolderFile::clearBeside(const QUrl &location)
+{
+    const QFileInfo info(location.toLocalFile());
+    static const QRegularExpression ending(u"\\.[0-9a-f]{32}$"_s);
+    for (const QString &name :
+         QDir(info.absolutePath()).entryList({info.fileName() + u".*"_s}, QDir::Files | QDir::Hidden)) {
+        if (name.size() == info.fileName().size() + 33 && ending.match(name).hasMatch())
+            clearIfGone(QUrl::fromLocalFile(info.absolutePath() + u'/' + name));
+    }
+}
+
 /// By a rename, which only one of several can do; who moved another file than was judged puts it back.
 bool HolderFile::clearAway(const QByteArray &judged) const
 {
-    const QUrl aside =
-        QUrl::fromLocalFile(m_location.toLocalFile() + u'.' + QUuid::createUuid().toString(QUuid::Id128));
+    const QUrl aside = neighbourOf(m_location);
     if (!renameToFreeName(m_location, aside))
         return false;
     if (linesAt(aside) == judged || !renameToFreeName(aside, m_location))

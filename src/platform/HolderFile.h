@@ -30,6 +30,9 @@ public:
     static QString holderAt(const QUrl &location);
     /// Takes the file of such a process away.
     static void clearIfGone(const QUrl &location);
+    /// What such processes left beside it when they were killed while they took it: files of its name and a
+    /// number.
+    static void clearBeside(const QUrl &location);
 
 private:
     bool make();

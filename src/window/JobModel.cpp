@@ -17,6 +17,7 @@ JobModel::JobModel(KXQueueController &queue, QObject *parent)
     connect(&queue, &KXQueueController::jobAdded, this, &JobModel::add);
     connect(&queue, &KXQueueController::jobChanged, this, &JobModel::change);
     connect(&queue, &KXQueueController::jobRemoved, this, &JobModel::remove);
+    connect(&queue, &KXQueueController::jobMoved, this, &JobModel::move);
 }
 
 int JobModel::rowCount(const QModelIndex &parent) const
@@ -47,6 +48,13 @@ void JobModel::remove(int row)
     beginRemoveRows({}, row, row);
     m_jobs.removeAt(row);
     endRemoveRows();
+}
+
+void JobModel::move(int from, int to)
+{
+    beginMoveRows({}, from, from, {}, to > from ? to + 1 : to);
+    m_jobs.move(from, to);
+    endMoveRows();
 }
 
 QString statusTextOf(const KXJob &job)

@@ -29,6 +29,7 @@ private:
     void add(int row);
     void change(int row);
     void remove(int row);
+    void move(int from, int to);
     static QString textOf(const KXJob &job, int column);
     QVariant iconOf(const KXJob &job, int column) const;
 

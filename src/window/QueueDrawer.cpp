@@ -9,11 +9,13 @@
 #include "window/ToolTipBinder.h"
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QShortcut>
 #include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -69,6 +71,7 @@ QueueDrawer::QueueDrawer(KXQueueController &queue, ToolTipBinder &tips, QWidget 
          {&KXQueueController::jobAdded, &KXQueueController::jobChanged, &KXQueueController::jobRemoved})
         connect(&queue, change, this, &QueueDrawer::refreshButtons);
     connect(&queue, &KXQueueController::pauseButtonTitleChanged, this, &QueueDrawer::refreshButtons);
+    connect(&queue, &KXQueueController::heldChanged, this, &QueueDrawer::refreshButtons);
     hide();
     refreshButtons();
 }
@@ -91,7 +94,39 @@ QWidget *QueueDrawer::jobTable()
             [this](const QModelIndex &index) { m_queue.deleteJobRow(index.column(), index.row()); });
     auto *keyed = new QShortcut(QKeySequence::Delete, m_jobs, nullptr, nullptr, Qt::WidgetShortcut);
     connect(keyed, &QShortcut::activated, this, &QueueDrawer::deleteSelected);
+    m_jobs->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_jobs, &QWidget::customContextMenuRequested, this, &QueueDrawer::showRowMenu);
     return m_jobs;
+}
+
+void QueueDrawer::showRowMenu(const QPoint &place)
+{
+    auto *menu = new QMenu(m_jobs);
+    menu->setObjectName(u"QueueRowMenu"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setToolTipsVisible(true);
+    fillRowMenu(*menu, m_jobs->indexAt(place).row());
+    menu->popup(m_jobs->viewport()->mapToGlobal(place));
+}
+
+void QueueDrawer::fillRowMenu(QMenu &menu, int row)
+{
+    const auto add = [&](const QString &text, bool isPossible, const std::function<void()> &work) {
+        QAction *action = menu.addAction(text, this, work);
+        action->setEnabled(isPossible);
+        return action;
+    };
+    const bool waits = m_queue.canMoveJob(row);
+    const int last = static_cast<int>(m_queue.qJobList().size()) - 1;
+    add(tr("Move &Up"), waits && row > 0, [this, row] { m_queue.moveJob(row, row - 1); });
+    add(tr("Move &Down"), waits && row < last, [this, row] { m_queue.moveJob(row, row + 1); });
+    const QString refusal = m_queue.runAgainRefusal(row);
+    add(tr("&Run Again"), refusal.isNull(), [this, row] { m_queue.runJobAgain(row); })->setToolTip(refusal);
+    menu.addSeparator();
+    QAction *stop = add(tr("&Stop After the Running Job"), m_queue.qJobIsRunning(),
+                        [this] { m_queue.setStopsAfterThisJob(!m_queue.stopsAfterThisJob()); });
+    stop->setCheckable(true);
+    stop->setChecked(m_queue.stopsAfterThisJob());
 }
 
 QWidget *QueueDrawer::progressTable(ToolTipBinder &tips)

@@ -5,6 +5,7 @@
 #include <QTreeView>
 
 class KXQueueController;
+class QMenu;
 
 namespace window {
 
@@ -25,6 +26,8 @@ public:
     void togglePause();
 
 private:
+    void showRowMenu(const QPoint &place);
+    void fillRowMenu(QMenu &menu, int row);
     QWidget *jobTable();
     QWidget *progressTable(ToolTipBinder &tips);
     void refreshButtons();
