@@ -494,6 +494,10 @@ QString KXConverter::monitorConversion()
 
 void KXConverter::takeProgress(const steps::FfmpegReading &reading)
 {
+    if (reading.fps >= 0)
+        m_runSpeed.fps = reading.fps;
+    if (reading.speed >= 0)
+        m_runSpeed.speed = reading.speed;
     if (!reading.time.isNull())
         setOldProgress(reading.time);
     if (reading.written >= 0)
