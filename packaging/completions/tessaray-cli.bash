@@ -7,11 +7,11 @@ _tessaray_cli_options() {
     case $1 in
     convert)
         echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
-            "--track-preset --settings-preset --auto --force --verify --dry-run"
+            "--track-preset --settings-preset --auto --output --recursive --skip-existing --force --verify --dry-run"
         ;;
     plan)
         echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
-            "--track-preset --settings-preset --auto --force --commands"
+            "--track-preset --settings-preset --auto --output --recursive --skip-existing --force --verify --commands"
         ;;
     extract | remove) echo "$global --tracks --force --verify --dry-run" ;;
     join | remux | send) echo "$global --force --verify --dry-run" ;;
@@ -120,7 +120,7 @@ _tessaray_cli() {
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
             --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run | \
-                --newer-codecs | --commands) ;;
+                --newer-codecs | --commands | --recursive | --skip-existing) ;;
             *) option=$word ;;
             esac
         elif [[ -z $command ]]; then

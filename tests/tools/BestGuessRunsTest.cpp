@@ -43,8 +43,6 @@ const QStringList passingAc3{u"Apple TV 2"_s, u"Apple TV (3 and Later)"_s, u"PS3
 QList<Film> films()
 {
     const QStringList all = small + hd + full;
-    const QStringList surround{u"Apple TV (3 and Later)"_s, u"iPad (3 and Later)"_s, u"iPad Mini (All)"_s,
-                               u"iPhone (4S and Later)"_s, u"PS3"_s};
     return {
         {"baseline", "-s 320x240 -c:v libx264 -profile:v baseline -level 13", "-ac 2 -c:a aac -b:a 96k", all,
          all},
@@ -55,8 +53,11 @@ QList<Film> films()
          "-ac 6 -c:a ac3 -b:a 384k", full, passingAc3},
         {"mpeg2", "-s 720x576 -c:v mpeg2video -b:v 3000k", "-ac 2 -c:a mp2 -b:a 192k", {}, {}},
         {"mpeg4", "-s 640x360 -c:v mpeg4 -b:v 800k", "-ac 2 -c:a libmp3lame -b:a 128k", {}, {}},
-        {"surround", "-s 640x480 -c:v libx264 -profile:v baseline -level 30 -b:v 500k",
-         "-ac 6 -c:a aac -b:a 320k", all, surround},
+        {"surround",
+         "-s 640x480 -c:v libx264 -profile:v baseline -level 30 -b:v 500k",
+         "-ac 6 -c:a aac -b:a 320k",
+         all,
+         {}},
     };
 }
 

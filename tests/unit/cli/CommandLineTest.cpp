@@ -170,9 +170,10 @@ private Q_SLOTS:
             QTest::newRow(name) << true << true;
         for (const auto &name :
              {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles", "add",
-              "track-preset", "settings-preset", "auto", "time", "size", "duration"})
+              "track-preset", "settings-preset", "auto", "for", "output", "time", "size", "duration"})
             QTest::newRow(name) << true << false;
-        for (const auto &name : {"force", "verify", "dry-run", "commands"})
+        for (const auto &name :
+             {"force", "existing", "verify", "dry-run", "commands", "recursive", "skip-existing"})
             QTest::newRow(name) << false << false;
     }
 
@@ -193,7 +194,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 7 + 2 + 15 + 4); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 7 + 2 + 17 + 7); }
 };
 
 TESSARAY_TEST(CommandLineTest)
