@@ -3,10 +3,15 @@
 
 _tessaray_cli_options() {
     local global="--help --version --json --quiet --save-dir --keep-logs --no-keep-logs --defaults"
+    global+=" --newer-codecs"
     case $1 in
     convert)
         echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
-            "--track-preset --settings-preset --force --verify --dry-run"
+            "--track-preset --settings-preset --auto --output --recursive --skip-existing --force --verify --dry-run"
+        ;;
+    plan)
+        echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
+            "--track-preset --settings-preset --auto --output --recursive --skip-existing --force --verify --commands"
         ;;
     extract | remove) echo "$global --tracks --force --verify --dry-run" ;;
     join | remux | send) echo "$global --force --verify --dry-run" ;;
@@ -114,7 +119,8 @@ _tessaray_cli() {
             only_files=1
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
-            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run) ;;
+            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run | \
+                --newer-codecs | --commands | --recursive | --skip-existing) ;;
             *) option=$word ;;
             esac
         elif [[ -z $command ]]; then

@@ -90,7 +90,7 @@ bool leavesOutSubtitles(const KXSelection &selection)
 Choices::Choices(const CommandLine &line)
 {
     for (const QString &option : {u"device"_s, u"kind"_s, u"video"_s, u"video-bitrate"_s, u"width"_s,
-                                  u"audio"_s, u"subtitles"_s, u"add"_s, u"auto"_s}) {
+                                  u"audio"_s, u"subtitles"_s, u"add"_s, u"auto"_s, u"output"_s}) {
         if (line.has(option))
             m_given.append(u"--"_s + option);
     }

@@ -42,6 +42,9 @@ const QList<OptionSpec> &allOptions()
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
         {u"existing"_s, {}, u"Convert films too that are in the folder already and were never converted."_s},
         {u"verify"_s, {}, u"Compare what was copied with its source, bit for bit."_s},
+        {u"output"_s, u"FILE"_s, u"Name the result of a single film."_s},
+        {u"recursive"_s, {}, u"Take the films in folders too; with --save-dir their trees are mirrored."_s},
+        {u"skip-existing"_s, {}, u"Pass over films whose result is there already."_s},
         {u"commands"_s, {}, u"Print one line for a shell per film that could be converted: its convert."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, without running them."_s},
     };

@@ -51,12 +51,33 @@ QJsonArray pathsOf(const QList<QUrl> &files)
     return paths;
 }
 
-QString progressText(const KXJob &job, const jobs::ProgressList &list)
+QString progressText(const KXJob &job, const jobs::ProgressList &list, std::optional<double> queueLeft)
 {
     QStringList steps;
     for (const jobs::ProgressItem &item : list)
         steps.append(item.step + u' ' + item.progress);
+    const auto left = job.pace().leftSeconds;
+    if (left)
+        steps.append(jobs::clockText(*left) + u" left"_s);
+    if (left && queueLeft && *queueLeft > *left)
+        steps.append(jobs::clockText(*queueLeft) + u" for all"_s);
     return job.jobFileName() + u": "_s + steps.join(u", "_s);
+}
+
+QJsonValue numberOrNull(const std::optional<double> &number)
+{
+    return number ? QJsonValue(*number) : QJsonValue();
+}
+
+/// What progress is in numbers; what is not known is null.
+QJsonObject numbersOf(const jobs::Pace &pace, std::optional<double> queueLeft)
+{
+    return {{u"percent"_s, pace.percent},
+            {u"elapsedSeconds"_s, pace.elapsedSeconds},
+            {u"leftSeconds"_s, numberOrNull(pace.leftSeconds)},
+            {u"queueLeftSeconds"_s, numberOrNull(queueLeft)},
+            {u"speed"_s, numberOrNull(pace.speed)},
+            {u"fps"_s, numberOrNull(pace.fps)}};
 }
 
 } // namespace
@@ -136,11 +157,15 @@ void JobRun::progressed(const KXNotification &notification)
     const auto list = notification.object.value<jobs::ProgressList>();
     if (job == nullptr || list.isEmpty() || job->hasEnded())
         return;
-    m_session.console().progress(progressText(*job, list));
+    const auto queueLeft = jobs::secondsLeftFor(m_jobs);
+    m_session.console().progress(progressText(*job, list, queueLeft));
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
             continue;
-        sendEvent(u"progress"_s, *job, {{u"step"_s, list.at(i).step}, {u"progress"_s, list.at(i).progress}});
+        QJsonObject numbers = numbersOf(job->pace(), queueLeft);
+        numbers.insert(u"step"_s, list.at(i).step);
+        numbers.insert(u"progress"_s, list.at(i).progress);
+        sendEvent(u"progress"_s, *job, numbers);
     }
     m_lastProgress = list;
 }

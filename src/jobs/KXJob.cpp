@@ -293,8 +293,20 @@ void KXJob::removeTask(const jobs::StepTask &task)
     m_stepTaskList.removeIf([&](const jobs::StepTask &other) { return other == task; });
 }
 
+jobs::Pace KXJob::pace() const
+{
+    jobs::Pace pace = m_pace.pace();
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        const steps::RunSpeed speed = converter ? converter->runSpeed() : steps::RunSpeed();
+        pace.speed = speed.speed ? speed.speed : pace.speed;
+        pace.fps = speed.fps ? speed.fps : pace.fps;
+    }
+    return pace;
+}
+
 void KXJob::postProgress(const jobs::ProgressList &list)
 {
+    m_pace.take(list);
     m_context.notifications.post(u"progressUpdate"_s, QVariant::fromValue(list),
                                  {{u"theJob"_s, QVariant::fromValue<QObject *>(this)}});
 }
@@ -453,6 +465,7 @@ void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std:
 void KXJob::pauseJob()
 {
     m_isPaused = true;
+    m_pace.pause();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)
@@ -467,6 +480,7 @@ void KXJob::pauseJob()
 void KXJob::resumeJob()
 {
     m_isPaused = false;
+    m_pace.resume();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)

@@ -64,7 +64,9 @@ void KXConverter::initializeFor(const SelectionPointer &selection)
     const TrackList tracks = selection->trackList();
     if (trackItemToProcess() >= 0 && trackItemToProcess() < tracks.size())
         setInputFileURL(tracks.at(trackItemToProcess())->trackFileURL());
-    setSaveDirectoryURL(prefs::SaveFolder(appPreferences()).forSource(selection->videoTrackFileURL()));
+    setSaveDirectoryURL(selection->outputFolder().isEmpty()
+                            ? prefs::SaveFolder(appPreferences()).forSource(selection->videoTrackFileURL())
+                            : selection->outputFolder());
     const QUrl base = inFolder(saveDirectoryURL(), inputFileURL().fileName());
     setLogFileURL(base);
     setOutputFileURL(base);
@@ -499,6 +501,10 @@ QString KXConverter::monitorConversion()
 
 void KXConverter::takeProgress(const steps::FfmpegReading &reading)
 {
+    if (reading.fps >= 0)
+        m_runSpeed.fps = reading.fps;
+    if (reading.speed >= 0)
+        m_runSpeed.speed = reading.speed;
     if (!reading.time.isNull())
         setOldProgress(reading.time);
     if (reading.written >= 0)

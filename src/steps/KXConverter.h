@@ -140,6 +140,8 @@ public:
     /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
     /// known when they are there. None where there is nothing to hold them against.
     virtual QList<media::MeantOutput> meantOutputs() const { return {}; }
+    /// How fast its tool says that it is; absent where the tool says nothing of the kind.
+    steps::RunSpeed runSpeed() const { return m_runSpeed; }
     /// What the tool is going to write, by claimed names.
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job, unless logs are kept: then it stays too.
@@ -236,6 +238,7 @@ private:
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
     qint64 m_writtenBytes = 0;
+    steps::RunSpeed m_runSpeed;
     std::optional<qint64> m_sourceBytes;
     bool m_cutsTitles = false; ///< what is launched tells less than what is meant
     bool m_logIsBegun = false;

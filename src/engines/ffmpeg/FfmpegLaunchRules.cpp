@@ -235,6 +235,18 @@ void nameMp4Format(LaunchForm &form, const LaunchFacts &facts)
     form.list.insert(tail, u"-f");
 }
 
+void tagHevc(LaunchForm &form, const LaunchFacts &facts)
+{
+    const qsizetype codec = indexOfOption(form.list, u"-vcodec"_s);
+    if (facts.kind != OutputKind::Mp4 || codec < 1 || codec + 1 >= form.list.size() ||
+        !isOption(form.list.at(codec + 1), u"copy"_s))
+        return;
+    if (facts.streams.value(form.list.at(codec - 1).text()).probedCodec != u"hevc"_s)
+        return;
+    form.list.insert(codec + 2, u"-tag:v");
+    form.list.insert(codec + 3, u"hvc1");
+}
+
 void generateTimestamps(LaunchForm &form, const LaunchFacts &facts)
 {
     if (!facts.generatesTimestamps || !facts.isSecondPass)

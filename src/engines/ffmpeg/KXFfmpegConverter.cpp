@@ -50,6 +50,8 @@ QUrl KXFfmpegConverter::wantedOutput() const
 {
     const OutputKind kind = engines::outputKindNamed(appName());
     const QString device = converterSelection()->theDevice();
+    if (const QString name = converterSelection()->outputName(); !name.isEmpty())
+        return besideSources(QUrl::fromLocalFile(engines::pathInFolder(saveDirectoryURL(), name)));
     return besideSources(engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device));
 }
 

@@ -25,6 +25,7 @@ const QString evenSize = u"libx264 gets an even size"_s;
 const QString subtitleLeftOut = u"a subtitle that the container can't hold is left out"_s;
 const QString textToSrt = u"MP4 text copied into Matroska becomes SRT"_s;
 const QString formatNamed = u"pass 2 into MP4 says so"_s;
+const QString hevcTagged = u"HEVC that is copied into MP4 is tagged as devices expect it"_s;
 const QString retriedPass2 = u"a retried pass 2 makes timestamps too"_s;
 const QString trackPicked = u"of an added file only the track is taken"_s;
 
@@ -86,9 +87,10 @@ class FfmpegLaunchTest final : public QObject
 private Q_SLOTS:
     void theRulesHaveNames()
     {
-        QCOMPARE(ffmpegLaunchRuleNames(),
-                 QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter,
-                              evenSize, subtitleLeftOut, textToSrt, formatNamed, retriedPass2, trackPicked}));
+        QCOMPARE(
+            ffmpegLaunchRuleNames(),
+            QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter, evenSize,
+                         subtitleLeftOut, textToSrt, formatNamed, retriedPass2, hevcTagged, trackPicked}));
     }
 
     /// Every kind of ordinary list, as the rules for lists give it.
