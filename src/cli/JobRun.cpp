@@ -64,6 +64,7 @@ QString progressText(const KXJob &job, const jobs::ProgressList &list)
 JobRun::JobRun(Session &session)
     : m_session(session)
     , m_queue(session.program().queue())
+    , m_files(session)
 {
     m_subscriptions.push_back(session.program().notifications().subscribe(
         u"progressUpdate"_s, [this](const KXNotification &notification) { progressed(notification); }));
@@ -109,7 +110,20 @@ ExitStatus JobRun::run()
     else if (!everyJobHasEnded())
         loop.exec();
     m_session.console().endProgress();
-    return m_worst;
+    return worse(m_worst, m_files.finish());
+}
+
+/// What follows the job.
+QString JobRun::followText(const KXJob &job) const
+{
+    QStringList names;
+    for (const JobPointer &other : m_jobs) {
+        if (!other->hasEnded() && other.get() != &job)
+            names.append(other->jobFileName());
+    }
+    if (names.isEmpty())
+        return {};
+    return names.size() == 1 ? u", then "_s + names.constFirst() : u", then %1 more"_s.arg(names.size());
 }
 
 bool JobRun::everyJobHasEnded() const
@@ -136,7 +150,7 @@ void JobRun::progressed(const KXNotification &notification)
     const auto list = notification.object.value<jobs::ProgressList>();
     if (job == nullptr || list.isEmpty() || job->hasEnded())
         return;
-    m_session.console().progress(progressText(*job, list));
+    m_session.console().progress(progressText(*job, list) + followText(*job), job->jobFileName());
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
             continue;
@@ -160,6 +174,7 @@ void JobRun::finished(const KXJob &job)
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
+    m_files.take(job);
     if (outcome.verdict != steps::Verdict::Ok || !outcome.sentence.isEmpty())
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
@@ -182,7 +197,8 @@ void JobRun::sendEvent(const QString &event, const KXJob &job, QJsonObject more)
         {u"jobType"_s, job.jobType()}, {u"step"_s, QJsonValue()}, {u"progress"_s, QJsonValue()}};
     for (auto item = more.begin(); item != more.end(); ++item)
         object.insert(item.key(), item.value());
-    m_session.console().object(object);
+    m_session.console().object(object, event == u"progress"_s ? PendingOutput::WhenBehind::Lose
+                                                              : PendingOutput::WhenBehind::Keep);
 }
 
 } // namespace cli
