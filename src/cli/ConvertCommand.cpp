@@ -41,7 +41,8 @@ QString ConvertCommand::example() const
 
 QStringList ConvertCommand::options() const
 {
-    return ConversionRequests::options() + QStringList{u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
+    return ConversionRequests::options() +
+           QStringList{u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus ConvertCommand::execute(Session &session) const

@@ -29,7 +29,8 @@ struct Film
 /// means the same in another folder.
 QStringList optionsToHandOn(const CommandLine &line)
 {
-    static const QStringList ownOptions{u"commands"_s, u"json"_s, u"quiet"_s, u"help"_s, u"version"_s};
+    static const QStringList ownOptions{u"commands"_s, u"list"_s, u"json"_s,
+                                        u"quiet"_s,    u"help"_s, u"version"_s};
     static const QStringList paths{u"save-dir"_s, u"defaults"_s, u"add"_s};
     QStringList words;
     for (const OptionSpec &option : allOptions()) {
@@ -208,7 +209,7 @@ QString PlanCommand::example() const
 
 QStringList PlanCommand::options() const
 {
-    return ConversionRequests::options() + QStringList{u"force"_s, u"commands"_s};
+    return ConversionRequests::options() + QStringList{u"force"_s, u"commands"_s, u"list"_s};
 }
 
 ExitStatus PlanCommand::execute(Session &session) const
