@@ -59,7 +59,7 @@ QString commandFor(const CommandLine &line, const QString &path)
     return pastableCommand({}, words + QStringList{u"--"_s, path});
 }
 
-QJsonValue jsonOf(const std::optional<double> &value)
+QJsonValue planNumber(const std::optional<double> &value)
 {
     return value ? QJsonValue(*value) : QJsonValue();
 }
@@ -74,7 +74,7 @@ QJsonObject objectOf(const ConversionPlan &plan)
             {u"target"_s, plan.target.isNull() ? QJsonValue() : QJsonValue(plan.target)},
             {u"outputs"_s, outputs},
             {u"tracks"_s, receiptRecord({plan.tracks})},
-            {u"seconds"_s, jsonOf(plan.seconds)},
+            {u"seconds"_s, planNumber(plan.seconds)},
             {u"estimatedBytes"_s, plan.size ? QJsonValue(plan.size->bytes) : QJsonValue()},
             {u"sourceBytes"_s, isSourceKnown ? QJsonValue(plan.size->sourceBytes) : QJsonValue()},
             {u"problems"_s, QJsonArray::fromStringList(plan.problems)},
