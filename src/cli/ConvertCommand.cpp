@@ -69,7 +69,7 @@ QString ConvertCommand::example() const
 
 QStringList ConvertCommand::options() const
 {
-    return ConversionRequests::options() + QStringList{u"dry-run"_s};
+    return ConversionRequests::options() + QStringList{u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus ConvertCommand::execute(Session &session) const

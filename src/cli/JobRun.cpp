@@ -85,6 +85,7 @@ QJsonObject numbersOf(const jobs::Pace &pace, std::optional<double> queueLeft)
 JobRun::JobRun(Session &session)
     : m_session(session)
     , m_queue(session.program().queue())
+    , m_files(session)
 {
     m_subscriptions.push_back(session.program().notifications().subscribe(
         u"progressUpdate"_s, [this](const KXNotification &notification) { progressed(notification); }));
@@ -130,7 +131,20 @@ ExitStatus JobRun::run()
     else if (!everyJobHasEnded())
         loop.exec();
     m_session.console().endProgress();
-    return m_worst;
+    return worse(m_worst, m_files.finish());
+}
+
+/// What follows the job.
+QString JobRun::followText(const KXJob &job) const
+{
+    QStringList names;
+    for (const JobPointer &other : m_jobs) {
+        if (!other->hasEnded() && other.get() != &job)
+            names.append(other->jobFileName());
+    }
+    if (names.isEmpty())
+        return {};
+    return names.size() == 1 ? u", then "_s + names.constFirst() : u", then %1 more"_s.arg(names.size());
 }
 
 bool JobRun::everyJobHasEnded() const
@@ -158,7 +172,7 @@ void JobRun::progressed(const KXNotification &notification)
     if (job == nullptr || list.isEmpty() || job->hasEnded())
         return;
     const auto queueLeft = jobs::secondsLeftFor(m_jobs);
-    m_session.console().progress(progressText(*job, list, queueLeft));
+    m_session.console().progress(progressText(*job, list, queueLeft) + followText(*job), job->jobFileName());
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
             continue;
@@ -185,6 +199,7 @@ void JobRun::finished(const KXJob &job)
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
+    m_files.take(job);
     if (outcome.verdict != steps::Verdict::Ok || !outcome.sentence.isEmpty())
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
@@ -207,7 +222,8 @@ void JobRun::sendEvent(const QString &event, const KXJob &job, QJsonObject more)
         {u"jobType"_s, job.jobType()}, {u"step"_s, QJsonValue()}, {u"progress"_s, QJsonValue()}};
     for (auto item = more.begin(); item != more.end(); ++item)
         object.insert(item.key(), item.value());
-    m_session.console().object(object);
+    m_session.console().object(object, event == u"progress"_s ? PendingOutput::WhenBehind::Lose
+                                                              : PendingOutput::WhenBehind::Keep);
 }
 
 } // namespace cli

@@ -21,7 +21,7 @@ namespace {
 /// means the same in another folder.
 QStringList optionsToHandOn(const CommandLine &line)
 {
-    static const QStringList ownOptions{u"commands"_s, u"recursive"_s, u"json"_s,
+    static const QStringList ownOptions{u"commands"_s, u"recursive"_s, u"list"_s,   u"json"_s,
                                         u"quiet"_s,    u"help"_s,      u"version"_s};
     static const QStringList paths{u"defaults"_s, u"add"_s, u"output"_s};
     QStringList words;
@@ -60,7 +60,7 @@ QString commandFor(const CommandLine &line, const RequestedFilm &film)
     return pastableCommand({}, words + QStringList{u"--"_s, film.path});
 }
 
-QJsonValue secondsOrNull(const std::optional<double> &value)
+QJsonValue planNumber(const std::optional<double> &value)
 {
     return value ? QJsonValue(*value) : QJsonValue();
 }
@@ -75,7 +75,7 @@ QJsonObject objectOf(const ConversionPlan &plan)
             {u"target"_s, plan.target.isNull() ? QJsonValue() : QJsonValue(plan.target)},
             {u"outputs"_s, outputs},
             {u"tracks"_s, receiptRecord({plan.tracks})},
-            {u"seconds"_s, secondsOrNull(plan.seconds)},
+             {u"seconds"_s, planNumber(plan.seconds)},
             {u"estimatedBytes"_s, plan.size ? QJsonValue(plan.size->bytes) : QJsonValue()},
             {u"sourceBytes"_s, isSourceKnown ? QJsonValue(plan.size->sourceBytes) : QJsonValue()},
             {u"problems"_s, QJsonArray::fromStringList(plan.problems)},
@@ -203,7 +203,7 @@ QString PlanCommand::example() const
 
 QStringList PlanCommand::options() const
 {
-    return ConversionRequests::options() + QStringList{u"commands"_s};
+    return ConversionRequests::options() + QStringList{u"commands"_s, u"list"_s};
 }
 
 ExitStatus PlanCommand::execute(Session &session) const

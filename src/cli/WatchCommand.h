@@ -25,7 +25,7 @@ public:
     QStringList options() const override
     {
         return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"), QStringLiteral("existing"),
-                QStringLiteral("verify")};
+                QStringLiteral("verify"),       QStringLiteral("print"),           QStringLiteral("exec")};
     }
     ExitStatus execute(Session &session) const override;
 };
