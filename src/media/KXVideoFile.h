@@ -79,6 +79,8 @@ class KXVideoFile final : public KXHelpers
 public:
     /// Without places it can be filled and copied, but every probe answers "not a video".
     explicit KXVideoFile(const tools::ToolPlaces *places);
+    /// What is wrong with a file is not written down beside it.
+    void leaveNoErrorFiles() { m_leavesErrorFiles = false; }
 
     /// Every property back to its default.
     void setFileDefaultPropertyValues();
@@ -155,5 +157,6 @@ private:
     void takeVideoStream(const QVariantMap &stream);
     void writeErrorFile(const QUrl &url, const QString &text) const;
 
+    bool m_leavesErrorFiles = true;
     std::optional<media::Printout> m_printed; ///< where somebody else ran the tool
 };

@@ -35,6 +35,7 @@ constexpr std::array rules = {
     Rule{u"a retried pass 2 makes timestamps too", launchrules::generateTimestamps},
     // The last: the others know streams by what the list maps.
     Rule{u"of an added file only the track is taken", launchrules::pickAddedTracks},
+    Rule{u"a single track is taken by its number", launchrules::pickSingleTrack},
 };
 
 /// Every added file has a stream 0, so these are told by the file's name.
