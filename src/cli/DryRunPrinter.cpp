@@ -3,6 +3,7 @@
 #include "cli/PastableText.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
+#include "steps/RunAsProcess.h"
 
 #include <QJsonArray>
 
@@ -35,10 +36,21 @@ QJsonObject environmentOf(const steps::Launch &launch)
 
 QString commandOf(const steps::Launch &launch)
 {
-    if (launch.line)
-        return launch.line->launched;
+    const tools::OptionList words = launch.line ? steps::runAsProcess(launch.launched) : launch.launched;
     return pastableCommand(launch.environment,
-                           QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(launch.launched));
+                           QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(words));
+}
+
+QStringList commandsBefore(const steps::Launch &launch)
+{
+    QStringList commands;
+    for (const steps::Preparation &preparation : launch.before) {
+        const QString command = pastableCommand({}, preparation.words);
+        commands.append(preparation.into.isEmpty()
+                            ? command
+                            : command + u" > "_s + pastableCommand({}, {preparation.into.toLocalFile()}));
+    }
+    return commands;
 }
 
 QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
@@ -50,10 +62,11 @@ QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
                        {u"program"_s, launch.tool.toLocalFile()},
                        {u"output"_s, launch.output.toLocalFile()},
                        {u"log"_s, launch.log.toLocalFile()}};
+    if (!launch.before.isEmpty())
+        object.insert(u"before"_s, QJsonArray::fromStringList(commandsBefore(launch)));
     if (launch.line) {
         object.insert(u"line"_s, launch.line->meant);
-        if (launch.line->launched != launch.line->meant)
-            object.insert(u"launchedLine"_s, launch.line->launched);
+        object.insert(u"launchedLine"_s, commandOf(launch));
         return object;
     }
     object.insert(u"arguments"_s, wordsOf(launch.meant));
@@ -109,6 +122,8 @@ bool DryRunPrinter::print(const QList<jobs::JobRequest> &requests)
         }
         for (const steps::Launch &launch : launches) {
             m_session.console().object(objectOf(launch, *job, number));
+            for (const QString &command : commandsBefore(launch))
+                m_session.console().command(command);
             m_session.console().command(commandOf(launch));
         }
     }

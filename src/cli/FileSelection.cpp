@@ -49,6 +49,8 @@ void selectTracks(app::Program &program, const TrackChoice &choice)
 std::shared_ptr<KXVideoFile> probed(Session &session, const QString &path, QString &status)
 {
     const auto file = std::make_shared<KXVideoFile>(&session.program().preferences());
+    if (session.line().has(u"dry-run"_s))
+        file->leaveNoErrorFiles();
     file->setStopFlag(session.interrupts().flag());
     status = file->initializeForURL(QUrl::fromLocalFile(path));
     return file;

@@ -156,7 +156,7 @@ void KXJob::unsubscribe()
 
 const QString &KXJob::temporaryFolder()
 {
-    if (m_temporaryFolder.isEmpty()) {
+    if (m_temporaryFolder.isEmpty() && !m_guard.isPlan()) {
         m_temporaryFolder = m_context.scratch.makeJobFolder();
         m_guard.files().setPrivateFolder(m_temporaryFolder);
     }

@@ -189,6 +189,12 @@ QUrl KXConverter::fileOf(const QUrl &name) const
     return m_context.guard.fileOf(name);
 }
 
+QUrl KXConverter::privateFile(const QString &name, const QString &behindOutput) const
+{
+    return QUrl::fromLocalFile(m_context.guard.isPlan() ? outputFileURL().toLocalFile() + behindOutput
+                                                        : m_context.temporaryFolder + name);
+}
+
 /// Tools that drop files of their own drop them there too.
 QString KXConverter::toolFolder() const
 {

@@ -170,6 +170,9 @@ protected:
     virtual tools::OptionList workingAside(const tools::OptionList &list) const;
     /// Where a file of the job lies now; other locations are answered as they are.
     QUrl fileOf(const QUrl &name) const;
+    /// A file that only the job's tools see, in its private folder. In a plan, whose lines are there to be
+    /// pasted, it lies beside the output, with that behind its name.
+    QUrl privateFile(const QString &name, const QString &behindOutput) const;
     /// What its tool has printed, by the final names of files.
     QString toldLog() const;
     /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about

@@ -56,6 +56,7 @@ public:
         facts.passlogfile = request.passlogfile;
         facts.isSecondPass = pass == Pass::Second;
         facts.generatesTimestamps = wasRetried;
+        facts.singleStream = singleStream;
         const auto form = ffmpegLaunchFormWithout(rule, list, facts);
         warnings = form.warnings;
         QFile::remove(output());
@@ -73,6 +74,7 @@ public:
     SelectionPointer selection;
     ConversionRequest request;
     QStringList warnings;
+    std::optional<int> singleStream;
     bool wasRetried = false;
 };
 
@@ -341,6 +343,23 @@ private Q_SLOTS:
         QVERIFY(trial.statusWithout(rule(11), list, Pass::Only) > 0);
         QCOMPARE(trial.statusWith(list, Pass::Only), 0);
         QCOMPARE(codecsOf(trial.output()), codecs);
+    }
+
+    void aSingleTrackOfAFilm()
+    {
+        Trial trial(film(), u"MKV"_s);
+        const TrackPointer sound = trial.selection->trackList().at(1);
+        sound->setUserCodec(u"ac3"_s);
+        sound->setUserNumberOfChannels(u"2"_s);
+        sound->setUserBitRate(u"128"_s);
+        const auto lists = singleTrackLists(*trial.selection, *sound, trial.request.output,
+                                            QUrl::fromLocalFile(trial.path(u"log"_s)));
+        const OptionList list = steps::runAsProcess(lists.first);
+        trial.singleStream = sound->streamIndex();
+        QVERIFY(trial.statusWithout(u"a single track is taken by its number"_s, list, Pass::Only) != 0 ||
+                !codecsOf(trial.output()).contains(u"ac3"_s));
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), u"ac3"_s);
     }
 
     /// The one rule of extractions.

@@ -36,6 +36,7 @@ constexpr std::array rules = {
     Rule{u"HEVC that is copied into MP4 is tagged as devices expect it", launchrules::tagHevc},
     // The last: the others know streams by what the list maps.
     Rule{u"of an added file only the track is taken", launchrules::pickAddedTracks},
+    Rule{u"a single track is taken by its number", launchrules::pickSingleTrack},
 };
 
 /// Every added file has a stream 0, so these are told by the file's name.

@@ -266,4 +266,16 @@ void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts)
     }
 }
 
+void pickSingleTrack(LaunchForm &form, const LaunchFacts &facts)
+{
+    if (facts.singleStream.value_or(0) <= 0)
+        return;
+    for (qsizetype i = 0; i < form.list.size(); ++i) {
+        if (isOption(form.list.at(i), u"-map 0:0"_s)) // two words of a shell line
+            form.list[i] = OptionItem(u"-map 0:").with(*facts.singleStream);
+        else if (i > 0 && isOption(form.list.at(i - 1), u"-map"_s) && isOption(form.list.at(i), u"0:0"_s))
+            form.list[i] = OptionItem(u"0:").with(*facts.singleStream);
+    }
+}
+
 } // namespace engines::launchrules

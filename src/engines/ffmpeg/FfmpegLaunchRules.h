@@ -39,5 +39,7 @@ void generateTimestamps(LaunchForm &form, const LaunchFacts &facts);
 /// An added file is mapped whole, so what else it holds (a font, chapter texts) would come along; a
 /// container that has no place for that fails the run.
 void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts);
+/// A list for one track takes the first stream of its file, which is another track as a rule.
+void pickSingleTrack(LaunchForm &form, const LaunchFacts &facts);
 
 } // namespace engines::launchrules

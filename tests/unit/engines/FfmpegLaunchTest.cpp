@@ -28,6 +28,7 @@ const QString formatNamed = u"pass 2 into MP4 says so"_s;
 const QString hevcTagged = u"HEVC that is copied into MP4 is tagged as devices expect it"_s;
 const QString retriedPass2 = u"a retried pass 2 makes timestamps too"_s;
 const QString trackPicked = u"of an added file only the track is taken"_s;
+const QString singlePicked = u"a single track is taken by its number"_s;
 
 /// The words of a line as items; what begins with "/" is a file.
 OptionList listOf(const QString &line)
@@ -90,7 +91,8 @@ private Q_SLOTS:
         QCOMPARE(
             ffmpegLaunchRuleNames(),
             QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter, evenSize,
-                         subtitleLeftOut, textToSrt, formatNamed, retriedPass2, hevcTagged, trackPicked}));
+                         subtitleLeftOut, textToSrt, formatNamed, retriedPass2, hevcTagged, trackPicked,
+                         singlePicked}));
     }
 
     /// Every kind of ordinary list, as the rules for lists give it.
