@@ -149,7 +149,7 @@ private Q_SLOTS:
 private:
     void prepareFilms(const QString &folder)
     {
-        constexpr int films = 60;
+        constexpr int films = 20;
         m_cli->useOwnTools();
         m_cli->setTool(u"ffmpeg/ffprobe"_s, slowFfprobe);
         QDir().mkpath(m_cli->media(folder));

@@ -28,10 +28,12 @@ using support::words;
 namespace {
 
 /// Slows a tool down to the speed of the film.
-const QString slowFfmpeg = u"exec /usr/bin/ffmpeg -re \"$@\""_s;
-const QString slowFfprobe = u"sleep 0.2\nexec /usr/bin/ffprobe \"$@\""_s;
+const QString slowFfmpeg = u"/usr/bin/ffmpeg -re \"$@\""_s;
+/// From the moment on at which the program is ended no tool ends by itself.
+const QString andStay = u"\nstatus=$?\nwhile [ -e \"$STAY\" ]; do sleep 0.1; done\nexit $status"_s;
+const QString slowFfprobe = u"sleep 0.2\n/usr/bin/ffprobe \"$@\""_s;
 /// Says its version, and plays for a while: it stays when a program that ended by itself leaves it.
-const QString player = u"case \"$*\" in *-noconfig*) echo 'MPlayer 1.5'; exit 0;; esac\nexec sleep 4"_s;
+const QString player = u"case \"$*\" in *-noconfig*) echo 'MPlayer 1.5'; exit 0;; esac\nsleep 1"_s;
 constexpr int longestMomentMs = 2500;
 
 struct Operation
@@ -135,9 +137,11 @@ private Q_SLOTS:
         m_cli.clip(support::rawH264(), u"v.h264"_s);
         m_cli.clip(support::manyPacketsAac(), u"s.aac"_s);
         m_cli.useOwnTools();
-        m_cli.setTool(u"ffmpeg/ffmpeg"_s, slowFfmpeg);
-        m_cli.setTool(u"ffmpeg/ffprobe"_s, slowFfprobe);
-        m_cli.setTool(u"mplayer/mplayer"_s, player);
+        m_cli.setEnvironment(u"STAY"_s, m_cli.scratch().path(u"stay"_s));
+        m_cli.setTool(u"ffmpeg/ffmpeg"_s, slowFfmpeg + andStay);
+        m_cli.setTool(u"mkvtoolnix/mkvmerge"_s, u"/usr/bin/mkvmerge \"$@\""_s + andStay);
+        m_cli.setTool(u"ffmpeg/ffprobe"_s, slowFfprobe + andStay);
+        m_cli.setTool(u"mplayer/mplayer"_s, player + andStay);
         m_names = m_cli.mediaNames();
         m_sources = facts();
     }
@@ -148,6 +152,7 @@ private Q_SLOTS:
     {
         for (const qint64 pid : m_cli.processes()) // only after a failure
             ::kill(static_cast<pid_t>(pid), SIGKILL);
+        QFile::remove(m_cli.scratch().path(u"stay"_s));
         removeOutputs();
     }
 
@@ -178,6 +183,8 @@ private Q_SLOTS:
         QProcess program;
         start(program, operation.line, end.signalNumbers.isEmpty() ? &terminal : nullptr);
         QTest::qWait(moment);
+        if (program.state() != QProcess::NotRunning) // else a player may be meant to play on
+            m_cli.scratch().write(u"stay"_s, {});
         m_busy += m_cli.processes().size() > 1 ? 1 : 0;
         if (end.pausesTools)
             pauseTools(program.processId());
@@ -189,6 +196,7 @@ private Q_SLOTS:
         QVERIFY2(waitFor([&] { return m_cli.processes().isEmpty(); }),
                  qPrintable(m_cli.commandLines().join(u'\n')));
         m_slowest = qMax(m_slowest, clock.elapsed());
+        QFile::remove(m_cli.scratch().path(u"stay"_s));
         startAgain();
         const QStringList all =
             QDir(m_cli.media()).entryList({u".tessaray-*"_s}, QDir::AllEntries | QDir::Hidden);
