@@ -81,7 +81,7 @@ _tessaray_cli_value() { # PROGRAM OPTION TYPED
 _tessaray_cli_argument() { # PROGRAM COMMAND FIRST-ARGUMENT COUNT TYPED
     case $2 in
     "")
-        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert extract join split remux remove send watch play presets \
+        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert plan extract join split remux remove send watch play presets \
             prefs tools help)
         ;;
     tools) ;;

@@ -20,6 +20,13 @@ void tellGrowth(Session &session, const QString &path, const ConversionRequest &
         session.console().say(u"%1: %2"_s.arg(path, size->wordOfGrowth()));
 }
 
+/// The root of a mirrored tree; in vain where it can't be made, which is said where it is used.
+void makeRoot(const CommandLine &line)
+{
+    if (line.has(u"recursive"_s) && line.has(u"save-dir"_s) && !line.has(u"dry-run"_s))
+        QDir().mkpath(absolutePath(line.value(u"save-dir"_s)));
+}
+
 /// A mirrored tree grows as it is needed.
 bool hasItsFolder(Session &session, const KXSelection &selection)
 {
@@ -79,6 +86,7 @@ ExitStatus ConvertCommand::execute(Session &session) const
         return status;
     if (session.line().arguments().isEmpty())
         return session.wrongUsage(u"No file was named. See tessaray-cli convert --help."_s);
+    makeRoot(session.line());
     return submit(session, [&](ExitStatus &worst) { return jobsOf(session, requests, worst); });
 }
 

@@ -21,8 +21,8 @@ namespace {
 /// means the same in another folder.
 QStringList optionsToHandOn(const CommandLine &line)
 {
-    static const QStringList ownOptions{u"commands"_s, u"recursive"_s, u"list"_s,   u"json"_s,
-                                        u"quiet"_s,    u"help"_s,      u"version"_s};
+    static const QStringList ownOptions{u"commands"_s, u"list"_s, u"json"_s,
+                                        u"quiet"_s,    u"help"_s, u"version"_s};
     static const QStringList paths{u"defaults"_s, u"add"_s, u"output"_s};
     QStringList words;
     for (const OptionSpec &option : allOptions()) {
@@ -75,7 +75,7 @@ QJsonObject objectOf(const ConversionPlan &plan)
             {u"target"_s, plan.target.isNull() ? QJsonValue() : QJsonValue(plan.target)},
             {u"outputs"_s, outputs},
             {u"tracks"_s, receiptRecord({plan.tracks})},
-             {u"seconds"_s, planNumber(plan.seconds)},
+            {u"seconds"_s, planNumber(plan.seconds)},
             {u"estimatedBytes"_s, plan.size ? QJsonValue(plan.size->bytes) : QJsonValue()},
             {u"sourceBytes"_s, isSourceKnown ? QJsonValue(plan.size->sourceBytes) : QJsonValue()},
             {u"problems"_s, QJsonArray::fromStringList(plan.problems)},
@@ -148,8 +148,8 @@ ConversionPlan planWithout(const RequestedFilm &film)
 /// The folders of a mirrored tree are made when they are needed.
 bool wouldTakeResult(Session &session, const KXSelection &selection)
 {
-    if (!selection.outputFolder().isEmpty() && selection.outputName().isNull())
-        return session.saveFolder().refusal().isNull();
+    if (session.line().has(u"recursive"_s) && session.line().has(u"save-dir"_s))
+        return true;
     const QUrl source = selection.videoTrackFileURL();
     return selection.outputName().isNull()
                ? session.saveFolder().takesResultsOf(source)
