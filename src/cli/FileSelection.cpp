@@ -62,6 +62,8 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
     result.path = path;
     app::Program &program = session.program();
     program.currentFile().file()->setStopFlag(session.interrupts().flag());
+    if (session.line().has(u"dry-run"_s))
+        program.currentFile().file()->leaveNoErrorFiles();
     const QString status = program.currentFile().load(QUrl::fromLocalFile(path));
     if (status != u"OK"_s) {
         result.refusal = status;
