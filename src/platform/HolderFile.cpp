@@ -23,6 +23,7 @@ namespace {
 
 constexpr qint64 mostBytesOfHolder = 4096;
 constexpr qint64 secondsOfWriting = 60;
+constexpr qint64 secondsOfWritingBeside = 2;
 constexpr int triesOfTakingOver = 3;
 constexpr int numberOfLines = 7;
 
@@ -49,11 +50,21 @@ bool isRunning(qint64 pid, const QByteArray &start)
     return isThere && (start.isEmpty() || found.isEmpty() || start == found);
 }
 
-/// Half a file is one that is being written, or was left so by a process that ended just then.
+/// The ending of the name under which it is written before it is taken.
+const QRegularExpression &besideEnding()
+{
+    static const QRegularExpression ending(u"\\.[0-9a-f]{32}$"_s);
+    return ending;
+}
+
+/// Half a file is one that is being written, or was left so by a process that ended just then. Beside the
+/// name it holds nothing yet: who is slow there fails to take it.
 bool isAbandoned(const QUrl &location)
 {
     const QFileInfo info(location.toLocalFile());
-    return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) > secondsOfWriting;
+    const bool isBeside = besideEnding().match(info.fileName()).hasMatch();
+    return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) >
+                                (isBeside ? secondsOfWritingBeside : secondsOfWriting);
 }
 
 QUrl neighbourOf(const QUrl &location)
@@ -128,10 +139,9 @@ bool HolderFile::make()
 void HolderFile::clearBeside(const QUrl &location)
 {
     const QFileInfo info(location.toLocalFile());
-    static const QRegularExpression ending(u"\\.[0-9a-f]{32}$"_s);
     for (const QString &name :
          QDir(info.absolutePath()).entryList({info.fileName() + u".*"_s}, QDir::Files | QDir::Hidden)) {
-        if (name.size() == info.fileName().size() + 33 && ending.match(name).hasMatch())
+        if (name.size() == info.fileName().size() + 33 && besideEnding().match(name).hasMatch())
             clearIfGone(QUrl::fromLocalFile(info.absolutePath() + u'/' + name));
     }
 }

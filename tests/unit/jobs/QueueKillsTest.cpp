@@ -34,6 +34,13 @@ QString filmOf(int number)
     return u"film%1"_s.arg(number);
 }
 
+/// What a kill leaves that hits the making of a claim: it holds nothing, and the next job that works there
+/// after two seconds takes it away.
+bool isHalfClaim(const QString &name)
+{
+    return name.startsWith(u".tessaray-claim-"_s) && name.size() > u".tessaray-claim-"_s.size() + 40;
+}
+
 void tell(const QString &line)
 {
     std::puts(qPrintable(line));
@@ -207,7 +214,8 @@ private Q_SLOTS:
             for (int number = 0; number < jobsOfARound; ++number)
                 expected.append(filmOf(number) + u".m4v"_s);
             QStringList outputs = round.outputs();
-            outputs.removeIf([](const QString &name) { return name.endsWith(u".log"_s); });
+            outputs.removeIf(
+                [](const QString &name) { return name.endsWith(u".log"_s) || isHalfClaim(name); });
             QVERIFY2(outputs == expected, qPrintable(outputs.join(u' ') + u'\n' + round.said()));
             QCOMPARE(round.records(), QStringList());
         }
