@@ -50,6 +50,16 @@ bool isRunning(qint64 pid, const QByteArray &start)
     return isThere && (start.isEmpty() || found.isEmpty() || start == found);
 }
 
+bool isOfThisMachine(const QByteArrayList &lines)
+{
+    return lines.at(2) == QSysInfo::machineHostName().toUtf8() && lines.at(3) == QSysInfo::machineUniqueId();
+}
+
+bool runsHere(const QByteArrayList &lines)
+{
+    return lines.at(4) == QSysInfo::bootUniqueId() && isRunning(lines.at(0).toLongLong(), lines.at(1));
+}
+
 /// The ending of the name under which it is written before it is taken.
 const QRegularExpression &besideEnding()
 {
@@ -98,11 +108,13 @@ bool HolderFile::isHolderGone(const QUrl &location)
     const QByteArrayList lines = linesAt(location).split('\n');
     if (lines.size() < numberOfLines)
         return isAbandoned(location);
-    const bool isThisMachine =
-        lines.at(2) == QSysInfo::machineHostName().toUtf8() && lines.at(3) == QSysInfo::machineUniqueId();
-    if (!isThisMachine)
-        return false;
-    return lines.at(4) != QSysInfo::bootUniqueId() || !isRunning(lines.at(0).toLongLong(), lines.at(1));
+    return isOfThisMachine(lines) && !runsHere(lines);
+}
+
+bool HolderFile::isHolderRunning(const QUrl &location)
+{
+    const QByteArrayList lines = linesAt(location).split('\n');
+    return lines.size() >= numberOfLines && isOfThisMachine(lines) && runsHere(lines);
 }
 
 QString HolderFile::holderAt(const QUrl &location)

@@ -109,7 +109,8 @@ private Q_SLOTS:
                               u"MP4 text copied into Matroska becomes SRT"_s, u"pass 2 into MP4 says so"_s,
                               u"a retried pass 2 makes timestamps too"_s,
                               u"HEVC that is copied into MP4 is tagged as devices expect it"_s,
-                              u"of an added file only the track is taken"_s}));
+                              u"of an added file only the track is taken"_s,
+                              u"a single track is taken by its number"_s}));
     }
 
     /// The rule for every tool: a line in a shell's background ends well whatever its tool does.
