@@ -34,17 +34,17 @@ private Q_SLOTS:
     void aSettingThatCouldNotBeSavedIsAFailure()
     {
         const CliFixture cli;
-        cli.scratch().write(u"defaults.json"_s, R"({"name": "another program's"})");
+        cli.scratch().write(u"defaults.json"_s, "{\"name\": \"another program's\"}");
         const auto run = cli.run({u"prefs"_s, u"set"_s, u"keepLogsFlag"_s, u"false"_s});
         QCOMPARE(run.status, 2);
         QVERIFY(run.error.contains("something else than settings"));
-        QCOMPARE(cli.scratch().read(u"defaults.json"_s), QByteArray(R"({"name": "another program's"})"));
+        QCOMPARE(cli.scratch().read(u"defaults.json"_s), QByteArray("{\"name\": \"another program's\"}"));
     }
 
     void damagedSettingsAreAWarning()
     {
         const CliFixture cli;
-        cli.scratch().write(u"defaults.json"_s, R"({"preferencePanelDictionary": {"keep)");
+        cli.scratch().write(u"defaults.json"_s, "{\"preferencePanelDictionary\": {\"keep");
         const auto list = cli.run({u"prefs"_s, u"list"_s});
         QCOMPARE(list.status, 1);
         QVERIFY(list.error.contains("damaged"));
