@@ -284,7 +284,7 @@ private Q_SLOTS:
         const SheetDriver driver = fixture.open();
         fixture.controller.setSaveDirectoryPath(u"/v"_s);
         QStringList order;
-        for (int i = 0; i < 12; ++i) {
+        for (int i = 0; i < 13; ++i) {
             order.append(driver.focus());
             driver.key(Qt::Key_Tab);
         }
@@ -293,7 +293,8 @@ private Q_SLOTS:
                                    u"ChangeLintwickPathButton"_s, u"PrefToolTipsButton"_s,
                                    u"PrefLogsButton"_s,           u"PrefOptimizeStreamingButton"_s,
                                    u"PrefAddPaddingButton"_s,     u"PrefUseDpliiButton"_s,
-                                   u"CancelPreferencesButton"_s,  u"OkPreferencesButton"_s};
+                                   u"PrefVerifyButton"_s,         u"CancelPreferencesButton"_s,
+                                   u"OkPreferencesButton"_s};
         QCOMPARE(order, expected);
     }
 
