@@ -35,7 +35,7 @@ complete -c tessaray-cli -n '__fish_seen_subcommand_from watch' -a '(__fish_comp
 complete -c tessaray-cli -n '__fish_seen_subcommand_from probe convert plan extract join split remux' \
     -l list -r -F -d 'take the files that are named in this one'
 complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing plan" -l force -d 'replace an existing output'
-complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing watch" \
+complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing plan watch" \
     -l verify -d 'compare copies with their sources, bit for bit'
 complete -c tessaray-cli -n '__fish_seen_subcommand_from watch' \
     -l existing -d 'convert films too that are there already'
