@@ -1,7 +1,7 @@
 #include "cli/Console.h"
 
-#include "cli/PastableText.h"
 #include "platform/VisibleText.h"
+#include "tools/PastableText.h"
 
 #include <QJsonDocument>
 
@@ -84,7 +84,7 @@ void Console::command(const QString &line)
 {
     endProgress();
     if (!m_json)
-        write(pastableLine(line).toUtf8() + '\n');
+        write(tools::pastableLine(line).toUtf8() + '\n');
 }
 
 void Console::document(const QJsonObject &object)

@@ -1,6 +1,6 @@
 #include "cli/DryRunPrinter.h"
 
-#include "cli/PastableText.h"
+#include "app/JobPlan.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
 
@@ -31,14 +31,6 @@ QJsonObject environmentOf(const steps::Launch &launch)
     for (const auto &[name, value] : launch.environment)
         environment.insert(name, value);
     return environment;
-}
-
-QString commandOf(const steps::Launch &launch)
-{
-    if (launch.line)
-        return launch.line->launched;
-    return pastableCommand(launch.environment,
-                           QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(launch.launched));
 }
 
 QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
@@ -109,7 +101,7 @@ bool DryRunPrinter::print(const QList<jobs::JobRequest> &requests)
         }
         for (const steps::Launch &launch : launches) {
             m_session.console().object(objectOf(launch, *job, number));
-            m_session.console().command(commandOf(launch));
+            m_session.console().command(app::commandOf(launch));
         }
     }
     return allStart;

@@ -17,7 +17,7 @@ namespace {
 QStringList modules()
 {
     return {u"platform"_s, u"tools"_s, u"media"_s,   u"prefs"_s, u"selection"_s, u"presets"_s,
-            u"steps"_s,    u"jobs"_s,  u"engines"_s, u"app"_s,   u"window"_s,    u"cli"_s};
+            u"steps"_s,    u"jobs"_s,  u"engines"_s, u"summary"_s, u"app"_s, u"window"_s, u"cli"_s};
 }
 
 QString moduleOf(const QString &file)

@@ -1,4 +1,4 @@
-#include "cli/PastableText.h"
+#include "tools/PastableText.h"
 #include "platform/VisibleText.h"
 #include "support/HostileTexts.h"
 #include "support/TestMain.h"
@@ -61,17 +61,17 @@ class PastableTextTest final : public QObject
 private Q_SLOTS:
     void aPlainCommandStaysAsItIs()
     {
-        QCOMPARE(cli::pastableCommand({{u"LANG"_s, u"C"_s}}, {u"/bin/echo"_s, u"it's"_s, u"a\\nb"_s, u"é"_s}),
+        QCOMPARE(tools::pastableCommand({{u"LANG"_s, u"C"_s}}, {u"/bin/echo"_s, u"it's"_s, u"a\\nb"_s, u"é"_s}),
                  u"LANG=C /bin/echo 'it'\\''s' 'a\\nb' 'é'"_s);
         const QString line = u"export A=\"a!b%c\\d\"; echo 'é'"_s;
-        QCOMPARE(cli::pastableLine(line), line);
+        QCOMPARE(tools::pastableLine(line), line);
     }
 
     void whatATerminalObeysIsBuiltByTheShell()
     {
-        QCOMPARE(cli::pastableCommand({}, {u"echo"_s, u"a\u001b[31mb"_s}),
+        QCOMPARE(tools::pastableCommand({}, {u"echo"_s, u"a\u001b[31mb"_s}),
                  u"echo 'a'\"$(printf '\\033')\"'[31mb'"_s);
-        QCOMPARE(cli::pastableCommand({}, {u"echo"_s, u"a\nbc"_s}),
+        QCOMPARE(tools::pastableCommand({}, {u"echo"_s, u"a\nbc"_s}),
                  u"echo 'a'\"$(printf '\\012\\142')\"'c'"_s); // a line feed at the end would be lost
     }
 
@@ -87,7 +87,7 @@ private Q_SLOTS:
         QFETCH(QString, shell);
         for (const QString &word : hostileWords()) {
             const QStringList words{word, u"x"_s, word};
-            const QString line = cli::pastableCommand({}, QStringList{u"printf"_s, u"%s\\0"_s} + words);
+            const QString line = tools::pastableCommand({}, QStringList{u"printf"_s, u"%s\\0"_s} + words);
             QVERIFY2(!platform::steersTerminals(line), qPrintable(line));
             QCOMPARE(pasted(shell, line), betweenZeros(words));
         }
@@ -99,7 +99,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, shell);
         for (const QString &value : hostileWords()) {
-            const QString line = cli::pastableCommand({{u"SETTING"_s, value}},
+            const QString line = tools::pastableCommand({{u"SETTING"_s, value}},
                                                       {u"sh"_s, u"-c"_s, u"printf '%s\\0' \"$SETTING\""_s});
             QVERIFY2(!platform::steersTerminals(line), qPrintable(line));
             QCOMPARE(pasted(shell, line), betweenZeros({value}));
@@ -114,7 +114,7 @@ private Q_SLOTS:
         for (const QString &word : hostileWords()) {
             QString quoted = word;
             quoted.replace(u"'"_s, u"'\\''"_s);
-            const QString line = cli::pastableLine(u"A='"_s + quoted + u"'; printf '%s\\0' \"$A\" 'a!b' é"_s);
+            const QString line = tools::pastableLine(u"A='"_s + quoted + u"'; printf '%s\\0' \"$A\" 'a!b' é"_s);
             QVERIFY2(!platform::steersTerminals(line), qPrintable(line));
             QCOMPARE(pasted(shell, line), betweenZeros({word, u"a!b"_s, u"é"_s}));
         }

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace cli {
+namespace tools {
 
 /// A command of these words, in one line that can be pasted into any Bourne shell: each word arrives to the
 /// byte, and a terminal that shows the line obeys nothing in it. Words of the form NAME=VALUE in front are
@@ -12,4 +12,4 @@ QString pastableCommand(const QList<std::pair<QString, QString>> &environment, c
 /// A shell line as one that does the same and holds nothing that a terminal obeys.
 QString pastableLine(const QString &line);
 
-} // namespace cli
+} // namespace tools

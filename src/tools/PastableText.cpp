@@ -1,4 +1,4 @@
-#include "cli/PastableText.h"
+#include "tools/PastableText.h"
 
 #include "platform/VisibleText.h"
 #include "tools/OptionItem.h"
@@ -8,7 +8,7 @@
 using namespace Qt::StringLiterals;
 using platform::steersTerminals;
 
-namespace cli {
+namespace tools {
 
 namespace {
 
@@ -88,4 +88,4 @@ QString pastableLine(const QString &line)
     return u"eval \"$(printf '"_s + format + u"')\""_s;
 }
 
-} // namespace cli
+} // namespace tools
