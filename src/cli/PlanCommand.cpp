@@ -2,9 +2,9 @@
 
 #include "cli/ConversionRequests.h"
 #include "cli/DryRunPrinter.h"
-#include "cli/PastableText.h"
 #include "cli/Records.h"
 #include "cli/Session.h"
+#include "tools/PastableText.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -55,7 +55,7 @@ QString commandFor(const CommandLine &line, const QString &path)
 {
     QStringList words{programWord(), u"convert"_s};
     words += optionsToHandOn(line);
-    return pastableCommand({}, words + QStringList{u"--"_s, path});
+    return tools::pastableCommand({}, words + QStringList{u"--"_s, path});
 }
 
 QJsonValue jsonOf(const std::optional<double> &value)

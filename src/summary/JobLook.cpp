@@ -59,6 +59,7 @@ JobState jobState(const QString &jobStatus, const steps::Outcome &outcome, bool 
     case steps::Verdict::Failed:
         return JobState::Failed;
     case steps::Verdict::Stopped:
+    case steps::Verdict::Interrupted:
         return JobState::Interrupted;
     default:
         return JobState::Completed;
