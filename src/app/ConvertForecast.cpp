@@ -36,8 +36,7 @@ QString reasonToStayAt(Program &program, const OpenQueue &openQueue, int row)
     const int index = presets.selectionMethodIndex();
     if (program.selectionController().openQueueMatrixIndex() != 0 || index <= 0)
         return summary::reasonToStay(*entry.videoFile);
-    return summary::reasonToStay(
-        *asPresetTicks(*entry.videoFile, *presets.presetSelectionsList().at(index)));
+    return summary::reasonToStay(*asPresetTicks(*entry.videoFile, *presets.presetSelectionsList().at(index)));
 }
 
 /// The other films: how many go along, and which stay with what reason.
@@ -57,8 +56,7 @@ Others othersOf(Program &program, const OpenQueue &openQueue)
         if (reason.isEmpty())
             ++others.ready;
         else
-            others.staying.append(
-                u"%1 stays open: %2."_s.arg(openQueue.entries().at(row).fileName, reason));
+            others.staying.append(u"%1 stays open: %2."_s.arg(openQueue.entries().at(row).fileName, reason));
     }
     return others;
 }
@@ -70,9 +68,8 @@ QString othersText(const Others &others)
         text = others.ready == 1 ? u"and 1 more film"_s : u"and %1 more films"_s.arg(others.ready);
     if (others.staying.isEmpty())
         return text;
-    const QString staying = others.staying.size() == 1
-                                ? others.staying.constFirst()
-                                : u"%1 films stay open."_s.arg(others.staying.size());
+    const QString staying = others.staying.size() == 1 ? others.staying.constFirst()
+                                                       : u"%1 films stay open."_s.arg(others.staying.size());
     return text.isEmpty() ? staying : text + u". "_s + staying;
 }
 

@@ -77,9 +77,8 @@ QStringList soundsOf(const KXVideoTrack &track)
 {
     QStringList texts;
     for (const selection::AudioOutput &output : selection::outputsOf(track)) {
-        const QString shape = channelsText(output.passesThrough() ? track.trackNumberOfChannels()
-                                                                  : output.channels)
-                                  .toLower();
+        const QString shape =
+            channelsText(output.passesThrough() ? track.trackNumberOfChannels() : output.channels).toLower();
         texts.append(output.passesThrough()
                          ? u"%1 %2 copied"_s.arg(codecText(track), shape)
                          : u"%1 %2 %3 kb/s"_s.arg(output.codec.toUpper(), shape, output.bitRate));
@@ -137,9 +136,8 @@ QList<FilmFact> factsOf(const KXVideoFile &film)
             facts.append({text, kind});
     };
     const TrackList tracks = film.trackList();
-    const auto video = std::find_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
-        return selection::isVideo(*track);
-    });
+    const auto video = std::find_if(tracks.begin(), tracks.end(),
+                                    [](const TrackPointer &track) { return selection::isVideo(*track); });
     add(lengthText(film.seconds().value_or(0)));
     add(pictureText(film.theWidth(), film.theHeight()));
     if (video != tracks.end()) {
@@ -167,7 +165,8 @@ QString conversionText(const KXSelection &selection)
 QString extractionText(const KXSelection &selection)
 {
     const qsizetype count = selection.trackList().size();
-    return count == 1 ? u"1 file, of the ticked track"_s : u"%1 files, one for each ticked track"_s.arg(count);
+    return count == 1 ? u"1 file, of the ticked track"_s
+                      : u"%1 files, one for each ticked track"_s.arg(count);
 }
 
 QString conversionSizeText(const KXVideoFile &film, const KXSelection &selection)
@@ -184,12 +183,12 @@ Problem conversionProblem(const KXVideoFile &film, const KXSelection &selection)
     if (videos.size() != 1)
         return {u"Tick exactly one video track."_s, Problem::Mend::TakeFirstTracks, true};
     const TrackList subtitles = tracksOfKind(selection, TrackKind::Subtitle);
-    const bool burns = std::any_of(subtitles.begin(), subtitles.end(), [](const TrackPointer &track) {
-        return selection::isBurned(*track);
-    });
+    const bool burns = std::any_of(subtitles.begin(), subtitles.end(),
+                                   [](const TrackPointer &track) { return selection::isBurned(*track); });
     if (burns && isCopiedPicture(*videos.constFirst()))
-        return {u"The subtitle can’t be burned while the picture is copied: choose H.264, 1 pass or 2 passes."_s,
-                Problem::Mend::None, false};
+        return {
+            u"The subtitle can’t be burned while the picture is copied: choose H.264, 1 pass or 2 passes."_s,
+            Problem::Mend::None, false};
     for (const TrackPointer &track : subtitles) {
         if (const QString reason = becomesBy(selection, *track).reason; !reason.isEmpty())
             return {reason, Problem::Mend::None, false};

@@ -17,9 +17,8 @@ namespace {
 
 qsizetype countOf(const TrackList &tracks, bool added)
 {
-    return std::count_if(tracks.begin(), tracks.end(), [added](const TrackPointer &track) {
-        return track->externalTrackFlag() == added;
-    });
+    return std::count_if(tracks.begin(), tracks.end(),
+                         [added](const TrackPointer &track) { return track->externalTrackFlag() == added; });
 }
 
 /// "1 track goes", "2 tracks go"
@@ -69,9 +68,8 @@ QString partsText(const KXSelectionController &controller)
 {
     switch (controller.splitTypeMatrixIndex()) {
     case 0:
-        return u"a part of %1"_s.arg(
-            elapsedText(tools::secondsIn(controller.enteredSplitEndTime()) -
-                        tools::secondsIn(controller.enteredSplitStartTime())));
+        return u"a part of %1"_s.arg(elapsedText(tools::secondsIn(controller.enteredSplitEndTime()) -
+                                                 tools::secondsIn(controller.enteredSplitStartTime())));
     case 1:
         return u"parts of up to %1 MB"_s.arg(controller.enteredSplitSize());
     default:
@@ -92,9 +90,8 @@ Forecast trackEditForecast(const KXVideoFile &film, const KXSelection &selection
         return reason(u"Add tracks first."_s);
     if (ticked.isEmpty())
         return reason(u"Nothing is ticked."_s);
-    const bool hasVideo = std::any_of(ticked.begin(), ticked.end(), [](const TrackPointer &track) {
-        return selection::isVideo(*track);
-    });
+    const bool hasVideo = std::any_of(ticked.begin(), ticked.end(),
+                                      [](const TrackPointer &track) { return selection::isVideo(*track); });
     if (edit == TrackEdit::Remove && hasVideo)
         return reason(u"The video track can’t be removed: untick it."_s);
     if (const QString refusal = selection::refusalToEdit(selection, edit); !refusal.isNull())
@@ -103,8 +100,9 @@ Forecast trackEditForecast(const KXVideoFile &film, const KXSelection &selection
     if (edit == TrackEdit::Remove)
         return removal(film, own);
     if (edit == TrackEdit::Extract)
-        return {counted(own, u"1 track into a file of its own"_s, u"%1 tracks, each into a file of its own"_s),
-                false};
+        return {
+            counted(own, u"1 track into a file of its own"_s, u"%1 tracks, each into a file of its own"_s),
+            false};
     return {counted(countOf(ticked, true), u"1 track is added to a copy of the film"_s,
                     u"%1 tracks are added to a copy of the film"_s),
             false};

@@ -68,13 +68,9 @@ JobState jobState(const QString &jobStatus, const steps::Outcome &outcome, bool 
 
 QString stateText(JobState state)
 {
-    static const QStringList texts{u"Queued"_s,
-                                   u"Running"_s,
-                                   u"Paused"_s,
-                                   u"Completed"_s,
-                                   u"Completed with warnings"_s,
-                                   u"Failed"_s,
-                                   u"Interrupted"_s};
+    static const QStringList texts{
+        u"Queued"_s, u"Running"_s,    u"Paused"_s, u"Completed"_s, u"Completed with warnings"_s,
+        u"Failed"_s, u"Interrupted"_s};
     return texts.at(static_cast<int>(state));
 }
 

@@ -74,8 +74,8 @@ QString pictureOf(const KXPresetSettings &preset)
 
 QString soundOf(const QString &word, const QString &action, const QString &rate, const QStringList &extras)
 {
-    QString text = action == u"Pass Thru"_s ? word + u" copied"_s
-                                            : u"%1 as %2 %3 kb/s"_s.arg(word, action, rate);
+    QString text =
+        action == u"Pass Thru"_s ? word + u" copied"_s : u"%1 as %2 %3 kb/s"_s.arg(word, action, rate);
     for (const QString &extra : extras)
         text += u", "_s + extra;
     return text;

@@ -21,14 +21,14 @@ namespace {
 const QHash<QString, QString> &codecTexts()
 {
     static const QHash<QString, QString> texts{
-        {u"h264"_s, u"H.264"_s},    {u"hevc"_s, u"HEVC"_s},
-        {u"mpeg4"_s, u"MPEG-4"_s},  {u"mpeg2"_s, u"MPEG-2"_s},
-        {u"eac3"_s, u"E-AC3"_s},    {u"dtshd"_s, u"DTS"_s},
-        {u"dts"_s, u"DTS"_s},       {u"truehd"_s, u"TrueHD"_s},
-        {u"wav"_s, u"PCM"_s},       {u"ogg"_s, u"Vorbis"_s},
-        {u"ttxt"_s, u"Text"_s},     {u"vobsub"_s, u"VobSub"_s},
-        {u"dvbsub"_s, u"DVB"_s},    {u"hdmv_pgs_subtitle"_s, u"PGS"_s},
-        {u"teletext"_s, u"TXT"_s},  {u"dvd_subtitle"_s, u"VobSub"_s},
+        {u"h264"_s, u"H.264"_s},       {u"hevc"_s, u"HEVC"_s},
+        {u"mpeg4"_s, u"MPEG-4"_s},     {u"mpeg2"_s, u"MPEG-2"_s},
+        {u"eac3"_s, u"E-AC3"_s},       {u"dtshd"_s, u"DTS"_s},
+        {u"dts"_s, u"DTS"_s},          {u"truehd"_s, u"TrueHD"_s},
+        {u"wav"_s, u"PCM"_s},          {u"ogg"_s, u"Vorbis"_s},
+        {u"ttxt"_s, u"Text"_s},        {u"vobsub"_s, u"VobSub"_s},
+        {u"dvbsub"_s, u"DVB"_s},       {u"hdmv_pgs_subtitle"_s, u"PGS"_s},
+        {u"teletext"_s, u"TXT"_s},     {u"dvd_subtitle"_s, u"VobSub"_s},
         {u"dvb_subtitle"_s, u"DVB"_s},
     };
     return texts;

@@ -88,7 +88,9 @@ QWidget *ActionBar::words()
 void ActionBar::setShape(bool compact, bool shortWords)
 {
     const bool editsFiles = m_delegate.program().selectionController().currentTab() == u"Edit Files"_s;
-    setFixedHeight(std::max(editsFiles ? fileHeight : compact ? compactHeight : usualHeight,
+    setFixedHeight(std::max(editsFiles ? fileHeight
+                            : compact  ? compactHeight
+                                       : usualHeight,
                             editsFiles ? 0 : fontMetrics().height() * (compact ? 3 : 4) + 4));
     m_commands->setText(shortWords && compact ? QString() : tr("Show Command…"));
     m_commands->setToolTip(tr("What Convert would run"));
@@ -99,8 +101,8 @@ void ActionBar::refresh()
     const KXSelectionController &controller = m_delegate.program().selectionController();
     const bool editsFiles = controller.currentTab() == u"Edit Files"_s;
     m_convert->setVisible(!editsFiles);
-    for (QWidget *line : {static_cast<QWidget *>(m_name), static_cast<QWidget *>(m_rest),
-                          static_cast<QWidget *>(m_sentence)})
+    for (QWidget *line :
+         {static_cast<QWidget *>(m_name), static_cast<QWidget *>(m_rest), static_cast<QWidget *>(m_sentence)})
         line->setVisible(!editsFiles);
     m_mend->hide();
     showFolder();
@@ -108,15 +110,14 @@ void ActionBar::refresh()
         m_commands->setEnabled(false);
         return;
     }
-    const app::ConvertForecast forecast =
-        app::convertForecast(m_delegate.program(), m_delegate.openQueue());
+    const app::ConvertForecast forecast = app::convertForecast(m_delegate.program(), m_delegate.openQueue());
     m_convert->setEnabled(forecast.isReady);
     m_commands->setEnabled(forecast.isReady && !forecast.problem.prevents);
-    m_tips.setReason(m_convert, forecast.isReady ? QString()
-                                : forecast.isOpen
-                                    ? tr("Open a video and tick exactly one video track. %1")
-                                          .arg(forecast.problem.text)
-                                    : tr("Open a video and tick exactly one video track."));
+    m_tips.setReason(m_convert,
+                     forecast.isReady ? QString()
+                     : forecast.isOpen
+                         ? tr("Open a video and tick exactly one video track. %1").arg(forecast.problem.text)
+                         : tr("Open a video and tick exactly one video track."));
     if (forecast.isOpen)
         showForecast(forecast);
     else

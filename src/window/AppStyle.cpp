@@ -121,10 +121,10 @@ void drawButtonLabel(const QStyleOptionButton *option, QPainter *painter)
         option->direction, place, QRect(QPoint(place.x(), place.center().y() - side.height() / 2), side));
     if (!side.isEmpty())
         option->icon.paint(painter, drawing, Qt::AlignCenter, isOn(option) ? QIcon::Normal : QIcon::Disabled);
-    const QRect text = QStyle::visualRect(option->direction, place,
-                                          place.adjusted(side.width() + between, 0, 2, 0));
-    painter->setPen(option->palette.color(isOn(option) ? QPalette::Active : QPalette::Disabled,
-                                          QPalette::ButtonText));
+    const QRect text =
+        QStyle::visualRect(option->direction, place, place.adjusted(side.width() + between, 0, 2, 0));
+    painter->setPen(
+        option->palette.color(isOn(option) ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText));
     painter->drawText(text, flags, option->text);
 }
 
@@ -292,7 +292,8 @@ int AppStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const 
 int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                         QStyleHintReturn *answer) const
 {
-    if (hint == SH_ComboBox_Popup || hint == SH_EtchDisabledText || hint == SH_DialogButtonBox_ButtonsHaveIcons)
+    if (hint == SH_ComboBox_Popup || hint == SH_EtchDisabledText ||
+        hint == SH_DialogButtonBox_ButtonsHaveIcons)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, answer);
 }
@@ -300,7 +301,9 @@ int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidge
 QSize AppStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
                                  const QWidget *widget) const
 {
-    const int least = has(widget, "small") ? smallHeight : has(widget, "primary") ? primaryHeight : controlHeight;
+    const int least = has(widget, "small")     ? smallHeight
+                      : has(widget, "primary") ? primaryHeight
+                                               : controlHeight;
     const int height = std::max(least, contents.height() + space::small);
     switch (type) {
     case CT_PushButton: {
@@ -345,7 +348,8 @@ QRect AppStyle::subControlRect(ComplexControl control, const QStyleOptionComplex
 QRect AppStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
 {
     if (element == SE_CheckBoxIndicator || element == SE_RadioButtonIndicator) {
-        const QRect place(option->rect.x(), option->rect.center().y() - indicator / 2 + 1, indicator, indicator);
+        const QRect place(option->rect.x(), option->rect.center().y() - indicator / 2 + 1, indicator,
+                          indicator);
         return visualRect(option->direction, option->rect, place);
     }
     if (element == SE_CheckBoxContents || element == SE_RadioButtonContents)
@@ -433,8 +437,8 @@ void AppStyle::drawControl(ControlElement element, const QStyleOption *option, Q
     }
 }
 
-void AppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
-                                  const QWidget *widget) const
+void AppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                  QPainter *painter, const QWidget *widget) const
 {
     if (control == CC_ComboBox) {
         if (const auto *combo = qstyleoption_cast<const QStyleOptionComboBox *>(option))

@@ -19,6 +19,7 @@ AudioBox::AudioBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     , m_stereo(named(new QCheckBox(tr("Add a stereo copy")), "AddStereoCheckBox", tr("Add a stereo copy")))
     , m_only(new ElidedLabel(Qt::ElideRight, Role::Second, Type::Second))
     , m_leftOut(new InkLabel({}, Role::Warn, Type::Second))
+    , m_why(named(hint(), "SoundReason", {}))
 {
     m_tracks->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_tracks->setMinimumContentsLength(14);
@@ -27,6 +28,7 @@ AudioBox::AudioBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     addActions();
     column()->addWidget(new OptionCaption(m_stereo, tr("AAC, 160 kb/s")));
     column()->addWidget(m_leftOut);
+    column()->addWidget(m_why);
     tips.bind(m_tracks, "ttMultipleAudioTrackPopUp");
     tips.bind(m_stereo, "ttAddStereoCheckBox");
     connect(m_tracks, &QComboBox::activated, &m_controller,
@@ -122,6 +124,13 @@ void AudioBox::refresh()
                        : hasAudio ? tr("This track will be left out.")
                                   : tr("No audio track is ticked."));
     m_leftOut->setVisible(!m_leftOut->text().isEmpty());
+    QStringList reasons;
+    for (const TrackPointer &track : m_controller.currentSelection()->trackList()) {
+        if (selection::isAudio(*track) && !track->choiceReason().isEmpty())
+            reasons.append(track->choiceReason());
+    }
+    m_why->setText(reasons.join(u' '));
+    m_why->setVisible(!reasons.isEmpty());
 }
 
 } // namespace window

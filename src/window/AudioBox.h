@@ -38,6 +38,7 @@ private:
     ElidedLabel *m_only; ///< the one track, where there is nothing to choose
     OptionCaption *m_passThru = nullptr;
     QLabel *m_leftOut;
+    QLabel *m_why; ///< the reasons of a guess
 };
 
 } // namespace window

@@ -143,7 +143,8 @@ QWidget *EditFilesPanel::listPart()
     m_table->setTextElideMode(Qt::ElideMiddle);
     m_table->setEmptyText(tr("Drag MKV files here. Alt+Up and Alt+Down change their order.\n"
                              "Dropping files again starts a new list."));
-    for (const auto &[keys, by] : {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
+    for (const auto &[keys, by] :
+         {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
         auto *moved = new QShortcut(QKeySequence(keys), m_table, nullptr, nullptr, Qt::WidgetShortcut);
         connect(moved, &QShortcut::activated, this, [this, step = by] { move(step); });
     }
@@ -174,6 +175,7 @@ QWidget *EditFilesPanel::operations()
     auto *area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setMaximumWidth(operationsWidth);
     area->setMinimumWidth(300);
@@ -268,10 +270,9 @@ void EditFilesPanel::refresh()
     qint64 bytes = 0;
     for (const QUrl &file : files)
         bytes += QFileInfo(file.toLocalFile()).size();
-    m_count->setText(files.isEmpty()
-                         ? tr("No files yet")
-                         : (files.size() == 1 ? tr("1 file") : tr("%1 files").arg(files.size())) + u" · "_s +
-                               summary::sizeText(bytes));
+    m_count->setText(files.isEmpty() ? tr("No files yet")
+                                     : (files.size() == 1 ? tr("1 file") : tr("%1 files").arg(files.size())) +
+                                           u" · "_s + summary::sizeText(bytes));
     m_text->setText(m_controller.currentFileText());
     m_removeFile->setEnabled(!files.isEmpty());
     const int kind = m_controller.splitTypeMatrixIndex();

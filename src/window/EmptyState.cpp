@@ -57,8 +57,8 @@ EmptyState::EmptyState(const QString &title, bool hasCards, QWidget *parent)
                               tr("Pick tracks, pick a target, convert one film or many."), tr("Open…"),
                               &EmptyState::openWanted));
         cards->addWidget(card(u"join-files"_s, tr("Whole MKV files"),
-                              tr("Join, split or re-mux them. Nothing is re-encoded."), tr("Go to Edit Files"),
-                              &EmptyState::editFilesWanted));
+                              tr("Join, split or re-mux them. Nothing is re-encoded."),
+                              tr("Go to Edit Files"), &EmptyState::editFilesWanted));
         cards->addWidget(card(u"view-visible"_s, tr("A watched folder"),
                               tr("Every film that arrives in it is converted by your presets."),
                               tr("Watch Folder…"), &EmptyState::watchWanted));

@@ -31,9 +31,8 @@ QList<Badge> badgesOf(const KXVideoFile &film)
             badges.append({fact.text, Role::Second, Role::Groove});
     }
     const TrackList tracks = film.trackList();
-    const auto added = std::count_if(tracks.begin(), tracks.end(), [](const TrackPointer &track) {
-        return track->externalTrackFlag();
-    });
+    const auto added = std::count_if(tracks.begin(), tracks.end(),
+                                     [](const TrackPointer &track) { return track->externalTrackFlag(); });
     if (film.theNumberOfVideoTracks() == u"0"_s)
         badges.append({FilmHeader::tr("no video"), Role::Warn, Role::WarnSoft});
     if (added > 0)

@@ -27,9 +27,10 @@ QString markup(const summary::Sentence &sentence)
     QString text;
     for (const summary::SentencePart &part : sentence) {
         const QString escaped = part.text.toHtmlEscaped();
-        text += part.isValue ? u"<span style='color:%1;font-weight:600'>%2</span>"_s.arg(
-                                   color(Role::Link).name(), escaped)
-                             : escaped;
+        text +=
+            part.isValue
+                ? u"<span style='color:%1;font-weight:600'>%2</span>"_s.arg(color(Role::Link).name(), escaped)
+                : escaped;
     }
     return text;
 }

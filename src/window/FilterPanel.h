@@ -10,8 +10,8 @@ class FilterEditor;
 
 namespace window {
 
-/// What a filter chooses, as the editor has it, in the row of its button while it is edited. It shows only the
-/// fields that its choice needs.
+/// What a filter chooses, as the editor has it, in the row of its button while it is edited. It shows only
+/// the fields that its choice needs.
 class FilterPanel final : public QFrame
 {
     Q_OBJECT

@@ -37,6 +37,7 @@ Inspector::Inspector(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     setObjectName(u"Inspector"_s);
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus); // what stands in it takes the keyboard
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_device->addItems(selection::targetNames());
     auto *content = new QWidget;
@@ -61,9 +62,8 @@ Inspector::Inspector(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     tips.bind(m_presets, "ttPresetSettingsPopUp");
     tips.bind(m_device, "ttDevicePopUp");
     KXPresetsController &presets = delegate.program().presets();
-    connect(m_presets, &QComboBox::activated, this, [this](int index) {
-        m_delegate.program().presets().setSettingMethodIndex(index);
-    });
+    connect(m_presets, &QComboBox::activated, this,
+            [this](int index) { m_delegate.program().presets().setSettingMethodIndex(index); });
     connect(m_device, &QComboBox::activated, this, [this] {
         m_delegate.program().selectionController().byHand(&KXSelectionController::setMp4Device,
                                                           m_device->currentText());

@@ -94,8 +94,8 @@ QString resultText(const QModelIndex &index)
 QString secondLine(const QModelIndex &index)
 {
     const QModelIndex job = index.siblingAtColumn(JobModel::Type);
-    QString text = u"%1 · %2"_s.arg(job.data().toString(),
-                                    index.siblingAtColumn(JobModel::Status).data().toString());
+    QString text =
+        u"%1 · %2"_s.arg(job.data().toString(), index.siblingAtColumn(JobModel::Status).data().toString());
     const auto outputs = index.data(JobModel::OutputsRole).value<QList<QUrl>>();
     if (!outputs.isEmpty())
         text = outputs.constFirst().fileName() + u" · "_s + text;
@@ -179,8 +179,8 @@ void drawButtons(QPainter *painter, const QStyleOptionViewItem &option, const QM
     painter->setFont(fontOf(Type::Second));
     for (qsizetype i = 0; i < verbs.size(); ++i) {
         const QRect place = places.at(i);
-        paintIcon(*painter, {place.x() + space::tiny, place.y() + 5, 14, 14}, JobDelegate::iconOf(verbs.at(i)),
-                  color(Role::Link));
+        paintIcon(*painter, {place.x() + space::tiny, place.y() + 5, 14, 14},
+                  JobDelegate::iconOf(verbs.at(i)), color(Role::Link));
         painter->setPen(color(Role::Link));
         painter->drawText(place.adjusted(14 + 2 * space::tiny, 0, 0, 0), Qt::AlignVCenter,
                           JobDelegate::titleOf(verbs.at(i)));
@@ -210,7 +210,8 @@ void drawStep(QPainter *painter, const QStyleOptionViewItem &option, const QMode
     const bool isComplete = progress == u"Complete"_s;
     const QRect place = option.rect.adjusted(bodyLeft + space::small, 0, -space::middle, 0);
     paintIcon(*painter, {place.x(), place.center().y() - 6, 12, 12},
-              isComplete ? u"dialog-ok"_s : u"media-playback-start"_s, color(isComplete ? Role::Ok : Role::Link));
+              isComplete ? u"dialog-ok"_s : u"media-playback-start"_s,
+              color(isComplete ? Role::Ok : Role::Link));
     painter->setFont(fontOf(Type::Second));
     painter->setPen(color(Role::Text));
     const QRect words = place.adjusted(18, 0, 0, 0);

@@ -80,7 +80,8 @@ void MainMenu::addWindowCommands()
 {
     QMenu *menu = m_window.menuBar()->actions().constFirst()->menu();
     addCommand(menu, tr("&MKV"), QKeySequence(Qt::CTRL | Qt::Key_1), [this] { m_commands.showTab(0); });
-    addCommand(menu, tr("&Edit Files"), QKeySequence(Qt::CTRL | Qt::Key_2), [this] { m_commands.showTab(1); });
+    addCommand(menu, tr("&Edit Files"), QKeySequence(Qt::CTRL | Qt::Key_2),
+               [this] { m_commands.showTab(1); });
     addCommand(menu, tr("&Watch Folder…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
                m_commands.watchFolder);
     addCommand(menu, tr("P&revious Film"), QKeySequence(Qt::CTRL | Qt::Key_PageUp),

@@ -177,9 +177,8 @@ void MainWindow::connectParts()
     };
     connect(&program.queue(), &KXQueueController::drawerWanted, this, wantDrawer);
     connect(&program.watchMode(), &KXWatchModeController::drawerWanted, this, wantDrawer);
-    connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, this, [this, wantDrawer] {
-        wantDrawer(!m_delegate.program().queue().qJobList().isEmpty());
-    });
+    connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, this,
+            [this, wantDrawer] { wantDrawer(!m_delegate.program().queue().qJobList().isEmpty()); });
     connect(&m_delegate.queueWatch(), &app::QueueWatch::queueEnded, m_strip->line(), &StatusLine::say);
     connect(&m_preferences, &KXPreferencesController::panelWanted, this, [this](bool open) {
         if (open)
@@ -225,11 +224,12 @@ void MainWindow::connectAreas()
     });
     connect(m_drawer, &QueueDrawer::refused, this,
             [this](const QString &reason) { say(MessageBar::Kind::Warning, reason); });
-    connect(m_drawer, &QueueDrawer::detailsWanted, this, [this](const QString &title, const QStringList &lines) {
-        auto *sheet = new TextSheet(title, tr("What became of every track of the source:"),
-                                    lines.join(u'\n'), TextSheet::Letters::Plain, this);
-        sheet->open();
-    });
+    connect(m_drawer, &QueueDrawer::detailsWanted, this,
+            [this](const QString &title, const QStringList &lines) {
+                auto *sheet = new TextSheet(title, tr("What became of every track of the source:"),
+                                            lines.join(u'\n'), TextSheet::Letters::Plain, this);
+                sheet->open();
+            });
     for (KXDropScrollView *table : {m_tracks->table(), m_editFiles->table()}) {
         connect(table, &KXDropScrollView::dragged, this, &MainWindow::showDrag);
         connect(table, &KXDropScrollView::dragLeft, this, &MainWindow::endDrag);
@@ -458,8 +458,8 @@ void MainWindow::showDrag(const QList<QUrl> &files)
     const KXSelectionController &controller = m_delegate.program().selectionController();
     const bool isOpen = !controller.currentVideoFile()->trackList().isEmpty();
     const QString name = controller.currentVideoFile()->theFileName();
-    const QString words = files.isEmpty()                 ? tr("Folders can’t be opened")
-                          : isOpen && isAddition(files)   ? tr("Drop to add · to %1").arg(name)
+    const QString words = files.isEmpty()               ? tr("Folders can’t be opened")
+                          : isOpen && isAddition(files) ? tr("Drop to add · to %1").arg(name)
                           : m_delegate.openQueue().openFileCount() > 0
                               ? tr("Drop to open · replaces the Open Files list")
                               : tr("Drop to open");
@@ -501,7 +501,7 @@ void MainWindow::dropEvent(QDropEvent *event)
 /// From area to area, to the first control of each that takes the keyboard.
 void MainWindow::walkAreas(bool forward)
 {
-    const QList<QWidget *> areas{m_tools,   m_bars,      m_openFiles, m_tracks, m_empty,
+    const QList<QWidget *> areas{m_tools,     m_bars,      m_openFiles, m_tracks, m_empty,
                                  m_editFiles, m_inspector, m_actions,   m_drawer, m_strip};
     const QWidget *focused = focusWidget();
     qsizetype at = forward ? -1 : areas.size();
@@ -530,7 +530,8 @@ void MainWindow::restorePlace()
     const QRect place(numbers.at(0).toInt(), numbers.at(1).toInt(), numbers.at(2).toInt(),
                       numbers.at(3).toInt());
     const QScreen *screen = QGuiApplication::screenAt(place.center());
-    if (screen != nullptr && place.width() >= smallestWindow.width() && screen->geometry().intersects(place)) {
+    if (screen != nullptr && place.width() >= smallestWindow.width() &&
+        screen->geometry().intersects(place)) {
         resize(place.size());
         move(place.topLeft());
     }

@@ -85,17 +85,17 @@ private:
         const QRect words = row.adjusted(68, 8, -8, -8);
         painter->setFont(fontOf(isCurrent ? Type::Head : Type::Body));
         painter->setPen(color(Role::Text));
-        painter->drawText(words, Qt::AlignTop | Qt::AlignLeft,
-                          painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideMiddle,
-                                                            words.width()));
+        painter->drawText(
+            words, Qt::AlignTop | Qt::AlignLeft,
+            painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideMiddle, words.width()));
         const QRect mark(words.x(), words.bottom() - 14, 14, 14);
         paintMark(painter, mark, index, false);
         painter->setFont(fontOf(Type::Second));
         painter->setPen(color(index.data(Ready).toBool() ? Role::Second : Role::Warn));
         const QRect state = words.adjusted(18, 0, 0, 2);
-        painter->drawText(state, Qt::AlignBottom | Qt::AlignLeft,
-                          painter->fontMetrics().elidedText(index.data(State).toString(), Qt::ElideRight,
-                                                            state.width()));
+        painter->drawText(
+            state, Qt::AlignBottom | Qt::AlignLeft,
+            painter->fontMetrics().elidedText(index.data(State).toString(), Qt::ElideRight, state.width()));
     }
 };
 
@@ -187,8 +187,7 @@ void OpenFilesList::refreshStates()
     const QSignalBlocker quiet(m_list);
     const QList<OpenedFile> &entries = m_delegate.openQueue().entries();
     for (int row = 0; row < m_list->count() && row < entries.size(); ++row) {
-        const app::FilmState state =
-            app::filmState(m_delegate.program(), m_delegate.openQueue(), row);
+        const app::FilmState state = app::filmState(m_delegate.program(), m_delegate.openQueue(), row);
         QListWidgetItem *item = m_list->item(row);
         item->setData(Ready, state.isReady);
         item->setData(State, state.text);

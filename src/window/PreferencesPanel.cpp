@@ -132,9 +132,10 @@ void PreferencesPanel::addConversion()
         checkBox(tr("Add &padding to MP4 files"), "PrefAddPaddingButton", "metadataPaddingFlag");
     QLabel *noPadding = hint();
     pane->addWidget(headLabel(tr("MP4 files")));
-    addSwitch(pane, checkBox(tr("&Optimize MP4 files for streaming"), "PrefOptimizeStreamingButton",
-                             "moovInFrontFlag"),
-              hint(tr("They can be played before they are loaded completely.")));
+    addSwitch(
+        pane,
+        checkBox(tr("&Optimize MP4 files for streaming"), "PrefOptimizeStreamingButton", "moovInFrontFlag"),
+        hint(tr("They can be played before they are loaded completely.")));
     addSwitch(pane, padding, hint(tr("Leaves room for tags.")));
     pane->addWidget(noPadding);
     pane->addSpacing(space::small);

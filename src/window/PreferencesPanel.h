@@ -17,8 +17,8 @@ namespace window {
 class ToolList;
 class ToolTipBinder;
 
-/// The preferences panel: a pane for each of its subjects. What is entered waits in its controller for OK; only the tool tips switch at once.
-/// It is deleted when it closes.
+/// The preferences panel: a pane for each of its subjects. What is entered waits in its controller for OK;
+/// only the tool tips switch at once. It is deleted when it closes.
 class PreferencesPanel final : public QDialog
 {
     Q_OBJECT

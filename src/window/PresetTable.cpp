@@ -46,9 +46,9 @@ public:
         }
         painter->setPen(color(Role::Text));
         painter->setFont(fontOf(Type::Body));
-        painter->drawText(words, Qt::AlignVCenter,
-                          painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight,
-                                                            words.width()));
+        painter->drawText(
+            words, Qt::AlignVCenter,
+            painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
         painter->restore();
     }
 };

@@ -125,7 +125,8 @@ void QueueDrawer::setUpTable()
     connect(m_jobs, &QTreeView::customContextMenuRequested, this, &QueueDrawer::showMenu);
     connect(m_jobs->verticalScrollBar(), &QScrollBar::actionTriggered, this,
             [this] { m_scrolledByHand.start(); });
-    for (const auto &[keys, by] : {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
+    for (const auto &[keys, by] :
+         {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
         auto *moved = new QShortcut(QKeySequence(keys), m_jobs, nullptr, nullptr, Qt::WidgetShortcut);
         connect(moved, &QShortcut::activated, this, [this, step = by] { moveSelected(step); });
     }

@@ -21,7 +21,9 @@ Segments::Segments(const char *word, const QStringList &titles, QWidget *parent)
         button->setObjectName(u"%1%2"_s.arg(objectName()).arg(i));
         button->setCheckable(true);
         button->setAutoDefault(false);
-        button->setProperty("segment", i == 0 ? u"first"_s : i + 1 == titles.size() ? u"last"_s : u"middle"_s);
+        button->setProperty("segment", i == 0                   ? u"first"_s
+                                       : i + 1 == titles.size() ? u"last"_s
+                                                                : u"middle"_s);
         m_group->addButton(button, i);
         layout->addWidget(button);
     }

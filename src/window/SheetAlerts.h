@@ -12,8 +12,9 @@ class QWidget;
 
 namespace window {
 
-/// Shows questions as sheets of a window, one after the other, and hands messages that ask nothing on to bars. Alerts that close themselves say
-/// so; Escape closes such an alert and all alike that wait. Owned by the program; it outlives the windows.
+/// Shows questions as sheets of a window, one after the other, and hands messages that ask nothing on to
+/// bars. Alerts that close themselves say so; Escape closes such an alert and all alike that wait. Owned by
+/// the program; it outlives the windows.
 class SheetAlerts final : public QObject, public platform::AlertPresenter
 {
     Q_OBJECT

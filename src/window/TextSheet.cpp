@@ -2,8 +2,8 @@
 
 #include "window/Controls.h"
 
-#include <QGuiApplication>
 #include <QClipboard>
+#include <QGuiApplication>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 

@@ -179,7 +179,8 @@ QFont fontOf(Type type)
         font.setPixelSize(static_cast<int>(std::lround(font.pixelSize() * factor)));
     else
         font.setPointSizeF(font.pointSizeF() * factor);
-    const bool isBold = type == Type::Title || type == Type::Pane || type == Type::Head || type == Type::Badge;
+    const bool isBold =
+        type == Type::Title || type == Type::Pane || type == Type::Head || type == Type::Badge;
     font.setWeight(isBold ? QFont::DemiBold : QFont::Normal);
     return font;
 }

@@ -18,10 +18,23 @@ bool isSwitchedOff = false;
 
 QStringList argumentsFor(const QUrl &film, double seconds)
 {
-    return {u"-nostdin"_s, u"-v"_s,     u"error"_s,     u"-ss"_s,   QString::number(seconds * place, 'f', 2),
-            u"-i"_s,       u"file:"_s + film.toLocalFile(), u"-an"_s,   u"-frames:v"_s,
-            u"1"_s,        u"-vf"_s,    u"scale=256:-2"_s, u"-f"_s, u"image2pipe"_s,
-            u"-c:v"_s,     u"png"_s,    u"-"_s};
+    return {u"-nostdin"_s,
+            u"-v"_s,
+            u"error"_s,
+            u"-ss"_s,
+            QString::number(seconds * place, 'f', 2),
+            u"-i"_s,
+            u"file:"_s + film.toLocalFile(),
+            u"-an"_s,
+            u"-frames:v"_s,
+            u"1"_s,
+            u"-vf"_s,
+            u"scale=256:-2"_s,
+            u"-f"_s,
+            u"image2pipe"_s,
+            u"-c:v"_s,
+            u"png"_s,
+            u"-"_s};
 }
 
 } // namespace
@@ -104,13 +117,13 @@ void paintThumbnail(QPainter &painter, const QRect &rect, const QImage &picture)
         return;
     }
     const double ratio = painter.device()->devicePixelRatioF();
-    QImage scaled = picture.scaled((QSizeF(rect.size()) * ratio).toSize(), Qt::KeepAspectRatio,
-                                   Qt::SmoothTransformation);
+    QImage scaled =
+        picture.scaled((QSizeF(rect.size()) * ratio).toSize(), Qt::KeepAspectRatio, Qt::SmoothTransformation);
     scaled.setDevicePixelRatio(ratio);
     const QSizeF size = scaled.deviceIndependentSize();
-    painter.drawImage(QPointF(rect.x() + (rect.width() - size.width()) / 2,
-                              rect.y() + (rect.height() - size.height()) / 2),
-                      scaled);
+    painter.drawImage(
+        QPointF(rect.x() + (rect.width() - size.width()) / 2, rect.y() + (rect.height() - size.height()) / 2),
+        scaled);
 }
 
 } // namespace window

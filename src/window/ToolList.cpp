@@ -48,13 +48,12 @@ void ToolList::showReports()
                                       works ? Role::Second : Role::Warn, Type::Second);
         place->setText(works ? report.location.toLocalFile()
                              : prefs::describe(report.state) + u": "_s + report.switchesOff);
-        m_grid->addWidget(iconLabel(works ? u"emblem-ok"_s : u"dialog-warning"_s,
-                                    works ? Role::Ok : Role::Warn),
-                          row, 0);
+        m_grid->addWidget(
+            iconLabel(works ? u"emblem-ok"_s : u"dialog-warning"_s, works ? Role::Ok : Role::Warn), row, 0);
         m_grid->addWidget(new InkLabel(report.name), row, 1);
-        m_grid->addWidget(new InkLabel(report.version.isEmpty() ? u"–"_s : report.version, Role::Second,
-                                       Type::Second),
-                          row, 2);
+        m_grid->addWidget(
+            new InkLabel(report.version.isEmpty() ? u"–"_s : report.version, Role::Second, Type::Second), row,
+            2);
         m_grid->addWidget(place, row, 3);
         ++row;
     }

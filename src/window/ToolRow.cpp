@@ -17,7 +17,8 @@ constexpr int toolRowHeight = 44;
 
 ToolRow::ToolRow(const QStringList &tabs, ToolTipBinder &tips, QWidget *parent)
     : QToolBar(parent)
-    , m_open(named(new QPushButton(icon(u"folder-open"_s), tr("Open…")), "OpenButton", tr("Open video files")))
+    , m_open(
+          named(new QPushButton(icon(u"folder-open"_s), tr("Open…")), "OpenButton", tr("Open video files")))
     , m_openFiles(named(new QPushButton(icon(u"open-files"_s), tr("Open Files")), "OpenFilesQueueButton",
                         tr("List of open files")))
     , m_tabs(named(new QTabBar, "Tabs", tr("What to do")))

@@ -68,7 +68,8 @@ void paintGround(QPainter *painter, const QStyleOptionViewItem &option)
 void paintTick(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index)
 {
     QStyleOptionViewItem box = option;
-    box.rect = QRect(option.rect.x() + 10, option.rect.center().y() - pictureSide / 2, pictureSide, pictureSide);
+    box.rect =
+        QRect(option.rect.x() + 10, option.rect.center().y() - pictureSide / 2, pictureSide, pictureSide);
     box.state.setFlag(QStyle::State_On, index.data(Qt::CheckStateRole).toInt() == Qt::Checked);
     box.state.setFlag(QStyle::State_Off, index.data(Qt::CheckStateRole).toInt() != Qt::Checked);
     box.state.setFlag(QStyle::State_HasFocus, false);
@@ -82,11 +83,13 @@ void paintKind(QPainter *painter, const QStyleOptionViewItem &option, const QMod
     const int middle = option.rect.center().y();
     const int right = option.rect.right() - space::tiny;
     int x = option.rect.x() + TrackDelegate::tickWidth + space::small;
-    paintIcon(*painter, {x, middle - pictureSide / 2 + 1, pictureSide, pictureSide}, look.icon, color(look.ink));
+    paintIcon(*painter, {x, middle - pictureSide / 2 + 1, pictureSide, pictureSide}, look.icon,
+              color(look.ink));
     x += pictureSide + 6;
     painter->setPen(inkOf(option, index));
     painter->setFont(fontOf(Type::Body));
-    painter->drawText(QRect(x, option.rect.y(), right - x, option.rect.height()), Qt::AlignVCenter, look.word);
+    painter->drawText(QRect(x, option.rect.y(), right - x, option.rect.height()), Qt::AlignVCenter,
+                      look.word);
     x += painter->fontMetrics().horizontalAdvance(look.word) + 6;
     const auto badge = [&](const QString &text, Role ink, Role ground) {
         if (!text.isEmpty() && x + badgeWidth(text) <= right)
@@ -107,14 +110,16 @@ void paintText(QPainter *painter, const QStyleOptionViewItem &option, const QMod
 {
     QRect words = option.rect.adjusted(space::small, 0, -space::tiny, 0);
     if (isLively(option)) {
-        const QRect place(words.right() - editMark - 2, words.center().y() - editMark / 2, editMark, editMark);
+        const QRect place(words.right() - editMark - 2, words.center().y() - editMark / 2, editMark,
+                          editMark);
         paintIcon(*painter, place, mark, color(Role::Second));
         words.setRight(place.left() - space::tiny);
     }
     painter->setFont(fontOf(Type::Body));
     painter->setPen(inkOf(option, index));
-    painter->drawText(words, Qt::AlignVCenter,
-                      painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
+    painter->drawText(
+        words, Qt::AlignVCenter,
+        painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
 }
 
 void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -140,8 +145,9 @@ void paintBecomes(QPainter *painter, const QStyleOptionViewItem &option, const Q
     }
     painter->setFont(fontOf(Type::Second));
     painter->setPen(color(tones.at(tone)));
-    painter->drawText(words, Qt::AlignVCenter,
-                      painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
+    painter->drawText(
+        words, Qt::AlignVCenter,
+        painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
 }
 
 } // namespace
@@ -152,7 +158,8 @@ QSize TrackDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIn
     return {base.width(), std::max(rowHeight, option.fontMetrics.height() + space::large)};
 }
 
-void TrackDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void TrackDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const
 {
     painter->save();
     painter->setClipRect(option.rect);

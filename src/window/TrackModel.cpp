@@ -178,7 +178,8 @@ QVariant TrackModel::headerData(int section, Qt::Orientation orientation, int ro
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    const QStringList titles{tr("Track"), tr("Language"), tr("Title"), tr("Default"), tr("Forced"), tr("Becomes")};
+    const QStringList titles{tr("Track"),   tr("Language"), tr("Title"),
+                             tr("Default"), tr("Forced"),   tr("Becomes")};
     return titles.value(section);
 }
 

@@ -66,9 +66,8 @@ TracksPane::TracksPane(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pa
     m_switch->hide();
     connect(m_switch, &Segments::chosen, m_pages, &QStackedWidget::setCurrentIndex);
     KXPresetsController &presets = delegate.program().presets();
-    connect(m_presets, &QComboBox::activated, this, [this](int index) {
-        m_delegate.program().presets().setSelectionMethodIndex(index);
-    });
+    connect(m_presets, &QComboBox::activated, this,
+            [this](int index) { m_delegate.program().presets().setSelectionMethodIndex(index); });
     connect(m_editPresets, &QPushButton::clicked, this, &TracksPane::presetsSheetWanted);
     connect(&presets, &KXPresetsController::listsChanged, this, &TracksPane::refreshPresets);
     connect(&presets, &KXPresetsController::methodsChanged, this, &TracksPane::refreshPresets);
@@ -97,15 +96,16 @@ QWidget *TracksPane::bar()
     m_presetLabel->setTextFormat(Qt::AutoText);
     m_presets->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_presets->setMinimumContentsLength(10);
-    QWidget *row = rowOf({m_head, m_switch,
-                          toggle(tr("Video"), u"video-x-generic"_s, "ToggleVideoButton", "ttToggleVideoButton",
-                                 tr("Tick all video tracks"), 0, &KXSelectionController::toggleAllVideo),
-                          toggle(tr("Audio"), u"audio-x-generic"_s, "ToggleAudioButton", "ttToggleAudioButton",
-                                 tr("Tick all audio tracks"), 1, &KXSelectionController::toggleAllAudio),
-                          toggle(tr("Subtitles"), u"media-view-subtitles-symbolic"_s, "ToggleSubtitleButton",
-                                 "ttToggleSubtitleButton", tr("Tick all subtitle tracks"), 2,
-                                 &KXSelectionController::toggleAllSubtitle),
-                          nullptr, m_presetLabel, m_presets, m_editPresets});
+    QWidget *row =
+        rowOf({m_head, m_switch,
+               toggle(tr("Video"), u"video-x-generic"_s, "ToggleVideoButton", "ttToggleVideoButton",
+                      tr("Tick all video tracks"), 0, &KXSelectionController::toggleAllVideo),
+               toggle(tr("Audio"), u"audio-x-generic"_s, "ToggleAudioButton", "ttToggleAudioButton",
+                      tr("Tick all audio tracks"), 1, &KXSelectionController::toggleAllAudio),
+               toggle(tr("Subtitles"), u"media-view-subtitles-symbolic"_s, "ToggleSubtitleButton",
+                      "ttToggleSubtitleButton", tr("Tick all subtitle tracks"), 2,
+                      &KXSelectionController::toggleAllSubtitle),
+               nullptr, m_presetLabel, m_presets, m_editPresets});
     row->setFixedHeight(barRow);
     return row;
 }

@@ -5,6 +5,7 @@
 #include "window/RadioMatrix.h"
 #include "window/ToolTipBinder.h"
 
+#include <QMenu>
 #include <QRadioButton>
 #include <QStyle>
 
@@ -21,7 +22,10 @@ VideoBox::VideoBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     , m_bitRate(named(new IntegerField, "VidBitRateField", tr("Video bit rate in kb/s")))
     , m_width(named(new IntegerField, "ResWidthField", tr("Width in pixels")))
     , m_noNumber(new InkLabel(tr("This is no number: 0 is used."), Role::Bad, Type::Second))
+    , m_guess(named(smallButton(tr("Best guess")), "BestGuessButton", tr("Best guess")))
+    , m_why(named(hint(), "PictureReason", {}))
 {
+    addGuess();
     const QStringList meanings{tr("copied as it is"), tr("re-encoded, faster"), tr("re-encoded, better")};
     m_video->hide();
     m_video->setParent(this); // its options stand in rows of their own
@@ -31,6 +35,7 @@ VideoBox::VideoBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     }
     column()->addWidget(numbers());
     column()->addWidget(m_noNumber);
+    column()->addWidget(m_why);
     tips.bind(m_video, "ttTheVideoMatrix");
     tips.bind(m_bitRate, "ttVidBitRateField");
     tips.bind(m_width, "ttResWidthField");
@@ -39,6 +44,28 @@ VideoBox::VideoBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     connect(m_bitRate, &QLineEdit::editingFinished, this, &VideoBox::commitNumbers);
     connect(m_width, &QLineEdit::editingFinished, this, &VideoBox::commitNumbers);
     refresh();
+}
+
+void VideoBox::addGuess()
+{
+    auto *menu = new QMenu(m_guess);
+    connect(menu->addAction(tr("For quality")), &QAction::triggered, this,
+            [this] { guess(selection::Aim::Quality); });
+    connect(menu->addAction(tr("For speed")), &QAction::triggered, this,
+            [this] { guess(selection::Aim::Speed); });
+    m_guess->setProperty("flat", true);
+    m_guess->setFlat(true);
+    connect(m_guess, &QPushButton::clicked, this,
+            [this, menu] { menu->popup(m_guess->mapToGlobal(QPoint(0, m_guess->height()))); });
+    addToHead(m_guess);
+}
+
+void VideoBox::guess(selection::Aim aim)
+{
+    const auto guessed =
+        selection::bestGuess(*m_controller.currentSelection(), m_controller.mp4Device(), aim);
+    if (guessed)
+        m_controller.takeGuess(*guessed);
 }
 
 QWidget *VideoBox::numbers()
@@ -88,6 +115,16 @@ void VideoBox::refresh()
     m_captions.constFirst()->setFault(red ? tr("burning needs re-encoding") : QString());
     m_tips.setReason(m_video->option(0),
                      red ? tr("Burning a subtitle needs the video to be re-encoded.") : QString());
+    const QString noGuess = selection::refusalToGuess(m_controller.mp4Device());
+    m_guess->setEnabled(can && noGuess.isNull());
+    m_tips.setReason(m_guess, noGuess);
+    QString why;
+    for (const TrackPointer &track : m_controller.currentSelection()->trackList()) {
+        if (selection::isVideo(*track))
+            why = track->choiceReason();
+    }
+    m_why->setText(why);
+    m_why->setVisible(!why.isEmpty());
     showNumber(m_bitRate, m_controller.enteredUserVideoBitRate(), m_controller.userBitRateOK() || !can);
     showNumber(m_width, m_controller.enteredUserWidth(), m_controller.userWidthOK() || !can);
     m_noNumber->setVisible(can && m_controller.videoMatrixIndex() != 0 &&

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "selection/BestGuess.h"
 #include "window/Section.h"
 
 class KXSelectionController;
@@ -22,6 +23,8 @@ public:
 
 private:
     QWidget *numbers();
+    void addGuess();
+    void guess(selection::Aim aim);
     void commitNumbers();
     void showNumber(IntegerField *field, const QString &text, bool counts);
 
@@ -32,6 +35,8 @@ private:
     IntegerField *m_bitRate;
     IntegerField *m_width;
     QLabel *m_noNumber;
+    QPushButton *m_guess;
+    QLabel *m_why; ///< the reason of a guess
 };
 
 } // namespace window

@@ -30,8 +30,7 @@ WatchPopover::WatchPopover(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget
     , m_settings(named(new QComboBox, "WatchSettingsPreset", tr("Preset for settings")))
     , m_mark(iconLabel(u"dialog-warning"_s, Role::Warn))
     , m_reason(named(new InkLabel({}, Role::Second, Type::Second), "WatchReason", {}))
-    , m_start(
-          named(primaryButton(tr("Watch")), "StartWatchingFolderButton", tr("Start watching the folder")))
+    , m_start(named(primaryButton(tr("Watch")), "StartWatchingFolderButton", tr("Start watching the folder")))
 {
     setObjectName(u"WatchPopover"_s);
     setFrameStyle(QFrame::StyledPanel);
@@ -66,12 +65,14 @@ void WatchPopover::buildRows()
     auto *grid = new QGridLayout(this);
     grid->setContentsMargins(space::large, space::large, space::large, space::large);
     grid->setSpacing(space::small);
-    grid->addWidget(rowOf({iconLabel(u"view-visible"_s, Role::Link), headLabel(tr("Watch a folder")), nullptr}),
-                    0, 0, 1, 3);
-    grid->addWidget(hint(tr("Every film that arrives in it, or in a folder inside it, is converted by the two "
-                            "presets as soon as it has stopped growing. Films that are there already stay as "
-                            "they are.")),
-                    1, 0, 1, 3);
+    grid->addWidget(
+        rowOf({iconLabel(u"view-visible"_s, Role::Link), headLabel(tr("Watch a folder")), nullptr}), 0, 0, 1,
+        3);
+    grid->addWidget(
+        hint(tr("Every film that arrives in it, or in a folder inside it, is converted by the two "
+                "presets as soon as it has stopped growing. Films that are there already stay as "
+                "they are.")),
+        1, 0, 1, 3);
     const auto label = [](const QString &text) {
         auto *made = new InkLabel(text, Role::Second);
         made->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -115,10 +116,10 @@ void WatchPopover::refresh()
     m_start->setEnabled(refusal.isNull());
     m_tips.setReason(m_start, refusal);
     const bool extracts = app::jobTypeFor(presets) == u"MKV Track Extraction"_s;
-    m_reason->setText(!refusal.isNull() ? refusal
-                      : extracts        ? tr("Each chosen track becomes a file of its own.")
-                                        : tr("Becomes %1").arg(summary::targetText(
-                                              program.selectionController().mp4Device())));
+    m_reason->setText(
+        !refusal.isNull() ? refusal
+        : extracts        ? tr("Each chosen track becomes a file of its own.")
+                   : tr("Becomes %1").arg(summary::targetText(program.selectionController().mp4Device())));
     m_reason->setInk(refusal.isNull() ? Role::Second : Role::Warn);
     m_mark->setVisible(!refusal.isNull());
 }

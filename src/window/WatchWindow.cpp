@@ -75,9 +75,9 @@ public:
         const QString text = index.data(TextOfLine).toString();
         const qsizetype colon = text.indexOf(u": "_s);
         if (colon > 0) {
-            painter->drawText(words.adjusted(0, words.height() / 2, 0, 0), Qt::AlignTop,
-                              painter->fontMetrics().elidedText(text.mid(colon + 2), Qt::ElideMiddle,
-                                                                words.width()));
+            painter->drawText(
+                words.adjusted(0, words.height() / 2, 0, 0), Qt::AlignTop,
+                painter->fontMetrics().elidedText(text.mid(colon + 2), Qt::ElideMiddle, words.width()));
             words.setBottom(words.center().y());
             painter->setFont(fontOf(Type::Head));
             painter->setPen(color(Role::Text));
@@ -172,7 +172,8 @@ WatchWindow::~WatchWindow() = default;
 
 QWidget *WatchWindow::stateBar()
 {
-    auto *stop = named(new QPushButton(tr("Stop Watching")), "EndWatchingButton", tr("Stop watching the folder"));
+    auto *stop =
+        named(new QPushButton(tr("Stop Watching")), "EndWatchingButton", tr("Stop watching the folder"));
     stop->setMinimumHeight(primaryHeight);
     connect(stop, &QPushButton::clicked, &m_delegate.watchSession(), &app::WatchSession::end);
     auto *words = new QVBoxLayout;
@@ -257,9 +258,9 @@ void WatchWindow::refresh()
     app::Program &program = m_delegate.program();
     m_folder->setText(program.watchMode().watchFolderPath());
     const KXPresetsController &presets = program.presets();
-    m_presets->setText(
-        tr("by %1 · %2").arg(presets.presetSelectionsNamesList().value(presets.selectionMethodIndex()),
-                             presets.presetSettingsNamesList().value(presets.settingMethodIndex())));
+    m_presets->setText(tr("by %1 · %2")
+                           .arg(presets.presetSelectionsNamesList().value(presets.selectionMethodIndex()),
+                                presets.presetSettingsNamesList().value(presets.settingMethodIndex())));
     m_place->setText(app::resultFolderIsChosen(program) ? tr("Into %1").arg(app::resultFolder(program, {}))
                                                         : tr("Into the folder of each film"));
     refreshState();

@@ -1,7 +1,7 @@
 // What the window says before and after a job is what happens.
+#include "selection/SizeEstimate.h"
 #include "support/CliFixture.h"
 #include "support/Clips.h"
-#include "selection/SizeEstimate.h"
 #include "support/TestMain.h"
 #include "window/QueueDriver.h"
 
@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QLabel>
+#include <QListWidget>
+#include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
 
@@ -138,8 +140,36 @@ private Q_SLOTS:
         QCOMPARE(dragOver({m_fixture->path(u"folder"_s)}), u"Folders can’t be opened"_s);
         QVERIFY(m_fixture->open({m_fixture->path(u"a.mkv"_s)}));
         QCOMPARE(dragOver({m_fixture->film(support::srtFile(), u"s.srt"_s)}), u"Drop to add · to a.mkv"_s);
-        QCOMPARE(dragOver({m_fixture->path(u"a.mkv"_s)}),
-                 u"Drop to open · replaces the Open Files list"_s);
+        QCOMPARE(dragOver({m_fixture->path(u"a.mkv"_s)}), u"Drop to open · replaces the Open Files list"_s);
+    }
+
+    void aGuessSaysWhyUntilSomethingIsChosenByHand()
+    {
+        openTicked({u"h264"_s, u"dts"_s});
+        QVERIFY(!m_fixture->isEnabled("BestGuessButton")); // "General" promises nothing
+        m_fixture->pick("DevicePopUp", u"iPad (3 and Later)"_s);
+        QTRY_VERIFY(m_fixture->isEnabled("BestGuessButton"));
+        m_fixture->find<QWidget>("BestGuessButton")->findChild<QMenu *>()->actions().constFirst()->trigger();
+        QTRY_VERIFY(!text("PictureReason").isEmpty());
+        QVERIFY(!text("SoundReason").isEmpty());
+        choose(*m_fixture, "TheVideoMatrix1");
+        QTRY_VERIFY(text("PictureReason").isEmpty() && text("SoundReason").isEmpty());
+    }
+
+    void filmsThatStayAreNamedWithTheReason()
+    {
+        QVERIFY(m_fixture->open({m_fixture->film(support::fullMkv(), u"1.mkv"_s),
+                                 m_fixture->film(support::fullMkv(), u"2.mkv"_s),
+                                 m_fixture->film(support::fullMkv(), u"3.mkv"_s)}));
+        choose(*m_fixture, "OpenFilesQueuePanelMatrix1");
+        tickCell(*m_fixture, 0);
+        m_fixture->delegate().openQueue().select(1);
+        QTest::qWait(50);
+        tickCell(*m_fixture, 0);
+        QTRY_VERIFY(text("ResultSize").contains(u"and 1 more film. 3.mkv stays open: no video ticked."_s));
+        const auto *list = m_fixture->find<QListWidget>("OpenFilesQueuePanelTable");
+        QTRY_VERIFY(list->item(2)->data(Qt::AccessibleTextRole).toString().contains(u"No video ticked"_s));
+        QVERIFY(list->item(0)->data(Qt::AccessibleTextRole).toString().contains(u"Ready"_s));
     }
 
     void detailsNameEveryTrackOfTheSource()

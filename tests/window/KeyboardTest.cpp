@@ -28,11 +28,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("tab");
         QTest::addColumn<QStringList>("inOrder");
-        QTest::newRow("MKV") << 0
-                             << QStringList{u"OpenButton"_s,       u"Tabs"_s,
-                                            u"OpenFilesQueuePanelTable"_s, u"PresetSelectionsPopUp"_s,
-                                            u"ConvertTrackTable"_s, u"AddButton"_s,
-                                            u"PresetSettingsPopUp"_s, u"DevicePopUp"_s, u"ConvertButton"_s};
+        QTest::newRow("MKV") << 0 << QStringList{u"OpenButton"_s,
+                                                 u"Tabs"_s,
+                                                 u"OpenFilesQueuePanelTable"_s,
+                                                 u"PresetSelectionsPopUp"_s,
+                                                 u"ConvertTrackTable"_s,
+                                                 u"AddButton"_s,
+                                                 u"PresetSettingsPopUp"_s,
+                                                 u"DevicePopUp"_s,
+                                                 u"ConvertButton"_s};
         QTest::newRow("Edit Files") << 1
                                     << QStringList{u"OpenButton"_s, u"Tabs"_s, u"EditFilesTable"_s,
                                                    u"JoinButton"_s};

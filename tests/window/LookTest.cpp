@@ -84,10 +84,9 @@ private Q_SLOTS:
               std::pair(Role::Text, Role::BadSoft), std::pair(Role::Video, Role::VideoSoft),
               std::pair(Role::Audio, Role::AudioSoft), std::pair(Role::Subtitle, Role::SubtitleSoft),
               std::pair(Role::Bad, Role::Window), std::pair(Role::Warn, Role::Base)})
-            QVERIFY2(measured(ink, ground) >= 4.5,
-                     qPrintable(u"%1 on %2: %3"_s.arg(static_cast<int>(ink))
-                                    .arg(static_cast<int>(ground))
-                                    .arg(measured(ink, ground))));
+            QVERIFY2(measured(ink, ground) >= 4.5, qPrintable(u"%1 on %2: %3"_s.arg(static_cast<int>(ink))
+                                                                  .arg(static_cast<int>(ground))
+                                                                  .arg(measured(ink, ground))));
         for (const auto &[mark, ground] :
              {std::pair(Role::Edge, Role::Base), std::pair(Role::Edge, Role::Window),
               std::pair(Role::Bar, Role::Groove), std::pair(Role::Accent, Role::Base)})
@@ -107,8 +106,8 @@ private Q_SLOTS:
         QTest::newRow("just enough") << QSize(1120, 700) << false << Arrangement{};
         QTest::newRow("a pixel less")
             << QSize(1119, 700) << false << Arrangement{Rail, 304, false, false, true, false, false};
-        QTest::newRow("smallest")
-            << QSize(800, 600) << false << Arrangement{Hidden, 328, true, false, true, true, false};
+        QTest::newRow("smallest") << QSize(800, 600) << false
+                                  << Arrangement{Hidden, 328, true, false, true, true, false};
         QTest::newRow("smallest with the queue")
             << QSize(800, 600) << true << Arrangement{Hidden, 328, true, false, true, true, true};
         QTest::newRow("middle with the queue")
@@ -127,8 +126,8 @@ private Q_SLOTS:
     {
         WindowFixture fixture;
         fixture.start();
-        QVERIFY(fixture.open({fixture.film(support::fullMkv(), u"1.mkv"_s),
-                              fixture.film(support::fullMkv(), u"2.mkv"_s)}));
+        QVERIFY(fixture.open(
+            {fixture.film(support::fullMkv(), u"1.mkv"_s), fixture.film(support::fullMkv(), u"2.mkv"_s)}));
         driver::tick(fixture, {u"h264"_s, u"ac3"_s, u"srt"_s});
         for (const int tab : {0, 1}) {
             fixture.chooseTab(tab);

@@ -287,7 +287,8 @@ private Q_SLOTS:
         fixture.controller.setSaveDirectoryPath(u"/v"_s);
         // The subjects, what stands in each, and the end.
         const QList<QStringList> panes{
-            {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s, u"PrefLogsButton"_s},
+            {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s,
+             u"PrefLogsButton"_s},
             {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s},
             {u"PrefToolTipsButton"_s},
             {},

@@ -1,9 +1,9 @@
 // Takes pictures of the windows and sheets in the states that people see, for the documentation and to be
 // looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
 #include "platform/KeeperProcess.h"
+#include "summary/JobLook.h"
 #include "support/Clips.h"
 #include "support/Waiting.h"
-#include "summary/JobLook.h"
 #include "window/AppStyle.h"
 #include "window/Theme.h"
 #include "window/WindowFixture.h"

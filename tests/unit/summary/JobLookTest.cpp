@@ -21,8 +21,7 @@ private Q_SLOTS:
         QCOMPARE(text(u"Running"_s, {}, false), u"Running"_s);
         QCOMPARE(text(u"Running"_s, {}, true), u"Paused"_s);
         QCOMPARE(text(u"Completed"_s, steps::Outcome::ok(), false), u"Completed"_s);
-        QCOMPARE(text(u"Completed"_s, steps::Outcome::warnings(u"x"_s), false),
-                 u"Completed with warnings"_s);
+        QCOMPARE(text(u"Completed"_s, steps::Outcome::warnings(u"x"_s), false), u"Completed with warnings"_s);
         QCOMPARE(text(u"Completed"_s, steps::Outcome::failed(u"x"_s), false), u"Failed"_s);
         QCOMPARE(text(u"Completed"_s, steps::Outcome::stopped(), false), u"Interrupted"_s);
     }

@@ -1,6 +1,6 @@
 // Presets as sentences.
-#include "presets/KXPresetSettings.h"
 #include "summary/RuleSentences.h"
+#include "presets/KXPresetSettings.h"
 #include "support/TestMain.h"
 
 #include <QTest>
@@ -24,15 +24,14 @@ private Q_SLOTS:
                              << u"Take all subtitle tracks."_s;
         QTest::newRow("number") << FilterKind::Audio << QStringList{u"Audio Track Number"_s, u"2"_s}
                                 << u"Take audio track 2."_s;
-        QTest::newRow("properties") << FilterKind::Audio
-                                    << QStringList{properties, u"1"_s, u"German"_s, u"ac3"_s,
-                                                   u"Surround Only"_s}
-                                    << u"Take audio tracks where language is German, codec is ac3 and channels are "
-                                       "Surround Only."_s;
-        QTest::newRow("anything") << FilterKind::Audio
-                                  << QStringList{properties, u"1"_s, u"English"_s, u"Any Codec"_s,
-                                                 u"Any Type"_s}
-                                  << u"Take audio tracks where language is English, any codec and any channels."_s;
+        QTest::newRow("properties")
+            << FilterKind::Audio << QStringList{properties, u"1"_s, u"German"_s, u"ac3"_s, u"Surround Only"_s}
+            << u"Take audio tracks where language is German, codec is ac3 and channels are "
+               "Surround Only."_s;
+        QTest::newRow("anything")
+            << FilterKind::Audio
+            << QStringList{properties, u"1"_s, u"English"_s, u"Any Codec"_s, u"Any Type"_s}
+            << u"Take audio tracks where language is English, any codec and any channels."_s;
         QTest::newRow("subtitles") << FilterKind::Subtitle
                                    << QStringList{properties, u"1"_s, u"German"_s, u"srt"_s}
                                    << u"Take subtitle tracks where language is German and codec is srt."_s;

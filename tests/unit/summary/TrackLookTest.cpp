@@ -1,9 +1,9 @@
 // What a track is, and what becomes of it, in a few words.
+#include "summary/TrackLook.h"
 #include "media/KXVideoFile.h"
 #include "selection/ConversionSettings.h"
 #include "selection/KXSelection.h"
 #include "summary/ConversionSummary.h"
-#include "summary/TrackLook.h"
 #include "support/TestMain.h"
 
 #include <QTest>
@@ -67,7 +67,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("target");
         QTest::addColumn<QString>("becomes");
         QTest::addColumn<bool>("warns");
-        const auto video = [](const QString &codec) { return treated(trackOf(u"Video"_s, u"h264"_s), codec); };
+        const auto video = [](const QString &codec) {
+            return treated(trackOf(u"Video"_s, u"h264"_s), codec);
+        };
         const auto text = [](const QString &use, const QString &codec) {
             return treated(trackOf(u"Subtitle"_s, codec), use);
         };
@@ -83,8 +85,8 @@ private Q_SLOTS:
         QTest::newRow("kept") << text(u"mux"_s, u"srt"_s) << u"PS3"_s << u"Kept as a track"_s << false;
         QTest::newRow("burned") << text(u"burn"_s, u"pgs"_s) << u"PS3"_s << u"Burned in"_s << false;
         QTest::newRow("picture in M4V") << text(u"mux"_s, u"pgs"_s) << u"PS3"_s << u"Left out"_s << true;
-        QTest::newRow("picture in MKV") << text(u"mux"_s, u"pgs"_s) << u"MKV"_s << u"Kept as a track"_s
-                                        << false;
+        QTest::newRow("picture in MKV")
+            << text(u"mux"_s, u"pgs"_s) << u"MKV"_s << u"Kept as a track"_s << false;
         QTest::newRow("text in AVI") << text(u"mux"_s, u"srt"_s) << u"AVI"_s << u"Left out"_s << true;
     }
 
@@ -133,10 +135,9 @@ private Q_SLOTS:
         selection.setUserWidth(u"640"_s);
         selection.setVideoTrackWidth(u"1920"_s);
         const TrackPointer text = treated(trackOf(u"Subtitle"_s, u"srt"_s), u"mux"_s);
-        selection.setTrackList({treated(trackOf(u"Video"_s, u"h264"_s), u"h264"_s),
-                                soundOf(u"ac3"_s, u"6"_s,
-                                        {{u"passthru"_s, {}, u"0"_s}, {u"aac"_s, u"2"_s, u"160"_s}}),
-                                text});
+        selection.setTrackList(
+            {treated(trackOf(u"Video"_s, u"h264"_s), u"h264"_s),
+             soundOf(u"ac3"_s, u"6"_s, {{u"passthru"_s, {}, u"0"_s}, {u"aac"_s, u"2"_s, u"160"_s}}), text});
         QCOMPARE(summary::conversionText(selection),
                  u"Picture re-encoded H.264, 2 passes, 1500 kb/s, 640 wide · sound AC3 5.1 copied and AAC "
                  "stereo 160 kb/s · 1 subtitle as a track"_s);
@@ -158,7 +159,8 @@ private Q_SLOTS:
         QVERIFY(summary::conversionProblem(film, selection).prevents);
         const TrackPointer video = treated(trackOf(u"Video"_s, u"h264"_s), u"passthru"_s);
         selection.setTrackList({video, treated(trackOf(u"Subtitle"_s, u"srt"_s), u"burn"_s)});
-        QVERIFY(summary::conversionProblem(film, selection).text.startsWith(u"The subtitle can’t be burned"_s));
+        QVERIFY(
+            summary::conversionProblem(film, selection).text.startsWith(u"The subtitle can’t be burned"_s));
         selection.setTrackList({video, treated(trackOf(u"Subtitle"_s, u"pgs"_s), u"mux"_s)});
         QVERIFY(summary::conversionProblem(film, selection).text.startsWith(u"A picture subtitle"_s));
         selection.setTrackList({video});

@@ -61,8 +61,9 @@ class PastableTextTest final : public QObject
 private Q_SLOTS:
     void aPlainCommandStaysAsItIs()
     {
-        QCOMPARE(tools::pastableCommand({{u"LANG"_s, u"C"_s}}, {u"/bin/echo"_s, u"it's"_s, u"a\\nb"_s, u"é"_s}),
-                 u"LANG=C /bin/echo 'it'\\''s' 'a\\nb' 'é'"_s);
+        QCOMPARE(
+            tools::pastableCommand({{u"LANG"_s, u"C"_s}}, {u"/bin/echo"_s, u"it's"_s, u"a\\nb"_s, u"é"_s}),
+            u"LANG=C /bin/echo 'it'\\''s' 'a\\nb' 'é'"_s);
         const QString line = u"export A=\"a!b%c\\d\"; echo 'é'"_s;
         QCOMPARE(tools::pastableLine(line), line);
     }
@@ -100,7 +101,7 @@ private Q_SLOTS:
         QFETCH(QString, shell);
         for (const QString &value : hostileWords()) {
             const QString line = tools::pastableCommand({{u"SETTING"_s, value}},
-                                                      {u"sh"_s, u"-c"_s, u"printf '%s\\0' \"$SETTING\""_s});
+                                                        {u"sh"_s, u"-c"_s, u"printf '%s\\0' \"$SETTING\""_s});
             QVERIFY2(!platform::steersTerminals(line), qPrintable(line));
             QCOMPARE(pasted(shell, line), betweenZeros({value}));
         }
@@ -114,7 +115,8 @@ private Q_SLOTS:
         for (const QString &word : hostileWords()) {
             QString quoted = word;
             quoted.replace(u"'"_s, u"'\\''"_s);
-            const QString line = tools::pastableLine(u"A='"_s + quoted + u"'; printf '%s\\0' \"$A\" 'a!b' é"_s);
+            const QString line =
+                tools::pastableLine(u"A='"_s + quoted + u"'; printf '%s\\0' \"$A\" 'a!b' é"_s);
             QVERIFY2(!platform::steersTerminals(line), qPrintable(line));
             QCOMPARE(pasted(shell, line), betweenZeros({word, u"a!b"_s, u"é"_s}));
         }
