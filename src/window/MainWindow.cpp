@@ -5,6 +5,7 @@
 #include "app/Program.h"
 #include "prefs/KXPreferencesController.h"
 #include "window/ActionBar.h"
+#include "window/AreaWalk.h"
 #include "window/EditFilesPanel.h"
 #include "window/EmptyState.h"
 #include "window/FilmHeader.h"
@@ -23,13 +24,13 @@
 #include "window/ToolTipBinder.h"
 #include "window/TracksPane.h"
 #include "window/WatchPopover.h"
+#include "window/WindowPlace.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QScreen>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -40,8 +41,6 @@ namespace window {
 namespace {
 
 enum Page { FilmPage, FilesPage, EmptyPage };
-
-const QString layoutKey = u"windowLayout"_s;
 
 /// The tabs by their names, which the rules compare.
 const QStringList &tabNames()
@@ -81,7 +80,7 @@ MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &prefere
     m_menu = std::make_unique<MainMenu>(*this, delegate, menuCommands());
     connectParts();
     connectAreas();
-    restorePlace();
+    m_openFilesWanted = restorePlace(*this, delegate.program().defaults()).showsOpenFiles;
     refresh();
 }
 
@@ -273,7 +272,11 @@ MainMenu::Commands MainWindow::menuCommands()
         const app::OpenQueue &queue = m_delegate.openQueue();
         m_delegate.openQueue().select(queue.selectedRow() + by);
     };
-    commands.nextArea = [this](bool forward) { walkAreas(forward); };
+    commands.nextArea = [this](bool forward) {
+        walkAreas({m_tools, m_bars, m_openFiles, m_tracks, m_empty, m_editFiles, m_inspector, m_actions,
+                   m_drawer, m_strip},
+                  focusWidget(), forward);
+    };
     commands.quit = [this] { Q_EMIT quitWanted(); };
     return commands;
 }
@@ -432,7 +435,7 @@ void MainWindow::resizeEvent(QResizeEvent *event)
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // it closes when the program may end
-    rememberPlace();
+    rememberPlace(*this, {m_openFilesWanted}, m_delegate.program().defaults());
     Q_EMIT quitWanted();
 }
 
@@ -496,54 +499,6 @@ void MainWindow::dropEvent(QDropEvent *event)
     event->setDropAction(Qt::CopyAction);
     event->accept();
     m_delegate.filesDropped(KXDropScrollView::filesIn(event->mimeData()));
-}
-
-/// From area to area, to the first control of each that takes the keyboard.
-void MainWindow::walkAreas(bool forward)
-{
-    const QList<QWidget *> areas{m_tools,     m_bars,      m_openFiles, m_tracks, m_empty,
-                                 m_editFiles, m_inspector, m_actions,   m_drawer, m_strip};
-    const QWidget *focused = focusWidget();
-    qsizetype at = forward ? -1 : areas.size();
-    for (qsizetype i = 0; i < areas.size(); ++i) {
-        if (areas.at(i)->isAncestorOf(focused))
-            at = i;
-    }
-    for (qsizetype step = 1; step <= areas.size(); ++step) {
-        const qsizetype next = (at + (forward ? step : -step) + 2 * areas.size()) % areas.size();
-        for (QWidget *control : areas.at(next)->findChildren<QWidget *>()) {
-            if (control->isVisible() && control->isEnabled() && control->focusPolicy() & Qt::TabFocus)
-                return control->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-        }
-    }
-}
-
-/// A place that is on no screen any more is dropped.
-void MainWindow::restorePlace()
-{
-    const QVariantMap stored = m_delegate.program().defaults().value(layoutKey).toMap();
-    const QList<QVariant> numbers = stored.value(u"geometry"_s).toList();
-    resize(wantedWindow);
-    m_openFilesWanted = stored.value(u"openFiles"_s, true).toBool();
-    if (numbers.size() != 4)
-        return;
-    const QRect place(numbers.at(0).toInt(), numbers.at(1).toInt(), numbers.at(2).toInt(),
-                      numbers.at(3).toInt());
-    const QScreen *screen = QGuiApplication::screenAt(place.center());
-    if (screen != nullptr && place.width() >= smallestWindow.width() &&
-        screen->geometry().intersects(place)) {
-        resize(place.size());
-        move(place.topLeft());
-    }
-}
-
-void MainWindow::rememberPlace()
-{
-    const QRect place(pos(), size());
-    const QVariantMap layout{
-        {u"geometry"_s, QVariantList{place.x(), place.y(), place.width(), place.height()}},
-        {u"openFiles"_s, m_openFilesWanted}};
-    m_delegate.program().defaults().store({{layoutKey, layout}});
 }
 
 } // namespace window

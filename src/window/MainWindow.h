@@ -69,7 +69,6 @@ private:
     void showOpenFiles();
     void showDrag(const QList<QUrl> &files);
     void endDrag();
-    void walkAreas(bool forward);
     void showTab(int index);
     void start(const QString &title);
     void openDocument(const QString &name);
@@ -81,8 +80,6 @@ private:
     void chooseSaveFolder();
     void clearSaveFolder();
     void say(MessageBar::Kind kind, const QString &head, const QString &text = {});
-    void restorePlace();
-    void rememberPlace();
 
     KXAppDelegate &m_delegate;
     KXPreferencesController &m_preferences;
