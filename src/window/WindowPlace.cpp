@@ -23,7 +23,7 @@ WindowLayout restorePlace(QWidget &window, const platform::DefaultsStore &store)
     const QVariantMap stored = store.value(layoutKey).toMap();
     const QList<QVariant> numbers = stored.value(u"geometry"_s).toList();
     const WindowLayout layout{stored.value(u"openFiles"_s, true).toBool()};
-    window.resize(wantedWindow);
+    window.resize(wantedWindow.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     if (numbers.size() != numbersOfPlace)
         return layout;
     const QRect place(numbers.at(0).toInt(), numbers.at(1).toInt(), numbers.at(2).toInt(),
