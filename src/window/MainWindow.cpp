@@ -170,6 +170,10 @@ void MainWindow::connectParts()
         activateWindow();
         m_pages->currentIndex() == FilesPage ? m_editFiles->focusTable() : m_tracks->focusTable();
     });
+    // Names that jobs have spoken for are not free for the next one.
+    for (auto change :
+         {&KXQueueController::jobAdded, &KXQueueController::jobChanged, &KXQueueController::jobRemoved})
+        connect(&program.queue(), change, this, &MainWindow::scheduleRefresh);
     const auto wantDrawer = [this](bool open) {
         m_drawerWanted = open;
         arrange();
