@@ -21,6 +21,8 @@ constexpr int fewestPercent = 2;
 /// Of one step, passes and all.
 int percentOfStep(const QString &progress)
 {
+    if (progress == u"Pass 1 Complete"_s)
+        return whole / passes;
     const int percentage = percentageOf(progress);
     if (percentage < 0)
         return 0;

@@ -39,6 +39,7 @@ EditTracksPane::EditTracksPane(KXAppDelegate &delegate, ToolTipBinder &tips, QWi
 {
     setObjectName(u"EditTracksPane"_s);
     m_text->setObjectName(u"EditTrackLabel"_s);
+    m_foldHint->setWordWrap(false);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

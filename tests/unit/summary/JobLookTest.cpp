@@ -31,6 +31,7 @@ private Q_SLOTS:
         QCOMPARE(summary::percentOf({}), 0);
         QCOMPARE(summary::percentOf({{u"Video Conversion"_s, u"45%"_s}}), 45);
         QCOMPARE(summary::percentOf({{u"Video Conversion"_s, u"Pass #1 40%"_s}}), 20);
+        QCOMPARE(summary::percentOf({{u"Video Conversion"_s, u"Pass 1 Complete"_s}}), 50);
         QCOMPARE(summary::percentOf({{u"Video Conversion"_s, u"Pass #2 26%"_s}}), 63);
         QCOMPARE(summary::percentOf({{u"a"_s, u"Complete"_s}, {u"b"_s, u"Pass #2 26%"_s}}), 81);
         QCOMPARE(summary::percentOf({{u"a"_s, u"Checking"_s}}), 0);
