@@ -72,13 +72,13 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(upper, 1);
-    layout->addWidget(separatorLine());
-    layout->addWidget(endRow());
     addFiles();
     addConversion();
     addWindow();
     addTools();
     addLintwick();
+    layout->addWidget(separatorLine());
+    layout->addWidget(endRow()); // last, as the keyboard comes to it
     connect(m_panes, &QListWidget::currentRowChanged, this, [this](int row) {
         m_pages->setCurrentIndex(row);
         if (row == toolsPane)

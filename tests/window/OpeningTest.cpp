@@ -154,7 +154,7 @@ private Q_SLOTS:
         text.close();
         QVERIFY(m_fixture->drop("ConvertTrackTable", {text.fileName()}));
         QVERIFY(m_fixture->waitForAlert(u"Error Opening: notes.txt"_s));
-        QCOMPARE(m_fixture->alertText(), u"The application can't open this file."_s);
+        QVERIFY(m_fixture->alertText().startsWith(u"The application could not identify one or more"_s));
         QCOMPARE(QApplication::activeModalWidget(), nullptr); // nothing is held up
         QVERIFY(waitFor([this] { return !m_fixture->hasAlert(); }));
         QCOMPARE(m_fixture->find<QLabel>("ConvertFileField")->text(), film);

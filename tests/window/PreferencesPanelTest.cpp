@@ -289,7 +289,8 @@ private Q_SLOTS:
         const QList<QStringList> panes{
             {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s,
              u"PrefLogsButton"_s},
-            {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s},
+            {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
+             u"PrefVerifyButton"_s},
             {u"PrefToolTipsButton"_s},
             {},
             {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
