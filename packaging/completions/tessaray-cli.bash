@@ -3,17 +3,27 @@
 
 _tessaray_cli_options() {
     local global="--help --version --json --quiet --save-dir --keep-logs --no-keep-logs --defaults"
+    global+=" --newer-codecs"
+    local files="--force --verify --dry-run --print --exec"
+    local choices="--tracks --device --kind --video --video-bitrate --width --audio --subtitles --add"
+    choices+=" --track-preset --settings-preset --auto --output --recursive --skip-existing --list"
     case $1 in
+    probe) echo "$global --list" ;;
     convert)
-        echo "$global --tracks --device --kind --video --video-bitrate --width --audio --subtitles --add" \
-            "--track-preset --settings-preset --force --verify --dry-run"
+        echo "$global $files $choices"
         ;;
-    extract | remove) echo "$global --tracks --force --verify --dry-run" ;;
-    join | remux | send) echo "$global --force --verify --dry-run" ;;
-    split) echo "$global --time --size --duration --force --verify --dry-run" ;;
-    watch) echo "$global --track-preset --settings-preset --existing --verify" ;;
+    plan)
+        echo "$global $choices --force --verify --commands"
+        ;;
+    extract) echo "$global $files --list --tracks" ;;
+    remove) echo "$global $files --tracks" ;;
+    join | remux) echo "$global $files --list" ;;
+    send) echo "$global $files" ;;
+    split) echo "$global $files --list --time --size --duration" ;;
+    watch) echo "$global --track-preset --settings-preset --existing --verify --print --exec" ;;
     play) echo "$global --tracks" ;;
     presets) echo "$global --for" ;;
+    tools) echo "$global --report" ;;
     *) echo "$global" ;;
     esac
 }
@@ -54,8 +64,10 @@ _tessaray_cli_files() { # TYPED [compgen's -d]
 _tessaray_cli_value() { # PROGRAM OPTION TYPED
     case $2 in
     --save-dir) _tessaray_cli_files "$3" -d ;;
-    --defaults | --add) _tessaray_cli_files "$3" ;;
+    --defaults | --add | --list) _tessaray_cli_files "$3" ;;
     --device | --for) _tessaray_cli_offer "$3" < <(_tessaray_cli_devices) ;;
+    --print) _tessaray_cli_offer "$3" < <(printf '%s\n' outputs outputs0) ;;
+    --exec) _tessaray_cli_offer "$3" < <(compgen -c -- "$3") ;;
     --kind) _tessaray_cli_offer "$3" < <(printf '%s\n' mp4 mkv avi) ;;
     --video) _tessaray_cli_offer "$3" < <(printf '%s\n' passthru 1pass 2pass) ;;
     --subtitles) _tessaray_cli_offer "$3" < <(printf '%s\n' mux burn) ;;
@@ -69,7 +81,7 @@ _tessaray_cli_value() { # PROGRAM OPTION TYPED
 _tessaray_cli_argument() { # PROGRAM COMMAND FIRST-ARGUMENT COUNT TYPED
     case $2 in
     "")
-        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert extract join split remux remove send watch play presets \
+        _tessaray_cli_offer "$5" < <(printf '%s\n' probe convert plan extract join split remux remove send watch play presets \
             prefs tools help)
         ;;
     tools) ;;
@@ -114,7 +126,8 @@ _tessaray_cli() {
             only_files=1
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
-            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run) ;;
+            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run | \
+                --newer-codecs | --commands | --recursive | --skip-existing | --existing | --report) ;;
             *) option=$word ;;
             esac
         elif [[ -z $command ]]; then

@@ -28,6 +28,7 @@ if(EXISTS /etc/debian_version)
   set(zsh_functions vendor-completions) # where Debian's zsh looks for those of packages
 endif()
 install(FILES ${here}/completions/_tessaray-cli DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_functions})
+install(FILES ${here}/completions/tessaray-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tessaray RENAME copyright)
 
 install(FILES systemd/tessaray-watch@.service DESTINATION lib/systemd/user)

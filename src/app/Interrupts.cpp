@@ -101,6 +101,11 @@ int Interrupts::signalNumber() const
     return firstSignal;
 }
 
+void Interrupts::interruptAs(int number)
+{
+    handle(number);
+}
+
 void Interrupts::wake()
 {
     char byte = 0;

@@ -22,6 +22,8 @@ public:
 
     /// 0 until a signal came, then its number.
     int signalNumber() const;
+    /// As if a signal of that number had come; for what must end the work like one.
+    void interruptAs(int number);
     /// Set at the moment a signal comes: ends the waits that were given it, also those on the main thread.
     const tools::StopFlag &flag() const { return m_flag; }
 

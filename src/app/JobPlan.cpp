@@ -1,7 +1,10 @@
 #include "app/JobPlan.h"
 
 #include "app/Program.h"
+#include "steps/RunAsProcess.h"
 #include "tools/PastableText.h"
+
+using namespace Qt::StringLiterals;
 
 namespace app {
 
@@ -22,10 +25,27 @@ QUrl lastOutputOf(const KXJob &job)
 
 QString commandOf(const steps::Launch &launch)
 {
-    if (launch.line)
-        return launch.line->launched;
-    return tools::pastableCommand(launch.environment, QStringList{launch.tool.toLocalFile()} +
-                                                          tools::argumentsOf(launch.launched));
+    const tools::OptionList words = launch.line ? steps::runAsProcess(launch.launched) : launch.launched;
+    return tools::pastableCommand(launch.environment,
+                                  QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(words));
+}
+
+QStringList commandsBefore(const steps::Launch &launch)
+{
+    QStringList commands;
+    for (const steps::Preparation &preparation : launch.before) {
+        const QString command = tools::pastableCommand({}, preparation.words);
+        commands.append(
+            preparation.into.isEmpty()
+                ? command
+                : command + u" > "_s + tools::pastableCommand({}, {preparation.into.toLocalFile()}));
+    }
+    return commands;
+}
+
+QStringList commandsOf(const steps::Launch &launch)
+{
+    return commandsBefore(launch) << commandOf(launch);
 }
 
 /// A queue that never ticks makes them. It asks the program's own registry, so that names which other jobs
@@ -38,7 +58,7 @@ QList<PlannedJob> plannedJobs(Program &program, const SelectionPointer &selectio
     for (const JobPointer &job : stage.qJobList()) {
         PlannedJob plan{job->jobFileName(), {}, {}, {}};
         for (const steps::Launch &launch : job->plan())
-            plan.commands.append(commandOf(launch));
+            plan.commands += commandsOf(launch);
         plan.output = lastOutputOf(*job);
         plan.problem = job->startProblem();
         planned.append(plan);

@@ -11,6 +11,10 @@ class Program;
 
 /// A tool's run as a command that can be pasted into a shell.
 QString commandOf(const steps::Launch &launch);
+/// What must be done before it, as such commands: the lists and copies that it reads.
+QStringList commandsBefore(const steps::Launch &launch);
+/// Both, in their order.
+QStringList commandsOf(const steps::Launch &launch);
 
 /// One job as the queue would make it now: where its result would lie and what would be run.
 struct PlannedJob

@@ -49,6 +49,7 @@ KXAppDelegate::~KXAppDelegate() = default;
 
 void KXAppDelegate::applicationDidFinishLaunching()
 {
+    m_hasLaunched = true;
     program().preferences().modifyToolTips();
     initGuiSettingsFrom(program().preferences().guiSettingsDictionary());
     program().selectionController().updateTabs();
@@ -161,6 +162,17 @@ void KXAppDelegate::leaveQueue()
     m_storedQueue.close();
     if (program().queue().qJobIsRunning())
         program().queue().removeAllJobs();
+}
+
+void KXAppDelegate::applicationWillTerminate()
+{
+    if (!m_hasLaunched)
+        return; // nothing was read that could be stored
+    const QSignalBlocker nobodyCanBeTold(this);
+    intake().stopProbing();
+    m_storedQueue.store();
+    leaveQueue();
+    rememberAndSave();
 }
 
 QString KXAppDelegate::rememberAndSave()

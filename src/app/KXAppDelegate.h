@@ -54,6 +54,9 @@ public:
     /// True when the program may end now. With a running job, or with something that can't be saved, it asks,
     /// and terminationAllowed() follows when the answer is yes; otherwise the job stays paused.
     bool applicationShouldTerminate();
+    /// On every way out that is noticed, with or without a display and with no more questions: what must be
+    /// there at the next start is stored, and the running job is stopped.
+    void applicationWillTerminate();
 
     /// What is remembered until the next start, see initGuiSettingsFrom().
     QVariantMap createGuiSettingsDictionary() const;
@@ -104,4 +107,5 @@ private:
     app::QueueWatch m_queueWatch;
     jobs::StoredQueue m_storedQueue;
     bool m_askingToQuit = false;
+    bool m_hasLaunched = false;
 };

@@ -90,7 +90,7 @@ bool leavesOutSubtitles(const KXSelection &selection)
 Choices::Choices(const CommandLine &line)
 {
     for (const QString &option : {u"device"_s, u"kind"_s, u"video"_s, u"video-bitrate"_s, u"width"_s,
-                                  u"audio"_s, u"subtitles"_s, u"add"_s, u"auto"_s}) {
+                                  u"audio"_s, u"subtitles"_s, u"add"_s, u"auto"_s, u"output"_s}) {
         if (line.has(option))
             m_given.append(u"--"_s + option);
     }
@@ -208,9 +208,19 @@ void Choices::readAudio(const QStringList &values)
             const QString error = readAudioOutput(word, output);
             if (!error.isNull())
                 return fail(error);
-            m_audio[track].append(output);
+            audioOf(track).append(output);
         }
     }
+}
+
+selection::AudioOutputs &Choices::audioOf(const QString &track)
+{
+    const auto found =
+        std::find_if(m_audio.begin(), m_audio.end(), [&](const auto &audio) { return audio.first == track; });
+    if (found != m_audio.end())
+        return found->second;
+    m_audio.append({track, {}});
+    return m_audio.last().second;
 }
 
 void Choices::readSubtitles(const CommandLine &line)
@@ -226,11 +236,11 @@ void Choices::readSubtitles(const CommandLine &line)
 
 QString Choices::errorFor(const KXSelection &selection) const
 {
-    for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
-        const TrackPointer track = trackNamed(audio.key(), selection.trackList());
+    for (const auto &[name, outputs] : m_audio) {
+        const TrackPointer track = trackNamed(name, selection.trackList());
         if (!track || !selection::isAudio(*track))
             return u"%1: --audio names track %2, which is no chosen audio track."_s.arg(
-                selection.videoTrackFilePath(), audio.key());
+                selection.videoTrackFilePath(), name);
     }
     return {};
 }
@@ -240,9 +250,9 @@ selection::ConversionSettings Choices::settingsFor(const KXSelection &selection)
     selection::ConversionSettings settings = m_settings;
     if (!settings.target && m_wantsMp4 && !isMp4(selection.theDevice()))
         settings.target = u"General"_s; // else the preset's device agrees, and its limits stay
-    for (auto audio = m_audio.cbegin(); audio != m_audio.cend(); ++audio) {
-        if (const TrackPointer track = trackNamed(audio.key(), selection.trackList()))
-            settings.audio.insert(track, *audio);
+    for (const auto &[name, outputs] : m_audio) {
+        if (const TrackPointer track = trackNamed(name, selection.trackList()))
+            settings.audio.insert(track, outputs);
     }
     return settings;
 }

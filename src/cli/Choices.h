@@ -2,10 +2,11 @@
 
 #include "selection/BestGuess.h"
 
-#include <QHash>
+#include <QList>
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 namespace cli {
 
@@ -39,6 +40,7 @@ private:
     void readTarget(const CommandLine &line);
     void readVideo(const CommandLine &line);
     void readAudio(const QStringList &values);
+    selection::AudioOutputs &audioOf(const QString &track);
     QString readAudioOutput(const QString &word, selection::AudioOutput &output) const;
     std::optional<QString> readNumber(const CommandLine &line, const QString &option);
     void readSubtitles(const CommandLine &line);
@@ -47,9 +49,10 @@ private:
 
     QString m_error;
     QString m_note;
-    selection::ConversionSettings m_settings;        ///< no value: the preset's, or the source's
-    bool m_wantsMp4 = false;                         ///< of whichever device the preset says
-    QHash<QString, selection::AudioOutputs> m_audio; ///< by stream index, or "+1" for the first added file
+    selection::ConversionSettings m_settings; ///< no value: the preset's, or the source's
+    bool m_wantsMp4 = false;                  ///< of whichever device the preset says
+    /// By stream index, or "+1" for the first added file, in the order in which they were given.
+    QList<std::pair<QString, selection::AudioOutputs>> m_audio;
     std::optional<selection::Aim> m_aim;
     QStringList m_given;
     std::optional<QStringList> m_tracks;

@@ -14,6 +14,7 @@ enum class ExitStatus {
     Failed = 2,
     WrongUsage = 64,
     Interrupted = 130,
+    Unread = 141, ///< the reader of the results has gone away
     Terminated = 143
 };
 

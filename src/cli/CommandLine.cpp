@@ -1,5 +1,7 @@
 #include "cli/CommandLine.h"
 
+#include "cli/NearestWord.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -42,7 +44,17 @@ const QList<OptionSpec> &allOptions()
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
         {u"existing"_s, {}, u"Convert films too that are in the folder already and were never converted."_s},
         {u"verify"_s, {}, u"Compare what was copied with its source, bit for bit."_s},
+        {u"output"_s, u"FILE"_s, u"Name the result of a single film."_s},
+        {u"recursive"_s, {}, u"Take the films in folders too; with --save-dir their trees are mirrored."_s},
+        {u"skip-existing"_s, {}, u"Pass over films whose result is there already."_s},
         {u"commands"_s, {}, u"Print one line for a shell per film that could be converted: its convert."_s},
+        {u"list"_s, u"FILE"_s,
+         u"Take the files that are named in this one too, a path a line; - is standard input."_s},
+        {u"print"_s, u"outputs|outputs0"_s,
+         u"Print the paths of finished files and nothing else, a line each or ended by NUL."_s},
+        {u"exec"_s, u"PROGRAM"_s,
+         u"Run this program for each finished file, with its path as the argument."_s},
+        {u"report"_s, {}, u"Show what a report of a bug needs."_s},
         {u"dry-run"_s, {}, u"Print the commands that would run, without running them."_s},
     };
     return options;
@@ -74,7 +86,10 @@ void CommandLine::takeOption(const QString &word, const QStringList &words, qsiz
     const auto spec = std::find_if(options.begin(), options.end(),
                                    [&](const OptionSpec &option) { return option.name == name; });
     if (spec == options.end()) {
-        m_error = u"Unknown option --%1."_s.arg(name);
+        QStringList names;
+        for (const OptionSpec &option : options)
+            names.append(option.name);
+        m_error = u"Unknown option --%1.%2"_s.arg(name, didYouMean(name, names, u"--"_s));
         return;
     }
     const bool hasInlineValue = word.contains(u'=');

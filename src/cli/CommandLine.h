@@ -31,6 +31,8 @@ public:
     /// The last value given; a null text when there is none.
     QString value(const QString &option) const;
     QStringList values(const QString &option) const { return m_values.value(option); }
+    /// Behind those that are there.
+    void addArguments(const QStringList &arguments) { m_arguments.append(arguments); }
     QStringList optionNames() const { return m_values.keys(); }
 
 private:

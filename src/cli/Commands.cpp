@@ -2,8 +2,11 @@
 
 #include "cli/ConvertCommand.h"
 #include "cli/ExtractCommand.h"
+#include "cli/FinishedFiles.h"
 #include "cli/Help.h"
 #include "cli/JoinCommand.h"
+#include "cli/ListedFiles.h"
+#include "cli/NearestWord.h"
 #include "cli/PlanCommand.h"
 #include "cli/PlayCommand.h"
 #include "cli/PrefsCommand.h"
@@ -71,9 +74,17 @@ const Command *commandNamed(const QString &name)
 
 namespace {
 
+QString nearestCommand(const CommandLine &line)
+{
+    QStringList names;
+    for (const auto &command : allCommands())
+        names.append(command->name());
+    return didYouMean(line.command(), names);
+}
+
 ExitStatus explained(Session &session)
 {
-    session.console().explain(generalHelp().chopped(1));
+    session.console().explain(shortHelp().chopped(1));
     return ExitStatus::WrongUsage;
 }
 
@@ -102,13 +113,22 @@ ExitStatus execute(Session &session, const CommandLine &line)
     if (line.command().isNull())
         return explained(session);
     if (command == nullptr)
-        return session.wrongUsage(
-            u"There is no command \"%1\". See tessaray-cli --help."_s.arg(line.command()));
-    for (const QString &problem : {problemWithOptions(line, *command), problemWithDefaults(line)}) {
+        return session.wrongUsage(u"There is no command \"%1\".%2 See tessaray-cli --help."_s.arg(
+            line.command(), nearestCommand(line)));
+    for (const QString &problem :
+         {problemWithOptions(line, *command), FinishedFiles::problemWith(line), problemWithDefaults(line)}) {
         if (!problem.isNull())
             return session.wrongUsage(problem);
     }
-    return session.unlessInterrupted(session.unlessUnsettled(command->execute(session)));
+    if (line.has(u"list"_s)) {
+        const ListedFiles listed = readList(session, line.value(u"list"_s));
+        if (session.isInterrupted())
+            return ExitStatus::Interrupted;
+        if (!listed.problem.isNull())
+            return session.failed(listed.problem);
+        session.addArguments(listed.paths);
+    }
+    return session.unlessUnsettled(command->execute(session));
 }
 
 } // namespace
@@ -117,7 +137,9 @@ ExitStatus run(const QStringList &words)
 {
     const CommandLine line(words);
     Session session(line);
-    const ExitStatus status = execute(session, line);
+    const ExitStatus end = execute(session, line);
+    session.flush();
+    const ExitStatus status = session.unlessInterrupted(end);
     return session.console().lostOutput() ? worse(status, ExitStatus::Failed) : status;
 }
 

@@ -1,8 +1,15 @@
 #include "cli/ConversionRequests.h"
 
+#include "cli/DryRunPrinter.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
+#include "platform/FileIdentity.h"
 #include "selection/Refusals.h"
+
+#include <QFileInfo>
+#include <QSet>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using jobs::JobKind;
@@ -22,6 +29,19 @@ TrackChoice trackChoiceOf(const CommandLine &line, const Choices &choices)
     return choice;
 }
 
+/// What a result of a kind may be called.
+QStringList extensionsOf(selection::OutputKind kind)
+{
+    switch (kind) {
+    case selection::OutputKind::Mkv:
+        return {u"mkv"_s};
+    case selection::OutputKind::Avi:
+        return {u"avi"_s};
+    default:
+        return {u"m4v"_s, u"mp4"_s};
+    }
+}
+
 } // namespace
 
 ConversionRequests::ConversionRequests(Session &session)
@@ -33,9 +53,10 @@ ConversionRequests::ConversionRequests(Session &session)
 
 QStringList ConversionRequests::options()
 {
-    return {u"device"_s, u"kind"_s,  u"video"_s,        u"video-bitrate"_s,
-            u"width"_s,  u"audio"_s, u"auto"_s,         u"subtitles"_s,
-            u"tracks"_s, u"add"_s,   u"track-preset"_s, u"settings-preset"_s};
+    return {u"device"_s,       u"kind"_s,         u"video"_s,           u"video-bitrate"_s, u"width"_s,
+            u"audio"_s,        u"auto"_s,         u"subtitles"_s,       u"tracks"_s,        u"add"_s,
+            u"track-preset"_s, u"output"_s,       u"settings-preset"_s, u"force"_s,         u"recursive"_s,
+            u"verify"_s,       u"skip-existing"_s};
 }
 
 bool ConversionRequests::extracts() const
@@ -52,6 +73,12 @@ ExitStatus ConversionRequests::begin()
         problem = problemWithLine();
     if (!problem.isNull())
         return m_session.wrongUsage(problem);
+    const CommandLine &line = m_session.line();
+    if (line.has(u"skip-existing"_s) && line.has(u"force"_s))
+        return m_session.wrongUsage(u"--skip-existing and --force exclude each other."_s);
+    if (line.has(u"output"_s) && line.has(u"save-dir"_s))
+        return m_session.wrongUsage(
+            u"--output says where the result goes, so --save-dir has no place beside it."_s);
     if (!m_choices.note().isNull())
         m_session.console().say(m_choices.note());
     return ExitStatus::AllWell;
@@ -116,34 +143,118 @@ QString ConversionRequests::apply(KXSelection &selection) const
     return selection::refusalToConvert(selection, *settings);
 }
 
-std::nullopt_t ConversionRequests::fail(ExitStatus &status, ExitStatus how, const QString &sentence)
+/// Where the result of a file goes; a null text, or why it can't go there.
+QString ConversionRequests::place(const InputFile &file, KXSelection &selection) const
 {
-    m_problem = sentence;
-    status = how;
-    return std::nullopt;
+    selection.setOutputFolder(file.outputFolder);
+    if (!m_session.line().has(u"output"_s))
+        return {};
+    if (selection.videoTrackFileExtension() == u"h264"_s)
+        return u"A raw H.264 stream is muxed into an MKV file, whose name --output can't choose."_s;
+    const QFileInfo output(absolutePath(m_session.line().value(u"output"_s)));
+    const QStringList extensions = extensionsOf(selection::outputKindFor(selection.theDevice()));
+    if (!extensions.contains(output.suffix().toLower()))
+        return u"--output %1 would hold something else: the name has to end in .%2."_s.arg(
+            output.fileName(), extensions.join(u" or ."_s));
+    selection.setOutputFolder(QUrl::fromLocalFile(output.absolutePath()));
+    selection.setOutputName(output.fileName());
+    return {};
 }
 
-std::optional<ConversionRequest> ConversionRequests::requestFor(const QString &path, ExitStatus &status)
+RequestedFilm ConversionRequests::requested(const InputFile &file, ExitStatus &worst)
 {
-    m_problem = QString();
-    const FileSelection file = selectFile(m_session, path, m_tracks);
-    m_wayOut = file.wayOut;
-    if (!file.selection)
-        return fail(status, ExitStatus::Failed, file.refusal);
-    const QStringList missing = missingTracks(*file.selection, m_tracks);
-    const QString error = missing.isEmpty() ? m_choices.errorFor(*file.selection)
-                                            : u"%1 has no track %2."_s.arg(path, missing.join(u", "_s));
-    if (!error.isNull()) {
-        m_session.wrongUsage(error);
-        return fail(status, ExitStatus::WrongUsage, error);
+    const FileSelection chosen = selectFile(m_session, file.path, m_tracks);
+    if (!chosen.selection) {
+        worst = worse(worst, ExitStatus::Failed);
+        return {file.path, {}, chosen.refusal, chosen.wayOut};
     }
-    const QString refusal =
-        extracts() ? selection::refusalToExtract(*file.selection) : apply(*file.selection);
-    if (!refusal.isNull())
-        return fail(status, ExitStatus::Failed, refusal);
+    const QStringList missing = missingTracks(*chosen.selection, m_tracks);
+    QString wrong = missing.isEmpty() ? m_choices.errorFor(*chosen.selection)
+                                      : u"%1 has no track %2."_s.arg(file.path, missing.join(u", "_s));
+    const QString refusal = !wrong.isNull() ? QString()
+                            : extracts()    ? selection::refusalToExtract(*chosen.selection)
+                                            : apply(*chosen.selection);
+    if (wrong.isNull() && refusal.isNull())
+        wrong = place(file, *chosen.selection);
+    if (!wrong.isNull()) {
+        worst = m_session.wrongUsage(wrong);
+        return {file.path, {}, wrong, {}};
+    }
+    if (!refusal.isNull()) {
+        worst = worse(worst, ExitStatus::Failed);
+        return {file.path, {}, refusal, {}};
+    }
     const auto kind = extracts() ? JobKind::TrackExtraction : JobKind::Conversion;
-    return ConversionRequest{jobs::requestFor(kind, file.selection),
-                             app::PlannedFilm::of(*m_session.program().currentFile().file())};
+    const ConversionRequest request{jobs::requestFor(kind, chosen.selection),
+                                    app::PlannedFilm::of(*m_session.program().currentFile().file())};
+    return {file.path, request, {}, {}};
+}
+
+QList<QUrl> ConversionRequests::outputsOf(const RequestedFilm &film) const
+{
+    steps::OutputRegistry registry;
+    QList<QUrl> outputs;
+    for (const JobPointer &job :
+         film.request ? plannedJobs(m_session, registry, {film.request->job}) : QList<JobPointer>()) {
+        job->plan();
+        for (const ConverterPointer &converter : job->stepConverterList()) {
+            if (converter && !converter->isTemporaryOutput())
+                outputs.append(converter->outputFileURL());
+        }
+    }
+    return outputs;
+}
+
+/// Films that were found, and that are what another film becomes, are no films of their own.
+QList<RequestedFilm> ConversionRequests::withoutResults(const QList<RequestedFilm> &films,
+                                                        const QList<InputFile> &files) const
+{
+    QSet<QString> results;
+    for (const RequestedFilm &film : films) {
+        for (const QUrl &output : outputsOf(film))
+            results.insert(platform::canonicalKey(output));
+    }
+    QList<RequestedFilm> kept;
+    for (qsizetype i = 0; i < films.size(); ++i) {
+        const bool isResult = results.contains(platform::canonicalKey(QUrl::fromLocalFile(films.at(i).path)));
+        if (!files.at(i).isFound || !isResult)
+            kept.append(films.at(i));
+    }
+    return kept;
+}
+
+bool ConversionRequests::hasItsResult(const RequestedFilm &film) const
+{
+    const QList<QUrl> outputs = outputsOf(film);
+    const bool isThere =
+        !outputs.isEmpty() && std::all_of(outputs.begin(), outputs.end(), [](const QUrl &output) {
+            return QFileInfo::exists(output.toLocalFile());
+        });
+    if (isThere)
+        m_session.console().say(
+            u"%1: %2 is there, so it is passed over."_s.arg(film.path, outputs.constFirst().toLocalFile()));
+    return isThere;
+}
+
+QList<RequestedFilm> ConversionRequests::films(ExitStatus &worst)
+{
+    QString problem;
+    const QList<InputFile> files = inputFiles(m_session, problem);
+    if (!problem.isNull()) {
+        worst = m_session.wrongUsage(problem);
+        return {};
+    }
+    QList<RequestedFilm> films;
+    for (const InputFile &file : files) {
+        films.append(requested(file, worst));
+        if (m_session.isInterrupted())
+            return {};
+    }
+    if (m_session.line().has(u"recursive"_s))
+        films = withoutResults(films, files);
+    if (m_session.line().has(u"skip-existing"_s))
+        films.removeIf([this](const RequestedFilm &film) { return hasItsResult(film); });
+    return films;
 }
 
 } // namespace cli

@@ -3,6 +3,7 @@
 #include "app/ConversionPlan.h"
 #include "cli/Choices.h"
 #include "cli/FileSelection.h"
+#include "cli/InputFiles.h"
 #include "jobs/JobRequest.h"
 
 namespace cli {
@@ -12,6 +13,15 @@ struct ConversionRequest
 {
     jobs::JobRequest job;
     app::PlannedFilm film;
+};
+
+/// A film of the command line with its request, or why there is none.
+struct RequestedFilm
+{
+    QString path;
+    std::optional<ConversionRequest> request;
+    QString refusal; ///< null where there is a request
+    QString wayOut;  ///< of the refusal
 };
 
 /// Makes the requests of "convert", and of what shows what it would do. Lives for one run.
@@ -24,13 +34,10 @@ public:
     static QStringList options();
     /// Whether the command line as a whole is right, said if it is not, and what of it changes nothing.
     ExitStatus begin();
-    /// The request for a file, with the choices in its selection. None when the file fails; the status says
-    /// whether the command line was wrong for it, and the reason is said, or left in problem().
-    std::optional<ConversionRequest> requestFor(const QString &path, ExitStatus &status);
-    /// Why the last file got no request; a null text when it got one.
-    QString problem() const { return m_problem; }
-    /// What helps against it; a null text where nothing is known to.
-    QString wayOut() const { return m_wayOut; }
+    /// The films that the command line names, each with the choices in the selection of its request. With
+    /// --recursive what is the result of another one is none, with --skip-existing what has its result
+    /// already is left out, and said. The status says whether the command line was wrong for one of them.
+    QList<RequestedFilm> films(ExitStatus &worst);
 
 private:
     using Settings = selection::ConversionSettings;
@@ -42,13 +49,16 @@ private:
     Settings heldByPreset() const;
     std::optional<Settings> settledFor(KXSelection &selection) const;
     QString apply(KXSelection &selection) const;
-    std::nullopt_t fail(ExitStatus &status, ExitStatus how, const QString &sentence);
+    RequestedFilm requested(const InputFile &file, ExitStatus &worst);
+    QString place(const InputFile &file, KXSelection &selection) const;
+    QList<QUrl> outputsOf(const RequestedFilm &film) const;
+    QList<RequestedFilm> withoutResults(const QList<RequestedFilm> &films,
+                                        const QList<InputFile> &files) const;
+    bool hasItsResult(const RequestedFilm &film) const;
 
     Session &m_session;
     Choices m_choices;
     TrackChoice m_tracks;
-    QString m_problem;
-    QString m_wayOut;
 };
 
 } // namespace cli

@@ -42,10 +42,11 @@ QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
                        {u"program"_s, launch.tool.toLocalFile()},
                        {u"output"_s, launch.output.toLocalFile()},
                        {u"log"_s, launch.log.toLocalFile()}};
+    if (!launch.before.isEmpty())
+        object.insert(u"before"_s, QJsonArray::fromStringList(app::commandsBefore(launch)));
     if (launch.line) {
         object.insert(u"line"_s, launch.line->meant);
-        if (launch.line->launched != launch.line->meant)
-            object.insert(u"launchedLine"_s, launch.line->launched);
+        object.insert(u"launchedLine"_s, app::commandOf(launch));
         return object;
     }
     object.insert(u"arguments"_s, wordsOf(launch.meant));
@@ -101,7 +102,8 @@ bool DryRunPrinter::print(const QList<jobs::JobRequest> &requests)
         }
         for (const steps::Launch &launch : launches) {
             m_session.console().object(objectOf(launch, *job, number));
-            m_session.console().command(app::commandOf(launch));
+            for (const QString &command : app::commandsOf(launch))
+                m_session.console().command(command);
         }
     }
     return allStart;

@@ -11,7 +11,7 @@ namespace cli {
 
 QStringList ExtractCommand::options() const
 {
-    return {u"tracks"_s, u"force"_s, u"verify"_s, u"dry-run"_s};
+    return {u"tracks"_s, u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus ExtractCommand::execute(Session &session) const

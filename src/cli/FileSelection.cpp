@@ -49,6 +49,8 @@ void selectTracks(app::Program &program, const TrackChoice &choice)
 std::shared_ptr<KXVideoFile> probed(Session &session, const QString &path, QString &status)
 {
     const auto file = std::make_shared<KXVideoFile>(&session.program().preferences());
+    if (session.line().has(u"dry-run"_s))
+        file->leaveNoErrorFiles();
     file->setStopFlag(session.interrupts().flag());
     status = file->initializeForURL(QUrl::fromLocalFile(path));
     return file;
@@ -60,6 +62,8 @@ FileSelection selectFile(Session &session, const QString &path, const TrackChoic
     result.path = path;
     app::Program &program = session.program();
     program.currentFile().file()->setStopFlag(session.interrupts().flag());
+    if (session.line().has(u"dry-run"_s))
+        program.currentFile().file()->leaveNoErrorFiles();
     const QString status = program.currentFile().load(QUrl::fromLocalFile(path));
     if (status != u"OK"_s) {
         result.refusal = status;

@@ -39,8 +39,19 @@ QString generalHelp()
             text += optionRow(option);
     }
     return text + u"\nExit status: 0 success, 1 finished with warnings, 2 something failed, 64 wrong usage,\n"
-                  "130 interrupted, 143 terminated.\n\n"
+                  "130 interrupted, 141 the reader of the results went away, 143 terminated.\n\n"
                   "Example: tessaray-cli convert film.mkv --device \"PS3\"\n"_s;
+}
+
+QString shortHelp()
+{
+    return u"The lines that are needed most:\n\n"
+           "  tessaray-cli probe film.mkv\n"
+           "  tessaray-cli convert film.mkv --device \"Apple TV (3 and Later)\" --video 1pass\n"
+           "  tessaray-cli convert *.mkv --track-preset \"All Tracks\" --save-dir ~/Converted\n"
+           "  tessaray-cli extract film.mkv --tracks 1,2\n"
+           "  tessaray-cli watch ~/Incoming --track-preset \"First Track\" --settings-preset NAME\n\n"
+           "All commands: tessaray-cli --help. One of them: tessaray-cli COMMAND --help.\n"_s;
 }
 
 QString helpFor(const Command &command)
@@ -53,7 +64,9 @@ QString helpFor(const Command &command)
         if (command.options().contains(option.name))
             text += optionRow(option);
     }
-    return text + u"\nExample: %1\n"_s.arg(command.example());
+    return text +
+           u"\nExit status: 0 success, 1 warnings, 2 failed, 64 wrong usage, 130 interrupted, 141 not read.\n"
+           "\nExample: %1\n"_s.arg(command.example());
 }
 
 QString versionText()

@@ -51,12 +51,33 @@ QJsonArray pathsOf(const QList<QUrl> &files)
     return paths;
 }
 
-QString progressText(const KXJob &job, const jobs::ProgressList &list)
+QString progressText(const KXJob &job, const jobs::ProgressList &list, std::optional<double> queueLeft)
 {
     QStringList steps;
     for (const jobs::ProgressItem &item : list)
         steps.append(item.step + u' ' + item.progress);
+    const auto left = job.pace().leftSeconds;
+    if (left)
+        steps.append(jobs::clockText(*left) + u" left"_s);
+    if (left && queueLeft && *queueLeft > *left)
+        steps.append(jobs::clockText(*queueLeft) + u" for all"_s);
     return job.jobFileName() + u": "_s + steps.join(u", "_s);
+}
+
+QJsonValue numberOrNull(const std::optional<double> &number)
+{
+    return number ? QJsonValue(*number) : QJsonValue();
+}
+
+/// What progress is in numbers; what is not known is null.
+QJsonObject numbersOf(const jobs::Pace &pace, std::optional<double> queueLeft)
+{
+    return {{u"percent"_s, pace.percent},
+            {u"elapsedSeconds"_s, pace.elapsedSeconds},
+            {u"leftSeconds"_s, numberOrNull(pace.leftSeconds)},
+            {u"queueLeftSeconds"_s, numberOrNull(queueLeft)},
+            {u"speed"_s, numberOrNull(pace.speed)},
+            {u"fps"_s, numberOrNull(pace.fps)}};
 }
 
 } // namespace
@@ -64,6 +85,7 @@ QString progressText(const KXJob &job, const jobs::ProgressList &list)
 JobRun::JobRun(Session &session)
     : m_session(session)
     , m_queue(session.program().queue())
+    , m_files(session)
 {
     m_subscriptions.push_back(session.program().notifications().subscribe(
         u"progressUpdate"_s, [this](const KXNotification &notification) { progressed(notification); }));
@@ -109,7 +131,20 @@ ExitStatus JobRun::run()
     else if (!everyJobHasEnded())
         loop.exec();
     m_session.console().endProgress();
-    return m_worst;
+    return worse(m_worst, m_files.finish());
+}
+
+/// What follows the job.
+QString JobRun::followText(const KXJob &job) const
+{
+    QStringList names;
+    for (const JobPointer &other : m_jobs) {
+        if (!other->hasEnded() && other.get() != &job)
+            names.append(other->jobFileName());
+    }
+    if (names.isEmpty())
+        return {};
+    return names.size() == 1 ? u", then "_s + names.constFirst() : u", then %1 more"_s.arg(names.size());
 }
 
 bool JobRun::everyJobHasEnded() const
@@ -136,11 +171,15 @@ void JobRun::progressed(const KXNotification &notification)
     const auto list = notification.object.value<jobs::ProgressList>();
     if (job == nullptr || list.isEmpty() || job->hasEnded())
         return;
-    m_session.console().progress(progressText(*job, list));
+    const auto queueLeft = jobs::secondsLeftFor(m_jobs);
+    m_session.console().progress(progressText(*job, list, queueLeft) + followText(*job), job->jobFileName());
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
             continue;
-        sendEvent(u"progress"_s, *job, {{u"step"_s, list.at(i).step}, {u"progress"_s, list.at(i).progress}});
+        QJsonObject numbers = numbersOf(job->pace(), queueLeft);
+        numbers.insert(u"step"_s, list.at(i).step);
+        numbers.insert(u"progress"_s, list.at(i).progress);
+        sendEvent(u"progress"_s, *job, numbers);
     }
     m_lastProgress = list;
 }
@@ -160,6 +199,7 @@ void JobRun::finished(const KXJob &job)
     m_session.console().endProgress();
     for (const QUrl &output : job.outputs())
         m_session.console().result(output.toLocalFile());
+    m_files.take(job);
     if (outcome.verdict != steps::Verdict::Ok || !outcome.sentence.isEmpty())
         m_session.console().say(u"%1: %2: %3"_s.arg(job.jobFileName(), outcome.word(), outcome.sentence));
 }
@@ -182,7 +222,8 @@ void JobRun::sendEvent(const QString &event, const KXJob &job, QJsonObject more)
         {u"jobType"_s, job.jobType()}, {u"step"_s, QJsonValue()}, {u"progress"_s, QJsonValue()}};
     for (auto item = more.begin(); item != more.end(); ++item)
         object.insert(item.key(), item.value());
-    m_session.console().object(object);
+    m_session.console().object(object, event == u"progress"_s ? PendingOutput::WhenBehind::Lose
+                                                              : PendingOutput::WhenBehind::Keep);
 }
 
 } // namespace cli

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Command.h"
+#include "cli/FinishedFiles.h"
 #include "jobs/KXQueueController.h"
 
 #include <QHash>
@@ -32,11 +32,13 @@ private:
     void stop();
     void sendEvent(const QString &event, const KXJob &job, QJsonObject more = {});
     int numberOf(const KXJob &job) const { return m_numbers.value(&job); }
+    QString followText(const KXJob &job) const;
     bool everyJobHasEnded() const;
 
     Session &m_session;
     KXQueueController &m_queue;
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;
+    FinishedFiles m_files;
     QHash<const KXJob *, int> m_numbers;
     QList<JobPointer> m_jobs;
     QHash<const KXJob *, QString> m_reported; ///< what was told last: "queued", "started", "done"

@@ -26,11 +26,21 @@ QList<JobRequest> makeEachRequest(Session &session, const RequestMaker &makeRequ
     return requests;
 }
 
+/// A folder of a mirrored tree is made by who mirrors it; a dry run makes none.
+bool takesResult(Session &session, const KXSelection &selection)
+{
+    const QUrl own = selection.outputFolder();
+    if (own.isEmpty())
+        return session.saveFolder().takesResultsOf(selection.videoTrackFileURL());
+    const bool isComing = session.line().has(u"dry-run"_s) && selection.outputName().isNull();
+    return isComing || prefs::SaveFolder(own).takesResultsOf(selection.videoTrackFileURL());
+}
+
 QList<JobRequest> withWritableFolders(Session &session, const QList<JobRequest> &requests, ExitStatus &worst)
 {
     QList<JobRequest> writable;
     for (const JobRequest &request : requests) {
-        if (session.saveFolder().takesResultsOf(request.selection->videoTrackFileURL()))
+        if (takesResult(session, *request.selection))
             writable.append(request);
         else
             worst = worse(worst, session.failed(u"%1: %2 %3"_s.arg(request.selection->videoTrackFilePath(),

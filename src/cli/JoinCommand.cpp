@@ -11,7 +11,7 @@ namespace cli {
 
 QStringList JoinCommand::options() const
 {
-    return {u"force"_s, u"verify"_s, u"dry-run"_s};
+    return {u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus JoinCommand::execute(Session &session) const

@@ -17,23 +17,16 @@ namespace cli {
 
 namespace {
 
-/// A film with its request, or why there is none.
-struct Film
-{
-    QString path;
-    std::optional<ConversionRequest> request;
-    QStringList problems;
-};
-
 /// The options of a line that mean the same in "convert", in words: paths are absolute, so that the line
 /// means the same in another folder.
 QStringList optionsToHandOn(const CommandLine &line)
 {
-    static const QStringList ownOptions{u"commands"_s, u"json"_s, u"quiet"_s, u"help"_s, u"version"_s};
-    static const QStringList paths{u"save-dir"_s, u"defaults"_s, u"add"_s};
+    static const QStringList ownOptions{u"commands"_s, u"list"_s, u"json"_s,
+                                        u"quiet"_s,    u"help"_s, u"version"_s};
+    static const QStringList paths{u"defaults"_s, u"add"_s, u"output"_s};
     QStringList words;
     for (const OptionSpec &option : allOptions()) {
-        if (ownOptions.contains(option.name))
+        if (ownOptions.contains(option.name) || option.name == u"save-dir"_s)
             continue;
         for (const QString &value : line.values(option.name)) {
             words.append(u"--"_s + option.name);
@@ -51,14 +44,23 @@ QString programWord()
     return called.contains(u'/') ? absolutePath(called) : called;
 }
 
-QString commandFor(const CommandLine &line, const QString &path)
+/// The save folder of one film: its own one where a tree is mirrored.
+QStringList saveFolderWords(const CommandLine &line, const KXSelection &selection)
 {
-    QStringList words{programWord(), u"convert"_s};
-    words += optionsToHandOn(line);
-    return tools::pastableCommand({}, words + QStringList{u"--"_s, path});
+    const bool isMirrored = !selection.outputFolder().isEmpty() && selection.outputName().isNull();
+    const QString folder =
+        isMirrored ? selection.outputFolder().toLocalFile() : absolutePath(line.value(u"save-dir"_s));
+    return folder.isEmpty() ? QStringList() : QStringList{u"--save-dir"_s, folder};
 }
 
-QJsonValue jsonOf(const std::optional<double> &value)
+QString commandFor(const CommandLine &line, const RequestedFilm &film)
+{
+    QStringList words{programWord(), u"convert"_s};
+    words += optionsToHandOn(line) + saveFolderWords(line, *film.request->job.selection);
+    return tools::pastableCommand({}, words + QStringList{u"--"_s, film.path});
+}
+
+QJsonValue planNumber(const std::optional<double> &value)
 {
     return value ? QJsonValue(*value) : QJsonValue();
 }
@@ -73,7 +75,7 @@ QJsonObject objectOf(const ConversionPlan &plan)
             {u"target"_s, plan.target.isNull() ? QJsonValue() : QJsonValue(plan.target)},
             {u"outputs"_s, outputs},
             {u"tracks"_s, receiptRecord({plan.tracks})},
-            {u"seconds"_s, jsonOf(plan.seconds)},
+            {u"seconds"_s, planNumber(plan.seconds)},
             {u"estimatedBytes"_s, plan.size ? QJsonValue(plan.size->bytes) : QJsonValue()},
             {u"sourceBytes"_s, isSourceKnown ? QJsonValue(plan.size->sourceBytes) : QJsonValue()},
             {u"problems"_s, QJsonArray::fromStringList(plan.problems)},
@@ -134,15 +136,27 @@ void show(Console &console, const ConversionPlan &plan)
 }
 
 /// Of a film that can't be converted all that is known.
-ConversionPlan planWithout(const Film &film)
+ConversionPlan planWithout(const RequestedFilm &film)
 {
     ConversionPlan plan;
     plan.source = QUrl::fromLocalFile(film.path);
-    plan.problems = film.problems;
+    plan.problems = QStringList{film.refusal, film.wayOut};
+    plan.problems.removeAll(QString());
     return plan;
 }
 
-ConversionPlan planOf(Session &session, const Film &film)
+/// The folders of a mirrored tree are made when they are needed.
+bool wouldTakeResult(Session &session, const KXSelection &selection)
+{
+    if (session.line().has(u"recursive"_s) && session.line().has(u"save-dir"_s))
+        return true;
+    const QUrl source = selection.videoTrackFileURL();
+    return selection.outputName().isNull()
+               ? session.saveFolder().takesResultsOf(source)
+               : prefs::SaveFolder(selection.outputFolder()).takesResultsOf(source);
+}
+
+ConversionPlan planOf(Session &session, const RequestedFilm &film)
 {
     if (!film.request)
         return planWithout(film);
@@ -150,49 +164,30 @@ ConversionPlan planOf(Session &session, const Film &film)
     const auto jobs = plannedJobs(session, outputs, {film.request->job});
     ConversionPlan plan =
         jobs.isEmpty() ? planWithout(film) : app::planOf(*jobs.constFirst(), film.request->film);
-    const QUrl source = film.request->job.selection->videoTrackFileURL();
-    if (!session.saveFolder().takesResultsOf(source))
+    if (film.request && !wouldTakeResult(session, *film.request->job.selection))
         plan.problems.append(prefs::SaveFolder::notWritable());
     return plan;
 }
 
 /// Answers whether it would be converted.
-bool showOne(Session &session, const Film &film)
+bool showOne(Session &session, const RequestedFilm &film)
 {
     const ConversionPlan plan = planOf(session, film);
     if (!session.line().has(u"commands"_s)) {
         session.console().object(objectOf(plan));
         show(session.console(), plan);
     } else if (plan.problems.isEmpty()) {
-        session.console().command(commandFor(session.line(), film.path));
+        session.console().command(commandFor(session.line(), film));
     } else {
         session.console().say(u"%1: %2"_s.arg(film.path, plan.problems.join(u' ')));
     }
     return plan.problems.isEmpty();
 }
 
-QList<Film> filmsOf(Session &session, ConversionRequests &requests, ExitStatus &worst)
-{
-    QList<Film> films;
-    for (const QString &argument : session.line().arguments()) {
-        ExitStatus status = ExitStatus::AllWell;
-        const QString path = absolutePath(argument);
-        const auto request = requests.requestFor(path, status);
-        if (session.isInterrupted())
-            return {};
-        films.append({path, request, {}});
-        if (!request)
-            films.last().problems = QStringList{requests.problem(), requests.wayOut()};
-        films.last().problems.removeAll(QString());
-        worst = worse(worst, status);
-    }
-    return films;
-}
-
-QString clashOf(Session &session, const QList<Film> &films)
+QString clashOf(Session &session, const QList<RequestedFilm> &films)
 {
     QList<jobs::JobRequest> jobs;
-    for (const Film &film : films) {
+    for (const RequestedFilm &film : films) {
         if (film.request)
             jobs.append(film.request->job);
     }
@@ -208,7 +203,7 @@ QString PlanCommand::example() const
 
 QStringList PlanCommand::options() const
 {
-    return ConversionRequests::options() + QStringList{u"force"_s, u"commands"_s};
+    return ConversionRequests::options() + QStringList{u"commands"_s, u"list"_s};
 }
 
 ExitStatus PlanCommand::execute(Session &session) const
@@ -222,12 +217,12 @@ ExitStatus PlanCommand::execute(Session &session) const
     if (const ExitStatus status = requests.begin(); status != ExitStatus::AllWell)
         return status;
     ExitStatus worst = ExitStatus::AllWell;
-    const QList<Film> films = filmsOf(session, requests, worst);
+    const QList<RequestedFilm> films = requests.films(worst);
     if (worst == ExitStatus::WrongUsage)
         return worst;
     if (const QString clash = clashOf(session, films); !clash.isNull())
         return session.wrongUsage(clash);
-    for (const Film &film : films) {
+    for (const RequestedFilm &film : films) {
         if (!showOne(session, film))
             worst = worse(worst, ExitStatus::Failed);
     }

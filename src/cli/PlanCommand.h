@@ -13,7 +13,7 @@ public:
     {
         return QStringLiteral("Show what convert would do with each track, and why.");
     }
-    QString arguments() const override { return QStringLiteral("FILE..."); }
+    QString arguments() const override { return QStringLiteral("FILE|DIR..."); }
     QString example() const override;
     QStringList options() const override;
     ExitStatus execute(Session &session) const override;

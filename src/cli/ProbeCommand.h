@@ -15,6 +15,7 @@ public:
     }
     QString arguments() const override { return QStringLiteral("FILE..."); }
     QString example() const override { return QStringLiteral("tessaray-cli probe film.mkv --json"); }
+    QStringList options() const override { return {QStringLiteral("list")}; }
     ExitStatus execute(Session &session) const override;
 };
 

@@ -13,7 +13,7 @@ namespace cli {
 
 QStringList RemoveCommand::options() const
 {
-    return {u"tracks"_s, u"force"_s, u"verify"_s, u"dry-run"_s};
+    return {u"tracks"_s, u"force"_s, u"verify"_s, u"dry-run"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus RemoveCommand::execute(Session &session) const

@@ -10,7 +10,7 @@ namespace cli {
 
 QStringList RemuxCommand::options() const
 {
-    return {u"force"_s, u"verify"_s, u"dry-run"_s};
+    return {u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus RemuxCommand::execute(Session &session) const

@@ -10,7 +10,7 @@ namespace cli {
 
 QStringList SendCommand::options() const
 {
-    return {u"force"_s, u"verify"_s, u"dry-run"_s};
+    return {u"force"_s, u"verify"_s, u"dry-run"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus SendCommand::execute(Session &session) const

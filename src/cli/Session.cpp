@@ -1,6 +1,7 @@
 #include "cli/Session.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <csignal>
@@ -10,6 +11,8 @@ using namespace Qt::StringLiterals;
 namespace cli {
 
 namespace {
+
+constexpr int flushAfterInterruptMs = 500;
 
 /// Told to a user who waits for the result; a watched folder runs unattended.
 steps::WhenTaken whenTakenFor(const CommandLine &line)
@@ -27,6 +30,8 @@ Session::Session(const CommandLine &line)
 {
     m_console.setJson(line.has(u"json"_s));
     m_console.setQuiet(line.has(u"quiet"_s));
+    m_console.setPrint(line.value(u"print"_s));
+    m_console.setWhenUnread([this] { m_interrupts.interruptAs(SIGPIPE); });
 }
 
 app::Program &Session::program()
@@ -84,7 +89,25 @@ ExitStatus Session::unlessInterrupted(ExitStatus status) const
 {
     if (!isInterrupted())
         return status;
-    return m_interrupts.signalNumber() == SIGINT ? ExitStatus::Interrupted : ExitStatus::Terminated;
+    switch (m_interrupts.signalNumber()) {
+    case SIGINT:
+        return ExitStatus::Interrupted;
+    case SIGPIPE:
+        return ExitStatus::Unread;
+    default:
+        return ExitStatus::Terminated;
+    }
+}
+
+/// Somebody who interrupts us does not want to wait for a reader that has stopped reading.
+void Session::flush()
+{
+    QElapsedTimer sinceInterrupt;
+    m_console.flush([&] {
+        if (isInterrupted() && !sinceInterrupt.isValid())
+            sinceInterrupt.start();
+        return !sinceInterrupt.isValid() || sinceInterrupt.elapsed() < flushAfterInterruptMs;
+    });
 }
 
 QString absolutePath(const QString &path)

@@ -20,6 +20,8 @@ public:
     explicit Session(const CommandLine &line);
 
     const CommandLine &line() const { return m_line; }
+    /// As if they had been named on the command line.
+    void addArguments(const QStringList &arguments) { m_line.addArguments(arguments); }
     Console &console() { return m_console; }
     platform::AlertPresenter &alerts() { return m_alerts; }
     app::Interrupts &interrupts() { return m_interrupts; }
@@ -35,6 +37,8 @@ public:
     {
         return m_isUnsettled ? worse(status, ExitStatus::Warnings) : status;
     }
+    /// Waits until everything that was printed has been read.
+    void flush();
     bool isInterrupted() const { return m_interrupts.signalNumber() != 0; }
     prefs::SaveFolder saveFolder() { return prefs::SaveFolder(program().preferences()); }
 

@@ -72,7 +72,7 @@ qsizetype waysGiven(const CommandLine &line)
 
 QStringList SplitCommand::options() const
 {
-    return ways + QStringList{u"force"_s, u"verify"_s, u"dry-run"_s};
+    return ways + QStringList{u"force"_s, u"verify"_s, u"dry-run"_s, u"list"_s, u"print"_s, u"exec"_s};
 }
 
 ExitStatus SplitCommand::execute(Session &session) const

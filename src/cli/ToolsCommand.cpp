@@ -1,7 +1,10 @@
 #include "cli/ToolsCommand.h"
 
+#include "cli/BugReport.h"
 #include "cli/Session.h"
 #include "prefs/ToolCheck.h"
+
+#include <QDir>
 
 using namespace Qt::StringLiterals;
 
@@ -31,12 +34,27 @@ QString lineOf(const prefs::ToolReport &report)
     return start + prefs::describe(report.state) + u". "_s + report.switchesOff;
 }
 
+/// What was saved where logs may lie: here, in the save folder, in the watched one.
+ExitStatus report(Session &session)
+{
+    const KXPreferences &preferences = session.program().preferences();
+    const KeptLog log =
+        newestLog({QDir::currentPath(), preferences.saveDirectoryPath(), preferences.watchFolderPath()});
+    const QStringList lines = bugReport(prefs::ToolCheck(preferences).checkAll(), log);
+    session.console().object({{u"report"_s, lines.join(u'\n')}});
+    for (const QString &line : lines)
+        session.console().result(line);
+    return ExitStatus::AllWell;
+}
+
 } // namespace
 
 ExitStatus ToolsCommand::execute(Session &session) const
 {
     if (!session.line().arguments().isEmpty())
         return session.wrongUsage(u"The command tools takes no arguments."_s);
+    if (session.line().has(u"report"_s))
+        return report(session);
     const KXPreferences &preferences = session.program().preferences();
     for (const prefs::ToolReport &report : prefs::ToolCheck(preferences).checkAll()) {
         session.console().object(objectOf(report));

@@ -15,6 +15,7 @@ public:
     }
     QString arguments() const override { return {}; }
     QString example() const override { return QStringLiteral("tessaray-cli tools"); }
+    QStringList options() const override { return {QStringLiteral("report")}; }
     ExitStatus execute(Session &session) const override;
 };
 

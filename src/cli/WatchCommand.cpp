@@ -1,11 +1,13 @@
 #include "cli/WatchCommand.h"
 
 #include "app/FileWork.h"
+#include "cli/FinishedFiles.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
 
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +35,8 @@ void tell(Console &console, const app::WatchLog::Line &line)
                         {u"time"_s, line.time.toString(Qt::ISODate)},
                         {u"kind"_s, app::WatchLog::wordOf(line.kind)},
                         {u"text"_s, line.text}});
+    else if (console.printsFilesOnly())
+        console.say(app::WatchLog::formatted(line));
     else
         console.result(app::WatchLog::formatted(line));
 }
@@ -45,10 +49,25 @@ void followProgress(Session &session, QObject *context)
         for (const jobs::ProgressItem &item : queue.jobProgressList())
             steps.append(item.step + u' ' + item.progress);
         if (queue.currentJob() && !steps.isEmpty())
-            session.console().progress(queue.currentJob()->jobFileName() + u": "_s + steps.join(u", "_s));
+            session.console().progress(queue.currentJob()->jobFileName() + u": "_s + steps.join(u", "_s),
+                                       queue.currentJob()->jobFileName());
         else
             session.console().endProgress();
     });
+}
+
+/// Hands the outputs of each job on that ends well.
+void followFiles(Session &session, FinishedFiles &files)
+{
+    KXQueueController &queue = session.program().queue();
+    QObject::connect(&queue, &KXQueueController::jobChanged, &files,
+                     [&queue, &files, taken = QSet<const KXJob *>()](int row) mutable {
+                         const JobPointer job = queue.qJobList().value(row);
+                         if (!job || !job->hasEnded() || taken.contains(job.get()))
+                             return;
+                         taken.insert(job.get());
+                         files.take(*job);
+                     });
 }
 
 } // namespace
@@ -71,6 +90,8 @@ ExitStatus WatchCommand::execute(Session &session) const
     QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,
                      [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });
     followProgress(session, &loop);
+    FinishedFiles finished(session);
+    followFiles(session, finished);
     if (!files.watchSession().start()) // the log says why
         return session.failed(u"The folder %1 can't be watched."_s.arg(folder));
     // Films may be being opened, each in an event loop of its own within ours.
@@ -83,7 +104,7 @@ ExitStatus WatchCommand::execute(Session &session) const
     files.intake().stopProbing();
     session.program().queue().removeAllJobs();
     session.console().endProgress();
-    return session.unlessInterrupted(ExitStatus::AllWell);
+    return finished.finish();
 }
 
 } // namespace cli

@@ -24,8 +24,8 @@ public:
     }
     QStringList options() const override
     {
-        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"),
-                QStringLiteral("existing"), QStringLiteral("verify")};
+        return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"), QStringLiteral("existing"),
+                QStringLiteral("verify"),       QStringLiteral("print"),           QStringLiteral("exec")};
     }
     ExitStatus execute(Session &session) const override;
 };

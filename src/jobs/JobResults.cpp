@@ -55,11 +55,14 @@ JobResults::JobResults(const JobContext &context, steps::OutputGuard &guard)
 {
     connect(&m_publisher, &steps::Publisher::ended, this, &JobResults::settle);
     connect(&m_check, &steps::OutputCheck::finished, this, &JobResults::checked);
+    m_check.setOtherTools([this] { return runningTools(); });
     connect(&m_proof, &steps::OutputProof::finished, this, &JobResults::verified);
 }
 
 void JobResults::stepStarted(const KXConverter &converter)
 {
+    m_working.emplace_back(&converter);
+    connect(&converter, &KXConverter::toolEnded, &m_check, &steps::OutputCheck::otherToolEnded);
     if (m_isChecking && converter.refusal().isNull() && !converter.isTemporaryOutput())
         m_check.readSources(converter.meantOutputs());
 }
@@ -87,8 +90,16 @@ void JobResults::want(const QList<QUrl> &names)
         step.isWanted = step.isWanted || step.files == names;
 }
 
+int JobResults::runningTools() const
+{
+    return static_cast<int>(std::count_if(m_working.begin(), m_working.end(), [](const auto &converter) {
+        return converter && converter->hasRunningTool();
+    }));
+}
+
 void JobResults::publish()
 {
+    m_working.clear();
     m_toCheck = 0;
     checkNext();
 }
@@ -110,6 +121,7 @@ void JobResults::checked()
     QList<media::MeantOutput> measured;
     for (const media::CheckedOutput &result : m_check.results())
         measured.append(result.output);
+    m_tellsOfEnd = m_tellsOfEnd || m_check.tellsOfEnd();
     take(measured, m_check.outcome());
     if (m_steps.at(m_toCheck).isWhole && m_preferences.panelFlag(u"verifyFlag"_s))
         return m_proof.begin(measured, m_check.films());
@@ -138,11 +150,13 @@ void JobResults::take(const QList<media::MeantOutput> &measured, const Outcome &
 
 void JobResults::pause()
 {
+    m_check.pause();
     m_proof.pause();
 }
 
 void JobResults::resume()
 {
+    m_check.resume();
     m_proof.resume();
 }
 

@@ -7,6 +7,9 @@
 #include "steps/Publisher.h"
 
 #include <QObject>
+#include <QPointer>
+
+#include <vector>
 
 namespace jobs {
 
@@ -45,6 +48,8 @@ public:
     const QList<std::pair<QUrl, QUrl>> &renamed() const { return m_renamed; }
     /// What the checks found, and what went wrong with publishing; Unknown when there was neither.
     const steps::Outcome &found() const { return m_found; }
+    /// Whether that says where a source ends that was cut.
+    bool tellsOfEnd() const { return m_tellsOfEnd; }
     /// The outputs with what was measured of their tracks.
     const QList<media::MeantOutput> &measured() const { return m_measured; }
     /// What the check read of the sources.
@@ -75,6 +80,7 @@ private:
         bool isWhole = false;
         bool isWanted = false;
     };
+    int runningTools() const;
     void checkNext();
     void checked();
     void verified();
@@ -99,6 +105,8 @@ private:
     QList<QUrl> m_outputs;
     QList<std::pair<QUrl, QUrl>> m_renamed;
     steps::Outcome m_found;
+    bool m_tellsOfEnd = false;
+    std::vector<QPointer<const KXConverter>> m_working; ///< steps that were started
     steps::Publisher m_publisher;
 };
 

@@ -156,7 +156,7 @@ void KXJob::unsubscribe()
 
 const QString &KXJob::temporaryFolder()
 {
-    if (m_temporaryFolder.isEmpty()) {
+    if (m_temporaryFolder.isEmpty() && !m_guard.isPlan()) {
         m_temporaryFolder = m_context.scratch.makeJobFolder();
         m_guard.files().setPrivateFolder(m_temporaryFolder);
     }
@@ -293,8 +293,20 @@ void KXJob::removeTask(const jobs::StepTask &task)
     m_stepTaskList.removeIf([&](const jobs::StepTask &other) { return other == task; });
 }
 
+jobs::Pace KXJob::pace() const
+{
+    jobs::Pace pace = m_pace.pace();
+    for (const ConverterPointer &converter : m_stepConverterList) {
+        const steps::RunSpeed speed = converter ? converter->runSpeed() : steps::RunSpeed();
+        pace.speed = speed.speed ? speed.speed : pace.speed;
+        pace.fps = speed.fps ? speed.fps : pace.fps;
+    }
+    return pace;
+}
+
 void KXJob::postProgress(const jobs::ProgressList &list)
 {
+    m_pace.take(list);
     m_context.notifications.post(u"progressUpdate"_s, QVariant::fromValue(list),
                                  {{u"theJob"_s, QVariant::fromValue<QObject *>(this)}});
 }
@@ -453,6 +465,7 @@ void KXJob::poll(const jobs::ProgressList &first, const Cycle &cycle, const std:
 void KXJob::pauseJob()
 {
     m_isPaused = true;
+    m_pace.pause();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)
@@ -467,6 +480,7 @@ void KXJob::pauseJob()
 void KXJob::resumeJob()
 {
     m_isPaused = false;
+    m_pace.resume();
     for (const jobs::StepTask &task : std::as_const(m_stepTaskList)) {
         if (const auto *process = std::get_if<tools::ToolProcessPointer>(&task)) {
             if (*process)
@@ -592,6 +606,8 @@ void KXJob::takeResults()
     m_receipt.takeMeasured(m_results.measured());
     if (m_results.found().verdict == steps::Verdict::Unknown)
         return;
+    if (m_results.tellsOfEnd())
+        m_outcome = m_outcome.withoutDamage();
     addOutcome(m_results.found());
     for (const QUrl &log : m_results.logsOfFailed()) {
         m_logsToKeep.append(log);
@@ -665,9 +681,9 @@ void KXJob::addWordsOfReceipt()
     for (const QString &warning : media::sentencesOf(receipt, media::Told::AsAWarning))
         addOutcome(steps::Outcome::warnings(warning));
     for (const QString &note : media::sentencesOf(receipt, media::Told::AsANote))
-        addOutcome({steps::Verdict::Ok, note});
+        addOutcome({steps::Verdict::Ok, note, {}});
     for (const QString &verified : media::sentencesOfVerified(receipt))
-        addOutcome({steps::Verdict::Ok, verified});
+        addOutcome({steps::Verdict::Ok, verified, {}});
 }
 
 /// Logs and intermediate files stay or go together, on purpose; the log of a failed step stays in any case.

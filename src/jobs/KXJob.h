@@ -3,6 +3,7 @@
 #include "jobs/JobContext.h"
 #include "jobs/JobReceipt.h"
 #include "jobs/JobResults.h"
+#include "jobs/Pace.h"
 #include "jobs/ProgressItem.h"
 #include "platform/Fields.h"
 #include "steps/DurationLooks.h"
@@ -96,6 +97,8 @@ public:
     {
         m_receipt.takeStreams(source, streams);
     }
+    /// How far it is and how fast, while it runs.
+    jobs::Pace pace() const;
     /// Finished files the user wanted, in step order.
     QList<QUrl> outputs() const;
     /// What is wrong with the job before anything runs; a null text when it may start.
@@ -215,6 +218,7 @@ private:
     QSet<qsizetype> m_runningSteps; ///< of those that are started in turn
     std::atomic_bool m_isPaused = false;
     jobs::JobResults m_results;
+    jobs::PaceKeeper m_pace;
     QTimer m_slowEnd;        ///< runs while finished files are checked and published
     QString m_shownEnd;      ///< what was shown of that
     bool m_isEnding = false; ///< every step has ended

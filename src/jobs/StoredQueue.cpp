@@ -135,8 +135,10 @@ void StoredQueue::takeFolder(QStringList &problems)
     m_holder = std::make_unique<HolderFile>(urlOf(m_folder + u"/holder"_s));
     const HolderFile::Answer answer = m_holder->take();
     m_isOpen = answer == HolderFile::Answer::Held;
-    if (m_isOpen)
+    if (m_isOpen) {
         clearHalfWritten(m_folder);
+        HolderFile::clearBeside(urlOf(m_folder + u"/holder"_s));
+    }
     if (answer == HolderFile::Answer::Taken)
         problems.append(
             u"Another window keeps the queue in %1, so jobs of this one are not stored."_s.arg(m_folder));

@@ -1,7 +1,9 @@
 #include "media/FilmCheck.h"
 
+#include "media/CheckWords.h"
 #include "media/PartsCheck.h"
 #include "media/SampledTimes.h"
+#include "media/SourceWarnings.h"
 #include "media/StreamPairing.h"
 
 #include <algorithm>
@@ -16,40 +18,9 @@ namespace {
 
 /// A file that takes longer to read than this is not read whole for its check.
 constexpr qint64 mostBytesOfCount = 64 * 1024 * 1024;
-/// What a part by time may begin and end beside what was asked for, without a word.
-constexpr double farFromAsked = 2;
 constexpr double sumTolerance = 0.05;
 constexpr double textTolerance = 1;
-
-QString nameOf(const QUrl &file)
-{
-    return file.fileName();
-}
-
-QString asSentence(const QString &words)
-{
-    return words.endsWith(u'.') ? words : words + u'.';
-}
-
-QString fine(double seconds)
-{
-    return QString::number(seconds, 'f', 2);
-}
-
-/// With hundredths where whole seconds would not show the difference.
-QString timesOf(const QString &sentence, double one, double other)
-{
-    const bool isCoarse = clockTime(one) != clockTime(other);
-    return sentence.arg(isCoarse ? clockTime(one) : fine(one) + u" s"_s,
-                        isCoarse ? clockTime(other) : fine(other) + u" s"_s);
-}
-
-QString kindWord(const QString &kind, qint64 count)
-{
-    if (kind == u"attachment"_s || kind == u"cover"_s)
-        return count == 1 ? kind : kind + u's';
-    return kind + (count == 1 ? u" track"_s : u" tracks"_s);
-}
+constexpr double toldTolerance = 1;
 
 /// What is missing between the start and the end of a sound, by its count of packets; absent where not known.
 std::optional<double> holesIn(const StreamFacts &stream, std::optional<qint64> packets)
@@ -60,12 +31,6 @@ std::optional<double> holesIn(const StreamFacts &stream, std::optional<qint64> p
         return std::nullopt;
     const double missing = *stream.lastEnd - *start - *packed;
     return missing > 2 * *packetSeconds(stream) + 0.002 ? missing : 0; // times in milliseconds
-}
-
-/// A film may be put behind itself.
-bool isOneFilm(const QList<QUrl> &sources)
-{
-    return sources.isEmpty() || sources.count(sources.constFirst()) == sources.size();
 }
 
 /// Everything that is held against one output.
@@ -82,15 +47,17 @@ public:
 
     CheckedOutput run()
     {
-        if (isTooLong())
-            return m_result; // nothing is proven
         if (!m_film.isOpen)
             sayItIsNotOpen();
+        else if (isTooLong())
+            compareHeaders();
         else if (output().isRaw)
             compareRaw();
         else
             compareFilm();
-        tellOfSources();
+        const SourceWarnings told = warningsOfSources(output(), m_films, m_figures);
+        m_warnings += told.sentences;
+        m_result.tellsOfEnd = told.tellsOfEnd;
         if (m_isUsable &&
             !m_figures.damage.isNull()) // what a damaged source has lost is no fault of the result
             m_warnings = std::exchange(m_failures, {}) + m_warnings;
@@ -113,7 +80,7 @@ private:
     }
 
     MeantOutput &output() { return m_result.output; }
-    QString name() { return nameOf(output().output); }
+    QString name() { return output().output.fileName(); }
 
     void sayItIsNotOpen()
     {
@@ -166,7 +133,61 @@ private:
             if (pairs.at(i) >= 0)
                 compareStream(m_expected.at(i), m_film.streams.at(pairs.at(i)));
         }
-        tellOfStretch();
+        if (const QString far = warningOfStretch(output(), m_films); !far.isNull())
+            m_warnings << far;
+    }
+
+    /// What can be known without looking at packets.
+    void compareHeaders()
+    {
+        m_expected = expectedStreams(output(), m_films);
+        takeCovers();
+        compareNumbers();
+        const QList<int> pairs = pairedStreams(m_expected, output(), m_film);
+        for (qsizetype i = 0; i < pairs.size(); ++i) {
+            if (pairs.at(i) >= 0)
+                compareHeader(m_expected.at(i), m_film.streams.at(pairs.at(i)));
+        }
+        const FilmFacts *source = onlySource();
+        if (source != nullptr && takesAllOf(*source))
+            compareToldLengths(source->seconds, m_film.seconds, name());
+    }
+
+    void compareHeader(const ExpectedStream &expected, const StreamFacts &found)
+    {
+        const QString label = labelOf(found) + u" of "_s + name();
+        if (!expected.codec.isEmpty() && !isSameCodec(expected.codec, found.codec))
+            failWholly(u"%1 is %2 instead of %3."_s.arg(label, found.codec, expected.codec));
+        const StreamFacts *from = expected.sources.constFirst();
+        const bool isSame = onlySource() != nullptr && from != nullptr && expected.isTimed() &&
+                            compareToldLengths(from->headerSeconds, found.headerSeconds, label);
+        for (const int at : expected.fates) {
+            output().tracks[at].outputIndex = found.index;
+            output().tracks[at].proof = isSame ? Proof::Lengths : Proof::NotProven;
+        }
+    }
+
+    /// Whether both are known, and alike.
+    bool compareToldLengths(std::optional<double> meant, std::optional<double> found, const QString &label)
+    {
+        if (!meant || !found)
+            return false;
+        if (std::abs(*meant - *found) <= std::max(toldTolerance, *meant * 0.0005))
+            return true;
+        failWholly(withTimes(label + u" lasts %1 instead of %2."_s, *found, *meant));
+        return false;
+    }
+
+    /// Else the longest of its tracks may be among those that were left out.
+    bool takesAllOf(const FilmFacts &source)
+    {
+        const QList<TrackFate> &fates = output().tracks;
+        const auto isTaken = [&](const StreamFacts &one) {
+            return std::any_of(fates.begin(), fates.end(), [&](const TrackFate &fate) {
+                return fate.index == one.index && fate.became != Became::LeftOut;
+            });
+        };
+        return std::all_of(source.streams.begin(), source.streams.end(), isTaken);
     }
 
     void compareNumbers()
@@ -357,7 +378,7 @@ private:
         const double slack = slackOf(expected, found);
         const bool isLate = late > expected.mostLater + slack;
         if ((late < -slack || isLate) && std::abs(late + expected.hidden) > slack)
-            m_failures << u"%1 begins %2 s too %3."_s.arg(label, fine(std::abs(late)),
+            m_failures << u"%1 begins %2 s too %3."_s.arg(label, fineSeconds(std::abs(late)),
                                                           late > 0 ? u"late"_s : u"early"_s);
     }
 
@@ -386,7 +407,7 @@ private:
         const bool isSame = more >= -slack && more <= expected.mostMore + slack;
         if (isSame || std::abs(more - expected.hidden) <= slack)
             return Measured::Same;
-        m_failures << timesOf(label + u" lasts %1 instead of %2."_s, length, *expected.seconds);
+        m_failures << withTimes(label + u" lasts %1 instead of %2."_s, length, *expected.seconds);
         return Measured::Off;
     }
 
@@ -410,8 +431,8 @@ private:
         const double meant = *from->lastEnd + *m_shift;
         if (std::abs(*found.lastEnd - meant) <= textTolerance)
             return Measured::Same;
-        m_failures << timesOf(label + u" ends at %1 instead of %2."_s, *found.lastEnd - *begin,
-                              meant - *begin);
+        m_failures << withTimes(label + u" ends at %1 instead of %2."_s, *found.lastEnd - *begin,
+                                meant - *begin);
         return Measured::Off;
     }
 
@@ -469,7 +490,7 @@ private:
             return;
         const double all = found.lastEnd.value_or(0) - found.startOfCopy().value_or(0);
         const QString sentence =
-            u"%1 has holes: %2 s of %3 s are missing."_s.arg(label, fine(missing), fine(all));
+            u"%1 has holes: %2 s of %3 s are missing."_s.arg(label, fineSeconds(missing), fineSeconds(all));
         (before ? m_failures : m_warnings) << sentence;
     }
 
@@ -542,60 +563,8 @@ private:
         if (std::abs(seconds + holes - *expected.seconds) <= expected.tolerance(found))
             return Measured::Same;
         if (count == Measured::NotKnown) // the holes of a source that is not counted are not known
-            m_warnings << timesOf(label + u" lasts %1 instead of %2."_s, seconds, *expected.seconds);
+            m_warnings << withTimes(label + u" lasts %1 instead of %2."_s, seconds, *expected.seconds);
         return Measured::NotKnown;
-    }
-
-    void tellOfStretch()
-    {
-        const MeantOutput &meant = output();
-        const auto source = m_films.constFind(meant.sources.value(0));
-        if (meant.extent != Extent::Stretch || source == m_films.constEnd() || !source->lastEnd())
-            return;
-        const auto stretch = trueStretchOf(meant, *source);
-        const double begin = source->earliestStart().value_or(0);
-        const double asked = std::max(meant.from, begin);
-        const double until = std::min(meant.to.value_or(*source->lastEnd()), *source->lastEnd());
-        if (!stretch || (std::abs(stretch->from - asked) <= farFromAsked &&
-                         std::abs(stretch->to - until) <= farFromAsked))
-            return;
-        m_warnings << u"%1 holds %2 to %3 of the source; %4 to %5 was asked for."_s.arg(
-            name(), clockTime(stretch->from), clockTime(stretch->to), clockTime(meant.from),
-            clockTime(meant.to.value_or(until)));
-    }
-
-    void tellOfSources()
-    {
-        const QList<QUrl> &sources = output().sources;
-        bool isShort = false;
-        for (qsizetype i = 0; i < sources.size(); ++i) {
-            const FilmFacts film = m_films.value(sources.at(i));
-            const QString label =
-                isOneFilm(sources) ? u"The source"_s : u"The source %1"_s.arg(nameOf(sources.at(i)));
-            if (sources.indexOf(sources.at(i)) != i)
-                continue;
-            if (!film.isOpen)
-                m_warnings << u"%1 can't be read, so %2 could not be compared with it."_s.arg(label, name());
-            else if (film.isShort())
-                m_warnings << endOf(film, label);
-            isShort = isShort || film.isShort();
-        }
-        if (!m_figures.damage.isNull() && !m_figures.damageIsTold && !isShort)
-            m_warnings << asSentence(u"The source is damaged: "_s + m_figures.damage);
-    }
-
-    static QString endOf(const FilmFacts &film, const QString &label)
-    {
-        const auto end = film.lastEnd();
-        const auto told = film.promise();
-        if (!end)
-            return u"%1 is cut off."_s.arg(label);
-        const double begin = film.isTransport() || film.isProgram() ? film.earliestStart().value_or(0) : 0;
-        if (film.isTransport() || film.isProgram() || !told || *told <= *end)
-            return u"%1 is cut off: it ends at %2."_s.arg(label, clockTime(*end - begin));
-        const bool isCoarse = clockTime(*end) != clockTime(*told);
-        return isCoarse ? u"%1 ends at %2 of %3."_s.arg(label, clockTime(*end), clockTime(*told))
-                        : u"%1 ends at %2 of %3 s."_s.arg(label, fine(*end), fine(*told));
     }
 
     const Films &m_films;
@@ -645,7 +614,8 @@ QList<CheckedOutput> checkedOutputs(const QList<MeantOutput> &outputs, const Fil
 {
     // The figures of a run name streams by number, which tells nothing where it wrote several files.
     const RunFigures common =
-        outputs.size() == 1 ? figures : RunFigures{{}, {}, figures.damageIsTold, figures.damage};
+        outputs.size() == 1 ? figures
+                            : RunFigures{{}, {}, figures.damageIsTold, figures.damage, figures.complaint};
     QList<CheckedOutput> checked;
     for (const MeantOutput &output : outputs)
         checked.append(OneCheck(completedBy(output, films), films, common).run());

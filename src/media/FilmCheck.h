@@ -16,6 +16,7 @@ struct CheckedOutput
 
     MeantOutput output; ///< with what was measured, the streams' places and the proofs in its fates
     Result result = Result::Ok;
+    bool tellsOfEnd = false;       ///< of a source: the sentences say where it ends
     QStringList sentences;         ///< what there is to say, the worst first; none when all is well
     std::optional<double> seconds; ///< how long the output is
 

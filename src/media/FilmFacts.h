@@ -55,7 +55,7 @@ struct FilmFacts
 {
     bool wasAsked = false;  ///< ffprobe has answered, be it with an error
     bool isOpen = false;    ///< it told a format
-    bool isTooLong = false; ///< what it lists is more than can be looked at
+    bool isTooLong = false; ///< what it lists is more than can be looked at: its header alone is known
     QString format;
     QString writtenAt; ///< the file's creation time, as it tells it
     std::optional<double> start;

@@ -37,6 +37,12 @@ QStringList headerArguments()
     return {u"-show_entries"_s, u"format=format_name,start_time,duration,size"_s, u"-of"_s, u"json"_s};
 }
 
+QStringList streamsArguments()
+{
+    return {u"-show_format"_s, u"-show_streams"_s, u"-show_chapters"_s, u"-show_data_hash"_s, u"md5"_s,
+            u"-of"_s,          u"json"_s};
+}
+
 QStringList surveyArguments(const FilmRead &read)
 {
     return {u"-show_format"_s,
@@ -173,6 +179,8 @@ QStringList argumentsOf(const FilmRead &read, const QUrl &film)
     QStringList words{u"-v"_s, u"error"_s};
     if (read.what == What::Header)
         words += headerArguments();
+    else if (read.what == What::Streams)
+        words += streamsArguments();
     else
         words += read.what == What::Survey ? surveyArguments(read) : packetArguments(read);
     return words << u"-i"_s << film.toLocalFile();
@@ -180,6 +188,8 @@ QStringList argumentsOf(const FilmRead &read, const QUrl &film)
 
 std::optional<FilmRead> nextRead(const FilmFacts &facts, const FilmWish &wish, const QList<FilmRead> &made)
 {
+    if (facts.isTooLong)
+        return wasMade(made, What::Streams) ? std::nullopt : std::optional(FilmRead{What::Streams, {}, {}});
     if (surveysIn(made) == 0 && !facts.seconds && !wasMade(made, What::Header))
         return FilmRead{What::Header, {}, {}};
     if (surveysIn(made) == 0)

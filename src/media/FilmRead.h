@@ -15,7 +15,8 @@ struct FilmRead
         Header,  ///< format and length alone, to know where the tail is
         Survey,  ///< header, head, windows and tail, in one run; all of a short film
         Stretch, ///< the packets between two times
-        Whole    ///< all packets
+        Whole,   ///< all packets
+        Streams  ///< header and streams without a packet, of a film whose survey lists too much
     };
     What what = What::Header;
     std::optional<double> promise; ///< of a survey: where the film should end

@@ -175,7 +175,8 @@ void takeLengthOfAvi(FilmFacts &facts, const QJsonArray &streams)
 {
     for (qsizetype i = 0; facts.format == u"avi"_s && i < streams.size(); ++i) {
         const QJsonObject stream = streams.at(i).toObject();
-        const auto pictures = jsonNumber(stream, u"nb_frames"_s); // empty ones too, one in each unit of its time
+        const auto pictures =
+            jsonNumber(stream, u"nb_frames"_s); // empty ones too, one in each unit of its time
         const QStringList unit = stream.value(u"time_base"_s).toString().split(u'/');
         const double units = unit.value(1).toDouble();
         if (facts.streams.at(i).kind == u"video"_s && pictures && facts.seconds && units > 0)
@@ -214,12 +215,13 @@ QStringList FilmReader::next()
 {
     if (m_made.isEmpty())
         m_facts.seconds = toldSecondsOf(m_wish.film);
-    const auto read = m_facts.isTooLong ? std::nullopt : nextRead(m_facts, m_wish, m_made);
+    const auto read = nextRead(m_facts, m_wish, m_made);
     if (!read)
         return {};
     m_read = *read;
     m_made.append(*read);
     m_printed.clear();
+    m_isCut = false;
     if (read->what == What::Whole)
         m_counts = QList<qint64>(m_facts.streams.size(), 0);
     return argumentsOf(*read, m_wish.film);
@@ -227,10 +229,10 @@ QStringList FilmReader::next()
 
 void FilmReader::feed(const QByteArray &chunk)
 {
-    if (m_facts.isTooLong || m_printed.size() + chunk.size() > mostListing) {
-        m_facts.isTooLong = true;
+    m_isCut = m_isCut || m_printed.size() + chunk.size() > mostListing;
+    m_facts.isTooLong = m_facts.isTooLong || m_isCut;
+    if (m_isCut)
         return;
-    }
     m_printed += chunk;
     if (m_read.what == What::Stretch || m_read.what == What::Whole)
         takeLines();
@@ -244,9 +246,9 @@ void FilmReader::finish(const QByteArray &errors)
             m_facts.errors.append(line);
     }
     m_facts.wasAsked = true;
-    if (m_facts.isTooLong)
-        return;
-    if (m_read.what == What::Header || m_read.what == What::Survey)
+    if (m_isCut)
+        return m_printed.clear();
+    if (m_read.what == What::Header || m_read.what == What::Survey || m_read.what == What::Streams)
         takeListing();
     else if (m_read.what == What::Whole)
         countWhole();
@@ -260,12 +262,13 @@ void FilmReader::takeListing()
     const FilmFacts header = headerFactsFrom(m_printed);
     const bool isFirst = m_facts.streams.isEmpty();
     if (isFirst) {
-        const QStringList errors = m_facts.errors;
+        const FilmFacts before = m_facts;
         m_facts = header;
-        m_facts.errors = errors;
+        m_facts.errors = before.errors;
+        m_facts.isTooLong = before.isTooLong;
         m_facts.declaredBytes = declaredBytesOf(m_wish.film);
     }
-    if (m_read.what == What::Header)
+    if (m_read.what != What::Survey)
         return;
     m_facts.aimed = m_read.promise;
     m_facts.windows = m_read.windows;

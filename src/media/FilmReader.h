@@ -19,6 +19,8 @@ public:
     /// The run has ended; its error lines.
     void finish(const QByteArray &errors);
     const FilmFacts &facts() const { return m_facts; }
+    /// The run lists more than can be looked at: nothing more of it is taken in.
+    bool isCut() const { return m_isCut; }
 
 private:
     void takeListing();
@@ -36,6 +38,7 @@ private:
     FilmRead m_read;
     QList<FilmRead> m_made;
     QByteArray m_printed;
+    bool m_isCut = false;
     QHash<int, QList<double>> m_lastPictures; ///< the last few times a stream, sorted
     QList<qint64> m_counts;                   ///< packets a stream, of a read of all
 };

@@ -127,7 +127,7 @@ QString KXVideoFile::initializeFromPrintout(const QUrl &url, const media::Printo
 
 void KXVideoFile::writeErrorFile(const QUrl &url, const QString &text) const
 {
-    if (!m_printed)
+    if (!m_printed && m_leavesErrorFiles)
         media::writeErrorFile(url, text);
 }
 

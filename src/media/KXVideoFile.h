@@ -79,6 +79,8 @@ class KXVideoFile final : public KXHelpers
 public:
     /// Without places it can be filled and copied, but every probe answers "not a video".
     explicit KXVideoFile(const tools::ToolPlaces *places);
+    /// What is wrong with a file is not written down beside it.
+    void leaveNoErrorFiles() { m_leavesErrorFiles = false; }
 
     /// Every property back to its default.
     void setFileDefaultPropertyValues();
@@ -167,5 +169,6 @@ private:
 
     mutable QString m_problemCodec;
     double m_toldSeconds = 0; ///< by the container; 0 where it was not asked, or does not know
+    bool m_leavesErrorFiles = true;
     std::optional<media::Printout> m_printed; ///< where somebody else ran the tool
 };

@@ -36,8 +36,29 @@ constexpr std::array damageWords = {
     "The last timestamp processed before the error",
 };
 
-constexpr std::array harmlessWords = {"non monoton", "Timestamps are unset in a packet",
-                                      "Application provided invalid", "Estimating duration"};
+constexpr std::array harmlessWords = {"non monoton",
+                                      "Timestamps are unset in a packet",
+                                      "Application provided invalid",
+                                      "Estimating duration",
+                                      "parser not found for codec",
+                                      "Could not find codec parameters for stream",
+                                      "unable to decode APP fields"};
+
+/// By which a line of ffmpeg's that is not known is taken for one that tells of an error.
+bool speaksOfError(const QString &line)
+{
+    static const QRegularExpression words(
+        u"\\b(error|failed|failure|invalid|unable to|cannot|can't|could not|couldn't|corrupt|missing|truncated)\\b"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return words.match(line).hasMatch();
+}
+
+/// Only parts of ffmpeg have an address, and what they say is their own but for names, which stand in quotes.
+bool isPartsLine(const QString &line)
+{
+    static const QRegularExpression form(u"^\\[[^\\]]+ @ 0x[0-9a-f]+\\]"_s);
+    return form.match(line).hasMatch();
+}
 
 /// Only what a tool tells by itself counts: its command line, and lines about a file or a film, repeat names
 /// and titles, which may hold whatever they like.
@@ -102,6 +123,9 @@ RunFigures runFiguresFrom(const QString &log)
             takeFigures(figures, line);
         if (figures.damage.isNull() && isOwnLine(line) && tellsOfDamage(withoutNames(line)))
             figures.damage = withoutAddress(line);
+        else if (figures.complaint.isNull() && isPartsLine(line) && !isHarmlessLine(line) &&
+                 speaksOfError(withoutNames(line)))
+            figures.complaint = withoutAddress(line);
     }
     return figures;
 }

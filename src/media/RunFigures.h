@@ -25,7 +25,8 @@ struct RunFigures
     QHash<Stream, StreamFigures> read;  ///< by input stream; empty unless ffmpeg was asked to be verbose
     QHash<Stream, StreamFigures> muxed; ///< by output stream
     bool damageIsTold = false;          ///< by whoever judged the run
-    QString damage; ///< the first line that tells of damaged or missing data, as the user sees it
+    QString damage;    ///< the first line that tells of damaged or missing data, as the user sees it
+    QString complaint; ///< the first other line of ffmpeg's that tells of an error, likewise
 };
 
 RunFigures runFiguresFrom(const QString &log);

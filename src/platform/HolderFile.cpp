@@ -6,7 +6,9 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSysInfo>
 #include <QUuid>
 
@@ -21,6 +23,7 @@ namespace {
 
 constexpr qint64 mostBytesOfHolder = 4096;
 constexpr qint64 secondsOfWriting = 60;
+constexpr qint64 secondsOfWritingBeside = 2;
 constexpr int triesOfTakingOver = 3;
 constexpr int numberOfLines = 7;
 
@@ -47,11 +50,36 @@ bool isRunning(qint64 pid, const QByteArray &start)
     return isThere && (start.isEmpty() || found.isEmpty() || start == found);
 }
 
-/// Half a file is one that is being written, or was left so by a process that ended just then.
+bool isOfThisMachine(const QByteArrayList &lines)
+{
+    return lines.at(2) == QSysInfo::machineHostName().toUtf8() && lines.at(3) == QSysInfo::machineUniqueId();
+}
+
+bool runsHere(const QByteArrayList &lines)
+{
+    return lines.at(4) == QSysInfo::bootUniqueId() && isRunning(lines.at(0).toLongLong(), lines.at(1));
+}
+
+/// The ending of the name under which it is written before it is taken.
+const QRegularExpression &besideEnding()
+{
+    static const QRegularExpression ending(u"\\.[0-9a-f]{32}$"_s);
+    return ending;
+}
+
+/// Half a file is one that is being written, or was left so by a process that ended just then. Beside the
+/// name it holds nothing yet: who is slow there fails to take it.
 bool isAbandoned(const QUrl &location)
 {
     const QFileInfo info(location.toLocalFile());
-    return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) > secondsOfWriting;
+    const bool isBeside = besideEnding().match(info.fileName()).hasMatch();
+    return info.exists() && info.lastModified().secsTo(QDateTime::currentDateTime()) >
+                                (isBeside ? secondsOfWritingBeside : secondsOfWriting);
+}
+
+QUrl neighbourOf(const QUrl &location)
+{
+    return QUrl::fromLocalFile(location.toLocalFile() + u'.' + QUuid::createUuid().toString(QUuid::Id128));
 }
 
 QByteArray linesAt(const QUrl &location)
@@ -80,11 +108,13 @@ bool HolderFile::isHolderGone(const QUrl &location)
     const QByteArrayList lines = linesAt(location).split('\n');
     if (lines.size() < numberOfLines)
         return isAbandoned(location);
-    const bool isThisMachine =
-        lines.at(2) == QSysInfo::machineHostName().toUtf8() && lines.at(3) == QSysInfo::machineUniqueId();
-    if (!isThisMachine)
-        return false;
-    return lines.at(4) != QSysInfo::bootUniqueId() || !isRunning(lines.at(0).toLongLong(), lines.at(1));
+    return isOfThisMachine(lines) && !runsHere(lines);
+}
+
+bool HolderFile::isHolderRunning(const QUrl &location)
+{
+    const QByteArrayList lines = linesAt(location).split('\n');
+    return lines.size() >= numberOfLines && isOfThisMachine(lines) && runsHere(lines);
 }
 
 QString HolderFile::holderAt(const QUrl &location)
@@ -102,25 +132,36 @@ void HolderFile::clearIfGone(const QUrl &location)
         HolderFile(location).clearAway(judged);
 }
 
+/// Whole from its first moment on: a half one, of a process that was killed just then, would block for a
+/// while.
 bool HolderFile::make()
 {
     const QByteArray lines = ownLines();
-    if (!createFile(m_location, lines))
-        return false;
-    m_lines = lines;
-    const QByteArray written = linesAt(m_location);
-    if (written.size() < lines.size() && lines.startsWith(written) && fileAt(m_location)) // a full disk
-        removeName(m_location);
+    const QUrl beside = neighbourOf(m_location);
+    const bool isWhole = !fileAt(m_location) && createFile(beside, lines) && linesAt(beside) == lines;
+    if (isWhole && renameToFreeName(beside, m_location))
+        m_lines = lines;
+    else
+        removeName(beside);
     if (isHeld())
         keeper::hold(m_location.toLocalFile(), m_lines, m_leaving);
     return isHeld();
 }
 
+void HolderFile::clearBeside(const QUrl &location)
+{
+    const QFileInfo info(location.toLocalFile());
+    for (const QString &name :
+         QDir(info.absolutePath()).entryList({info.fileName() + u".*"_s}, QDir::Files | QDir::Hidden)) {
+        if (name.size() == info.fileName().size() + 33 && besideEnding().match(name).hasMatch())
+            clearIfGone(QUrl::fromLocalFile(info.absolutePath() + u'/' + name));
+    }
+}
+
 /// By a rename, which only one of several can do; who moved another file than was judged puts it back.
 bool HolderFile::clearAway(const QByteArray &judged) const
 {
-    const QUrl aside =
-        QUrl::fromLocalFile(m_location.toLocalFile() + u'.' + QUuid::createUuid().toString(QUuid::Id128));
+    const QUrl aside = neighbourOf(m_location);
     if (!renameToFreeName(m_location, aside))
         return false;
     if (linesAt(aside) == judged || !renameToFreeName(aside, m_location))

@@ -28,8 +28,14 @@ public:
     static bool isHolderGone(const QUrl &location);
     /// "process 123 on HOST"; a null text where nothing that can be read stands.
     static QString holderAt(const QUrl &location);
+    /// Whether that process is one of this machine and runs: then nothing is abandoned, however old it looks,
+    /// as a machine may have slept for weeks.
+    static bool isHolderRunning(const QUrl &location);
     /// Takes the file of such a process away.
     static void clearIfGone(const QUrl &location);
+    /// What such processes left beside it when they were killed while they took it: files of its name and a
+    /// number.
+    static void clearBeside(const QUrl &location);
 
 private:
     bool make();

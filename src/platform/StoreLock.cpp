@@ -16,6 +16,7 @@ namespace platform {
 namespace {
 
 constexpr unsigned long holderPauseMs = 10;
+constexpr int mostFailures = 20; ///< it can be taken and let go of between two looks
 constexpr qint64 secondsOfForgotten = 600;
 
 const QString busy = u"they are locked by another program"_s;
@@ -48,12 +49,14 @@ QString StoreLock::take(int patienceMs)
     errno = 0;
     if (!m_lock.tryLock(patienceMs))
         return m_lock.wasBusy() ? busy : impossible();
-    for (;;) {
+    for (int failures = 0;;) {
         errno = 0;
         const HolderFile::Answer answer = m_holder.take();
-        if (answer == HolderFile::Answer::Held)
+        if (answer == HolderFile::Answer::Held) {
+            HolderFile::clearBeside(QUrl::fromLocalFile(m_holderPath));
             return {};
-        if (answer == HolderFile::Answer::Impossible)
+        }
+        if (answer == HolderFile::Answer::Impossible && ++failures == mostFailures)
             return impossible();
         if (isForgotten(m_holderPath))
             removeName(QUrl::fromLocalFile(m_holderPath));

@@ -160,9 +160,9 @@ selection::ConversionSettings KXPresetSettings::heldByGuess() const
         held.width = pWidth();
     held.subtitles =
         pSubAction() == u"Burn (hard)"_s ? selection::SubtitleUse::Burn : selection::SubtitleUse::Mux;
-    const selection::Playback *device = selection::playbackOf(pDevice());
+    const auto device = selection::playbackOf(pDevice());
     for (const TrackPointer &track : m_selectionController.currentSelection()->trackList()) {
-        if (selection::isAudio(*track) && (device == nullptr || playsOnDevice(*device, *track)))
+        if (selection::isAudio(*track) && (!device || playsOnDevice(*device, *track)))
             held.audio.insert(track, outputsFor(*track));
     }
     return held;

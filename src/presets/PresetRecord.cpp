@@ -1,5 +1,6 @@
 #include "presets/PresetRecord.h"
 
+#include <QHash>
 #include <QMetaProperty>
 
 using namespace Qt::StringLiterals;
@@ -8,10 +9,19 @@ namespace presets {
 
 namespace {
 
+/// By word, made once a class: a record is read at every save.
+const QHash<QString, QMetaProperty> &propertiesOf(const QMetaObject &meta)
+{
+    static QHash<const QMetaObject *, QHash<QString, QMetaProperty>> known;
+    QHash<QString, QMetaProperty> &properties = known[&meta];
+    for (int i = properties.isEmpty() ? 0 : meta.propertyCount(); i < meta.propertyCount(); ++i)
+        properties.insert(QString::fromLatin1(meta.property(i).name()), meta.property(i));
+    return properties;
+}
+
 QMetaProperty propertyNamed(const QObject &object, const QString &word)
 {
-    const QMetaObject &meta = *object.metaObject();
-    return meta.property(meta.indexOfProperty(word.toLatin1().constData()));
+    return propertiesOf(*object.metaObject()).value(word);
 }
 
 } // namespace

@@ -75,7 +75,7 @@ private:
 
     const KXSelection &m_film;
     QString m_target;
-    const Playback &m_device;
+    Playback m_device;
     Aim m_aim;
     const ConversionSettings &m_byHand;
     BestGuess m_guess;
@@ -285,7 +285,7 @@ QString BestGuess::reasonFor(const TrackPointer &track) const
 std::optional<BestGuess> bestGuess(const KXSelection &film, const QString &target, Aim aim,
                                    const ConversionSettings &byHand)
 {
-    if (playbackOf(target) == nullptr)
+    if (!playbackOf(target))
         return std::nullopt;
     return Guesser(film, target, aim, byHand).guess();
 }
@@ -312,7 +312,7 @@ std::optional<Aim> aimNamed(const QString &word)
 
 QString refusalToGuess(const QString &target)
 {
-    return playbackOf(target) != nullptr
+    return playbackOf(target)
                ? QString()
                : u"A best guess needs a device, as \"%1\" promises to play nothing. The devices are: %2."_s
                      .arg(target, deviceNames().join(u", "_s));

@@ -94,6 +94,8 @@ void KXSelection::initializeFrom(const KXVideoFile &file)
 {
     for (const auto &[own, theirs] : fileFields())
         setProperty(own, file.property(theirs));
+    setOutputFolder({});
+    setOutputName({});
     setVidCount(u"0"_s);
     setAudCount(u"0"_s);
     setSubCount(u"0"_s);
@@ -105,12 +107,16 @@ SelectionPointer KXSelection::copy() const
     auto result = std::make_shared<KXSelection>();
     takeValues(*result, *this, copiedKeys());
     takeValues(*result, *this, {u"splitDurationText"_s, u"splitDurationSeconds"_s});
+    result->setOutputFolder(outputFolder());
+    result->setOutputName(outputName());
     return result;
 }
 
 void KXSelection::makeSelfCopyOfSelection(const KXSelection &other)
 {
     takeValues(*this, other, propertiesKeysList());
+    setOutputFolder(other.outputFolder());
+    setOutputName(other.outputName());
     setTrackList(other.trackList());
 }
 

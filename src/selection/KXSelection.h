@@ -102,4 +102,16 @@ public:
     void initializeSplitForStartTimeAndEndTime(const QString &start, const QString &end);
     void initializeSplitDurationForTimeText(const QString &duration);
     void logSelectionProperties() const;
+
+    /// The folder that the result gets, where the settings do not decide; empty: they do. Copied, but in no
+    /// text form, as is the name.
+    const QUrl &outputFolder() const { return m_outputFolder; }
+    void setOutputFolder(const QUrl &folder) { m_outputFolder = folder; }
+    /// The name of a conversion's result, with its extension; absent: that of its source, with the target's.
+    const QString &outputName() const { return m_outputName; }
+    void setOutputName(const QString &name) { m_outputName = name; }
+
+private:
+    QUrl m_outputFolder;
+    QString m_outputName;
 };

@@ -4,7 +4,7 @@
 #include "selection/Targets.h"
 #include "tools/Numbers.h"
 
-#include <QHash>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using tools::leadingInteger;
@@ -13,55 +13,21 @@ namespace selection {
 
 namespace {
 
-const QStringList &baseline()
+/// The profiles of H.264 as a probe names them, those that ask least of a device in front.
+const QStringList &allProfiles()
 {
-    static const QStringList profiles{u"Baseline"_s, u"Constrained Baseline"_s};
+    static const QStringList profiles{u"Constrained Baseline"_s, u"Baseline"_s, u"Main"_s, u"High"_s};
     return profiles;
 }
 
-const QStringList &mainProfiles()
+/// Those that a device plays, by the one that an encoder is told for it.
+QStringList profilesUpTo(const QString &highest)
 {
-    static const QStringList profiles = baseline() + QStringList{u"Main"_s};
-    return profiles;
-}
-
-const QStringList &highProfiles()
-{
-    static const QStringList profiles = mainProfiles() + QStringList{u"High"_s};
-    return profiles;
-}
-
-constexpr int picturesASecond = 30;
-constexpr int stereo = 2;
-constexpr int surround = 6;
-constexpr int mostOfStereo = 160; // kb/s
-
-/// Makers' published limits; where they say less, what the rules of the targets fix.
-const QHash<QString, Playback> &playbacks()
-{
-    const PlayedPicture small{baseline(), 30, 720, 480, picturesASecond, 1500};
-    const PlayedPicture hd{mainProfiles(), 31, 1280, 720, picturesASecond, 0};
-    const PlayedPicture fullHd{highProfiles(), 41, 1920, 1080, picturesASecond, 20000};
-    const PlayedPicture console{highProfiles(), 41, 1920, 1080, picturesASecond, 15000};
-    const PlayedPicture tv{highProfiles(), 40, 1920, 1080, picturesASecond, 20000};
-    const PlayedSound stereoOnly{stereo, mostOfStereo};
-    const PlayedSound aac{surround};
-    static const QHash<QString, Playback> table{
-        {u"iPod (All non-Touch)"_s, {small, stereoOnly}},
-        {u"iPhone (3 and Earlier)"_s, {small, stereoOnly}},
-        {u"iPod Touch (3 and Earlier)"_s, {small, stereoOnly}},
-        {u"iPad (2 and Earlier)"_s, {hd, stereoOnly}},
-        {u"Apple TV 2"_s, {hd, {stereo, mostOfStereo, 48000, true}}},
-        {u"iPhone 4"_s, {hd, stereoOnly}},
-        {u"iPod Touch (4 and Later)"_s, {hd, stereoOnly}},
-        {u"Apple TV (3 and Later)"_s, {tv, {surround, 0, 48000, true}}},
-        {u"iPad (3 and Later)"_s, {fullHd, aac}},
-        {u"iPad Mini (All)"_s, {fullHd, aac}},
-        {u"iPhone (4S and Later)"_s, {fullHd, aac}},
-        {u"PS3"_s, {console, {surround, 0, 48000, true}}},
-        {u"Xbox"_s, {console, {stereo}}},
-    };
-    return table;
+    const QStringList all = allProfiles();
+    const auto last = std::find_if(all.begin(), all.end(), [&](const QString &name) {
+        return name.compare(highest, Qt::CaseInsensitive) == 0;
+    });
+    return all.first(std::min<qsizetype>(std::distance(all.begin(), last) + 1, all.size()));
 }
 
 bool isAbove(qint64 value, qint64 limit)
@@ -106,10 +72,18 @@ QString whyUnplayedSize(const PlayedPicture &played, const media::StreamForm &fo
 
 } // namespace
 
-const Playback *playbackOf(const QString &targetName)
+std::optional<Playback> playbackOf(const QString &targetName)
 {
-    const auto found = playbacks().constFind(targetName);
-    return found == playbacks().constEnd() ? nullptr : &*found;
+    const Target *target = targetNamed(targetName);
+    if (target == nullptr || !target->plays.promises())
+        return std::nullopt;
+    const Plays &plays = target->plays;
+    Playback device;
+    device.picture = {profilesUpTo(plays.profile), plays.level, plays.width, plays.height, plays.frameRate,
+                      target->bitRateCap};
+    device.sound.aacBitRate = plays.soundBitRate;
+    device.sound.takesAc3 = plays.sounds.contains(u"ac3"_s);
+    return device;
 }
 
 QString whyUnplayedPicture(const Playback &device, const KXVideoTrack &track)

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 class KXVideoTrack;
 
 namespace selection {
@@ -34,8 +36,9 @@ struct Playback
     PlayedSound sound;
 };
 
-/// Of the target with that name; null where it promises nothing: "General", "MKV", "AVI" and other texts.
-const Playback *playbackOf(const QString &targetName);
+/// Of the target with that name, by the table of targets; no value where it promises nothing: "General",
+/// "MKV", "AVI" and other texts.
+std::optional<Playback> playbackOf(const QString &targetName);
 
 // Why a track can't be played as it is, as what the device does instead: "plays H.264, not MPEG2VIDEO". A
 // null text for a track that plays.

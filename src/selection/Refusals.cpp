@@ -57,15 +57,18 @@ const QStringList oddSounds{u"pcm_s8"_s,    u"pcm_f32be"_s, u"pcm_f64be"_s,   u"
 const QList<Unheld> &unheld()
 {
     static const QList<Unheld> table{
-        {OutputKind::Mp4,
-         u"MP4",
-         {u"flv1"_s, u"h263"_s, u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s, u"wmv2"_s, u"dvvideo"_s, u"pcm_"_s,
-          u"adpcm_"_s, u"wmav1"_s, u"wmav2"_s, u"wavpack"_s, u"flac"_s, u"truehd"_s}},
+        {OutputKind::Mp4, u"MP4", {u"flv1"_s,   u"h263"_s,    u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s,
+                                   u"wmv2"_s,   u"dvvideo"_s, u"pcm_"_s,      u"adpcm_"_s,    u"wmav1"_s,
+                                   u"wmav2"_s,  u"wavpack"_s, u"flac"_s,      u"truehd"_s,    u"vp8"_s,
+                                   u"theora"_s, u"prores"_s,  u"ffv1"_s,      u"amr_nb"_s,    u"amr_wb"_s}},
         // Whatever is copied into an AVI is marked as XviD.
         {OutputKind::Avi, u"AVI",
-         oddSounds + QStringList{u"h264"_s, u"flv1"_s, u"h263"_s, u"msmpeg4v2"_s, u"msmpeg4v3"_s, u"wmv1"_s,
-                                 u"wmv2"_s, u"dvvideo"_s, u"mpeg2video"_s, u"mjpeg"_s, u"pcm_s16be"_s,
-                                 u"pcm_s24be"_s, u"pcm_s32be"_s, u"wavpack"_s, u"flac"_s, u"truehd"_s}},
+         oddSounds +
+             QStringList{u"h264"_s,      u"flv1"_s,      u"h263"_s,    u"msmpeg4v2"_s,  u"msmpeg4v3"_s,
+                         u"wmv1"_s,      u"wmv2"_s,      u"dvvideo"_s, u"mpeg2video"_s, u"mjpeg"_s,
+                         u"hevc"_s,      u"av1"_s,       u"vp8"_s,     u"vp9"_s,        u"prores"_s,
+                         u"theora"_s,    u"ffv1"_s,      u"opus"_s,    u"alac"_s,       u"pcm_s16be"_s,
+                         u"pcm_s24be"_s, u"pcm_s32be"_s, u"wavpack"_s, u"flac"_s,       u"truehd"_s}},
         {OutputKind::Mkv, u"MKV", oddSounds},
     };
     return table;

@@ -121,7 +121,7 @@ std::optional<SizeEstimate> estimateOf(const KXSelection &selection, std::option
         }
     }
     const double bytes = static_cast<double>(rate) * bytesInKilobit * *seconds * container;
-    return SizeEstimate{static_cast<qint64>(bytes), bytesOfSources(selection)};
+    return SizeEstimate{qRound64(bytes), bytesOfSources(selection)};
 }
 
 QString sizeText(qint64 bytes)

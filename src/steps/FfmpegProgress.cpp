@@ -4,6 +4,8 @@
 #include "tools/Numbers.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -13,6 +15,21 @@ namespace {
 
 constexpr qint64 wholePercent = 100;
 constexpr qint64 bytesInKilobyte = 1024;
+
+/// The number between a word and the character that ends it; -1 where that is no number.
+double numberBehind(const QString &line, const QString &word, QChar end)
+{
+    const qsizetype at = line.lastIndexOf(word);
+    if (at < 0)
+        return -1;
+    qsizetype start = at + word.size();
+    while (start < line.size() && line.at(start) == u' ')
+        ++start;
+    const qsizetype stop = line.indexOf(end, start);
+    bool isNumber = false;
+    const double number = stop < 0 ? -1 : line.mid(start, stop - start).toDouble(&isNumber);
+    return isNumber && std::isfinite(number) && number >= 0 ? number : -1;
+}
 
 /// "[mp4 @ 0x55c5] Starting second pass: moving the moov atom to the beginning of the file", with or
 /// without its head. Such words elsewhere in a line are somebody's file name.
@@ -26,7 +43,8 @@ bool tellsOfMoov(const QString &line)
 FfmpegReading saidBy(const QString &line)
 {
     if (isStatusLine(line))
-        return {timeInStatusLine(line), false, bytesInStatusLine(line)};
+        return {timeInStatusLine(line), false, bytesInStatusLine(line), framesASecondInStatusLine(line),
+                speedInStatusLine(line)};
     return {QString(), tellsOfMoov(line)};
 }
 
@@ -48,9 +66,13 @@ void FfmpegProgressReader::hear(const QString &line, FfmpegReading &reading)
     const FfmpegReading said = saidBy(line);
     if (said == m_saidByRest)
         return;
-    m_saidByRest = said;
-    if (!said.time.isNull())
+    const FfmpegReading before = std::exchange(m_saidByRest, said); // the line may have grown behind a value
+    if (!said.time.isNull() && said.time != before.time)
         reading.time = said.time;
+    if (said.fps >= 0)
+        reading.fps = said.fps;
+    if (said.speed >= 0)
+        reading.speed = said.speed;
     if (said.written >= 0)
         reading.written = said.written;
     reading.movesMoov = said.movesMoov;
@@ -88,6 +110,16 @@ qint64 bytesInStatusLine(const QString &line)
     const qsizetype unit = value.indexOf(u'k', 0, Qt::CaseInsensitive);
     const QString digits = unit < 0 ? QString() : value.left(unit);
     return tools::isAllDigits(digits) ? tools::leadingInteger(digits) * bytesInKilobyte : -1;
+}
+
+double framesASecondInStatusLine(const QString &line)
+{
+    return numberBehind(line, u"fps="_s, u' ');
+}
+
+double speedInStatusLine(const QString &line)
+{
+    return numberBehind(line, u"speed="_s, u'x');
 }
 
 int percentOfDuration(const QString &time, const QString &durationInSeconds)

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace steps {
 
 /// What one chunk of ffmpeg's error stream tells about progress.
@@ -12,8 +14,17 @@ struct FfmpegReading
     QString time;           ///< the last whole time value; null when the chunk finished none
     bool movesMoov = false; ///< the last thing it said is that it moves the index to the front
     qint64 written = -1;    ///< the last whole size of the output, in bytes; -1 when the chunk finished none
+    double fps = -1;        ///< pictures a second, of the last line that told; -1 when none did
+    double speed = -1;      ///< seconds of film a second, likewise
 
     bool operator==(const FfmpegReading &) const = default;
+};
+
+/// How fast a tool is, by its own words.
+struct RunSpeed
+{
+    std::optional<double> speed; ///< seconds of film a second
+    std::optional<double> fps;   ///< pictures a second
 };
 
 /// Reads progress out of ffmpeg's error stream. Only ffmpeg's own status lines count: titles and
@@ -39,6 +50,9 @@ bool isStatusLine(QStringView line);
 QString timeInStatusLine(const QString &line);
 /// The bytes behind the last "size=" of a status line; -1 when there is no whole value ("N/A").
 qint64 bytesInStatusLine(const QString &line);
+/// The number behind "fps=" and "speed=" in a status line; -1 when there is no whole value ("N/A").
+double framesASecondInStatusLine(const QString &line);
+double speedInStatusLine(const QString &line);
 /// Whole percent that a time text is of the duration, truncated, at most 100; 0 without a duration, and for
 /// the negative times with which some runs begin.
 int percentOfDuration(const QString &time, const QString &durationInSeconds);

@@ -5,6 +5,7 @@
 #include "tools/ToolEnvironment.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using tools::ToolProcess;
@@ -32,6 +33,7 @@ struct FilmReads::Reading
     QByteArray errors;
     QTimer silence;
     int openChannels = 0;
+    QStringList next; ///< of the run that is to be started once it is resumed
 };
 
 FilmReads::FilmReads(const KXPreferences &preferences, int toolsAtOnce)
@@ -67,9 +69,14 @@ void FilmReads::ask(const QList<media::FilmWish> &wishes)
     startWaiting();
 }
 
+bool FilmReads::hasCore() const
+{
+    return static_cast<int>(m_running.size()) + m_otherTools() < m_toolsAtOnce;
+}
+
 void FilmReads::startWaiting()
 {
-    while (!m_waiting.isEmpty() && m_running.size() < size_t(m_toolsAtOnce)) {
+    while (!m_waiting.isEmpty() && !m_isPaused && hasCore()) {
         auto reading = std::make_unique<Reading>(m_waiting.takeFirst());
         const QStringList arguments = reading->reader.next();
         m_running.push_back(std::move(reading));
@@ -103,12 +110,13 @@ void FilmReads::startNext(Reading &reading, const QStringList &arguments)
 
 void FilmReads::readFrom(Reading &reading, ToolProcess::Channel channel, const QByteArray &bytes)
 {
-    reading.silence.start();
+    if (!m_isPaused)
+        reading.silence.start();
     if (channel == ToolProcess::Channel::Output)
         reading.reader.feed(bytes);
     else if (reading.errors.size() < mostErrorBytes)
         reading.errors += bytes;
-    if (reading.reader.facts().isTooLong)
+    if (reading.reader.isCut())
         reading.task->terminate();
 }
 
@@ -120,6 +128,8 @@ void FilmReads::finish(Reading &reading)
     const QStringList arguments = reading.reader.next();
     if (arguments.isEmpty())
         conclude(reading);
+    else if (m_isPaused)
+        reading.next = arguments;
     else
         startNext(reading, arguments);
 }
@@ -133,6 +143,29 @@ void FilmReads::conclude(const Reading &reading)
     startWaiting();
     if (!isBusy())
         Q_EMIT answered();
+}
+
+void FilmReads::pause()
+{
+    m_isPaused = true;
+    for (const auto &reading : m_running) {
+        reading->silence.stop();
+        reading->task->suspend();
+    }
+}
+
+void FilmReads::resume()
+{
+    m_isPaused = false;
+    for (const auto &reading : m_running) {
+        if (!reading->next.isEmpty()) {
+            startNext(*reading, std::exchange(reading->next, {}));
+        } else {
+            reading->task->resume();
+            reading->silence.start();
+        }
+    }
+    startWaiting();
 }
 
 void FilmReads::end()

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -35,6 +36,13 @@ public:
     const QHash<QUrl, media::FilmFacts> &facts() const { return m_facts; }
     /// Forgets a film, which may have changed since.
     void forget(const QUrl &film) { m_facts.remove(film); }
+    /// Other tools that take a core each; to be asked at any time. Without it there are none.
+    void setOtherTools(const std::function<int()> &count) { m_otherTools = count; }
+    /// Starts what waits, as far as there are cores for it.
+    void startWaiting();
+    /// Suspends its tools, and starts no other until it is resumed.
+    void pause();
+    void resume();
     /// Ends what runs and drops what waits. Nobody is told any more.
     void end();
 
@@ -49,7 +57,7 @@ private:
     struct Reading;
 
     bool isAsked(const QUrl &film) const;
-    void startWaiting();
+    bool hasCore() const;
     void startNext(Reading &reading, const QStringList &arguments);
     void readFrom(Reading &reading, tools::ToolProcess::Channel channel, const QByteArray &bytes);
     void finish(Reading &reading);
@@ -57,6 +65,8 @@ private:
 
     const KXPreferences &m_preferences;
     const int m_toolsAtOnce;
+    std::function<int()> m_otherTools = [] { return 0; };
+    bool m_isPaused = false;
     QHash<QUrl, media::FilmFacts> m_facts;
     QList<media::FilmWish> m_waiting;
     std::vector<std::unique_ptr<Reading>> m_running;

@@ -64,7 +64,9 @@ void KXConverter::initializeFor(const SelectionPointer &selection)
     const TrackList tracks = selection->trackList();
     if (trackItemToProcess() >= 0 && trackItemToProcess() < tracks.size())
         setInputFileURL(tracks.at(trackItemToProcess())->trackFileURL());
-    setSaveDirectoryURL(prefs::SaveFolder(appPreferences()).forSource(selection->videoTrackFileURL()));
+    setSaveDirectoryURL(selection->outputFolder().isEmpty()
+                            ? prefs::SaveFolder(appPreferences()).forSource(selection->videoTrackFileURL())
+                            : selection->outputFolder());
     const QUrl base = inFolder(saveDirectoryURL(), inputFileURL().fileName());
     setLogFileURL(base);
     setOutputFileURL(base);
@@ -185,6 +187,12 @@ tools::OptionList KXConverter::workingAside(const tools::OptionList &list) const
 QUrl KXConverter::fileOf(const QUrl &name) const
 {
     return m_context.guard.fileOf(name);
+}
+
+QUrl KXConverter::privateFile(const QString &name, const QString &behindOutput) const
+{
+    return QUrl::fromLocalFile(m_context.guard.isPlan() ? outputFileURL().toLocalFile() + behindOutput
+                                                        : m_context.temporaryFolder + name);
 }
 
 /// Tools that drop files of their own drop them there too.
@@ -314,6 +322,11 @@ void KXConverter::deliver(const steps::ReadEvent &event)
     if (!event.data.isEmpty())
         return handleNewTaskResult(event);
     endOfStream(event.channel);
+}
+
+bool KXConverter::hasRunningTool() const
+{
+    return m_backgroundRuns || (converterTask() && converterTask()->isRunning());
 }
 
 /// Whichever stream ends second completes the reading.
@@ -494,6 +507,10 @@ QString KXConverter::monitorConversion()
 
 void KXConverter::takeProgress(const steps::FfmpegReading &reading)
 {
+    if (reading.fps >= 0)
+        m_runSpeed.fps = reading.fps;
+    if (reading.speed >= 0)
+        m_runSpeed.speed = reading.speed;
     if (!reading.time.isNull())
         setOldProgress(reading.time);
     if (reading.written >= 0)

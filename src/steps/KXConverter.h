@@ -136,9 +136,12 @@ public:
     QString whatToolsTold() const;
     /// Every run of its tools so far, as it was started.
     const QList<steps::Launch> &runs() const { return m_runs; }
+    bool hasRunningTool() const;
     /// What its outputs are meant to hold, by the names of outputFiles(), once it has its names; parts are
     /// known when they are there. None where there is nothing to hold them against.
     virtual QList<media::MeantOutput> meantOutputs() const { return {}; }
+    /// How fast its tool says that it is; absent where the tool says nothing of the kind.
+    steps::RunSpeed runSpeed() const { return m_runSpeed; }
     /// What the tool is going to write, by claimed names.
     virtual QList<QUrl> namesToWrite() const { return {outputFileURL()}; }
     /// What goes with the job, unless logs are kept: then it stays too.
@@ -167,6 +170,9 @@ protected:
     virtual tools::OptionList workingAside(const tools::OptionList &list) const;
     /// Where a file of the job lies now; other locations are answered as they are.
     QUrl fileOf(const QUrl &name) const;
+    /// A file that only the job's tools see, in its private folder. In a plan, whose lines are there to be
+    /// pasted, it lies beside the output, with that behind its name.
+    QUrl privateFile(const QString &name, const QString &behindOutput) const;
     /// What its tool has printed, by the final names of files.
     QString toldLog() const;
     /// Runs the words of a line with "& echo $!" at its end as a process object that the step is asked about
@@ -235,6 +241,7 @@ private:
     QStringDecoder m_errorDecoder{QStringDecoder::Utf8};
     bool m_durationIsAssumed = false;
     qint64 m_writtenBytes = 0;
+    steps::RunSpeed m_runSpeed;
     std::optional<qint64> m_sourceBytes;
     bool m_cutsTitles = false; ///< what is launched tells less than what is meant
     bool m_logIsBegun = false;

@@ -53,7 +53,7 @@ void clearFolder(const QFileInfo &folder)
     if (platform::HolderFile::isHolderGone(lock)) {
         for (const Publication &publication : publicationsIn(location).value_or(QList<Publication>()))
             finish(publication);
-    } else if (!isOld(newestIn(folder))) {
+    } else if (platform::HolderFile::isHolderRunning(lock) || !isOld(newestIn(folder))) {
         return;
     }
     platform::removeFolder(location, WorkFolder::lockName());
@@ -63,7 +63,7 @@ void clearClaim(const QFileInfo &claim)
 {
     const QUrl location = QUrl::fromLocalFile(claim.filePath());
     platform::HolderFile::clearIfGone(location);
-    if (isOld(claim.lastModified()))
+    if (isOld(claim.lastModified()) && !platform::HolderFile::isHolderRunning(location))
         platform::removeName(location);
 }
 

@@ -11,7 +11,15 @@ Outcome Outcome::joinedWith(const Outcome &other) const
     QString both = sentence;
     if (!other.sentence.isEmpty() && !both.contains(other.sentence))
         both += (both.isEmpty() ? u""_s : u" "_s) + other.sentence;
-    return {std::max(verdict, other.verdict), both};
+    return {std::max(verdict, other.verdict), both, damage + other.damage};
+}
+
+Outcome Outcome::withoutDamage() const
+{
+    QString rest = sentence;
+    for (const QString &part : damage)
+        rest.remove(part);
+    return {verdict, rest.simplified(), {}};
 }
 
 QString Outcome::word() const

@@ -2,6 +2,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 
 namespace steps {
 
@@ -13,16 +14,22 @@ struct Outcome
 {
     Verdict verdict = Verdict::Unknown;
     QString sentence;
+    /// Those parts of it by which a tool told that its source is damaged, without where it ends.
+    QStringList damage = {};
 
-    static Outcome ok() { return {Verdict::Ok, {}}; }
-    static Outcome warnings(const QString &sentence) { return {Verdict::Warnings, sentence}; }
-    static Outcome failed(const QString &sentence) { return {Verdict::Failed, sentence}; }
+    static Outcome ok() { return {Verdict::Ok, {}, {}}; }
+    static Outcome warnings(const QString &sentence) { return {Verdict::Warnings, sentence, {}}; }
+    /// Warnings because of a damaged source.
+    static Outcome damaged(const QString &sentence) { return {Verdict::Warnings, sentence, {sentence}}; }
+    static Outcome failed(const QString &sentence) { return {Verdict::Failed, sentence, {}}; }
     /// The program ended while it ran.
-    static Outcome interrupted(const QString &sentence) { return {Verdict::Interrupted, sentence}; }
-    static Outcome stopped() { return {Verdict::Stopped, QStringLiteral("Stopped.")}; }
+    static Outcome interrupted(const QString &sentence) { return {Verdict::Interrupted, sentence, {}}; }
+    static Outcome stopped() { return {Verdict::Stopped, QStringLiteral("Stopped."), {}}; }
 
     /// The worse verdict of both, and both sentences.
     Outcome joinedWith(const Outcome &other) const;
+    /// Without what a tool told of damage, where somebody else tells it better.
+    Outcome withoutDamage() const;
     /// "ok", "warnings", "failed", "stopped" or "interrupted"; "unknown" while it runs.
     QString word() const;
 };

@@ -89,6 +89,12 @@ Outcome OutputCheck::outcome() const
     return outcome;
 }
 
+bool OutputCheck::tellsOfEnd() const
+{
+    return std::any_of(m_results.begin(), m_results.end(),
+                       [](const media::CheckedOutput &result) { return result.tellsOfEnd; });
+}
+
 Outcome outcomeOf(const media::CheckedOutput &result)
 {
     switch (result.result) {

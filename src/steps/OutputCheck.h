@@ -37,6 +37,15 @@ public:
     const media::Films &films() const { return m_reads.facts(); }
     /// All results as one: the worst verdict and the sentences, each once.
     Outcome outcome() const;
+    /// Whether it says where a source ends that was cut.
+    bool tellsOfEnd() const;
+    /// Other tools of the job that run, which take the place of reads; to be asked at any time.
+    void setOtherTools(const std::function<int()> &count) { m_reads.setOtherTools(count); }
+    /// One of them has ended.
+    void otherToolEnded() { m_reads.startWaiting(); }
+    /// Suspends its tools, and starts no other until it is resumed.
+    void pause() { m_reads.pause(); }
+    void resume() { m_reads.resume(); }
 
 Q_SIGNALS:
     void finished();

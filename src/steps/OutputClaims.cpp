@@ -18,7 +18,7 @@ QUrl OutputClaims::claimOf(const QUrl &name)
 
 bool OutputClaims::isName(const QString &name)
 {
-    static const QRegularExpression pattern(u"^\\.tessaray-claim-[0-9a-f]{40}$"_s);
+    static const QRegularExpression pattern(u"^\\.tessaray-claim-[0-9a-f]{40}(\\.[0-9a-f]{32})?$"_s);
     return pattern.match(name).hasMatch();
 }
 

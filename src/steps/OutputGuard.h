@@ -47,6 +47,7 @@ public:
     bool takesNextFree() const { return m_whenTaken == WhenTaken::NextFreeName; }
     /// Names are given and nothing is made: for a job that is not started.
     void planOnly() { m_isPlan = true; }
+    bool isPlan() const { return m_isPlan; }
     void setInputs(const QList<QUrl> &inputs);
     bool isInput(const QUrl &location) const;
     const QList<QUrl> &inputs() const { return m_inputs; }

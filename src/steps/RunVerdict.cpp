@@ -29,6 +29,16 @@ QString whyEnded(std::optional<int> signal, const FailureCause &cause)
     return signal == SIGXFSZ ? u"The file may not grow further."_s : cause.known();
 }
 
+/// A stretch that is damaged is told by its tool alone, an end that is too early by the check as well.
+Outcome outcomeOfWarning(const QString &tool, const QString &warning)
+{
+    const QString sentence = sentenceOf(u"%1 warned"_s.arg(tool), warning);
+    const bool isOfEnd =
+        warning == u"The source ends early."_s ||
+        (warning.startsWith(u"The source is damaged from "_s) && warning.endsWith(u" on."_s));
+    return isOfEnd ? Outcome::damaged(sentence) : Outcome::warnings(sentence);
+}
+
 } // namespace
 
 Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const FailureCause &cause)
@@ -43,7 +53,7 @@ Outcome outcomeOfRun(const tools::ToolProcess *run, const QUrl &tool, const Fail
                                           whyEnded(run->endingSignal(), cause)));
     const int status = *run->exitStatus();
     if (tools::toolFamily(tool) == tools::ToolFamily::Mkv && status == 1)
-        return Outcome::warnings(sentenceOf(u"%1 warned"_s.arg(name), cause.warning()));
+        return outcomeOfWarning(name, cause.warning());
     if (status == 0)
         return Outcome::ok();
     return Outcome::failed(

@@ -10,6 +10,7 @@
 #include <QTreeView>
 
 class KXQueueController;
+class QMenu;
 
 namespace window {
 

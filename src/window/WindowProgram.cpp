@@ -28,6 +28,7 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
     , m_delegate({m_program, m_alerts, m_chooser, m_desktop})
     , m_preferencesController(m_program.preferences(), m_chooser)
     , m_window(m_delegate, m_preferencesController)
+    , m_wayOut([this] { m_delegate.applicationWillTerminate(); })
 {
     m_alerts.setParentWindow(&m_window);
     m_chooser.setParentWindow(&m_window);
@@ -48,6 +49,7 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
 
 WindowProgram::~WindowProgram()
 {
+    m_wayOut.leave();
     m_delegate.intake().stopProbing();
     if (m_unpacking)
         m_unpacking->wait();

@@ -3,6 +3,7 @@
 #include "app/Interrupts.h"
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
+#include "app/WayOut.h"
 #include "prefs/KXPreferencesController.h"
 #include "window/FileChooser.h"
 #include "window/MainWindow.h"
@@ -63,6 +64,7 @@ private:
     MainWindow m_window;
     std::unique_ptr<WatchWindow> m_watchWindow;
     app::Interrupts m_interrupts;
+    app::WayOut m_wayOut; ///< before all the rest goes
     QTimer m_untilReady;
     std::unique_ptr<QThread> m_unpacking;
     bool m_isReady = false;

@@ -4,6 +4,7 @@
 #include "support/TestMain.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -32,13 +33,56 @@ private Q_SLOTS:
 
     void nothingIsWrittenByWrongUsage() { QCOMPARE(m_cli.mediaNames(), m_before); }
 
-    void withoutACommandHelpIsAComplaint()
+    void withoutACommandTheMostUsedLinesAreShown()
     {
         const auto run = m_cli.run({});
         QCOMPARE(run.status, 64);
         QVERIFY(run.output.isEmpty());
-        for (const auto *command : {"probe", "convert", "extract", "prefs", "tools"})
+        QCOMPARE(run.said().count(u"  tessaray-cli "_s), 5);
+        for (const auto *command : {"probe", "convert", "extract", "watch", "--help"})
             QVERIFY2(run.error.contains(command), command);
+    }
+
+    void whatIsUnknownSuggestsTheNearest_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("suggested");
+        const auto row = [](const QString &line, const QString &suggested) {
+            QTest::newRow(qPrintable(line)) << line << suggested;
+        };
+        row(u"convert film.mkv --devise PS3"_s, u"Did you mean --device?"_s);
+        row(u"convert film.mkv --dryrun"_s, u"Did you mean --dry-run?"_s);
+        row(u"probe --jsno film.mkv"_s, u"Did you mean --json?"_s);
+        row(u"convert --vidoe=1pass film.mkv"_s, u"Did you mean --video?"_s);
+        row(u"convret film.mkv"_s, u"Did you mean convert?"_s);
+        row(u"preset list"_s, u"Did you mean presets?"_s);
+        row(u"frobnicate film.mkv"_s, {});
+        row(u"probe --completely-other film.mkv"_s, {});
+    }
+
+    void whatIsUnknownSuggestsTheNearest()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, suggested);
+        const auto run = m_cli.run(line.split(u' '));
+        QCOMPARE(run.status, 64);
+        QCOMPARE(run.said().contains(u"Did you mean"_s), !suggested.isEmpty());
+        QVERIFY2(run.said().contains(suggested), run.error.constData());
+    }
+
+    void everyCommandShowsItsOptionsStatusAndAnExample()
+    {
+        const QString general = QString::fromUtf8(m_cli.run({u"--help"_s}).output);
+        static const QRegularExpression name(u"^  ([a-z]+) "_s, QRegularExpression::MultilineOption);
+        int count = 0;
+        for (auto match = name.globalMatch(general); match.hasNext(); ++count) {
+            const QString command = match.next().captured(1);
+            const auto run = m_cli.run({command, u"--help"_s});
+            QCOMPARE(run.status, 0);
+            QVERIFY(run.lines().constLast().startsWith(u"Example: tessaray-cli "_s + command));
+            QVERIFY(run.lines().filter(u"Exit status: 0 success"_s).size() == 1);
+        }
+        QVERIFY(count >= 13);
     }
 
     void wrongUsage_data()

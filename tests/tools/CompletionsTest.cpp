@@ -1,4 +1,4 @@
-// What bash and zsh offer for the command line, in the shells themselves.
+// What bash, zsh and fish offer for the command line, in the shells themselves.
 #include "selection/Targets.h"
 #include "support/CliFixture.h"
 #include "support/TestMain.h"
@@ -69,7 +69,7 @@ private Q_SLOTS:
     void bashOffersTheOptionsOfEveryCommand()
     {
         const QStringList global = optionsIn(m_general);
-        QCOMPARE(global.size(), 8);
+        QCOMPARE(global.size(), 9);
         for (const QString &command : std::as_const(m_commands)) {
             const QStringList own = optionsIn(QString::fromUtf8(m_cli.run({command, u"--help"_s}).output));
             QCOMPARE(sorted(bash({command, u"--"_s})), sorted(global + own));
@@ -208,7 +208,55 @@ private Q_SLOTS:
         }
     }
 
+    void fishKnowsEveryCommandAndOption()
+    {
+        QStringList typed{u"tessaray-cli "_s};
+        QList<QStringList> expected{m_commands};
+        for (const QString &command : std::as_const(m_commands)) {
+            typed.append(u"tessaray-cli %1 --"_s.arg(command));
+            expected.append(optionsIn(m_general) +
+                            optionsIn(QString::fromUtf8(m_cli.run({command, u"--help"_s}).output)));
+        }
+        QCOMPARE(sorted(fish(typed.takeFirst())), sorted(expected.takeFirst() + QStringList{u"help"_s}));
+        for (qsizetype i = 0; i < typed.size(); ++i)
+            QCOMPARE(sorted(fish(typed.at(i))), sorted(expected.at(i)));
+    }
+
+    void fish_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QStringList>("offered");
+        const auto row = [](const QString &line, const QStringList &offered) {
+            QTest::newRow(qPrintable(line)) << line << offered;
+        };
+        row(u"tessaray-cli convert --device PS"_s, {u"PS3"_s});
+        row(u"tessaray-cli convert --track-preset All"_s, {u"All Tracks"_s});
+        row(u"tessaray-cli watch --settings-preset Ex"_s, {u"Extract Tracks"_s});
+        row(u"tessaray-cli presets s"_s, {u"set"_s, u"show"_s});
+        row(u"tessaray-cli presets show Fi"_s, {u"First Track"_s});
+        row(u"tessaray-cli presets add settings x --for PS"_s, {u"PS3"_s});
+        row(u"tessaray-cli prefs get keep"_s, {u"keepLogsFlag"_s});
+        row(u"tessaray-cli remux --print outputs"_s, {u"outputs"_s, u"outputs0"_s});
+    }
+
+    void fish()
+    {
+        QFETCH(const QString, line);
+        QFETCH(const QStringList, offered);
+        QCOMPARE(sorted(fish(line)), offered);
+    }
+
 private:
+    /// What it offers for a line, without the descriptions.
+    QStringList fish(const QString &line) const
+    {
+        QStringList offered =
+            lines(u"fish"_s, {u"--no-config"_s, u"-c"_s, u"source $argv[1]; complete -C $argv[2]"_s,
+                              folder + u"/tessaray-cli.fish"_s, line});
+        for (QString &word : offered)
+            word = word.section(u'\t', 0, 0);
+        return offered;
+    }
     QStringList bash(const QStringList &words) const
     {
         return lines(u"bash"_s, QStringList{u"--norc"_s, u"-c"_s, bashScript, u"bash"_s,

@@ -39,6 +39,13 @@ QList<Codec> allCodecs()
         codecs << Codec{encoder, u"-ar 44100 -ac 2 -strict -2 -c:a "_s + encoder, u"mkv"_s, true};
     for (const QString &encoder : {u"pcm_s8"_s, u"pcm_f32be"_s, u"pcm_f64be"_s, u"adpcm_ima_qt"_s})
         codecs << Codec{encoder, u"-ar 44100 -ac 2 -c:a "_s + encoder, u"mov"_s, true};
+    for (const auto &[name, encoder] :
+         {std::pair(u"hevc"_s, u"libx265 -x265-params log-level=error"_s), std::pair(u"vp8"_s, u"libvpx"_s),
+          std::pair(u"vp9"_s, u"libvpx-vp9"_s), std::pair(u"prores"_s, u"prores"_s),
+          std::pair(u"theora"_s, u"libtheora"_s), std::pair(u"ffv1"_s, u"ffv1"_s)})
+        codecs << Codec{name, u"-c:v "_s + encoder};
+    for (const QString &encoder : {u"libopus"_s, u"alac"_s})
+        codecs << Codec{encoder, u"-ar 48000 -ac 2 -c:a "_s + encoder, u"mkv"_s, true};
     return codecs;
 }
 
@@ -108,7 +115,8 @@ private Q_SLOTS:
         QFETCH(QString, kind);
         CliFixture fixture;
         const QString source = fixture.clip(clip, u"film."_s + clip.section(u'.', -1));
-        QStringList words{u"convert"_s, source, u"--kind"_s, kind, u"--video"_s, u"passthru"_s};
+        QStringList words{u"convert"_s, source,        u"--kind"_s,        kind,
+                          u"--video"_s, u"passthru"_s, u"--newer-codecs"_s};
         if (isSound)
             words << u"--audio"_s << u"1=passthru"_s;
         const auto run = fixture.run(words);

@@ -1,4 +1,5 @@
 // Real failures of the installed tools, and the sentence that each gives.
+#include "media/RunFigures.h"
 #include "steps/FailureCause.h"
 #include "steps/RunVerdict.h"
 #include "support/ClipFactory.h"
@@ -6,9 +7,14 @@
 #include "support/Scratch.h"
 #include "support/Seeds.h"
 #include "support/TestMain.h"
+#include "support/Waiting.h"
+#include "support/jobs/CheckClips.h"
 
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
+
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace support;
@@ -42,6 +48,16 @@ QString flacFilm()
                                      "sine=duration=2 -c:v libx264 -preset ultrafast -c:a flac"_s);
 }
 
+QString withSound(const QString &codec)
+{
+    return made(u"cause-%1.mkv"_s.arg(codec), u"-i %1 -c:v copy -c:a %2"_s.arg(film(), codec));
+}
+
+QString silentFilm()
+{
+    return made(u"cause-silent.mkv"_s, u"-i %1 -c:v copy -an"_s.arg(film()));
+}
+
 QString otherFilm()
 {
     return made(u"cause-ac3.mkv"_s, u"-i %1 -c:v copy -c:a ac3"_s.arg(film()));
@@ -56,6 +72,10 @@ QList<Failure> ofFfmpeg()
          u"The file has no index: it is incomplete."_s},
         {u"FLAC into MP4"_s, copies + u"FLAC -c copy SCRATCH/o.mp4"_s,
          u"FLAC can't be in MP4: re-encode it or choose MKV."_s},
+        {u"PCM into MP4"_s, copies + u"PCM -c copy SCRATCH/o.mp4"_s,
+         u"PCM_S16LE can't be in MP4: re-encode it or choose MKV."_s},
+        {u"Vorbis into M4V"_s, copies + u"VORBIS -c copy -f ipod SCRATCH/o.m4v"_s,
+         u"VORBIS can't be in MP4: re-encode it or choose MKV."_s},
         {u"SRT into MP4"_s, copies + u"SCRATCH/s.srt -map 0 -c copy SCRATCH/o.mp4"_s,
          u"SUBRIP can't be in MP4: re-encode it or choose MKV."_s},
         {u"MP4 text into MKV"_s, copies + u"TEXT -map 0 -c copy SCRATCH/o.mkv"_s,
@@ -100,6 +120,11 @@ QList<Failure> ofMkvtoolnix()
          u"Error: The track number 1 from the file 'cause-ac3.mkv' cannot be appended to the track number 1 "
          u"from the "
          "file 'cause-film.mkv'. The formats do not match."_s,
+         2},
+        {u"fewer tracks, mkvmerge"_s, u"mkvmerge -o SCRATCH/o.mkv SILENT + FILM"_s,
+         u"Error: The file no. 0 ('cause-silent.mkv') does not contain a track with the ID 1, or that track "
+         u"is not to "
+         u"be copied. Therefore no track can be appended to it. The argument for '--append-to' was invalid."_s,
          2},
         {u"no track, mkvextract"_s, u"mkvextract FILM tracks 7:SCRATCH/o.h264"_s,
          u"Error: No track with the ID 7 was found in the source file."_s, 2},
@@ -165,6 +190,67 @@ private Q_SLOTS:
         QCOMPARE(cause.warning(), u"The source ends early."_s);
     }
 
+    /// mkvmerge goes on behind what it can't read, and tells both ends of it.
+    void aDamagedStretchGivesItsTimes()
+    {
+        const QString log =
+            printedBy(u"mkvmerge"_s, {u"-o"_s, m_scratch->path(u"o.mkv"_s), damaged(u"mkv"_s)}, 1);
+        const QString said = steps::FailureCause(log, {}, {}).warning();
+        static const QRegularExpression form(u"^The source is damaged from 0:(\\d\\d) to 0:(\\d\\d)\\.$"_s);
+        const auto match = form.match(said);
+        QVERIFY2(match.hasMatch(), qPrintable(said + log));
+        QVERIFY2(match.captured(1).toInt() <= 31 && match.captured(2).toInt() >= 29,
+                 qPrintable(said)); // its middle
+    }
+
+    /// ffmpeg ends well all the same.
+    void damageIsToldOfFilmsThatAreReadToTheirEnd_data()
+    {
+        QTest::addColumn<QString>("container");
+        for (const QString &container : drawn(QList<QString>{u"mkv"_s, u"flv"_s, u"wmv"_s}, 1))
+            QTest::newRow(qPrintable(container)) << container;
+    }
+
+    void damageIsToldOfFilmsThatAreReadToTheirEnd()
+    {
+        QFETCH(QString, container);
+        const QString log = printedBy(u"ffmpeg"_s,
+                                      {u"-nostdin"_s, u"-y"_s, u"-i"_s, damaged(container), u"-c"_s,
+                                       u"copy"_s, m_scratch->path(u"o.mkv"_s)},
+                                      0);
+        const QString damage = media::runFiguresFrom(log).damage;
+        QVERIFY2(!damage.isNull() && !damage.startsWith(u'['), qPrintable(log));
+    }
+
+    /// It may be played well, and it may not: the second film has other headers than the first one.
+    void aJoinOfOtherSizesIsAWarning()
+    {
+        const QString big =
+            made(u"cause-big.mkv"_s,
+                 u"-i %1 -vf scale=320:240 -c:v libx264 -preset ultrafast -c:a copy"_s.arg(film()));
+        const QString log =
+            printedBy(u"mkvmerge"_s, {u"-o"_s, m_scratch->path(u"o.mkv"_s), film(), u"+"_s, big}, 1);
+        const QString said = steps::FailureCause(log, {QUrl::fromLocalFile(big)}, {}).warning();
+        QVERIFY2(said.contains(u"'cause-big.mkv'"_s) &&
+                     said.contains(u"The codec's private data does not match."_s),
+                 qPrintable(said));
+    }
+
+    void aToolThatIsKilledIsTold()
+    {
+        tools::ToolProcess::Request request;
+        request.program = u"ffmpeg"_s;
+        request.arguments = QStringList{u"-nostdin"_s, u"-re"_s, u"-i"_s, film(), u"-f"_s, u"null"_s, u"-"_s};
+        request.environment = QProcessEnvironment::systemEnvironment();
+        const auto run = tools::ToolProcess::start(request);
+        QVERIFY(waitFor([&] { return run->processIdentifier() > 0; }));
+        ::kill(static_cast<pid_t>(run->processIdentifier()), SIGKILL);
+        QVERIFY(run->waitUntilExit(60000));
+        const auto outcome = steps::outcomeOfRun(run.get(), QUrl::fromLocalFile(u"/usr/bin/ffmpeg"_s),
+                                                 steps::FailureCause({}, {}, {}));
+        QCOMPARE(outcome.sentence, u"ffmpeg was ended from outside or crashed: The tool was killed."_s);
+    }
+
     void aFileThatMayNotGrowIsTold()
     {
         tools::ToolProcess::Request request;
@@ -182,6 +268,28 @@ private Q_SLOTS:
     }
 
 private:
+    /// The minute with a piece of its middle overwritten.
+    QString damaged(const QString &container) const
+    {
+        QByteArray content = contentOf(minuteOf(container));
+        for (qsizetype i = content.size() / 2; i < content.size() / 2 + 100000; ++i)
+            content[i] = static_cast<char>(i * 7 % 251);
+        return m_scratch->write(u"damaged."_s + container, content);
+    }
+
+    static QString printedBy(const QString &program, const QStringList &arguments, int status)
+    {
+        QProcess process;
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+        process.setProcessEnvironment(environment);
+        process.start(program, arguments);
+        process.waitForFinished(60000);
+        const QString printed = QString::fromUtf8(process.readAllStandardOutput());
+        return process.exitCode() == status ? printed : u"another exit status: "_s + printed;
+    }
+
     /// The words with the paths in their places; those are the files too.
     QStringList wordsOf(const QString &line, QList<QUrl> &files) const
     {
@@ -193,6 +301,12 @@ private:
                 word = film();
             else if (word == u"FLAC"_s)
                 word = flacFilm();
+            else if (word == u"PCM"_s)
+                word = withSound(u"pcm_s16le"_s);
+            else if (word == u"VORBIS"_s)
+                word = withSound(u"libvorbis"_s);
+            else if (word == u"SILENT"_s)
+                word = silentFilm();
             else if (word == u"OTHER"_s)
                 word = otherFilm();
             else if (word == u"TEXT"_s)

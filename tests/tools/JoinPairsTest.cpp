@@ -167,8 +167,7 @@ private Q_SLOTS:
         QVERIFY2((run.status == 0) == joins, run.error.constData());
         QCOMPARE(QFile::exists(output), joins);
         if (!joins) {
-            QVERIFY2(run.said().contains(u"can't be joined to"_s),
-                     run.error.constData());
+            QVERIFY2(run.said().contains(u"can't be joined to"_s), run.error.constData());
             return;
         }
         for (const QString &stream : {u"v:0"_s, u"a:0"_s})
@@ -180,6 +179,29 @@ private Q_SLOTS:
         QCOMPARE(played.status, 0);
         QVERIFY(fixture.temporaryNames().isEmpty());
         QCOMPARE(fixture.mediaNames().filter(u"retimed"_s), QStringList());
+    }
+
+    /// They are as large as the films.
+    void copiesInOtherUnitsLieWhereTheOutputIsMade()
+    {
+        CliFixture fixture;
+        const QList<Way> ways = allWays();
+        const auto units =
+            std::find_if(ways.begin(), ways.end(), [](const Way &way) { return way.name == u"units"_s; });
+        QVERIFY(units != ways.end());
+        const QString one = fixture.clip(film(ways.constFirst(), u"mp4"_s), u"one.mp4"_s);
+        const QString two = fixture.clip(film(*units, u"mp4"_s), u"two.mp4"_s);
+        fixture.useOwnTools();
+        const auto run = fixture.run({u"join"_s, one, two});
+        QVERIFY2(run.status == 0, run.error.constData());
+        QByteArrayList copies;
+        for (const QByteArrayList &words : fixture.recorded()) {
+            if (words.constLast().contains("retimed"))
+                copies.append(words.constLast());
+        }
+        QCOMPARE(copies.size(), 1);
+        QVERIFY2(copies.constFirst().startsWith(fixture.media(u".tessaray-"_s).toUtf8()),
+                 copies.constFirst().constData());
     }
 };
 

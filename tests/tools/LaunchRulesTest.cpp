@@ -56,6 +56,7 @@ public:
         facts.passlogfile = request.passlogfile;
         facts.isSecondPass = pass == Pass::Second;
         facts.generatesTimestamps = wasRetried;
+        facts.singleStream = singleStream;
         const auto form = ffmpegLaunchFormWithout(rule, list, facts);
         warnings = form.warnings;
         QFile::remove(output());
@@ -73,6 +74,7 @@ public:
     SelectionPointer selection;
     ConversionRequest request;
     QStringList warnings;
+    std::optional<int> singleStream;
     bool wasRetried = false;
 };
 
@@ -106,7 +108,9 @@ private Q_SLOTS:
                               u"a subtitle that the container can't hold is left out"_s,
                               u"MP4 text copied into Matroska becomes SRT"_s, u"pass 2 into MP4 says so"_s,
                               u"a retried pass 2 makes timestamps too"_s,
-                              u"of an added file only the track is taken"_s}));
+                              u"HEVC that is copied into MP4 is tagged as devices expect it"_s,
+                              u"of an added file only the track is taken"_s,
+                              u"a single track is taken by its number"_s}));
     }
 
     /// The rule for every tool: a line in a shell's background ends well whatever its tool does.
@@ -294,6 +298,30 @@ private Q_SLOTS:
         QCOMPARE(codecsOf(trial.output()), u"mpeg4"_s);
     }
 
+    void hevcInMp4HasTheTagOfDevices()
+    {
+        RealRuns runs;
+        runs.base.preferences.overrideForThisRun(u"newerCodecsFlag"_s, true);
+        const QString hevc = clip(u"launch-hevc.mkv"_s, [](const QString &path) {
+            runProgram(u"ffmpeg"_s,
+                       u"-nostdin -y -v error -f lavfi -i testsrc2=s=160x120:r=25:d=1 -c:v libx265 "
+                       "-x265-params log-level=error"_s.split(u' ')
+                           << path);
+        });
+        const auto selection = runs.probed(hevc, u"General"_s);
+        ConversionRequest request;
+        request.kind = OutputKind::Mp4;
+        request.output = runs.base.scratch.url(u"out.m4v"_s);
+        const OptionList list = conversionLists(*selection, request).first;
+        const LaunchFacts facts = launchFactsOf(*selection, request.kind);
+        for (const auto &[left, tag] : {std::pair(rule(10), u"hev1"_s), std::pair(QString(), u"hvc1"_s)}) {
+            const auto form = ffmpegLaunchFormWithout(left, list, facts);
+            QCOMPARE(statusOf(u"ffmpeg"_s, tools::argumentsOf(form.list), runs.path(), 60000), 0);
+            QCOMPARE(streamsOf(request.output.toLocalFile()).first().value(u"codec_tag_string"_s).toString(),
+                     tag);
+        }
+    }
+
     void addedFilesWithOtherStreams_data()
     {
         QTest::addColumn<QString>("clip");
@@ -313,9 +341,26 @@ private Q_SLOTS:
         tracks.removeAt(1);
         trial.selection->setTrackList(tracks);
         const auto list = trial.meant(Pass::Only);
-        QVERIFY(trial.statusWithout(rule(10), list, Pass::Only) > 0);
+        QVERIFY(trial.statusWithout(rule(11), list, Pass::Only) > 0);
         QCOMPARE(trial.statusWith(list, Pass::Only), 0);
         QCOMPARE(codecsOf(trial.output()), codecs);
+    }
+
+    void aSingleTrackOfAFilm()
+    {
+        Trial trial(film(), u"MKV"_s);
+        const TrackPointer sound = trial.selection->trackList().at(1);
+        sound->setUserCodec(u"ac3"_s);
+        sound->setUserNumberOfChannels(u"2"_s);
+        sound->setUserBitRate(u"128"_s);
+        const auto lists = singleTrackLists(*trial.selection, *sound, trial.request.output,
+                                            QUrl::fromLocalFile(trial.path(u"log"_s)));
+        const OptionList list = steps::runAsProcess(lists.first);
+        trial.singleStream = sound->streamIndex();
+        QVERIFY(trial.statusWithout(u"a single track is taken by its number"_s, list, Pass::Only) != 0 ||
+                !codecsOf(trial.output()).contains(u"ac3"_s));
+        QCOMPARE(trial.statusWith(list, Pass::Only), 0);
+        QCOMPARE(codecsOf(trial.output()), u"ac3"_s);
     }
 
     /// The one rule of extractions.

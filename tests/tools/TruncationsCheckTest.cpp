@@ -25,31 +25,41 @@ struct Operation
     QString extension;
     QString video; ///< what it is re-encoded into
     QString audio;
+    QString firstPass = {};
 };
 
 QList<Operation> operations()
 {
-    return {{u"pass-through"_s,
-             u"ffmpeg -fflags +genpts -i $0 -map 0:v -vcodec copy -map 0:a -codec:a:0 copy -f matroska $1"_s,
-             u"mkv"_s,
-             {},
-             {}},
-            {u"into mp4"_s,
-             u"ffmpeg -fflags +genpts -i $0 -map 0:v -vcodec copy -map 0:a -codec:a:0 copy -f mp4 $1"_s,
-             u"mp4"_s,
-             {},
-             {}},
-            {u"one pass"_s,
-             u"ffmpeg -i $0 -map 0:v -vcodec libx264 -preset ultrafast -b:v 300k -map 0:a -codec:a:0 aac "
-             "-ab:a:0 128k -ac:a:0 2 -ar:a:0 48000 -f mp4 $1"_s,
-             u"mp4"_s, u"h264"_s, u"aac"_s},
-            {u"remux"_s, u"mkvmerge -o $1 --compression -1:none $0"_s, u"mkv"_s, {}, {}},
-            {u"split"_s,
-             u"mkvmerge -o $1 --split parts:00:00:01-00:10:00 --compression -1:none $0"_s,
-             u"mkv"_s,
-             {},
-             {}},
-            {u"join"_s, u"mkvmerge -o $1 $0 + $0"_s, u"mkv"_s, {}, {}}};
+    return {
+        {u"pass-through"_s,
+         u"ffmpeg -fflags +genpts -i $0 -map 0:v -vcodec copy -map 0:a -codec:a:0 copy -f matroska $1"_s,
+         u"mkv"_s,
+         {},
+         {}},
+        {u"into mp4"_s,
+         u"ffmpeg -fflags +genpts -i $0 -map 0:v -vcodec copy -map 0:a -codec:a:0 copy -f mp4 $1"_s,
+         u"mp4"_s,
+         {},
+         {}},
+        {u"one pass"_s,
+         u"ffmpeg -i $0 -map 0:v -vcodec libx264 -preset ultrafast -b:v 300k -map 0:a -codec:a:0 aac "
+         "-ab:a:0 128k -ac:a:0 2 -ar:a:0 48000 -f mp4 $1"_s,
+         u"mp4"_s, u"h264"_s, u"aac"_s},
+        {u"two passes"_s,
+         u"ffmpeg -i $0 -map 0:v -vcodec libx264 -preset ultrafast -b:v 300k -map 0:a -codec:a:0 aac "
+         "-ab:a:0 128k -ac:a:0 2 -ar:a:0 48000 -pass 2 -passlogfile $1 -f mp4 $1"_s,
+         u"mp4"_s, u"h264"_s, u"aac"_s,
+         u"ffmpeg -i $0 -map 0:v -vcodec libx264 -preset ultrafast -b:v 300k -pass 1 -passlogfile $1 -an -f mp4 -y /dev/null"_s},
+        {u"extract video"_s, u"ffmpeg -i $0 -map 0:v -vcodec copy -an -sn $1"_s, u"raw video"_s, {}, {}},
+        {u"extract audio"_s, u"ffmpeg -i $0 -map 0:a -acodec copy -vn -sn $1"_s, u"raw audio"_s, {}, {}},
+        {u"remove"_s, u"mkvmerge -o $1 --no-audio --compression -1:none $0"_s, u"mkv"_s, {}, {}},
+        {u"remux"_s, u"mkvmerge -o $1 --compression -1:none $0"_s, u"mkv"_s, {}, {}},
+        {u"split"_s,
+         u"mkvmerge -o $1 --split parts:00:00:01-00:10:00 --compression -1:none $0"_s,
+         u"mkv"_s,
+         {},
+         {}},
+        {u"join"_s, u"mkvmerge -o $1 $0 + $0"_s, u"mkv"_s, {}, {}}};
 }
 
 /// What the film says of itself before it is cut.
@@ -99,7 +109,9 @@ private Q_SLOTS:
         CheckRun run;
         const QString source = run.path(u"a."_s + container);
         cutTo(minuteOf(container), source, percent);
-        const QString output = run.path(u"out."_s + todo.extension);
+        const QString output = run.path(u"out."_s + extensionOf(todo, source));
+        if (!todo.firstPass.isEmpty())
+            run.run(todo.firstPass, {source, output}, false);
         const QString log = run.run(todo.line, {source, output}, false);
         if (QFileInfo(output).size() < 1000) // it was refused, with an exit status, after its headers
             return;
@@ -138,6 +150,21 @@ private Q_SLOTS:
     }
 
 private:
+    /// Of a single track: as its codec has it.
+    static QString extensionOf(const Operation &todo, const QString &source)
+    {
+        if (!todo.extension.startsWith(u"raw "_s))
+            return todo.extension;
+        const auto streams = CheckRun::streamsOf(source);
+        const auto found = std::find_if(streams.begin(), streams.end(), [&](const auto &stream) {
+            return stream.first == todo.extension.section(u' ', 1);
+        });
+        static const QHash<QString, QString> extensions{{u"h264"_s, u"h264"_s}, {u"aac"_s, u"aac"_s},
+                                                        {u"mp3"_s, u"mp3"_s},   {u"mpeg4"_s, u"m4v"_s},
+                                                        {u"flv1"_s, u"flv"_s},  {u"ac3"_s, u"ac3"_s}};
+        return found == streams.end() ? u"mkv"_s : extensions.value(found->second, u"mkv"_s);
+    }
+
     static media::MeantOutput meantFor(const Operation &todo, const QString &source, const QString &output)
     {
         const bool isJoin = todo.name == u"join"_s;
@@ -145,6 +172,13 @@ private:
                                           : CheckRun::meant({source}, output);
         reencode(meant, u"video"_s, todo.video);
         reencode(meant, u"audio"_s, todo.audio);
+        for (media::TrackFate &fate : meant.tracks) {
+            const bool isOther = todo.extension.startsWith(u"raw "_s) && !todo.extension.endsWith(fate.kind);
+            if (isOther || (todo.name == u"remove"_s && fate.kind == u"audio"_s))
+                fate.became = media::Became::LeftOut;
+        }
+        meant.isRaw =
+            QStringList{u"h264"_s, u"aac"_s, u"mp3"_s, u"m4v"_s, u"ac3"_s}.contains(output.section(u'.', -1));
         if (todo.name == u"split"_s) {
             meant.extent = Extent::Stretch;
             meant.from = 1;

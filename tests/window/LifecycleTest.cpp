@@ -7,6 +7,7 @@
 #include "support/TestMain.h"
 #include "window/QueueDriver.h"
 
+#include <QDirIterator>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTabBar>
@@ -89,12 +90,14 @@ QString readyFor(const QString &film)
 
 /// What this test's own program does when it is started to be ended: it converts a film until then. A file
 /// tells when it has begun and waits for signals.
-int convertUntilTheEnd(const QString &film)
+int convertUntilTheEnd(const QString &film, bool paused)
 {
     WindowFixture fixture;
     fixture.start();
     if (convertSlowly(fixture, film) == 0)
         return 1;
+    if (paused)
+        fixture.queue().pauseQueueButton(u"Pause"_s);
     QTimer::singleShot(0, qApp, [&] { support::writeContent(readyFor(film), {}); });
     const int status = QApplication::exec();
     fixture.restart(); // the program goes as it does at the end of main()
@@ -257,7 +260,64 @@ private Q_SLOTS:
         QCOMPARE(QDir(m_fixture->path()).entryList({u"a.*"_s}, QDir::Files), QStringList{u"a.mkv"_s});
     }
 
+    void noToolOutlivesTheProgram_data()
+    {
+        QTest::addColumn<int>("number"); // 0: its display goes
+        QTest::addColumn<QString>("state");
+        QTest::newRow("killed") << SIGKILL << u"running"_s;
+        QTest::newRow("killed while paused") << SIGKILL << u"paused"_s;
+        QTest::newRow("aborted") << SIGABRT << u"running"_s;
+        QTest::newRow("without its display") << 0 << u"running"_s;
+        QTest::newRow("without its display while paused") << 0 << u"paused"_s;
+    }
+
+    void noToolOutlivesTheProgram()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, state);
+        QProcess display;
+        display.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"3200x2400x24"_s});
+        QVERIFY(waitFor([&] { return display.canReadLine(); }));
+        const QString film = m_fixture->film(support::longMkv(120));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"DISPLAY"_s, u':' + QString::fromLatin1(display.readLine().trimmed()));
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+        environment.insert(u"TMPDIR"_s, m_fixture->path(u"tmp"_s)); // what it leaves goes with this test
+        QDir().mkpath(m_fixture->path(u"tmp"_s));
+        Started converting(QCoreApplication::applicationFilePath(), {u"--convert"_s, film, state},
+                           environment);
+        QVERIFY(waitFor([&] { return QFile::exists(readyFor(film)); }));
+        QVERIFY(!processesOn("ffmpeg", film).isEmpty());
+        number == 0 ? display.kill() : converting.signal(number);
+        QVERIFY(converting.ends());
+        QVERIFY(waitFor([&] { return processesOn("ffmpeg", film).isEmpty(); }));
+        QVERIFY(waitFor([&] { return leftIn(m_fixture->path()).isEmpty(); }));
+        QVERIFY(waitFor([&] { return leftIn(m_fixture->path(u"tmp"_s)).isEmpty(); }));
+        QVERIFY(number != 0 || hasStoredSettings(m_fixture->path(u"tmp"_s)));
+        display.kill();
+        display.waitForFinished();
+    }
+
 private:
+    /// Work folders, claims, temporary folders.
+    static QStringList leftIn(const QString &folder)
+    {
+        return QDir(folder).entryList({u".tessaray-*"_s, u"tessaray-??????"_s},
+                                      QDir::AllEntries | QDir::Hidden);
+    }
+
+    /// What is stored on the way out: the tab and the presets.
+    static bool hasStoredSettings(const QString &folder)
+    {
+        QDirIterator files(folder, {u"defaults.json"_s}, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            if (file.open(QIODevice::ReadOnly) && file.readAll().contains("guiSettingsDictionary"))
+                return true;
+        }
+        return false;
+    }
+
     /// A copy of the finished program whose tools write down how they were started.
     QString programWithRecorders()
     {
@@ -300,5 +360,5 @@ private:
 };
 
 TESSARAY_TEST(LifecycleTest)
-TESSARAY_ROLE("--convert", convertUntilTheEnd(words.value(1)))
+TESSARAY_ROLE("--convert", convertUntilTheEnd(words.value(1), words.contains(u"paused"_s)))
 #include "LifecycleTest.moc"

@@ -33,8 +33,10 @@ constexpr std::array rules = {
     Rule{u"MP4 text copied into Matroska becomes SRT", launchrules::textForMatroska},
     Rule{u"pass 2 into MP4 says so", launchrules::nameMp4Format},
     Rule{u"a retried pass 2 makes timestamps too", launchrules::generateTimestamps},
+    Rule{u"HEVC that is copied into MP4 is tagged as devices expect it", launchrules::tagHevc},
     // The last: the others know streams by what the list maps.
     Rule{u"of an added file only the track is taken", launchrules::pickAddedTracks},
+    Rule{u"a single track is taken by its number", launchrules::pickSingleTrack},
 };
 
 /// Every added file has a stream 0, so these are told by the file's name.

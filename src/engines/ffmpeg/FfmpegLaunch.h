@@ -34,6 +34,7 @@ struct LaunchFacts
     bool isShellLine = false;         ///< the list is joined into a shell line and left to the shell
     bool generatesTimestamps = false; ///< a retry found out that they are missing
     QString passlogfile;
+    std::optional<int> singleStream; ///< what a list for one track alone is to take of its file
     QHash<QString, MappedStream> streams;
 };
 

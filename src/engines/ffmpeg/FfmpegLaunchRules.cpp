@@ -235,6 +235,18 @@ void nameMp4Format(LaunchForm &form, const LaunchFacts &facts)
     form.list.insert(tail, u"-f");
 }
 
+void tagHevc(LaunchForm &form, const LaunchFacts &facts)
+{
+    const qsizetype codec = indexOfOption(form.list, u"-vcodec"_s);
+    if (facts.kind != OutputKind::Mp4 || codec < 1 || codec + 1 >= form.list.size() ||
+        !isOption(form.list.at(codec + 1), u"copy"_s))
+        return;
+    if (facts.streams.value(form.list.at(codec - 1).text()).probedCodec != u"hevc"_s)
+        return;
+    form.list.insert(codec + 2, u"-tag:v");
+    form.list.insert(codec + 3, u"hvc1");
+}
+
 void generateTimestamps(LaunchForm &form, const LaunchFacts &facts)
 {
     if (!facts.generatesTimestamps || !facts.isSecondPass)
@@ -251,6 +263,18 @@ void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts)
         const auto picked = facts.streams.value(form.list.at(i).text()).picked;
         if (picked)
             form.list[i] = form.list.at(i).with(u":").with(*picked);
+    }
+}
+
+void pickSingleTrack(LaunchForm &form, const LaunchFacts &facts)
+{
+    if (facts.singleStream.value_or(0) <= 0)
+        return;
+    for (qsizetype i = 0; i < form.list.size(); ++i) {
+        if (isOption(form.list.at(i), u"-map 0:0"_s)) // two words of a shell line
+            form.list[i] = OptionItem(u"-map 0:").with(*facts.singleStream);
+        else if (i > 0 && isOption(form.list.at(i - 1), u"-map"_s) && isOption(form.list.at(i), u"0:0"_s))
+            form.list[i] = OptionItem(u"0:").with(*facts.singleStream);
     }
 }
 

@@ -32,10 +32,14 @@ void leaveOutSubtitles(LaunchForm &form, const LaunchFacts &facts);
 void textForMatroska(LaunchForm &form, const LaunchFacts &facts);
 /// The format behind ".m4v" refuses audio that MP4 itself takes.
 void nameMp4Format(LaunchForm &form, const LaunchFacts &facts);
+/// ffmpeg tags it "hev1", which devices and their players do not open.
+void tagHevc(LaunchForm &form, const LaunchFacts &facts);
 /// Else pass 2 fails just as it did before the retry.
 void generateTimestamps(LaunchForm &form, const LaunchFacts &facts);
 /// An added file is mapped whole, so what else it holds (a font, chapter texts) would come along; a
 /// container that has no place for that fails the run.
 void pickAddedTracks(LaunchForm &form, const LaunchFacts &facts);
+/// A list for one track takes the first stream of its file, which is another track as a rule.
+void pickSingleTrack(LaunchForm &form, const LaunchFacts &facts);
 
 } // namespace engines::launchrules

@@ -54,7 +54,7 @@ Outcome outcomeOfMessages(const FfmpegRun &run)
          u"corrupt decoded frame"_s, u"corrupt input packet"_s, u"invalid as first byte of an EBML number"_s,
          u"exceeds containing master element"_s, u"Invalid data found when processing input"_s});
     if (!damage.isNull())
-        outcome = outcome.joinedWith(Outcome::warnings(damageSentence(damage)));
+        outcome = outcome.joinedWith(Outcome::damaged(damageSentence(damage)));
     if (lacksPictures(run, log))
         outcome =
             outcome.joinedWith(Outcome::warnings(u"There is nothing in the video track of the output."_s));

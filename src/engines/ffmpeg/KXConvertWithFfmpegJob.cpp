@@ -152,7 +152,10 @@ QList<steps::Launch> KXConvertWithFfmpegJob::planSubtitles(KXFfmpegConverter &co
     const KXVideoTrack &track = *theTracks().at(*work.burned);
     const bool isInside = isText(track) && !track.externalTrackFlag();
     const QUrl file = isInside ? planned(*work.burned) : track.trackFileURL();
-    converter.setSubToBurnURL(isText(track) ? converter.fileToBurn(file) : file);
+    if (isText(track))
+        converter.planBurning(file);
+    else
+        converter.setSubToBurnURL(file);
     return launches;
 }
 

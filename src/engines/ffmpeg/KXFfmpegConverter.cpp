@@ -12,6 +12,7 @@
 #include "prefs/KXPreferences.h"
 #include "steps/OutputGuard.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -50,6 +51,8 @@ QUrl KXFfmpegConverter::wantedOutput() const
 {
     const OutputKind kind = engines::outputKindNamed(appName());
     const QString device = converterSelection()->theDevice();
+    if (const QString name = converterSelection()->outputName(); !name.isEmpty())
+        return besideSources(QUrl::fromLocalFile(engines::pathInFolder(saveDirectoryURL(), name)));
     return besideSources(engines::outputForBase(engines::withoutExtension(outputFileURL()), kind, device));
 }
 
@@ -67,7 +70,7 @@ void KXFfmpegConverter::prepareNames(const QUrl &wanted)
         setOutputFileURL(context().guard.claimFree(wanted));
     else if (!claimOutput(wanted))
         return;
-    setPasslogfileString(context().temporaryFolder + u"passLog"_s);
+    setPasslogfileString(privateFile(u"passLog"_s, u".passlog"_s).toLocalFile());
     claimLog(log);
     setLogModifiedDateOld(QDateTime::currentDateTime());
     setTempFileToDeleteURL(isTemporaryOutput() ? outputFileURL() : QUrl());
@@ -110,6 +113,7 @@ QList<steps::Launch> KXFfmpegConverter::launches()
     if (m_isShellLine)
         return {launchOfLine(urlOfApp(u"ffmpeg"_s), optionArray1())};
     QList<steps::Launch> runs{launchOf(urlOfApp(u"ffmpeg"_s), optionArray1())};
+    runs.first().before = m_before;
     if (currentPass() == 1) {
         beginSecondPass();
         runs.append(launchOf(urlOfApp(u"ffmpeg"_s), optionArray2()));
@@ -218,8 +222,24 @@ QUrl KXFfmpegConverter::fileToBurn(const QUrl &subtitle) const
     const QString path = subtitle.toLocalFile();
     if (!subCanBurnList().contains(QFileInfo(path).suffix().toLower()))
         return {};
-    return engines::filterCanTake(path) ? subtitle
-                                        : QUrl::fromLocalFile(context().temporaryFolder + u"temp.ass"_s);
+    return engines::filterCanTake(path) ? subtitle : copyToBurn();
+}
+
+/// Beside an output whose path a filter can't take either, a plan has no place for it.
+QUrl KXFfmpegConverter::copyToBurn() const
+{
+    const QUrl copy = privateFile(u"temp.ass"_s, u".ass"_s);
+    const bool isOutOfPlace = context().guard.isPlan() && !engines::filterCanTake(copy.toLocalFile());
+    return isOutOfPlace ? QUrl::fromLocalFile(QDir::tempPath() + u"/tessaray-temp.ass"_s) : copy;
+}
+
+void KXFfmpegConverter::planBurning(const QUrl &subtitle)
+{
+    const QUrl file = fileToBurn(subtitle);
+    setSubToBurnURL(file);
+    m_before.clear();
+    if (!isEmpty(file) && file != subtitle)
+        m_before.append({{u"cp"_s, u"--"_s, subtitle.toLocalFile(), file.toLocalFile()}, {}});
 }
 
 void KXFfmpegConverter::prepSubtitleForBurning(const QUrl &subtitle)
@@ -237,6 +257,10 @@ tools::OptionList KXFfmpegConverter::launchForm(const tools::OptionList &meant)
     facts.isShellLine = m_isShellLine;
     facts.generatesTimestamps = m_generatesTimestamps;
     facts.passlogfile = passlogfileString();
+    const TrackPointer single =
+        m_request ? nullptr : converterSelection()->trackList().value(trackItemToProcess());
+    if (single)
+        facts.singleStream = single->streamIndex();
     const engines::LaunchForm form = engines::ffmpegLaunchForm(meant, facts);
     for (const QString &warning : form.warnings) {
         if (!m_warnings.contains(warning))

@@ -48,6 +48,8 @@ public:
     /// The file that is burned where prepSubtitleForBurning() can make the copies that it wants; without a
     /// path: none.
     QUrl fileToBurn(const QUrl &subtitle) const;
+    /// The same in a plan, where a copy is made by who pastes its lines.
+    void planBurning(const QUrl &subtitle);
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     QString monitorConversion() override;
@@ -74,11 +76,13 @@ private:
     void checkFontCache();
     void postProgress(const steps::FfmpegReading &reading);
     void removeInterruptedStatistics();
+    QUrl copyToBurn() const;
 
     /// What the lists of a whole-file conversion were made from; absent for a single track.
     std::optional<engines::ConversionRequest> m_request;
     steps::FfmpegProgressReader m_progress;
     QStringList m_warnings;
+    QList<steps::Preparation> m_before; ///< of a plan
     /// A retry of a two-pass run: pass 1 runs again although currentPass() stays 2.
     bool m_repeatsFirstPass = false;
     bool m_generatesTimestamps = false;

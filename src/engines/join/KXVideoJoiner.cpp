@@ -128,9 +128,14 @@ QList<QUrl> KXVideoJoiner::filesToJoin() const
     return files;
 }
 
-QList<QUrl> KXVideoJoiner::namesToWrite() const
+/// The copies are as large as the films, so they lie where the output is made, and go with that place.
+QUrl KXVideoJoiner::placeOf(const QUrl &file) const
 {
-    return isRetiming() ? QList<QUrl>{retimedFile(m_toRetime.at(m_retimed))} : QList<QUrl>{outputFileURL()};
+    const bool isCopy = std::any_of(m_toRetime.begin(), m_toRetime.end(),
+                                    [&](qsizetype position) { return retimedFile(position) == file; });
+    const QUrl folder = context().guard.workFolder();
+    return isCopy && !folder.isEmpty() ? QUrl::fromLocalFile(folder.toLocalFile() + u'/' + file.fileName())
+                                       : file;
 }
 
 bool KXVideoJoiner::wasRetimed() const
@@ -151,7 +156,24 @@ tools::OptionList KXVideoJoiner::arguments(const QList<QUrl> &files) const
 
 QList<steps::Launch> KXVideoJoiner::launches()
 {
-    return {launchOf(urlOfApp(joinerName()), arguments(filesToJoin()))};
+    steps::Launch launch = launchOf(urlOfApp(joinerName()), arguments(filesToJoin()));
+    if (joinerName() == u"ffmpeg"_s)
+        launch.before = plannedList(filesToJoin());
+    return {launch};
+}
+
+/// What startJoining() writes, as commands.
+QList<steps::Preparation> KXVideoJoiner::plannedList(const QList<QUrl> &files) const
+{
+    QList<steps::Preparation> before;
+    const QList<QUrl> names = listable(files);
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        if (names.at(i) != files.at(i))
+            before.append({{u"ln"_s, u"-s"_s, files.at(i).toLocalFile(), names.at(i).toLocalFile()}, {}});
+    }
+    const QStringList lines = engines::concatListLaunched(names).split(u'\n', Qt::SkipEmptyParts);
+    before.append({QStringList{u"printf"_s, u"%s\\n"_s} + lines, concatList()});
+    return before;
 }
 
 tools::ToolProcessPointer KXVideoJoiner::startJoining()
@@ -173,7 +195,7 @@ tools::ToolProcessPointer KXVideoJoiner::startJoining()
 
 QUrl KXVideoJoiner::concatList() const
 {
-    return QUrl::fromLocalFile(context().temporaryFolder + u"mylist.txt"_s);
+    return privateFile(u"mylist.txt"_s, u".list"_s);
 }
 
 /// The concat reader takes its list line by line, whatever is quoted, so a path with a line break in it is
@@ -183,19 +205,21 @@ QList<QUrl> KXVideoJoiner::listable(const QList<QUrl> &files) const
     QList<QUrl> names;
     for (const QUrl &file : files) {
         const QString path = file.toLocalFile();
-        if (!path.contains(u'\n') && !path.contains(u'\r')) {
-            names.append(file);
-            continue;
-        }
-        names.append(QUrl::fromLocalFile(context().temporaryFolder + u"part%1"_s.arg(names.size())));
-        context().guard.files().link(file, names.constLast());
+        const bool isPlain = !path.contains(u'\n') && !path.contains(u'\r');
+        const QString number = QString::number(names.size());
+        names.append(isPlain ? placeOf(file) : privateFile(u"part"_s + number, u".part"_s + number));
     }
     return names;
 }
 
 bool KXVideoJoiner::writeConcatList(const QList<QUrl> &files) const
 {
-    return context().guard.files().write(concatList(), engines::concatListLaunched(listable(files)).toUtf8());
+    const QList<QUrl> names = listable(files);
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        if (names.at(i) != placeOf(files.at(i)))
+            context().guard.files().link(files.at(i), names.at(i));
+    }
+    return context().guard.files().write(concatList(), engines::concatListLaunched(names).toUtf8());
 }
 
 /// MP4Box reads a meaning into "@", "*", "#" and ":" of a name, so it gets links with plain ones.
@@ -209,17 +233,17 @@ QUrl KXVideoJoiner::plainNameOf(const QUrl &file) const
     const QString name =
         context().temporaryFolder + u"source%1.%2"_s.arg(position).arg(engines::extensionOf(file).toLower());
     const QUrl link = QUrl::fromLocalFile(name);
-    context().guard.files().link(file, link);
+    context().guard.files().link(placeOf(file), link);
     return link;
 }
 
 tools::OptionList KXVideoJoiner::workingAside(const tools::OptionList &list) const
 {
     tools::OptionList aside = KXConverter::workingAside(list);
-    if (joinerName() != u"mp4box"_s || isRetiming())
-        return aside;
+    const bool needsPlainNames = joinerName() == u"mp4box"_s && !isRetiming();
     for (tools::OptionItem &item : aside)
-        item = item.withFileAt([this](const QUrl &file) { return plainNameOf(file); });
+        item = item.withFileAt(
+            [&](const QUrl &file) { return needsPlainNames ? plainNameOf(file) : placeOf(file); });
     return aside;
 }
 

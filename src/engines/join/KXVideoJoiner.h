@@ -36,7 +36,6 @@ public:
     void handleNewTaskResult(const steps::ReadEvent &event) override;
     void backgroundReadingCompleted() override;
     steps::Outcome outcome() const override;
-    QList<QUrl> namesToWrite() const override;
     QList<media::MeantOutput> meantOutputs() const override;
 
 Q_SIGNALS:
@@ -55,6 +54,8 @@ private:
     /// The list for the tool that joins; an empty one for a tool that nobody knows.
     tools::OptionList arguments(const QList<QUrl> &files) const;
     QUrl retimedFile(qsizetype position) const;
+    QUrl placeOf(const QUrl &file) const;
+    QList<steps::Preparation> plannedList(const QList<QUrl> &files) const;
     QList<QUrl> filesToJoin() const;
     bool writeConcatList(const QList<QUrl> &files) const;
     QUrl concatList() const;

@@ -53,10 +53,18 @@ QString CheckRun::run(const QString &line, const QStringList &files, bool mustSu
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
     process.setProcessChannelMode(QProcess::MergedChannels);
+    const auto [variable, value] = media::figuresVariable(u"figures"_s);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(variable, value);
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(path());
+    QFile::remove(path(u"figures"_s));
     process.start(program, words);
     if (!process.waitForFinished(patience * 5))
         qFatal("%s does not end", qPrintable(program));
-    const QString printed = QString::fromUtf8(process.readAllStandardOutput());
+    QString printed = QString::fromUtf8(process.readAllStandardOutput());
+    if (program == u"ffmpeg"_s)
+        printed = QString::fromUtf8(contentOf(path(u"figures"_s)));
     const bool isWarning = program == u"mkvmerge"_s && process.exitCode() == 1;
     if (mustSucceed && process.exitCode() != 0 && !isWarning)
         qFatal("%s: %s", qPrintable(line), qPrintable(printed.right(2000)));

@@ -5,6 +5,8 @@
 #include "support/Waiting.h"
 #include "support/app/AppFixture.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
@@ -123,6 +125,75 @@ private Q_SLOTS:
         m_fixture->alerts().answer(cancel);
         QVERIFY(isPaused());
         QCOMPARE(m_fixture->queue().pauseButtonTitle(), u"Resume"_s);
+    }
+
+    void whatWaitsAndWhatRanIsThereAgain()
+    {
+        QCOMPARE(m_fixture->delegate().restoreQueue(), QString());
+        run();
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate());
+        QVERIFY(m_fixture->alerts().answer(ok));
+        QCOMPARE(m_allowed->size(), 1);
+        QVERIFY(m_fixture->queue().qJobList().isEmpty());
+        m_fixture->restart();
+        QSignalSpy notes(&m_fixture->delegate(), &KXAppDelegate::noteWorthy);
+        QCOMPARE(m_fixture->delegate().restoreQueue(), QString());
+        QCOMPARE(m_fixture->queue().qJobList().size(), 2);
+        QCOMPARE(m_fixture->queue().qJobList().at(0)->outcome().word(), u"interrupted"_s);
+        QCOMPARE(m_fixture->queue().qJobList().at(1)->jobStatus(), u"Queued"_s);
+        QCOMPARE(m_fixture->queue().pauseButtonTitle(), u"Resume"_s);
+        QVERIFY(notes.takeFirst().constFirst().toString().contains(u"Resume"_s));
+        QVERIFY(!m_fixture->desktop().awake);
+    }
+
+    void jobsThatOnlyWaitAreStoredWithoutAQuestion()
+    {
+        QCOMPARE(m_fixture->delegate().restoreQueue(), QString());
+        queueTwo();
+        QVERIFY(m_fixture->delegate().applicationShouldTerminate());
+        QVERIFY(m_fixture->alerts().shown().isEmpty());
+        m_fixture->restart();
+        m_fixture->delegate().restoreQueue();
+        QCOMPARE(m_fixture->queue().qJobList().size(), 2);
+        QVERIFY(m_fixture->queue().isHeld());
+    }
+
+    void whatCannotBeSavedIsAskedAbout_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::newRow("Quit Anyway") << ok;
+        QTest::newRow("Cancel") << cancel;
+    }
+
+    void whatCannotBeSavedIsAskedAbout()
+    {
+        QFETCH(int, answer);
+        const QString settings = m_fixture->path(u"settings/defaults.json"_s);
+        QFile::remove(settings);
+        QVERIFY(QDir().mkpath(settings)); // no file can stand there
+        QVERIFY(!m_fixture->delegate().applicationShouldTerminate());
+        QCOMPARE(m_fixture->alerts().shown().size(), 1);
+        const platform::Alert &question = *m_fixture->alerts().shown().constFirst();
+        QCOMPARE(question.message, u"Not everything could be saved."_s);
+        QVERIFY(question.informativeText.contains(settings));
+        QCOMPARE(question.buttons, (QStringList{u"Quit Anyway"_s, u"Cancel"_s}));
+        QVERIFY(m_fixture->alerts().answer(answer));
+        QCOMPARE(m_allowed->size(), answer == ok ? 1 : 0);
+    }
+
+    void aRunningJobIsNotStoppedWhenNothingCanBeSaved()
+    {
+        run();
+        const QString settings = m_fixture->path(u"settings/defaults.json"_s);
+        QFile::remove(settings);
+        QVERIFY(QDir().mkpath(settings));
+        m_fixture->delegate().applicationShouldTerminate();
+        QVERIFY(m_fixture->alerts().answer(ok)); // to the first question
+        QCOMPARE(m_fixture->alerts().shown().size(), 2);
+        QVERIFY(m_fixture->queue().qJobIsRunning());
+        QVERIFY(m_fixture->alerts().answer(ok));
+        QVERIFY(!m_fixture->queue().qJobIsRunning());
+        QCOMPARE(m_allowed->size(), 1);
     }
 
 private:

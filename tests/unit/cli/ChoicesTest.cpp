@@ -270,6 +270,19 @@ private Q_SLOTS:
         QVERIFY2(error.contains(u"track %1,"_s.arg(track)), qPrintable(error));
     }
 
+    void ofSeveralWrongTracksTheFirstOneGivenIsNamed()
+    {
+        const SelectionPointer selection = film();
+        for (int first = 7; first < 15; ++first) {
+            for (int second = 7; second < 15; ++second) {
+                const Choices choices =
+                    choicesOf(u"--audio %1=passthru --audio %2=passthru"_s.arg(first).arg(second));
+                QVERIFY2(choices.errorFor(*selection).contains(u"names track %1,"_s.arg(first)),
+                         qPrintable(choices.errorFor(*selection)));
+            }
+        }
+    }
+
     void subtitlesAreMuxedOrBurned()
     {
         QCOMPARE(filmWith(u"--subtitles mux"_s)->trackList().at(3)->userCodec(), u"mux"_s);

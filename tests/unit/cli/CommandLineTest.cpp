@@ -163,15 +163,18 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("takesValue");
         QTest::addColumn<bool>("isGlobal");
-        for (const auto &name : {"json", "quiet", "keep-logs", "no-keep-logs", "help", "version"})
+        for (const auto &name :
+             {"json", "quiet", "keep-logs", "no-keep-logs", "newer-codecs", "help", "version"})
             QTest::newRow(name) << false << true;
         for (const auto &name : {"save-dir", "defaults"})
             QTest::newRow(name) << true << true;
         for (const auto &name :
              {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles", "add",
-              "track-preset", "settings-preset", "time", "size", "duration"})
+              "track-preset", "settings-preset", "auto", "for", "output", "time", "size", "duration", "list",
+              "print", "exec"})
             QTest::newRow(name) << true << false;
-        for (const auto &name : {"force", "verify", "dry-run"})
+        for (const auto &name : {"force", "verify", "existing", "commands", "recursive", "skip-existing",
+                                 "report", "dry-run"})
             QTest::newRow(name) << false << false;
     }
 
@@ -192,7 +195,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 6 + 2 + 14 + 3); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 7 + 2 + 20 + 8); }
 };
 
 TESSARAY_TEST(CommandLineTest)

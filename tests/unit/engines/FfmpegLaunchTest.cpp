@@ -25,8 +25,10 @@ const QString evenSize = u"libx264 gets an even size"_s;
 const QString subtitleLeftOut = u"a subtitle that the container can't hold is left out"_s;
 const QString textToSrt = u"MP4 text copied into Matroska becomes SRT"_s;
 const QString formatNamed = u"pass 2 into MP4 says so"_s;
+const QString hevcTagged = u"HEVC that is copied into MP4 is tagged as devices expect it"_s;
 const QString retriedPass2 = u"a retried pass 2 makes timestamps too"_s;
 const QString trackPicked = u"of an added file only the track is taken"_s;
+const QString singlePicked = u"a single track is taken by its number"_s;
 
 /// The words of a line as items; what begins with "/" is a file.
 OptionList listOf(const QString &line)
@@ -86,9 +88,11 @@ class FfmpegLaunchTest final : public QObject
 private Q_SLOTS:
     void theRulesHaveNames()
     {
-        QCOMPARE(ffmpegLaunchRuleNames(),
-                 QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter,
-                              evenSize, subtitleLeftOut, textToSrt, formatNamed, retriedPass2, trackPicked}));
+        QCOMPARE(
+            ffmpegLaunchRuleNames(),
+            QStringList({splitWords, placeStatistics, passBehindInputs, overlayEnds, audioFilter, evenSize,
+                         subtitleLeftOut, textToSrt, formatNamed, retriedPass2, hevcTagged, trackPicked,
+                         singlePicked}));
     }
 
     /// Every kind of ordinary list, as the rules for lists give it.

@@ -201,9 +201,10 @@ private Q_SLOTS:
         QCOMPARE(fixture.converter.logFileURL(), fixture.url(u"a.mkv.log"_s));
         QVERIFY(waitFor([&] { return !runs(pid.toLongLong()); }));
         QCOMPARE(fixture.calls().first(),
-                 QStringList({u"-i"_s, fixture.path(u"a.mkv"_s), u"-map"_s, u"0:0"_s, u"-c:a"_s, u"copy"_s,
+                 QStringList({u"-i"_s, fixture.path(u"a.mkv"_s), u"-map"_s, u"0:1"_s, u"-c:a"_s, u"copy"_s,
                               u"-metadata:s:a:0"_s, u"language=eng"_s, u"-metadata:s:a:0"_s,
                               u"title=two words"_s, u"-y"_s, fixture.path(u"a.m4v"_s)}));
+        QCOMPARE(tools::textsOf(fixture.converter.optionArray1()).at(2), u"-map 0:0"_s); // is meant
     }
 
     void singleTracksAreNamed_data()

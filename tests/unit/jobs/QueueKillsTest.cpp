@@ -34,6 +34,13 @@ QString filmOf(int number)
     return u"film%1"_s.arg(number);
 }
 
+/// What a kill leaves that hits the making of a claim: it holds nothing, and the next job that works there
+/// after two seconds takes it away.
+bool isHalfClaim(const QString &name)
+{
+    return name.startsWith(u".tessaray-claim-"_s) && name.size() > u".tessaray-claim-"_s.size() + 40;
+}
+
 void tell(const QString &line)
 {
     std::puts(qPrintable(line));
@@ -91,7 +98,10 @@ int runQueueIn(const QString &place)
     if (!problem.isNull())
         tell(u"problem "_s + problem);
     QObject::connect(&queue, &KXQueueController::jobChanged, &queue, [&](int row) {
-        tell(queue.qJobList().at(row)->jobStatus() + u' ' + queue.qJobList().at(row)->outcome().word());
+        const KXJob &job = *queue.qJobList().at(row);
+        const QStringList words{job.jobFileName(), job.jobStatus(), job.outcome().word(),
+                                job.outcome().sentence};
+        tell(words.join(u' '));
     });
     work(queue, fixture, place);
     return support::waitFor([&] { return isOver(queue); }) ? 0 : 1;
@@ -150,7 +160,7 @@ public:
     bool run(qsizetype lines, qsizetype delay)
     {
         const Killed program(m_place.path(), lines, delay);
-        m_problem = QString::fromUtf8(program.said);
+        m_said += u"--- killed\n"_s + QString::fromUtf8(program.said);
         const QStringList shown = program.after(u"has"_s);
         m_isWell = program.after(u"problem"_s).isEmpty() &&
                    QSet<QString>(shown.begin(), shown.end()).size() == shown.size();
@@ -162,7 +172,7 @@ public:
         return program.endedWell;
     }
     bool isWell() const { return m_isWell; }
-    const QString &said() const { return m_problem; }
+    const QString &said() const { return m_said; }
     QStringList outputs() const
     {
         return QDir(m_place.path(u"out"_s))
@@ -177,7 +187,7 @@ private:
     Scratch m_place;
     QStringList m_added; ///< of which a program said so
     QStringList m_done;
-    QString m_problem;
+    QString m_said; ///< by all programs
     bool m_isWell = true;
 };
 
@@ -204,8 +214,9 @@ private Q_SLOTS:
             for (int number = 0; number < jobsOfARound; ++number)
                 expected.append(filmOf(number) + u".m4v"_s);
             QStringList outputs = round.outputs();
-            outputs.removeIf([](const QString &name) { return name.endsWith(u".log"_s); });
-            QCOMPARE(outputs, expected);
+            outputs.removeIf(
+                [](const QString &name) { return name.endsWith(u".log"_s) || isHalfClaim(name); });
+            QVERIFY2(outputs == expected, qPrintable(outputs.join(u' ') + u'\n' + round.said()));
             QCOMPARE(round.records(), QStringList());
         }
         qInfo("%d rounds of %d jobs", rounds, jobsOfARound);

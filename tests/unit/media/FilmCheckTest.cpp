@@ -581,6 +581,92 @@ private Q_SLOTS:
                  u"warnings: The source can't be read, so out.mkv could not be compared with it."_s);
     }
 
+    void ofFilmsThatListTooMuchTheHeadersAreCompared_data()
+    {
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<QString>("said");
+        QTest::newRow("alike") << Change([](Case &) {}) << u"ok"_s;
+        QTest::newRow("packets don't count")
+            << Change([](Case &c) { c.output.streams[1].lastEnd = 30; }) << u"ok"_s;
+        QTest::newRow("a second") << Change([](Case &c) { c.output.seconds = 59; }) << u"ok"_s;
+        QTest::newRow("shorter") << Change([](Case &c) { c.output.seconds = 58.9; })
+                                 << u"failed: out.mkv lasts 0:59 instead of 1:00."_s;
+        QTest::newRow("shorter, but a track is left out") << Change([](Case &c) {
+            c.output.seconds = 50;
+            c.output.streams.removeLast();
+            c.meant.tracks[2].became = Became::LeftOut;
+        }) << u"ok"_s;
+        QTest::newRow("a stream less") << Change([](Case &c) { c.output.streams.removeAt(1); })
+                                       << u"failed: out.mkv holds 0 audio tracks instead of 1."_s;
+        QTest::newRow("another codec") << Change([](Case &c) { c.output.streams[1].codec = u"mp3"_s; })
+                                       << u"failed: The audio track of out.mkv is mp3 instead of aac."_s;
+        QTest::newRow("a shorter stream") << Change([](Case &c) {
+            c.source.streams[1].headerSeconds = 60;
+            c.output.streams[1].headerSeconds = 40;
+        }) << u"failed: The audio track of out.mkv lasts 0:40 instead of 1:00."_s;
+    }
+
+    void ofFilmsThatListTooMuchTheHeadersAreCompared()
+    {
+        QFETCH(Change, change);
+        QFETCH(QString, said);
+        for (const bool isSource : {true, false}) {
+            Case one;
+            (isSource ? one.source : one.output).isTooLong = true;
+            one.source.seconds = 60;
+            one.output.seconds = 60;
+            change(one);
+            QCOMPARE(told(one.result()), said);
+        }
+    }
+
+    void anErrorThatIsNotKnownIsAWarning()
+    {
+        Case one;
+        one.figures.complaint = u"cannot do that"_s;
+        QCOMPARE(told(one.result()), u"warnings: ffmpeg told of an error: cannot do that."_s);
+        one.figures.damage = u"partial file"_s; // which says it better
+        QCOMPARE(told(one.result()), u"warnings: The source is damaged: partial file."_s);
+        one.figures = {};
+        one.figures.complaint = u"cannot do that"_s;
+        one.output.streams[1].lastEnd = 50; // and more than a warning
+        QVERIFY(told(one.result()).startsWith(u"failed: The audio track of out.mkv lasts 0:50"_s));
+    }
+
+    /// Ends tell nothing where pictures are older than those before them: then the count is believed, where
+    /// it is known, and only there.
+    void timesThatRunBackwardsAreBelievedByTheirCount_data()
+    {
+        QTest::addColumn<bool>("runsBackwards");
+        QTest::addColumn<int>("muxed"); // of 1500; 0: not known
+        QTest::addColumn<QString>("said");
+        const QString off = u"The video of out.mkv lasts 0:55 instead of 1:00."_s;
+        QTest::newRow("all packets") << true << 1500
+                                     << u"warnings: The video of out.mkv has times that run backwards, as in "
+                                        u"the source; all its packets are "
+                                        "there."_s;
+        QTest::newRow("not all") << true << 1400
+                                 << u"failed: "_s + off +
+                                        u" The video of out.mkv holds 1400 packets instead of 1500."_s;
+        QTest::newRow("not counted") << true << 0 << u"failed: "_s + off;
+        QTest::newRow("forwards") << false << 1500 << u"failed: "_s + off;
+    }
+
+    void timesThatRunBackwardsAreBelievedByTheirCount()
+    {
+        QFETCH(bool, runsBackwards);
+        QFETCH(int, muxed);
+        Case one;
+        one.output.streams[0].lastEnd = 55;
+        if (runsBackwards)
+            one.source.errors = {
+                u"[matroska @ 0x1] Application provided invalid, non monotonically increasing dts"_s};
+        one.figures.read.insert({0, 0}, {1500, 900000});
+        if (muxed > 0)
+            one.figures.muxed.insert({0, 0}, {muxed, 900000});
+        QTEST(told(one.result()), "said");
+    }
+
     void sumsAreCompared_data()
     {
         QTest::addColumn<double>("soundEnd"); // of the first film

@@ -107,6 +107,32 @@ private Q_SLOTS:
         QVERIFY(reader.next().isEmpty());
     }
 
+    /// 64 MB; what is listed beyond that is not taken in, and the header is read alone.
+    void ofAFilmThatListsTooMuchTheHeaderIsRead()
+    {
+        FilmReader reader(FilmWish{film, {}, {}, {}});
+        reader.next();
+        answer(reader, header("matroska,webm", "60.031000"));
+        reader.next();
+        const QByteArray chunk(1024 * 1024, ' ');
+        for (int i = 0; i < 64; ++i)
+            reader.feed(chunk);
+        QVERIFY(!reader.isCut());
+        reader.feed("x");
+        QVERIFY(reader.isCut() && reader.facts().isTooLong);
+        reader.finish("[x @ 0] one\n");
+        const QStringList again = reader.next();
+        QVERIFY(again.contains(u"-show_streams"_s) && again.contains(u"-show_format"_s));
+        QVERIFY(!again.join(u' ').contains(u"packet"_s));
+        QVERIFY(!reader.isCut());
+        answer(reader, survey({}));
+        QVERIFY(reader.next().isEmpty());
+        QVERIFY(reader.facts().isTooLong && reader.facts().isOpen);
+        QCOMPARE(reader.facts().streams.size(), 5);
+        QCOMPARE(reader.facts().seconds, std::optional(60.031));
+        QCOMPARE(reader.facts().errors, QStringList{u"[x @ 0] one"_s});
+    }
+
     void aSurveyIsTakenIn()
     {
         FilmReader reader(FilmWish{film, {}, {}, {}});

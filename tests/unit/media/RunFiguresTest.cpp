@@ -76,6 +76,35 @@ private Q_SLOTS:
         QCOMPARE(runFiguresFrom(u"first\n"_s + line + u"\nlast\n"_s).damage, QString());
     }
 
+    /// What is not known is taken for an error where its words say so, but only from ffmpeg's parts.
+    void errorsThatAreNotKnownAreTold_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("complaint");
+        const auto row = [](const char *line, const char *complaint) {
+            QTest::newRow(line) << QString::fromUtf8(line) << QString::fromUtf8(complaint);
+        };
+        row("[mp3float @ 0x55] Header missing", "Header missing");
+        row("[ass @ 0x55] Could not do that.", "Could not do that.");
+        row("[mux @ 0x55] [part @ 0x56] Failed to do it", "Failed to do it");
+        row("[mp4 @ 0x56] Application provided invalid, non monotonically increasing dts to muxer", "");
+        row("[mp3 @ 0x55] Estimating duration from bitrate, this may be inaccurate", "");
+        row("[asf @ 0x55] parser not found for codec wmav2, packets or times may be invalid.", "");
+        row("[h264 @ 0x55] Reinit context to 160x128, pix_fmt: yuv420p", "");
+        row("[AVIOContext @ 0x55] Opening 'an error.mkv' for reading", "");
+        row("    title           : [x @ 0x5] error", "");
+        row("an error.mkv: was opened", "");
+        row("[avi @ 0x5581] Packet corrupt (stream = 0, dts = 1819).", ""); // is damage
+    }
+
+    void errorsThatAreNotKnownAreTold()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, complaint);
+        QCOMPARE(runFiguresFrom(u"first\r"_s + line + u"\nlast\n"_s).complaint,
+                 complaint.isEmpty() ? QString() : complaint);
+    }
+
     void damageIsTold_data()
     {
         QTest::addColumn<QString>("line");

@@ -46,11 +46,11 @@ const QList<Maker> &makers()
         {"Apple TV 2", upToMain, 31, 1280, 720, 0, 2, 160, true},
         {"iPhone 4", upToMain, 31, 1280, 720, 0, 2, 160, false},
         {"iPod Touch (4 and Later)", upToMain, 31, 1280, 720, 0, 2, 160, false},
-        {"Apple TV (3 and Later)", upToHigh, 40, 1920, 1080, 20000, 6, 0, true},
-        {"iPad (3 and Later)", upToHigh, 41, 1920, 1080, 20000, 6, 0, false},
-        {"iPad Mini (All)", upToHigh, 41, 1920, 1080, 20000, 6, 0, false},
-        {"iPhone (4S and Later)", upToHigh, 41, 1920, 1080, 20000, 6, 0, false},
-        {"PS3", upToHigh, 41, 1920, 1080, 15000, 6, 0, true},
+        {"Apple TV (3 and Later)", upToHigh, 40, 1920, 1080, 20000, 2, 0, true},
+        {"iPad (3 and Later)", upToHigh, 41, 1920, 1080, 20000, 2, 0, false},
+        {"iPad Mini (All)", upToHigh, 41, 1920, 1080, 20000, 2, 0, false},
+        {"iPhone (4S and Later)", upToHigh, 41, 1920, 1080, 20000, 2, 0, false},
+        {"PS3", upToHigh, 41, 1920, 1080, 15000, 2, 0, true},
         {"Xbox", upToHigh, 41, 1920, 1080, 15000, 2, 0, false},
     };
     return list;

@@ -87,11 +87,11 @@ private Q_SLOTS:
     {
         const Scratch scratch;
         const QString film = scratch.path(u"film.mkv"_s);
-        scratch.write(u"film.mkv"_s, QByteArray(1'000'000, 'x'));
+        scratch.write(u"film.mkv"_s, QByteArray(1000000, 'x'));
         const auto selection = handMadeSelection(u"MKV"_s, {videoTrack()}); // 2500 kb/s
         selection->setVideoTrackFileURL(QUrl::fromLocalFile(film));
         const auto larger = estimateOf(*selection, 4);
-        QCOMPARE(larger->sourceBytes, 1'000'000);
+        QCOMPARE(larger->sourceBytes, 1000000);
         QCOMPARE(larger->wordOfGrowth(), u"About 1.3 MB, more than the 1.0 MB of the source."_s);
         QVERIFY(estimateOf(*selection, 3)->wordOfGrowth().isNull());
         QVERIFY(estimateOf(*selection, 3.3)->wordOfGrowth().isNull()); // no more than an estimate errs
@@ -102,8 +102,8 @@ private Q_SLOTS:
         QCOMPARE(selection::sizeText(0), u"0 bytes"_s);
         QCOMPARE(selection::sizeText(999), u"999 bytes"_s);
         QCOMPARE(selection::sizeText(1500), u"1.5 kB"_s);
-        QCOMPARE(selection::sizeText(52'000'000), u"52 MB"_s);
-        QCOMPARE(selection::sizeText(1'440'000'000), u"1.4 GB"_s);
+        QCOMPARE(selection::sizeText(52000000), u"52 MB"_s);
+        QCOMPARE(selection::sizeText(1440000000), u"1.4 GB"_s);
     }
 };
 

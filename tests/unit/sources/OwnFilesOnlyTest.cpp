@@ -35,7 +35,6 @@ const QMap<QString, QString> &reasons()
         {u"platform/Keeper.cpp"_s, u"/dev/null in the place of the streams of the keeper"_s},
         {u"platform/FileLock.cpp"_s, u"lock files of our own, which go with their holder"_s},
         {u"platform/OrdinaryFile.cpp"_s, u"opens to read only"_s},
-        {u"platform/DefaultsStore.cpp"_s, u"the settings store, a file of its own"_s},
         {u"app/OutputJournal.cpp"_s, u"the journals of what was written, in our own folder"_s},
         {u"app/Environment.cpp"_s, u"/dev/null in the place of streams that are closed"_s},
         {u"window/SingleInstance.cpp"_s, u"the socket of the running window"_s},

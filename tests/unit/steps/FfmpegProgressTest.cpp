@@ -58,6 +58,30 @@ class FfmpegProgressTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void speedsInStatusLines_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<double>("fps");
+        QTest::addColumn<double>("speed");
+        QTest::newRow("both") << u"frame=  74 fps= 25 q=2.0 size= 0kB time=00:00:03.2 speed=1.25x    "_s
+                              << 25.0 << 1.25;
+        QTest::newRow("wide blanks") << u"frame=1 fps=0.0 time=00:00:00.04 speed=   6x"_s << 0.0 << 6.0;
+        QTest::newRow("not known") << u"frame=1 fps=N/A time=00:00:00.04 speed=N/A"_s << -1.0 << -1.0;
+        QTest::newRow("cut") << u"frame=1 fps=2"_s << -1.0 << -1.0;
+        QTest::newRow("cut in the speed") << u"frame=1 fps=25 time=00:00:00.04 speed=1.2"_s << 25.0 << -1.0;
+        QTest::newRow("large") << u"frame=1 fps=25 time=00:00:00.04 speed=1.2e+03x"_s << 25.0 << 1200.0;
+        QTest::newRow("not a number") << u"frame=1 fps=nan time=00:00:00.04 speed=infx"_s << -1.0 << -1.0;
+    }
+
+    void speedsInStatusLines()
+    {
+        QFETCH(QString, line);
+        QTEST(steps::framesASecondInStatusLine(line), "fps");
+        QTEST(steps::speedInStatusLine(line), "speed");
+        FfmpegProgressReader reader;
+        QTEST(reader.feed(line.toUtf8()).speed, "speed");
+    }
+
     void statusLines_data()
     {
         QTest::addColumn<QString>("line");

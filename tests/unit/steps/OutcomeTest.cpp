@@ -46,6 +46,17 @@ private Q_SLOTS:
         QCOMPARE(Outcome::failed(u"One."_s).joinedWith(Outcome::ok()).sentence, u"One."_s);
     }
 
+    void whatOthersTellBetterCanBeTakenBack()
+    {
+        const Outcome all = Outcome::warnings(u"One."_s)
+                                .joinedWith(Outcome::damaged(u"The source ends early."_s))
+                                .joinedWith(Outcome::warnings(u"Two."_s));
+        QCOMPARE(all.sentence, u"One. The source ends early. Two."_s);
+        QCOMPARE(all.withoutDamage().sentence, u"One. Two."_s);
+        QCOMPARE(all.withoutDamage().verdict, Verdict::Warnings);
+        QCOMPARE(Outcome::warnings(u"One."_s).withoutDamage().sentence, u"One."_s);
+    }
+
     void sameSentenceIsSaidOnce()
     {
         const Outcome twice = Outcome::warnings(u"One."_s).joinedWith(Outcome::warnings(u"One."_s));

@@ -192,6 +192,62 @@ private Q_SLOTS:
         QCOMPARE(support::FakeTool::recordedRuns(runs).size(), 14);
     }
 
+    /// A tool of the job that works takes the core of a read.
+    void otherToolsTakeTheirCores()
+    {
+        Check run;
+        int others = 1;
+        steps::FilmReads reads(run.fixture.preferences, 2);
+        reads.setOtherTools([&] { return others; });
+        run.script({u"await "_s + run.fixture.scratch.path(u"go"_s)});
+        QSignalSpy answered(&reads, &steps::FilmReads::answered);
+        for (const char *name : {"1", "2"})
+            run.fixture.scratch.write(QString::fromLatin1(name), "film");
+        const auto wishFor = [&](const QString &name) {
+            return media::FilmWish{run.fixture.scratch.url(name), {}, {}, {}};
+        };
+        reads.ask({wishFor(u"1"_s), wishFor(u"2"_s)});
+        QVERIFY(support::waitFor([&] { return run.asked().size() == 1; }));
+        support::waitFor([&] { return run.asked().size() > 1; }, 300);
+        QCOMPARE(run.asked().size(), 1);
+        others = 0;
+        reads.startWaiting();
+        QVERIFY(support::waitFor([&] { return run.asked().size() == 2; }));
+        run.fixture.scratch.write(u"go"_s, {});
+        QVERIFY(support::waitFor([&] { return !answered.isEmpty(); }));
+    }
+
+    void pausedItsToolsStandStill()
+    {
+        Check run;
+        const QString pids = run.fixture.scratch.path(u"pids"_s);
+        run.script({u"pid "_s + pids, u"await "_s + run.fixture.scratch.path(u"go"_s)});
+        QSignalSpy finished(&run.check, &OutputCheck::finished);
+        run.check.begin({run.meant(u"a.mkv"_s, u"1.mkv"_s)}, {});
+        QVERIFY(support::waitFor([&] { return run.fixture.scratch.read(u"pids"_s).endsWith('\n'); }));
+        const qint64 pid = run.fixture.scratch.read(u"pids"_s).trimmed().toLongLong();
+        run.check.pause();
+        QVERIFY(support::waitFor([&] { return support::stateOf(pid) == 'T'; }));
+        run.fixture.scratch.write(u"go"_s, {});
+        support::waitFor([&] { return run.fixture.scratch.read(u"pids"_s).count('\n') > 1; }, 300);
+        QCOMPARE(support::stateOf(pid), 'T');
+        run.check.resume();
+        QVERIFY(support::waitFor([&] { return !finished.isEmpty(); }));
+        QCOMPARE(run.check.outcome().verdict, steps::Verdict::Ok);
+    }
+
+    void whatBeginsWhileItIsPausedWaits()
+    {
+        Check run;
+        run.check.pause();
+        QSignalSpy finished(&run.check, &OutputCheck::finished);
+        run.check.begin({run.meant(u"a.mkv"_s, u"1.mkv"_s)}, {});
+        support::waitFor([&] { return !run.asked().isEmpty(); }, 300);
+        QVERIFY(run.asked().isEmpty());
+        run.check.resume();
+        QVERIFY(support::waitFor([&] { return !finished.isEmpty(); }));
+    }
+
     void aToolThatCanNotBeStartedIsTold()
     {
         JobFixture fixture{JobFixture::Tools::Fake};

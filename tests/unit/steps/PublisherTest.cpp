@@ -2,6 +2,7 @@
 #include "steps/Publisher.h"
 
 #include "steps/LeftOvers.h"
+#include "steps/OutputClaims.h"
 #include "steps/WorkFolder.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
@@ -167,6 +168,23 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(folder.folder().toLocalFile()));
         folder.remove();
         QVERIFY(!QFileInfo::exists(folder.folder().toLocalFile()));
+    }
+
+    /// To files a machine that slept, or whose clock was moved on, is one on which time passed.
+    void whatARunningProgramHoldsStaysHoweverLongTheMachineSlept()
+    {
+        const support::Scratch scratch;
+        steps::WorkFolder folder(scratch.url(u""_s));
+        steps::OutputClaims claims;
+        QVERIFY(folder.make());
+        QCOMPARE(claims.take(scratch.url(u"a.mkv"_s)), steps::OutputClaims::Answer::Held);
+        const timespec longAgo[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+        for (const QString &path : {folder.folder().toLocalFile() + u"/lock"_s, folder.folder().toLocalFile(),
+                                    steps::OutputClaims::claimOf(scratch.url(u"a.mkv"_s)).toLocalFile()})
+            QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), longAgo, 0), 0);
+        steps::clearLeftOvers(scratch.url(u""_s));
+        QVERIFY(QFileInfo::exists(folder.folder().toLocalFile() + u"/lock"_s));
+        QVERIFY(claims.isStillHeld(scratch.url(u"a.mkv"_s)));
     }
 
     void whatAnotherHostLeftGoesAfterAWeek()
