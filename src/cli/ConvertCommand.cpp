@@ -12,11 +12,14 @@ namespace cli {
 
 namespace {
 
-/// Said before anything starts, while there is time to think again.
+/// Said before anything starts, while there is time to think again. A few megabytes need no word, and a dry
+/// run prints commands alone.
 void tellGrowth(Session &session, const QString &path, const ConversionRequest &request)
 {
+    constexpr qint64 worthAWord = 10'000'000;
     const auto size = selection::estimateOf(*request.job.selection, request.film.seconds);
-    if (size && size->isLarger())
+    if (size && size->isLarger() && size->bytes - size->sourceBytes >= worthAWord &&
+        !session.line().has(u"dry-run"_s))
         session.console().say(u"%1: %2"_s.arg(path, size->wordOfGrowth()));
 }
 

@@ -15,7 +15,7 @@ struct Row
     bool isMeantAlone; ///< the word alone asks for this kind
 };
 
-constexpr std::array rows = {
+constexpr std::array kinds = {
     Row{JobKind::Conversion, u"MKV Conversion", true},
     Row{JobKind::Muxing, u"MKV Conversion", false},
     Row{JobKind::MkvEditing, u"MKV Track Removal", false},
@@ -30,7 +30,7 @@ constexpr std::array rows = {
 
 QString jobTypeOf(JobKind kind)
 {
-    for (const Row &row : rows) {
+    for (const Row &row : kinds) {
         if (row.kind == kind)
             return QString::fromUtf16(row.jobType);
     }
@@ -39,7 +39,7 @@ QString jobTypeOf(JobKind kind)
 
 std::optional<JobKind> kindOfJobType(const QString &jobType)
 {
-    for (const Row &row : rows) {
+    for (const Row &row : kinds) {
         if (row.isMeantAlone && jobType == QStringView(row.jobType))
             return row.kind;
     }

@@ -42,7 +42,8 @@ constexpr std::array harmlessWords = {"non monoton",
                                       "Estimating duration",
                                       "parser not found for codec",
                                       "Could not find codec parameters for stream",
-                                      "unable to decode APP fields"};
+                                      "unable to decode APP fields",
+                                      "2pass curve failed to converge"}; // the bit rate of a very short film
 
 /// By which a line of ffmpeg's that is not known is taken for one that tells of an error.
 bool speaksOfError(const QString &line)

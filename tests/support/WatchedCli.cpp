@@ -21,12 +21,13 @@ namespace {
 /// Links to the recorder, and what is written while it records.
 const QStringList notLooked{u"path"_s, u"recorded"_s, u"answers"_s};
 
-/// Results and logs lie beside their films, with a number where the film has the name. The settings are the
-/// user's own; a cache of fonts is made by the library that draws them.
+/// Results and logs lie beside their films, with a number where the film has the name; a watched folder keeps
+/// what is known of its films. The settings are the user's own; a cache of fonts is made by the library that
+/// draws them.
 const QRegularExpression &results()
 {
     static const QRegularExpression expression(
-        uR"(^(new media/(in/)?(film|other|extra)( \(2\))?\.[^/]*|(new|changed) (defaults\.json(\.journal)?|media|media/in|home)|)"
+        uR"(^(new media/(in/)?(film|other|extra)( \(2\))?\.[^/]*|new media/in/\.tessaray-watch|(new|changed) (defaults\.json(\.journal)?|media|media/in|home)|)"
         R"((new|changed) home/\.(fontconfig|cache|config)(/.*)?|gone media/late\.mkv|changed (tmp|app|app/Resources/docs|\.))$)"_s);
     return expression;
 }

@@ -131,7 +131,11 @@ private Q_SLOTS:
         QTest::newRow("a film") << support::fullMkv() << u"bad.mkv"_s << u"adding video track"_s << false;
         QTest::newRow("a picture's stream")
             << support::rawH264() << u"bad.h264"_s << u"adding video track"_s << false;
-        QTest::newRow("an unknown codec") << opusFile() << u"bad.ogg"_s << u"track not identified"_s << true;
+        QTest::newRow("a codec of the newer ones") << opusFile() << u"bad.ogg"_s
+                                                   << u"track not identified\nIts codec opus is one of the "
+                                                      u"newer ones: --newer-codecs, or the preference "
+                                                      "\"Open films with newer codecs\", opens it."_s
+                                                   << true;
         QTest::newRow("nothing in it") << support::emptyMkv() << u"bad.srt"_s << notAVideo << true;
         QTest::newRow("no tracks") << textFile() << u"bad.txt"_s << notAVideo << true;
         QTest::newRow("text that calls itself a subtitle") << textFile() << u"bad.srt"_s << notAVideo << true;

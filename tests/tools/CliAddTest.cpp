@@ -240,7 +240,9 @@ private Q_SLOTS:
             m_cli->run(words(u"convert full.mkv unknown.mkv text.mp4 --add new.ac3 --add new.srt "
                              "--audio +1=aac:2:96 --no-keep-logs --quiet"_s));
         QCOMPARE(run.status, 2);
-        QCOMPARE(run.said(), m_cli->media(u"unknown.mkv"_s) + u": track not identified\n"_s);
+        QVERIFY2(run.said().startsWith(m_cli->media(u"unknown.mkv"_s) +
+                                       u": track not identified\nIts codec vp9 is one of the newer ones: "_s),
+                 run.error.constData());
         QCOMPARE(shownStreams(m_cli->media(u"full.m4v"_s)),
                  QStringList(
                      {u"h264 320"_s, u"aac 2 und"_s, u"ac3 6 eng"_s, u"mov_text eng"_s, u"mov_text und"_s}));

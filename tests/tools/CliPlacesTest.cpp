@@ -48,7 +48,7 @@ private Q_SLOTS:
         QVERIFY2(run.status == 0, run.error.constData());
         QCOMPARE(m_cli->mediaNames(), QStringList());
         const QString settings = u"home/.config/tessaray/defaults.json"_s;
-        QVERIFY(m_cli->scratch().read(settings).contains("\"keepLogsFlag\": false"));
+        QVERIFY(m_cli->scratch().read(settings).replace(" ", "").contains("\"keepLogsFlag\":false"));
     }
 
     /// Where the settings lie is said by another folder here, so that no user's own are touched.

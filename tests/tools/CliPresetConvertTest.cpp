@@ -112,8 +112,19 @@ private Q_SLOTS:
         QTest::newRow("none into a copy") << u"none"_s << u"burn"_s << QString() << false;
         QTest::newRow("one into a copy") << u"#1"_s << u"burn"_s << u"re-encoded"_s << false;
         QTest::newRow("two into a copy") << u"all"_s << u"burn"_s << u"exactly one"_s << false;
-        QTest::newRow("one into what a guess copies")
-            << u"#1"_s << u"video=3 burn"_s << u"re-encoded"_s << false;
+    }
+
+    void aGuessForNoDeviceIsRefused()
+    {
+        m_cli->clip(support::blackMkv(), u"black.mkv"_s);
+        storePresets(*m_cli, {trackPreset(u"Rule"_s, u"#1"_s)},
+                     {settingsPreset(u"Set"_s, u"General"_s, u"video=3"_s)});
+        const auto run =
+            m_cli->run(words(u"convert black.mkv --track-preset Rule --settings-preset Set --quiet"_s));
+        QCOMPARE(run.status, 64);
+        QVERIFY2(run.said().contains(u"A best guess needs a device, as \"General\""_s),
+                 run.error.constData());
+        QCOMPARE(m_cli->mediaNames(), QStringList{u"black.mkv"_s});
     }
 
     void aPresetBurnsTheOneSubtitleThatIsChosen()

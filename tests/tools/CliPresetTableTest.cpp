@@ -179,8 +179,6 @@ private Q_SLOTS:
         row("never wider", general, u"video=1 rate=900 width=4000"_s, u"900k"_s);
         row("as wide as it is", general, u"video=1 rate=900 width=2048"_s, u"900k"_s);
         row("one pixel narrower", general, u"video=1 rate=900 width=2047"_s, u"w2047 900k"_s);
-        row("a guess leaves the video alone", general, u"video=3 rate=900 width=320"_s, u"copy"_s);
-        row("the other guess too", general, u"video=4 rate=900 width=320"_s, u"copy"_s);
         row("an old player", u"iPod (All non-Touch)"_s, u"video=1 rate=3000"_s, u"L30 w720 1500k"_s);
         row("at its limits", u"iPhone (3 and Earlier)"_s, u"video=1 rate=1500 width=720"_s,
             u"L30 w720 1500k"_s);

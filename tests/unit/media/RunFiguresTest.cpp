@@ -90,6 +90,7 @@ private Q_SLOTS:
         row("[mp4 @ 0x56] Application provided invalid, non monotonically increasing dts to muxer", "");
         row("[mp3 @ 0x55] Estimating duration from bitrate, this may be inaccurate", "");
         row("[asf @ 0x55] parser not found for codec wmav2, packets or times may be invalid.", "");
+        row("[libx264 @ 0x55] Error: 2pass curve failed to converge", "");
         row("[h264 @ 0x55] Reinit context to 160x128, pix_fmt: yuv420p", "");
         row("[AVIOContext @ 0x55] Opening 'an error.mkv' for reading", "");
         row("    title           : [x @ 0x5] error", "");
