@@ -12,7 +12,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 # The compiler, its linker and cache, CMake, Ninja and Qt build the programs; ffmpeg, mkvtoolnix and mplayer are the tools they
 # drive; unzip unpacks them (zip is for tests) and procps has the ps that watches them; the font is for
 # burned-in subtitles. The window needs a platform plugin of Qt, and its tests a display of their own.
-debian_packages="g++ lld ccache cmake ninja-build qt6-base-dev qt6-qpa-plugins ffmpeg mkvtoolnix mplayer atomicparsley unzip zip procps fonts-dejavu-core xvfb xauth"
+debian_packages="g++ lld ccache cmake ninja-build qt6-base-dev qt6-svg-dev qt6-qpa-plugins ffmpeg mkvtoolnix mplayer atomicparsley unzip zip procps fonts-dejavu-core xvfb xauth"
 brew_formulas="ccache cmake ninja qt ffmpeg mkvtoolnix mplayer atomicparsley"
 needed_commands="c++ cmake ninja ffmpeg ffprobe mkvmerge unzip ps"
 

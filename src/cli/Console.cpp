@@ -1,8 +1,8 @@
 #include "cli/Console.h"
 
 #include "cli/LiveLine.h"
-#include "cli/PastableText.h"
 #include "platform/VisibleText.h"
+#include "tools/PastableText.h"
 
 #include <QJsonDocument>
 
@@ -98,7 +98,7 @@ void Console::command(const QString &line)
 {
     endProgress();
     if (!m_json)
-        m_results.add(pastableLine(line).toUtf8() + '\n');
+        m_results.add(tools::pastableLine(line).toUtf8() + '\n');
 }
 
 void Console::document(const QJsonObject &object)

@@ -1,9 +1,8 @@
 #include "cli/DryRunPrinter.h"
 
-#include "cli/PastableText.h"
+#include "app/JobPlan.h"
 #include "cli/Session.h"
 #include "platform/FileIdentity.h"
-#include "steps/RunAsProcess.h"
 
 #include <QJsonArray>
 
@@ -34,25 +33,6 @@ QJsonObject environmentOf(const steps::Launch &launch)
     return environment;
 }
 
-QString commandOf(const steps::Launch &launch)
-{
-    const tools::OptionList words = launch.line ? steps::runAsProcess(launch.launched) : launch.launched;
-    return pastableCommand(launch.environment,
-                           QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(words));
-}
-
-QStringList commandsBefore(const steps::Launch &launch)
-{
-    QStringList commands;
-    for (const steps::Preparation &preparation : launch.before) {
-        const QString command = pastableCommand({}, preparation.words);
-        commands.append(preparation.into.isEmpty()
-                            ? command
-                            : command + u" > "_s + pastableCommand({}, {preparation.into.toLocalFile()}));
-    }
-    return commands;
-}
-
 QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
 {
     QJsonObject object{{u"job"_s, number},
@@ -63,10 +43,10 @@ QJsonObject objectOf(const steps::Launch &launch, const KXJob &job, int number)
                        {u"output"_s, launch.output.toLocalFile()},
                        {u"log"_s, launch.log.toLocalFile()}};
     if (!launch.before.isEmpty())
-        object.insert(u"before"_s, QJsonArray::fromStringList(commandsBefore(launch)));
+        object.insert(u"before"_s, QJsonArray::fromStringList(app::commandsBefore(launch)));
     if (launch.line) {
         object.insert(u"line"_s, launch.line->meant);
-        object.insert(u"launchedLine"_s, commandOf(launch));
+        object.insert(u"launchedLine"_s, app::commandOf(launch));
         return object;
     }
     object.insert(u"arguments"_s, wordsOf(launch.meant));
@@ -122,9 +102,8 @@ bool DryRunPrinter::print(const QList<jobs::JobRequest> &requests)
         }
         for (const steps::Launch &launch : launches) {
             m_session.console().object(objectOf(launch, *job, number));
-            for (const QString &command : commandsBefore(launch))
+            for (const QString &command : app::commandsOf(launch))
                 m_session.console().command(command);
-            m_session.console().command(commandOf(launch));
         }
     }
     return allStart;

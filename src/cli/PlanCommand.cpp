@@ -2,9 +2,9 @@
 
 #include "cli/ConversionRequests.h"
 #include "cli/DryRunPrinter.h"
-#include "cli/PastableText.h"
 #include "cli/Records.h"
 #include "cli/Session.h"
+#include "tools/PastableText.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -57,7 +57,7 @@ QString commandFor(const CommandLine &line, const RequestedFilm &film)
 {
     QStringList words{programWord(), u"convert"_s};
     words += optionsToHandOn(line) + saveFolderWords(line, *film.request->job.selection);
-    return pastableCommand({}, words + QStringList{u"--"_s, film.path});
+    return tools::pastableCommand({}, words + QStringList{u"--"_s, film.path});
 }
 
 QJsonValue planNumber(const std::optional<double> &value)

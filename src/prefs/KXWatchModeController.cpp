@@ -235,6 +235,7 @@ void KXWatchModeController::watchLoop()
 {
     const QList<Entry> current = m_listing->entries(m_folder, movieExtensionsList());
     if (m_listing->canonicalFolder(m_folder).isNull()) { // asked afterwards: it may vanish while it is read
+        Q_EMIT looked(false);
         Q_EMIT folderMissing();
         return;
     }
@@ -243,6 +244,7 @@ void KXWatchModeController::watchLoop()
     lookAt(current);
     if (m_look % looksUntilTidied == 0)
         m_journal.tidy(QSet<QString>(m_files.base().begin(), m_files.base().end()));
+    Q_EMIT looked(true);
     Q_EMIT drawerWanted(false);
 }
 

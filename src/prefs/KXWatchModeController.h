@@ -88,6 +88,8 @@ Q_SIGNALS:
     /// Some time after that: watch mode is over.
     void watchModeEnded();
     void folderChanged();
+    /// A look at the folder is over, which is there or not.
+    void looked(bool isThere);
     // For the log.
     void filesFound(const QStringList &paths);
     void folderMissing();

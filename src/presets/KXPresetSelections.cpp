@@ -169,7 +169,12 @@ void KXPresetSelections::makeSelections()
 {
     if (pName() == u"Manual"_s || m_currentVideoFile->theFileName() == u"none"_s)
         return;
-    const TrackList tracks = m_currentVideoFile->trackList();
+    tick(m_currentVideoFile->trackList());
+    m_selectionController.trackTableSelectionChanged(KXSelectionController::Sender::MakeSelections);
+}
+
+void KXPresetSelections::tick(const TrackList &tracks) const
+{
     for (const TrackPointer &track : tracks)
         track->setTrackSelected(false);
     if (pSelectedVideoTrack() == u"First Track"_s && !tracks.isEmpty() &&
@@ -179,5 +184,4 @@ void KXPresetSelections::makeSelections()
                           tracksOfTypes(tracks, {u"Audio"_s}));
     presets::applyFilters(FilterKind::Subtitle, pSubtitleFilterArray(), pSubtitleFilterMode(),
                           tracksOfTypes(tracks, {u"Subtitle"_s, u"External Subtitle"_s}));
-    m_selectionController.trackTableSelectionChanged(KXSelectionController::Sender::MakeSelections);
 }

@@ -65,6 +65,8 @@ public:
 
     /// Ticks what the rules choose and has the selection made anew. "Manual", or no file, changes nothing.
     void makeSelections();
+    /// Ticks what the rules choose among the tracks of a film, and nothing else of them.
+    void tick(const TrackList &tracks) const;
 
 private:
     void setLegacyChoices(const QString &video, const QString &audio, const QString &subtitle);

@@ -86,6 +86,8 @@ public:
     void cancelPresetSelectionPanel();
     void cancelPresetSettingsPanel();
     FilterEditor &filterEditor() { return m_filterEditor; }
+    /// The film that presets are applied to.
+    VideoFilePointer currentVideoFile() const { return m_currentVideoFile; }
 
     /// Adds presets made from records to both lists and stores them; on failure the lists are as before.
     QString addUserPresets(const QVariantList &selections, const QVariantList &settings);

@@ -5,7 +5,6 @@
 #include "window/Controls.h"
 #include "window/ToolTipBinder.h"
 
-#include <QGridLayout>
 #include <QSignalBlocker>
 
 using namespace Qt::StringLiterals;
@@ -13,22 +12,23 @@ using namespace Qt::StringLiterals;
 namespace window {
 
 AudioBox::AudioBox(KXSelectionController &controller, ToolTipBinder &tips, QWidget *parent)
-    : QGroupBox(tr("Audio"), parent)
+    : Section(u"audio-x-generic"_s, Role::Audio, tr("Sound"), parent)
     , m_controller(controller)
     , m_tips(tips)
     , m_tracks(named(new QComboBox, "MultipleAudioTrackPopUp", tr("Audio track that is shown")))
     , m_stereo(named(new QCheckBox(tr("Add a stereo copy")), "AddStereoCheckBox", tr("Add a stereo copy")))
+    , m_only(new ElidedLabel(Qt::ElideRight, Role::Second, Type::Second))
+    , m_leftOut(new InkLabel({}, Role::Warn, Type::Second))
+    , m_why(named(hint(), "SoundReason", {}))
 {
     m_tracks->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    QSizePolicy keepsPlace = m_tracks->sizePolicy();
-    keepsPlace.setRetainSizeWhenHidden(true);
-    m_tracks->setSizePolicy(keepsPlace);
-    auto *layout = new QGridLayout(this);
-    layout->addWidget(m_tracks, 0, 0, 1, 2);
-    addActions(layout);
-    layout->addWidget(m_stereo, 5, 0, 1, 2);
-    layout->setRowStretch(6, 1);
-    layout->setColumnStretch(0, 1);
+    m_tracks->setMinimumContentsLength(14);
+    addToHead(m_only);
+    addToHead(m_tracks);
+    addActions();
+    column()->addWidget(new OptionCaption(m_stereo, tr("AAC, 160 kb/s")));
+    column()->addWidget(m_leftOut);
+    column()->addWidget(m_why);
     tips.bind(m_tracks, "ttMultipleAudioTrackPopUp");
     tips.bind(m_stereo, "ttAddStereoCheckBox");
     connect(m_tracks, &QComboBox::activated, &m_controller,
@@ -39,7 +39,7 @@ AudioBox::AudioBox(KXSelectionController &controller, ToolTipBinder &tips, QWidg
     refresh();
 }
 
-void AudioBox::addActions(QGridLayout *layout)
+void AudioBox::addActions()
 {
     const QStringList actions = selection::audioActions();
     for (int i = 0; i < actions.size(); ++i) {
@@ -49,7 +49,6 @@ void AudioBox::addActions(QGridLayout *layout)
         connect(box, &QCheckBox::clicked, this,
                 [this, action = actions.at(i)](bool on) { m_controller.tickAudioAction(action, on); });
         m_actions.append(box);
-        layout->addWidget(box, i + 1, 0);
     }
     m_rates = {rateButton("AudioBitRateButtonAac2", tr("Bit rate of AAC stereo"),
                           &KXSelectionController::setEnteredAAC2BitRate),
@@ -57,8 +56,14 @@ void AudioBox::addActions(QGridLayout *layout)
                           &KXSelectionController::setEnteredAAC51BitRate),
                rateButton("AudioBitRateButtonAc351", tr("Bit rate of AC3 surround"),
                           &KXSelectionController::setEnteredAC351BitRate)};
-    for (int i = 0; i < m_rates.size(); ++i)
-        layout->addWidget(m_rates.at(i), i + 2, 1);
+    m_passThru = new OptionCaption(m_actions.constFirst(), tr("copied as it is"));
+    column()->addWidget(m_passThru);
+    for (int i = 0; i < m_rates.size(); ++i) {
+        QWidget *row = rowOf({m_actions.at(i + 1), nullptr, m_rates.at(i)});
+        row->setMinimumHeight(30);
+        m_rates.at(i)->setFixedWidth(108);
+        column()->addWidget(row);
+    }
 }
 
 QComboBox *AudioBox::rateButton(const char *word, const QString &accessibleName, RateSetter setter)
@@ -79,6 +84,9 @@ void AudioBox::refreshTracks()
     m_tracks->addItems(labels);
     m_tracks->setCurrentIndex(m_controller.audioTrackPopupIndex());
     m_tracks->setVisible(!m_controller.hideAudioTrackPopupFlag());
+    m_only->setVisible(m_controller.hideAudioTrackPopupFlag());
+    m_only->setText(labels.value(0));
+    m_only->updateGeometry();
 }
 
 /// A bit rate that is not in the list is shown all the same.
@@ -98,7 +106,8 @@ void AudioBox::refreshRates()
 void AudioBox::refresh()
 {
     const bool hasAudio = m_controller.currentSelection()->audCount().toInt() > 0;
-    setEnabled(m_controller.canConvert() && hasAudio);
+    const bool can = m_controller.canConvert() && hasAudio;
+    setEnabled(can);
     refreshTracks();
     refreshRates();
     const QList<bool> ticked{m_controller.passthruState(), m_controller.aac2State(),
@@ -106,11 +115,22 @@ void AudioBox::refresh()
     for (int i = 0; i < m_actions.size(); ++i)
         m_actions.at(i)->setChecked(ticked.at(i));
     const bool red = m_controller.mkvAudioPassThruColor() == u"red"_s;
-    setReddened(m_actions.constFirst(), red);
+    m_passThru->setFault(red ? tr("few devices play this codec") : QString());
     m_tips.setReason(m_actions.constFirst(),
                      red ? tr("Most devices play only AAC and AC3; this track is neither.") : QString());
     m_stereo->setEnabled(m_controller.canAddStereoTrack());
     m_stereo->setChecked(m_controller.addStereoTrackButton() != 0);
+    m_leftOut->setText(!m_controller.canConvert() || ticked.contains(true) ? QString()
+                       : hasAudio ? tr("This track will be left out.")
+                                  : tr("No audio track is ticked."));
+    m_leftOut->setVisible(!m_leftOut->text().isEmpty());
+    QStringList reasons;
+    for (const TrackPointer &track : m_controller.currentSelection()->trackList()) {
+        if (selection::isAudio(*track) && !track->choiceReason().isEmpty())
+            reasons.append(track->choiceReason());
+    }
+    m_why->setText(reasons.join(u' '));
+    m_why->setVisible(!reasons.isEmpty());
 }
 
 } // namespace window

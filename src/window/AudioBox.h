@@ -1,18 +1,18 @@
 #pragma once
 
+#include "window/Section.h"
+
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGroupBox>
 
 class KXSelectionController;
-class QGridLayout;
 
 namespace window {
 
 class ToolTipBinder;
 
 /// What becomes of the selected audio tracks, one of which is shown.
-class AudioBox final : public QGroupBox
+class AudioBox final : public Section
 {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ private:
     using RateSetter = void (KXSelectionController::*)(const QString &);
 
     QComboBox *rateButton(const char *word, const QString &accessibleName, RateSetter setter);
-    void addActions(QGridLayout *layout);
+    void addActions();
     void refreshTracks();
     void refreshRates();
 
@@ -35,6 +35,10 @@ private:
     QList<QCheckBox *> m_actions;
     QList<QComboBox *> m_rates; ///< for the actions behind the first
     QCheckBox *m_stereo;
+    ElidedLabel *m_only; ///< the one track, where there is nothing to choose
+    OptionCaption *m_passThru = nullptr;
+    QLabel *m_leftOut;
+    QLabel *m_why; ///< the reasons of a guess
 };
 
 } // namespace window

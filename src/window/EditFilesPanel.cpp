@@ -1,16 +1,23 @@
 #include "window/EditFilesPanel.h"
 
-#include "selection/KXSelectionController.h"
-#include "window/Controls.h"
+#include "app/KXAppDelegate.h"
+#include "app/Program.h"
+#include "summary/EditForecast.h"
+#include "summary/Figures.h"
+#include "window/FilesModel.h"
 #include "window/IntegerField.h"
+#include "window/KXDropScrollView.h"
 #include "window/RadioMatrix.h"
+#include "window/Section.h"
 #include "window/TimeField.h"
 #include "window/ToolTipBinder.h"
 
+#include <QFileInfo>
 #include <QGridLayout>
-#include <QGroupBox>
-#include <QLabel>
+#include <QHeaderView>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QShortcut>
 
 using namespace Qt::StringLiterals;
 
@@ -22,6 +29,9 @@ namespace {
 constexpr qint64 startTag = 1001;
 constexpr qint64 endTag = 1002;
 constexpr qint64 durationTag = 1003;
+constexpr int operationsWidth = 384;
+constexpr int timeFieldWidth = 86;
+constexpr int listHeadHeight = 72;
 
 void showIn(QLineEdit *field, const QString &text)
 {
@@ -29,29 +39,76 @@ void showIn(QLineEdit *field, const QString &text)
         field->setText(text);
 }
 
+void showForecast(InkLabel *label, const summary::Forecast &forecast)
+{
+    label->setText(forecast.text);
+    label->setInk(forecast.isReason ? Role::Warn : Role::Second);
+}
+
+InkLabel *forecastLabel()
+{
+    auto *label = new InkLabel({}, Role::Second, Type::Second);
+    label->setWordWrap(true);
+    return label;
+}
+
+/// A sentence, or a reason, with its button at the right.
+QWidget *forecastRow(QWidget *forecast, QPushButton *button)
+{
+    button->setMinimumWidth(88);
+    QWidget *row = rowOf({forecast, button});
+    static_cast<QHBoxLayout *>(row->layout())->setStretch(0, 1); // NOLINT: rowOf() makes one
+    row->layout()->setContentsMargins(0, space::small, 0, 0);
+    return row;
+}
+
+class Operation final : public Section
+{
+public:
+    Operation(const QString &iconName, const QString &title, const QString &text,
+              const QList<QWidget *> &parts)
+        : Section(iconName, Role::Link, title)
+    {
+        column()->addWidget(hint(text));
+        for (QWidget *part : parts)
+            column()->addWidget(part);
+    }
+};
+
 } // namespace
 
-EditFilesPanel::EditFilesPanel(KXSelectionController &controller, KXNotificationCenter &center,
-                               ToolTipBinder &tips, QWidget *parent)
+EditFilesPanel::EditFilesPanel(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent)
     : QWidget(parent)
-    , m_controller(controller)
+    , m_delegate(delegate)
+    , m_controller(delegate.program().selectionController())
     , m_tips(tips)
+    , m_count(new InkLabel({}, Role::Text, Type::Title))
+    , m_text(new ElidedLabel(Qt::ElideRight, Role::Second, Type::Second))
+    , m_removeFile(named(smallButton(tr("Remove from List"), u"list-remove"_s), "RemoveFileButton",
+                         tr("Remove the file from the list")))
+    , m_table(named(new KXDropScrollView, "EditFilesTable", tr("Files to edit")))
+    , m_model(new FilesModel(this))
     , m_join(startButton(u"Join"_s, "JoinButton", tr("Join the files")))
     , m_split(startButton(u"Split"_s, "SplitButton", tr("Split the files")))
     , m_remux(startButton(u"Re-Mux"_s, "RemuxButton", tr("Rewrite the files without header removal")))
+    , m_joinForecast(forecastLabel())
+    , m_splitForecast(forecastLabel())
+    , m_remuxForecast(forecastLabel())
     , m_splitType(
           new RadioMatrix("SplitTypeMatrix", {tr("By time"), tr("By size"), tr("By duration")}, Qt::Vertical))
-    , m_start(named(new TimeField(center, startTag), "SplitStartTime", tr("Start time")))
-    , m_end(named(new TimeField(center, endTag), "SplitEndTime", tr("End time")))
-    , m_duration(named(new TimeField(center, durationTag), "SplitDuration", tr("Duration of each part")))
+    , m_start(named(new TimeField(delegate.program().notifications(), startTag), "SplitStartTime",
+                    tr("Start time")))
+    , m_end(named(new TimeField(delegate.program().notifications(), endTag), "SplitEndTime", tr("End time")))
+    , m_duration(named(new TimeField(delegate.program().notifications(), durationTag), "SplitDuration",
+                       tr("Duration of each part")))
     , m_size(named(new IntegerField, "SplitSize", tr("Size of each part in megabytes")))
 {
-    auto *layout = new QGridLayout(this);
-    layout->addWidget(joinBox(), 0, 0);
-    layout->addWidget(splitBox(), 0, 1, 2, 1);
-    layout->addWidget(remuxBox(), 1, 0);
-    layout->setColumnStretch(0, 1);
-    layout->setColumnStretch(1, 1);
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(listPart(), 1);
+    layout->addWidget(separatorLine(Qt::Vertical));
+    layout->addWidget(operations());
     tips.bind(m_start, "ttSplitStartTime");
     tips.bind(m_end, "ttSplitEndTime");
     tips.bind(m_size, "ttSplitSize");
@@ -62,44 +119,103 @@ QPushButton *EditFilesPanel::startButton(const QString &title, const char *word,
                                          const QString &accessibleName)
 {
     auto *button = named(new QPushButton(title), word, accessibleName);
+    button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, [this, title] { Q_EMIT startWanted(title); });
     return button;
 }
 
-QWidget *EditFilesPanel::joinBox()
+QWidget *EditFilesPanel::listPart()
 {
-    auto *box = new QGroupBox(tr("Join"));
-    auto *layout = new QVBoxLayout(box);
-    layout->addWidget(hint(tr("Joins the files above, in their order, into one.")));
-    layout->addWidget(rowOf({m_join, nullptr}));
-    layout->addStretch(1);
-    return box;
+    auto *words = new QWidget;
+    auto *lines = new QVBoxLayout(words);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(2);
+    lines->addWidget(m_count);
+    lines->addWidget(m_text);
+    QWidget *head = rowOf({words, m_removeFile});
+    static_cast<QHBoxLayout *>(head->layout())->setStretch(0, 1); // NOLINT: rowOf() makes one
+    head->setFixedHeight(listHeadHeight);
+    m_table->setModel(m_model);
+    m_table->header()->setStretchLastSection(false);
+    m_table->header()->setSectionResizeMode(FilesModel::Name, QHeaderView::Stretch);
+    m_table->header()->resizeSection(FilesModel::Folder, 220);
+    m_table->header()->resizeSection(FilesModel::Size, 90);
+    m_table->setTextElideMode(Qt::ElideMiddle);
+    m_table->setEmptyText(tr("Drag MKV files here. Alt+Up and Alt+Down change their order.\n"
+                             "Dropping files again starts a new list."));
+    for (const auto &[keys, by] :
+         {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
+        auto *moved = new QShortcut(QKeySequence(keys), m_table, nullptr, nullptr, Qt::WidgetShortcut);
+        connect(moved, &QShortcut::activated, this, [this, step = by] { move(step); });
+    }
+    auto *gone = new QShortcut(QKeySequence::Delete, m_table, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(gone, &QShortcut::activated, this, &EditFilesPanel::removeCurrent);
+    connect(m_removeFile, &QPushButton::clicked, this, &EditFilesPanel::removeCurrent);
+    connect(m_table, &KXDropScrollView::filesDropped, &m_delegate, &KXAppDelegate::filesDropped);
+    auto *part = new QWidget;
+    auto *column = new QVBoxLayout(part);
+    column->setContentsMargins(space::large, 0, space::large, space::large);
+    column->setSpacing(0);
+    column->addWidget(head);
+    column->addWidget(m_table, 1);
+    return part;
 }
 
-QWidget *EditFilesPanel::remuxBox()
+QWidget *EditFilesPanel::operations()
 {
-    auto *box = new QGroupBox(tr("Re-Mux"));
-    auto *layout = new QVBoxLayout(box);
-    layout->addWidget(hint(tr("Rewrites each file without header removal, for players that can't read it.")));
-    layout->addWidget(rowOf({m_remux, nullptr}));
-    layout->addStretch(1);
-    return box;
+    auto *content = new QWidget;
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    for (QWidget *part : {joinPart(), splitPart(), remuxPart()}) {
+        column->addWidget(part);
+        column->addWidget(separatorLine());
+    }
+    column->addStretch(1);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setMaximumWidth(operationsWidth);
+    area->setMinimumWidth(300);
+    area->setWidget(content);
+    return area;
 }
 
-QWidget *EditFilesPanel::splitBox()
+QWidget *EditFilesPanel::joinPart()
 {
-    auto *box = new QGroupBox(tr("Split"));
-    auto *layout = new QGridLayout(box);
-    layout->addWidget(m_splitType->option(0), 0, 0);
-    layout->addWidget(rowOf({m_start, new QLabel(tr("to")), m_end, nullptr}), 0, 1);
-    layout->addWidget(m_splitType->option(1), 1, 0);
-    layout->addWidget(rowOf({m_size, new QLabel(tr("MB")), nullptr}), 1, 1);
-    layout->addWidget(m_splitType->option(2), 2, 0);
-    layout->addWidget(rowOf({m_duration, nullptr}), 2, 1);
-    layout->addWidget(rowOf({m_split, nullptr}), 3, 0, 1, 2);
-    layout->setRowStretch(4, 1);
-    layout->setColumnStretch(1, 1);
-    m_splitType->setParent(box);
+    return new Operation(u"join-files"_s, tr("Join"),
+                         tr("The listed files become one, in their order. Nothing is re-encoded."),
+                         {forecastRow(m_joinForecast, m_join)});
+}
+
+QWidget *EditFilesPanel::remuxPart()
+{
+    return new Operation(u"remux-file"_s, tr("Re-Mux"),
+                         tr("Rewrites each file without header removal, for players that can't read it."),
+                         {forecastRow(m_remuxForecast, m_remux)});
+}
+
+QWidget *EditFilesPanel::splitPart()
+{
+    auto *kinds = new QWidget;
+    auto *grid = new QGridLayout(kinds);
+    grid->setContentsMargins(0, space::small, 0, 0);
+    grid->setSpacing(space::small);
+    const auto plain = [](const QString &text) { return new InkLabel(text, Role::Second); };
+    for (QLineEdit *field : {static_cast<QLineEdit *>(m_start), static_cast<QLineEdit *>(m_end),
+                             static_cast<QLineEdit *>(m_size), static_cast<QLineEdit *>(m_duration)})
+        field->setFixedWidth(timeFieldWidth);
+    const QList<QWidget *> rows{rowOf({m_start, plain(tr("to")), m_end, nullptr}),
+                                rowOf({m_size, plain(tr("MB each")), nullptr}),
+                                rowOf({m_duration, plain(tr("each")), nullptr})};
+    for (int i = 0; i < rows.size(); ++i) {
+        grid->addWidget(m_splitType->option(i), i, 0);
+        grid->addWidget(rows.at(i), i, 1);
+    }
+    grid->setColumnStretch(1, 1);
+    m_splitType->setParent(kinds);
     m_splitType->hide(); // its options stand in the grid
     connect(m_splitType, &RadioMatrix::chosen, &m_controller, [this](int index) {
         m_controller.setSplitTypeMatrixIndex(index);
@@ -109,12 +225,61 @@ QWidget *EditFilesPanel::splitBox()
         m_controller.setEnteredSplitSize(size);
         m_controller.updateTabs();
     });
-    return box;
+    return new Operation(u"split-file"_s, tr("Split"),
+                         tr("Cuts each file. Cuts fall on the nearest key picture."),
+                         {kinds, forecastRow(m_splitForecast, m_split)});
+}
+
+void EditFilesPanel::setFiles(const QList<QUrl> &files, int current)
+{
+    m_controller.currentSelection()->setEditFilesURLsList(files);
+    m_controller.updateTabs();
+    refresh();
+    m_table->setCurrentIndex(m_model->index(current, 0));
+}
+
+void EditFilesPanel::move(int by)
+{
+    const int row = m_table->currentIndex().row();
+    QList<QUrl> files = m_model->files();
+    if (row < 0 || row + by < 0 || row + by >= files.size())
+        return;
+    files.move(row, row + by);
+    setFiles(files, row + by);
+}
+
+void EditFilesPanel::removeCurrent()
+{
+    const int row = m_table->currentIndex().row();
+    if (row < 0)
+        return;
+    QList<QUrl> files = m_model->files();
+    files.removeAt(row);
+    setFiles(files, std::min(row, static_cast<int>(files.size()) - 1));
+}
+
+void EditFilesPanel::focusTable()
+{
+    m_table->setFocus(Qt::OtherFocusReason);
 }
 
 void EditFilesPanel::refresh()
 {
-    m_splitType->setIndex(m_controller.splitTypeMatrixIndex());
+    const QList<QUrl> files = m_controller.currentSelection()->editFilesURLsList();
+    m_model->setFiles(files);
+    qint64 bytes = 0;
+    for (const QUrl &file : files)
+        bytes += QFileInfo(file.toLocalFile()).size();
+    m_count->setText(files.isEmpty() ? tr("No files yet")
+                                     : (files.size() == 1 ? tr("1 file") : tr("%1 files").arg(files.size())) +
+                                           u" · "_s + summary::sizeText(bytes));
+    m_text->setText(m_controller.currentFileText());
+    m_removeFile->setEnabled(!files.isEmpty());
+    const int kind = m_controller.splitTypeMatrixIndex();
+    m_splitType->setIndex(kind);
+    showForecast(m_joinForecast, summary::joinForecast(m_controller));
+    showForecast(m_splitForecast, summary::splitForecast(m_controller));
+    showForecast(m_remuxForecast, summary::remuxForecast(m_controller));
     m_join->setEnabled(m_controller.canJoin());
     m_tips.setReason(m_join, m_controller.canJoin() ? QString() : tr("Drop at least two MKV files."));
     m_split->setEnabled(m_controller.canSplit());

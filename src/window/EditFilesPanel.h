@@ -1,28 +1,30 @@
 #pragma once
 
-#include <QPushButton>
-#include <QWidget>
+#include "window/Controls.h"
 
-class KXNotificationCenter;
+class KXAppDelegate;
+class KXDropScrollView;
 class KXSelectionController;
 
 namespace window {
 
+class FilesModel;
 class IntegerField;
 class RadioMatrix;
 class TimeField;
 class ToolTipBinder;
 
-/// The tab "Edit Files": joins, splits and rewrites whole MKV files.
+/// The tab "Edit Files": the list of whole MKV files, and what joins, splits and rewrites them.
 class EditFilesPanel final : public QWidget
 {
     Q_OBJECT
 
 public:
-    EditFilesPanel(KXSelectionController &controller, KXNotificationCenter &center, ToolTipBinder &tips,
-                   QWidget *parent = nullptr);
+    EditFilesPanel(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent = nullptr);
 
     void refresh();
+    void focusTable();
+    KXDropScrollView *table() const { return m_table; }
 
 Q_SIGNALS:
     /// The button with that title was pressed.
@@ -30,15 +32,29 @@ Q_SIGNALS:
 
 private:
     QPushButton *startButton(const QString &title, const char *word, const QString &accessibleName);
-    QWidget *joinBox();
-    QWidget *splitBox();
-    QWidget *remuxBox();
+    QWidget *listPart();
+    QWidget *operations();
+    QWidget *joinPart();
+    QWidget *splitPart();
+    QWidget *remuxPart();
+    void setFiles(const QList<QUrl> &files, int current);
+    void move(int by);
+    void removeCurrent();
 
+    KXAppDelegate &m_delegate;
     KXSelectionController &m_controller;
     ToolTipBinder &m_tips;
+    InkLabel *m_count;
+    ElidedLabel *m_text;
+    QPushButton *m_removeFile;
+    KXDropScrollView *m_table;
+    FilesModel *m_model;
     QPushButton *m_join;
     QPushButton *m_split;
     QPushButton *m_remux;
+    InkLabel *m_joinForecast;
+    InkLabel *m_splitForecast;
+    InkLabel *m_remuxForecast;
     RadioMatrix *m_splitType;
     TimeField *m_start;
     TimeField *m_end;

@@ -1,5 +1,7 @@
 #include "window/FilesModel.h"
 
+#include "summary/Figures.h"
+
 #include <QFileInfo>
 
 namespace window {
@@ -11,22 +13,36 @@ int FilesModel::rowCount(const QModelIndex &parent) const
 
 int FilesModel::columnCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : 2;
+    return parent.isValid() ? 0 : int{ColumnCount};
 }
 
 QVariant FilesModel::data(const QModelIndex &index, int role) const
 {
-    if (role != Qt::DisplayRole || !checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
+    if (role == Qt::TextAlignmentRole && index.column() == Size)
+        return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
     const QUrl file = m_files.at(index.row());
-    return index.column() == 0 ? file.fileName() : QFileInfo(file.toLocalFile()).absolutePath();
+    const QFileInfo info(file.toLocalFile());
+    if (role == Qt::ToolTipRole)
+        return file.toLocalFile().toHtmlEscaped();
+    if (role != Qt::DisplayRole)
+        return {};
+    switch (index.column()) {
+    case Name:
+        return file.fileName();
+    case Folder:
+        return info.absolutePath();
+    default:
+        return summary::sizeText(info.size());
+    }
 }
 
 QVariant FilesModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    return section == 0 ? tr("File") : tr("Folder");
+    return QStringList{tr("File"), tr("Folder"), tr("Size")}.value(section);
 }
 
 void FilesModel::setFiles(const QList<QUrl> &files)

@@ -10,19 +10,17 @@ class FilterEditor;
 
 namespace window {
 
-/// The panel beside a filter's button: what the filter chooses, as the editor has it. It can be changed while
-/// the filter is edited, and shows only the fields that its choice needs.
+/// What a filter chooses, as the editor has it, in the row of its button while it is edited. It shows only
+/// the fields that its choice needs.
 class FilterPanel final : public QFrame
 {
     Q_OBJECT
 
 public:
-    /// The editor must outlive it. It floats in its parent.
+    /// The editor must outlive it.
     FilterPanel(FilterEditor &editor, presets::FilterKind kind, QWidget *parent);
 
     presets::FilterKind kind() const { return m_kind; }
-    /// With every field.
-    QSize largestSize() const;
     /// The first field gets the focus; from there one tabs back to the button.
     void takeFocusAfter(QWidget *button);
 
@@ -43,7 +41,6 @@ private:
 
     void addField(const char *name, const QString &word, const QString &title, const QStringList &choices);
     bool needs(const QString &word) const;
-    int heightNow() const;
     void refresh();
 
     FilterEditor &m_editor;

@@ -1,9 +1,10 @@
 #include "window/KXDropScrollView.h"
 
-#include "window/RoomyDelegate.h"
+#include "window/Theme.h"
 
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMimeData>
 #include <QPainter>
 
@@ -37,8 +38,8 @@ KXDropScrollView::KXDropScrollView(QWidget *parent)
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
-    setAlternatingRowColors(true);
-    setItemDelegate(new window::RoomyDelegate(this));
+    setMouseTracking(true);
+    header()->setHighlightSections(false);
 }
 
 void KXDropScrollView::setEmptyText(const QString &text)
@@ -47,8 +48,25 @@ void KXDropScrollView::setEmptyText(const QString &text)
     viewport()->update();
 }
 
+bool KXDropScrollView::takes(const QMimeData *data)
+{
+    return !filesOf(data).isEmpty();
+}
+
+QList<QUrl> KXDropScrollView::filesIn(const QMimeData *data)
+{
+    return filesOf(data);
+}
+
+void KXDropScrollView::showDrag(const QString &words)
+{
+    m_dragWords = words;
+    viewport()->update();
+}
+
 void KXDropScrollView::dragEnterEvent(QDragEnterEvent *event)
 {
+    Q_EMIT dragged(filesOf(event->mimeData()));
     if (filesOf(event->mimeData()).isEmpty())
         event->ignore();
     else
@@ -69,16 +87,37 @@ void KXDropScrollView::dropEvent(QDropEvent *event)
     if (files.isEmpty())
         return event->ignore();
     takeAsCopy(event);
+    Q_EMIT dragLeft();
     Q_EMIT filesDropped(files);
+}
+
+void KXDropScrollView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    QTreeView::dragLeaveEvent(event);
+    Q_EMIT dragLeft();
 }
 
 void KXDropScrollView::paintEvent(QPaintEvent *event)
 {
     QTreeView::paintEvent(event);
-    if (m_emptyText.isEmpty() || model() == nullptr || model()->rowCount() > 0)
-        return;
+    using namespace window;
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
-                     m_emptyText);
+    if (!m_dragWords.isEmpty()) {
+        painter.fillRect(viewport()->rect(), color(Role::Soft));
+        painter.setPen(QPen(color(Role::Accent), 2));
+        painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+        painter.setFont(fontOf(Type::Head));
+        painter.setPen(color(Role::Text));
+        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_dragWords);
+        return;
+    }
+    if (m_emptyText.isEmpty() || model() == nullptr)
+        return;
+    QRect free = viewport()->rect().adjusted(24, 24, -24, -24);
+    if (model()->rowCount() > 0)
+        free.setTop(visualRect(model()->index(model()->rowCount() - 1, 0)).bottom());
+    if (free.height() < 2 * fontMetrics().height())
+        return;
+    painter.setPen(color(Role::Second));
+    painter.drawText(free, Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
 }

@@ -13,18 +13,28 @@ class KXDropScrollView final : public QTreeView
 public:
     explicit KXDropScrollView(QWidget *parent = nullptr);
 
-    /// What is written in it while it is empty.
+    /// What is written in its free space.
     void setEmptyText(const QString &text);
+    /// Words over the whole table while something is dragged; none takes them away.
+    void showDrag(const QString &words);
+    /// Whether a drag is of files alone.
+    static bool takes(const QMimeData *data);
+    static QList<QUrl> filesIn(const QMimeData *data);
 
 Q_SIGNALS:
     void filesDropped(const QList<QUrl> &files);
+    /// These are over it now; none of them where the drag can't be taken.
+    void dragged(const QList<QUrl> &files);
+    void dragLeft();
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QString m_emptyText;
+    QString m_dragWords;
 };

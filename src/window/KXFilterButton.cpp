@@ -5,8 +5,6 @@
 
 #include <QEnterEvent>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 KXFilterButton::KXFilterButton(FilterEditor &editor, int tag, window::FilterPanel &filterPanel,
@@ -21,7 +19,6 @@ KXFilterButton::KXFilterButton(FilterEditor &editor, int tag, window::FilterPane
     setAccessibleName((isAudio ? tr("Audio filter %1") : tr("Subtitle filter %1")).arg(position()));
     setAutoDefault(false);
     setFocusPolicy(Qt::StrongFocus);
-    setMinimumWidth(fontMetrics().averageCharWidth() * 16); // as wide as its longest title
     connect(this, &QPushButton::clicked, this, &KXFilterButton::press);
     connect(&editor, &FilterEditor::changed, this, &KXFilterButton::refresh);
     refresh();
@@ -72,13 +69,6 @@ void KXFilterButton::press()
         m_filterPanel.takeFocusAfter(this);
 }
 
-QPoint KXFilterButton::findPanelLocation() const
-{
-    const QWidget *place = m_filterPanel.parentWidget();
-    const int beside = place->mapFromGlobal(mapToGlobal(QPoint(0, 0))).y();
-    return {0, std::max(0, std::min(beside, place->height() - m_filterPanel.height()))};
-}
-
 void KXFilterButton::refresh()
 {
     const presets::RowButton &state = m_editor.rows(m_filterPanel.kind()).filterButton(position());
@@ -86,6 +76,4 @@ void KXFilterButton::refresh()
     setAccessibleDescription(state.title);
     setEnabled(state.enabled);
     setVisible(state.visible);
-    if (m_editor.panelTag() == m_tag)
-        m_filterPanel.move(findPanelLocation());
 }

@@ -21,8 +21,6 @@ public:
 
     int tag() const { return m_tag; }
     bool isInEditMode() const;
-    /// Beside the button, in the panel's place.
-    QPoint findPanelLocation() const;
 
 protected:
     void enterEvent(QEnterEvent *event) override;

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace window {
 
 LanguageDelegate::LanguageDelegate(const QStringList &languages, QObject *parent)
-    : RoomyDelegate(parent)
+    : TrackDelegate(parent)
     , m_languages(languages)
 {
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "window/RoomyDelegate.h"
+#include "window/TrackDelegate.h"
 
 #include <QStringList>
 
@@ -8,7 +8,7 @@ namespace window {
 
 /// Offers the program's languages where a track's language is edited; one that is not among them stays
 /// what it is. Owned by the table.
-class LanguageDelegate final : public RoomyDelegate
+class LanguageDelegate final : public TrackDelegate
 {
     Q_OBJECT
 

@@ -59,10 +59,12 @@ void MainMenu::addFileMenu()
 {
     QMenu *menu = addMenu(tr("&File"));
     addCommand(menu, tr("&Open…"), QKeySequence::Open, [this] { m_delegate.openFilePanel(u"Open"_s); });
-    m_add = addCommand(menu, tr("&Add…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+    m_add = addCommand(menu, tr("&Add Tracks…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O),
                        [this] { m_delegate.openFilePanel(u"Add"_s); });
     addCommand(menu, tr("Save File &Info"), QKeySequence(Qt::CTRL | Qt::Key_I),
                [this] { m_delegate.helpMenuItemSelected(u"Save File Info"_s); });
+    menu->addSeparator();
+    addWindowCommands();
     menu->addSeparator();
     QAction *preferences = addCommand(menu, tr("&Preferences…"), QKeySequence(Qt::CTRL | Qt::Key_Comma),
                                       m_commands.openPreferences);
@@ -71,6 +73,24 @@ void MainMenu::addFileMenu()
     addCommand(menu, tr("&Close Window"), QKeySequence::Close, [this] { m_window.close(); });
     QAction *quit = addCommand(menu, tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), m_commands.quit);
     quit->setMenuRole(QAction::QuitRole);
+}
+
+/// Where the window goes: also what it draws as tabs, lists and areas.
+void MainMenu::addWindowCommands()
+{
+    QMenu *menu = m_window.menuBar()->actions().constFirst()->menu();
+    addCommand(menu, tr("&MKV"), QKeySequence(Qt::CTRL | Qt::Key_1), [this] { m_commands.showTab(0); });
+    addCommand(menu, tr("&Edit Files"), QKeySequence(Qt::CTRL | Qt::Key_2),
+               [this] { m_commands.showTab(1); });
+    addCommand(menu, tr("&Watch Folder…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
+               m_commands.watchFolder);
+    addCommand(menu, tr("P&revious Film"), QKeySequence(Qt::CTRL | Qt::Key_PageUp),
+               [this] { m_commands.nextFilm(-1); });
+    addCommand(menu, tr("&Next Film"), QKeySequence(Qt::CTRL | Qt::Key_PageDown),
+               [this] { m_commands.nextFilm(1); });
+    addCommand(menu, tr("Next Ar&ea"), QKeySequence(Qt::Key_F6), [this] { m_commands.nextArea(true); });
+    addCommand(menu, tr("Previous Are&a"), QKeySequence(Qt::SHIFT | Qt::Key_F6),
+               [this] { m_commands.nextArea(false); });
 }
 
 void MainMenu::addTrackMenu()
@@ -109,6 +129,10 @@ void MainMenu::addQueueMenu()
 {
     QMenu *menu = addMenu(tr("&Queue"));
     addCommand(menu, tr("&Convert"), QKeySequence(Qt::CTRL | Qt::Key_Return), m_commands.convert);
+    addCommand(menu, tr("Show C&ommand…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), [this] {
+        if (auto *control = m_window.findChild<QAbstractButton *>(u"ShowCommandButton"_s))
+            control->click();
+    });
     menu->addSeparator();
     addCommand(menu, tr("&Pause or Resume"), QKeySequence(Qt::CTRL | Qt::Key_Period),
                m_commands.pauseOrResume);

@@ -29,6 +29,10 @@ public:
         std::function<void()> convert;
         std::function<void()> pauseOrResume;
         std::function<void()> deleteSelectedJob;
+        std::function<void()> watchFolder;
+        std::function<void(int index)> showTab;
+        std::function<void(int by)> nextFilm;
+        std::function<void(bool forward)> nextArea;
         std::function<void()> quit;
     };
 
@@ -45,6 +49,7 @@ private:
     void addTrackMenu();
     void addPresetsMenu();
     void addQueueMenu();
+    void addWindowCommands();
     void addHelpMenu();
     void showAbout();
     QMenu *addMenu(const QString &title);

@@ -1,33 +1,37 @@
 #include "window/MainWindow.h"
 
+#include "app/JobPlan.h"
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
 #include "prefs/KXPreferencesController.h"
-#include "window/AudioBox.h"
-#include "window/Controls.h"
+#include "window/ActionBar.h"
+#include "window/AreaWalk.h"
 #include "window/EditFilesPanel.h"
-#include "window/EditTracksBox.h"
-#include "window/FilePart.h"
-#include "window/MainMenu.h"
+#include "window/EmptyState.h"
+#include "window/FilmHeader.h"
+#include "window/Inspector.h"
+#include "window/KXDropScrollView.h"
+#include "window/OpenFilesList.h"
 #include "window/PreferencesPanel.h"
 #include "window/PresetSelectionsSheet.h"
 #include "window/PresetSettingsSheet.h"
-#include "window/PresetsRow.h"
-#include "window/ProbingRow.h"
 #include "window/QueueDrawer.h"
+#include "window/QueueStrip.h"
 #include "window/StatusLine.h"
-#include "window/SubtitleBox.h"
+#include "window/TextSheet.h"
+#include "window/Thumbnails.h"
+#include "window/ToolRow.h"
 #include "window/ToolTipBinder.h"
-#include "window/VideoBox.h"
-#include "window/WatchRow.h"
+#include "window/TracksPane.h"
+#include "window/WatchPopover.h"
+#include "window/WindowPlace.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
-#include <QGridLayout>
-#include <QPushButton>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QStackedWidget>
-#include <QStatusBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -36,11 +40,22 @@ namespace window {
 
 namespace {
 
+enum Page { FilmPage, FilesPage, EmptyPage };
+
 /// The tabs by their names, which the rules compare.
 const QStringList &tabNames()
 {
     static const QStringList names{u"MKV"_s, u"Edit Files"_s};
     return names;
+}
+
+/// A subtitle or a sound, which is added to the film that is open.
+bool isAddition(const QList<QUrl> &files)
+{
+    static const QStringList extensions{u"srt"_s, u"ass"_s, u"ssa"_s, u"ttxt"_s, u"aac"_s, u"ac3"_s,
+                                        u"dts"_s, u"mp3"_s, u"mp2"_s, u"ogg"_s,  u"wav"_s, u"flac"_s};
+    return files.size() == 1 &&
+           extensions.contains(QFileInfo(files.constFirst().toLocalFile()).suffix().toLower());
 }
 
 } // namespace
@@ -49,20 +64,23 @@ MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &prefere
     : m_delegate(delegate)
     , m_preferences(preferences)
     , m_tips(new ToolTipBinder(delegate.program().preferences(), this))
+    , m_thumbnails(new Thumbnails(this))
 {
     setObjectName(u"MainWindow"_s);
     setWindowTitle(u"Tessaray"_s);
     setUnifiedTitleAndToolBarOnMac(true);
-    setCentralWidget(content());
+    setAcceptDrops(true);
+    setMinimumSize(smallestWindow);
     m_drawer = new QueueDrawer(delegate.program().queue(), *m_tips, this);
+    m_tools = new ToolRow(tabNames(), *m_tips);
+    addToolBar(Qt::TopToolBarArea, m_tools);
+    setCentralWidget(content());
     addDockWidget(Qt::RightDockWidgetArea, m_drawer);
-    m_status = new StatusLine(delegate.program().queue());
-    statusBar()->setContentsMargins(6, 0, 6, 0);
-    statusBar()->addWidget(m_status, 1);
-    statusBar()->setSizeGripEnabled(false);
+    m_watch = new WatchPopover(delegate, *m_tips, this);
     m_menu = std::make_unique<MainMenu>(*this, delegate, menuCommands());
     connectParts();
-    resize(980, 720);
+    connectAreas();
+    m_openFilesWanted = restorePlace(*this, delegate.program().defaults()).showsOpenFiles;
     refresh();
 }
 
@@ -71,75 +89,51 @@ MainWindow::~MainWindow() = default;
 QWidget *MainWindow::content()
 {
     auto *central = new QWidget;
-    central->setMinimumWidth(720); // the drawer makes the window wider instead
     auto *layout = new QVBoxLayout(central);
-    m_probing = new ProbingRow(m_delegate.intake());
-    layout->addWidget(m_probing);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_bars = new MessageBars(m_delegate.intake());
     m_whileIdle = new QWidget;
-    layout->addWidget(m_whileIdle, 1);
     auto *idle = new QVBoxLayout(m_whileIdle);
     idle->setContentsMargins(0, 0, 0, 0);
-    m_filePart = new FilePart(m_delegate, *m_tips);
-    idle->addWidget(m_filePart, 1);
-    m_tabs = named(new QTabBar, "Tabs", tr("What to do"));
-    m_tabs->setDocumentMode(true);
-    m_tabs->setExpanding(false);
-    for (const QString &name : tabNames())
-        m_tabs->addTab(name);
-    idle->addWidget(m_tabs);
+    idle->setSpacing(0);
     m_pages = new QStackedWidget;
-    m_pages->addWidget(conversionPage());
-    m_editFiles = new EditFilesPanel(m_delegate.program().selectionController(),
-                                     m_delegate.program().notifications(), *m_tips);
+    m_pages->addWidget(filmPage());
+    m_editFiles = new EditFilesPanel(m_delegate, *m_tips);
     m_pages->addWidget(m_editFiles);
-    m_pages->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    idle->addWidget(m_pages);
+    m_empty = new EmptyState(u"Drop Video File(s) in the Table Below"_s, true);
+    m_pages->addWidget(m_empty);
+    m_actions = new ActionBar(m_delegate, *m_tips);
+    idle->addWidget(m_pages, 1);
+    idle->addWidget(m_actions);
+    m_strip = new QueueStrip(m_delegate.program().queue(), m_drawer->model());
+    layout->addWidget(m_bars);
+    layout->addWidget(m_whileIdle, 1);
+    layout->addWidget(m_strip);
     return central;
 }
 
-QWidget *MainWindow::conversionPage()
+QWidget *MainWindow::filmPage()
 {
-    KXSelectionController &controller = m_delegate.program().selectionController();
     auto *page = new QWidget;
-    auto *layout = new QGridLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto *presets = new PresetsRow(m_delegate.program().presets(), *m_tips);
-    connect(presets, &PresetsRow::selectionsSheetWanted, this, &MainWindow::openSelectionsSheet);
-    connect(presets, &PresetsRow::settingsSheetWanted, this, &MainWindow::openSettingsSheet);
-    m_video = new VideoBox(controller, *m_tips);
-    m_audio = new AudioBox(controller, *m_tips);
-    m_subtitles = new SubtitleBox(controller, *m_tips);
-    m_editTracks = new EditTracksBox(controller, m_delegate.starter(), *m_tips);
-    m_watch = new WatchRow(m_delegate, *m_tips);
-    layout->addWidget(presets, 0, 0, 1, 3);
-    layout->addWidget(m_watch, 3, 0, 1, 3);
-    layout->addWidget(m_video, 1, 0);
-    layout->addWidget(m_audio, 1, 1);
-    layout->addWidget(m_subtitles, 1, 2);
-    layout->addWidget(m_editTracks, 2, 0, 1, 2);
-    layout->addWidget(startRow(), 2, 2, Qt::AlignBottom);
-    layout->setColumnStretch(0, 5);
-    layout->setColumnStretch(1, 5);
-    layout->setColumnStretch(2, 3);
+    m_film = new QHBoxLayout(page);
+    m_film->setContentsMargins(0, 0, 0, 0);
+    m_film->setSpacing(0);
+    m_openFiles = new OpenFilesList(m_delegate, *m_thumbnails, *m_tips);
+    m_header = new FilmHeader(m_delegate, *m_thumbnails, *m_tips);
+    m_tracks = new TracksPane(m_delegate, *m_tips);
+    m_inspector = new Inspector(m_delegate, *m_tips);
+    m_inspectorLine = separatorLine(Qt::Vertical);
+    auto *centre = new QVBoxLayout;
+    centre->setContentsMargins(space::large, 0, space::large, 0);
+    centre->setSpacing(0);
+    centre->addWidget(m_header);
+    centre->addWidget(m_tracks, 1);
+    m_film->addWidget(m_openFiles);
+    m_film->addLayout(centre, 1);
+    m_film->addWidget(m_inspectorLine);
+    m_film->addWidget(m_inspector);
     return page;
-}
-
-QWidget *MainWindow::startRow()
-{
-    m_convert = named(new QPushButton(tr("Convert")), "ConvertButton", tr("Start converting"));
-    m_convert->setDefault(true);
-    QFont font = m_convert->font();
-    font.setBold(true);
-    m_convert->setFont(font);
-    m_convert->setMinimumHeight(m_convert->sizeHint().height() * 5 / 4);
-    m_tips->bind(m_convert, "ttConvertButton");
-    connect(m_convert, &QPushButton::clicked, this, [this] { start(u"Convert"_s); });
-    auto *row = new QWidget;
-    auto *layout = new QVBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addStretch(1);
-    layout->addWidget(m_convert);
-    return row;
 }
 
 void MainWindow::connectParts()
@@ -152,31 +146,97 @@ void MainWindow::connectParts()
     connect(&program.preferences(), &KXPreferences::toolTipsModified, this, &MainWindow::scheduleRefresh);
     connect(&program.preferences(), &KXPreferences::toolsUnpacked, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.intake(), &app::FileIntake::busyChanged, this, &MainWindow::scheduleRefresh);
+    connect(&m_delegate.intake(), &app::FileIntake::tracksChanged, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.starter(), &app::JobStarter::finishingChanged, this, &MainWindow::scheduleRefresh);
+    connect(&m_delegate.openQueue(), &app::OpenQueue::entriesChanged, this, &MainWindow::scheduleRefresh);
+    connect(&m_delegate.openQueue(), &app::OpenQueue::canOpenQueuePopoverChanged, this,
+            &MainWindow::scheduleRefresh);
+    connect(&m_delegate.openQueue(), &app::OpenQueue::popoverWanted, this, [this](bool open) {
+        if (open)
+            m_openFilesWanted = true;
+        scheduleRefresh();
+    });
     connect(&m_delegate.starter(), &app::JobStarter::editingEndWanted, this, [this] {
         if (QWidget *edited = focusWidget())
             edited->clearFocus();
     });
     connect(&m_delegate.starter(), &app::JobStarter::jobQueued, m_drawer, qOverload<>(&QWidget::repaint));
-    connect(m_tabs, &QTabBar::currentChanged, this, &MainWindow::showTab);
-    connect(m_editFiles, &EditFilesPanel::startWanted, this, &MainWindow::start);
-    connect(m_subtitles, &SubtitleBox::startWanted, this, &MainWindow::start);
-    connect(&m_delegate, &KXAppDelegate::noteWorthy, m_status, &StatusLine::say);
+    connect(&m_delegate, &KXAppDelegate::noteWorthy, this,
+            [this](const QString &sentence) { say(MessageBar::Kind::Info, sentence); });
     connect(&m_delegate, &KXAppDelegate::documentWanted, this, &MainWindow::openDocument);
     connect(&m_delegate, &KXAppDelegate::windowWanted, this, [this] {
         show();
         raise();
         activateWindow();
-        m_filePart->focusTable();
+        m_pages->currentIndex() == FilesPage ? m_editFiles->focusTable() : m_tracks->focusTable();
     });
-    connect(&program.watchMode(), &KXWatchModeController::drawerWanted, m_drawer, &QWidget::setVisible);
-    connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, m_drawer,
-            [this] { m_drawer->setVisible(!m_delegate.program().queue().qJobList().isEmpty()); });
-    connect(&m_delegate.queueWatch(), &app::QueueWatch::queueEnded, m_status, &StatusLine::say);
+    // Names that jobs have spoken for are not free for the next one.
+    for (auto change :
+         {&KXQueueController::jobAdded, &KXQueueController::jobChanged, &KXQueueController::jobRemoved})
+        connect(&program.queue(), change, this, &MainWindow::scheduleRefresh);
+    const auto wantDrawer = [this](bool open) {
+        m_drawerWanted = open;
+        arrange();
+    };
+    connect(&program.queue(), &KXQueueController::drawerWanted, this, wantDrawer);
+    connect(&program.watchMode(), &KXWatchModeController::drawerWanted, this, wantDrawer);
+    connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, this,
+            [this, wantDrawer] { wantDrawer(!m_delegate.program().queue().qJobList().isEmpty()); });
+    connect(&m_delegate.queueWatch(), &app::QueueWatch::queueEnded, m_strip->line(), &StatusLine::say);
     connect(&m_preferences, &KXPreferencesController::panelWanted, this, [this](bool open) {
         if (open)
             openPreferences();
+        else
+            scheduleRefresh();
     });
+    connect(&m_preferences, &KXPreferencesController::stateChanged, this, [this] {
+        if (!std::exchange(m_choosingFolder, false))
+            return;
+        m_preferences.savePropertiesToPreferences();
+        scheduleRefresh();
+    });
+}
+
+void MainWindow::connectAreas()
+{
+    connect(m_tools, &ToolRow::openWanted, &m_delegate, [this] { m_delegate.openFilePanel(u"Open"_s); });
+    connect(m_tools, &ToolRow::tabChosen, this, &MainWindow::showTab);
+    connect(m_tools, &ToolRow::watchWanted, this, &MainWindow::showWatchPopover);
+    connect(m_tools, &ToolRow::preferencesWanted, this, [this] { m_preferences.openPreferencesPanel(); });
+    connect(m_tools, &ToolRow::openFilesWanted, this, [this](bool shown) {
+        m_openFilesWanted = shown;
+        arrange();
+    });
+    connect(m_empty, &EmptyState::openWanted, &m_delegate, [this] { m_delegate.openFilePanel(u"Open"_s); });
+    connect(m_empty, &EmptyState::editFilesWanted, this, [this] { showTab(1); });
+    connect(m_empty, &EmptyState::watchWanted, this, &MainWindow::showWatchPopover);
+    connect(m_tracks, &TracksPane::presetsSheetWanted, this, &MainWindow::openSelectionsSheet);
+    connect(m_inspector, &Inspector::presetsSheetWanted, this, &MainWindow::openSettingsSheet);
+    connect(m_inspector, &Inspector::startWanted, this, &MainWindow::start);
+    connect(m_editFiles, &EditFilesPanel::startWanted, this, &MainWindow::start);
+    connect(m_actions, &ActionBar::convertWanted, this, [this] { start(u"Convert"_s); });
+    connect(m_actions, &ActionBar::commandsWanted, this, &MainWindow::showCommands);
+    connect(m_actions, &ActionBar::folderWanted, this, &MainWindow::chooseSaveFolder);
+    connect(m_actions, &ActionBar::noFolderWanted, this, &MainWindow::clearSaveFolder);
+    connect(m_strip, &QueueStrip::pauseWanted, m_drawer, &QueueDrawer::togglePause);
+    connect(m_strip, &QueueStrip::listWanted, this, [this] { m_drawer->setVisible(!m_drawer->isVisible()); });
+    connect(m_drawer, &QueueDrawer::changed, m_strip, &QueueStrip::refresh);
+    connect(m_drawer, &QueueDrawer::cleared, this, [this](int count, int failed) {
+        const QString rows = count == 1 ? tr("1 row cleared") : tr("%1 rows cleared").arg(count);
+        say(MessageBar::Kind::Info, failed == 0 ? rows : tr("%1, %2 had failed").arg(rows).arg(failed));
+    });
+    connect(m_drawer, &QueueDrawer::refused, this,
+            [this](const QString &reason) { say(MessageBar::Kind::Warning, reason); });
+    connect(m_drawer, &QueueDrawer::detailsWanted, this,
+            [this](const QString &title, const QStringList &lines) {
+                auto *sheet = new TextSheet(title, tr("What became of every track of the source:"),
+                                            lines.join(u'\n'), TextSheet::Letters::Plain, this);
+                sheet->open();
+            });
+    for (KXDropScrollView *table : {m_tracks->table(), m_editFiles->table()}) {
+        connect(table, &KXDropScrollView::dragged, this, &MainWindow::showDrag);
+        connect(table, &KXDropScrollView::dragLeft, this, &MainWindow::endDrag);
+    }
 }
 
 void MainWindow::start(const QString &title)
@@ -205,11 +265,22 @@ MainMenu::Commands MainWindow::menuCommands()
     commands.editTrackPresets = [this] { openSelectionsSheet(); };
     commands.editSettingsPresets = [this] { openSettingsSheet(); };
     commands.convert = [this] {
-        if (m_pages->currentIndex() == 0)
-            m_convert->click();
+        if (m_pages->currentIndex() != FilesPage)
+            m_actions->convert()->click();
     };
     commands.pauseOrResume = [this] { m_drawer->togglePause(); };
     commands.deleteSelectedJob = [this] { m_drawer->deleteSelected(); };
+    commands.watchFolder = [this] { showWatchPopover(); };
+    commands.showTab = [this](int index) { showTab(index); };
+    commands.nextFilm = [this](int by) {
+        const app::OpenQueue &queue = m_delegate.openQueue();
+        m_delegate.openQueue().select(queue.selectedRow() + by);
+    };
+    commands.nextArea = [this](bool forward) {
+        walkAreas({m_tools, m_bars, m_openFiles, m_tracks, m_empty, m_editFiles, m_inspector, m_actions,
+                   m_drawer, m_strip},
+                  focusWidget(), forward);
+    };
     commands.quit = [this] { Q_EMIT quitWanted(); };
     return commands;
 }
@@ -219,7 +290,7 @@ void MainWindow::openDocument(const QString &name)
     const QUrl folder = m_delegate.program().preferences().resourcesLocation();
     const QString path = QDir(folder.toLocalFile()).filePath(u"docs/%1.html"_s.arg(name));
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        m_status->say(tr("No browser could open %1.").arg(path));
+        say(MessageBar::Kind::Warning, tr("No browser could open %1.").arg(path));
 }
 
 void MainWindow::openSelectionsSheet()
@@ -240,51 +311,135 @@ void MainWindow::openPreferences()
     panel->open();
 }
 
+void MainWindow::showCommands()
+{
+    app::Program &program = m_delegate.program();
+    QStringList numbered;
+    for (const app::PlannedJob &job : app::plannedJobs(program, app::jobSelection(program))) {
+        for (const QString &command : job.commands)
+            numbered.append(u"%1  %2"_s.arg(numbered.size() + 1).arg(command));
+    }
+    const QString film = program.selectionController().currentVideoFile()->theFileName();
+    auto *sheet = new TextSheet(tr("Commands"), tr("What Convert would run for %1, in this order:").arg(film),
+                                numbered.join(u"\n\n"_s), TextSheet::Letters::Commands, this);
+    sheet->open();
+}
+
+void MainWindow::showWatchPopover()
+{
+    m_watch->showBelow(m_tools->watchButton());
+}
+
+void MainWindow::chooseSaveFolder()
+{
+    m_preferences.loadPropertiesFromPreferences();
+    m_choosingFolder = true;
+    m_preferences.changeSaveButton();
+}
+
+void MainWindow::clearSaveFolder()
+{
+    m_preferences.loadPropertiesFromPreferences();
+    m_preferences.clearSaveDirectory();
+    m_preferences.savePropertiesToPreferences();
+    scheduleRefresh();
+}
+
+void MainWindow::say(MessageBar::Kind kind, const QString &head, const QString &text)
+{
+    m_bars->show({kind, head, text, std::chrono::seconds(10), {}, {}});
+}
+
 void MainWindow::refresh()
 {
     m_refreshScheduled = false;
     const KXSelectionController &controller = m_delegate.program().selectionController();
-    m_whileIdle->setEnabled(!m_delegate.intake().isBusy() && !m_delegate.starter().isFinishing());
-    m_menu->setIdle(m_whileIdle->isEnabled());
+    const bool isIdle = !m_delegate.intake().isBusy() && !m_delegate.starter().isFinishing();
+    m_whileIdle->setEnabled(isIdle);
+    m_tools->setIdle(isIdle);
+    m_menu->setIdle(isIdle);
     const int tab = std::max(0, static_cast<int>(tabNames().indexOf(controller.currentTab())));
-    const QSignalBlocker quiet(m_tabs);
-    m_tabs->setCurrentIndex(tab);
-    m_pages->setCurrentIndex(tab);
-    m_filePart->refresh();
-    m_video->refresh();
-    m_audio->refresh();
-    m_subtitles->setSendingRefusal(sendingRefusal());
-    m_editTracks->refresh();
-    m_watch->refresh();
-    m_editFiles->refresh();
-    m_menu->setCanAdd(m_whileIdle->isEnabled() && controller.canAddTrack() && tab == 0);
+    const bool isOpen = !controller.currentVideoFile()->trackList().isEmpty();
+    m_tools->showTab(tab);
+    const int page = tab == 1 ? FilesPage : isOpen ? FilmPage : EmptyPage;
+    if (page != m_pages->currentIndex()) {
+        m_pages->setCurrentIndex(page);
+        if (page == EmptyPage)
+            m_empty->focusOpen();
+    }
+    m_thumbnails->setTool(m_delegate.program().preferences().urlOfApp(u"ffmpeg"_s).toLocalFile());
+    setWindowTitle(isOpen && tab == 0 ? controller.currentVideoFile()->theFileName() + u" – Tessaray"_s
+                                      : u"Tessaray"_s);
+    m_menu->setCanAdd(isIdle && controller.canAddTrack() && tab == 0);
     m_menu->setToolTipsTitle(m_delegate.program().preferences().toolTipsMenuItemTitle());
-    refreshConvertButton();
+    refreshFilm();
+    m_editFiles->refresh();
+    m_actions->refresh();
+    m_watch->refresh();
+    arrange();
 }
 
-void MainWindow::refreshConvertButton()
+void MainWindow::refreshFilm()
 {
-    const KXSelectionController &controller = m_delegate.program().selectionController();
-    const bool extracts = app::jobTypeFor(m_delegate.program().presets()) == u"MKV Track Extraction"_s;
-    const bool can = extracts ? controller.canEditTracks() : controller.canConvert();
-    const bool several = m_delegate.openQueue().openFileCount() >= 2; // another one may be convertible
-    m_convert->setEnabled(can || several);
-    QString reason;
-    if (!can && !several)
-        reason = extracts ? tr("The preset extracts tracks: open an MKV file and tick some.")
-                          : tr("Open a video and tick exactly one video track.");
-    m_tips->setReason(m_convert, reason);
+    m_header->refresh();
+    m_tracks->refresh();
+    m_inspector->refresh();
+    m_openFiles->refreshStates();
 }
 
-QString MainWindow::sendingRefusal() const
+/// Areas change only where the rules say so, all at once.
+void MainWindow::arrange()
 {
-    const QString path = m_delegate.program().preferences().panelValue(u"lintwickPath"_s).toString();
-    return path.isEmpty() ? tr("The preferences don't say where Lintwick is.") : QString();
+    const Arrangement wanted = arrangementFor(size(), m_drawerWanted);
+    setUpdatesEnabled(false);
+    const bool full = m_drawerWanted && !wanted.drawerIsStrip;
+    if (m_drawerWanted != m_drawer->isVisibleTo(this) || m_arrangement.drawerIsStrip != wanted.drawerIsStrip)
+        m_drawer->setVisible(full);
+    m_strip->setVisible(m_drawerWanted && wanted.drawerIsStrip);
+    m_header->setCompact(wanted.isCompact);
+    m_tracks->setShape(wanted.allColumns, wanted.shortWords, wanted.isCompact);
+    m_actions->setShape(wanted.isCompact, wanted.shortWords);
+    m_tools->setShortWords(width() < 900);
+    if (wanted.inspectorIsPage != m_arrangement.inspectorIsPage) {
+        if (wanted.inspectorIsPage) {
+            m_inspector->setMinimumWidth(0);
+            m_inspector->setMaximumWidth(QWIDGETSIZE_MAX);
+            m_tracks->setPage(m_inspector);
+        } else {
+            m_tracks->setPage(nullptr);
+            m_film->addWidget(m_inspector);
+            m_inspector->show();
+        }
+    }
+    if (!wanted.inspectorIsPage)
+        m_inspector->setFixedWidth(wanted.inspectorWidth);
+    m_inspectorLine->setVisible(!wanted.inspectorIsPage);
+    m_arrangement = wanted;
+    showOpenFiles();
+    setUpdatesEnabled(true);
+}
+
+void MainWindow::showOpenFiles()
+{
+    const bool can = m_delegate.openQueue().canOpenQueuePopover();
+    const bool hasRoom = m_arrangement.openFiles != Arrangement::OpenFiles::Hidden;
+    m_openFiles->setRail(m_arrangement.openFiles != Arrangement::OpenFiles::List);
+    // Where there is no room beside the tracks it is shown only when it is asked for.
+    m_openFiles->setVisible(can && m_openFilesWanted && hasRoom);
+    m_tools->setOpenFiles(can && m_whileIdle->isEnabled() && m_pages->currentIndex() == FilmPage,
+                          m_openFiles->isVisibleTo(this), m_delegate.openQueue().openFileCount());
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    arrange();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // it closes when the program may end
+    rememberPlace(*this, {m_openFilesWanted}, m_delegate.program().defaults());
     Q_EMIT quitWanted();
 }
 
@@ -297,6 +452,57 @@ void MainWindow::mousePressEvent(QMouseEvent *event)
     m_delegate.program().selectionController().deselectAllTrackRows();
     if (m_whileIdle->isEnabled())
         m_delegate.program().selectionController().guiClickedTrap();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Escape || !m_bars->closeTopmost())
+        QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::showDrag(const QList<QUrl> &files)
+{
+    const KXSelectionController &controller = m_delegate.program().selectionController();
+    const bool isOpen = !controller.currentVideoFile()->trackList().isEmpty();
+    const QString name = controller.currentVideoFile()->theFileName();
+    const QString words = files.isEmpty()               ? tr("Folders can’t be opened")
+                          : isOpen && isAddition(files) ? tr("Drop to add · to %1").arg(name)
+                          : m_delegate.openQueue().openFileCount() > 0
+                              ? tr("Drop to open · replaces the Open Files list")
+                              : tr("Drop to open");
+    m_empty->showDrag(words);
+    m_tracks->table()->showDrag(words);
+    m_editFiles->table()->showDrag(files.isEmpty() ? words : tr("Drop to list"));
+}
+
+void MainWindow::endDrag()
+{
+    m_empty->showDrag({});
+    m_tracks->table()->showDrag({});
+    m_editFiles->table()->showDrag({});
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    showDrag(KXDropScrollView::filesIn(event->mimeData()));
+    if (!KXDropScrollView::takes(event->mimeData()) || !m_whileIdle->isEnabled())
+        return event->ignore();
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void MainWindow::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    QMainWindow::dragLeaveEvent(event);
+    endDrag();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    endDrag();
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    m_delegate.filesDropped(KXDropScrollView::filesIn(event->mimeData()));
 }
 
 } // namespace window

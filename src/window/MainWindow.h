@@ -1,34 +1,38 @@
 #pragma once
 
+#include "window/LayoutRules.h"
 #include "window/MainMenu.h"
+#include "window/MessageBars.h"
 
-#include <QLabel>
 #include <QMainWindow>
-#include <QTabBar>
+#include <QTimer>
 
 #include <memory>
 
 class KXAppDelegate;
 class KXPreferencesController;
-class QPushButton;
+class QHBoxLayout;
 class QStackedWidget;
 
 namespace window {
 
-class AudioBox;
+class ActionBar;
 class EditFilesPanel;
-class EditTracksBox;
-class FilePart;
-class ProbingRow;
+class EmptyState;
+class FilmHeader;
+class Inspector;
+class OpenFilesList;
 class QueueDrawer;
-class StatusLine;
-class SubtitleBox;
+class QueueStrip;
+class Thumbnails;
+class ToolRow;
 class ToolTipBinder;
-class VideoBox;
-class WatchRow;
+class TracksPane;
+class WatchPopover;
 
-/// The main window: file line, tracks, the two tabs' controls, and the queue's drawer. It shows the
-/// properties of the delegate's program and calls its operations; it decides nothing. It does not own them.
+/// The main window: tool row, messages, the open films, the tracks and settings of the current one, what will
+/// come out, and the queue's drawer. It shows the properties of the delegate's program and calls its
+/// operations; it decides nothing. It does not own them.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -37,6 +41,8 @@ public:
     MainWindow(KXAppDelegate &delegate, KXPreferencesController &preferences);
     ~MainWindow() override;
 
+    MessageBars &bars() { return *m_bars; }
+
 Q_SIGNALS:
     /// The user asks to close the window or the program.
     void quitWanted();
@@ -44,42 +50,62 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     QWidget *content();
-    QWidget *conversionPage();
-    QWidget *startRow();
+    QWidget *filmPage();
     MainMenu::Commands menuCommands();
     void connectParts();
+    void connectAreas();
     void scheduleRefresh();
     void refresh();
-    void refreshConvertButton();
+    void refreshFilm();
+    void arrange();
+    void showOpenFiles();
+    void showDrag(const QList<QUrl> &files);
+    void endDrag();
     void showTab(int index);
     void start(const QString &title);
     void openDocument(const QString &name);
     void openSelectionsSheet();
     void openSettingsSheet();
     void openPreferences();
-    QString sendingRefusal() const;
+    void showCommands();
+    void showWatchPopover();
+    void chooseSaveFolder();
+    void clearSaveFolder();
+    void say(MessageBar::Kind kind, const QString &head, const QString &text = {});
 
     KXAppDelegate &m_delegate;
     KXPreferencesController &m_preferences;
     ToolTipBinder *m_tips;
-    QTabBar *m_tabs = nullptr;
+    Thumbnails *m_thumbnails;
+    ToolRow *m_tools = nullptr;
+    MessageBars *m_bars = nullptr;
     QStackedWidget *m_pages = nullptr;
-    FilePart *m_filePart = nullptr;
-    ProbingRow *m_probing = nullptr;
-    VideoBox *m_video = nullptr;
-    AudioBox *m_audio = nullptr;
-    SubtitleBox *m_subtitles = nullptr;
-    EditTracksBox *m_editTracks = nullptr;
-    WatchRow *m_watch = nullptr;
+    EmptyState *m_empty = nullptr;
+    QHBoxLayout *m_film = nullptr;
+    OpenFilesList *m_openFiles = nullptr;
+    FilmHeader *m_header = nullptr;
+    TracksPane *m_tracks = nullptr;
+    QWidget *m_inspectorLine = nullptr;
+    Inspector *m_inspector = nullptr;
     EditFilesPanel *m_editFiles = nullptr;
-    QPushButton *m_convert = nullptr;
+    ActionBar *m_actions = nullptr;
     QueueDrawer *m_drawer = nullptr;
-    StatusLine *m_status = nullptr;
+    QueueStrip *m_strip = nullptr;
+    WatchPopover *m_watch = nullptr;
     std::unique_ptr<MainMenu> m_menu;
     QWidget *m_whileIdle = nullptr; ///< what is off while files are probed
+    Arrangement m_arrangement;
+    bool m_openFilesWanted = true;
+    bool m_drawerWanted = false;
+    bool m_choosingFolder = false;
     bool m_refreshScheduled = false;
 };
 

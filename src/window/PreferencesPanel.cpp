@@ -3,11 +3,15 @@
 #include "prefs/KXPreferences.h"
 #include "prefs/KXPreferencesController.h"
 #include "window/Controls.h"
+#include "window/Icons.h"
+#include "window/ToolList.h"
 #include "window/ToolTipBinder.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QFormLayout>
+#include <QListWidget>
+#include <QStackedWidget>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -15,7 +19,11 @@ namespace window {
 
 namespace {
 
-constexpr int pathCharacters = 48;
+constexpr int pathCharacters = 28;
+constexpr int panesWidth = 152;
+constexpr int paneRow = 32;
+constexpr int toolsPane = 3;
+constexpr QSize panelSize{600, 376};
 
 /// Shows a path and lets it be copied; it is changed by the button beside it.
 QLineEdit *pathLine(const char *word, const QString &name, const QString &whenEmpty)
@@ -41,61 +49,140 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
     , m_controller(controller)
     , m_preferences(preferences)
     , m_tips(tips)
+    , m_panes(named(new QListWidget, "PreferencesPanes", tr("Subjects")))
+    , m_pages(new QStackedWidget)
     , m_saveFolder(pathLine("SaveDirectoryPath", tr("Save folder"), tr("Next to the source movie")))
     , m_lintwick(pathLine("LintwickPath", tr("Lintwick"), tr("Not chosen")))
-    , m_problem(named(new QLabel, "PreferencesProblem", {}))
+    , m_problem(named(new InkLabel({}, Role::Bad, Type::Second), "PreferencesProblem", {}))
 {
     setObjectName(u"PreferencesPanel"_s);
     setWindowTitle(tr("Preferences"));
     setWindowModality(Qt::WindowModal);
     setAttribute(Qt::WA_DeleteOnClose);
     m_problem->setWordWrap(true);
-    setReddened(m_problem, true);
-    auto *layout = new QFormLayout(this);
-    layout->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    addFolders(layout);
-    addSwitches(layout);
-    layout->addRow(m_problem);
-    layout->addRow(endRow());
+    m_panes->setFixedWidth(panesWidth);
+    m_panes->setFrameShape(QFrame::NoFrame);
+    m_panes->setSpacing(1);
+    auto *upper = new QHBoxLayout;
+    upper->setSpacing(0);
+    upper->addWidget(m_panes);
+    upper->addWidget(separatorLine(Qt::Vertical));
+    upper->addWidget(m_pages, 1);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(upper, 1);
+    addFiles();
+    addConversion();
+    addWindow();
+    addTools();
+    addLintwick();
+    layout->addWidget(separatorLine());
+    layout->addWidget(endRow()); // last, as the keyboard comes to it
+    connect(m_panes, &QListWidget::currentRowChanged, this, [this](int row) {
+        m_pages->setCurrentIndex(row);
+        if (row == toolsPane)
+            m_tools->look();
+    });
+    m_panes->setCurrentRow(0);
     connect(&controller, &KXPreferencesController::stateChanged, this, &PreferencesPanel::refresh);
     connect(&controller, &KXPreferencesController::panelWanted, this, [this](bool open) {
         if (!open)
             done(QDialog::Accepted);
     });
+    setMinimumSize(panelSize);
     refresh();
 }
 
-void PreferencesPanel::addFolders(QFormLayout *layout)
+QVBoxLayout *PreferencesPanel::addPane(const QString &iconName, const QString &title)
 {
-    QPushButton *changeFolder = button(tr("&Change…"), "ChangeSaveButton", tr("Change the save folder"));
-    m_clear = button(tr("C&lear"), "ClearSaveDirectoryButton", tr("Save next to the source movie"));
-    layout->addRow(tr("Save folder:"), rowOf({m_saveFolder, changeFolder, m_clear}));
-    connect(changeFolder, &QPushButton::clicked, &m_controller, &KXPreferencesController::changeSaveButton);
-    connect(m_clear, &QPushButton::clicked, &m_controller, &KXPreferencesController::clearSaveDirectory);
-    QPushButton *changeLintwick = button(tr("C&hange…"), "ChangeLintwickPathButton", tr("Find Lintwick"));
-    layout->addRow(tr("Lintwick:"), rowOf({m_lintwick, changeLintwick}));
-    connect(changeLintwick, &QPushButton::clicked, &m_controller,
-            &KXPreferencesController::changeLintwickPathButton);
+    auto *item = new QListWidgetItem(icon(iconName), title, m_panes);
+    item->setSizeHint(QSize(0, paneRow));
+    auto *page = new QWidget;
+    auto *layout = new QVBoxLayout(page);
+    layout->setContentsMargins(space::huge, space::large, space::huge, space::large);
+    layout->setSpacing(space::small);
+    layout->addWidget(new InkLabel(title, Role::Text, Type::Pane));
+    m_pages->addWidget(page);
+    return layout;
 }
 
-void PreferencesPanel::addSwitches(QFormLayout *layout)
+void PreferencesPanel::addFiles()
 {
-    QCheckBox *tips = checkBox(tr("Show &tool tips"), "PrefToolTipsButton", "showToolTipsFlag");
-    connect(tips, &QCheckBox::clicked, &m_controller, &KXPreferencesController::tooltipsCheckboxClicked);
+    QVBoxLayout *pane = addPane(u"folder-open"_s, tr("Files"));
+    QPushButton *change = button(tr("&Change…"), "ChangeSaveButton", tr("Change the save folder"));
+    m_clear = button(tr("C&lear"), "ClearSaveDirectoryButton", tr("Save next to the source movie"));
+    connect(change, &QPushButton::clicked, &m_controller, &KXPreferencesController::changeSaveButton);
+    connect(m_clear, &QPushButton::clicked, &m_controller, &KXPreferencesController::clearSaveDirectory);
+    pane->addWidget(headLabel(tr("Save folder")));
+    pane->addWidget(rowOf({m_saveFolder, change, m_clear}));
+    pane->addWidget(hint(tr("Finished files go here. Clear: next to the source movie. A file that is there "
+                            "already gets a number, as in film (2).m4v.")));
+    pane->addSpacing(space::small);
+    pane->addWidget(headLabel(tr("After a job")));
+    addSwitch(pane, checkBox(tr("&Keep logs and temporary files"), "PrefLogsButton", "keepLogsFlag"),
+              hint(tr("The log of a step that failed always stays.")));
+    pane->addStretch(1);
+}
+
+void PreferencesPanel::addConversion()
+{
+    QVBoxLayout *pane = addPane(u"video-x-generic"_s, tr("Conversion"));
     QCheckBox *padding =
         checkBox(tr("Add &padding to MP4 files"), "PrefAddPaddingButton", "metadataPaddingFlag");
     QLabel *noPadding = hint();
-    layout->addRow(tr("Window:"), tips);
-    layout->addRow(tr("Conversion:"),
-                   checkBox(tr("&Keep logs and temporary files"), "PrefLogsButton", "keepLogsFlag"));
-    layout->addRow({}, checkBox(tr("&Optimize MP4 files for streaming"), "PrefOptimizeStreamingButton",
-                                "moovInFrontFlag"));
-    layout->addRow({}, padding);
-    layout->addRow({}, noPadding);
-    layout->addRow({},
-                   checkBox(tr("Use &Dolby Pro Logic II for stereo"), "PrefUseDpliiButton", "useDpliiFlag"));
-    layout->addRow({}, checkBox(tr("&Verify finished files bit for bit"), "PrefVerifyButton", "verifyFlag"));
+    pane->addWidget(headLabel(tr("MP4 files")));
+    addSwitch(
+        pane,
+        checkBox(tr("&Optimize MP4 files for streaming"), "PrefOptimizeStreamingButton", "moovInFrontFlag"),
+        hint(tr("They can be played before they are loaded completely.")));
+    addSwitch(pane, padding, hint(tr("Leaves room for tags.")));
+    pane->addWidget(noPadding);
+    pane->addSpacing(space::small);
+    pane->addWidget(headLabel(tr("Sound")));
+    addSwitch(pane, checkBox(tr("Use &Dolby Pro Logic II for stereo"), "PrefUseDpliiButton", "useDpliiFlag"),
+              hint(tr("Surround that is mixed down keeps its directions.")));
+    pane->addSpacing(space::small);
+    pane->addWidget(headLabel(tr("Check")));
+    addSwitch(pane, checkBox(tr("&Verify finished files bit for bit"), "PrefVerifyButton", "verifyFlag"),
+              hint(tr("What was copied is compared with its source, which takes time.")));
+    pane->addStretch(1);
     offerPadding(padding, noPadding);
+}
+
+void PreferencesPanel::addWindow()
+{
+    QVBoxLayout *pane = addPane(u"preferences-desktop"_s, tr("Window"));
+    QCheckBox *tips = checkBox(tr("Show &tool tips"), "PrefToolTipsButton", "showToolTipsFlag");
+    connect(tips, &QCheckBox::clicked, &m_controller, &KXPreferencesController::tooltipsCheckboxClicked);
+    addSwitch(pane, tips, hint(tr("They explain a control while the pointer rests on it.")));
+    pane->addStretch(1);
+}
+
+void PreferencesPanel::addTools()
+{
+    QVBoxLayout *pane = addPane(u"tools"_s, tr("Tools"));
+    m_tools = new ToolList(m_preferences);
+    pane->addWidget(m_tools, 1);
+}
+
+void PreferencesPanel::addLintwick()
+{
+    QVBoxLayout *pane = addPane(u"document-send"_s, tr("Lintwick"));
+    QPushButton *change = button(tr("C&hange…"), "ChangeLintwickPathButton", tr("Find Lintwick"));
+    connect(change, &QPushButton::clicked, &m_controller, &KXPreferencesController::changeLintwickPathButton);
+    pane->addWidget(headLabel(tr("Application")));
+    pane->addWidget(rowOf({m_lintwick, change}));
+    pane->addWidget(hint(tr("Send hands the ticked subtitle to it.")));
+    pane->addStretch(1);
+}
+
+void PreferencesPanel::addSwitch(QVBoxLayout *pane, QCheckBox *box, QLabel *meaning)
+{
+    meaning->setContentsMargins(space::huge, 0, 0, space::tiny);
+    box->setAccessibleDescription(meaning->text());
+    pane->addWidget(box);
+    pane->addWidget(meaning);
 }
 
 /// Without its tool nothing can be padded; what is stored stays as it is.
@@ -113,12 +200,15 @@ void PreferencesPanel::offerPadding(QCheckBox *padding, QLabel *reason)
 
 QWidget *PreferencesPanel::endRow()
 {
-    QPushButton *ok = button(tr("OK"), "OkPreferencesButton", tr("Save the preferences and close"));
+    auto *ok = named(primaryButton(tr("OK")), "OkPreferencesButton", tr("Save the preferences and close"));
     QPushButton *cancel = button(tr("Cancel"), "CancelPreferencesButton", tr("Close without saving"));
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &PreferencesPanel::accept);
     connect(cancel, &QPushButton::clicked, this, &PreferencesPanel::reject);
-    return rowOf({nullptr, cancel, ok});
+    QWidget *row = rowOf({m_problem, cancel, ok});
+    static_cast<QHBoxLayout *>(row->layout())->setStretch(0, 1); // NOLINT: rowOf() makes one
+    row->layout()->setContentsMargins(space::large, space::middle, space::large, space::middle);
+    return row;
 }
 
 QPushButton *PreferencesPanel::button(const QString &title, const char *word, const QString &name)

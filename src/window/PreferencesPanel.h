@@ -8,14 +8,17 @@
 
 class KXPreferences;
 class KXPreferencesController;
-class QFormLayout;
+class QListWidget;
+class QStackedWidget;
+class QVBoxLayout;
 
 namespace window {
 
+class ToolList;
 class ToolTipBinder;
 
-/// The preferences panel. What is entered waits in its controller for OK; only the tool tips switch at once.
-/// It is deleted when it closes.
+/// The preferences panel: a pane for each of its subjects. What is entered waits in its controller for OK;
+/// only the tool tips switch at once. It is deleted when it closes.
 class PreferencesPanel final : public QDialog
 {
     Q_OBJECT
@@ -36,8 +39,14 @@ private:
         const char *property;
     };
 
-    void addFolders(QFormLayout *layout);
-    void addSwitches(QFormLayout *layout);
+    QVBoxLayout *addPane(const QString &iconName, const QString &title);
+    void addFiles();
+    void addConversion();
+    void addWindow();
+    void addTools();
+    void addLintwick();
+    /// A check box with what it means below.
+    void addSwitch(QVBoxLayout *pane, QCheckBox *box, QLabel *meaning);
     QWidget *endRow();
     QPushButton *button(const QString &title, const char *word, const QString &name);
     QCheckBox *checkBox(const QString &title, const char *word, const char *property);
@@ -47,6 +56,9 @@ private:
     KXPreferencesController &m_controller;
     KXPreferences &m_preferences;
     ToolTipBinder &m_tips;
+    QListWidget *m_panes;
+    QStackedWidget *m_pages;
+    ToolList *m_tools = nullptr;
     QLineEdit *m_saveFolder;
     QPushButton *m_clear = nullptr;
     QLineEdit *m_lintwick;

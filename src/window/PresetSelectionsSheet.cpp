@@ -1,6 +1,8 @@
 #include "window/PresetSelectionsSheet.h"
 
+#include "media/KXVideoFile.h"
 #include "presets/KXPresetsController.h"
+#include "summary/RuleSentences.h"
 #include "window/Controls.h"
 #include "window/FilterBox.h"
 #include "window/FilterPanel.h"
@@ -9,7 +11,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFormLayout>
-#include <QGridLayout>
+#include <QScrollArea>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 using presets::FilterKind;
@@ -29,18 +32,17 @@ PresetSelectionsSheet::PresetSelectionsSheet(KXPresetsController &presets, ToolT
     : PresetSheet(tips, tr("Track Presets"), parent)
     , m_presets(presets)
     , m_video(named(new QComboBox, "VideoTrackSelectionPopUp", tr("Video track")))
-    , m_panelPlace(new QWidget)
-    , m_panelHint(hint(tr("Point at a filter to see it, and press it to edit it.")))
-    , m_audioPanel(new FilterPanel(presets.filterEditor(), FilterKind::Audio, m_panelPlace))
-    , m_subtitlePanel(new FilterPanel(presets.filterEditor(), FilterKind::Subtitle, m_panelPlace))
+    , m_audioPanel(new FilterPanel(presets.filterEditor(), FilterKind::Audio, this))
+    , m_subtitlePanel(new FilterPanel(presets.filterEditor(), FilterKind::Subtitle, this))
     , m_audio(new FilterBox(presets.filterEditor(), *m_audioPanel, tips))
     , m_subtitles(new FilterBox(presets.filterEditor(), *m_subtitlePanel, tips))
 {
     setObjectName(u"PresetSelectionsSheet"_s);
+    resize(628, 688);
     m_video->addItem(tr("First track, if it is video"), firstTrack);
     m_video->addItem(tr("None"), noTrack);
     tips.bind(m_video, "ttVideoTrackSelectionPopUp");
-    form()->addRow(tr("&Video:"), m_video);
+    form()->addRow(tr("&Video"), m_video);
     addBelowForm(makeFilters());
     m_presets.openPresetSelectionPanel();
     connectFields();
@@ -55,32 +57,26 @@ PresetSelectionsSheet::~PresetSelectionsSheet()
 QWidget *PresetSelectionsSheet::makeFilters()
 {
     auto *filters = new QWidget;
-    auto *layout = new QGridLayout(filters);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_audio, 0, 0);
-    layout->addWidget(m_subtitles, 1, 0);
-    layout->setRowStretch(2, 1);
-    layout->addWidget(makePanelPlace(), 0, 1, 3, 1);
-    layout->setColumnStretch(1, 1);
-    return filters;
-}
-
-/// The panels float in a space of their own, so that they cover nothing.
-QWidget *PresetSelectionsSheet::makePanelPlace()
-{
-    auto *layout = new QVBoxLayout(m_panelPlace);
+    auto *layout = new QVBoxLayout(filters);
+    layout->setContentsMargins(0, space::small, 0, space::small);
+    layout->setSpacing(space::large);
+    layout->addWidget(m_audio);
+    layout->addWidget(m_subtitles);
     layout->addStretch(1);
-    layout->addWidget(m_panelHint);
-    layout->addStretch(1);
-    m_panelPlace->setMinimumSize(m_audioPanel->largestSize());
-    return m_panelPlace;
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(filters);
+    return area;
 }
 
 void PresetSelectionsSheet::connectFields()
 {
     connect(&m_presets, &KXPresetsController::listsChanged, this, &PresetSelectionsSheet::refresh);
     connect(&m_presets, &KXPresetsController::panelRowsChanged, this, &PresetSelectionsSheet::refresh);
-    connect(&m_presets.filterEditor(), &FilterEditor::changed, this, &PresetSelectionsSheet::showPanelHint);
+    connect(&m_presets.filterEditor(), &FilterEditor::changed, this, &PresetSelectionsSheet::showWhatItTakes);
     connect(m_video, &QComboBox::activated, this,
             [this] { preset()->setPSelectedVideoTrack(m_video->currentData().toString()); });
     connect(m_audio, &FilterBox::modeChosen, this,
@@ -89,10 +85,18 @@ void PresetSelectionsSheet::connectFields()
             [this](const QString &mode) { preset()->setPSubtitleFilterMode(mode); });
 }
 
-void PresetSelectionsSheet::showPanelHint()
+/// On a copy of the film that is open, whose ticks stay.
+void PresetSelectionsSheet::showWhatItTakes()
 {
-    const bool canEdit = preset() != nullptr && preset()->isEditable();
-    m_panelHint->setVisible(canEdit && m_presets.filterEditor().panelTag() == 0);
+    const VideoFilePointer film = m_presets.currentVideoFile();
+    const KXPresetSelections *shown = preset();
+    if (shown == nullptr || film->trackList().isEmpty())
+        return showFoot(tr("No film is open to try it on."), {});
+    TrackList copies;
+    for (const TrackPointer &track : film->trackList())
+        copies.append(track->copy());
+    shown->tick(copies);
+    showFoot(tr("On %1 this takes").arg(film->theFileName()), summary::ticksText(copies));
 }
 
 /// A filter that is being edited is finished when the person goes elsewhere.
@@ -159,7 +163,7 @@ void PresetSelectionsSheet::showPreset(bool isEditable)
     m_video->setCurrentIndex(shown == nullptr ? -1 : shown->pSelectedVideoTrack() == firstTrack ? 0 : 1);
     m_audio->showMode(shown == nullptr ? QString() : shown->pAudioFilterMode(), isEditable);
     m_subtitles->showMode(shown == nullptr ? QString() : shown->pSubtitleFilterMode(), isEditable);
-    showPanelHint();
+    showWhatItTakes();
 }
 
 } // namespace window

@@ -37,15 +37,12 @@ protected:
 
 private:
     QWidget *makeFilters();
-    QWidget *makePanelPlace();
     KXPresetSelections *preset() const;
     void connectFields();
-    void showPanelHint();
+    void showWhatItTakes();
 
     KXPresetsController &m_presets;
     QComboBox *m_video;
-    QWidget *m_panelPlace;
-    QWidget *m_panelHint;
     FilterPanel *m_audioPanel;
     FilterPanel *m_subtitlePanel;
     FilterBox *m_audio;

@@ -2,6 +2,7 @@
 
 #include "presets/ChoiceLists.h"
 #include "presets/KXPresetsController.h"
+#include "summary/RuleSentences.h"
 #include "window/Controls.h"
 #include "window/IntegerField.h"
 #include "window/ToolTipBinder.h"
@@ -46,6 +47,7 @@ PresetSettingsSheet::PresetSettingsSheet(KXPresetsController &presets, ToolTipBi
     , m_tips(tips)
 {
     setObjectName(u"PresetSettingsSheet"_s);
+    resize(588, 688);
     addRows();
     m_presets.openPresetSettingsPanel();
     connect(&m_presets, &KXPresetsController::listsChanged, this, &PresetSettingsSheet::refresh);
@@ -59,13 +61,23 @@ void PresetSettingsSheet::addRows()
     m_device->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_tips.bind(m_device, "ttPDeviceList");
     connect(m_device, &QComboBox::activated, this, [this] { setValue("pDevice", m_device->currentText()); });
-    form()->addRow(tr("&Target:"), m_device);
+    form()->addRow(tr("&Target"), m_device);
+    addHead(u"video-x-generic"_s, Role::Video, tr("Picture"));
     addVideoRows();
+    addHead(u"audio-x-generic"_s, Role::Audio, tr("Sound"));
     addAudioRows();
+    addHead(u"media-view-subtitles-symbolic"_s, Role::Subtitle, tr("Subtitles"));
     QComboBox *subtitles =
         textPopup("pSubAction", "PSubActionList", tr("Subtitles"), presets::pSubActionList());
     m_tips.bind(subtitles, "ttPSubActionList");
-    form()->addRow(tr("S&ubtitles:"), subtitles);
+    form()->addRow(tr("D&o"), subtitles);
+}
+
+void PresetSettingsSheet::addHead(const QString &iconName, Role ink, const QString &title)
+{
+    QWidget *row = rowOf({iconLabel(iconName, ink), headLabel(title), nullptr});
+    row->layout()->setContentsMargins(0, space::small, 0, 0);
+    form()->addRow(row);
 }
 
 void PresetSettingsSheet::addVideoRows()
@@ -73,14 +85,14 @@ void PresetSettingsSheet::addVideoRows()
     QComboBox *action =
         indexPopup("pVideoActionIndex", "PVideoActionList", tr("Video"), presets::pVideoActionList());
     m_tips.bind(action, "ttPVideoActionList");
-    form()->addRow(tr("&Video:"), action);
+    form()->addRow(tr("&Video"), action);
     QComboBox *bitRate = indexPopup("pVideoBitRateIndex", "PVideoBitRateList", tr("Video bit rate"),
                                     presets::pVideoGenericList());
     IntegerField *rate = numberField("pVideoBitRate", "PVideoBitRate", tr("Video bit rate in kb/s"));
-    form()->addRow(tr("&Bit rate:"), rowOf({bitRate, rate, new QLabel(tr("kb/s")), nullptr}));
+    form()->addRow(tr("&Bit rate"), rowOf({bitRate, rate, new QLabel(tr("kb/s")), nullptr}));
     QComboBox *width = indexPopup("pWidthIndex", "PWidthList", tr("Width"), presets::pVideoGenericList());
     IntegerField *pixels = numberField("pWidth", "PWidth", tr("Width in pixels"));
-    form()->addRow(tr("&Width:"), rowOf({width, pixels, new QLabel(tr("pixels")), nullptr}));
+    form()->addRow(tr("&Width"), rowOf({width, pixels, new QLabel(tr("pixels")), nullptr}));
     for (QComboBox *popup : {bitRate, width}) {
         m_tips.bind(popup, "ttPVideoGenericList");
         connect(popup, &QComboBox::activated, this, &PresetSettingsSheet::showNumbers);
@@ -98,9 +110,9 @@ void PresetSettingsSheet::addAudioRows()
     QComboBox *surroundRate =
         textPopup("pSurroundBitRate", "PSurroundBitRateList", tr("Bit rate of surround audio in kb/s"),
                   presets::pSurroundBitRateList());
-    form()->addRow(tr("&Stereo audio:"), rowOf({stereo, stereoRate, new QLabel(tr("kb/s")), nullptr}));
+    form()->addRow(tr("&Stereo"), rowOf({stereo, stereoRate, new QLabel(tr("kb/s")), nullptr}));
     form()->addRow({}, checkBox("pKeepStereoTrack", "PKeepStereoTrack", tr("Keep the original stereo")));
-    form()->addRow(tr("Surr&ound audio:"), rowOf({surround, surroundRate, new QLabel(tr("kb/s")), nullptr}));
+    form()->addRow(tr("Surro&und"), rowOf({surround, surroundRate, new QLabel(tr("kb/s")), nullptr}));
     form()->addRow({}, checkBox("pAudioAddStereo", "PAudioAddStereo", tr("Add a stereo version")));
     form()->addRow({},
                    checkBox("pKeepSurroundTrack", "PKeepSurroundTrack", tr("Keep the original surround")));
@@ -164,6 +176,7 @@ void PresetSettingsSheet::setValue(const char *property, const QVariant &value)
 {
     if (KXPresetSettings *changed = preset())
         changed->setProperty(property, value);
+    showSentence();
 }
 
 QList<PresetTable::Row> PresetSettingsSheet::rows() const
@@ -227,6 +240,16 @@ void PresetSettingsSheet::showPreset(bool isEditable)
         bound.control->setEnabled(isEditable);
     }
     showNumbers();
+    showSentence();
+}
+
+void PresetSettingsSheet::showSentence()
+{
+    const KXPresetSettings *shown = preset();
+    const bool isOwn = shown != nullptr && shown->isEditable();
+    showFoot(isOwn ? summary::settingsSentence(*shown)
+                   : tr("This preset writes each ticked track into a file of its own."),
+             {});
 }
 
 /// A number counts only where it is a custom one.

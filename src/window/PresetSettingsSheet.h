@@ -1,6 +1,7 @@
 #pragma once
 
 #include "window/PresetSheet.h"
+#include "window/Theme.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -42,6 +43,7 @@ private:
     };
 
     void addRows();
+    void addHead(const QString &iconName, Role ink, const QString &title);
     void addVideoRows();
     void addAudioRows();
     QComboBox *indexPopup(const char *property, const char *word, const QString &name,
@@ -54,6 +56,7 @@ private:
     QVariant value(const char *property) const;
     void setValue(const char *property, const QVariant &value);
     void showNumbers();
+    void showSentence();
 
     KXPresetsController &m_presets;
     ToolTipBinder &m_tips;

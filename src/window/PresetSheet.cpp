@@ -8,19 +8,16 @@
 
 namespace window {
 
-namespace {
-
-constexpr int spaceBetweenParts = 16;
-
-} // namespace
-
 PresetSheet::PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent)
     : QDialog(parent)
     , m_table(new PresetTable(tips))
     , m_name(named(new QLineEdit, "PresetName", tr("Name of the preset")))
     , m_hint(hint(tr("A built-in preset can't be changed. Add one of your own.")))
-    , m_refusal(named(new QLabel, "PresetRefusal", {}))
-    , m_ok(named(new QPushButton(tr("OK")), "OkPresetButton", tr("Save the presets and close")))
+    , m_refusal(named(new InkLabel({}, Role::Bad, Type::Second), "PresetRefusal", {}))
+    , m_footHead(named(new InkLabel({}, Role::Second, Type::Second), "PresetFootHead", {}))
+    , m_footText(named(new InkLabel({}, Role::Text, Type::Second), "PresetFootText", {}))
+    , m_applies(hint())
+    , m_ok(named(primaryButton(tr("OK")), "OkPresetButton", tr("Save the presets and close")))
     , m_form(new QFormLayout)
     , m_side(new QVBoxLayout)
 {
@@ -29,7 +26,7 @@ PresetSheet::PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *par
     setAttribute(Qt::WA_DeleteOnClose);
     m_ok->setDefault(true);
     m_refusal->setWordWrap(true);
-    setReddened(m_refusal, true);
+    m_footText->setWordWrap(true);
     tips.bind(m_name, "ttPresetName");
     buildFrame();
     connectTable();
@@ -38,20 +35,46 @@ PresetSheet::PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *par
 void PresetSheet::buildFrame()
 {
     m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    m_form->addRow(tr("&Name:"), m_name);
+    m_form->setSpacing(space::small);
+    m_form->addRow(tr("&Name"), m_name);
     m_form->addRow(m_hint);
+    m_side->setContentsMargins(space::large, space::large, space::large, space::large);
+    m_side->setSpacing(space::small);
     m_side->addLayout(m_form);
+    auto *card = new Ground(Role::Base);
+    card->setEdge(Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge);
+    auto *words = new QVBoxLayout(card);
+    words->setContentsMargins(space::middle, space::small, space::middle, space::small);
+    words->setSpacing(0);
+    words->addWidget(m_footHead);
+    words->addWidget(m_footText);
+    auto *right = new QVBoxLayout;
+    right->setSpacing(0);
+    right->addLayout(m_side, 1);
+    auto *inset = new QHBoxLayout;
+    inset->setContentsMargins(space::large, 0, space::large, space::large);
+    inset->addWidget(card);
+    right->addLayout(inset);
     auto *upper = new QHBoxLayout;
-    upper->setSpacing(spaceBetweenParts);
+    upper->setSpacing(0);
     upper->addWidget(m_table);
-    upper->addLayout(m_side, 1);
-    auto *lower = new QHBoxLayout;
-    lower->addWidget(m_refusal, 1);
-    lower->addWidget(m_ok);
+    upper->addLayout(right, 1);
+    QWidget *lower = rowOf({m_refusal, m_applies, m_ok});
+    static_cast<QHBoxLayout *>(lower->layout())->setStretch(1, 1); // NOLINT: rowOf() makes one
+    lower->layout()->setContentsMargins(space::large, space::middle, space::large, space::middle);
     auto *layout = new QVBoxLayout(this);
-    layout->setSpacing(spaceBetweenParts);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     layout->addLayout(upper, 1);
-    layout->addLayout(lower);
+    layout->addWidget(separatorLine());
+    layout->addWidget(lower);
+}
+
+void PresetSheet::showFoot(const QString &head, const QString &text)
+{
+    m_footHead->setText(head);
+    m_footText->setText(text);
+    m_footText->setVisible(!text.isEmpty());
 }
 
 void PresetSheet::connectTable()
@@ -88,6 +111,7 @@ void PresetSheet::refresh()
     m_name->setText(selected.name);
     m_name->setEnabled(selected.isEditable);
     m_hint->setVisible(!selected.isEditable && row() >= 0);
+    m_applies->setText(selected.name.isEmpty() ? QString() : tr("OK applies “%1”.").arg(selected.name));
     showPreset(selected.isEditable);
 }
 

@@ -35,6 +35,8 @@ protected:
     QFormLayout *form() const { return m_form; }
     /// What needs more room than a row stands below the form.
     void addBelowForm(QWidget *widget);
+    /// The card below everything: what the preset means.
+    void showFoot(const QString &head, const QString &text);
     /// Shows everything as it is now. To be called at the end of construction, and whenever it changed.
     void refresh();
 
@@ -64,6 +66,9 @@ private:
     QLineEdit *m_name;
     QLabel *m_hint;
     QLabel *m_refusal;
+    QLabel *m_footHead;
+    QLabel *m_footText;
+    QLabel *m_applies;
     QPushButton *m_ok;
     QFormLayout *m_form;
     QVBoxLayout *m_side;

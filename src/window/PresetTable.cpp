@@ -1,14 +1,57 @@
 #include "window/PresetTable.h"
 
+#include "window/Badges.h"
 #include "window/Controls.h"
 #include "window/ToolTipBinder.h"
 
+#include <QPainter>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace window {
 
 namespace {
+
+constexpr int presetListWidth = 184;
+constexpr int presetRowHeight = 32;
+
+/// A name, and what can't be changed is marked so.
+class PresetDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex & /*index*/) const override
+    {
+        return {presetListWidth, presetRowHeight};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
+        painter->save();
+        if (isCurrent) {
+            painter->fillRect(option.rect, color(Role::Soft));
+            QRect bar = option.rect;
+            bar.setWidth(3);
+            painter->fillRect(bar, color(Role::Accent));
+        }
+        QRect words = option.rect.adjusted(space::middle, 0, -space::middle, 0);
+        if (!index.flags().testFlag(Qt::ItemIsEditable)) {
+            const QString word = PresetTable::tr("built-in");
+            paintBadge(*painter, {words.right() - badgeWidth(word), words.center().y()},
+                       {word, Role::Second, Role::Groove});
+            words.setRight(words.right() - badgeWidth(word) - space::tiny);
+        }
+        painter->setPen(color(Role::Text));
+        painter->setFont(fontOf(Type::Body));
+        painter->drawText(
+            words, Qt::AlignVCenter,
+            painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideRight, words.width()));
+        painter->restore();
+    }
+};
 
 void showRow(QListWidgetItem *item, const PresetTable::Row &row)
 {
@@ -27,9 +70,15 @@ PresetTable::PresetTable(ToolTipBinder &tips, QWidget *parent)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     layout->addWidget(m_list, 1);
-    layout->addWidget(rowOf({m_add, m_remove, nullptr}));
-    m_list->setMinimumWidth(fontMetrics().averageCharWidth() * 26);
+    layout->addWidget(separatorLine());
+    QWidget *buttons = rowOf({m_add, m_remove});
+    buttons->layout()->setContentsMargins(space::middle, space::middle, space::middle, space::middle);
+    layout->addWidget(buttons);
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setItemDelegate(new PresetDelegate(m_list));
+    setFixedWidth(presetListWidth);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (QPushButton *button : {m_add, m_remove})
         button->setAutoDefault(false);

@@ -1,7 +1,12 @@
 #pragma once
 
+#include "window/Controls.h"
+#include "window/JobDelegate.h"
+
 #include <QDockWidget>
-#include <QPushButton>
+#include <QElapsedTimer>
+#include <QProgressBar>
+#include <QTimer>
 #include <QTreeView>
 
 class KXQueueController;
@@ -12,8 +17,8 @@ namespace window {
 class JobModel;
 class ToolTipBinder;
 
-/// The drawer at the window's side: the jobs, the running job's steps, and what can be done with them. It
-/// opens and closes as the queue asks.
+/// The drawer at the window's side: the jobs with their progress, where results lie, and what can be done
+/// with them. It opens and closes as the queue asks.
 class QueueDrawer final : public QDockWidget
 {
     Q_OBJECT
@@ -24,20 +29,35 @@ public:
     /// Deletes the job of the selected row, as a click into its first cell does.
     void deleteSelected();
     void togglePause();
+    const JobModel &model() const { return *m_model; }
+
+Q_SIGNALS:
+    /// Completed rows are cleared; so many of them had failed.
+    void cleared(int count, int failed);
+    void detailsWanted(const QString &title, const QStringList &lines);
+    void changed();
+    /// Why a job can't run again.
+    void refused(const QString &reason);
 
 private:
-    void showRowMenu(const QPoint &place);
-    void fillRowMenu(QMenu &menu, int row);
-    QWidget *jobTable();
-    QWidget *progressTable(ToolTipBinder &tips);
-    void refreshButtons();
-    void keyDelete();
+    void moveSelected(int by);
+    QWidget *head();
+    void setUpTable();
+    void refreshHead();
+    void act(int row, JobDelegate::Verb verb);
+    void showMenu(const QPoint &place);
+    void scrollToRunning();
+    void clear();
 
     KXQueueController &m_queue;
     JobModel *m_model;
     QTreeView *m_jobs;
     QPushButton *m_pause;
     QPushButton *m_clear;
+    QProgressBar *m_all;
+    ElidedLabel *m_state;
+    QTimer m_second;
+    QElapsedTimer m_scrolledByHand;
 };
 
 } // namespace window

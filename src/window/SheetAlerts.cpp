@@ -44,8 +44,18 @@ SheetAlerts::~SheetAlerts()
     delete m_box;
 }
 
+bool SheetAlerts::showAsBar(const platform::AlertPointer &alert)
+{
+    if (!m_bar || alert->buttons.size() > 1)
+        return false;
+    m_bars.append({alert, m_bar(alert)});
+    return true;
+}
+
 void SheetAlerts::show(const platform::AlertPointer &alert, Answered answered)
 {
+    if (showAsBar(alert))
+        return;
     m_waiting.append({alert, std::move(answered)});
     // From the event loop: the code that shows an alert returns first.
     QMetaObject::invokeMethod(this, &SheetAlerts::showNext, Qt::QueuedConnection);
@@ -53,6 +63,12 @@ void SheetAlerts::show(const platform::AlertPointer &alert, Answered answered)
 
 void SheetAlerts::close(const platform::AlertPointer &alert)
 {
+    for (const auto &[shown, takeAway] : std::exchange(m_bars, {})) {
+        if (shown == alert)
+            takeAway();
+        else
+            m_bars.append({shown, takeAway});
+    }
     m_waiting.removeIf([&](const Entry &entry) { return entry.alert == alert; });
     if (m_shown.alert == alert)
         finish(noButton);

@@ -15,6 +15,7 @@ StatusLine::StatusLine(KXQueueController &queue, QWidget *parent)
 {
     named(this, "StatusLine", tr("What is running"));
     setTextFormat(Qt::PlainText);
+    setFont(fontOf(Type::Second));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     connect(&queue, &KXQueueController::jobProgressListChanged, this, &StatusLine::refresh);
     for (auto change :

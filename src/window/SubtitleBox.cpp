@@ -1,30 +1,37 @@
 #include "window/SubtitleBox.h"
 
 #include "selection/KXSelectionController.h"
-#include "window/Controls.h"
+#include "summary/EditForecast.h"
+#include "window/Icons.h"
 #include "window/RadioMatrix.h"
 #include "window/ToolTipBinder.h"
 
-#include <QLabel>
 #include <QRadioButton>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace window {
 
 SubtitleBox::SubtitleBox(KXSelectionController &controller, ToolTipBinder &tips, QWidget *parent)
-    : QGroupBox(tr("Subtitles"), parent)
+    : Section(u"media-view-subtitles-symbolic"_s, Role::Subtitle, tr("Subtitles"), parent)
     , m_controller(controller)
     , m_tips(tips)
     , m_subtitles(new RadioMatrix("TheSubtitleMatrix", {tr("Burn (hard)"), tr("Mux (soft)")}, Qt::Vertical))
-    , m_send(named(new QPushButton(u"Send"_s), "SendButton", tr("Send a subtitle to Lintwick")))
+    , m_mux(new OptionCaption(m_subtitles->option(1), tr("can be switched off")))
+    , m_burn(new OptionCaption(m_subtitles->option(0), tr("drawn into the picture")))
+    , m_send(named(new QPushButton(icon(u"document-send"_s), u"Send"_s), "SendButton",
+                   tr("Send a subtitle to Lintwick")))
+    , m_sendHint(hint())
 {
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(m_subtitles);
-    layout->addStretch(1);
-    layout->addWidget(rowOf({m_send, nullptr}));
-    layout->addWidget(hint(tr("Sends the ticked subtitle to Lintwick.")));
+    m_subtitles->hide();
+    m_subtitles->setParent(this); // its options stand in rows of their own
+    column()->addWidget(m_mux);
+    column()->addWidget(m_burn);
+    column()->addSpacing(space::small);
+    m_send->setAutoDefault(false);
+    QWidget *row = rowOf({m_sendHint, m_send});
+    static_cast<QHBoxLayout *>(row->layout())->setStretch(0, 1); // NOLINT: rowOf() makes one
+    column()->addWidget(row);
     tips.bind(m_subtitles, "ttTheSubtitleMatrix");
     connect(m_subtitles, &RadioMatrix::chosen, this, [this](int index) {
         m_controller.byHand(&KXSelectionController::setSubtitleMatrixIndex, index);
@@ -42,16 +49,18 @@ void SubtitleBox::setSendingRefusal(const QString &refusal)
 void SubtitleBox::refresh()
 {
     const bool has = m_controller.subtitleSelected();
-    m_subtitles->setEnabled(m_controller.canConvert() && has);
-    m_subtitles->option(0)->setEnabled(m_controller.canBurnSubtitles());
-    m_subtitles->option(1)->setEnabled(m_controller.canMuxSubtitles());
+    const bool can = m_controller.canConvert() && has;
+    m_subtitles->option(0)->setEnabled(can && m_controller.canBurnSubtitles());
+    m_subtitles->option(1)->setEnabled(can && m_controller.canMuxSubtitles());
     m_subtitles->setIndex(m_controller.subtitleMatrixIndex());
-    m_tips.setReason(m_subtitles->option(0), m_controller.canBurnSubtitles() || !has
-                                                 ? QString()
-                                                 : tr("Only one subtitle can be burned."));
-    m_send->setEnabled(has && m_sendingRefusal.isNull());
-    m_tips.setReason(m_send, m_sendingRefusal.isNull() ? has ? QString() : tr("Tick a subtitle first.")
-                                                       : m_sendingRefusal);
+    const bool tooMany = has && !m_controller.canBurnSubtitles();
+    m_burn->setFault(tooMany ? tr("only one can be burned") : QString());
+    m_tips.setReason(m_subtitles->option(0), tooMany ? tr("Only one subtitle can be burned.") : QString());
+    const QString reason = summary::sendReason(has, m_sendingRefusal);
+    m_send->setEnabled(reason.isNull());
+    m_tips.setReason(m_send, reason);
+    const QString what = tr("Work on the subtitle in Lintwick");
+    m_sendHint->setText(reason.isNull() ? what : what + u'\n' + reason);
 }
 
 } // namespace window

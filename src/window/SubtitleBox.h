@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QGroupBox>
+#include "window/Section.h"
+
 #include <QPushButton>
 
 class KXSelectionController;
@@ -11,7 +12,7 @@ class RadioMatrix;
 class ToolTipBinder;
 
 /// What becomes of the selected subtitles, and the button that sends one to the subtitle application.
-class SubtitleBox final : public QGroupBox
+class SubtitleBox final : public Section
 {
     Q_OBJECT
 
@@ -30,7 +31,10 @@ private:
     KXSelectionController &m_controller;
     ToolTipBinder &m_tips;
     RadioMatrix *m_subtitles;
+    OptionCaption *m_mux;
+    OptionCaption *m_burn;
     QPushButton *m_send;
+    QLabel *m_sendHint;
     QString m_sendingRefusal;
 };
 

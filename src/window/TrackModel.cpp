@@ -31,9 +31,47 @@ QVariant TrackModel::textOf(const KXVideoTrack &track, int column) const
         return track.trackLanguage();
     case Title:
         return track.trackTitle();
+    case Becomes:
+        return becomes(track).text;
     default:
         return {};
     }
+}
+
+summary::Becoming TrackModel::becomes(const KXVideoTrack &track) const
+{
+    if (m_edit)
+        return summary::becomesBy(*m_edit, track);
+    if (!m_controller.canConvert())
+        return {};
+    return summary::becomesBy(*m_controller.currentSelection(), track);
+}
+
+QVariant TrackModel::accessibleText(const KXVideoTrack &track, int column) const
+{
+    if (column == Default || column == Forced) {
+        const bool on = column == Default ? track.trackDefaultFlag() : track.trackForcedFlag();
+        const QString word = headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+        return on ? word : tr("not %1").arg(word);
+    }
+    if (column != Kind)
+        return textOf(track, column);
+    const QString ticked = track.trackSelected() ? tr("ticked") : tr("not ticked");
+    const QString fate = becomes(track).text;
+    return fate.isEmpty() ? tr("%1, %2").arg(track.trackInfo(), ticked)
+                          : tr("%1, %2, Becomes %3").arg(track.trackInfo(), ticked, fate);
+}
+
+QVariant TrackModel::toolTip(const KXVideoTrack &track, int column) const
+{
+    QString text;
+    if (column == Becomes)
+        text = becomes(track).reason;
+    else if (track.externalTrackFlag())
+        text = track.trackFileName();
+    else if (column == Title)
+        text = track.trackTitle();
+    return text.isEmpty() ? QVariant() : QVariant(text.toHtmlEscaped());
 }
 
 QVariant TrackModel::checkStateOf(const KXVideoTrack &track, int column)
@@ -63,8 +101,21 @@ QVariant TrackModel::data(const QModelIndex &index, int role) const
     case Qt::CheckStateRole:
         return checkStateOf(track, index.column());
     case Qt::ToolTipRole:
-        return index.column() == Title || track.externalTrackFlag() ? QVariant(track.trackFileName())
-                                                                    : QVariant();
+        return toolTip(track, index.column());
+    case Qt::AccessibleTextRole:
+        return accessibleText(track, index.column());
+    case KindRole:
+        return static_cast<int>(summary::kindOf(track));
+    case CodecRole:
+        return summary::codecText(track);
+    case FactRole:
+        return summary::factText(track, *m_controller.currentVideoFile());
+    case AddedRole:
+        return track.externalTrackFlag();
+    case TickedRole:
+        return track.trackSelected();
+    case ToneRole:
+        return static_cast<int>(becomes(track).tone);
     default:
         return {};
     }
@@ -120,15 +171,25 @@ Qt::ItemFlags TrackModel::flags(const QModelIndex &index) const
         return base;
     if (index.column() == Language || index.column() == Title)
         return base | Qt::ItemIsEditable;
-    return base | Qt::ItemIsUserCheckable;
+    return index.column() == Becomes ? base : base | Qt::ItemIsUserCheckable;
 }
 
 QVariant TrackModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    const QStringList titles{tr("Track"), tr("Language"), tr("Title"), tr("Default"), tr("Forced")};
+    const QStringList titles{tr("Track"),   tr("Language"), tr("Title"),
+                             tr("Default"), tr("Forced"),   tr("Becomes")};
     return titles.value(section);
+}
+
+void TrackModel::tellEdit(std::optional<selection::TrackEdit> edit)
+{
+    if (m_edit == edit)
+        return;
+    m_edit = edit;
+    if (!m_tracks.isEmpty())
+        Q_EMIT dataChanged(index(0, Becomes), index(rowCount() - 1, Becomes));
 }
 
 void TrackModel::refresh()

@@ -1,21 +1,26 @@
 #pragma once
 
 #include "media/KXVideoTrack.h"
+#include "summary/TrackLook.h"
 
 #include <QAbstractTableModel>
+
+#include <optional>
 
 class KXSelectionController;
 
 namespace window {
 
-/// The current file's tracks as a table: a tick with the kind, language, title, default and forced. What is
-/// edited goes into the track itself. Owned by the table.
+/// The current file's tracks as a table: a tick with the kind, language, title, default, forced and what
+/// comes out. What is edited goes into the track itself. Owned by the table.
 class TrackModel final : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
-    enum Column { Kind, Language, Title, Default, Forced, ColumnCount };
+    enum Column { Kind, Language, Title, Default, Forced, Becomes, ColumnCount };
+    /// What a delegate draws of a track, in its first column; tone and reason in the last.
+    enum DataRole { KindRole = Qt::UserRole, CodecRole, FactRole, AddedRole, TickedRole, ToneRole };
 
     /// The controller must outlive the model.
     TrackModel(KXSelectionController &controller, QObject *parent);
@@ -29,6 +34,8 @@ public:
 
     /// The file has other tracks, or their ticks changed.
     void refresh();
+    /// The last column tells of the editing of tracks, not of the conversion; none goes back to it.
+    void tellEdit(std::optional<selection::TrackEdit> edit);
 
 private:
     QVariant textOf(const KXVideoTrack &track, int column) const;
@@ -36,8 +43,13 @@ private:
     bool setChecked(KXVideoTrack &track, int column, bool checked);
     bool setText(KXVideoTrack &track, int column, const QString &text);
 
+    summary::Becoming becomes(const KXVideoTrack &track) const;
+    QVariant accessibleText(const KXVideoTrack &track, int column) const;
+    QVariant toolTip(const KXVideoTrack &track, int column) const;
+
     KXSelectionController &m_controller;
     TrackList m_tracks;
+    std::optional<selection::TrackEdit> m_edit;
 };
 
 } // namespace window

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QComboBox>
-#include <QGroupBox>
+#include "selection/BestGuess.h"
+#include "window/Section.h"
 
 class KXSelectionController;
 
@@ -11,8 +11,8 @@ class IntegerField;
 class RadioMatrix;
 class ToolTipBinder;
 
-/// The target, what becomes of the video, and its numbers.
-class VideoBox final : public QGroupBox
+/// What becomes of the picture, and its numbers.
+class VideoBox final : public Section
 {
     Q_OBJECT
 
@@ -22,14 +22,21 @@ public:
     void refresh();
 
 private:
+    QWidget *numbers();
+    void addGuess();
+    void guess(selection::Aim aim);
     void commitNumbers();
+    void showNumber(IntegerField *field, const QString &text, bool counts);
 
     KXSelectionController &m_controller;
     ToolTipBinder &m_tips;
-    QComboBox *m_device;
     RadioMatrix *m_video;
+    QList<OptionCaption *> m_captions;
     IntegerField *m_bitRate;
     IntegerField *m_width;
+    QLabel *m_noNumber;
+    QPushButton *m_guess;
+    QLabel *m_why; ///< the reason of a guess
 };
 
 } // namespace window

@@ -1,18 +1,20 @@
 #pragma once
 
 #include "app/WatchLog.h"
+#include "window/Badges.h"
+#include "window/Controls.h"
 
-#include <QLabel>
+#include <QElapsedTimer>
 #include <QListWidget>
 #include <QPropertyAnimation>
-#include <QWidget>
+#include <QTimer>
 
 class KXAppDelegate;
 
 namespace window {
 
-/// Takes the main window's place while a folder is watched: the folder, what is running, and the log. The
-/// two windows fade into each other.
+/// Takes the main window's place while a folder is watched: whether it is looked at, what came of the films,
+/// and each film with its state, the newest first. The two windows fade into each other.
 class WatchWindow final : public QWidget
 {
     Q_OBJECT
@@ -33,14 +35,29 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    QWidget *stateBar();
+    QWidget *countRow();
+    QWidget *foot();
     void fade(QWidget *from, QWidget *to);
     void addLine(const app::WatchLog::Line &line);
+    void looked(bool isThere);
     void refresh();
+    void refreshState();
 
     KXAppDelegate &m_delegate;
     QWidget &m_mainWindow;
-    QLabel *m_folder;
+    Ground *m_state;
+    QLabel *m_eye;
+    InkLabel *m_stateText;
+    ElidedLabel *m_folder;
+    BadgeRow *m_counts;
+    ElidedLabel *m_presets;
     QListWidget *m_log;
+    ElidedLabel *m_place;
+    QPushButton *m_pause;
+    QTimer m_second;
+    QElapsedTimer m_lastLook;
+    bool m_isThere = true;
     QPropertyAnimation m_fadeOut;
     QPropertyAnimation m_fadeIn;
 };

@@ -1,5 +1,8 @@
 #include "window/WindowProgram.h"
 
+#include "window/AppStyle.h"
+#include "window/FocusRing.h"
+
 #include <QApplication>
 #include <QFileOpenEvent>
 
@@ -13,8 +16,15 @@ constexpr int longestWaitForPaint = 500; // milliseconds; a hidden window is not
 
 } // namespace
 
+/// Before any widget is made.
+struct WindowProgram::Look
+{
+    Look() { AppStyle::install(); }
+};
+
 WindowProgram::WindowProgram(const app::Program::Options &options)
-    : m_program(options, m_alerts)
+    : m_look(std::make_unique<Look>())
+    , m_program(options, m_alerts)
     , m_delegate({m_program, m_alerts, m_chooser, m_desktop})
     , m_preferencesController(m_program.preferences(), m_chooser)
     , m_window(m_delegate, m_preferencesController)
@@ -22,6 +32,8 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
 {
     m_alerts.setParentWindow(&m_window);
     m_chooser.setParentWindow(&m_window);
+    m_alerts.setBar([this](const platform::AlertPointer &alert) { return showBar(*alert); });
+    new FocusRing(&m_window);
     QApplication::setQuitOnLastWindowClosed(false); // the delegate says when it ends
     qApp->installEventFilter(this);
     connect(&m_window, &MainWindow::quitWanted, this, &WindowProgram::quit);
@@ -88,6 +100,21 @@ void WindowProgram::swapWindows(bool watching)
     watchWindow().swap(watching);
     // A hidden window shows no sheets.
     m_alerts.setParentWindow(watching ? static_cast<QWidget *>(m_watchWindow.get()) : &m_window);
+}
+
+/// In watch mode the log tells it.
+std::function<void()> WindowProgram::showBar(const platform::Alert &alert)
+{
+    if (m_program.watchMode().appIsInWatchMode())
+        return [] {};
+    const MessageBar::Kind kind =
+        alert.style == platform::AlertStyle::Warning ? MessageBar::Kind::Warning : MessageBar::Kind::Bad;
+    const QPointer<MessageBar> bar =
+        m_window.bars().show({kind, alert.message, alert.informativeText, alert.closesAfter, {}, {}});
+    return [bar] {
+        if (bar)
+            Q_EMIT bar->closed();
+    };
 }
 
 void WindowProgram::sayProblem(const QString &problem)

@@ -49,9 +49,12 @@ private:
     void getReady();
     void beReady();
     void swapWindows(bool watching);
+    std::function<void()> showBar(const platform::Alert &alert);
     void sayProblem(const QString &problem);
     void leave();
 
+    struct Look;
+    std::unique_ptr<Look> m_look;
     SheetAlerts m_alerts;
     FileChooser m_chooser;
     NativeDesktop m_desktop;

@@ -16,8 +16,8 @@ namespace {
 /// From the ground up. The window and the command line stand side by side and don't know each other.
 QStringList modules()
 {
-    return {u"platform"_s, u"tools"_s, u"media"_s,   u"prefs"_s, u"selection"_s, u"presets"_s,
-            u"steps"_s,    u"jobs"_s,  u"engines"_s, u"app"_s,   u"window"_s,    u"cli"_s};
+    return {u"platform"_s, u"tools"_s,   u"media"_s,   u"prefs"_s, u"selection"_s, u"presets"_s, u"steps"_s,
+            u"jobs"_s,     u"engines"_s, u"summary"_s, u"app"_s,   u"window"_s,    u"cli"_s};
 }
 
 QString moduleOf(const QString &file)

@@ -102,7 +102,7 @@ private Q_SLOTS:
         int rises = 0;
         QVERIFY(waitFor(
             [&] {
-                const QString now = m_fixture->rows("QueueJobTable", 1).value(0);
+                const QString now = m_fixture->steps(1).value(0);
                 if (now.startsWith(u"Pass #1"_s) && steps.value(steps.size() - 1) != now)
                     steps.append(now);
                 return steps.size() >= 4;
@@ -111,7 +111,7 @@ private Q_SLOTS:
         for (qsizetype i = 1; i < steps.size(); ++i)
             rises += percentageOf(steps.at(i)) > percentageOf(steps.at(i - 1)) ? 1 : 0;
         QVERIFY2(rises == steps.size() - 1, qPrintable(steps.join(u", "_s)));
-        QCOMPARE(m_fixture->rows("QueueJobTable", 0), QStringList{u"Video Conversion"_s});
+        QCOMPARE(m_fixture->steps(0), QStringList{u"Video Conversion"_s});
         QVERIFY(m_fixture->find<QLabel>("StatusLine")->text().startsWith(u"1.mkv"_s));
         QCOMPARE(m_fixture->rows("QueueTable", Type), QStringList{u"MKV Conversion"_s});
     }

@@ -28,13 +28,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("tab");
         QTest::addColumn<QStringList>("inOrder");
-        QTest::newRow("MKV") << 0
-                             << QStringList{
-                                    u"OpenButton"_s,  u"ConvertTrackTable"_s,     u"AddButton"_s,
-                                    u"Tabs"_s,        u"PresetSelectionsPopUp"_s, u"PresetSettingsPopUp"_s,
-                                    u"DevicePopUp"_s, u"ConvertButton"_s};
+        QTest::newRow("MKV") << 0 << QStringList{u"OpenButton"_s,
+                                                 u"Tabs"_s,
+                                                 u"OpenFilesQueuePanelTable"_s,
+                                                 u"PresetSelectionsPopUp"_s,
+                                                 u"ConvertTrackTable"_s,
+                                                 u"AddButton"_s,
+                                                 u"PresetSettingsPopUp"_s,
+                                                 u"DevicePopUp"_s,
+                                                 u"ConvertButton"_s};
         QTest::newRow("Edit Files") << 1
-                                    << QStringList{u"OpenButton"_s, u"EditFilesTable"_s, u"Tabs"_s,
+                                    << QStringList{u"OpenButton"_s, u"Tabs"_s, u"EditFilesTable"_s,
                                                    u"JoinButton"_s};
     }
 
@@ -78,7 +82,7 @@ private Q_SLOTS:
         QCOMPARE(action(u"Close Window"_s)->shortcut(), QKeySequence(QKeySequence::Close));
         QCOMPARE(action(u"Online Guide"_s)->shortcut(), QKeySequence(QKeySequence::HelpContents));
         for (const QString &text :
-             {u"Add…"_s, u"Save File Info"_s, u"Play"_s, u"Send"_s, u"Edit Tracks: Go"_s, u"Join"_s,
+             {u"Add Tracks…"_s, u"Save File Info"_s, u"Play"_s, u"Send"_s, u"Edit Tracks: Go"_s, u"Join"_s,
               u"Split"_s, u"Re-Mux"_s, u"Convert"_s, u"Pause or Resume"_s, u"Delete Selected Job"_s,
               u"Clear Completed Jobs"_s, u"Edit Track Presets…"_s, u"Edit Settings Presets…"_s})
             QVERIFY2(action(text) != nullptr, qPrintable(text));

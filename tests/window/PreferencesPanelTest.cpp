@@ -239,6 +239,7 @@ private Q_SLOTS:
         Fixture fixture;
         const SheetDriver driver = fixture.open();
         QVERIFY(!driver.isEnabled("PrefAddPaddingButton"));
+        driver.find<QListWidget>("PreferencesPanes")->setCurrentRow(1);
         QVERIFY(driver.isVisible("PaddingReason"));
         const QString reason = u"Padding needs the tool atomicparsley, which is missing."_s;
         QCOMPARE(driver.find<QLabel>("PaddingReason")->text(), reason);
@@ -251,6 +252,7 @@ private Q_SLOTS:
         fixture.addPaddingTool();
         const SheetDriver driver = fixture.open();
         QVERIFY(driver.isEnabled("PrefAddPaddingButton"));
+        driver.find<QListWidget>("PreferencesPanes")->setCurrentRow(1);
         QVERIFY(!driver.isVisible("PaddingReason"));
         QVERIFY(
             driver.find("PrefAddPaddingButton")->toolTip().contains(u"This adds free space to the moov"_s));
@@ -283,18 +285,27 @@ private Q_SLOTS:
         fixture.addPaddingTool();
         const SheetDriver driver = fixture.open();
         fixture.controller.setSaveDirectoryPath(u"/v"_s);
+        // The subjects, what stands in each, and the end.
+        const QList<QStringList> panes{
+            {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s,
+             u"PrefLogsButton"_s},
+            {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
+             u"PrefVerifyButton"_s},
+            {u"PrefToolTipsButton"_s},
+            {},
+            {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
         QStringList order;
-        for (int i = 0; i < 13; ++i) {
-            order.append(driver.focus());
-            driver.key(Qt::Key_Tab);
+        QStringList expected;
+        for (int pane = 0; pane < panes.size(); ++pane) {
+            driver.find<QListWidget>("PreferencesPanes")->setFocus();
+            driver.find<QListWidget>("PreferencesPanes")->setCurrentRow(pane);
+            expected += QStringList{u"PreferencesPanes"_s} + panes.at(pane) +
+                        QStringList{u"CancelPreferencesButton"_s, u"OkPreferencesButton"_s};
+            for (qsizetype i = 0; i < panes.at(pane).size() + 3; ++i) {
+                order.append(driver.focus());
+                driver.key(Qt::Key_Tab);
+            }
         }
-        const QStringList expected{u"SaveDirectoryPath"_s,        u"ChangeSaveButton"_s,
-                                   u"ClearSaveDirectoryButton"_s, u"LintwickPath"_s,
-                                   u"ChangeLintwickPathButton"_s, u"PrefToolTipsButton"_s,
-                                   u"PrefLogsButton"_s,           u"PrefOptimizeStreamingButton"_s,
-                                   u"PrefAddPaddingButton"_s,     u"PrefUseDpliiButton"_s,
-                                   u"PrefVerifyButton"_s,         u"CancelPreferencesButton"_s,
-                                   u"OkPreferencesButton"_s};
         QCOMPARE(order, expected);
     }
 

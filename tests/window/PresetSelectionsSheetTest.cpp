@@ -235,8 +235,6 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.driver().pointAt("af1EditButton");
         QTRY_COMPARE(fixture.driver().title("af1EditButton"), u"Edit"_s);
-        QVERIFY(fixture.driver().isVisible("AudioFilterPanel"));
-        QVERIFY(!fixture.driver().isVisible("SubtitleFilterPanel"));
         QCOMPARE(fixture.driver().shown("afUserTrackChoice"), u"Audio Track Number"_s);
         QCOMPARE(fixture.driver().shown("afUserTrackNumber"), u"2"_s);
         QVERIFY(!fixture.driver().isEnabled("afUserTrackChoice"));
@@ -278,7 +276,7 @@ private Q_SLOTS:
         Fixture fixture;
         QVERIFY(fixture.driver().tabTo("af1EditButton"));
         QCOMPARE(fixture.driver().title("af1EditButton"), u"Edit"_s);
-        QVERIFY(fixture.driver().isVisible("AudioFilterPanel"));
+        QVERIFY(!fixture.driver().isVisible("AudioFilterPanel")); // the sentence tells what it is
         fixture.driver().key(Qt::Key_Space);
         QCOMPARE(fixture.driver().title("af1EditButton"), u"Done"_s);
         QCOMPARE(fixture.driver().focus(), u"afUserTrackChoice"_s);
@@ -344,7 +342,7 @@ private Q_SLOTS:
         for (const char *word : {"afUserLanguage", "afUserCodec", "afUserChannels"})
             QCOMPARE(fixture.driver().isVisible(word), properties);
         const QWidget *panel = fixture.driver().find("AudioFilterPanel");
-        QVERIFY(panel->height() >= (properties ? 260 : 100));
+        QVERIFY(panel->height() >= (properties ? 100 : 20));
         QVERIFY(panel->parentWidget()->rect().contains(panel->geometry()));
     }
 

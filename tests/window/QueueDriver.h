@@ -115,7 +115,7 @@ inline int percentageOf(const QString &progress)
 /// How far the first step is.
 inline int percentage(WindowFixture &fixture)
 {
-    return percentageOf(fixture.rows("QueueJobTable", 1).value(0));
+    return percentageOf(fixture.steps(1).value(0));
 }
 
 /// The processes of a tool that have a path among their arguments.

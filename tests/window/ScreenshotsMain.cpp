@@ -1,9 +1,11 @@
 // Takes pictures of the windows and sheets in the states that people see, for the documentation and to be
 // looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
 #include "platform/KeeperProcess.h"
+#include "summary/JobLook.h"
 #include "support/Clips.h"
 #include "support/Waiting.h"
-#include "window/ProgressDelegate.h"
+#include "window/AppStyle.h"
+#include "window/Theme.h"
 #include "window/WindowFixture.h"
 
 #include <QApplication>
@@ -18,18 +20,6 @@ using namespace Qt::StringLiterals;
 using support::waitFor;
 
 namespace {
-
-QPalette darkPalette()
-{
-    QPalette dark(QColor(0x4c, 0x4f, 0x55), QColor(0x45, 0x48, 0x4e));
-    dark.setColor(QPalette::Base, QColor(0x1b, 0x1d, 0x20));
-    dark.setColor(QPalette::AlternateBase, QColor(0x21, 0x23, 0x27));
-    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xc0));
-    dark.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa4, 0xaa));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        dark.setColor(QPalette::Disabled, role, QColor(0x7c, 0x80, 0x86));
-    return dark;
-}
 
 class Photographer final
 {
@@ -74,6 +64,11 @@ void takeFiles(const Photographer &photographer)
         fixture.tick(row);
     choose(fixture, "TheSubtitleMatrix0");
     photographer.take(fixture.window(), u"red-options"_s);
+    for (const QSize &size : {QSize(1024, 700), QSize(800, 600), QSize(1920, 1080)}) {
+        fixture.window().resize(size);
+        photographer.take(fixture.window(), u"film-%1x%2"_s.arg(size.width()).arg(size.height()));
+    }
+    fixture.window().resize(1280, 800);
     fixture.chooseTab(1);
     fixture.open(
         {fixture.film(support::fullMkv(), u"a.mkv"_s), fixture.film(support::fullMkv(), u"b.mkv"_s)});
@@ -87,9 +82,6 @@ void takeQueue(const Photographer &photographer)
     fixture.open({fixture.film(support::film1920(), u"Holiday by the sea.mkv"_s),
                   fixture.film(support::fullMkv(), u"Birthday.mkv"_s),
                   fixture.film(support::textMp4(), u"Concert.mp4"_s)});
-    fixture.click("OpenFilesQueueButton");
-    photographer.take(*fixture.find<QFrame>("OpenFilesPopover"), u"open-files"_s);
-    QTest::keyClick(fixture.find<QFrame>("OpenFilesPopover"), Qt::Key_Escape);
     photographer.take(fixture.window(), u"several-files"_s);
     fixture.pick("PresetSelectionsPopUp", u"First Track"_s);
     choose(fixture, "TheVideoMatrix2");
@@ -98,10 +90,14 @@ void takeQueue(const Photographer &photographer)
     waitFor(
         [&] {
             const QString progress = fixture.queue().jobProgressList().value(0).progress;
-            return progress.startsWith(u"Pass #1"_s) && window::ProgressDelegate::percentageOf(progress) > 30;
+            return progress.startsWith(u"Pass #1"_s) && summary::percentageOf(progress) > 30;
         },
         20000);
     photographer.take(fixture.window(), u"queue"_s);
+    for (const QSize &size : {QSize(1024, 700), QSize(800, 600), QSize(1920, 1080)}) {
+        fixture.window().resize(size);
+        photographer.take(fixture.window(), u"queue-%1x%2"_s.arg(size.width()).arg(size.height()));
+    }
 }
 
 template <typename Open>
@@ -133,6 +129,8 @@ void takeWatching(const Photographer &photographer)
     fixture.film(support::fullMkv(), u"Incoming/Already there.mkv"_s);
     fixture.pick("PresetSelectionsPopUp", u"First Track"_s);
     fixture.pick("PresetSettingsPopUp", u"Extract Tracks"_s);
+    fixture.click("WatchFolderButton");
+    photographer.take(*fixture.find<QFrame>("WatchPopover"), u"watch-popover"_s);
     fixture.click("ChooseWatchFolderButton");
     fixture.answerDialog({folder});
     fixture.click("StartWatchingFolderButton");
@@ -153,9 +151,10 @@ int main(int argc, char *argv[])
     if (argc < 3)
         qFatal("ScreenshotsMain FOLDER light|dark");
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    window::AppStyle::install();
     const QString look = QString::fromLocal8Bit(argv[2]);
     if (look == u"dark"_s)
-        QApplication::setPalette(darkPalette());
+        QApplication::setPalette(window::themePalette(true));
     const Photographer photographer(QString::fromLocal8Bit(argv[1]), look);
     takeFiles(photographer);
     takeQueue(photographer);

@@ -162,7 +162,7 @@ private:
     {
         QStringList lines;
         const auto *list = part<QListWidget>("WatchLog");
-        for (int row = 0; row < list->count(); ++row)
+        for (int row = list->count() - 1; row >= 0; --row) // the newest stands first
             lines.append(list->item(row)->text());
         return lines;
     }

@@ -2,6 +2,7 @@
 
 #include "support/Clips.h"
 #include "support/Waiting.h"
+#include "window/Thumbnails.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -9,6 +10,7 @@
 #include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -26,6 +28,7 @@ using support::waitFor;
 
 WindowFixture::WindowFixture()
 {
+    window::Thumbnails::switchOff();
     qputenv("HOME", m_scratch.path().toUtf8());
 }
 
@@ -212,12 +215,14 @@ bool WindowFixture::open(const QStringList &paths)
     return drop(edits ? "EditFilesTable" : "ConvertTrackTable", paths) && waitForFiles();
 }
 
+/// A question, or the newest message.
 QWidget *WindowFixture::alert() const
 {
-    const QList<QMessageBox *> boxes = m_program->mainWindow().findChildren<QMessageBox *>(u"Alert"_s);
-    const auto shown =
-        std::find_if(boxes.begin(), boxes.end(), [](QMessageBox *box) { return box->isVisible(); });
-    return shown == boxes.end() ? nullptr : *shown;
+    for (QWidget *shown : m_program->mainWindow().findChildren<QWidget *>(u"Alert"_s)) {
+        if (shown->isVisible())
+            return shown;
+    }
+    return nullptr;
 }
 
 bool WindowFixture::hasAlert() const
@@ -225,18 +230,28 @@ bool WindowFixture::hasAlert() const
     return alert() != nullptr;
 }
 
+QStringList WindowFixture::alertHeads() const
+{
+    QStringList heads;
+    for (QWidget *shown : m_program->mainWindow().findChildren<QWidget *>(u"Alert"_s)) {
+        const auto *box = qobject_cast<QMessageBox *>(shown);
+        if (shown->isVisible())
+            heads.append(box != nullptr ? box->text() : shown->findChild<QLabel *>(u"AlertHead"_s)->text());
+    }
+    return heads;
+}
+
 bool WindowFixture::waitForAlert(const QString &message)
 {
-    return waitFor([&] {
-        auto *box = qobject_cast<QMessageBox *>(alert());
-        return box != nullptr && box->text() == message;
-    });
+    return waitFor([&] { return alertHeads().contains(message); });
 }
 
 QString WindowFixture::alertText() const
 {
-    auto *box = qobject_cast<QMessageBox *>(alert());
-    return box == nullptr ? QString() : box->informativeText();
+    const QWidget *shown = alert();
+    if (const auto *box = qobject_cast<const QMessageBox *>(shown))
+        return box->informativeText();
+    return shown == nullptr ? QString() : shown->findChild<QLabel *>(u"AlertText"_s)->text();
 }
 
 void WindowFixture::pressAlertButton(int index)
@@ -265,5 +280,17 @@ QStringList WindowFixture::rows(const char *table, int column)
     QStringList texts;
     for (int row = 0; row < model->rowCount(); ++row)
         texts.append(model->index(row, column).data().toString());
+    return texts;
+}
+
+QStringList WindowFixture::steps(int column)
+{
+    const QAbstractItemModel *model = find<QTreeView>("QueueTable")->model();
+    QStringList texts;
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex job = model->index(row, 0);
+        for (int step = 0; step < model->rowCount(job); ++step)
+            texts.append(model->index(step, column, job).data().toString());
+    }
     return texts;
 }

@@ -64,9 +64,13 @@ public:
     QString alertText() const;
     void pressAlertButton(int index);
     bool hasAlert() const;
+    /// What every message and question says that is shown.
+    QStringList alertHeads() const;
     /// Waits until every job has ended.
     bool waitForJobs(int milliseconds = 60000);
     QStringList rows(const char *table, int column);
+    /// Of the steps below the running job.
+    QStringList steps(int column);
 
 private:
     QWidget *alert() const;

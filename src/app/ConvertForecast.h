@@ -1,0 +1,41 @@
+#pragma once
+
+#include "selection/KXSelection.h"
+#include "summary/ConversionSummary.h"
+
+#include <QUrl>
+
+namespace app {
+
+class OpenQueue;
+class Program;
+
+/// What a press of Convert would make of the open films, in words and before it starts. A plain value.
+struct ConvertForecast
+{
+    bool isOpen = false;  ///< a film is
+    bool isReady = false; ///< something would start
+    QString name;         ///< the current film's result, without its folder
+    QString size;
+    QString others; ///< of the other open films; empty where there are none
+    QString sentence;
+    summary::Problem problem;
+};
+
+ConvertForecast convertForecast(Program &program, const OpenQueue &openQueue);
+/// As a conversion or an extraction of the current film would be handed to the queue.
+SelectionPointer jobSelection(Program &program);
+
+/// Where results of the current film go: "/home/me/films", and whether the folder was chosen.
+QString resultFolder(Program &program, const QUrl &source);
+bool resultFolderIsChosen(Program &program);
+
+/// Of an open film in the list: "Ready · 1:32:08", "No video ticked".
+struct FilmState
+{
+    bool isReady = false;
+    QString text;
+};
+FilmState filmState(Program &program, const OpenQueue &openQueue, int row);
+
+} // namespace app

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/ConvertForecast.h"
+#include "window/Controls.h"
+
+#include <QTimer>
+
+class KXAppDelegate;
+
+namespace window {
+
+class ToolTipBinder;
+
+/// What will come out, before it starts, and the button that starts it. Or the one thing that is missing,
+/// with the click that mends it.
+class ActionBar final : public Ground
+{
+    Q_OBJECT
+
+public:
+    ActionBar(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent = nullptr);
+
+    void refresh();
+    void setShape(bool compact, bool shortWords);
+    QPushButton *convert() const { return m_convert; }
+
+Q_SIGNALS:
+    void convertWanted();
+    void commandsWanted();
+    void folderWanted();
+    void noFolderWanted();
+
+private:
+    QWidget *words();
+    void showForecast(const app::ConvertForecast &forecast);
+    void showEmpty();
+    void showFolder();
+    void announce();
+
+    KXAppDelegate &m_delegate;
+    ToolTipBinder &m_tips;
+    ElidedLabel *m_name;
+    ElidedLabel *m_rest;
+    ElidedLabel *m_sentence;
+    QPushButton *m_mend;
+    ElidedLabel *m_folder;
+    QPushButton *m_change;
+    QPushButton *m_commands;
+    QPushButton *m_convert;
+    QTimer m_announce;
+    QString m_announced;
+};
+
+} // namespace window
