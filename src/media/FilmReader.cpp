@@ -281,6 +281,9 @@ void FilmReader::takeListing()
 void FilmReader::takeSurveyed(qsizetype count)
 {
     const bool isAll = m_read.promise && *m_read.promise <= shortFilmSeconds && count < mostListed;
+    // A tail begins at the key frame before it; where that lies far away the listing ends before the film.
+    if (m_read.promise && *m_read.promise > shortFilmSeconds && count >= mostListed)
+        m_facts.isTooLong = true;
     m_facts.listsAll = isAll;
     m_facts.wasReadWhole = m_facts.wasReadWhole || isAll;
     m_facts.hasTail = m_facts.hasTail || (isAll && count > 0);

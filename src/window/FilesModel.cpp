@@ -3,8 +3,15 @@
 #include "summary/Figures.h"
 
 #include <QFileInfo>
+#include <QSize>
 
 namespace window {
+
+namespace {
+
+constexpr int rowHeight = 36;
+
+} // namespace
 
 int FilesModel::rowCount(const QModelIndex &parent) const
 {
@@ -22,6 +29,8 @@ QVariant FilesModel::data(const QModelIndex &index, int role) const
         return {};
     if (role == Qt::TextAlignmentRole && index.column() == Size)
         return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+    if (role == Qt::SizeHintRole)
+        return QSize(0, rowHeight);
     const QUrl file = m_files.at(index.row());
     const QFileInfo info(file.toLocalFile());
     if (role == Qt::ToolTipRole)

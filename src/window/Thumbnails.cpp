@@ -11,8 +11,8 @@ namespace window {
 
 namespace {
 
-constexpr int longestRun = 5000; // milliseconds
-constexpr double place = 0.1;    // of the film's length
+constexpr int longestRun = 5000;    // milliseconds
+constexpr double placeInFilm = 0.1; // of the film's length
 
 bool isSwitchedOff = false;
 
@@ -22,7 +22,7 @@ QStringList argumentsFor(const QUrl &film, double seconds)
             u"-v"_s,
             u"error"_s,
             u"-ss"_s,
-            QString::number(seconds * place, 'f', 2),
+            QString::number(seconds * placeInFilm, 'f', 2),
             u"-i"_s,
             u"file:"_s + film.toLocalFile(),
             u"-an"_s,

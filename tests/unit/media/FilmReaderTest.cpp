@@ -210,6 +210,22 @@ private Q_SLOTS:
         QCOMPARE(reader.facts().keyFrames, (QList<double>{0, 1}));
     }
 
+    /// 187 packets of sound a second, and the last key frame minutes before the end.
+    void aTailThatIsListedInPartTellsOfNoEnd()
+    {
+        FilmReader reader(FilmWish{film, {}, {}, {}});
+        reader.next();
+        answer(reader, header("matroska,webm", "670.0"));
+        reader.next();
+        QList<QByteArray> packets;
+        for (int i = 0; i < 20'000; ++i)
+            packets.append(packet(1, 500 + i / 187.0));
+        answer(reader, survey(packets));
+        QVERIFY(reader.facts().isTooLong);
+        const QStringList again = reader.next();
+        QVERIFY(again.contains(u"-show_streams"_s) && !again.join(u' ').contains(u"packet"_s));
+    }
+
     void theWindowsOfAnOutputAreThoseOfItsSource()
     {
         FilmReader reader(FilmWish{film, {75, 50, 6}, {}, {}});

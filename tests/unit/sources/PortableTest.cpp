@@ -15,7 +15,7 @@ const QRegularExpression &oneSystemOnly()
 {
     static const QRegularExpression words(
         u"\\bprctl\\b|\\bPR_SET_|/proc\\b|\"/sys/|\\bpidfd|\\bsignalfd\\b|\\binotify|\\bepoll|\\beventfd\\b"
-        "|\\btimerfd|\\bpipe2\\b|\\brenameat2\\b|\\bclose_range\\b|\\bclone3?\\(|\\bkqueue\\b|\\bsysctl"
+        "|\\btimerfd|\\bpipe2\\b|\\brenameat2\\b|\\bclose_range\\b|::clone3?\\(|\\bkqueue\\b|\\bsysctl"
         "|<linux/|<mach/|<libproc|\\bcgroup"_s);
     return words;
 }
