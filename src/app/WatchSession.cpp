@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -170,7 +171,10 @@ void WatchSession::tellWhatIsThere()
 void WatchSession::end()
 {
     note(WatchLog::Kind::Note, tr("Watching has ended."));
-    m_pending.clear();
+    for (const QList<QUrl> &films : std::exchange(m_pending, {})) {
+        for (const QUrl &film : films)
+            m_parts.watchMode.fileGivenBack(film);
+    }
     m_parts.watchMode.endWatchMode();
 }
 

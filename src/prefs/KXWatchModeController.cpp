@@ -102,10 +102,10 @@ bool KXWatchModeController::startWatchMode()
         Q_EMIT folderChanged();
         return false;
     }
+    setAppIsInWatchMode(true); // so that what waits is told
     takeWhatIsThere();
     m_drawerTimer.stop();
     m_watchTimer.start();
-    setAppIsInWatchMode(true);
     Q_EMIT drawerWanted(false);
     Q_EMIT folderChanged();
     m_toggleTimer.start();

@@ -75,6 +75,8 @@ public:
     /// A file that was handed over is done with, however that went. Until then it waits, also for the next
     /// start.
     void fileDone(const QUrl &file);
+    /// A file that was handed over was not begun with: it waits for the next start of the watch.
+    void fileGivenBack(const QUrl &file) { m_handedOver.remove(file.toLocalFile()); }
     /// A file that was handed over could not be processed now; it is handed over again, later each time.
     void fileLater(const QUrl &file);
 

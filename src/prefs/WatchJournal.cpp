@@ -107,7 +107,8 @@ std::optional<WatchJournal::Film> filmAt(const QString &path)
 
 void WatchJournal::open(const QString &folder, const QString &otherFolder)
 {
-    *this = {};
+    if (folder != m_folder) // else what could not be written is still known
+        *this = {};
     m_folder = folder;
     const QString inside = QDir(folder).filePath(fileName());
     if (append(inside, {}))

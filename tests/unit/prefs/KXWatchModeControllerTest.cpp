@@ -233,16 +233,17 @@ private Q_SLOTS:
         QVERIFY(m_watch->appIsInWatchMode());
     }
 
-    void startingAgainForgetsWhatWasGrowing()
+    void whatWasGrowingIsWaitedForAfterTheNextStart()
     {
         startAndPoll();
         m_shelf->put(u"/w/new.mkv"_s, 5);
         poll();
         QCOMPARE(m_watch->monitorWatchFolderMovieList().size(), 1);
+        m_shelf->put(u"/w/new.mkv"_s, 9, 2); // it has grown meanwhile
         QVERIFY(m_watch->startWatchMode());
-        QVERIFY(m_watch->monitorWatchFolderMovieList().isEmpty());
-        poll(3);
-        QVERIFY(m_ready.isEmpty());
+        QCOMPARE(m_watch->monitorWatchFolderMovieList().size(), 1);
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/new.mkv"_s});
     }
 
     void theFolderIsChosenInAPanel()
@@ -309,6 +310,25 @@ private Q_SLOTS:
         QVERIFY(m_watch->startWatchMode());
         poll();
         QCOMPARE(m_ready, QStringList{u"/w/old.mkv"_s});
+    }
+
+    void whatWasHandedOverAndNotBegunWaitsForTheNextStart()
+    {
+        startAndPoll();
+        m_shelf->put(u"/w/film.mkv"_s, 5);
+        poll(2);
+        QCOMPARE(m_ready.size(), 1);
+        m_watch->fileGivenBack(url(u"/w/film.mkv"_s));
+        m_watch->endWatchMode();
+        QSignalSpy found(m_watch.get(), &KXWatchModeController::filesFound);
+        QVERIFY(m_watch->startWatchMode());
+        QCOMPARE(found.size(), 1);
+        poll();
+        QCOMPARE(m_ready.size(), 2);
+        m_watch->endWatchMode(); // begun with: it is in the queue
+        QVERIFY(m_watch->startWatchMode());
+        poll(3);
+        QCOMPARE(m_ready.size(), 2);
     }
 
     void whatAJobThatFailedLeftIsNeverTaken_data()
