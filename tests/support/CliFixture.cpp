@@ -14,6 +14,8 @@
 #include <QSet>
 #include <QUuid>
 
+#include <algorithm>
+
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -273,6 +275,15 @@ QStringList CliFixture::commandLines() const
     for (const qint64 pid : processes())
         lines.append(QString::fromUtf8(factsOf(u"/proc/%1/cmdline"_s.arg(pid)).replace('\0', ' ')));
     return lines;
+}
+
+bool CliFixture::nothingRuns() const
+{
+    const QString keeper = u" --keeper "_s;
+    const QStringList lines = commandLines();
+    return std::all_of(lines.cbegin(), lines.cend(),
+                       [&](const auto &line) { return line.isEmpty() || line.endsWith(keeper); }) &&
+           waitFor([this] { return processes().isEmpty(); });
 }
 
 QList<QJsonObject> streamsOf(const QString &path)

@@ -68,6 +68,8 @@ public:
     QList<qint64> processes() const;
     /// The command lines of those processes, words joined by blanks.
     QStringList commandLines() const;
+    /// After the program's end: no tool runs now, and its keeper, who sees that end a moment later, goes too.
+    bool nothingRuns() const;
 
 private:
     QByteArray mark() const;
