@@ -170,7 +170,8 @@ public:
     /// What was wrong, when the run has ended or its time is over; no value while it goes on.
     std::optional<QString> look()
     {
-        const bool hasEnded = m_process->waitForFinished(10);
+        m_process->waitForFinished(10); // says nothing of an end that was seen while another was waited for
+        const bool hasEnded = m_process->state() == QProcess::NotRunning;
         if (isNamed("watch"))
             tendWatch();
         if (!hasEnded && m_clock.elapsed() < boundMs)
