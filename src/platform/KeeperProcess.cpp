@@ -126,11 +126,14 @@ void Keeping::obey(char word, const std::string &text)
 void Keeping::hold(bool withFolder)
 {
     const std::string text = std::exchange(m_text, {});
-    const std::size_t path = text.find('\0');
-    const std::size_t unless = path == std::string::npos ? path : text.find('\0', path + 1);
-    if (unless != std::string::npos)
-        m_left[text.substr(0, path)] = {withFolder, text.substr(path + 1, unless - path - 1),
-                                        text.substr(unless + 1)};
+    const std::string path = text.c_str(); // up to the zero behind it
+    const std::size_t second = path.size() + 1;
+    if (second > text.size())
+        return;
+    const std::string unless = text.c_str() + second;
+    const std::size_t content = second + unless.size() + 1;
+    if (content <= text.size())
+        m_left[path] = {withFolder, unless, text.substr(content)};
 }
 
 /// Their numbers may be another's soon.
