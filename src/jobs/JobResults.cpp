@@ -101,7 +101,24 @@ void JobResults::publish()
 {
     m_working.clear();
     m_toCheck = 0;
+    QList<QUrl> files;
+    for (const QUrl &name : publishable())
+        files.append(m_guard.fileOf(name));
+    m_publisher.flushAhead(files);
     checkNext();
+}
+
+/// As far as is known by now.
+QList<QUrl> JobResults::publishable() const
+{
+    QList<QUrl> names;
+    for (const Step &step : m_steps) {
+        for (const QUrl &file : step.files) {
+            if (step.isWanted && step.isWhole && m_guard.files().isOwn(file) && !names.contains(file))
+                names.append(file);
+        }
+    }
+    return names;
 }
 
 /// One step after the other: the figures of a tool's log are of one run.
@@ -174,13 +191,7 @@ bool JobResults::cancel()
 void JobResults::publishChecked()
 {
     m_isPublishing = true;
-    QList<QUrl> names;
-    for (const Step &step : std::as_const(m_steps)) {
-        for (const QUrl &file : step.files) {
-            if (step.isWanted && step.isWhole && m_guard.files().isOwn(file) && !names.contains(file))
-                names.append(file);
-        }
-    }
+    const QList<QUrl> names = publishable();
     m_publications = m_guard.publicationsOf(names);
     const QString problem = m_guard.problemWithPublishing(names);
     if (!problem.isNull())

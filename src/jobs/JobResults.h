@@ -85,6 +85,7 @@ private:
     void checked();
     void verified();
     void take(const QList<media::MeantOutput> &measured, const steps::Outcome &outcome);
+    QList<QUrl> publishable() const;
     void publishChecked();
     void settle(const steps::PublishResult &result);
     void takeNames();

@@ -10,12 +10,21 @@
 #include <functional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace steps {
 
 namespace {
 
 using MayMove = std::function<bool()>;
+using Flushes = QHash<QUrl, std::shared_future<bool>>;
+
+/// The disk tells of a failure once, so a flush that was begun earlier is not made again.
+bool isOnDisk(const QUrl &file, const Flushes &begun)
+{
+    const auto flush = begun.constFind(file);
+    return flush == begun.constEnd() ? platform::flushToDisk(file) : flush->get();
+}
 
 /// Those that moved return, so that none of a set stands alone. What was replaced can't return: it is the
 /// last thing to be tried.
@@ -72,11 +81,11 @@ void noteAsOutputs(const QList<Publication> &publications)
     prefs::WatchJournal::noteOutputs(outputs);
 }
 
-PublishResult attemptOf(const QUrl &workFolder, const QList<Publication> &publications,
+PublishResult attemptOf(const QUrl &workFolder, const QList<Publication> &publications, const Flushes &begun,
                         const MayMove &mayMove)
 {
     for (const Publication &publication : publications) {
-        if (!platform::flushToDisk(publication.file))
+        if (!isOnDisk(publication.file, begun))
             return {PublishResult::End::NotFlushed, publication.name};
     }
     if (!writeRecord(workFolder, publications))
@@ -128,7 +137,7 @@ struct Publisher::Attempt
 
 PublishResult publishNow(const QUrl &workFolder, const QList<Publication> &publications)
 {
-    return attemptOf(workFolder, publications, [] { return true; });
+    return attemptOf(workFolder, publications, {}, [] { return true; });
 }
 
 Publisher::Publisher() = default;
@@ -138,13 +147,28 @@ Publisher::~Publisher()
     cancel();
 }
 
+/// As in start(), the thread is left to itself.
+void Publisher::flushAhead(const QList<QUrl> &files)
+{
+    std::vector<std::pair<QUrl, std::promise<bool>>> toFlush;
+    for (const QUrl &file : files) {
+        std::promise<bool> promise;
+        m_flushes.insert(file, promise.get_future().share());
+        toFlush.emplace_back(file, std::move(promise));
+    }
+    std::thread([flushed = std::move(toFlush)]() mutable {
+        for (auto &[file, promise] : flushed)
+            promise.set_value(platform::flushToDisk(file));
+    }).detach();
+}
+
 /// The thread is left to itself: a disk that does not answer must hold up no stop.
 void Publisher::start(const QUrl &workFolder, const QList<Publication> &publications)
 {
     m_attempt = std::make_shared<Attempt>();
     m_attempt->receiver = this;
-    std::thread([attempt = m_attempt, workFolder, publications] {
-        attempt->finish(attemptOf(workFolder, publications, [&] { return attempt->beginMoving(); }));
+    std::thread([attempt = m_attempt, workFolder, publications, begun = m_flushes] {
+        attempt->finish(attemptOf(workFolder, publications, begun, [&] { return attempt->beginMoving(); }));
     }).detach();
 }
 

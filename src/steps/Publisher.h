@@ -2,8 +2,10 @@
 
 #include "steps/PublishList.h"
 
+#include <QHash>
 #include <QObject>
 
+#include <future>
 #include <memory>
 
 namespace steps {
@@ -32,10 +34,13 @@ public:
     Publisher();
     ~Publisher() override;
 
+    /// Begins to bring files to the disk that nobody writes to any more, so that it goes on while they are
+    /// checked. An attempt to publish them waits for that and heeds what came of it.
+    void flushAhead(const QList<QUrl> &files);
     /// One attempt at a time; ended() follows.
     void start(const QUrl &workFolder, const QList<Publication> &publications);
-    /// Ends the attempt: ended() does not follow any more. False when all files have their names; renames that had
-    /// begun are waited for.
+    /// Ends the attempt: ended() does not follow any more. False when all files have their names; renames
+    /// that had begun are waited for.
     bool cancel();
 
 Q_SIGNALS:
@@ -46,6 +51,7 @@ private:
 
     struct Attempt;
     std::shared_ptr<Attempt> m_attempt;
+    QHash<QUrl, std::shared_future<bool>> m_flushes; ///< whether the disk took all of a file
 };
 
 /// The same, here and now.

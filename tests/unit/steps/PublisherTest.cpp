@@ -49,6 +49,14 @@ struct Work
         scratch.write(folder + u"/lock"_s, "4194305\n\n" + host.toUtf8() + '\n' + machine + '\n' +
                                                QSysInfo::bootUniqueId() + "\na word\n");
     }
+    PublishResult::End publishedBy(steps::Publisher &publisher) const
+    {
+        const QSignalSpy ended(&publisher, &steps::Publisher::ended);
+        publisher.start(scratch.url(folder), publications);
+        if (!support::waitFor([&] { return !ended.isEmpty(); }))
+            qFatal("publishing did not end");
+        return ended.constFirst().constFirst().value<PublishResult>().end;
+    }
     bool isThere() const { return QFileInfo::exists(scratch.path(folder)); }
     void makeOld(const QString &name) const
     {
@@ -130,6 +138,30 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(work.scratch.path(work.folder + u"/a.mkv"_s)));
         QCOMPARE(steps::publishNow(work.scratch.url(work.folder), work.publications).end,
                  PublishResult::End::NotFlushed);
+    }
+
+    void whatWasFlushedAheadGetsItsName()
+    {
+        const Work work({u"a.mkv"_s, u"b.mkv"_s});
+        steps::Publisher publisher;
+        publisher.flushAhead({work.publications.constFirst().file});
+        QCOMPARE(work.publishedBy(publisher), PublishResult::End::Done);
+        QCOMPARE(work.scratch.read(u"a.mkv"_s), QByteArray("new a.mkv"));
+        QCOMPARE(work.scratch.read(u"b.mkv"_s), QByteArray("new b.mkv"));
+    }
+
+    /// The disk tells only once of what it could not take.
+    void aFlushThatFailedIsNotForgotten()
+    {
+        const Work work({u"a.mkv"_s});
+        const QString file = work.scratch.path(work.folder + u"/a.mkv"_s);
+        QVERIFY(QFile::rename(file, file + u".away"_s));
+        steps::Publisher publisher;
+        publisher.flushAhead({work.publications.constFirst().file});
+        QCOMPARE(work.publishedBy(publisher), PublishResult::End::NotFlushed);
+        QVERIFY(QFile::rename(file + u".away"_s, file));
+        QCOMPARE(work.publishedBy(publisher), PublishResult::End::NotFlushed);
+        QVERIFY(!QFileInfo::exists(work.scratch.path(u"a.mkv"_s)));
     }
 
     // What a program that is gone has left.
