@@ -26,9 +26,11 @@ int joins(const QString &cli, const QString &film, int count, int rounds);
 int many(const QString &cli, const QString &film, int count, int rounds);
 /// A probe beside the same ffprobe lines run by hand, alternating.
 int probe(const QString &resources, const QString &clip, int rounds);
-/// What the check and the publishing of finished files cost: a `remux` beside the bare tool with a flush behind
-/// it, alternating, and the time from the end of the tool to that of the job for a large film.
-int publish(const QString &cli, const QString &film, const QString &large, int rounds);
+/// What the check and the publishing of finished files cost: a `remux` beside the bare tool with a flush
+/// behind it, alternating; the same with --verify.
+int publish(const QString &cli, const QString &film, int rounds);
+/// The time from the end of the tool to that of the job, for a `remux` of a large film.
+int publishEnd(const QString &cli, const QString &film, int rounds);
 /// Progress reading in MB/s on recorded output of several sizes.
 int reading();
 /// A tick, toggling and applying presets on files of many tracks.

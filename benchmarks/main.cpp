@@ -19,8 +19,10 @@ int main(int argc, char *argv[])
         return bench::many(words.at(1), words.at(2), words.at(3).toInt(), words.at(4).toInt());
     if (what == u"probe"_s && words.size() == 4)
         return bench::probe(words.at(1), words.at(2), words.at(3).toInt());
-    if (what == u"publish"_s && words.size() == 5)
-        return bench::publish(words.at(1), words.at(2), words.at(3), words.at(4).toInt());
+    if (what == u"publish"_s && words.size() == 4)
+        return bench::publish(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"end"_s && words.size() == 4)
+        return bench::publishEnd(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"reading"_s && words.size() == 1)
         return bench::reading();
     if (what == u"selection"_s && words.size() == 1)
@@ -36,7 +38,7 @@ int main(int argc, char *argv[])
     bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | joins CLI FILM COUNT ROUNDS | mkv CLI FILM "
                u"HALF ROUNDS | many CLI "
                u"FILM COUNT ROUNDS | probe "
-               u"RESOURCES CLIP ROUNDS | publish CLI FILM LARGE ROUNDS | reading | "
+               u"RESOURCES CLIP ROUNDS | publish CLI FILM ROUNDS | end CLI FILM ROUNDS | reading | "
                "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | store | watch"_s);
     return 64;
 }
