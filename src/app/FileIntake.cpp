@@ -133,7 +133,10 @@ void FileIntake::takeIn(const QList<QUrl> &files)
 
 void FileIntake::stopProbing()
 {
-    m_waiting.clear();
+    for (const auto &[mode, files] : std::exchange(m_waiting, {})) {
+        if (mode == u"watch"_s)
+            Q_EMIT watchedFilesLeft(files);
+    }
     if (m_busy)
         *m_stop = true;
 }
@@ -153,14 +156,19 @@ void FileIntake::takeWatchedFiles()
 {
     QList<OpenedFile> entries;
     const QList<QUrl> files = m_openedURLsArray;
-    for (qsizetype i = 0; i < files.size() && !isStopped(); ++i) {
+    qsizetype i = 0;
+    for (; i < files.size() && !isStopped(); ++i) {
         showProgress(i, files.at(i));
         const bool replaces = m_parts.currentFile.file()->whatToDoWithFile(files.at(i)) == u"replace file"_s;
         if (replaces && loadWithPresets(files.at(i), Alerts::Off))
             entries.append(entryOfCurrent());
-        else if (!isStopped())
+        else if (isStopped())
+            break; // its probe was ended, so it is not known what it is
+        else
             Q_EMIT watchedFileRefused(files.at(i));
     }
+    if (i < files.size())
+        Q_EMIT watchedFilesLeft(files.sliced(i));
     if (entries.isEmpty())
         return;
     m_parts.selectionController.setOpenQueueMatrixIndex(0);

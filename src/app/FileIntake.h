@@ -79,6 +79,8 @@ Q_SIGNALS:
     void watchedFilesOpened();
     /// A file that came in through watch mode was refused.
     void watchedFileRefused(const QUrl &url);
+    /// These came in through watch mode and were not looked at, since probing was stopped.
+    void watchedFilesLeft(const QList<QUrl> &files);
 
 private:
     class Busy;

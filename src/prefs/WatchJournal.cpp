@@ -113,10 +113,21 @@ void WatchJournal::open(const QString &folder, const QString &otherFolder)
     const QString inside = QDir(folder).filePath(fileName());
     if (append(inside, {}))
         m_place = inside;
-    else if (!otherFolder.isEmpty() && QDir().mkpath(otherFolder))
-        m_place = otherPlaceFor(folder, otherFolder);
+    else
+        openElsewhere(inside, otherFolder);
     if (!m_place.isEmpty())
         refresh();
+}
+
+/// What the folder's own journal knows counts all the same: the folder may have been writable before.
+void WatchJournal::openElsewhere(const QString &inside, const QString &otherFolder)
+{
+    m_place = inside;
+    refresh();
+    m_place.clear();
+    m_bytesRead = 0;
+    if (!otherFolder.isEmpty() && QDir().mkpath(otherFolder))
+        m_place = otherPlaceFor(m_folder, otherFolder);
 }
 
 bool WatchJournal::isInFolder() const
@@ -228,6 +239,21 @@ void WatchJournal::tidy(const QSet<QString> &present)
     }
     if (platform::replacePlainFile(QUrl::fromLocalFile(m_place), lines))
         m_unwritten.clear();
+}
+
+void WatchJournal::noteDone(const QUrl &film)
+{
+    const QString place = journalAround(film);
+    const auto found =
+        place.isEmpty() ? std::nullopt : filmAt(QFileInfo(film.toLocalFile()).canonicalFilePath());
+    if (!found)
+        return;
+    WatchJournal journal;
+    journal.m_folder = QFileInfo(place).path();
+    journal.m_place = place;
+    journal.refresh();
+    if (journal.find(*found) == Why::Waiting)
+        journal.note(Why::Known, {*found});
 }
 
 /// Before the files have their names: a watch must never see one of them that it does not know. A lock that

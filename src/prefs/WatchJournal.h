@@ -63,6 +63,10 @@ public:
     };
     static void noteOutputs(const QList<Output> &outputs);
 
+    /// Once a film is done with outside of any watch: where the journal around it says that it waits, it is
+    /// known from now on.
+    static void noteDone(const QUrl &film);
+
     static QString fileName() { return QStringLiteral(".tessaray-watch"); }
     static constexpr int daysKept = 30;
 
@@ -73,6 +77,7 @@ private:
         Film film;
         qint64 day = 0; ///< days since 1970 when it was seen the last time
     };
+    void openElsewhere(const QString &inside, const QString &otherFolder);
     void take(const Line &line);
     void takeLines(const QByteArray &bytes);
     QByteArray written(const Line &line) const;
