@@ -4,6 +4,7 @@
 #include "app/OpenQueue.h"
 #include "jobs/KXQueueController.h"
 #include "media/FileNames.h"
+#include "media/TracksBeside.h"
 #include "platform/AlertPresenter.h"
 #include "selection/KXSelectionController.h"
 
@@ -160,7 +161,10 @@ void FileIntake::takeWatchedFiles()
     for (; i < files.size() && !isStopped(); ++i) {
         showProgress(i, files.at(i));
         const bool replaces = m_parts.currentFile.file()->whatToDoWithFile(files.at(i)) == u"replace file"_s;
-        if (replaces && loadWithPresets(files.at(i), Alerts::Off))
+        const bool isLoaded = replaces && loadWithPresets(files.at(i), Alerts::Off);
+        if (isLoaded)
+            addTracksBeside(files.at(i));
+        if (isLoaded && !isStopped())
             entries.append(entryOfCurrent());
         else if (isStopped())
             break; // its probe was ended, so it is not known what it is
@@ -174,6 +178,18 @@ void FileIntake::takeWatchedFiles()
     m_parts.selectionController.setOpenQueueMatrixIndex(0);
     m_parts.openQueue.replaceAll(entries);
     Q_EMIT watchedFilesOpened();
+}
+
+/// Nobody can choose them there, so what belongs to the film by its name does.
+void FileIntake::addTracksBeside(const QUrl &film)
+{
+    const QList<QUrl> tracks = media::tracksBeside(film);
+    for (const QUrl &track : tracks) {
+        if (m_parts.currentFile.addTrack(track).toLower() != u"ok"_s && !isStopped())
+            Q_EMIT watchedTrackRefused(track);
+    }
+    if (!tracks.isEmpty())
+        m_parts.currentFile.applyPresets();
 }
 
 /// Only the first file decides whether a track is added; a later one that is no video is passed over.

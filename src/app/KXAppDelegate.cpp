@@ -112,10 +112,14 @@ bool KXAppDelegate::applicationShouldTerminate()
     return false;
 }
 
-/// Between two jobs too, and while films that were watched for are on their way into the queue.
+/// While a folder is watched also between two jobs, and while films are on their way into the queue: nobody
+/// sees there what the moment is.
 bool KXAppDelegate::isAtWork()
 {
-    return program().queue().isAtWork() || starter().isFinishing() || watchSession().isAtWork();
+    const KXQueueController &queue = program().queue();
+    return queue.qJobIsRunning() ||
+           (program().watchMode().appIsInWatchMode() &&
+            (queue.isAtWork() || starter().isFinishing() || watchSession().isAtWork()));
 }
 
 void KXAppDelegate::ask(const platform::Alert &question, void (KXAppDelegate::*answered)(int))

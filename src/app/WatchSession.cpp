@@ -88,6 +88,11 @@ void WatchSession::connectLog()
     connect(&m_parts.watchMode, &Watch::folderTaken, this,
             [this](const QString &problem) { note(WatchLog::Kind::Failed, problem); });
     connect(&m_parts.intake, &FileIntake::watchedFileRefused, this, &WatchSession::refusedByIntake);
+    connect(&m_parts.intake, &FileIntake::watchedTrackRefused, this, [this](const QUrl &track) {
+        note(WatchLog::Kind::Failed,
+             tr("%1 can't be added to the film beside it, which is converted without.")
+                 .arg(track.toLocalFile()));
+    });
     connect(&m_parts.intake, &FileIntake::watchedFilesLeft, this, [this](const QList<QUrl> &films) {
         for (const QUrl &film : films)
             m_parts.watchMode.fileGivenBack(film);

@@ -144,6 +144,7 @@ void KXWatchModeController::takeWhatIsThere()
     m_files.growing().clear();
     m_seen.clear();
     m_look = 0;
+    const bool takesExisting = m_takesExisting || m_preferences->panelFlag(u"watchExistingFlag"_s);
     QStringList known;
     QStringList waiting;
     QList<Film> unknown;
@@ -151,7 +152,7 @@ void KXWatchModeController::takeWhatIsThere()
     for (const Entry &entry : entries) {
         if (isKnown(entry)) {
             known.append(entry.path);
-        } else if (const Film film = filmAt(entry.path); m_takesExisting || m_journal.waits(film)) {
+        } else if (const Film film = filmAt(entry.path); takesExisting || m_journal.waits(film)) {
             waiting.append(entry.path);
         } else {
             unknown.append(film);

@@ -50,7 +50,7 @@ public:
     void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
     /// Where the journal of a folder lies that can't be written.
     void setDataFolder(const QString &folder) { m_dataFolder = folder; }
-    /// Films that the journal does not know at the start are processed too.
+    /// Films that the journal does not know at the start are processed too, as with the setting for it.
     void setTakesExisting(bool takes) { m_takesExisting = takes; }
     /// False where the journal of the watched folder lies elsewhere, or nowhere.
     bool isJournalInFolder() const { return m_journal.isInFolder(); }

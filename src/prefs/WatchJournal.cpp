@@ -130,6 +130,25 @@ void WatchJournal::openElsewhere(const QString &inside, const QString &otherFold
         m_place = otherPlaceFor(m_folder, otherFolder);
 }
 
+void WatchJournal::read(const QString &folder, const QString &otherFolder)
+{
+    *this = {};
+    m_folder = folder;
+    const QString elsewhere = otherPlaceFor(folder, otherFolder);
+    m_place = QFileInfo::exists(elsewhere) ? elsewhere : QDir(folder).filePath(fileName());
+    refresh();
+}
+
+QList<WatchJournal::Film> WatchJournal::films(Why why) const
+{
+    QList<Film> films;
+    for (const Line &line : m_byPath) {
+        if (line.why == why)
+            films.append(line.film);
+    }
+    return films;
+}
+
 bool WatchJournal::isInFolder() const
 {
     return !m_place.isEmpty() && QFileInfo(m_place).path() == m_folder;
@@ -176,7 +195,7 @@ QByteArray WatchJournal::written(const Line &line) const
     return lineOf(line.why, line.film, line.day, QDir(m_folder).relativeFilePath(line.film.path));
 }
 
-std::optional<WatchJournal::Line> WatchJournal::read(const QByteArray &text) const
+std::optional<WatchJournal::Line> WatchJournal::lineIn(const QByteArray &text) const
 {
     const QByteArrayList fields = text.split('\t');
     const qsizetype why = words.indexOf(fields.value(0));
@@ -194,7 +213,7 @@ void WatchJournal::takeLines(const QByteArray &bytes)
 {
     const qsizetype end = bytes.lastIndexOf('\n') + 1;
     for (const QByteArray &text : bytes.first(end).split('\n')) {
-        if (const auto line = read(text))
+        if (const auto line = lineIn(text))
             take(*line);
     }
     m_bytesRead += end;

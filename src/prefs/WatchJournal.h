@@ -38,6 +38,9 @@ public:
     /// Reads what is there. For a path without links. Where the folder can't be written the journal lies in
     /// the other one; an empty path there keeps it in memory alone.
     void open(const QString &folder, const QString &otherFolder);
+    /// Reads what is there, in the folder or else in the other one, and never writes.
+    void read(const QString &folder, const QString &otherFolder);
+    QList<Film> films(Why why) const;
     /// The file; a null text where it is in memory alone.
     QString place() const { return m_place; }
     bool isInFolder() const;
@@ -81,7 +84,7 @@ private:
     void take(const Line &line);
     void takeLines(const QByteArray &bytes);
     QByteArray written(const Line &line) const;
-    std::optional<Line> read(const QByteArray &text) const;
+    std::optional<Line> lineIn(const QByteArray &text) const;
 
     QString m_folder;
     QString m_place;

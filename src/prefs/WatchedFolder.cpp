@@ -73,6 +73,11 @@ QString WatchedFolder::take(const QString &folder)
     return sentenceFor(other);
 }
 
+QString WatchedFolder::watcherOf(const QString &folder)
+{
+    return isWatched(folder) ? platform::HolderFile::holderAt(holderIn(folder)) : QString();
+}
+
 void WatchedFolder::release()
 {
     m_holder.reset();

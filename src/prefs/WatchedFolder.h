@@ -24,6 +24,9 @@ public:
     QString take(const QString &folder);
     void release();
 
+    /// "process 123 on HOST", who watches that very folder; a null text where nobody does.
+    static QString watcherOf(const QString &folder);
+
     static QString fileName() { return QStringLiteral(".tessaray-watcher"); }
 
 private:

@@ -49,10 +49,9 @@ class WatchDayTest final : public QObject
 private Q_SLOTS:
     void init()
     {
-        support::textMp4(); // made with the rights of the build tree's owner
-        support::fullMkv();
-        support::audioOnly();
-        m_unprivileged = std::make_unique<support::Unprivileged>();
+        m_film = support::textMp4();
+        m_otherFilm = support::fullMkv();
+        m_sound = support::audioOnly();
         m_fixture = std::make_unique<AppFixture>(prefs::WatchIntervals{1 << 30, 1, 1});
         QVERIFY(QDir().mkpath(at({})));
         m_fixture->program().preferences().setWatchFolderURL(m_fixture->scratch().url(u"w"_s));
@@ -63,6 +62,7 @@ private Q_SLOTS:
                            u"if [ -e \"%1\" ]; then\n"
                            "echo 'av_interleaved_write_frame(): No space left on device' >&2\n"
                            "exit 1; fi"_s.arg(m_fixture->path(u"full"_s)));
+        giveAway();
         watch().setClock([this] { return m_now; });
         connect(&session().log(), &WatchLog::added, this, [this](const WatchLog::Line &line) {
             m_log.append(WatchLog::wordOf(line.kind) + u' ' + line.text);
@@ -73,8 +73,8 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        m_fixture.reset();
         m_unprivileged.reset();
+        m_fixture.reset();
         m_log.clear();
         m_arrivals.clear();
     }
@@ -103,6 +103,20 @@ private:
     /// In the folder that films are put into, wherever that is just now.
     QString at(const QString &name) const { return m_fixture->path(m_folder + u'/' + name); }
     bool isChance(int oneIn) { return m_chances->below(oneIn) == 0; }
+
+    /// To a user whom permissions keep out.
+    void giveAway()
+    {
+        if (::geteuid() != 0)
+            return;
+        const auto give = [](const QString &path) { return ::lchown(qPrintable(path), 65534, 65534) == 0; };
+        QVERIFY(give(m_fixture->path()));
+        for (QDirIterator all(m_fixture->path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                              QDirIterator::Subdirectories);
+             all.hasNext();)
+            QVERIFY(give(all.next()));
+        m_unprivileged = std::make_unique<support::Unprivileged>();
+    }
 
     void addPreset()
     {
@@ -183,7 +197,7 @@ private:
     QString arrive()
     {
         const QString name = newName(1) + u".mp4"_s;
-        put(support::textMp4(), name);
+        put(m_film, name);
         return name;
     }
 
@@ -319,7 +333,7 @@ private:
 
     bool filmIsRefused(int length)
     {
-        put(support::audioOnly(), newName(0) + u".mp4"_s);
+        put(m_sound, newName(0) + u".mp4"_s);
         return polls(length);
     }
 
@@ -327,7 +341,7 @@ private:
     bool filmVanishes(int length)
     {
         const QString name = newName(0) + u".mp4"_s;
-        put(support::textMp4(), name);
+        put(m_film, name);
         if (isChance(2)) {
             if (!poll())
                 return false;
@@ -347,7 +361,7 @@ private:
     bool filmIsHalf(int length)
     {
         const QString name = newName(1) + u".mkv"_s;
-        const QByteArray whole = bytesOf(support::fullMkv());
+        const QByteArray whole = bytesOf(m_otherFilm);
         m_fixture->scratch().write(u"w/"_s + name, whole.first(whole.size() / 3));
         if (!polls(length))
             return false;
@@ -368,7 +382,7 @@ private:
         const qsizetype place = m_arrivals.size() - 1;
         if (!polls(3) || !isDone(m_arrivals.at(place)))
             return polls(length); // something else is still being waited for
-        put(support::textMp4(), name);
+        put(m_film, name);
         m_arrivals[place].times = 2;
         return polls(length);
     }
@@ -403,7 +417,7 @@ private:
         const QStringList outputs = outputsOf(arrival);
         QVERIFY2(outputs.size() == arrival.times, qPrintable(outputs.join(u'\n') + u'\n' + told));
         for (const QString &output : outputs)
-            QVERIFY2(QFileInfo(output).size() > QFileInfo(support::textMp4()).size() / 2, qPrintable(output));
+            QVERIFY2(QFileInfo(output).size() > QFileInfo(m_film).size() / 2, qPrintable(output));
         static const QRegularExpression reason(
             u"^(failed .*(can't be opened|is gone)|note .* is gone|waiting .*it is empty)"_s,
             QRegularExpression::MultilineOption);
@@ -426,6 +440,9 @@ private:
     std::unique_ptr<support::Unprivileged> m_unprivileged;
     std::unique_ptr<AppFixture> m_fixture;
     std::unique_ptr<support::Chances> m_chances;
+    QString m_film;
+    QString m_otherFilm;
+    QString m_sound;
     QString m_folder = u"w"_s;
     QString m_removedLate;
     QStringList m_log;

@@ -4,6 +4,7 @@
 #include "platform/HolderFile.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
+#include "support/Unprivileged.h"
 
 #include <QDir>
 #include <QFile>
@@ -178,6 +179,33 @@ private Q_SLOTS:
         const Folder another;
         QVERIFY(QDir().mkdir(another.journal()));
         QVERIFY(!another.opened(data.path(u"deep/down"_s)).find(another.film(u"a.mkv"_s)));
+    }
+
+    void aFolderThatCantBeWrittenAnyMoreForgetsNothing()
+    {
+        const Folder folder;
+        const Folder data;
+        folder.opened().note(Why::Waiting, {folder.film(u"a.mkv"_s)});
+        QVERIFY(QFile::setPermissions(folder.journal(), QFileDevice::ReadOwner | QFileDevice::ReadOther));
+        const support::Unprivileged unprivileged;
+        WatchJournal journal;
+        journal.open(folder.path({}), {});
+        QVERIFY(!journal.isInFolder());
+        QCOMPARE(journal.find(folder.film(u"a.mkv"_s)), std::optional(Why::Waiting));
+    }
+
+    void whatIsDoneOutsideOfAWatchWaitsNoLonger()
+    {
+        const Folder folder;
+        const QString path = folder.scratch.write(u"sub/a.mkv"_s, "a film");
+        const qint64 changed = QFileInfo(path).lastModified().toMSecsSinceEpoch();
+        const Film film = folder.film(u"sub/a.mkv"_s, 6, changed);
+        folder.opened();
+        WatchJournal::noteDone(QUrl::fromLocalFile(path));
+        QCOMPARE(folder.opened().find(film), std::nullopt); // nobody waited for it
+        folder.opened().note(Why::Waiting, {film});
+        WatchJournal::noteDone(QUrl::fromLocalFile(path));
+        QCOMPARE(folder.opened().find(film), std::optional(Why::Known));
     }
 
     void aLinkIsNeverWrittenThrough()
