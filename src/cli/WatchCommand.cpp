@@ -2,6 +2,7 @@
 
 #include "app/FileWork.h"
 #include "cli/FinishedFiles.h"
+#include "cli/LiveLine.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
 #include "prefs/WatchStatus.h"
@@ -84,12 +85,10 @@ void followProgress(Session &session, QObject *context)
 {
     KXQueueController &queue = session.program().queue();
     QObject::connect(&queue, &KXQueueController::jobProgressListChanged, context, [&session, &queue] {
-        QStringList steps;
-        for (const jobs::ProgressItem &item : queue.jobProgressList())
-            steps.append(item.step + u' ' + item.progress);
-        if (queue.currentJob() && !steps.isEmpty())
-            session.console().progress(queue.currentJob()->jobFileName() + u": "_s + steps.join(u", "_s),
-                                       queue.currentJob()->jobFileName());
+        const JobPointer job = queue.currentJob();
+        const jobs::ProgressList &steps = queue.jobProgressList();
+        if (job && !steps.isEmpty())
+            session.console().progress(liveLine(*job, steps, queue.qJobList()), job->jobFileName());
         else
             session.console().endProgress();
     });

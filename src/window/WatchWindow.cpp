@@ -176,6 +176,7 @@ WatchWindow::~WatchWindow() = default;
 void WatchWindow::addMenus(QVBoxLayout *layout)
 {
     auto *bar = new QMenuBar(this);
+    bar->setObjectName(u"WatchMenu"_s);
     layout->setMenuBar(bar);
     const auto add = [this](QMenu *menu, const QString &text, const QKeySequence &keys, auto run) {
         QAction *action = menu->addAction(text);

@@ -29,7 +29,7 @@ namespace {
 constexpr int pollMs = 5000;
 constexpr int pollsOfAMinute = 12;
 constexpr int pollsOfAnHour = 720;
-constexpr int patienceMs = 120000;
+constexpr int untilIdleMs = 120000;
 constexpr rlim_t aLittle = 64; // bytes that still fit onto a full volume
 
 /// A film that was put into the folder, and what is to come of it.
@@ -130,7 +130,7 @@ private:
         m_now += pollMs;
         ++m_polls;
         watch().watchLoop();
-        return waitFor([this] { return isIdle(); }, patienceMs);
+        return waitFor([this] { return isIdle(); }, untilIdleMs);
     }
 
     bool isIdle()
@@ -277,7 +277,7 @@ private:
                 const support::SmallFiles small(aLittle);
                 watch().watchLoop();
             }
-            isWell = waitFor([this] { return isIdle(); }, patienceMs);
+            isWell = waitFor([this] { return isIdle(); }, untilIdleMs);
         }
         QFile::remove(m_fixture->path(u"full"_s));
         return isWell;
