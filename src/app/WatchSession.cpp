@@ -21,6 +21,12 @@ namespace app {
 namespace {
 
 constexpr qsizetype mostNamed = 100;
+constexpr qsizetype mostEnded = 1000; ///< jobs that are kept; a watch may go on for years
+
+qsizetype endedOf(const QList<JobPointer> &jobs)
+{
+    return std::count_if(jobs.begin(), jobs.end(), [](const JobPointer &job) { return job->hasEnded(); });
+}
 
 QString pathsOf(const QList<QUrl> &files)
 {
@@ -357,6 +363,8 @@ void WatchSession::jobChanged(int row)
     note(failed ? WatchLog::Kind::Failed : WatchLog::Kind::Done, parts.join(u": "_s));
     if (failed)
         this->failed(film, job->outcome().sentence);
+    if (m_parts.watchMode.appIsInWatchMode() && endedOf(m_parts.queue.qJobList()) >= mostEnded)
+        QMetaObject::invokeMethod(&m_parts.queue, &KXQueueController::clearQueueButton, Qt::QueuedConnection);
 }
 
 /// Who takes a film's job away does not want it: it is known from now on.

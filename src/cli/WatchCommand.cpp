@@ -10,7 +10,8 @@
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QSet>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -100,11 +101,11 @@ void followFiles(Session &session, FinishedFiles &files)
     KXQueueController &queue = session.program().queue();
     QObject::connect(
         &queue, &KXQueueController::jobChanged, &files,
-        [&queue, &files, &console = session.console(), taken = QSet<const KXJob *>()](int row) mutable {
+        [&queue, &files, &console = session.console(), last = std::weak_ptr<KXJob>()](int row) mutable {
             const JobPointer job = queue.qJobList().value(row);
-            if (!job || !job->hasEnded() || taken.contains(job.get()))
+            if (!job || !job->hasEnded() || last.lock() == job)
                 return;
-            taken.insert(job.get());
+            last = job;
             if (console.isJson())
                 tellEnd(console, *job);
             files.take(*job);

@@ -10,6 +10,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -154,8 +155,16 @@ private Q_SLOTS:
         watch().watchLoop(); // it is opened now and started in a moment
         QVERIFY(m_fixture->queue().qJobList().isEmpty());
         QTest::keyClick(&watchWindow(), Qt::Key_Q, Qt::ControlModifier);
-        QVERIFY(m_fixture->waitForAlert(u"Videos are still being processed.  Quit anyways?"_s));
-        m_fixture->pressAlertButton(1); // Cancel
+        QMessageBox *question = nullptr;
+        QVERIFY(waitFor([&] {
+            question = watchWindow().findChild<QMessageBox *>(u"Alert"_s);
+            return question != nullptr && question->isVisible();
+        }));
+        QCOMPARE(question->text(), u"Videos are still being processed.  Quit anyways?"_s);
+        for (QAbstractButton *button : question->buttons()) {
+            if (button->text().remove(u'&') == u"Cancel"_s)
+                QTest::mouseClick(button, Qt::LeftButton);
+        }
         m_fixture->queue().pauseQueueButton(u"Resume"_s);
         QVERIFY(waitFor([this] {
             watch().watchLoop();

@@ -210,7 +210,7 @@ private:
         return m_hasAsked;
     }
 
-    QString waiting() const { return u"[ -e \"%1\" ] || exec sleep 300"_s.arg(m_fixture->path(u"go"_s)); }
+    QString waiting() const { return u"while [ ! -e \"%1\" ]; do sleep 0.1; done"_s.arg(m_fixture->path(u"go"_s)); }
     void letGo() { m_fixture->scratch().write(u"go"_s, {}); }
 
     /// Whether it asked; then it was allowed.
