@@ -138,10 +138,8 @@ QString WatchSession::momentaryProblem(const QUrl &film) const
     const QString path = film.toLocalFile();
     if (!QFileInfo(path).isReadable())
         return tr("it can't be read.");
-    for (const QString &tool : {u"ffprobe"_s, u"ffmpeg"_s, u"mkvmerge"_s}) {
-        if (!QFileInfo(m_parts.queue.urlOfApp(tool).toLocalFile()).isExecutable())
-            return tr("%1 is missing.").arg(tool);
-    }
+    if (!QFileInfo(m_parts.queue.urlOfApp(u"ffprobe"_s).toLocalFile()).isExecutable())
+        return tr("ffprobe is missing.");
     return m_parts.starter.takesResultsOf(film) ? QString() : prefs::SaveFolder::notWritable();
 }
 
