@@ -137,6 +137,7 @@ private Q_SLOTS:
 
     void aSubtitleBesideItsFilmGoesAlong()
     {
+        m_fixture->presets().setSelectionMethodIndex(2); // "All Tracks": the film has a subtitle of its own
         QVERIFY(session().start());
         m_fixture->film(support::audioOnly(), u"w/film.de.ass"_s); // none at all
         m_fixture->film(support::srtFile(), u"w/film.en.srt"_s);
@@ -191,7 +192,10 @@ private:
         if (phase == u"opened"_s)
             return session().isAtWork() && m_fixture->jobs().isEmpty();
         if (phase == u"done"_s)
-            return waitFor([this] { return outputs() == expectedOutputs() && !session().isAtWork(); });
+            return waitFor([this] {
+                return outputs() == expectedOutputs() && !session().isAtWork() &&
+                       !m_fixture->queue().qJobIsRunning();
+            });
         const qsizetype jobs = m_films.size();
         return waitFor([this, jobs] {
             return m_fixture->jobs().size() == jobs && m_fixture->queue().qJobIsRunning() &&
@@ -210,7 +214,10 @@ private:
         return m_hasAsked;
     }
 
-    QString waiting() const { return u"while [ ! -e \"%1\" ]; do sleep 0.1; done"_s.arg(m_fixture->path(u"go"_s)); }
+    QString waiting() const
+    {
+        return u"while [ ! -e \"%1\" ]; do sleep 0.1; done"_s.arg(m_fixture->path(u"go"_s));
+    }
     void letGo() { m_fixture->scratch().write(u"go"_s, {}); }
 
     /// Whether it asked; then it was allowed.
