@@ -139,7 +139,7 @@ private Q_SLOTS:
     {
         m_fixture->presets().setSelectionMethodIndex(2); // "All Tracks": the film has a subtitle of its own
         QVERIFY(session().start());
-        m_fixture->film(support::audioOnly(), u"w/film.de.ass"_s); // none at all
+        m_fixture->text(u"w/film.de.ass"_s); // none at all
         m_fixture->film(support::srtFile(), u"w/film.en.srt"_s);
         m_fixture->film(support::srtFile(), u"w/other.srt"_s);
         m_fixture->film(support::rawH264(), u"w/none.txt"_s);
