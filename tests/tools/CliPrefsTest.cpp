@@ -60,7 +60,7 @@ private Q_SLOTS:
     void aListForPeople()
     {
         const auto run = CliFixture().run({u"prefs"_s, u"list"_s});
-        QCOMPARE(run.lines().size(), 10);
+        QCOMPARE(run.lines().size(), 11);
         QVERIFY(run.lines().contains(u"keepLogsFlag = true"_s));
         QVERIFY(run.lines().contains(u"saveDirectoryPath = "_s));
     }

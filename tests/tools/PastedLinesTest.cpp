@@ -45,7 +45,6 @@ private Q_SLOTS:
             m_cli->setEnvironment(name, {});
         m_cli->clip(support::fullMkv(), film);
         m_cli->clip(support::fullMkv(), u"b.mkv"_s);
-        m_cli->clip(support::vobsubMkv(), u"pictures.mkv"_s);
         m_cli->clip(support::rawH264(), u"raw.h264"_s);
     }
     void cleanup() { m_cli.reset(); }
@@ -59,7 +58,6 @@ private Q_SLOTS:
         QTest::newRow("burned in") << u"convert F --video 1pass --subtitles burn --tracks 0,3"_s;
         QTest::newRow("into Matroska") << u"convert F --kind mkv --video 1pass"_s;
         QTest::newRow("extract") << u"extract F"_s;
-        QTest::newRow("extract pictures") << u"extract pictures.mkv"_s;
         QTest::newRow("join") << u"join F b.mkv"_s;
         QTest::newRow("split by time") << u"split F --time 00:00:02-00:00:05"_s;
         QTest::newRow("split by duration") << u"split F --duration 00:00:03"_s;
