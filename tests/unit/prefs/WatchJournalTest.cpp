@@ -4,7 +4,6 @@
 #include "platform/HolderFile.h"
 #include "support/Scratch.h"
 #include "support/TestMain.h"
-#include "support/Unprivileged.h"
 
 #include <QDir>
 #include <QFile>
@@ -179,19 +178,6 @@ private Q_SLOTS:
         const Folder another;
         QVERIFY(QDir().mkdir(another.journal()));
         QVERIFY(!another.opened(data.path(u"deep/down"_s)).find(another.film(u"a.mkv"_s)));
-    }
-
-    void aFolderThatCantBeWrittenAnyMoreForgetsNothing()
-    {
-        const Folder folder;
-        const Folder data;
-        folder.opened().note(Why::Waiting, {folder.film(u"a.mkv"_s)});
-        QVERIFY(QFile::setPermissions(folder.journal(), QFileDevice::ReadOwner | QFileDevice::ReadOther));
-        const support::Unprivileged unprivileged;
-        WatchJournal journal;
-        journal.open(folder.path({}), {});
-        QVERIFY(!journal.isInFolder());
-        QCOMPARE(journal.find(folder.film(u"a.mkv"_s)), std::optional(Why::Waiting));
     }
 
     void whatIsDoneOutsideOfAWatchWaitsNoLonger()
