@@ -20,7 +20,7 @@ _tessaray_cli_options() {
     join | remux) echo "$global $files --list" ;;
     send) echo "$global $files" ;;
     split) echo "$global $files --list --time --size --duration" ;;
-    watch) echo "$global --track-preset --settings-preset --existing --verify --print --exec" ;;
+    watch) echo "$global --track-preset --settings-preset --existing --status --verify --print --exec" ;;
     play) echo "$global --tracks" ;;
     presets) echo "$global --for" ;;
     tools) echo "$global --report" ;;
@@ -127,7 +127,7 @@ _tessaray_cli() {
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
             --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run | \
-                --newer-codecs | --commands | --recursive | --skip-existing | --existing | --report) ;;
+                --newer-codecs | --commands | --recursive | --skip-existing | --existing | --status | --report) ;;
             *) option=$word ;;
             esac
         elif [[ -z $command ]]; then

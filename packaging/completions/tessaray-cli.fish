@@ -39,6 +39,8 @@ complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing plan watch" \
     -l verify -d 'compare copies with their sources, bit for bit'
 complete -c tessaray-cli -n '__fish_seen_subcommand_from watch' \
     -l existing -d 'convert films too that are there already'
+complete -c tessaray-cli -n '__fish_seen_subcommand_from watch' \
+    -l status -d 'show in one line how the folder is doing'
 complete -c tessaray-cli -n '__fish_seen_subcommand_from plan' -l commands -d 'print a line for a shell per film'
 complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing" -l dry-run -d 'print the commands, run none'
 complete -c tessaray-cli -n "__fish_seen_subcommand_from $writing watch" \

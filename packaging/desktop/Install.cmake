@@ -32,6 +32,7 @@ install(FILES ${here}/completions/tessaray-cli.fish DESTINATION ${CMAKE_INSTALL_
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tessaray RENAME copyright)
 
 install(FILES systemd/tessaray-watch@.service DESTINATION lib/systemd/user)
+install(FILES launchd/org.tessaray.watch.plist DESTINATION ${CMAKE_INSTALL_DATADIR}/tessaray/launchd)
 
 if(TARGET tessaray)
   string(TIMESTAMP TESSARAY_RELEASE_DATE "%Y-%m-%d" UTC)

@@ -18,4 +18,5 @@ add_custom_command(OUTPUT ${icon}
   DEPENDS macos/make-icns.sh icons/tessaray-512.png
   VERBATIM)
 add_custom_target(tessaray_icns ALL DEPENDS ${icon})
+install(FILES launchd/org.tessaray.watch.plist DESTINATION ${contents}/Resources/launchd)
 install(FILES ${icon} DESTINATION ${contents}/Resources)

@@ -4,6 +4,7 @@
 #include "app/OpenQueue.h"
 #include "jobs/KXQueueController.h"
 #include "media/FileNames.h"
+#include "media/TracksBeside.h"
 #include "platform/AlertPresenter.h"
 #include "selection/KXSelectionController.h"
 
@@ -133,7 +134,10 @@ void FileIntake::takeIn(const QList<QUrl> &files)
 
 void FileIntake::stopProbing()
 {
-    m_waiting.clear();
+    for (const auto &[mode, files] : std::exchange(m_waiting, {})) {
+        if (mode == u"watch"_s)
+            Q_EMIT watchedFilesLeft(files);
+    }
     if (m_busy)
         *m_stop = true;
 }
@@ -153,19 +157,39 @@ void FileIntake::takeWatchedFiles()
 {
     QList<OpenedFile> entries;
     const QList<QUrl> files = m_openedURLsArray;
-    for (qsizetype i = 0; i < files.size() && !isStopped(); ++i) {
+    qsizetype i = 0;
+    for (; i < files.size() && !isStopped(); ++i) {
         showProgress(i, files.at(i));
         const bool replaces = m_parts.currentFile.file()->whatToDoWithFile(files.at(i)) == u"replace file"_s;
-        if (replaces && loadWithPresets(files.at(i), Alerts::Off))
+        const bool isLoaded = replaces && loadWithPresets(files.at(i), Alerts::Off);
+        if (isLoaded)
+            addTracksBeside(files.at(i));
+        if (isLoaded && !isStopped())
             entries.append(entryOfCurrent());
-        else if (!isStopped())
+        else if (isStopped())
+            break; // its probe was ended, so it is not known what it is
+        else
             Q_EMIT watchedFileRefused(files.at(i));
     }
+    if (i < files.size())
+        Q_EMIT watchedFilesLeft(files.sliced(i));
     if (entries.isEmpty())
         return;
     m_parts.selectionController.setOpenQueueMatrixIndex(0);
     m_parts.openQueue.replaceAll(entries);
     Q_EMIT watchedFilesOpened();
+}
+
+/// Nobody can choose them there, so what belongs to the film by its name does.
+void FileIntake::addTracksBeside(const QUrl &film)
+{
+    const QList<QUrl> tracks = media::tracksBeside(film);
+    for (const QUrl &track : tracks) {
+        if (m_parts.currentFile.addTrack(track).toLower() != u"ok"_s && !isStopped())
+            Q_EMIT watchedTrackRefused(track);
+    }
+    if (!tracks.isEmpty())
+        m_parts.currentFile.applyPresets();
 }
 
 /// Only the first file decides whether a track is added; a later one that is no video is passed over.

@@ -79,12 +79,17 @@ Q_SIGNALS:
     void watchedFilesOpened();
     /// A file that came in through watch mode was refused.
     void watchedFileRefused(const QUrl &url);
+    /// A track file beside a film that came in through watch mode can't be added to it.
+    void watchedTrackRefused(const QUrl &track);
+    /// These came in through watch mode and were not looked at, since probing was stopped.
+    void watchedFilesLeft(const QList<QUrl> &files);
 
 private:
     class Busy;
 
     void takeIn(const QList<QUrl> &files);
     void takeWatchedFiles();
+    void addTracksBeside(const QUrl &film);
     void takeVideos();
     void gatherEditFiles(Alerts alerts);
     void askAboutHeaderRemoval();

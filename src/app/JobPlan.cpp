@@ -3,6 +3,7 @@
 #include "app/Program.h"
 #include "steps/RunAsProcess.h"
 #include "tools/PastableText.h"
+#include "tools/ToolEnvironment.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,7 +27,10 @@ QUrl lastOutputOf(const KXJob &job)
 QString commandOf(const steps::Launch &launch)
 {
     const tools::OptionList words = launch.line ? steps::runAsProcess(launch.launched) : launch.launched;
-    return tools::pastableCommand(launch.environment,
+    auto environment = launch.environment;
+    if (tools::toolFamily(launch.tool) == tools::ToolFamily::Mkv) // they abort where LANG's is not installed
+        environment.append({u"LC_ALL"_s, tools::shellEnvironment(launch.tool).value(u"LC_ALL"_s)});
+    return tools::pastableCommand(environment,
                                   QStringList{launch.tool.toLocalFile()} + tools::argumentsOf(words));
 }
 

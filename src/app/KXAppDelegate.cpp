@@ -102,7 +102,7 @@ bool KXAppDelegate::applicationShouldTerminate()
     if (m_askingToQuit)
         return false;
     KXQueueController &queue = program().queue();
-    if (!queue.qJobIsRunning())
+    if (!isAtWork())
         return mayQuitUnsaved();
     queue.pauseQueueButton(u"Pause"_s);
     platform::Alert question;
@@ -110,6 +110,16 @@ bool KXAppDelegate::applicationShouldTerminate()
     question.buttons = {u"OK"_s, u"Cancel"_s};
     ask(question, &KXAppDelegate::quitAnswered);
     return false;
+}
+
+/// While a folder is watched also between two jobs, and while films are on their way into the queue: nobody
+/// sees there what the moment is.
+bool KXAppDelegate::isAtWork()
+{
+    const KXQueueController &queue = program().queue();
+    return queue.qJobIsRunning() ||
+           (program().watchMode().appIsInWatchMode() &&
+            (queue.isAtWork() || starter().isFinishing() || watchSession().isAtWork()));
 }
 
 void KXAppDelegate::ask(const platform::Alert &question, void (KXAppDelegate::*answered)(int))
@@ -222,6 +232,11 @@ void KXAppDelegate::filesDropped(const QList<QUrl> &files)
 
 void KXAppDelegate::filesRequested(const QStringList &paths)
 {
+    if (program().watchMode().appIsInWatchMode()) {
+        watchSession().filesRequested(paths);
+        Q_EMIT windowWanted();
+        return;
+    }
     QList<QUrl> films;
     for (const QString &path : paths) {
         if (isSubtitleFile(path))

@@ -68,7 +68,8 @@ public:
     void openFilePanelContinued();
     /// Files that were dropped on the window.
     void filesDropped(const QList<QUrl> &files);
-    /// Files that came with the command line, from the desktop or from a second start.
+    /// Files that came with the command line, from the desktop or from a second start. While a folder is
+    /// watched the watch takes them, or says why it does not.
     void filesRequested(const QStringList &paths);
     /// The items of the help menu, told apart by their titles.
     void helpMenuItemSelected(const QString &title);
@@ -92,6 +93,7 @@ Q_SIGNALS:
 private:
     void quitAnswered(int returnCode);
     QString rememberAndSave();
+    bool isAtWork();
     bool mayQuitUnsaved();
     void ask(const platform::Alert &question, void (KXAppDelegate::*answered)(int));
     void unsavedAnswered(int returnCode);

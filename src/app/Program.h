@@ -57,6 +57,7 @@ public:
     /// Where names are kept that no job may write to.
     steps::OutputRegistry &outputs() { return m_outputs; }
     KXWatchModeController &watchMode() { return m_watchMode; }
+    const prefs::WatchIntervals &watchIntervals() const { return m_watchIntervals; }
     /// Starts the player with the selection's tracks, and forgets it.
     void playMovie(const SelectionPointer &selection);
     /// What jobs are handed, with another registry where only their plans are wanted.
@@ -66,6 +67,7 @@ private:
     QString m_queueFolder;
     steps::WhenTaken m_whenTaken;
     jobs::Intervals m_intervals;
+    prefs::WatchIntervals m_watchIntervals;
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
     platform::Volumes m_volumes;

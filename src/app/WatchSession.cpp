@@ -7,6 +7,7 @@
 #include "prefs/SaveFolder.h"
 #include "presets/KXPresetsController.h"
 #include "selection/KXSelectionController.h"
+#include "steps/FailureCause.h"
 
 #include <QFileInfo>
 
@@ -20,6 +21,12 @@ namespace app {
 namespace {
 
 constexpr qsizetype mostNamed = 100;
+constexpr qsizetype mostEnded = 1000; ///< jobs that are kept; a watch may go on for years
+
+qsizetype endedOf(const QList<JobPointer> &jobs)
+{
+    return std::count_if(jobs.begin(), jobs.end(), [](const JobPointer &job) { return job->hasEnded(); });
+}
 
 QString pathsOf(const QList<QUrl> &files)
 {
@@ -37,7 +44,7 @@ WatchSession::WatchSession(const Parts &parts)
 {
     parts.watchMode.setDataFolder(QFileInfo(parts.settingsPath).absolutePath());
     m_start.setSingleShot(true);
-    m_start.setInterval(startMilliseconds);
+    m_start.setInterval(parts.startInterval);
     connect(&m_start, &QTimer::timeout, this, &WatchSession::startOpened);
     connect(&parts.watchMode, &KXWatchModeController::filesReady, this, [this](const QList<QUrl> &files) {
         m_pending.append(files);
@@ -82,15 +89,25 @@ void WatchSession::connectLog()
         if (!std::exchange(m_folderWasMissing, true))
             note(WatchLog::Kind::Failed, tr("The folder is not there. Waiting until it is back."));
     });
-    connect(&m_parts.intake, &FileIntake::watchedFileRefused, this, [this](const QUrl &url) {
+    connect(&m_parts.watchMode, &Watch::fileEmpty, this,
+            [this](const QString &path) { note(WatchLog::Kind::Waiting, tr("%1: it is empty.").arg(path)); });
+    connect(&m_parts.watchMode, &Watch::folderTaken, this,
+            [this](const QString &problem) { note(WatchLog::Kind::Failed, problem); });
+    connect(&m_parts.intake, &FileIntake::watchedFileRefused, this, &WatchSession::refusedByIntake);
+    connect(&m_parts.intake, &FileIntake::watchedTrackRefused, this, [this](const QUrl &track) {
         note(WatchLog::Kind::Failed,
-             tr("%1 can't be opened; it is tried again when it changes.").arg(url.toLocalFile()));
-        m_parts.watchMode.fileRefused(url);
+             tr("%1 can't be added to the film beside it, which is converted without.")
+                 .arg(track.toLocalFile()));
+    });
+    connect(&m_parts.intake, &FileIntake::watchedFilesLeft, this, [this](const QList<QUrl> &films) {
+        for (const QUrl &film : films)
+            m_parts.watchMode.fileGivenBack(film);
     });
     connect(&m_parts.starter, &JobStarter::notStarted, this, &WatchSession::leftByPresets);
     connect(&m_parts.starter, &JobStarter::refused, this, &WatchSession::refusedNow);
     connect(&m_parts.queue, &KXQueueController::jobAdded, this, &WatchSession::jobAdded);
     connect(&m_parts.queue, &KXQueueController::jobChanged, this, &WatchSession::jobChanged);
+    connect(&m_parts.queue, &KXQueueController::jobDeleted, this, &WatchSession::jobDeleted);
 }
 
 void WatchSession::note(WatchLog::Kind kind, const QString &text)
@@ -115,6 +132,65 @@ void WatchSession::refusedNow(const QString &reason)
         m_parts.watchMode.fileLater(film);
 }
 
+/// Null where the film itself is the reason.
+QString WatchSession::momentaryProblem(const QUrl &film) const
+{
+    const QString path = film.toLocalFile();
+    if (!QFileInfo(path).isReadable())
+        return tr("it can't be read.");
+    if (!QFileInfo(m_parts.queue.urlOfApp(u"ffprobe"_s).toLocalFile()).isExecutable())
+        return tr("ffprobe is missing.");
+    return m_parts.starter.takesResultsOf(film) ? QString() : prefs::SaveFolder::notWritable();
+}
+
+void WatchSession::refusedByIntake(const QUrl &film)
+{
+    const QString path = film.toLocalFile();
+    if (!QFileInfo::exists(path)) {
+        note(WatchLog::Kind::Failed, tr("%1 is gone.").arg(path));
+        return m_parts.watchMode.fileGivenBack(film);
+    }
+    if (const QString problem = momentaryProblem(film); !problem.isNull())
+        return later(film, problem);
+    note(WatchLog::Kind::Failed, tr("%1 can't be opened; it is tried again when it changes.").arg(path));
+    m_parts.watchMode.fileRefused(film);
+}
+
+void WatchSession::later(const QUrl &film, const QString &reason)
+{
+    note(WatchLog::Kind::Failed, tr("%1: %2 It is tried again later.").arg(film.toLocalFile(), reason));
+    m_parts.watchMode.fileLater(film);
+}
+
+/// A job that failed leaves a log, and what it had made, so it is not tried for ever.
+void WatchSession::failed(const QUrl &film, const QString &reason)
+{
+    const QString path = film.toLocalFile();
+    if (!QFileInfo::exists(path))
+        return m_parts.watchMode.fileGivenBack(film);
+    if (momentaryProblem(film).isNull() && !steps::FailureCause::mayPass(reason))
+        return m_parts.watchMode.fileDone(film);
+    if (m_parts.watchMode.fileLater(film) < prefs::WatchedFiles::mostAttempts)
+        return note(WatchLog::Kind::Note, tr("%1: It is tried again later.").arg(path));
+    m_parts.watchMode.fileRefused(film);
+    note(WatchLog::Kind::Note, tr("%1: It is tried again when it changes, and at the next start.").arg(path));
+}
+
+/// A preset that is gone while watching makes films wait; one of its name that is back is taken.
+QString WatchSession::presetProblem()
+{
+    KXPresetsController &presets = m_parts.presets;
+    const auto tracks = presets.presetSelectionsNamesList().indexOf(m_tracksPreset);
+    const auto settings = presets.presetSettingsNamesList().indexOf(m_settingsPreset);
+    if (tracks < 0 || settings < 0)
+        return tr("the preset \"%1\" is gone.").arg(tracks < 0 ? m_tracksPreset : m_settingsPreset);
+    if (presets.selectionMethodIndex() != tracks)
+        presets.setSelectionMethodIndex(static_cast<int>(tracks));
+    if (presets.settingMethodIndex() != settings)
+        presets.setSettingMethodIndex(static_cast<int>(settings));
+    return {};
+}
+
 QString WatchSession::startRefusal() const
 {
     if (m_parts.presets.selectionMethodIndex() == 0)
@@ -135,11 +211,15 @@ bool WatchSession::start()
     const int settings = m_parts.presets.settingMethodIndex();
     m_parts.selectionController.setCurrentTab(u"MKV"_s);
     m_parts.presets.setSettingMethodIndex(settings);
+    m_tracksPreset =
+        m_parts.presets.presetSelectionsNamesList().value(m_parts.presets.selectionMethodIndex());
+    m_settingsPreset = m_parts.presets.presetSettingsNamesList().value(settings);
     if (!m_parts.watchMode.startWatchMode()) {
         m_log.add(WatchLog::Kind::Failed, m_parts.watchMode.watchFolderPath());
         return false;
     }
     m_folderWasMissing = false;
+    takeQueued();
     note(WatchLog::Kind::Note, tr("Watching %1.").arg(m_parts.watchMode.watchFolderPath()));
     if (!m_parts.watchMode.isJournalInFolder())
         note(WatchLog::Kind::Note,
@@ -148,6 +228,28 @@ bool WatchSession::start()
     tellLeftOver();
     tellWhatIsThere();
     return true;
+}
+
+/// What an earlier run of the program has left in the queue must not become a second job.
+void WatchSession::takeQueued()
+{
+    for (const JobPointer &job : m_parts.queue.qJobList()) {
+        if (!job->hasEnded())
+            m_parts.watchMode.fileIsQueued(job->jobSelection()->videoTrackFileURL());
+    }
+}
+
+void WatchSession::filesRequested(const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        const bool isWanted = m_parts.watchMode.fileWanted(QUrl::fromLocalFile(path));
+        note(isWanted ? WatchLog::Kind::Waiting : WatchLog::Kind::Note,
+             isWanted
+                 ? tr("%1: it was handed over, and is converted.").arg(path)
+                 : tr("%1: it is not opened while a folder is watched. Stop watching, or put it into the "
+                      "folder.")
+                       .arg(path));
+    }
 }
 
 /// Half-made by a run that was killed: named, never touched.
@@ -205,14 +307,15 @@ void WatchSession::takeNext()
 QList<QUrl> WatchSession::takenNow(const QList<QUrl> &films)
 {
     QList<QUrl> taken;
+    const QString preset = presetProblem();
     for (const QUrl &film : films) {
-        if (m_parts.starter.takesResultsOf(film)) {
+        const QString problem = !preset.isNull()                        ? preset
+                                : !m_parts.starter.takesResultsOf(film) ? prefs::SaveFolder::notWritable()
+                                                                        : QString();
+        if (problem.isNull())
             taken.append(film);
-            continue;
-        }
-        note(WatchLog::Kind::Failed,
-             tr("%1: %2 It is tried again later.").arg(film.toLocalFile(), prefs::SaveFolder::notWritable()));
-        m_parts.watchMode.fileLater(film);
+        else
+            later(film, problem);
     }
     return taken;
 }
@@ -246,14 +349,27 @@ void WatchSession::jobChanged(int row)
         return;
     m_lastEnded = job;
     m_journal.finished();
-    m_parts.watchMode.fileDone(job->jobSelection()->videoTrackFileURL());
+    const QUrl film = job->jobSelection()->videoTrackFileURL();
     const bool failed = job->outcome().verdict == steps::Verdict::Failed;
+    if (!failed)
+        m_parts.watchMode.fileDone(film);
     QStringList parts{job->jobFileName()};
     if (!failed && !job->outputs().isEmpty())
         parts.append(pathsOf(job->outputs()));
     if (!job->outcome().sentence.isEmpty())
         parts.append(job->outcome().sentence);
     note(failed ? WatchLog::Kind::Failed : WatchLog::Kind::Done, parts.join(u": "_s));
+    if (failed)
+        this->failed(film, job->outcome().sentence);
+    if (m_parts.watchMode.appIsInWatchMode() && endedOf(m_parts.queue.qJobList()) >= mostEnded)
+        QMetaObject::invokeMethod(&m_parts.queue, &KXQueueController::clearQueueButton, Qt::QueuedConnection);
+}
+
+/// Who takes a film's job away does not want it: it is known from now on.
+void WatchSession::jobDeleted(const KXJob &job)
+{
+    m_parts.watchMode.fileDone(job.jobSelection()->videoTrackFileURL());
+    note(WatchLog::Kind::Note, tr("%1: its job was removed, so it is not converted.").arg(job.jobFileName()));
 }
 
 } // namespace app

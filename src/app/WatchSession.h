@@ -3,6 +3,7 @@
 #include "app/OutputJournal.h"
 #include "app/WatchLog.h"
 #include "platform/KXNotificationCenter.h"
+#include "prefs/WatchIntervals.h"
 
 #include <QObject>
 #include <QTimer>
@@ -39,6 +40,7 @@ public:
         KXQueueController &queue;
         KXNotificationCenter &notifications;
         QString settingsPath; ///< the journal lies beside it
+        int startInterval = prefs::WatchIntervals().start;
     };
 
     explicit WatchSession(const Parts &parts);
@@ -50,9 +52,13 @@ public:
     /// Begins; false when it could not, and then the log or watchFolderPath() says why.
     bool start();
     void end();
+    /// Files that a person or the desktop hands to the program while it watches: films of the folder are
+    /// converted, of all others it is told that they can't be opened now.
+    void filesRequested(const QStringList &paths);
     const WatchLog &log() const { return m_log; }
 
-    static constexpr int startMilliseconds = 500;
+    /// While films that have arrived are opened or started, or wait for that.
+    bool isAtWork() const { return m_active || !m_pending.isEmpty(); }
 
 private:
     void tellWhatIsThere();
@@ -62,11 +68,18 @@ private:
     void batchDone();
     void jobAdded(int row);
     void jobChanged(int row);
+    void jobDeleted(const KXJob &job);
+    void takeQueued();
     void filesFound(const QStringList &paths);
     void note(WatchLog::Kind kind, const QString &text);
     QList<QUrl> takenNow(const QList<QUrl> &films);
     void leftByPresets(const QString &fileName);
     void refusedNow(const QString &reason);
+    void refusedByIntake(const QUrl &film);
+    void failed(const QUrl &film, const QString &reason);
+    void later(const QUrl &film, const QString &reason);
+    QString momentaryProblem(const QUrl &film) const;
+    QString presetProblem();
     void connectLog();
 
     Parts m_parts;
@@ -77,6 +90,8 @@ private:
     QList<QList<QUrl>> m_pending;
     QList<QUrl> m_batch; ///< what is being opened and started
     std::weak_ptr<KXJob> m_lastEnded;
+    QString m_tracksPreset; ///< by which it is watched
+    QString m_settingsPreset;
     bool m_active = false;
     bool m_folderWasMissing = false;
 };

@@ -43,6 +43,7 @@ const QList<OptionSpec> &allOptions()
         {u"duration"_s, u"HH:MM:SS"_s, u"Make parts of this duration."_s},
         {u"force"_s, {}, u"Replace an existing output; the old one is kept until the job has succeeded."_s},
         {u"existing"_s, {}, u"Convert films too that are in the folder already and were never converted."_s},
+        {u"status"_s, {}, u"Show in one line how the folder is doing, and end."_s},
         {u"verify"_s, {}, u"Compare what was copied with its source, bit for bit."_s},
         {u"output"_s, u"FILE"_s, u"Name the result of a single film."_s},
         {u"recursive"_s, {}, u"Take the films in folders too; with --save-dir their trees are mirrored."_s},

@@ -1,5 +1,6 @@
 #include "cli/JobRun.h"
 
+#include "cli/LiveLine.h"
 #include "cli/Records.h"
 #include "cli/Session.h"
 
@@ -49,19 +50,6 @@ QJsonArray pathsOf(const QList<QUrl> &files)
     for (const QUrl &file : files)
         paths.append(file.toLocalFile());
     return paths;
-}
-
-QString progressText(const KXJob &job, const jobs::ProgressList &list, std::optional<double> queueLeft)
-{
-    QStringList steps;
-    for (const jobs::ProgressItem &item : list)
-        steps.append(item.step + u' ' + item.progress);
-    const auto left = job.pace().leftSeconds;
-    if (left)
-        steps.append(jobs::clockText(*left) + u" left"_s);
-    if (left && queueLeft && *queueLeft > *left)
-        steps.append(jobs::clockText(*queueLeft) + u" for all"_s);
-    return job.jobFileName() + u": "_s + steps.join(u", "_s);
 }
 
 QJsonValue numberOrNull(const std::optional<double> &number)
@@ -134,19 +122,6 @@ ExitStatus JobRun::run()
     return worse(m_worst, m_files.finish());
 }
 
-/// What follows the job.
-QString JobRun::followText(const KXJob &job) const
-{
-    QStringList names;
-    for (const JobPointer &other : m_jobs) {
-        if (!other->hasEnded() && other.get() != &job)
-            names.append(other->jobFileName());
-    }
-    if (names.isEmpty())
-        return {};
-    return names.size() == 1 ? u", then "_s + names.constFirst() : u", then %1 more"_s.arg(names.size());
-}
-
 bool JobRun::everyJobHasEnded() const
 {
     return std::all_of(m_jobs.begin(), m_jobs.end(), [](const JobPointer &job) { return job->hasEnded(); });
@@ -172,7 +147,7 @@ void JobRun::progressed(const KXNotification &notification)
     if (job == nullptr || list.isEmpty() || job->hasEnded())
         return;
     const auto queueLeft = jobs::secondsLeftFor(m_jobs);
-    m_session.console().progress(progressText(*job, list, queueLeft) + followText(*job), job->jobFileName());
+    m_session.console().progress(liveLine(*job, list, m_jobs), job->jobFileName());
     for (qsizetype i = 0; i < list.size(); ++i) {
         if (i < m_lastProgress.size() && m_lastProgress.at(i) == list.at(i))
             continue;

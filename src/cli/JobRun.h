@@ -32,7 +32,6 @@ private:
     void stop();
     void sendEvent(const QString &event, const KXJob &job, QJsonObject more = {});
     int numberOf(const KXJob &job) const { return m_numbers.value(&job); }
-    QString followText(const KXJob &job) const;
     bool everyJobHasEnded() const;
 
     Session &m_session;

@@ -24,7 +24,33 @@ QString withoutMiddle(const QString &text, qsizetype size)
     return head + u'…' + tail;
 }
 
+QString followText(const KXJob &job, const QList<JobPointer> &queue)
+{
+    QStringList names;
+    for (const JobPointer &other : queue) {
+        if (!other->hasEnded() && other.get() != &job)
+            names.append(other->jobFileName());
+    }
+    if (names.isEmpty())
+        return {};
+    return names.size() == 1 ? u", then "_s + names.constFirst() : u", then %1 more"_s.arg(names.size());
+}
+
 } // namespace
+
+QString liveLine(const KXJob &job, const jobs::ProgressList &steps, const QList<JobPointer> &queue)
+{
+    QStringList parts;
+    for (const jobs::ProgressItem &item : steps)
+        parts.append(item.step + u' ' + item.progress);
+    const auto left = job.pace().leftSeconds;
+    const auto queueLeft = jobs::secondsLeftFor(queue);
+    if (left)
+        parts.append(jobs::clockText(*left) + u" left"_s);
+    if (left && queueLeft && *queueLeft > *left)
+        parts.append(jobs::clockText(*queueLeft) + u" for all"_s);
+    return job.jobFileName() + u": "_s + parts.join(u", "_s) + followText(job, queue);
+}
 
 QString fittedLine(const QString &line, const QString &subject, qsizetype columns)
 {

@@ -2,12 +2,16 @@
 
 #include "app/FileWork.h"
 #include "cli/FinishedFiles.h"
+#include "cli/LiveLine.h"
 #include "cli/PresetChoice.h"
 #include "cli/Session.h"
+#include "prefs/WatchStatus.h"
 
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QSet>
+#include <QJsonArray>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -41,16 +45,51 @@ void tell(Console &console, const app::WatchLog::Line &line)
         console.result(app::WatchLog::formatted(line));
 }
 
+/// Whether somebody watches is the exit status.
+ExitStatus showStatus(Session &session)
+{
+    const CommandLine &line = session.line();
+    if (line.arguments().size() != 1)
+        return session.wrongUsage(u"The status of one folder is shown. See tessaray-cli watch --help."_s);
+    const QString folder = absolutePath(line.arguments().constFirst());
+    if (!QFileInfo(folder).isDir())
+        return session.failed(u"There is no folder %1."_s.arg(folder));
+    const prefs::WatchStatus status =
+        prefs::watchStatusOf(folder, QFileInfo(session.program().settingsPath()).absolutePath());
+    if (session.console().isJson())
+        session.console().object({{u"folder"_s, status.folder},
+                                  {u"watched"_s, status.isWatched()},
+                                  {u"watcher"_s, status.watcher},
+                                  {u"waiting"_s, status.waiting},
+                                  {u"refused"_s, status.refused},
+                                  {u"known"_s, status.known},
+                                  {u"outputs"_s, status.outputs}});
+    else
+        session.console().result(status.sentence());
+    return status.isWatched() ? ExitStatus::AllWell : ExitStatus::Warnings;
+}
+
+/// A film with its result, in one object.
+void tellEnd(Console &console, const KXJob &job)
+{
+    QJsonArray outputs;
+    for (const QUrl &output : job.outputs())
+        outputs.append(output.toLocalFile());
+    console.object({{u"event"_s, u"film"_s},
+                    {u"source"_s, job.jobSelection()->videoTrackFileURL().toLocalFile()},
+                    {u"result"_s, job.outcome().word()},
+                    {u"sentence"_s, job.outcome().sentence},
+                    {u"outputs"_s, outputs}});
+}
+
 void followProgress(Session &session, QObject *context)
 {
     KXQueueController &queue = session.program().queue();
     QObject::connect(&queue, &KXQueueController::jobProgressListChanged, context, [&session, &queue] {
-        QStringList steps;
-        for (const jobs::ProgressItem &item : queue.jobProgressList())
-            steps.append(item.step + u' ' + item.progress);
-        if (queue.currentJob() && !steps.isEmpty())
-            session.console().progress(queue.currentJob()->jobFileName() + u": "_s + steps.join(u", "_s),
-                                       queue.currentJob()->jobFileName());
+        const JobPointer job = queue.currentJob();
+        const jobs::ProgressList &steps = queue.jobProgressList();
+        if (job && !steps.isEmpty())
+            session.console().progress(liveLine(*job, steps, queue.qJobList()), job->jobFileName());
         else
             session.console().endProgress();
     });
@@ -60,20 +99,25 @@ void followProgress(Session &session, QObject *context)
 void followFiles(Session &session, FinishedFiles &files)
 {
     KXQueueController &queue = session.program().queue();
-    QObject::connect(&queue, &KXQueueController::jobChanged, &files,
-                     [&queue, &files, taken = QSet<const KXJob *>()](int row) mutable {
-                         const JobPointer job = queue.qJobList().value(row);
-                         if (!job || !job->hasEnded() || taken.contains(job.get()))
-                             return;
-                         taken.insert(job.get());
-                         files.take(*job);
-                     });
+    QObject::connect(
+        &queue, &KXQueueController::jobChanged, &files,
+        [&queue, &files, &console = session.console(), last = std::weak_ptr<KXJob>()](int row) mutable {
+            const JobPointer job = queue.qJobList().value(row);
+            if (!job || !job->hasEnded() || last.lock() == job)
+                return;
+            last = job;
+            if (console.isJson())
+                tellEnd(console, *job);
+            files.take(*job);
+        });
 }
 
 } // namespace
 
 ExitStatus WatchCommand::execute(Session &session) const
 {
+    if (session.line().has(u"status"_s))
+        return showStatus(session);
     QString problem = problemWith(session);
     if (!problem.isNull())
         return session.wrongUsage(problem);

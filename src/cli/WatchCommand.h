@@ -15,7 +15,7 @@ public:
     }
     QString arguments() const override
     {
-        return QStringLiteral("DIR --track-preset NAME --settings-preset NAME");
+        return QStringLiteral("DIR --track-preset NAME --settings-preset NAME | --status DIR");
     }
     QString example() const override
     {
@@ -25,7 +25,8 @@ public:
     QStringList options() const override
     {
         return {QStringLiteral("track-preset"), QStringLiteral("settings-preset"), QStringLiteral("existing"),
-                QStringLiteral("verify"),       QStringLiteral("print"),           QStringLiteral("exec")};
+                QStringLiteral("status"),       QStringLiteral("verify"),          QStringLiteral("print"),
+                QStringLiteral("exec")};
     }
     ExitStatus execute(Session &session) const override;
 };

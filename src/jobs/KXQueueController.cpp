@@ -318,13 +318,21 @@ void KXQueueController::deleteJobRow(int column, int row)
     if (column != deleteColumn || row < 0 || row >= m_jobList.size())
         return;
     if (!m_jobIsRunning)
-        return removeRow(row);
+        return deleteRow(row);
     m_currentJob->pauseJob();
     if (row == m_currentJobRowIndex)
         return askToStop();
-    removeRow(row);
+    deleteRow(row);
     m_currentJob->resumeJob();
     setPauseButtonTitle(u"Pause"_s);
+}
+
+void KXQueueController::deleteRow(qsizetype row)
+{
+    const JobPointer job = m_jobList.at(row);
+    if (isWaiting(job))
+        Q_EMIT jobDeleted(*job);
+    removeRow(row);
 }
 
 void KXQueueController::askToStop()
@@ -348,6 +356,7 @@ void KXQueueController::quitJobAlertClosedReturnCode(int returnCode)
     if (!asked || asked != m_currentJob || !m_jobIsRunning)
         return;
     if (returnCode == platform::firstButtonReturn) {
+        Q_EMIT jobDeleted(*asked);
         stopCurrentJob();
         return startNextSoon();
     }

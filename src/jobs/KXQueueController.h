@@ -82,6 +82,8 @@ public:
     const QList<JobPointer> &qJobList() const { return m_jobList; }
     const jobs::ProgressList &jobProgressList() const { return m_progressList; }
     bool qJobIsRunning() const { return m_jobIsRunning; }
+    /// Whether a job runs, or one that waits is about to start.
+    bool isAtWork() const { return m_jobIsRunning || (!m_isHeld && hasWaitingJob()); }
     JobPointer currentJob() const { return m_currentJob; }
     qint64 currentJobRowIndex() const { return m_currentJobRowIndex; }
     QString pauseButtonTitle() const { return m_pauseButtonTitle; }
@@ -91,6 +93,8 @@ Q_SIGNALS:
     void jobAdded(int row);
     void jobChanged(int row);
     void jobRemoved(int row);
+    /// A person has taken that job out of the list, waiting or running. Before jobRemoved().
+    void jobDeleted(const KXJob &job);
     /// A row stands elsewhere now.
     void jobMoved(int from, int to);
     void heldChanged();
@@ -121,6 +125,7 @@ private:
     void forgetStop();
     void openForJobs();
     void startNextSoon();
+    void deleteRow(qsizetype row);
     void removeRow(qsizetype row);
     void setPauseButtonTitle(const QString &title);
     void jobEnded(const KXNotification &notification);

@@ -26,6 +26,8 @@ class KXPreferencesController final : public QObject
     KX_STATE(bool, verifyFlag, setVerifyFlag, false)
     /// Films whose codecs the vocabulary does not know are opened too.
     KX_STATE(bool, newerCodecsFlag, setNewerCodecsFlag, false)
+    /// Set where a folder to watch is chosen, not in the panel.
+    KX_STATE(bool, watchExistingFlag, setWatchExistingFlag, false)
 
 public:
     /// Both must outlive the controller.

@@ -42,6 +42,8 @@ qint64 waitBefore(int attempt)
 /// What is left of a job that failed.
 bool isIncompleteByName(const QString &path)
 {
+    if (!path.contains(u"(incomplete)"_s))
+        return false;
     static const QRegularExpression mark(u"\\(incomplete\\)(?: \\(\\d+\\))?$"_s);
     return mark.match(QFileInfo(path).completeBaseName()).hasMatch();
 }
@@ -117,7 +119,22 @@ QString KXWatchModeController::startProblem()
     m_folder = m_listing->canonicalFolder(watchFolderPath());
     if (m_folder.isNull())
         return u"must select a valid directory to start watch mode"_s;
+    m_folderInode = m_listing->stateOf(m_folder).inode;
+    m_isOurs = true;
     return m_watcher.take(m_folder);
+}
+
+/// Another folder at the place is watched by nobody yet, or by somebody else.
+bool KXWatchModeController::isStillOurs()
+{
+    const quint64 inode = m_listing->stateOf(m_folder).inode;
+    if (inode == m_folderInode && m_isOurs)
+        return true;
+    m_folderInode = inode;
+    const QString problem = m_watcher.take(m_folder);
+    if (const bool wasOurs = std::exchange(m_isOurs, problem.isNull()); wasOurs && !m_isOurs)
+        Q_EMIT folderTaken(problem);
+    return m_isOurs;
 }
 
 /// What waited at the end of the last watch waits on, what is new is known from now on.
@@ -127,6 +144,7 @@ void KXWatchModeController::takeWhatIsThere()
     m_files.growing().clear();
     m_seen.clear();
     m_look = 0;
+    const bool takesExisting = m_takesExisting || m_preferences->panelFlag(u"watchExistingFlag"_s);
     QStringList known;
     QStringList waiting;
     QList<Film> unknown;
@@ -134,7 +152,7 @@ void KXWatchModeController::takeWhatIsThere()
     for (const Entry &entry : entries) {
         if (isKnown(entry)) {
             known.append(entry.path);
-        } else if (const Film film = filmAt(entry.path); m_takesExisting || m_journal.waits(film)) {
+        } else if (const Film film = filmAt(entry.path); takesExisting || m_journal.waits(film)) {
             waiting.append(entry.path);
         } else {
             unknown.append(film);
@@ -209,6 +227,7 @@ void KXWatchModeController::fileRefused(const QUrl &file)
 {
     const QString path = file.toLocalFile();
     m_handedOver.remove(path);
+    m_later.remove(path);
     m_journal.note(prefs::WatchJournal::Why::Refused, {filmAt(path)});
     if (m_files.refused(path, m_listing->stateOf(path)) == prefs::WatchedFiles::mostAttempts)
         Q_EMIT fileGivenUp(path);
@@ -221,14 +240,38 @@ void KXWatchModeController::fileDone(const QUrl &file)
     m_later.remove(path);
     if (m_handedOver.contains(path))
         m_journal.note(prefs::WatchJournal::Why::Known, {m_handedOver.take(path)});
+    else if (!appIsInWatchMode())
+        prefs::WatchJournal::noteDone(file);
 }
 
-void KXWatchModeController::fileLater(const QUrl &file)
+void KXWatchModeController::fileIsQueued(const QUrl &file)
+{
+    const QString path = QFileInfo(file.toLocalFile()).canonicalFilePath();
+    if (!path.startsWith(m_folder + u'/'))
+        return;
+    m_files.growing().removeIf(
+        [&](const prefs::WatchedFiles::Growing &growing) { return growing.path == path; });
+    m_handedOver.insert(path, filmAt(path));
+}
+
+bool KXWatchModeController::fileWanted(const QUrl &file)
+{
+    const QString path = QFileInfo(file.toLocalFile()).canonicalFilePath();
+    const QList<Entry> entries = m_listing->entries(m_folder, movieExtensionsList());
+    const bool isThere =
+        std::any_of(entries.begin(), entries.end(), [&](const Entry &entry) { return entry.path == path; });
+    if (isThere && !m_handedOver.contains(path) && !m_files.growingPaths().contains(path))
+        m_wanted.insert(path);
+    return isThere;
+}
+
+int KXWatchModeController::fileLater(const QUrl &file)
 {
     const QString path = file.toLocalFile();
     Later &later = m_later[path];
     later.notBefore = m_clock() + waitBefore(later.attempts++);
     m_handedOver.remove(path);
+    return later.attempts;
 }
 
 void KXWatchModeController::watchLoop()
@@ -237,6 +280,10 @@ void KXWatchModeController::watchLoop()
     if (m_listing->canonicalFolder(m_folder).isNull()) { // asked afterwards: it may vanish while it is read
         Q_EMIT looked(false);
         Q_EMIT folderMissing();
+        return;
+    }
+    if (!isStillOurs()) {
+        Q_EMIT looked(false);
         return;
     }
     m_journal.refresh();
@@ -251,17 +298,18 @@ void KXWatchModeController::watchLoop()
 void KXWatchModeController::lookAt(const QList<Entry> &current)
 {
     const QSet<QString> growing = m_files.growingPaths();
-    QStringList there;
+    QSet<QString> growingThere;
     QStringList known;
+    known.reserve(current.size());
     QStringList fresh;
     for (const Entry &entry : current) {
-        there.append(entry.path);
         if (growing.contains(entry.path))
-            continue;
-        (isKnown(entry) ? known : fresh).append(entry.path);
+            growingThere.insert(entry.path);
+        else
+            (isKnown(entry) ? known : fresh).append(entry.path);
     }
     m_files.setBase(known);
-    forgetVanished(there);
+    forgetVanished(growingThere);
     takeFinished();
     watchNew(fresh);
     if (!m_toProcess.isEmpty())
@@ -273,11 +321,13 @@ void KXWatchModeController::lookAt(const QList<Entry> &current)
 bool KXWatchModeController::isKnown(const Entry &entry)
 {
     const auto seen = m_seen.find(entry.path);
-    if (seen != m_seen.end() && *seen == entry.number && !isLookedAtNow(entry.path))
+    if (seen != m_seen.end() && seen->number == entry.number && !isLookedAtNow(entry.path)) {
+        seen->look = m_look;
         return true;
+    }
     const bool known = isKnownByItself(entry);
     if (known)
-        m_seen.insert(entry.path, entry.number);
+        m_seen.insert(entry.path, {entry.number, m_look});
     else
         m_seen.remove(entry.path);
     return known;
@@ -285,8 +335,8 @@ bool KXWatchModeController::isKnown(const Entry &entry)
 
 bool KXWatchModeController::isLookedAtNow(const QString &path) const
 {
-    return m_handedOver.contains(path) || m_later.contains(path) || m_files.wasRefused(path) ||
-           qHash(path) % looksUntilAllAreSeen == m_look % looksUntilAllAreSeen;
+    return m_handedOver.contains(path) || m_wanted.contains(path) || m_later.contains(path) ||
+           m_files.wasRefused(path) || qHash(path) % looksUntilAllAreSeen == m_look % looksUntilAllAreSeen;
 }
 
 bool KXWatchModeController::isKnownByItself(const Entry &entry)
@@ -298,6 +348,8 @@ bool KXWatchModeController::isKnownByItself(const Entry &entry)
         m_toldNames.insert(entry.path);
         return true;
     }
+    if (m_wanted.remove(entry.path))
+        return false;
     if (isIncompleteByName(entry.path) || m_files.isAnnounced(entry.path))
         return true;
     const Film film = filmAt(entry.path);
@@ -311,30 +363,36 @@ bool KXWatchModeController::isKnownByItself(const Entry &entry)
     return why == Why::Refused ? m_look > 0 : why.has_value();
 }
 
-void KXWatchModeController::forgetVanished(const QStringList &current)
+void KXWatchModeController::forgetVanished(const QSet<QString> &growingThere)
 {
-    const QSet<QString> there(current.begin(), current.end());
-    m_seen.removeIf([&](QHash<QString, quint64>::iterator seen) { return !there.contains(seen.key()); });
+    if (m_seen.size() > m_files.base().size())
+        m_seen.removeIf([this](QHash<QString, Seen>::iterator seen) { return seen->look != m_look; });
     m_files.growing().removeIf([&](const prefs::WatchedFiles::Growing &file) {
-        if (there.contains(file.path))
+        if (growingThere.contains(file.path))
             return false;
         Q_EMIT fileForgotten(file.path);
         return true;
     });
 }
 
-/// Two looks with the same size, and not an empty file: it has stopped growing.
+/// Two looks with the same size and time, and not an empty file: it has stopped growing.
 void KXWatchModeController::takeFinished()
 {
     QList<prefs::WatchedFiles::Growing> still;
     for (prefs::WatchedFiles::Growing &file : m_files.growing()) {
-        const QString size = sizeText(m_listing->stateOf(file.path).size);
-        if (size == u"0"_s || size != file.oldSize)
-            still.append({file.path, size, m_clock()});
-        else if (!isTakenAsWhole(file))
+        const prefs::WatchListing::State state = m_listing->stateOf(file.path);
+        const QString size = sizeText(state.size);
+        if (size != file.oldSize || state.changed != file.oldTime) {
+            still.append({file.path, size, state.changed, m_clock()});
+        } else if (size == u"0"_s) {
+            if (!std::exchange(file.isTold, true))
+                Q_EMIT fileEmpty(file.path);
             still.append(file);
-        else
+        } else if (!isTakenAsWhole(file)) {
+            still.append(file);
+        } else {
             handOver(file.path);
+        }
     }
     m_files.growing() = still;
 }
@@ -366,7 +424,8 @@ void KXWatchModeController::watchNew(const QStringList &files)
     QList<Film> films;
     for (const QString &path : files) {
         films.append(filmAt(path));
-        m_files.growing().append({path, sizeText(films.constLast().size), m_clock()});
+        const Film &film = films.constLast();
+        m_files.growing().append({path, sizeText(film.size), film.changed, m_clock()});
     }
     if (files.isEmpty())
         return;

@@ -50,7 +50,7 @@ public:
     void setClock(std::function<qint64()> clock) { m_clock = std::move(clock); }
     /// Where the journal of a folder lies that can't be written.
     void setDataFolder(const QString &folder) { m_dataFolder = folder; }
-    /// Films that the journal does not know at the start are processed too.
+    /// Films that the journal does not know at the start are processed too, as with the setting for it.
     void setTakesExisting(bool takes) { m_takesExisting = takes; }
     /// False where the journal of the watched folder lies elsewhere, or nowhere.
     bool isJournalInFolder() const { return m_journal.isInFolder(); }
@@ -77,8 +77,14 @@ public:
     void fileDone(const QUrl &file);
     /// A file that was handed over was not begun with: it waits for the next start of the watch.
     void fileGivenBack(const QUrl &file) { m_handedOver.remove(file.toLocalFile()); }
+    /// A job for a file waits in the queue already, from an earlier run of the program: it counts as handed
+    /// over.
+    void fileIsQueued(const QUrl &file);
+    /// A person wants that file of the folder, also where it is known. False where it is none of its films.
+    bool fileWanted(const QUrl &file);
     /// A file that was handed over could not be processed now; it is handed over again, later each time.
-    void fileLater(const QUrl &file);
+    /// Answers how often that was so.
+    int fileLater(const QUrl &file);
 
     static constexpr int fadeMilliseconds = 100;
 
@@ -99,6 +105,10 @@ Q_SIGNALS:
     void fileForgotten(const QString &path);
     /// It has stopped growing and is still being written, or is shorter than it says itself.
     void fileNotWhole(const QString &path);
+    /// It has stopped growing without a content.
+    void fileEmpty(const QString &path);
+    /// Another folder stands at the watched place, and somebody else watches that: a sentence.
+    void folderTaken(const QString &sentence);
     /// Its name is not UTF-8, so that no tool can open it.
     void nameNotReadable(const QString &path);
 
@@ -115,12 +125,13 @@ private:
     void delayedToggleWindows();
     void delayedOpenDrawer();
     QString startProblem();
+    bool isStillOurs();
     void takeWhatIsThere();
     void lookAt(const QList<Entry> &current);
     bool isKnown(const Entry &entry);
     bool isKnownByItself(const Entry &entry);
     bool isLookedAtNow(const QString &path) const;
-    void forgetVanished(const QStringList &current);
+    void forgetVanished(const QSet<QString> &growingThere);
     void takeFinished();
     bool isTakenAsWhole(prefs::WatchedFiles::Growing &file);
     void handOver(const QString &path);
@@ -135,9 +146,16 @@ private:
     prefs::WatchedFolder m_watcher;
     prefs::WatchJournal m_journal;
     prefs::WatchedFiles m_files;
-    QHash<QString, quint64> m_seen; ///< known ones, with the number of their directory entry
+    /// A known file, as the listing told of it.
+    struct Seen
+    {
+        quint64 number = 0; ///< of its directory entry
+        quint32 look = 0;   ///< at which it was there the last time
+    };
+    QHash<QString, Seen> m_seen;
     QHash<QString, Film> m_handedOver;
     QHash<QString, Later> m_later;
+    QSet<QString> m_wanted;
     QSet<QString> m_toldNames;
     quint32 m_look = 0; ///< how many there were since the start
     QStringList m_toProcess;
@@ -145,4 +163,6 @@ private:
     QTimer m_toggleTimer;
     QTimer m_drawerTimer;
     QString m_folder; ///< without links
+    quint64 m_folderInode = 0;
+    bool m_isOurs = true;
 };

@@ -113,10 +113,40 @@ void WatchJournal::open(const QString &folder, const QString &otherFolder)
     const QString inside = QDir(folder).filePath(fileName());
     if (append(inside, {}))
         m_place = inside;
-    else if (!otherFolder.isEmpty() && QDir().mkpath(otherFolder))
-        m_place = otherPlaceFor(folder, otherFolder);
+    else
+        openElsewhere(inside, otherFolder);
     if (!m_place.isEmpty())
         refresh();
+}
+
+/// What the folder's own journal knows counts all the same: the folder may have been writable before.
+void WatchJournal::openElsewhere(const QString &inside, const QString &otherFolder)
+{
+    m_place = inside;
+    refresh();
+    m_place.clear();
+    m_bytesRead = 0;
+    if (!otherFolder.isEmpty() && QDir().mkpath(otherFolder))
+        m_place = otherPlaceFor(m_folder, otherFolder);
+}
+
+void WatchJournal::read(const QString &folder, const QString &otherFolder)
+{
+    *this = {};
+    m_folder = folder;
+    const QString elsewhere = otherPlaceFor(folder, otherFolder);
+    m_place = QFileInfo::exists(elsewhere) ? elsewhere : QDir(folder).filePath(fileName());
+    refresh();
+}
+
+QList<WatchJournal::Film> WatchJournal::films(Why why) const
+{
+    QList<Film> films;
+    for (const Line &line : m_byPath) {
+        if (line.why == why)
+            films.append(line.film);
+    }
+    return films;
 }
 
 bool WatchJournal::isInFolder() const
@@ -165,7 +195,7 @@ QByteArray WatchJournal::written(const Line &line) const
     return lineOf(line.why, line.film, line.day, QDir(m_folder).relativeFilePath(line.film.path));
 }
 
-std::optional<WatchJournal::Line> WatchJournal::read(const QByteArray &text) const
+std::optional<WatchJournal::Line> WatchJournal::lineIn(const QByteArray &text) const
 {
     const QByteArrayList fields = text.split('\t');
     const qsizetype why = words.indexOf(fields.value(0));
@@ -183,7 +213,7 @@ void WatchJournal::takeLines(const QByteArray &bytes)
 {
     const qsizetype end = bytes.lastIndexOf('\n') + 1;
     for (const QByteArray &text : bytes.first(end).split('\n')) {
-        if (const auto line = read(text))
+        if (const auto line = lineIn(text))
             take(*line);
     }
     m_bytesRead += end;
@@ -228,6 +258,21 @@ void WatchJournal::tidy(const QSet<QString> &present)
     }
     if (platform::replacePlainFile(QUrl::fromLocalFile(m_place), lines))
         m_unwritten.clear();
+}
+
+void WatchJournal::noteDone(const QUrl &film)
+{
+    const QString place = journalAround(film);
+    const auto found =
+        place.isEmpty() ? std::nullopt : filmAt(QFileInfo(film.toLocalFile()).canonicalFilePath());
+    if (!found)
+        return;
+    WatchJournal journal;
+    journal.m_folder = QFileInfo(place).path();
+    journal.m_place = place;
+    journal.refresh();
+    if (journal.find(*found) == Why::Waiting)
+        journal.note(Why::Known, {*found});
 }
 
 /// Before the files have their names: a watch must never see one of them that it does not know. A lock that

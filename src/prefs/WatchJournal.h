@@ -38,6 +38,9 @@ public:
     /// Reads what is there. For a path without links. Where the folder can't be written the journal lies in
     /// the other one; an empty path there keeps it in memory alone.
     void open(const QString &folder, const QString &otherFolder);
+    /// Reads what is there, in the folder or else in the other one, and never writes.
+    void read(const QString &folder, const QString &otherFolder);
+    QList<Film> films(Why why) const;
     /// The file; a null text where it is in memory alone.
     QString place() const { return m_place; }
     bool isInFolder() const;
@@ -63,6 +66,10 @@ public:
     };
     static void noteOutputs(const QList<Output> &outputs);
 
+    /// Once a film is done with outside of any watch: where the journal around it says that it waits, it is
+    /// known from now on.
+    static void noteDone(const QUrl &film);
+
     static QString fileName() { return QStringLiteral(".tessaray-watch"); }
     static constexpr int daysKept = 30;
 
@@ -73,10 +80,11 @@ private:
         Film film;
         qint64 day = 0; ///< days since 1970 when it was seen the last time
     };
+    void openElsewhere(const QString &inside, const QString &otherFolder);
     void take(const Line &line);
     void takeLines(const QByteArray &bytes);
     QByteArray written(const Line &line) const;
-    std::optional<Line> read(const QByteArray &text) const;
+    std::optional<Line> lineIn(const QByteArray &text) const;
 
     QString m_folder;
     QString m_place;

@@ -4,7 +4,6 @@
 #include "platform/OpenFiles.h"
 
 #include <QByteArrayList>
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -42,7 +41,18 @@ QByteArray extensionOf(const QByteArray &name)
 
 bool isUtf8(const QByteArray &path)
 {
-    return QString::fromUtf8(path).toUtf8() == path;
+    return QUtf8StringView(path).isValidUtf8();
+}
+
+/// As QFileInfo tells it, without a second look at the file.
+qint64 changeOf(const struct stat &status)
+{
+#ifdef Q_OS_DARWIN
+    const timespec &time = status.st_mtimespec;
+#else
+    const timespec &time = status.st_mtim;
+#endif
+    return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
 }
 
 } // namespace
@@ -94,7 +104,7 @@ WatchListing::State WatchListing::stateOf(const QString &path) const
     struct stat status = {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return {};
-    return {status.st_size, QFileInfo(path).lastModified().toMSecsSinceEpoch(), status.st_ino};
+    return {status.st_size, changeOf(status), status.st_ino};
 }
 
 WatchListing::Wholeness WatchListing::wholenessOf(const QString &path) const

@@ -12,6 +12,8 @@ namespace {
 /// The name that a split was announced under, for one of its numbered parts; else a null text.
 QString splitOutputOf(const QString &path)
 {
+    if (!path.contains(u".split"_s))
+        return {};
     static const QRegularExpression part(u"^(.*\\.split.*)-\\d+(\\.[^./]*)$"_s,
                                          QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch match = part.match(path);
@@ -32,13 +34,11 @@ QString canonical(const QString &path)
 void WatchedFiles::setBase(const QStringList &paths)
 {
     m_base = paths;
-    m_baseSet = QSet<QString>(paths.begin(), paths.end());
 }
 
 void WatchedFiles::appendToBase(const QString &path)
 {
     m_base.append(path);
-    m_baseSet.insert(path);
 }
 
 void WatchedFiles::announce(const QString &path)

@@ -18,7 +18,7 @@ public:
     const QStringList &base() const { return m_base; }
     void setBase(const QStringList &paths);
     void appendToBase(const QString &path);
-    bool isInBase(const QString &path) const { return m_baseSet.contains(path); }
+    bool isInBase(const QString &path) const { return m_base.contains(path); }
 
     /// An output that was announced, at any time: never a new movie.
     void announce(const QString &path);
@@ -29,6 +29,7 @@ public:
     {
         QString path;
         QString oldSize;
+        qint64 oldTime = 0;   ///< of its last change, at that look
         qint64 changedAt = 0; ///< when the size was seen to change the last time, by the clock of the looks
         bool isTold = false;  ///< that it stopped and is not whole
     };
@@ -53,7 +54,6 @@ private:
     };
 
     QStringList m_base;
-    QSet<QString> m_baseSet;
     QSet<QString> m_announced;
     QList<Growing> m_growing;
     QHash<QString, Refusal> m_refusals;

@@ -7,6 +7,8 @@
 #include <QDirIterator>
 #include <QUrl>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace prefs {
@@ -56,9 +58,34 @@ QString watchedInside(const QString &folder)
 WatchedFolder::WatchedFolder() = default;
 WatchedFolder::~WatchedFolder() = default;
 
+/// What was taken before lies in a folder that is not there now.
+void WatchedFolder::setAside()
+{
+    if (m_holder && !m_holder->isHeld())
+        m_aside.push_back(std::move(m_holder));
+    if (m_aside.size() > mostAside)
+        m_aside.erase(m_aside.begin());
+}
+
+bool WatchedFolder::isBack(const QString &folder)
+{
+    const auto back =
+        std::find_if(m_aside.begin(), m_aside.end(), [](const auto &holder) { return holder->isHeld(); });
+    if (folder != m_folder || back == m_aside.end())
+        return false;
+    m_holder = std::move(*back);
+    m_aside.erase(back);
+    return true;
+}
+
 QString WatchedFolder::take(const QString &folder)
 {
-    release();
+    if (folder == m_folder)
+        setAside();
+    m_holder.reset();
+    if (isBack(folder))
+        return {};
+    m_folder = folder;
     m_holder = std::make_unique<platform::HolderFile>(holderIn(folder));
     if (m_holder->take() == platform::HolderFile::Answer::Taken) {
         m_holder.reset();
@@ -69,13 +96,20 @@ QString WatchedFolder::take(const QString &folder)
         other = watchedInside(folder);
     if (other.isEmpty())
         return {};
-    release();
+    m_holder.reset();
     return sentenceFor(other);
+}
+
+QString WatchedFolder::watcherOf(const QString &folder)
+{
+    return isWatched(folder) ? platform::HolderFile::holderAt(holderIn(folder)) : QString();
 }
 
 void WatchedFolder::release()
 {
     m_holder.reset();
+    m_aside.clear();
+    m_folder.clear();
 }
 
 } // namespace prefs

@@ -58,6 +58,9 @@ constexpr std::array knownLines = {
 constexpr std::array fullDisk = {u"No space left on device", u"No space left to write to",
                                  u"Disk quota exceeded"};
 
+constexpr std::array passing = {u"no room left",      u"the volume may be full", u"can't be written",
+                                u"Permission denied", u"Read-only file system",  u"could not be started"};
+
 /// They follow every failure and name none.
 constexpr std::array consequences = {u"Conversion failed",
                                      u"Error initializing output stream",
@@ -199,6 +202,11 @@ QString FailureCause::shown(const QString &line) const
     for (qsizetype i = 0; i < m_files.size(); ++i)
         text.replace(QChar(static_cast<char16_t>(firstMark + i)), m_files.at(i).fileName());
     return text;
+}
+
+bool FailureCause::mayPass(const QString &sentence)
+{
+    return contains(sentence, fullDisk) || contains(sentence, passing);
 }
 
 QString FailureCause::noRoomFor(const QUrl &output)

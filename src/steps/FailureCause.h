@@ -24,6 +24,9 @@ public:
 
     /// A line without colours, without the part of a tool that wrote it and its address.
     static QString cleaned(QString line);
+    /// Whether what is said of a failure lies in the machine, so that the same may go well later: there is no
+    /// room, a folder can't be written, a tool can't be started.
+    static bool mayPass(const QString &sentence);
     /// That the folder of an output is full.
     static QString noRoomFor(const QUrl &output);
 

@@ -165,6 +165,8 @@ void MainWindow::connectParts()
             [this](const QString &sentence) { say(MessageBar::Kind::Info, sentence); });
     connect(&m_delegate, &KXAppDelegate::documentWanted, this, &MainWindow::openDocument);
     connect(&m_delegate, &KXAppDelegate::windowWanted, this, [this] {
+        if (!isVisible() && m_delegate.program().watchMode().appIsInWatchMode())
+            return; // the watch window stands in its place
         show();
         raise();
         activateWindow();

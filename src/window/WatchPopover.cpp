@@ -28,6 +28,8 @@ WatchPopover::WatchPopover(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget
           named(new QPushButton(tr("Choose…")), "ChooseWatchFolderButton", tr("Choose the folder to watch")))
     , m_tracks(named(new QComboBox, "WatchTrackPreset", tr("Preset for tracks")))
     , m_settings(named(new QComboBox, "WatchSettingsPreset", tr("Preset for settings")))
+    , m_existing(named(new QCheckBox(tr("Films too that are there already and were never converted")),
+                       "WatchExistingTick", {}))
     , m_mark(iconLabel(u"dialog-warning"_s, Role::Warn))
     , m_reason(named(new InkLabel({}, Role::Second, Type::Second), "WatchReason", {}))
     , m_start(named(primaryButton(tr("Watch")), "StartWatchingFolderButton", tr("Start watching the folder")))
@@ -54,6 +56,7 @@ WatchPopover::WatchPopover(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget
             [this](int index) { m_delegate.program().presets().setSelectionMethodIndex(index); });
     connect(m_settings, &QComboBox::activated, this,
             [this](int index) { m_delegate.program().presets().setSettingMethodIndex(index); });
+    connect(m_existing, &QCheckBox::clicked, this, &WatchPopover::takeExisting);
     connect(&program.watchMode(), &KXWatchModeController::folderChanged, this, &WatchPopover::refresh);
     connect(&program.presets(), &KXPresetsController::methodsChanged, this, &WatchPopover::refresh);
     connect(&program.presets(), &KXPresetsController::listsChanged, this, &WatchPopover::refresh);
@@ -70,8 +73,7 @@ void WatchPopover::buildRows()
         3);
     grid->addWidget(
         hint(tr("Every film that arrives in it, or in a folder inside it, is converted by the two "
-                "presets as soon as it has stopped growing. Films that are there already stay as "
-                "they are.")),
+                "presets as soon as it has stopped growing.")),
         1, 0, 1, 3);
     const auto label = [](const QString &text) {
         auto *made = new InkLabel(text, Role::Second);
@@ -85,10 +87,20 @@ void WatchPopover::buildRows()
     grid->addWidget(m_tracks, 3, 1, 1, 2);
     grid->addWidget(label(tr("Settings preset")), 4, 0);
     grid->addWidget(m_settings, 4, 1, 1, 2);
+    grid->addWidget(m_existing, 5, 1, 1, 2);
     QWidget *foot = rowOf({m_mark, m_reason, m_start});
     static_cast<QHBoxLayout *>(foot->layout())->setStretch(1, 1); // NOLINT: rowOf() makes one
-    grid->addWidget(foot, 5, 0, 1, 3);
+    grid->addWidget(foot, 6, 0, 1, 3);
     grid->setColumnStretch(1, 1);
+}
+
+/// Saved with the other settings, when the program ends.
+void WatchPopover::takeExisting(bool taken)
+{
+    KXPreferences &preferences = m_delegate.program().preferences();
+    QVariantMap panel = preferences.preferencePanelDictionary();
+    panel.insert(u"watchExistingFlag"_s, taken);
+    preferences.setPreferencePanelDictionary(panel);
 }
 
 void WatchPopover::showNames(QComboBox *popup, const QStringList &names, int index)
@@ -112,6 +124,7 @@ void WatchPopover::refresh()
     const KXPresetsController &presets = program.presets();
     showNames(m_tracks, presets.presetSelectionsNamesList(), presets.selectionMethodIndex());
     showNames(m_settings, presets.presetSettingsNamesList(), presets.settingMethodIndex());
+    m_existing->setChecked(program.preferences().panelFlag(u"watchExistingFlag"_s));
     const QString refusal = m_delegate.watchSession().startRefusal();
     m_start->setEnabled(refusal.isNull());
     m_tips.setReason(m_start, refusal);

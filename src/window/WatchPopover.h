@@ -2,6 +2,7 @@
 
 #include "window/Controls.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
 #include <QLineEdit>
@@ -25,6 +26,7 @@ public:
 
 private:
     void buildRows();
+    void takeExisting(bool taken);
     static void showNames(QComboBox *popup, const QStringList &names, int index);
 
     KXAppDelegate &m_delegate;
@@ -33,6 +35,7 @@ private:
     QPushButton *m_choose;
     QComboBox *m_tracks;
     QComboBox *m_settings;
+    QCheckBox *m_existing;
     QLabel *m_mark;
     InkLabel *m_reason;
     QPushButton *m_start;

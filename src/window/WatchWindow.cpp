@@ -9,6 +9,7 @@
 #include "window/StatusLine.h"
 
 #include <QCloseEvent>
+#include <QMenuBar>
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -132,6 +133,7 @@ WatchWindow::WatchWindow(KXAppDelegate &delegate, QWidget &mainWindow)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    addMenus(layout);
     layout->addWidget(stateBar());
     layout->addWidget(countRow());
     layout->addWidget(separatorLine());
@@ -169,6 +171,38 @@ WatchWindow::WatchWindow(KXAppDelegate &delegate, QWidget &mainWindow)
 }
 
 WatchWindow::~WatchWindow() = default;
+
+/// The keys are those of the main window.
+void WatchWindow::addMenus(QVBoxLayout *layout)
+{
+    auto *bar = new QMenuBar(this);
+    bar->setObjectName(u"WatchMenu"_s);
+    layout->setMenuBar(bar);
+    const auto add = [this](QMenu *menu, const QString &text, const QKeySequence &keys, auto run) {
+        QAction *action = menu->addAction(text);
+        action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, run);
+        return action;
+    };
+    QMenu *watch = bar->addMenu(tr("&Watch"));
+    m_pauseAction = add(watch, tr("&Pause or Resume"), QKeySequence(Qt::CTRL | Qt::Key_Period),
+                        [this] { m_pause->click(); });
+    add(watch, tr("&Stop Watching"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
+        [this] { m_delegate.watchSession().end(); });
+    watch->addSeparator();
+    add(watch, tr("&Close Window"), QKeySequence::Close, [this] { close(); });
+    QAction *quit =
+        add(watch, tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { Q_EMIT quitWanted(); });
+    quit->setMenuRole(QAction::QuitRole);
+    add(bar->addMenu(tr("&Help")), tr("Online Guide"), QKeySequence::HelpContents,
+        [this] { m_delegate.helpMenuItemSelected(u"Online Guide"_s); });
+}
+
+void WatchWindow::comeForward()
+{
+    raise();
+    activateWindow();
+}
 
 QWidget *WatchWindow::stateBar()
 {
@@ -279,6 +313,7 @@ void WatchWindow::refreshState()
     m_counts->setBadges(countsOf(queue));
     m_pause->setText(queue.pauseButtonTitle());
     m_pause->setEnabled(queue.canPauseOrResume());
+    m_pauseAction->setEnabled(queue.canPauseOrResume());
 }
 
 /// The newest stands first.

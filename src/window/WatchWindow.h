@@ -10,6 +10,7 @@
 #include <QTimer>
 
 class KXAppDelegate;
+class QVBoxLayout;
 
 namespace window {
 
@@ -26,6 +27,7 @@ public:
 
     /// Takes the main window's place, or gives it back.
     void swap(bool watching);
+    void comeForward();
 
 Q_SIGNALS:
     /// It was closed, as the program would be.
@@ -35,6 +37,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void addMenus(QVBoxLayout *layout);
     QWidget *stateBar();
     QWidget *countRow();
     QWidget *foot();
@@ -55,6 +58,7 @@ private:
     QListWidget *m_log;
     ElidedLabel *m_place;
     QPushButton *m_pause;
+    QAction *m_pauseAction = nullptr;
     QTimer m_second;
     QElapsedTimer m_lastLook;
     bool m_isThere = true;

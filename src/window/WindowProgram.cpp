@@ -39,6 +39,10 @@ WindowProgram::WindowProgram(const app::Program::Options &options)
     connect(&m_window, &MainWindow::quitWanted, this, &WindowProgram::quit);
     connect(&m_program.watchMode(), &KXWatchModeController::windowsSwapped, this,
             &WindowProgram::swapWindows);
+    connect(&m_delegate, &KXAppDelegate::windowWanted, this, [this] {
+        if (m_watchWindow && m_watchWindow->isVisible())
+            m_watchWindow->comeForward();
+    });
     m_untilReady.setSingleShot(true);
     connect(&m_untilReady, &QTimer::timeout, this, &WindowProgram::getReady);
     connect(&m_delegate, &KXAppDelegate::terminationAllowed, this, &WindowProgram::leave,

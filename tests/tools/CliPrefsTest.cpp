@@ -45,10 +45,10 @@ private Q_SLOTS:
         QCOMPARE(run.status, 0);
         QVERIFY2(run.error.isEmpty(), run.error.constData());
         const QList<std::pair<QString, QJsonValue>> expected{
-            {u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},    {u"showToolTipsFlag"_s, true},
-            {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true},  {u"metadataPaddingFlag"_s, false},
-            {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},      {u"newerCodecsFlag"_s, false},
-            {u"watchFolder"_s, u""_s}};
+            {u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
+            {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
+            {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},     {u"newerCodecsFlag"_s, false},
+            {u"watchExistingFlag"_s, false}, {u"watchFolder"_s, u""_s}};
         const auto objects = run.objects();
         QCOMPARE(objects.size(), expected.size());
         for (qsizetype i = 0; i < expected.size(); ++i)
@@ -60,7 +60,7 @@ private Q_SLOTS:
     void aListForPeople()
     {
         const auto run = CliFixture().run({u"prefs"_s, u"list"_s});
-        QCOMPARE(run.lines().size(), 10);
+        QCOMPARE(run.lines().size(), 11);
         QVERIFY(run.lines().contains(u"keepLogsFlag = true"_s));
         QVERIFY(run.lines().contains(u"saveDirectoryPath = "_s));
     }
@@ -68,9 +68,9 @@ private Q_SLOTS:
     void flagsAreSetAndKept_data()
     {
         QTest::addColumn<QString>("key");
-        for (const auto &key : {u"showToolTipsFlag"_s, u"keepLogsFlag"_s, u"moovInFrontFlag"_s,
-                                u"metadataPaddingFlag"_s, u"useDpliiFlag"_s, u"verifyFlag"_s,
-                                u"newerCodecsFlag"_s})
+        for (const auto &key :
+             {u"showToolTipsFlag"_s, u"keepLogsFlag"_s, u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
+              u"useDpliiFlag"_s, u"verifyFlag"_s, u"newerCodecsFlag"_s, u"watchExistingFlag"_s})
             QTest::newRow(qPrintable(key)) << key;
     }
 

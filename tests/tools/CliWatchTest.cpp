@@ -169,6 +169,42 @@ private Q_SLOTS:
         QCOMPARE(end(SIGINT).status, 130);
     }
 
+    void theStatusIsOneLineAndNeedsNoPresets()
+    {
+        CliFixture::Run run = m_cli->run({u"watch"_s, u"--status"_s, u"in"_s});
+        QCOMPARE(run.status, 1);
+        QCOMPARE(QString::fromUtf8(run.output).trimmed(),
+                 m_cli->media(u"in"_s) + u": not watched; 0 waiting, 0 refused, 0 known, 0 outputs."_s);
+        QVERIFY(QDir(m_cli->media(u"in"_s)).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+        m_cli->clip(support::fullMkv(), u"in/old.mkv"_s);
+        watch({u"--json"_s});
+        QVERIFY(tells(u"note"_s, u"old.mkv is already there"_s));
+        moveIn(support::textMp4(), u"a.mp4"_s);
+        QVERIFY2(tells(u"done"_s, u"a.mp4"_s), qPrintable(said()));
+        run = m_cli->run({u"--json"_s, u"watch"_s, u"--status"_s, u"in"_s});
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.objects().size(), 1);
+        QJsonObject status = run.objects().constFirst();
+        QVERIFY(
+            status.take(u"watcher"_s).toString().startsWith(u"process %1 on "_s.arg(m_process->processId())));
+        QCOMPARE(status, QJsonObject({{u"folder"_s, m_cli->media(u"in"_s)},
+                                      {u"watched"_s, true},
+                                      {u"waiting"_s, 0},
+                                      {u"refused"_s, 0},
+                                      {u"known"_s, 2},
+                                      {u"outputs"_s, 1}}));
+        QList<QJsonObject> films = lines();
+        films.removeIf([](const QJsonObject &line) { return line.value(u"event"_s) != u"film"_s; });
+        QCOMPARE(films, QList<QJsonObject>({{{u"event"_s, u"film"_s},
+                                             {u"source"_s, m_cli->media(u"in/a.mp4"_s)},
+                                             {u"result"_s, u"ok"_s},
+                                             {u"sentence"_s, u""_s},
+                                             {u"outputs"_s, QJsonArray{m_cli->media(u"in/a.m4v"_s)}}}}));
+        QCOMPARE(end(SIGINT).status, 130);
+        QCOMPARE(m_cli->run({u"watch"_s, u"--status"_s, u"gone"_s}).status, 2);
+        QCOMPARE(m_cli->run({u"watch"_s, u"--status"_s}).status, 64);
+    }
+
     void aPersonReadsLinesWithTimes()
     {
         m_cli->clip(support::textMp4(), u"in/old.mp4"_s);

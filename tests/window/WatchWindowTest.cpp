@@ -8,6 +8,9 @@
 #include <QDir>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -114,6 +117,70 @@ private Q_SLOTS:
         QTRY_VERIFY(m_fixture->find<QWidget>("QueueTable")->isVisible()); // the drawer is open
         QVERIFY(m_fixture->waitForJobs());
         QVERIFY(QFile::exists(m_fixture->path(u"in/a.m4v"_s)));
+    }
+
+    void aSecondStartNeverBringsTheMainWindowBack()
+    {
+        startWatching();
+        const QString other = m_fixture->film(support::textMp4(), u"other.mp4"_s);
+        m_fixture->delegate().filesRequested({other});
+        QVERIFY(tells(u"%1: it is not opened while a folder is watched."_s.arg(other)));
+        m_fixture->delegate().filesRequested({});
+        QTest::qWait(500); // longer than files take on their way
+        QVERIFY(watchWindow().isVisible() && !m_fixture->window().isVisible());
+        QVERIFY(m_fixture->delegate().openQueue().entries().isEmpty());
+    }
+
+    void itsMenuHasTheKeysOfTheMainWindow()
+    {
+        startWatching();
+        QMap<QString, QString> keys;
+        for (const QAction *menu : part<QMenuBar>("WatchMenu")->actions()) {
+            for (const QAction *action : menu->menu()->actions())
+                keys.insert(action->text().remove(u'&'), action->shortcut().toString());
+        }
+        keys.remove(QString()); // the line between them
+        keys.remove(u"Online Guide"_s);
+        keys.remove(u"Close Window"_s);
+        QCOMPARE(keys, (QMap<QString, QString>{{u"Pause or Resume"_s, u"Ctrl+."_s},
+                                               {u"Stop Watching"_s, u"Ctrl+Shift+W"_s},
+                                               {u"Quit"_s, u"Ctrl+Q"_s}}));
+    }
+
+    void quittingAsksWhileAFilmIsOnItsWay()
+    {
+        startWatching();
+        m_fixture->film(support::textMp4(), u"in/a.mp4"_s);
+        watch().watchLoop();
+        watch().watchLoop(); // it is opened now and started in a moment
+        QVERIFY(m_fixture->queue().qJobList().isEmpty());
+        QTest::keyClick(&watchWindow(), Qt::Key_Q, Qt::ControlModifier);
+        QMessageBox *question = nullptr;
+        QVERIFY(waitFor([&] {
+            question = watchWindow().findChild<QMessageBox *>(u"Alert"_s);
+            return question != nullptr && question->isVisible();
+        }));
+        QCOMPARE(question->text(), u"Videos are still being processed.  Quit anyways?"_s);
+        for (QAbstractButton *button : question->buttons()) {
+            if (button->text().remove(u'&') == u"Cancel"_s)
+                QTest::mouseClick(button, Qt::LeftButton);
+        }
+        m_fixture->queue().pauseQueueButton(u"Resume"_s);
+        QVERIFY(waitFor([this] {
+            watch().watchLoop();
+            return QFile::exists(m_fixture->path(u"in/a.m4v"_s));
+        }));
+    }
+
+    void filmsThatAreThereAreTakenWithATick()
+    {
+        m_fixture->film(support::textMp4(), u"in/a.mp4"_s);
+        QTest::mouseClick(m_fixture->find<QAbstractButton>("WatchExistingTick"), Qt::LeftButton);
+        startWatching();
+        QVERIFY(waitFor([this] {
+            watch().watchLoop();
+            return QFile::exists(m_fixture->path(u"in/a.m4v"_s));
+        }));
     }
 
     void aNameThatIsMarkupIsShownAsItIs()

@@ -46,7 +46,8 @@ QStringList marksOf(const TrackList &tracks)
 
 } // namespace
 
-AppFixture::AppFixture()
+AppFixture::AppFixture(const prefs::WatchIntervals &watch)
+    : m_watchIntervals(watch)
 {
     copyTools(m_scratch.path(u"tools"_s));
     start();
@@ -63,7 +64,7 @@ void AppFixture::start()
     app::Program::Options options;
     options.defaultsPath = m_scratch.path(u"settings/defaults.json"_s);
     options.intervals = {20, 20, 5, 20};
-    options.watchIntervals.toggle = 20;
+    options.watchIntervals = m_watchIntervals;
     m_program = std::make_unique<app::Program>(options, *m_alerts);
     m_delegate = std::make_unique<KXAppDelegate>(
         KXAppDelegate::Surroundings{*m_program, *m_alerts, m_chooser, m_desktop});

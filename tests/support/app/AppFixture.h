@@ -16,7 +16,8 @@ namespace support {
 class AppFixture final
 {
 public:
-    AppFixture();
+    /// With other paces of watch mode than a person's.
+    explicit AppFixture(const prefs::WatchIntervals &watch = {5000, 20, 500});
     ~AppFixture();
     Q_DISABLE_COPY_MOVE(AppFixture)
 
@@ -66,6 +67,7 @@ public:
 private:
     void start();
 
+    prefs::WatchIntervals m_watchIntervals;
     Scratch m_scratch;
     std::unique_ptr<ScriptedAlerts> m_alerts;
     ScriptedChooser m_chooser;

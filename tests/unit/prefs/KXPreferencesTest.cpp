@@ -66,7 +66,7 @@ private Q_SLOTS:
                                 {u"showToolTipsFlag"_s, true},   {u"keepLogsFlag"_s, true},
                                 {u"moovInFrontFlag"_s, true},    {u"metadataPaddingFlag"_s, false},
                                 {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},
-                                {u"newerCodecsFlag"_s, false}};
+                                {u"newerCodecsFlag"_s, false},   {u"watchExistingFlag"_s, false}};
         QCOMPARE(preferences.preferencePanelDictionary(), panel);
         QCOMPARE(preferences.preferencePanelDefaultsDictionary(), panel);
         QVERIFY(preferences.userPresetSelectionsList().isEmpty());
@@ -82,7 +82,8 @@ private Q_SLOTS:
         const Program program(scratch);
         const QStringList expected{u"saveDirectoryPath"_s, u"lintwickPath"_s,    u"showToolTipsFlag"_s,
                                    u"keepLogsFlag"_s,      u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
-                                   u"useDpliiFlag"_s,      u"verifyFlag"_s,      u"newerCodecsFlag"_s};
+                                   u"useDpliiFlag"_s,      u"verifyFlag"_s,      u"newerCodecsFlag"_s,
+                                   u"watchExistingFlag"_s};
         QCOMPARE(program.preferences.preferencePanelPropertiesList(), expected);
     }
 

@@ -452,6 +452,38 @@ private Q_SLOTS:
         QCOMPARE(m_ready, QStringList{u"/w/empty.mkv"_s});
     }
 
+    void thatAFileIsEmptyIsToldOnce()
+    {
+        startAndPoll();
+        QSignalSpy told(m_watch.get(), &KXWatchModeController::fileEmpty);
+        m_shelf->put(u"/w/empty.mkv"_s, 0);
+        poll(20);
+        QCOMPARE(told.size(), 1);
+        QCOMPARE(told.constFirst().constFirst().toString(), u"/w/empty.mkv"_s);
+    }
+
+    void aFileThatIsFilledInPlaceIsNotTaken() // as downloads that take their room first
+    {
+        startAndPoll();
+        for (qint64 time = 1; time < 10; ++time) {
+            m_shelf->put(u"/w/a.mkv"_s, 9, time);
+            poll();
+        }
+        QVERIFY(m_ready.isEmpty());
+        poll();
+        QCOMPARE(m_ready, QStringList{u"/w/a.mkv"_s});
+    }
+
+    void onlyAFilmOfTheFolderCanBeWanted()
+    {
+        m_shelf->put(u"/w/old.mkv"_s, 5);
+        startAndPoll();
+        QVERIFY(!m_watch->fileWanted(url(u"/elsewhere/old.mkv"_s)));
+        QVERIFY(!m_watch->fileWanted(url(u"/w/none.mkv"_s)));
+        poll(20);
+        QVERIFY(m_ready.isEmpty());
+    }
+
     void aFileThatStopsShrinkingIsTakenToo()
     {
         startAndPoll();

@@ -180,6 +180,20 @@ private Q_SLOTS:
         QVERIFY(!another.opened(data.path(u"deep/down"_s)).find(another.film(u"a.mkv"_s)));
     }
 
+    void whatIsDoneOutsideOfAWatchWaitsNoLonger()
+    {
+        const Folder folder;
+        const QString path = folder.scratch.write(u"sub/a.mkv"_s, "a film");
+        const qint64 changed = QFileInfo(path).lastModified().toMSecsSinceEpoch();
+        const Film film = folder.film(u"sub/a.mkv"_s, 6, changed);
+        folder.opened();
+        WatchJournal::noteDone(QUrl::fromLocalFile(path));
+        QCOMPARE(folder.opened().find(film), std::nullopt); // nobody waited for it
+        folder.opened().note(Why::Waiting, {film});
+        WatchJournal::noteDone(QUrl::fromLocalFile(path));
+        QCOMPARE(folder.opened().find(film), std::optional(Why::Known));
+    }
+
     void aLinkIsNeverWrittenThrough()
     {
         const Folder folder;

@@ -49,6 +49,25 @@ private Q_SLOTS:
         QCOMPARE(two.take(scratch.path(second)), QString());
     }
 
+    void aFolderThatIsReplacedAndBackStaysOurs()
+    {
+        const support::Scratch scratch;
+        QVERIFY(QDir().mkpath(scratch.path(u"w"_s)));
+        WatchedFolder one;
+        QCOMPARE(one.take(scratch.path(u"w"_s)), QString());
+        QVERIFY(QDir().rename(scratch.path(u"w"_s), scratch.path(u"aside"_s)));
+        QVERIFY(QDir().mkpath(scratch.path(u"w"_s)));
+        QCOMPARE(one.take(scratch.path(u"w"_s)), QString());
+        WatchedFolder two;
+        QVERIFY(!two.take(scratch.path(u"w"_s)).isNull());
+        QVERIFY(QDir().rename(scratch.path(u"w"_s), scratch.path(u"other"_s)));
+        QVERIFY(QDir().rename(scratch.path(u"aside"_s), scratch.path(u"w"_s)));
+        QVERIFY(!two.take(scratch.path(u"w"_s)).isNull());
+        QCOMPARE(one.take(scratch.path(u"w"_s)), QString());
+        one.release();
+        QCOMPARE(two.take(scratch.path(u"w"_s)), QString());
+    }
+
     void oneThatIsGoneKeepsNobodyOut()
     {
         const support::Scratch scratch;

@@ -24,6 +24,28 @@ class FailureCauseTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void whatLiesInTheMachineMayPass_data()
+    {
+        QTest::addColumn<QString>("sentence");
+        QTest::addColumn<bool>("mayPass");
+        QTest::newRow("full") << FailureCause::noRoomFor(output) << true;
+        QTest::newRow("full, no output") << FailureCause::noRoomFor({}) << true;
+        QTest::newRow("full, mkvmerge")
+            << u"The output could not be written: the volume may be full."_s << true;
+        QTest::newRow("read-only") << u"/v/s/a.m4v: Read-only file system"_s << true;
+        QTest::newRow("no rights") << u"/v/s/a.m4v: Permission denied"_s << true;
+        QTest::newRow("no tool") << u"ffmpeg could not be started."_s << true;
+        QTest::newRow("no index") << u"The file has no index: it is incomplete."_s << false;
+        QTest::newRow("a codec") << steps::notInContainer(u"FLAC"_s, u"MP4"_s) << false;
+        QTest::newRow("nothing said") << QString() << false;
+    }
+
+    void whatLiesInTheMachineMayPass()
+    {
+        QFETCH(QString, sentence);
+        QTEST(FailureCause::mayPass(sentence), "mayPass");
+    }
+
     /// The lines as the installed tools print them.
     void theLineThatNamesTheCauseIsTold_data()
     {
