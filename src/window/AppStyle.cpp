@@ -117,8 +117,9 @@ void drawButtonLabel(const QStyleOptionButton *option, QPainter *painter)
     QRect place = option->rect;
     place.setX(option->rect.x() + (option->rect.width() - side.width() - between - words) / 2);
     place.setWidth(side.width() + between + words);
-    const QRect drawing = QStyle::visualRect(
-        option->direction, place, QRect(QPoint(place.x(), place.center().y() - side.height() / 2), side));
+    const QRect drawing =
+        QStyle::visualRect(option->direction, place,
+                           QRect(QPoint(place.x(), place.y() + (place.height() - side.height()) / 2), side));
     if (!side.isEmpty())
         option->icon.paint(painter, drawing, Qt::AlignCenter, isOn(option) ? QIcon::Normal : QIcon::Disabled);
     const QRect text =
@@ -295,6 +296,8 @@ int AppStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidge
     if (hint == SH_ComboBox_Popup || hint == SH_EtchDisabledText ||
         hint == SH_DialogButtonBox_ButtonsHaveIcons)
         return 0;
+    if (hint == SH_FocusFrame_AboveWidget)
+        return 1; // else it is cut at the edges of the control's row
     return QProxyStyle::styleHint(hint, option, widget, answer);
 }
 
@@ -316,7 +319,7 @@ QSize AppStyle::sizeFromContents(ContentsType type, const QStyleOption *option, 
         return {contents.width() + 2 * air, height};
     }
     case CT_ComboBox:
-        return {contents.width() + 8 + 8 + iconSide + 8, height};
+        return {contents.width() + 8 + 8 + iconSide + 8 + 4, height}; // and what the base keeps free
     case CT_LineEdit:
         return {contents.width() + 2, height};
     case CT_CheckBox:

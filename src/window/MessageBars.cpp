@@ -48,7 +48,7 @@ MessageBar::MessageBar(const Message &message, QWidget *parent)
     , m_left(message.closesAfter)
     , m_count(new InkLabel({}, Role::Second, Type::Second))
 {
-    setObjectName(u"Alert"_s);
+    setObjectName(message.word);
     setEdge(Qt::BottomEdge);
     setMinimumHeight(lowBar);
     auto *head = named(new InkLabel(message.head, Role::Text, Type::Head), "AlertHead", {});
@@ -71,7 +71,8 @@ MessageBar::MessageBar(const Message &message, QWidget *parent)
         QPushButton *button = named(smallButton(message.action), "AlertAction", message.action);
         connect(button, &QPushButton::clicked, this, [this] {
             m_message.act();
-            Q_EMIT closed();
+            if (!m_message.stays)
+                Q_EMIT closed();
         });
         layout->addWidget(button);
     }

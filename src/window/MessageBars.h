@@ -33,6 +33,8 @@ public:
         std::chrono::milliseconds closesAfter{0};
         QString action; ///< the title of its button; empty for none
         std::function<void()> act;
+        QString word = QStringLiteral("Alert"); ///< its object name
+        bool stays = false;                     ///< also after its button was pressed
     };
 
     explicit MessageBar(const Message &message, QWidget *parent = nullptr);

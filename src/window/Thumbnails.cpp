@@ -49,9 +49,9 @@ Thumbnails::Thumbnails(QObject *parent)
 
 Thumbnails::~Thumbnails() = default;
 
-void Thumbnails::switchOff()
+void Thumbnails::setSwitchedOff(bool off)
 {
-    isSwitchedOff = true;
+    isSwitchedOff = off;
 }
 
 QImage Thumbnails::of(const QUrl &film, double seconds)
@@ -59,11 +59,11 @@ QImage Thumbnails::of(const QUrl &film, double seconds)
     const auto known = m_pictures.constFind(film);
     if (known != m_pictures.constEnd())
         return *known;
+    if (isSwitchedOff || m_ffmpeg.isEmpty())
+        return {};
     m_pictures.insert(film, {});
-    if (!isSwitchedOff && !m_ffmpeg.isEmpty()) {
-        m_wishes.append({film, seconds});
-        QMetaObject::invokeMethod(this, &Thumbnails::takeNext, Qt::QueuedConnection);
-    }
+    m_wishes.append({film, seconds});
+    QMetaObject::invokeMethod(this, &Thumbnails::takeNext, Qt::QueuedConnection);
     return {};
 }
 

@@ -25,7 +25,7 @@ public:
     /// The picture, which is null until it was taken. Asks for it once.
     QImage of(const QUrl &film, double seconds);
     /// For tests: nothing is run.
-    static void switchOff();
+    static void setSwitchedOff(bool off);
 
 Q_SIGNALS:
     void taken(const QUrl &film);
