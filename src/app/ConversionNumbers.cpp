@@ -29,9 +29,10 @@ QString resetText(Program &program, const ConversionNumbers &before)
     if (before.settingsPreset != now.settingsPreset)
         parts.append(u"the settings preset “%1”"_s.arg(
             program.presets().presetSettingsNamesList().value(before.settingsPreset)));
-    if (before.bitRate != now.bitRate)
+    const bool isOpen = !program.selectionController().currentVideoFile()->trackList().isEmpty();
+    if (isOpen && before.bitRate != now.bitRate)
         parts.append(u"the bit rate %1"_s.arg(before.bitRate));
-    if (before.width != now.width)
+    if (isOpen && before.width != now.width)
         parts.append(u"the width %1"_s.arg(before.width));
     if (parts.isEmpty())
         return {};

@@ -126,6 +126,7 @@ void JobStarter::startCurrent(const QString &jobType)
         job->setJobType(jobType);
         job->setOutputName(chosenResultName(*job));
         m_parts.queue.addToQueue(job);
+        m_parts.openQueue.choicesAreUsed();
         if (files >= 2)
             m_parts.openQueue.takeSelected();
     } else if (files == 1) {

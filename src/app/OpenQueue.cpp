@@ -69,6 +69,13 @@ bool OpenQueue::hasChoicesByHand() const
     });
 }
 
+void OpenQueue::choicesAreUsed()
+{
+    if (m_selectedRow >= 0 && m_selectedRow < m_entries.size())
+        m_entries[m_selectedRow].asShown =
+            choicesOf(*m_controller.currentVideoFile(), *m_controller.currentSelection());
+}
+
 void OpenQueue::bringBack(const OpenFilesBefore &before)
 {
     replaceAll(before.entries);

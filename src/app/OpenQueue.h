@@ -39,6 +39,8 @@ public:
     /// Whether something was chosen for one of them since it was shown first: ticks, languages, titles,
     /// flags, tracks that were added, the result's name, the numbers of the conversion.
     bool hasChoicesByHand() const;
+    /// What is chosen for the current film is in a job now: nothing of it is lost any more.
+    void choicesAreUsed();
     /// Puts a snapshot in the place of all entries.
     void bringBack(const OpenFilesBefore &before);
     /// Shows another entry; what was current is kept in its own. A row beyond the end changes nothing.
