@@ -79,6 +79,7 @@ ActionBar::ActionBar(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
 void ActionBar::setUpName()
 {
     m_edit->setObjectName(u"EditNameButton"_s);
+    m_edit->setProperty("small", true);
     m_edit->setFixedSize(smallHeight, nameHeight);
     m_edit->setIconSize(QSize(14, 14));
     m_field->setFixedHeight(smallHeight);

@@ -100,7 +100,8 @@ QVariant FilesModel::headerData(int section, Qt::Orientation orientation, int ro
 
 Qt::ItemFlags FilesModel::flags(const QModelIndex &index) const
 {
-    return QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled;
+    const Qt::ItemFlags usual = QAbstractTableModel::flags(index);
+    return index.isValid() ? usual | Qt::ItemIsDragEnabled : usual;
 }
 
 void FilesModel::setFiles(const QList<QUrl> &files)

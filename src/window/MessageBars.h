@@ -39,6 +39,7 @@ public:
 
     explicit MessageBar(const Message &message, QWidget *parent = nullptr);
     QString head() const { return m_message.head; }
+    bool stays() const { return m_message.stays; }
 
 Q_SIGNALS:
     void closed();
@@ -56,7 +57,8 @@ private:
     QLabel *m_count;
 };
 
-/// The messages above the body, the newest on top, at most three at a time, and the progress of opening.
+/// The messages above the body, the newest on top, at most three at a time, and the progress of opening. One
+/// that stays stands below them and is not counted.
 class MessageBars final : public QWidget
 {
     Q_OBJECT

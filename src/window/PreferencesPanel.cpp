@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QListWidget>
 #include <QPainter>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -26,6 +27,7 @@ constexpr int panesWidth = 152;
 constexpr int paneRow = 32;
 constexpr int toolsPane = 3;
 constexpr QSize panelSize{600, 376};
+constexpr int roomForConversion = 64; // the longest pane needs that much more
 
 constexpr int PaneIcon = Qt::UserRole;
 
@@ -129,6 +131,7 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
             done(QDialog::Accepted);
     });
     setMinimumSize(panelSize);
+    resize(panelSize + QSize(0, roomForConversion));
     refresh();
 }
 
@@ -141,7 +144,13 @@ QVBoxLayout *PreferencesPanel::addPane(const QString &iconName, const QString &t
     layout->setContentsMargins(space::huge, space::large, space::huge, space::large);
     layout->setSpacing(space::small);
     layout->addWidget(new InkLabel(title, Role::Text, Type::Pane));
-    m_pages->addWidget(page);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus); // what stands in it takes the keyboard
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(page);
+    m_pages->addWidget(area);
     return layout;
 }
 

@@ -53,8 +53,8 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        const int width =
-            option.fontMetrics.horizontalAdvance(index.data().toString()) + markSide + 3 * space::small;
+        const QFontMetrics widest(fontOf(Type::Head));
+        const int width = widest.horizontalAdvance(index.data().toString()) + markSide + 3 * space::small;
         return {width, std::max(rowHeight, option.fontMetrics.height() + space::large)};
     }
 
@@ -135,7 +135,7 @@ SeasonPage::SeasonPage(KXAppDelegate &delegate, QWidget *parent)
     m_table->setAllColumnsShowFocus(true);
     m_table->setTabKeyNavigation(false);
     m_table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_table->header()->setStretchLastSection(false);
+    m_table->header()->setStretchLastSection(true);
     m_table->header()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(space::large, 0, space::large, space::large);

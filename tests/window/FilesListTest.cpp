@@ -64,7 +64,9 @@ private Q_SLOTS:
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_J); // Join
         QVERIFY(waitFor([this] { return m_fixture->rows("QueueTable", File).size() == 1; }));
         QVERIFY(m_fixture->waitForJobs());
-        QVERIFY(QFile::exists(m_fixture->path(u"short.joined.mkv"_s))); // named after the first
+        const KXJob &job = *m_fixture->queue().qJobList().constFirst();
+        QVERIFY2(QFile::exists(m_fixture->path(u"short.mkv.joined.mkv"_s)), // named after the first
+                 qPrintable(job.outcome().sentence));
     }
 
 private:

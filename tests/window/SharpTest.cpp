@@ -51,7 +51,7 @@ int measureWindow(const QString &film, const QString &folder)
     QTest::qWait(100);
     const double ratio = fixture.window().devicePixelRatioF();
     auto *table = fixture.find<QTreeView>("ConvertTrackTable");
-    QJsonArray heights{std::lround(table->header()->height() * ratio)};
+    QJsonArray heights{qint64(std::lround(table->header()->height() * ratio))};
     for (int row = 0; row < table->model()->rowCount(); ++row)
         heights.append(
             qint64(std::lround(table->visualRect(table->model()->index(row, 0)).height() * ratio)));
