@@ -39,6 +39,17 @@ Notices::Notices(KXAppDelegate &delegate, MessageBars &bars, QObject *parent)
     connect(&delegate, &KXAppDelegate::noteWorthy, this,
             [this](const QString &sentence) { say(MessageBar::Kind::Info, sentence); });
     connect(&delegate.intake(), &app::FileIntake::refused, this, &Notices::tellRefused);
+    connect(&delegate.openQueue(), &app::OpenQueue::entriesChanged, this, [this] {
+        // What was opened all the same is no longer refused.
+        const auto isOpen = [this](const app::RefusedFile &file) {
+            const QList<OpenedFile> &open = m_delegate.openQueue().entries();
+            return std::any_of(open.begin(), open.end(), [&](const OpenedFile &entry) {
+                return entry.videoFile->theFileURL() == file.url;
+            });
+        };
+        if (m_refused.removeIf(isOpen) > 0)
+            showRefused();
+    });
     connect(&delegate.intake(), &app::FileIntake::choicesReplaced, this, &Notices::tellReplaced);
     connect(&delegate.starter(), &app::JobStarter::filmsLeft, this, &Notices::tellLeft);
 }

@@ -125,6 +125,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_fixture->delegate().openQueue().openFileCount(), 2); // what was open stays
         QTRY_COMPARE(m_fixture->find<QLabel>("ConvertFileField")->text(), film);
         QVERIFY(!m_fixture->rows("ConvertTrackTable", Kind).isEmpty());
+        QTRY_VERIFY(bar(u"RefusedFiles"_s) == nullptr); // it is open now
     }
 
     void thePreferenceOpensNewerCodecsFromThenOn()
