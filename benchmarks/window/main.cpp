@@ -11,7 +11,7 @@ namespace {
 
 int usage()
 {
-    bench::say(u"usage: tessaray-window-bench drop FILM COUNT | queue COUNT | "
+    bench::say(u"usage: tessaray-window-bench drop FILM COUNT | queue COUNT | wheel COUNT | "
                "start TESSARAY EMPTY PLUGINS ROUNDS"_s);
     return 64;
 }
@@ -38,5 +38,7 @@ int main(int argc, char *argv[])
         return bench::drop(words.at(1), words.at(2).toInt());
     if (words.value(0) == u"queue"_s && words.size() == 2)
         return bench::queue(words.at(1).toInt());
+    if (words.value(0) == u"wheel"_s && words.size() == 2)
+        return bench::wheel(words.at(1).toInt());
     return usage();
 }

@@ -3,6 +3,7 @@
 #include "app/JobPlan.h"
 #include "app/OpenQueue.h"
 #include "app/Program.h"
+#include "app/ResultName.h"
 #include "prefs/SaveFolder.h"
 #include "summary/Figures.h"
 
@@ -42,8 +43,15 @@ QString reasonToStayAt(Program &program, const OpenQueue &openQueue, int row)
 /// The other films: how many go along, and which stay with what reason.
 struct Others
 {
+    struct Staying
+    {
+        QString fileName;
+        QString reason;
+        int row = 0;
+    };
+
     int ready = 0;
-    QStringList staying;
+    QList<Staying> staying;
 };
 
 Others othersOf(Program &program, const OpenQueue &openQueue)
@@ -56,7 +64,7 @@ Others othersOf(Program &program, const OpenQueue &openQueue)
         if (reason.isEmpty())
             ++others.ready;
         else
-            others.staying.append(u"%1 stays open: %2."_s.arg(openQueue.entries().at(row).fileName, reason));
+            others.staying.append({openQueue.entries().at(row).fileName, reason, row});
     }
     return others;
 }
@@ -68,8 +76,10 @@ QString othersText(const Others &others)
         text = others.ready == 1 ? u"and 1 more film"_s : u"and %1 more films"_s.arg(others.ready);
     if (others.staying.isEmpty())
         return text;
-    const QString staying = others.staying.size() == 1 ? others.staying.constFirst()
-                                                       : u"%1 films stay open."_s.arg(others.staying.size());
+    const Others::Staying &first = others.staying.constFirst();
+    const QString staying = others.staying.size() == 1
+                                ? u"%1 stays open: %2."_s.arg(first.fileName, first.reason)
+                                : u"%1 films stay open."_s.arg(others.staying.size());
     return text.isEmpty() ? staying : text + u". "_s + staying;
 }
 
@@ -98,6 +108,7 @@ SelectionPointer jobSelection(Program &program)
 {
     const SelectionPointer job = program.selectionController().currentSelection()->copy();
     job->setJobType(jobTypeFor(program.presets()));
+    job->setOutputName(chosenResultName(*job));
     return job;
 }
 
@@ -119,8 +130,22 @@ ConvertForecast convertForecast(Program &program, const OpenQueue &openQueue)
     }
     const Others others = othersOf(program, openQueue);
     forecast.others = othersText(others);
+    forecast.staying = static_cast<int>(others.staying.size());
+    forecast.firstToStay = others.staying.isEmpty() ? -1 : others.staying.constFirst().row;
     forecast.isReady = forecast.isReady || others.ready > 0;
     return forecast;
+}
+
+QString reachOfPresets(Program &program, const OpenQueue &openQueue)
+{
+    if (openQueue.openFileCount() < 2)
+        return {};
+    if (program.selectionController().openQueueMatrixIndex() != 0)
+        return u"What is chosen here counts for this film alone."_s;
+    const QString reach = u"all %1 open films"_s.arg(openQueue.openFileCount());
+    return program.presets().settingMethodIndex() == 0
+               ? u"Target and picture count for %1."_s.arg(reach)
+               : u"“%1” counts for %2."_s.arg(program.presets().currentPresetSettingName(), reach);
 }
 
 QString resultFolder(Program &program, const QUrl &source)

@@ -17,7 +17,9 @@ struct ConvertForecast
     bool isReady = false; ///< something would start
     QString name;         ///< the current film's result, without its folder
     QString size;
-    QString others; ///< of the other open films; empty where there are none
+    QString others;       ///< of the other open films; empty where there are none
+    int staying = 0;      ///< how many of them stay open
+    int firstToStay = -1; ///< the row of the first of these; -1 where none does
     QString sentence;
     summary::Problem problem;
 };
@@ -25,6 +27,9 @@ struct ConvertForecast
 ConvertForecast convertForecast(Program &program, const OpenQueue &openQueue);
 /// As a conversion or an extraction of the current film would be handed to the queue.
 SelectionPointer jobSelection(Program &program);
+
+/// Of the settings, which may reach further than the film that is shown: a sentence, empty with one film.
+QString reachOfPresets(Program &program, const OpenQueue &openQueue);
 
 /// Where results of the current film go: "/home/me/films", and whether the folder was chosen.
 QString resultFolder(Program &program, const QUrl &source);

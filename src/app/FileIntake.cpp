@@ -1,7 +1,6 @@
 #include "app/FileIntake.h"
 
 #include "app/CurrentFile.h"
-#include "app/OpenQueue.h"
 #include "jobs/KXQueueController.h"
 #include "media/FileNames.h"
 #include "media/TracksBeside.h"
@@ -17,8 +16,10 @@ namespace app {
 
 namespace {
 
-/// What the subtitle application hands over comes in like a mode of its own.
+/// What the subtitle application hands over comes in like a mode of its own, and so does a film that is
+/// opened although its codecs are newer ones.
 const QString handOver = u"hand over"_s;
+const QString anyway = u"anyway"_s;
 
 platform::Alert timedAlert(const QString &message, const QString &text, int milliseconds)
 {
@@ -110,6 +111,10 @@ void FileIntake::takeNextWaiting()
             takeHandedOver(files.constFirst());
             continue;
         }
+        if (mode == anyway) {
+            addAnyway(files.constFirst());
+            continue;
+        }
         m_openingFileMode = mode;
         takeIn(files);
     }
@@ -196,6 +201,8 @@ void FileIntake::addTracksBeside(const QUrl &film)
 void FileIntake::takeVideos()
 {
     QList<OpenedFile> entries;
+    const OpenFilesBefore before = m_parts.openQueue.snapshot();
+    const bool hadChoices = m_parts.openQueue.hasChoicesByHand();
     const QList<QUrl> files = m_openedURLsArray;
     for (qsizetype i = 0; i < files.size() && !isStopped(); ++i) {
         showProgress(i, files.at(i));
@@ -203,18 +210,54 @@ void FileIntake::takeVideos()
         if (isStopped())
             break;
         if (answer != u"replace file"_s) {
-            if (i > 0)
+            if (i > 0) {
+                passOver(files.at(i), answer);
                 continue;
+            }
             handle(files.at(i), answer, Alerts::Shown);
             return;
         }
         if (m_busyMode == u"add"_s)
             handle(files.at(i), answer, Alerts::Shown);
-        else if (loadWithPresets(files.at(i), Alerts::Shown))
+        else if (loadWithPresets(files.at(i), Alerts::Shown)) {
             entries.append(entryOfCurrent());
+            if (entries.size() == 1)
+                Q_EMIT firstFilmOpened();
+        }
     }
-    if (!entries.isEmpty())
-        m_parts.openQueue.replaceAll(entries);
+    if (entries.isEmpty())
+        return;
+    m_parts.openQueue.replaceAll(entries);
+    if (hadChoices)
+        Q_EMIT choicesReplaced(before);
+}
+
+void FileIntake::passOver(const QUrl &url, const QString &answer)
+{
+    const bool isTrack = answer == u"add file"_s;
+    Q_EMIT refused(
+        {url, isTrack ? u"it is a track: open it alone to add it"_s : reasonNotToOpen(url, {}), false});
+}
+
+void FileIntake::openAnyway(const QUrl &url)
+{
+    m_openedAnyway.insert(url);
+    m_waiting.append({anyway, {url}});
+    takeNextWaiting();
+}
+
+void FileIntake::addAnyway(const QUrl &url)
+{
+    {
+        const Busy busy(*this);
+        OpenFilesBefore open = m_parts.openQueue.snapshot();
+        if (loadWithPresets(url, Alerts::Shown)) {
+            open.entries.append(entryOfCurrent());
+            open.row = static_cast<int>(open.entries.size()) - 1;
+            m_parts.openQueue.bringBack(open);
+        }
+    }
+    Q_EMIT tracksChanged();
 }
 
 QString FileIntake::testNewFileURLWithAlerts(const QUrl &url, Alerts alerts)
@@ -267,10 +310,14 @@ QString FileIntake::loadNewFileTracksFromWithAlerts(const QUrl &url, Alerts aler
 {
     const VideoFilePointer &file = m_parts.currentFile.file();
     const VideoFilePointer before = file->copy();
+    file->setTakesNewerCodecs(m_openedAnyway.contains(url));
     const QString status = m_parts.currentFile.load(url);
+    file->setTakesNewerCodecs(false);
+    const QString problemCodec = file->problemCodec();
     if (status.toLower() == u"ok"_s)
         return status;
     file->makeSelfCopyOfVideoFile(*before);
+    m_problemCodec = problemCodec;
     if (alerts == Alerts::Shown && !isStopped()) {
         refuse(url,
                u"The application could not identify one or more of the tracks in this file.  Check the "
@@ -314,9 +361,30 @@ void FileIntake::takeHandedOver(const QUrl &url)
     addFileTrackFrom(url);
 }
 
+/// The alert says that it is so; the reason stays for those who want to know it.
 void FileIntake::refuse(const QUrl &url, const QString &text)
 {
-    show(m_parts.alerts, timedAlert(u"Error Opening: "_s + url.fileName(), text, alertMilliseconds));
+    const QString codec = std::exchange(m_problemCodec, {});
+    const bool opensNewerly = isNewerCodec(codec);
+    platform::Alert alert = timedAlert(u"Error Opening: "_s + url.fileName(), text, alertMilliseconds);
+    if (opensNewerly) {
+        alert.action = u"Open Anyway"_s;
+        alert.act = [self = QPointer(this), url] {
+            if (self)
+                self->openAnyway(url);
+        };
+    }
+    Q_EMIT refused({url, reasonToTell(url, codec), opensNewerly});
+    show(m_parts.alerts, alert);
+}
+
+/// What is no film may be refused for where it was dropped.
+QString FileIntake::reasonToTell(const QUrl &url, const QString &codec) const
+{
+    const bool editsFiles = m_parts.selectionController.currentTab().toLower() == u"edit files"_s;
+    if (editsFiles && QFileInfo(url.toLocalFile()).suffix().toLower() != u"mkv"_s)
+        return u"it is no MKV file"_s;
+    return modeInForce() == u"add"_s ? u"it holds no track that can be added"_s : reasonNotToOpen(url, codec);
 }
 
 void FileIntake::gatherEditFiles(Alerts alerts)

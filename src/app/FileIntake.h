@@ -1,9 +1,11 @@
 #pragma once
 
-#include "selection/OpenFiles.h"
+#include "app/OpenQueue.h"
+#include "app/OpeningReasons.h"
 #include "tools/ShellRunner.h"
 
 #include <QObject>
+#include <QSet>
 
 class KXQueueController;
 class KXSelectionController;
@@ -15,7 +17,6 @@ class AlertPresenter;
 namespace app {
 
 class CurrentFile;
-class OpenQueue;
 
 /// The single entry of every file that reaches the program. It decides whether a file becomes the current
 /// video, is added to it as a track, joins the MKV files to edit, or is refused. Owned by the program.
@@ -54,6 +55,8 @@ public:
     QString loadNewFileTracksFromWithAlerts(const QUrl &url, Alerts alerts);
     /// Adds a separate track file to the current video, or says that it can't be added.
     void addFileTrackFrom(const QUrl &url);
+    /// Opens a film whose codecs are newer ones, beside what is open.
+    void openAnyway(const QUrl &url);
     /// A subtitle that comes back from the subtitle application.
     bool applicationOpenFile(const QString &path);
     /// The answer to whether files with header removal should be rewritten: 1000 queues them.
@@ -73,8 +76,14 @@ Q_SIGNALS:
     void busyChanged();
     /// How far it is: so many files of so many are done, and this one is being looked at.
     void probing(int done, int total, const QString &fileName);
+    /// The first of several films is current, and will be again once all of them are opened.
+    void firstFilmOpened();
     /// The current file has other tracks than before.
     void tracksChanged();
+    /// Each file that was asked for and not opened; not in watch mode.
+    void refused(const app::RefusedFile &file);
+    /// Other films have taken the place of those, for which something was chosen by hand.
+    void choicesReplaced(const app::OpenFilesBefore &before);
     /// Watch mode's files are in the open queue now and can be started.
     void watchedFilesOpened();
     /// A file that came in through watch mode was refused.
@@ -100,6 +109,9 @@ private:
     bool loadWithPresets(const QUrl &url, Alerts alerts);
     QString modeInForce() const { return m_busy ? m_busyMode : m_openingFileMode; }
     void refuse(const QUrl &url, const QString &text);
+    QString reasonToTell(const QUrl &url, const QString &codec) const;
+    void passOver(const QUrl &url, const QString &answer);
+    void addAnyway(const QUrl &url);
     void showProgress(qsizetype done, const QUrl &url);
     bool isStopped() const { return *m_stop; }
     OpenedFile entryOfCurrent() const;
@@ -112,6 +124,8 @@ private:
     QList<QUrl> m_editFilesURLsArray;
     QStringList m_editFilesPathsArray;
     QList<QUrl> m_headerRemovalFiles;
+    QSet<QUrl> m_openedAnyway;
+    QString m_problemCodec;                           ///< of the film that was refused last
     QList<std::pair<QString, QList<QUrl>>> m_waiting; // mode and files
     QString m_busyMode;
     tools::StopFlag m_stop = std::make_shared<std::atomic_bool>(false);

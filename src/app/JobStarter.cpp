@@ -2,6 +2,7 @@
 
 #include "app/CurrentFile.h"
 #include "app/OpenQueue.h"
+#include "app/ResultName.h"
 #include "app/TrackEditing.h"
 #include "jobs/KXQueueController.h"
 #include "platform/AlertPresenter.h"
@@ -9,6 +10,7 @@
 #include "presets/KXPresetsController.h"
 #include "selection/KXSelectionController.h"
 #include "selection/Refusals.h"
+#include "summary/ConversionSummary.h"
 
 using namespace Qt::StringLiterals;
 
@@ -122,14 +124,16 @@ void JobStarter::startCurrent(const QString &jobType)
         // The preset named "Extract Tracks" leaves the type of the selection as it is; the job needs it.
         const SelectionPointer job = m_parts.selectionController.currentSelection()->copy();
         job->setJobType(jobType);
+        job->setOutputName(chosenResultName(*job));
         m_parts.queue.addToQueue(job);
+        m_parts.openQueue.choicesAreUsed();
         if (files >= 2)
             m_parts.openQueue.takeSelected();
     } else if (files == 1) {
-        Q_EMIT notStarted(m_parts.currentFile.file()->theFileName());
+        leave(jobType);
     }
     if (files < 2)
-        return;
+        return tellWhatIsLeft();
     m_finishJobType = jobType;
     m_finish.start();
     Q_EMIT finishingChanged();
@@ -151,12 +155,30 @@ bool JobStarter::queueEntry(int row, const QString &jobType)
     const SelectionPointer selection = m_parts.selectionController.currentSelection();
     selection->setJobType(jobType);
     if (!mayStart(jobType)) {
-        Q_EMIT notStarted(m_parts.currentFile.file()->theFileName());
+        leave(jobType);
         return false;
     }
+    selection->setOutputName(chosenResultName(*selection));
     m_parts.queue.addToQueue(selection);
     Q_EMIT jobQueued();
     return true;
+}
+
+void JobStarter::leave(const QString &jobType)
+{
+    const KXVideoFile &film = *m_parts.currentFile.file();
+    QString reason =
+        jobType == conversion ? summary::reasonToStay(film) : u"no MKV file with ticked tracks"_s;
+    if (reason.isEmpty())
+        reason = u"it can't be converted as it is chosen"_s;
+    m_left.append({film.theFileName(), reason});
+    Q_EMIT notStarted(film.theFileName());
+}
+
+void JobStarter::tellWhatIsLeft()
+{
+    if (const QList<LeftFilm> left = std::exchange(m_left, {}); !left.isEmpty())
+        Q_EMIT filmsLeft(left);
 }
 
 /// What became a job leaves the list; the first that did not is shown, or, when all did, the last one.
@@ -175,6 +197,7 @@ void JobStarter::finishStartProcess(const QString &jobType)
         ++shown;
     m_parts.openQueue.select(shown);
     m_parts.openQueue.removeRows(queued);
+    tellWhatIsLeft();
 }
 
 QString JobStarter::trackEditingRefusal() const

@@ -18,6 +18,13 @@ namespace app {
 class CurrentFile;
 class OpenQueue;
 
+/// A film that did not become a job, and why.
+struct LeftFilm
+{
+    QString fileName;
+    QString reason;
+};
+
 /// Turns the press of a start button into jobs: for the current file and for the opened files that wait
 /// behind it. Owned by the program. It decides the job's type and asks whether the save folder can be
 /// written; what the job then does is the queue's business.
@@ -64,6 +71,8 @@ Q_SIGNALS:
     void jobQueued();
     /// An opened file did not become a job: nothing of it can be converted as it is.
     void notStarted(const QString &fileName);
+    /// All that did not become jobs, of one press of the button.
+    void filmsLeft(const QList<app::LeftFilm> &films);
     /// Nothing was started at all.
     void refused(const QString &reason);
 
@@ -75,10 +84,13 @@ private:
     void startCurrent(const QString &jobType);
     bool mayStart(const QString &jobType) const;
     bool queueEntry(int row, const QString &jobType);
+    void leave(const QString &jobType);
+    void tellWhatIsLeft();
 
     Parts m_parts;
     QTimer m_finish;
     QString m_finishJobType;
+    QList<LeftFilm> m_left;
 };
 
 } // namespace app

@@ -6,6 +6,23 @@
 
 namespace app {
 
+namespace {
+
+/// What a person can choose for a film, as one text to be compared.
+QString choicesOf(const KXVideoFile &file, const KXSelection &selection)
+{
+    QStringList parts{selection.outputName(), selection.userVideoBitRate(), selection.userWidth(),
+                      selection.userPassNumber()};
+    for (const TrackPointer &track : file.trackList()) {
+        parts << QString::number(track->trackSelected()) << track->trackLanguage() << track->trackTitle()
+              << QString::number(track->trackDefaultFlag()) << QString::number(track->trackForcedFlag())
+              << track->trackFilePath();
+    }
+    return parts.join(QChar(0));
+}
+
+} // namespace
+
 OpenQueue::OpenQueue(KXSelectionController &controller)
     : m_controller(controller)
 {
@@ -34,10 +51,44 @@ void OpenQueue::select(int row)
     makeCurrent(row);
 }
 
+OpenFilesBefore OpenQueue::snapshot() const
+{
+    OpenFilesBefore before{m_entries, m_selectedRow};
+    if (m_selectedRow < 0 || m_selectedRow >= m_entries.size())
+        return before;
+    before.entries[m_selectedRow].videoFile = m_controller.currentVideoFile()->copy();
+    before.entries[m_selectedRow].videoSelection = m_controller.currentSelection()->copy();
+    return before;
+}
+
+bool OpenQueue::hasChoicesByHand() const
+{
+    const QList<OpenedFile> entries = snapshot().entries;
+    return std::any_of(entries.begin(), entries.end(), [](const OpenedFile &entry) {
+        return !entry.asShown.isNull() && entry.asShown != choicesOf(*entry.videoFile, *entry.videoSelection);
+    });
+}
+
+void OpenQueue::choicesAreUsed()
+{
+    if (m_selectedRow >= 0 && m_selectedRow < m_entries.size())
+        m_entries[m_selectedRow].asShown =
+            choicesOf(*m_controller.currentVideoFile(), *m_controller.currentSelection());
+}
+
+void OpenQueue::bringBack(const OpenFilesBefore &before)
+{
+    replaceAll(before.entries);
+    select(before.row);
+}
+
 void OpenQueue::makeCurrent(int row)
 {
     m_controller.makeCurrent(m_entries.at(row)); // keeps what was current in the row that is still selected
     m_selectedRow = row;
+    if (m_entries.at(row).asShown.isNull())
+        m_entries[row].asShown =
+            choicesOf(*m_controller.currentVideoFile(), *m_controller.currentSelection());
     Q_EMIT selectedRowChanged();
 }
 

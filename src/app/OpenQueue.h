@@ -9,6 +9,13 @@ class KXSelectionController;
 
 namespace app {
 
+/// What was open at one time, and which of it was current.
+struct OpenFilesBefore
+{
+    QList<OpenedFile> entries;
+    int row = -1;
+};
+
 /// The opened videos that wait to be worked on, one of which is the current file. Owned by the program.
 /// It replaces what is current in the selection controller; it never loads a file.
 class OpenQueue final : public QObject, public OpenFiles
@@ -27,6 +34,15 @@ public:
 
     /// Takes the place of all entries; the first becomes current.
     void replaceAll(const QList<OpenedFile> &entries);
+    /// The entries as they stand, with what is chosen for the current file now.
+    OpenFilesBefore snapshot() const;
+    /// Whether something was chosen for one of them since it was shown first: ticks, languages, titles,
+    /// flags, tracks that were added, the result's name, the numbers of the conversion.
+    bool hasChoicesByHand() const;
+    /// What is chosen for the current film is in a job now: nothing of it is lost any more.
+    void choicesAreUsed();
+    /// Puts a snapshot in the place of all entries.
+    void bringBack(const OpenFilesBefore &before);
     /// Shows another entry; what was current is kept in its own. A row beyond the end changes nothing.
     void select(int row);
     /// Removes the selected entry and shows the one before it. The last one stays. The misspelling is meant.

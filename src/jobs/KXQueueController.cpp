@@ -293,9 +293,27 @@ void KXQueueController::pauseQueueButton(const QString &title)
 
 void KXQueueController::clearQueueButton()
 {
+    m_cleared.clear();
     for (qsizetype row = m_jobList.size() - 1; row >= 0; --row) {
-        if (m_jobList.at(row)->jobStatus() == u"Completed"_s)
-            removeRow(row);
+        const JobPointer job = m_jobList.at(row);
+        if (job->jobStatus() != u"Completed"_s)
+            continue;
+        m_cleared.prepend({row, job, queuedJob(*job)});
+        removeRow(row);
+    }
+}
+
+/// What stands in the list by now keeps its order.
+void KXQueueController::bringBackCleared()
+{
+    for (const ClearedRow &cleared : std::exchange(m_cleared, {})) {
+        const qsizetype row = std::min(cleared.row, m_jobList.size());
+        m_jobList.insert(row, cleared.job);
+        if (cleared.queued)
+            m_queued.insert(cleared.job.get(), *cleared.queued);
+        if (m_jobIsRunning && row <= m_currentJobRowIndex)
+            ++m_currentJobRowIndex;
+        Q_EMIT jobAdded(static_cast<int>(row));
     }
 }
 

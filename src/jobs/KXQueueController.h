@@ -44,6 +44,9 @@ public:
     /// Whether that button does anything now.
     bool canPauseOrResume() const { return m_jobIsRunning || m_isHeld; }
     void clearQueueButton();
+    /// Puts the rows that were cleared last where they stood. Once.
+    void bringBackCleared();
+    bool canBringBackCleared() const { return !m_cleared.isEmpty(); }
     void deleteJobRow(int column, int row);
     void quitJobAlertClosedReturnCode(int returnCode);
     /// Stops the running job and takes its row away, without a question.
@@ -139,6 +142,13 @@ private:
     QHash<const KXJob *, jobs::QueuedJob> m_queued; ///< as they were added
     QSet<const KXJob *> m_restored;                 ///< those of an earlier run that were not started yet
     jobs::ProgressList m_progressList;
+    struct ClearedRow
+    {
+        qsizetype row = 0;
+        JobPointer job;
+        std::optional<jobs::QueuedJob> queued;
+    };
+    QList<ClearedRow> m_cleared; ///< the lowest row first
     JobPointer m_currentJob;
     std::weak_ptr<KXJob> m_jobAskedAbout;
     std::vector<KXNotificationCenter::Subscription> m_subscriptions;

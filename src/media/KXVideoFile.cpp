@@ -92,7 +92,7 @@ QUrl KXVideoFile::resource(const QString &name) const
 
 media::Codecs KXVideoFile::codecs() const
 {
-    const bool takesNewer = places() != nullptr && places()->takesNewerCodecs();
+    const bool takesNewer = m_takesNewerCodecs || (places() != nullptr && places()->takesNewerCodecs());
     return takesNewer ? media::Codecs::NewerToo : media::Codecs::OfVocabulary;
 }
 

@@ -120,6 +120,8 @@ public:
     /// The codec for which the last probe, or the last look at a file to add, answered "track not
     /// identified"; null where it answered otherwise.
     QString problemCodec() const { return m_problemCodec; }
+    /// The next probes take newer codecs whatever the settings say.
+    void setTakesNewerCodecs(bool takes) { m_takesNewerCodecs = takes; }
     /// What that refusal means and how the file can be opened, in one sentence; null where the last answer
     /// was another, or nothing would help.
     QString wayOut() const;
@@ -170,5 +172,6 @@ private:
     mutable QString m_problemCodec;
     double m_toldSeconds = 0; ///< by the container; 0 where it was not asked, or does not know
     bool m_leavesErrorFiles = true;
+    bool m_takesNewerCodecs = false;
     std::optional<media::Printout> m_printed; ///< where somebody else ran the tool
 };

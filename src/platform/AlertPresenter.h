@@ -20,6 +20,10 @@ struct Alert
     QStringList buttons = {QStringLiteral("OK")};
     /// After this time the alert closes itself; 0 means that it stays until it is answered.
     std::chrono::milliseconds closesAfter{0};
+    /// The one thing that can be done about it, its title and what does it; empty where there is nothing. A
+    /// presenter without buttons leaves it out.
+    QString action;
+    std::function<void()> act;
 };
 
 using AlertPointer = std::shared_ptr<const Alert>;

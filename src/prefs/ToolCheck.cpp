@@ -122,7 +122,8 @@ QList<ToolReport> ToolCheck::checkAll() const
     return reports;
 }
 
-ToolReport ToolCheck::check(const QString &name) const
+/// Without running it: one that could be started counts as silent.
+ToolReport ToolCheck::looked(const QString &name) const
 {
     ToolReport report;
     report.name = name;
@@ -136,16 +137,34 @@ ToolReport ToolCheck::check(const QString &name) const
     const QString launched = launchedProgram(path);
     const QString program = launched.isNull() ? path : launched;
     report.state = stateOfFiles(path, program);
-    if (report.state == ToolReport::State::Missing)
-        return report;
-    report.program = program;
+    if (report.state != ToolReport::State::Missing)
+        report.program = program;
+    return report;
+}
+
+ToolReport ToolCheck::check(const QString &name) const
+{
+    ToolReport report = looked(name);
     if (report.state != ToolReport::State::Silent)
         return report;
+    const auto known = std::find_if(knownTools().cbegin(), knownTools().cend(),
+                                    [&](const KnownTool &tool) { return tool.name == name; });
     if (const auto version = askedVersion(report.location, known->versionFlag, known->answerPattern)) {
         report.version = *version;
         report.state = ToolReport::State::Works;
     }
     return report;
+}
+
+QList<ToolReport> ToolCheck::absent() const
+{
+    QList<ToolReport> reports;
+    for (const KnownTool &tool : knownTools()) {
+        const ToolReport report = looked(tool.name);
+        if (report.state != ToolReport::State::Silent && !tool.switchesOff.startsWith(u"Nothing"_s))
+            reports.append(report);
+    }
+    return reports;
 }
 
 /// Absent when the tool does not answer as it should, null when its answer has no version.

@@ -50,9 +50,12 @@ public:
     QList<ToolReport> checkAll() const;
     /// One tool by its name; a name we don't call is missing and switches off nothing.
     ToolReport check(const QString &name) const;
+    /// Those that something needs and that can't be started, by a look at their files alone: nothing is run.
+    QList<ToolReport> absent() const;
     static QStringList toolNames();
 
 private:
+    ToolReport looked(const QString &name) const;
     std::optional<QString> askedVersion(const QUrl &location, tools::Literal flag,
                                         const QString &pattern) const;
 

@@ -9,6 +9,7 @@ struct OpenedFile
     VideoFilePointer videoFile;
     SelectionPointer videoSelection;
     QString fileName;
+    QString asShown = {}; ///< its choices when it was current first, see OpenQueue; null before
 };
 
 /// The list of opened files, as far as the rules of the main window need it. Implemented by the owner of

@@ -3,8 +3,11 @@
 #include "media/KXVideoFile.h"
 #include "selection/KXSelectionController.h"
 #include "summary/Figures.h"
+#include "summary/TrackLook.h"
 #include "tools/Numbers.h"
 #include "tools/Times.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -25,6 +28,14 @@ qsizetype countOf(const TrackList &tracks, bool added)
 QString counted(qsizetype count, const QString &one, const QString &more)
 {
     return count == 1 ? one : more.arg(count);
+}
+
+/// "AC3 5.1", "H.264"
+QString shortText(const KXVideoTrack &track)
+{
+    const QString channels =
+        kindOf(track) == media::TrackKind::Audio ? channelsText(track.trackNumberOfChannels()) : QString();
+    return channels.isEmpty() ? codecText(track) : codecText(track) + u' ' + channels;
 }
 
 Forecast reason(const QString &text)
@@ -108,12 +119,77 @@ Forecast trackEditForecast(const KXVideoFile &film, const KXSelection &selection
             false};
 }
 
-Forecast joinForecast(const KXSelectionController &controller)
+Forecast joinForecast(const KXSelectionController &controller, const QList<VideoFilePointer> &films)
 {
     const qsizetype count = fileCount(controller);
     if (!controller.canJoin())
         return reason(count == 0 ? u"Drop MKV files first."_s : u"Needs two files or more."_s);
-    return {u"%1 files become one, named after the first"_s.arg(count), false};
+    qint64 bytes = 0;
+    double seconds = 0;
+    for (const QUrl &file : controller.currentSelection()->editFilesURLsList())
+        bytes += QFileInfo(file.toLocalFile()).size();
+    for (const VideoFilePointer &film : films)
+        seconds += film->seconds().value_or(0);
+    QStringList parts{u"%1 files become one, named after the first"_s.arg(count),
+                      u"about "_s + sizeText(bytes)};
+    if (films.size() == count && seconds > 0)
+        parts.append(lengthText(seconds));
+    return {parts.join(u" · "_s), false};
+}
+
+QString fileText(const KXVideoFile &film)
+{
+    QStringList parts;
+    int subtitles = 0;
+    for (const TrackPointer &track : film.trackList()) {
+        if (kindOf(*track) == media::TrackKind::Subtitle)
+            ++subtitles;
+        else
+            parts.append(shortText(*track));
+    }
+    parts.append(subtitles == 0 ? u"no subtitles"_s : counted(subtitles, u"1 subtitle"_s, u"%1 subtitles"_s));
+    return parts.join(u" · "_s);
+}
+
+Forecast joiningText(const KXVideoFile &first, const KXVideoFile &film)
+{
+    const auto differing = [](const QString &what, const QString &here, const QString &there) {
+        return Forecast{u"%1 differs: %2, not %3"_s.arg(what, here, there), true};
+    };
+    const auto of = [](const KXVideoFile &file, media::TrackKind kind) {
+        QStringList texts;
+        for (const TrackPointer &track : file.trackList()) {
+            if (kindOf(*track) == kind)
+                texts.append(shortText(*track));
+        }
+        return texts;
+    };
+    if (of(film, media::TrackKind::Video) != of(first, media::TrackKind::Video))
+        return differing(u"Picture"_s, of(film, media::TrackKind::Video).join(u", "_s),
+                         of(first, media::TrackKind::Video).join(u", "_s));
+    if (film.theWidth() != first.theWidth() || film.theHeight() != first.theHeight())
+        return differing(u"Picture"_s, pictureText(film.theWidth(), film.theHeight()),
+                         pictureText(first.theWidth(), first.theHeight()));
+    if (film.theFPS() != first.theFPS())
+        return differing(u"Frame rate"_s, frameRateText(film.theFPS()), frameRateText(first.theFPS()));
+    if (of(film, media::TrackKind::Audio) != of(first, media::TrackKind::Audio))
+        return differing(u"Sound"_s, of(film, media::TrackKind::Audio).join(u", "_s),
+                         of(first, media::TrackKind::Audio).join(u", "_s));
+    const qsizetype here = of(film, media::TrackKind::Subtitle).size();
+    const qsizetype there = of(first, media::TrackKind::Subtitle).size();
+    if (here != there)
+        return {u"%1 subtitles, not %2"_s.arg(here).arg(there), true};
+    return {u"Matches"_s, false};
+}
+
+QString joinWarning(const QList<VideoFilePointer> &films)
+{
+    for (qsizetype i = 1; i < films.size(); ++i) {
+        const Forecast told = joiningText(*films.constFirst(), *films.at(i));
+        if (told.isReason)
+            return u"File %1: %2."_s.arg(i + 1).arg(told.text);
+    }
+    return {};
 }
 
 Forecast splitForecast(const KXSelectionController &controller)

@@ -1,5 +1,6 @@
 #include "summary/JobLook.h"
 
+#include "media/Receipt.h"
 #include "summary/Figures.h"
 
 #include <QRegularExpression>
@@ -141,6 +142,20 @@ int queuePercent(const QList<JobState> &states, int percentOfRunning)
     const auto ended = static_cast<int>(std::count_if(states.begin(), states.end(), hasEnded));
     const int running = ended < states.size() ? percentOfRunning : 0;
     return (ended * whole + running) / static_cast<int>(states.size());
+}
+
+QString receiptSentence(const media::Receipt &receipt)
+{
+    static const QStringList wanted{u"It was not chosen."_s, u"It was removed."_s};
+    static const QStringList kinds{u"video"_s, u"audio"_s, u"subtitle"_s};
+    QStringList missing;
+    for (const media::TrackFate &fate : receipt.tracks) {
+        if (fate.became == media::Became::LeftOut && kinds.contains(fate.kind) &&
+            !wanted.contains(fate.reason))
+            missing.append(u"%1 %2 (%3)"_s.arg(fate.kind).arg(fate.index).arg(fate.codec));
+    }
+    return missing.isEmpty() ? u"Nothing of what you chose is missing."_s
+                             : u"Of what you chose is missing: %1."_s.arg(missing.join(u", "_s));
 }
 
 } // namespace summary

@@ -5,6 +5,10 @@
 
 class KXJob;
 
+namespace media {
+struct Receipt;
+}
+
 namespace summary {
 
 /// How a job stands, as a person is told.
@@ -28,5 +32,8 @@ QString runningText(qint64 elapsed, int percent);
 QString queueText(const QList<JobState> &states, qint64 secondsLeft);
 /// How far all of them are, in per cent; the running one by its own percentage.
 int queuePercent(const QList<JobState> &states, int percentOfRunning);
+
+/// Below the tracks of a finished job: "Nothing of what you chose is missing.", or what is.
+QString receiptSentence(const media::Receipt &receipt);
 
 } // namespace summary

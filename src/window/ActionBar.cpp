@@ -2,12 +2,16 @@
 
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
+#include "app/ResultName.h"
 #include "window/Icons.h"
 #include "window/ToolTipBinder.h"
 
 #include <QAccessible>
+#include <QFileInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenu>
+#include <QShortcut>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +22,8 @@ namespace {
 constexpr int usualHeight = 76;
 constexpr int compactHeight = 64;
 constexpr int fileHeight = 44;
+constexpr int nameHeight = 20;
+constexpr int nameWidth = 280;
 constexpr int announceAfter = 500; // milliseconds
 
 } // namespace
@@ -27,7 +33,10 @@ ActionBar::ActionBar(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     , m_delegate(delegate)
     , m_tips(tips)
     , m_name(named(new ElidedLabel(Qt::ElideMiddle, Role::Text, Type::Head), "ResultName", tr("Result")))
+    , m_field(named(new QLineEdit, "ResultNameField", tr("Name of the result")))
+    , m_edit(flatButton(u"document-edit"_s, tr("Change the name of the result")))
     , m_rest(named(new ElidedLabel(Qt::ElideRight, Role::Second), "ResultSize", {}))
+    , m_stays(named(linkButton(tr("Show it")), "ShowFilmThatStays", tr("Show the film that stays open")))
     , m_sentence(named(new ElidedLabel(Qt::ElideRight, Role::Second, Type::Second), "ResultSentence", {}))
     , m_mend(named(linkButton(tr("Take the first tracks")), "TakeFirstTracks", tr("Take the first tracks")))
     , m_folder(named(new ElidedLabel(Qt::ElideMiddle, Role::Second, Type::Second), "ResultFolder", {}))
@@ -39,6 +48,7 @@ ActionBar::ActionBar(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     setObjectName(u"ActionBar"_s);
     setEdge(Qt::TopEdge);
     setAccessibleName(tr("What Convert makes"));
+    setUpName();
     m_convert->setDefault(true);
     m_convert->setMinimumWidth(132);
     m_commands->setAutoDefault(false);
@@ -66,6 +76,70 @@ ActionBar::ActionBar(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     connect(&m_announce, &QTimer::timeout, this, &ActionBar::announce);
 }
 
+void ActionBar::setUpName()
+{
+    m_edit->setObjectName(u"EditNameButton"_s);
+    m_edit->setProperty("small", true);
+    m_edit->setFixedSize(smallHeight, nameHeight);
+    m_edit->setIconSize(QSize(14, 14));
+    m_field->setFixedHeight(smallHeight);
+    m_field->setMinimumWidth(nameWidth);
+    m_field->hide();
+    m_field->installEventFilter(this);
+    m_name->installEventFilter(this);
+    m_name->setCursor(Qt::IBeamCursor);
+    auto *keyed =
+        new QShortcut(QKeySequence(Qt::Key_F2), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    connect(keyed, &QShortcut::activated, this, &ActionBar::editName);
+    connect(m_edit, &QPushButton::clicked, this, &ActionBar::editName);
+    connect(m_field, &QLineEdit::returnPressed, this, [this] { endName(true); });
+    connect(m_stays, &QPushButton::clicked, this, [this] { Q_EMIT filmWanted(m_firstToStay); });
+}
+
+void ActionBar::editName()
+{
+    if (m_edit->isHidden())
+        return;
+    m_field->setText(QFileInfo(m_name->text()).completeBaseName());
+    m_name->hide();
+    m_edit->hide();
+    m_field->show();
+    m_field->setFocus(Qt::OtherFocusReason);
+    m_field->selectAll();
+}
+
+/// The focus goes back to the pencil, which is where the keyboard came from.
+void ActionBar::endName(bool takes)
+{
+    if (m_field->isHidden())
+        return;
+    const bool hadFocus = m_field->hasFocus();
+    m_field->hide();
+    m_name->show();
+    m_edit->show();
+    if (hadFocus)
+        m_edit->setFocus(Qt::OtherFocusReason);
+    if (!takes)
+        return;
+    app::chooseResultName(*m_delegate.program().selectionController().currentSelection(), m_field->text());
+    Q_EMIT nameChosen();
+}
+
+bool ActionBar::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_name && event->type() == QEvent::MouseButtonRelease)
+        editName();
+    const bool escapes = event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() ==
+                                                                  Qt::Key_Escape; // NOLINT: its type is known
+    if (watched == m_field && escapes) {
+        endName(false);
+        return true;
+    }
+    if (watched == m_field && event->type() == QEvent::FocusOut)
+        endName(true);
+    return Ground::eventFilter(watched, event);
+}
+
 QWidget *ActionBar::words()
 {
     auto *area = new QWidget;
@@ -73,14 +147,14 @@ QWidget *ActionBar::words()
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addStretch(1);
-    const auto add = [column](QWidget *first, QWidget *second) {
-        QWidget *row = rowOf({first, second, nullptr});
+    const auto add = [column](const QList<QWidget *> &parts) {
+        QWidget *row = rowOf(parts);
         row->layout()->setSpacing(space::small);
         column->addWidget(row);
     };
-    add(m_name, m_rest);
-    add(m_sentence, m_mend);
-    add(m_folder, m_change);
+    add({m_name, m_field, m_edit, m_rest, m_stays, nullptr});
+    add({m_sentence, m_mend, nullptr});
+    add({m_folder, m_change, nullptr});
     column->addStretch(1);
     return area;
 }
@@ -101,9 +175,12 @@ void ActionBar::refresh()
     const KXSelectionController &controller = m_delegate.program().selectionController();
     const bool editsFiles = controller.currentTab() == u"Edit Files"_s;
     m_convert->setVisible(!editsFiles);
-    for (QWidget *line :
-         {static_cast<QWidget *>(m_name), static_cast<QWidget *>(m_rest), static_cast<QWidget *>(m_sentence)})
-        line->setVisible(!editsFiles);
+    m_edit->hide();
+    m_stays->hide();
+    m_firstToStay = -1;
+    m_name->setVisible(!editsFiles && m_field->isHidden());
+    m_rest->setVisible(!editsFiles);
+    m_sentence->setVisible(!editsFiles);
     m_mend->hide();
     showFolder();
     if (editsFiles) {
@@ -132,6 +209,11 @@ void ActionBar::showForecast(const app::ConvertForecast &forecast)
     const bool named = !forecast.name.isEmpty();
     m_name->setText(named ? forecast.name : forecast.isReady ? tr("Ready.") : tr("Not ready to convert."));
     m_name->setFont(fontOf(named ? Type::Head : Type::Body));
+    m_edit->setVisible(named && m_field->isHidden() &&
+                       app::canNameResult(*m_delegate.program().selectionController().currentSelection()));
+    m_firstToStay = forecast.firstToStay;
+    m_stays->setVisible(m_firstToStay >= 0);
+    m_stays->setText(forecast.staying > 1 ? tr("Show the first") : tr("Show it"));
     m_name->setInk(named ? Role::Text : Role::Second);
     QStringList rest;
     if (named)

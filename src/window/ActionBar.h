@@ -3,6 +3,7 @@
 #include "app/ConvertForecast.h"
 #include "window/Controls.h"
 
+#include <QLineEdit>
 #include <QTimer>
 
 class KXAppDelegate;
@@ -29,18 +30,31 @@ Q_SIGNALS:
     void commandsWanted();
     void folderWanted();
     void noFolderWanted();
+    /// The film of that row of the open files is to be shown.
+    void filmWanted(int row);
+    void nameChosen();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void setUpName();
     QWidget *words();
     void showForecast(const app::ConvertForecast &forecast);
     void showEmpty();
     void showFolder();
     void announce();
+    void editName();
+    void endName(bool takes);
 
     KXAppDelegate &m_delegate;
     ToolTipBinder &m_tips;
     ElidedLabel *m_name;
+    QLineEdit *m_field; ///< in the place of the name while it is edited
+    QPushButton *m_edit;
     ElidedLabel *m_rest;
+    QPushButton *m_stays;
+    int m_firstToStay = -1;
     ElidedLabel *m_sentence;
     QPushButton *m_mend;
     ElidedLabel *m_folder;

@@ -4,6 +4,7 @@
 
 #include <QBoxLayout>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
 #include <QStyle>
@@ -239,6 +240,17 @@ QWidget *separatorLine(Qt::Orientation orientation)
     return line;
 }
 
+void paintChosenRow(QPainter &painter, const QRect &row)
+{
+    constexpr int accentBar = 3;
+    painter.fillRect(row, color(Role::Soft));
+    QRect bar = row;
+    bar.setWidth(accentBar);
+    if (QGuiApplication::isRightToLeft())
+        bar.moveRight(row.right());
+    painter.fillRect(bar, color(Role::Accent));
+}
+
 Ground::Ground(Role ground, QWidget *parent)
     : QWidget(parent)
     , m_ground(ground)
@@ -256,7 +268,7 @@ void Ground::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.fillRect(rect(), color(m_ground));
     painter.setPen(color(Role::Line));
-    const QRect edge = rect().adjusted(0, 0, -1, -1);
+    const QRect edge = rect();
     if (m_edges.testFlag(Qt::TopEdge))
         painter.drawLine(edge.topLeft(), edge.topRight());
     if (m_edges.testFlag(Qt::BottomEdge))

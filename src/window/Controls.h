@@ -87,6 +87,9 @@ QPushButton *primaryButton(const QString &text);
 /// A line of the theme.
 QWidget *separatorLine(Qt::Orientation orientation = Qt::Horizontal);
 
+/// The ground of the chosen row of a list.
+void paintChosenRow(QPainter &painter, const QRect &row);
+
 /// A part of the window with a ground of its own.
 class Ground : public QWidget
 {

@@ -1,14 +1,19 @@
 #include "window/EditFilesPanel.h"
 
+#include "app/FilesLook.h"
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
 #include "summary/EditForecast.h"
 #include "summary/Figures.h"
+#include "window/Badges.h"
+#include "window/FileDelegate.h"
 #include "window/FilesModel.h"
+#include "window/Icons.h"
 #include "window/IntegerField.h"
 #include "window/KXDropScrollView.h"
 #include "window/RadioMatrix.h"
 #include "window/Section.h"
+#include "window/Thumbnails.h"
 #include "window/TimeField.h"
 #include "window/ToolTipBinder.h"
 
@@ -32,6 +37,8 @@ constexpr qint64 durationTag = 1003;
 constexpr int operationsWidth = 384;
 constexpr int timeFieldWidth = 86;
 constexpr int listHeadHeight = 72;
+constexpr int lengthWidth = 84;
+constexpr int joiningWidth = 210;
 
 void showIn(QLineEdit *field, const QString &text)
 {
@@ -77,20 +84,25 @@ public:
 
 } // namespace
 
-EditFilesPanel::EditFilesPanel(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent)
+EditFilesPanel::EditFilesPanel(KXAppDelegate &delegate, Thumbnails &thumbnails, ToolTipBinder &tips,
+                               QWidget *parent)
     : QWidget(parent)
     , m_delegate(delegate)
     , m_controller(delegate.program().selectionController())
     , m_tips(tips)
+    , m_look(new app::FilesLook(delegate.program().preferences(), this))
     , m_count(new InkLabel({}, Role::Text, Type::Title))
+    , m_badges(named(new BadgeRow, "FileListFacts", tr("What is known of the files")))
     , m_text(new ElidedLabel(Qt::ElideRight, Role::Second, Type::Second))
     , m_removeFile(named(smallButton(tr("Remove from List"), u"list-remove"_s), "RemoveFileButton",
                          tr("Remove the file from the list")))
     , m_table(named(new KXDropScrollView, "EditFilesTable", tr("Files to edit")))
-    , m_model(new FilesModel(this))
+    , m_model(new FilesModel(*m_look, thumbnails, this))
     , m_join(startButton(u"Join"_s, "JoinButton", tr("Join the files")))
     , m_split(startButton(u"Split"_s, "SplitButton", tr("Split the files")))
     , m_remux(startButton(u"Re-Mux"_s, "RemuxButton", tr("Rewrite the files without header removal")))
+    , m_warning(new Ground(Role::WarnSoft))
+    , m_warningText(named(new InkLabel({}, Role::Text, Type::Second), "JoinWarning", {}))
     , m_joinForecast(forecastLabel())
     , m_splitForecast(forecastLabel())
     , m_remuxForecast(forecastLabel())
@@ -109,6 +121,11 @@ EditFilesPanel::EditFilesPanel(KXAppDelegate &delegate, ToolTipBinder &tips, QWi
     layout->addWidget(listPart(), 1);
     layout->addWidget(separatorLine(Qt::Vertical));
     layout->addWidget(operations());
+    connect(m_look, &app::FilesLook::changed, this, [this] {
+        m_model->refreshFacts();
+        refresh();
+    });
+    connect(&thumbnails, &Thumbnails::taken, m_model, &FilesModel::refreshFacts);
     tips.bind(m_start, "ttSplitStartTime");
     tips.bind(m_end, "ttSplitEndTime");
     tips.bind(m_size, "ttSplitSize");
@@ -130,23 +147,30 @@ QWidget *EditFilesPanel::listPart()
     auto *lines = new QVBoxLayout(words);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);
-    lines->addWidget(m_count);
+    lines->addStretch(1);
+    lines->addWidget(rowOf({m_count, m_badges, nullptr}));
     lines->addWidget(m_text);
+    lines->addStretch(1);
     QWidget *head = rowOf({words, m_removeFile});
     static_cast<QHBoxLayout *>(head->layout())->setStretch(0, 1); // NOLINT: rowOf() makes one
     head->setFixedHeight(listHeadHeight);
     m_table->setModel(m_model);
-    m_table->header()->setStretchLastSection(false);
-    m_table->header()->setSectionResizeMode(FilesModel::Name, QHeaderView::Stretch);
-    m_table->header()->resizeSection(FilesModel::Folder, 220);
-    m_table->header()->resizeSection(FilesModel::Size, 90);
-    m_table->setTextElideMode(Qt::ElideMiddle);
-    m_table->setEmptyText(tr("Drag MKV files here. Alt+Up and Alt+Down change their order.\n"
+    m_table->setItemDelegate(new FileDelegate(m_table));
+    m_table->letRowsBeDragged();
+    QHeaderView *header = m_table->header();
+    header->setStretchLastSection(false);
+    header->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    header->setSectionResizeMode(FilesModel::Name, QHeaderView::Stretch);
+    header->resizeSection(FilesModel::Length, lengthWidth);
+    header->resizeSection(FilesModel::Size, lengthWidth);
+    header->resizeSection(FilesModel::Joining, joiningWidth);
+    m_table->setEmptyText(tr("Drag rows, or press Alt+Up and Alt+Down, to change the order.\n"
                              "Dropping files again starts a new list."));
+    connect(m_table, &KXDropScrollView::rowDropped, this, &EditFilesPanel::move);
     for (const auto &[keys, by] :
          {std::pair(Qt::ALT | Qt::Key_Up, -1), std::pair(Qt::ALT | Qt::Key_Down, 1)}) {
         auto *moved = new QShortcut(QKeySequence(keys), m_table, nullptr, nullptr, Qt::WidgetShortcut);
-        connect(moved, &QShortcut::activated, this, [this, step = by] { move(step); });
+        connect(moved, &QShortcut::activated, this, [this, step = by] { moveCurrent(step); });
     }
     auto *gone = new QShortcut(QKeySequence::Delete, m_table, nullptr, nullptr, Qt::WidgetShortcut);
     connect(gone, &QShortcut::activated, this, &EditFilesPanel::removeCurrent);
@@ -185,9 +209,15 @@ QWidget *EditFilesPanel::operations()
 
 QWidget *EditFilesPanel::joinPart()
 {
+    auto *words = new QHBoxLayout(m_warning);
+    words->setContentsMargins(space::small, space::small, space::small, space::small);
+    words->setSpacing(space::small);
+    words->addWidget(iconLabel(u"dialog-warning"_s, Role::Warn));
+    words->addWidget(m_warningText, 1);
+    m_warningText->setWordWrap(true);
     return new Operation(u"join-files"_s, tr("Join"),
                          tr("The listed files become one, in their order. Nothing is re-encoded."),
-                         {forecastRow(m_joinForecast, m_join)});
+                         {m_warning, forecastRow(m_joinForecast, m_join)});
 }
 
 QWidget *EditFilesPanel::remuxPart()
@@ -238,14 +268,20 @@ void EditFilesPanel::setFiles(const QList<QUrl> &files, int current)
     m_table->setCurrentIndex(m_model->index(current, 0));
 }
 
-void EditFilesPanel::move(int by)
+/// To the row that it has when it is there.
+void EditFilesPanel::move(int from, int to)
+{
+    QList<QUrl> files = m_model->files();
+    if (from < 0 || from >= files.size() || to < 0 || to >= files.size() || from == to)
+        return;
+    files.move(from, to);
+    setFiles(files, to);
+}
+
+void EditFilesPanel::moveCurrent(int by)
 {
     const int row = m_table->currentIndex().row();
-    QList<QUrl> files = m_model->files();
-    if (row < 0 || row + by < 0 || row + by >= files.size())
-        return;
-    files.move(row, row + by);
-    setFiles(files, row + by);
+    move(row, row + by);
 }
 
 void EditFilesPanel::removeCurrent()
@@ -263,21 +299,42 @@ void EditFilesPanel::focusTable()
     m_table->setFocus(Qt::OtherFocusReason);
 }
 
+/// How many, how long and how large all of them are.
+void EditFilesPanel::refreshHead(const QList<QUrl> &files)
+{
+    m_count->setText(files.isEmpty()     ? tr("No files yet")
+                     : files.size() == 1 ? tr("1 file")
+                                         : tr("%1 files").arg(files.size()));
+    qint64 bytes = 0;
+    for (const QUrl &file : files)
+        bytes += QFileInfo(file.toLocalFile()).size();
+    double seconds = 0;
+    const QList<VideoFilePointer> films = m_look->films(files);
+    for (const VideoFilePointer &film : films)
+        seconds += film->seconds().value_or(0);
+    QList<Badge> badges;
+    if (films.size() == files.size() && seconds > 0)
+        badges.append({summary::lengthText(seconds), Role::Second, Role::Groove});
+    if (!files.isEmpty())
+        badges.append({summary::sizeText(bytes), Role::Second, Role::Groove});
+    m_badges->setBadges(badges);
+}
+
 void EditFilesPanel::refresh()
 {
     const QList<QUrl> files = m_controller.currentSelection()->editFilesURLsList();
     m_model->setFiles(files);
-    qint64 bytes = 0;
-    for (const QUrl &file : files)
-        bytes += QFileInfo(file.toLocalFile()).size();
-    m_count->setText(files.isEmpty() ? tr("No files yet")
-                                     : (files.size() == 1 ? tr("1 file") : tr("%1 files").arg(files.size())) +
-                                           u" · "_s + summary::sizeText(bytes));
+    m_look->list(files);
+    refreshHead(files);
     m_text->setText(m_controller.currentFileText());
     m_removeFile->setEnabled(!files.isEmpty());
     const int kind = m_controller.splitTypeMatrixIndex();
     m_splitType->setIndex(kind);
-    showForecast(m_joinForecast, summary::joinForecast(m_controller));
+    const QList<VideoFilePointer> films = m_look->films(files);
+    showForecast(m_joinForecast, summary::joinForecast(m_controller, films));
+    const QString warning = m_controller.canJoin() ? summary::joinWarning(films) : QString();
+    m_warningText->setText(warning);
+    m_warning->setVisible(!warning.isEmpty());
     showForecast(m_splitForecast, summary::splitForecast(m_controller));
     showForecast(m_remuxForecast, summary::remuxForecast(m_controller));
     m_join->setEnabled(m_controller.canJoin());

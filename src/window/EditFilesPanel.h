@@ -6,11 +6,17 @@ class KXAppDelegate;
 class KXDropScrollView;
 class KXSelectionController;
 
+namespace app {
+class FilesLook;
+}
+
 namespace window {
 
+class BadgeRow;
 class FilesModel;
 class IntegerField;
 class RadioMatrix;
+class Thumbnails;
 class TimeField;
 class ToolTipBinder;
 
@@ -20,7 +26,8 @@ class EditFilesPanel final : public QWidget
     Q_OBJECT
 
 public:
-    EditFilesPanel(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *parent = nullptr);
+    EditFilesPanel(KXAppDelegate &delegate, Thumbnails &thumbnails, ToolTipBinder &tips,
+                   QWidget *parent = nullptr);
 
     void refresh();
     void focusTable();
@@ -38,13 +45,17 @@ private:
     QWidget *splitPart();
     QWidget *remuxPart();
     void setFiles(const QList<QUrl> &files, int current);
-    void move(int by);
+    void move(int from, int to);
+    void moveCurrent(int by);
+    void refreshHead(const QList<QUrl> &files);
     void removeCurrent();
 
     KXAppDelegate &m_delegate;
     KXSelectionController &m_controller;
     ToolTipBinder &m_tips;
+    app::FilesLook *m_look;
     InkLabel *m_count;
+    BadgeRow *m_badges;
     ElidedLabel *m_text;
     QPushButton *m_removeFile;
     KXDropScrollView *m_table;
@@ -52,6 +63,8 @@ private:
     QPushButton *m_join;
     QPushButton *m_split;
     QPushButton *m_remux;
+    Ground *m_warning;
+    InkLabel *m_warningText;
     InkLabel *m_joinForecast;
     InkLabel *m_splitForecast;
     InkLabel *m_remuxForecast;

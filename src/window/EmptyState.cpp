@@ -55,13 +55,16 @@ EmptyState::EmptyState(const QString &title, bool hasCards, QWidget *parent)
         cards->setSpacing(space::large);
         cards->addWidget(card(u"video-x-generic"_s, tr("Films for a device"),
                               tr("Pick tracks, pick a target, convert one film or many."), tr("Open…"),
-                              &EmptyState::openWanted));
+                              &EmptyState::openWanted),
+                         1);
         cards->addWidget(card(u"join-files"_s, tr("Whole MKV files"),
                               tr("Join, split or re-mux them. Nothing is re-encoded."),
-                              tr("Go to Edit Files"), &EmptyState::editFilesWanted));
+                              tr("Go to Edit Files"), &EmptyState::editFilesWanted),
+                         1);
         cards->addWidget(card(u"view-visible"_s, tr("A watched folder"),
                               tr("Every film that arrives in it is converted by your presets."),
-                              tr("Watch Folder…"), &EmptyState::watchWanted));
+                              tr("Watch Folder…"), &EmptyState::watchWanted),
+                         1);
         column->addLayout(cards);
     }
     column->addStretch(1);

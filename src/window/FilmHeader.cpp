@@ -93,7 +93,10 @@ FilmHeader::FilmHeader(KXAppDelegate &delegate, Thumbnails &thumbnails, ToolTipB
     tips.bind(m_path, "ttConvertFileField");
     tips.bind(m_play, "ttPlayButton");
     connect(m_play, &QPushButton::clicked, &delegate, &KXAppDelegate::playButton);
-    connect(&thumbnails, &Thumbnails::taken, this, &FilmHeader::refresh);
+    connect(&thumbnails, &Thumbnails::taken, this, [this] {
+        if (!m_delegate.intake().isBusy()) // then another film is current for the moment
+            refresh();
+    });
     setCompact(false);
 }
 

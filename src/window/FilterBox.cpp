@@ -84,7 +84,8 @@ void FilterBox::makeRow(int position)
 {
     const int tag = m_editor.rows(m_panel.kind()).filterButton(position).tag;
     auto *ground = new Ground(Role::Base);
-    ground->setEdge(Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge);
+    const Qt::Edges below = Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
+    ground->setEdge(position == 1 ? below | Qt::TopEdge : below); // the line above is that of the row before
     auto *grid = new QGridLayout(ground);
     grid->setContentsMargins(space::small, space::small, space::small, space::small);
     grid->setSpacing(space::small);

@@ -1,5 +1,6 @@
 #include "window/Inspector.h"
 
+#include "app/ConvertForecast.h"
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
 #include "selection/Targets.h"
@@ -30,6 +31,7 @@ Inspector::Inspector(KXAppDelegate &delegate, ToolTipBinder &tips, QWidget *pare
     , m_device(named(new QComboBox, "DevicePopUp", tr("Target")))
     , m_note(new Ground(Role::Soft))
     , m_noteText(new InkLabel({}, Role::Text, Type::Second))
+    , m_reach(named(hint(), "SettingsReach", {}))
     , m_video(new VideoBox(delegate.program().selectionController(), tips))
     , m_audio(new AudioBox(delegate.program().selectionController(), tips))
     , m_subtitles(new SubtitleBox(delegate.program().selectionController(), tips))
@@ -97,6 +99,7 @@ QWidget *Inspector::head()
     grid->addWidget(m_editPresets, 0, 2);
     grid->addWidget(target, 1, 0);
     grid->addWidget(m_device, 1, 1, 1, 2);
+    grid->addWidget(m_reach, 2, 0, 1, 3);
     grid->setColumnStretch(1, 1);
     return area;
 }
@@ -125,6 +128,9 @@ void Inspector::refresh()
     m_noteText->setText(extracts ? tr("This preset writes each ticked track into a file of its own.")
                                  : tr("To convert, tick exactly one video track."));
     m_note->setVisible(extracts || !controller.canConvert());
+    const QString reach = app::reachOfPresets(m_delegate.program(), m_delegate.openQueue());
+    m_reach->setText(reach);
+    m_reach->setVisible(!reach.isEmpty());
     m_video->refresh();
     m_audio->refresh();
     m_subtitles->setSendingRefusal(sendingRefusal());

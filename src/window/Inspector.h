@@ -41,6 +41,7 @@ private:
     QComboBox *m_device;
     Ground *m_note;
     QLabel *m_noteText;
+    QLabel *m_reach;
     VideoBox *m_video;
     AudioBox *m_audio;
     SubtitleBox *m_subtitles;

@@ -77,6 +77,7 @@ void JobModel::change(int row)
         return;
     const KXJob *job = m_jobs.at(row).get();
     Times &times = m_times[job];
+    times.job = m_jobs.at(row);
     if (job->jobStatus() == u"Running"_s && !times.running.isValid())
         times.running.start();
     if (job->jobStatus() == u"Completed"_s && times.running.isValid() && times.taken < 0)
@@ -91,9 +92,9 @@ void JobModel::remove(int row)
     if (m_jobs.at(row).get() == m_stepsOf)
         dropSteps();
     beginRemoveRows({}, row, row);
-    m_times.remove(m_jobs.at(row).get());
     m_jobs.removeAt(row);
     endRemoveRows();
+    m_times.removeIf([](auto each) { return each.value().job.expired(); }); // a cleared one may come back
 }
 
 void JobModel::move(int from, int to)

@@ -46,6 +46,7 @@ public:
 private:
     struct Times
     {
+        std::weak_ptr<const KXJob> job;
         QElapsedTimer running;
         qint64 taken = -1; ///< seconds, once it has ended
     };

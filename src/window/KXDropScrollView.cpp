@@ -5,6 +5,7 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 
@@ -64,8 +65,49 @@ void KXDropScrollView::showDrag(const QString &words)
     viewport()->update();
 }
 
+void KXDropScrollView::letRowsBeDragged()
+{
+    setDragEnabled(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setDefaultDropAction(Qt::MoveAction);
+}
+
+/// Between the rows that are nearest to the place.
+int KXDropScrollView::gapAt(const QPoint &place) const
+{
+    const QModelIndex index = indexAt(place);
+    if (!index.isValid())
+        return model()->rowCount();
+    return index.row() + (place.y() > visualRect(index).center().y() ? 1 : 0);
+}
+
+/// To the next column that is shown; a tree by itself knows no columns.
+bool KXDropScrollView::moveAcross(int by)
+{
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || state() == EditingState)
+        return false;
+    for (int column = current.column() + by; column >= 0 && column < model()->columnCount(); column += by) {
+        if (!isColumnHidden(column)) {
+            setCurrentIndex(current.siblingAtColumn(column));
+            return true;
+        }
+    }
+    return false;
+}
+
+void KXDropScrollView::keyPressEvent(QKeyEvent *event)
+{
+    const bool isAcross = event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    const int by = (event->key() == Qt::Key_Right) == (layoutDirection() == Qt::LeftToRight) ? 1 : -1;
+    if (!isAcross || event->modifiers() != Qt::NoModifier || !moveAcross(by))
+        QTreeView::keyPressEvent(event);
+}
+
 void KXDropScrollView::dragEnterEvent(QDragEnterEvent *event)
 {
+    if (event->source() == this)
+        return event->accept();
     Q_EMIT dragged(filesOf(event->mimeData()));
     if (filesOf(event->mimeData()).isEmpty())
         event->ignore();
@@ -75,6 +117,11 @@ void KXDropScrollView::dragEnterEvent(QDragEnterEvent *event)
 
 void KXDropScrollView::dragMoveEvent(QDragMoveEvent *event)
 {
+    if (event->source() == this) {
+        m_gap = gapAt(event->position().toPoint());
+        viewport()->update();
+        return event->accept();
+    }
     if (filesOf(event->mimeData()).isEmpty())
         event->ignore();
     else
@@ -83,6 +130,14 @@ void KXDropScrollView::dragMoveEvent(QDragMoveEvent *event)
 
 void KXDropScrollView::dropEvent(QDropEvent *event)
 {
+    if (event->source() == this) {
+        const int from = currentIndex().row();
+        const int gap = std::exchange(m_gap, -1);
+        event->setDropAction(Qt::CopyAction); // the list is changed by who hears of it
+        event->accept();
+        Q_EMIT rowDropped(from, gap > from ? gap - 1 : gap);
+        return;
+    }
     const QList<QUrl> files = filesOf(event->mimeData());
     if (files.isEmpty())
         return event->ignore();
@@ -94,6 +149,7 @@ void KXDropScrollView::dropEvent(QDropEvent *event)
 void KXDropScrollView::dragLeaveEvent(QDragLeaveEvent *event)
 {
     QTreeView::dragLeaveEvent(event);
+    m_gap = -1;
     Q_EMIT dragLeft();
 }
 
@@ -102,6 +158,12 @@ void KXDropScrollView::paintEvent(QPaintEvent *event)
     QTreeView::paintEvent(event);
     using namespace window;
     QPainter painter(viewport());
+    if (m_gap >= 0) {
+        const bool isLast = m_gap >= model()->rowCount();
+        const QRect row = visualRect(model()->index(isLast ? model()->rowCount() - 1 : m_gap, 0));
+        const int y = isLast ? row.bottom() : row.top();
+        painter.fillRect(QRect(0, y - 1, viewport()->width(), 2), color(Role::Accent));
+    }
     if (!m_dragWords.isEmpty()) {
         painter.fillRect(viewport()->rect(), color(Role::Soft));
         painter.setPen(QPen(color(Role::Accent), 2));

@@ -15,6 +15,8 @@ public:
 
     /// What is written in its free space.
     void setEmptyText(const QString &text);
+    /// Its own rows can be dragged to another place.
+    void letRowsBeDragged();
     /// Words over the whole table while something is dragged; none takes them away.
     void showDrag(const QString &words);
     /// Whether a drag is of files alone.
@@ -26,8 +28,11 @@ Q_SIGNALS:
     /// These are over it now; none of them where the drag can't be taken.
     void dragged(const QList<QUrl> &files);
     void dragLeft();
+    /// One of its own rows, to the place that it has when it is there.
+    void rowDropped(int from, int to);
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
@@ -35,6 +40,10 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    int gapAt(const QPoint &place) const;
+    bool moveAcross(int by);
+
     QString m_emptyText;
     QString m_dragWords;
+    int m_gap = -1; ///< before that row one of its own would be dropped
 };

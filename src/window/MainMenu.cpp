@@ -88,6 +88,7 @@ void MainMenu::addWindowCommands()
                [this] { m_commands.nextFilm(-1); });
     addCommand(menu, tr("&Next Film"), QKeySequence(Qt::CTRL | Qt::Key_PageDown),
                [this] { m_commands.nextFilm(1); });
+    addCommand(menu, tr("&Season"), QKeySequence(Qt::Key_F8), m_commands.season);
     addCommand(menu, tr("Next Ar&ea"), QKeySequence(Qt::Key_F6), [this] { m_commands.nextArea(true); });
     addCommand(menu, tr("Previous Are&a"), QKeySequence(Qt::SHIFT | Qt::Key_F6),
                [this] { m_commands.nextArea(false); });
@@ -137,8 +138,7 @@ void MainMenu::addQueueMenu()
     addCommand(menu, tr("&Pause or Resume"), QKeySequence(Qt::CTRL | Qt::Key_Period),
                m_commands.pauseOrResume);
     addCommand(menu, tr("&Delete Selected Job"), {}, m_commands.deleteSelectedJob);
-    addCommand(menu, tr("C&lear Completed Jobs"), {},
-               [this] { m_delegate.program().queue().clearQueueButton(); });
+    addCommand(menu, tr("C&lear Completed Jobs"), {}, m_commands.clearJobs);
 }
 
 void MainMenu::addHelpMenu()

@@ -29,6 +29,8 @@ public:
         std::function<void()> convert;
         std::function<void()> pauseOrResume;
         std::function<void()> deleteSelectedJob;
+        std::function<void()> clearJobs;
+        std::function<void()> season;
         std::function<void()> watchFolder;
         std::function<void(int index)> showTab;
         std::function<void(int by)> nextFilm;

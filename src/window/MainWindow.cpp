@@ -1,9 +1,7 @@
 #include "window/MainWindow.h"
 
-#include "app/JobPlan.h"
 #include "app/KXAppDelegate.h"
 #include "app/Program.h"
-#include "prefs/KXPreferencesController.h"
 #include "window/ActionBar.h"
 #include "window/AreaWalk.h"
 #include "window/EditFilesPanel.h"
@@ -11,14 +9,13 @@
 #include "window/FilmHeader.h"
 #include "window/Inspector.h"
 #include "window/KXDropScrollView.h"
+#include "window/Notices.h"
 #include "window/OpenFilesList.h"
-#include "window/PreferencesPanel.h"
-#include "window/PresetSelectionsSheet.h"
-#include "window/PresetSettingsSheet.h"
 #include "window/QueueDrawer.h"
 #include "window/QueueStrip.h"
+#include "window/SeasonPage.h"
+#include "window/Sheets.h"
 #include "window/StatusLine.h"
-#include "window/TextSheet.h"
 #include "window/Thumbnails.h"
 #include "window/ToolRow.h"
 #include "window/ToolTipBinder.h"
@@ -27,8 +24,6 @@
 #include "window/WindowPlace.h"
 
 #include <QCloseEvent>
-#include <QDesktopServices>
-#include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QStackedWidget>
@@ -40,7 +35,7 @@ namespace window {
 
 namespace {
 
-enum Page { FilmPage, FilesPage, EmptyPage };
+enum Page { FilmPage, FilesPage, EmptyPage, AllFilmsPage };
 
 /// The tabs by their names, which the rules compare.
 const QStringList &tabNames()
@@ -62,7 +57,6 @@ bool isAddition(const QList<QUrl> &files)
 
 MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &preferences)
     : m_delegate(delegate)
-    , m_preferences(preferences)
     , m_tips(new ToolTipBinder(delegate.program().preferences(), this))
     , m_thumbnails(new Thumbnails(this))
 {
@@ -75,6 +69,8 @@ MainWindow::MainWindow(KXAppDelegate &delegate, KXPreferencesController &prefere
     m_tools = new ToolRow(tabNames(), *m_tips);
     addToolBar(Qt::TopToolBarArea, m_tools);
     setCentralWidget(content());
+    m_notices = new Notices(delegate, *m_bars, this);
+    m_sheets = new Sheets({delegate, preferences, *m_tips, *m_notices}, this);
     addDockWidget(Qt::RightDockWidgetArea, m_drawer);
     m_watch = new WatchPopover(delegate, *m_tips, this);
     m_menu = std::make_unique<MainMenu>(*this, delegate, menuCommands());
@@ -99,10 +95,12 @@ QWidget *MainWindow::content()
     idle->setSpacing(0);
     m_pages = new QStackedWidget;
     m_pages->addWidget(filmPage());
-    m_editFiles = new EditFilesPanel(m_delegate, *m_tips);
+    m_editFiles = new EditFilesPanel(m_delegate, *m_thumbnails, *m_tips);
     m_pages->addWidget(m_editFiles);
     m_empty = new EmptyState(u"Drop Video File(s) in the Table Below"_s, true);
     m_pages->addWidget(m_empty);
+    m_season = new SeasonPage(m_delegate);
+    m_pages->addWidget(m_season);
     m_actions = new ActionBar(m_delegate, *m_tips);
     idle->addWidget(m_pages, 1);
     idle->addWidget(m_actions);
@@ -146,6 +144,9 @@ void MainWindow::connectParts()
     connect(&program.preferences(), &KXPreferences::toolTipsModified, this, &MainWindow::scheduleRefresh);
     connect(&program.preferences(), &KXPreferences::toolsUnpacked, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.intake(), &app::FileIntake::busyChanged, this, &MainWindow::scheduleRefresh);
+    connect(&m_delegate.intake(), &app::FileIntake::busyChanged, this,
+            [this] { m_tracks->setHeld(m_delegate.intake().isBusy()); });
+    connect(&m_delegate.intake(), &app::FileIntake::firstFilmOpened, this, &MainWindow::showFirstFilm);
     connect(&m_delegate.intake(), &app::FileIntake::tracksChanged, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.starter(), &app::JobStarter::finishingChanged, this, &MainWindow::scheduleRefresh);
     connect(&m_delegate.openQueue(), &app::OpenQueue::entriesChanged, this, &MainWindow::scheduleRefresh);
@@ -161,9 +162,6 @@ void MainWindow::connectParts()
             edited->clearFocus();
     });
     connect(&m_delegate.starter(), &app::JobStarter::jobQueued, m_drawer, qOverload<>(&QWidget::repaint));
-    connect(&m_delegate, &KXAppDelegate::noteWorthy, this,
-            [this](const QString &sentence) { say(MessageBar::Kind::Info, sentence); });
-    connect(&m_delegate, &KXAppDelegate::documentWanted, this, &MainWindow::openDocument);
     connect(&m_delegate, &KXAppDelegate::windowWanted, this, [this] {
         if (!isVisible() && m_delegate.program().watchMode().appIsInWatchMode())
             return; // the watch window stands in its place
@@ -185,18 +183,10 @@ void MainWindow::connectParts()
     connect(&program.watchMode(), &KXWatchModeController::watchModeEnded, this,
             [this, wantDrawer] { wantDrawer(!m_delegate.program().queue().qJobList().isEmpty()); });
     connect(&m_delegate.queueWatch(), &app::QueueWatch::queueEnded, m_strip->line(), &StatusLine::say);
-    connect(&m_preferences, &KXPreferencesController::panelWanted, this, [this](bool open) {
-        if (open)
-            openPreferences();
-        else
-            scheduleRefresh();
-    });
-    connect(&m_preferences, &KXPreferencesController::stateChanged, this, [this] {
-        if (!std::exchange(m_choosingFolder, false))
-            return;
-        m_preferences.savePropertiesToPreferences();
-        scheduleRefresh();
-    });
+    connect(m_sheets, &Sheets::preferencesChanged, this, &MainWindow::scheduleRefresh);
+    connect(m_notices, &Notices::toolsWanted, m_sheets, &Sheets::tools);
+    connect(m_notices, &Notices::refusedListWanted, m_sheets, &Sheets::refusedFiles);
+    connect(&program.preferences(), &KXPreferences::toolsUnpacked, m_notices, &Notices::tellMissingTools);
 }
 
 void MainWindow::connectAreas()
@@ -204,7 +194,7 @@ void MainWindow::connectAreas()
     connect(m_tools, &ToolRow::openWanted, &m_delegate, [this] { m_delegate.openFilePanel(u"Open"_s); });
     connect(m_tools, &ToolRow::tabChosen, this, &MainWindow::showTab);
     connect(m_tools, &ToolRow::watchWanted, this, &MainWindow::showWatchPopover);
-    connect(m_tools, &ToolRow::preferencesWanted, this, [this] { m_preferences.openPreferencesPanel(); });
+    connect(m_tools, &ToolRow::preferencesWanted, m_sheets, &Sheets::preferences);
     connect(m_tools, &ToolRow::openFilesWanted, this, [this](bool shown) {
         m_openFilesWanted = shown;
         arrange();
@@ -212,29 +202,29 @@ void MainWindow::connectAreas()
     connect(m_empty, &EmptyState::openWanted, &m_delegate, [this] { m_delegate.openFilePanel(u"Open"_s); });
     connect(m_empty, &EmptyState::editFilesWanted, this, [this] { showTab(1); });
     connect(m_empty, &EmptyState::watchWanted, this, &MainWindow::showWatchPopover);
-    connect(m_tracks, &TracksPane::presetsSheetWanted, this, &MainWindow::openSelectionsSheet);
-    connect(m_inspector, &Inspector::presetsSheetWanted, this, &MainWindow::openSettingsSheet);
+    connect(m_openFiles, &OpenFilesList::seasonWanted, this, [this] { showSeason(true); });
+    connect(m_season, &SeasonPage::closeWanted, this, [this] { showSeason(false); });
+    connect(m_season, &SeasonPage::filmChosen, this, [this](int row) {
+        m_delegate.openQueue().select(row);
+        showSeason(false);
+    });
+    connect(m_tracks, &TracksPane::presetsSheetWanted, m_sheets, &Sheets::trackPresets);
+    connect(m_inspector, &Inspector::presetsSheetWanted, m_sheets, &Sheets::settingsPresets);
     connect(m_inspector, &Inspector::startWanted, this, &MainWindow::start);
     connect(m_editFiles, &EditFilesPanel::startWanted, this, &MainWindow::start);
     connect(m_actions, &ActionBar::convertWanted, this, [this] { start(u"Convert"_s); });
-    connect(m_actions, &ActionBar::commandsWanted, this, &MainWindow::showCommands);
-    connect(m_actions, &ActionBar::folderWanted, this, &MainWindow::chooseSaveFolder);
-    connect(m_actions, &ActionBar::noFolderWanted, this, &MainWindow::clearSaveFolder);
+    connect(m_actions, &ActionBar::commandsWanted, m_sheets, &Sheets::commands);
+    connect(m_actions, &ActionBar::folderWanted, m_sheets, &Sheets::chooseSaveFolder);
+    connect(m_actions, &ActionBar::noFolderWanted, m_sheets, &Sheets::clearSaveFolder);
+    connect(m_actions, &ActionBar::filmWanted, &m_delegate.openQueue(), &app::OpenQueue::select);
+    connect(m_actions, &ActionBar::nameChosen, this, &MainWindow::scheduleRefresh);
     connect(m_strip, &QueueStrip::pauseWanted, m_drawer, &QueueDrawer::togglePause);
     connect(m_strip, &QueueStrip::listWanted, this, [this] { m_drawer->setVisible(!m_drawer->isVisible()); });
     connect(m_drawer, &QueueDrawer::changed, m_strip, &QueueStrip::refresh);
-    connect(m_drawer, &QueueDrawer::cleared, this, [this](int count, int failed) {
-        const QString rows = count == 1 ? tr("1 row cleared") : tr("%1 rows cleared").arg(count);
-        say(MessageBar::Kind::Info, failed == 0 ? rows : tr("%1, %2 had failed").arg(rows).arg(failed));
-    });
-    connect(m_drawer, &QueueDrawer::refused, this,
-            [this](const QString &reason) { say(MessageBar::Kind::Warning, reason); });
-    connect(m_drawer, &QueueDrawer::detailsWanted, this,
-            [this](const QString &title, const QStringList &lines) {
-                auto *sheet = new TextSheet(title, tr("What became of every track of the source:"),
-                                            lines.join(u'\n'), TextSheet::Letters::Plain, this);
-                sheet->open();
-            });
+    connect(m_drawer, &QueueDrawer::cleared, m_notices, &Notices::tellCleared);
+    connect(m_drawer, &QueueDrawer::refused, m_notices,
+            [this](const QString &reason) { m_notices->say(MessageBar::Kind::Warning, reason); });
+    connect(m_drawer, &QueueDrawer::detailsWanted, m_sheets, &Sheets::details);
     for (KXDropScrollView *table : {m_tracks->table(), m_editFiles->table()}) {
         connect(table, &KXDropScrollView::dragged, this, &MainWindow::showDrag);
         connect(table, &KXDropScrollView::dragLeft, this, &MainWindow::endDrag);
@@ -248,7 +238,18 @@ void MainWindow::start(const QString &title)
 
 void MainWindow::showTab(int index)
 {
-    m_delegate.program().selectionController().setCurrentTab(tabNames().value(index));
+    m_notices->changeTab(tabNames().value(index));
+}
+
+/// The sheet of all films takes the place of the current one; it needs two of them.
+void MainWindow::showSeason(bool shown)
+{
+    const bool wasShown = std::exchange(m_wantsSeason, shown);
+    refresh();
+    if (m_pages->currentIndex() == AllFilmsPage)
+        m_season->open();
+    else if (wasShown)
+        m_tracks->focusTable();
 }
 
 /// One update of the rules announces many changes; they are shown at once.
@@ -263,15 +264,17 @@ void MainWindow::scheduleRefresh()
 MainMenu::Commands MainWindow::menuCommands()
 {
     MainMenu::Commands commands;
-    commands.openPreferences = [this] { m_preferences.openPreferencesPanel(); };
-    commands.editTrackPresets = [this] { openSelectionsSheet(); };
-    commands.editSettingsPresets = [this] { openSettingsSheet(); };
+    commands.openPreferences = [this] { m_sheets->preferences(); };
+    commands.editTrackPresets = [this] { m_sheets->trackPresets(); };
+    commands.editSettingsPresets = [this] { m_sheets->settingsPresets(); };
     commands.convert = [this] {
         if (m_pages->currentIndex() != FilesPage)
             m_actions->convert()->click();
     };
     commands.pauseOrResume = [this] { m_drawer->togglePause(); };
+    commands.clearJobs = [this] { m_drawer->clear(); };
     commands.deleteSelectedJob = [this] { m_drawer->deleteSelected(); };
+    commands.season = [this] { showSeason(m_pages->currentIndex() != AllFilmsPage); };
     commands.watchFolder = [this] { showWatchPopover(); };
     commands.showTab = [this](int index) { showTab(index); };
     commands.nextFilm = [this](int by) {
@@ -279,52 +282,12 @@ MainMenu::Commands MainWindow::menuCommands()
         m_delegate.openQueue().select(queue.selectedRow() + by);
     };
     commands.nextArea = [this](bool forward) {
-        walkAreas({m_tools, m_bars, m_openFiles, m_tracks, m_empty, m_editFiles, m_inspector, m_actions,
-                   m_drawer, m_strip},
+        walkAreas({m_tools, m_bars, m_openFiles, m_tracks, m_season, m_empty, m_editFiles, m_inspector,
+                   m_actions, m_drawer, m_strip},
                   focusWidget(), forward);
     };
     commands.quit = [this] { Q_EMIT quitWanted(); };
     return commands;
-}
-
-void MainWindow::openDocument(const QString &name)
-{
-    const QUrl folder = m_delegate.program().preferences().resourcesLocation();
-    const QString path = QDir(folder.toLocalFile()).filePath(u"docs/%1.html"_s.arg(name));
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        say(MessageBar::Kind::Warning, tr("No browser could open %1.").arg(path));
-}
-
-void MainWindow::openSelectionsSheet()
-{
-    auto *sheet = new PresetSelectionsSheet(m_delegate.program().presets(), *m_tips, this);
-    sheet->open();
-}
-
-void MainWindow::openSettingsSheet()
-{
-    auto *sheet = new PresetSettingsSheet(m_delegate.program().presets(), *m_tips, this);
-    sheet->open();
-}
-
-void MainWindow::openPreferences()
-{
-    auto *panel = new PreferencesPanel(m_preferences, m_delegate.program().preferences(), *m_tips, this);
-    panel->open();
-}
-
-void MainWindow::showCommands()
-{
-    app::Program &program = m_delegate.program();
-    QStringList numbered;
-    for (const app::PlannedJob &job : app::plannedJobs(program, app::jobSelection(program))) {
-        for (const QString &command : job.commands)
-            numbered.append(u"%1  %2"_s.arg(numbered.size() + 1).arg(command));
-    }
-    const QString film = program.selectionController().currentVideoFile()->theFileName();
-    auto *sheet = new TextSheet(tr("Commands"), tr("What Convert would run for %1, in this order:").arg(film),
-                                numbered.join(u"\n\n"_s), TextSheet::Letters::Commands, this);
-    sheet->open();
 }
 
 void MainWindow::showWatchPopover()
@@ -332,38 +295,35 @@ void MainWindow::showWatchPopover()
     m_watch->showBelow(m_tools->watchButton());
 }
 
-void MainWindow::chooseSaveFolder()
-{
-    m_preferences.loadPropertiesFromPreferences();
-    m_choosingFolder = true;
-    m_preferences.changeSaveButton();
-}
-
-void MainWindow::clearSaveFolder()
-{
-    m_preferences.loadPropertiesFromPreferences();
-    m_preferences.clearSaveDirectory();
-    m_preferences.savePropertiesToPreferences();
-    scheduleRefresh();
-}
-
-void MainWindow::say(MessageBar::Kind kind, const QString &head, const QString &text)
-{
-    m_bars->show({kind, head, text, std::chrono::seconds(10), {}, {}});
-}
-
 void MainWindow::refresh()
 {
     m_refreshScheduled = false;
-    const KXSelectionController &controller = m_delegate.program().selectionController();
     const bool isIdle = !m_delegate.intake().isBusy() && !m_delegate.starter().isFinishing();
     m_whileIdle->setEnabled(isIdle);
     m_tools->setIdle(isIdle);
     m_menu->setIdle(isIdle);
+    if (!m_delegate.intake().isBusy()) // then one film after the other is current
+        showCurrent();
+    arrange();
+}
+
+/// While the others are still being opened.
+void MainWindow::showFirstFilm()
+{
+    m_tracks->setHeld(false);
+    showCurrent();
+    m_tracks->setHeld(true);
+}
+
+void MainWindow::showCurrent()
+{
+    const KXSelectionController &controller = m_delegate.program().selectionController();
+    const bool isIdle = m_whileIdle->isEnabled();
     const int tab = std::max(0, static_cast<int>(tabNames().indexOf(controller.currentTab())));
     const bool isOpen = !controller.currentVideoFile()->trackList().isEmpty();
     m_tools->showTab(tab);
-    const int page = tab == 1 ? FilesPage : isOpen ? FilmPage : EmptyPage;
+    m_wantsSeason = m_wantsSeason && isOpen && tab == 0 && m_delegate.openQueue().canOpenQueuePopover();
+    const int page = tab == 1 ? FilesPage : m_wantsSeason ? AllFilmsPage : isOpen ? FilmPage : EmptyPage;
     if (page != m_pages->currentIndex()) {
         m_pages->setCurrentIndex(page);
         if (page == EmptyPage)
@@ -378,7 +338,6 @@ void MainWindow::refresh()
     m_editFiles->refresh();
     m_actions->refresh();
     m_watch->refresh();
-    arrange();
 }
 
 void MainWindow::refreshFilm()

@@ -48,7 +48,7 @@ MessageBar::MessageBar(const Message &message, QWidget *parent)
     , m_left(message.closesAfter)
     , m_count(new InkLabel({}, Role::Second, Type::Second))
 {
-    setObjectName(u"Alert"_s);
+    setObjectName(message.word);
     setEdge(Qt::BottomEdge);
     setMinimumHeight(lowBar);
     auto *head = named(new InkLabel(message.head, Role::Text, Type::Head), "AlertHead", {});
@@ -71,12 +71,14 @@ MessageBar::MessageBar(const Message &message, QWidget *parent)
         QPushButton *button = named(smallButton(message.action), "AlertAction", message.action);
         connect(button, &QPushButton::clicked, this, [this] {
             m_message.act();
-            Q_EMIT closed();
+            if (!m_message.stays)
+                Q_EMIT closed();
         });
         layout->addWidget(button);
     }
     QPushButton *cross = flatButton(u"window-close"_s, tr("Close this message"));
     cross->setObjectName(u"AlertButton0"_s);
+    cross->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it was
     connect(cross, &QPushButton::clicked, this, &MessageBar::closed);
     layout->addWidget(cross);
     setAccessibleName(message.head);
@@ -171,8 +173,13 @@ void MessageBars::showProbing(int done, int total, const QString &fileName)
 MessageBar *MessageBars::show(const MessageBar::Message &message)
 {
     auto *bar = new MessageBar(message);
-    m_bars.prepend(bar);
-    m_layout->insertWidget(1, bar);
+    if (message.stays) {
+        m_bars.append(bar);
+        m_layout->addWidget(bar);
+    } else {
+        m_bars.prepend(bar);
+        m_layout->insertWidget(1, bar);
+    }
     connect(bar, &MessageBar::closed, this, [this, bar] {
         m_bars.removeOne(bar);
         bar->hide();
@@ -193,12 +200,13 @@ bool MessageBars::closeTopmost()
 
 void MessageBars::arrange()
 {
-    for (qsizetype i = 0; i < m_bars.size(); ++i)
-        m_bars.at(i)->setVisible(i < mostShown);
-    const qsizetype hidden = m_bars.size() - mostShown;
+    int passing = 0;
+    for (MessageBar *bar : std::as_const(m_bars))
+        bar->setVisible(bar->stays() || passing++ < mostShown);
+    const int hidden = passing - mostShown;
     m_more->setVisible(hidden > 0);
     if (hidden > 0)
-        m_more->setText(tr("%n more", nullptr, static_cast<int>(hidden)));
+        m_more->setText(tr("%n more", nullptr, hidden));
 }
 
 } // namespace window

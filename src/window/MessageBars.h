@@ -33,10 +33,13 @@ public:
         std::chrono::milliseconds closesAfter{0};
         QString action; ///< the title of its button; empty for none
         std::function<void()> act;
+        QString word = QStringLiteral("Alert"); ///< its object name
+        bool stays = false;                     ///< also after its button was pressed
     };
 
     explicit MessageBar(const Message &message, QWidget *parent = nullptr);
     QString head() const { return m_message.head; }
+    bool stays() const { return m_message.stays; }
 
 Q_SIGNALS:
     void closed();
@@ -54,7 +57,8 @@ private:
     QLabel *m_count;
 };
 
-/// The messages above the body, the newest on top, at most three at a time, and the progress of opening.
+/// The messages above the body, the newest on top, at most three at a time, and the progress of opening. One
+/// that stays stands below them and is not counted.
 class MessageBars final : public QWidget
 {
     Q_OBJECT

@@ -23,7 +23,6 @@ namespace {
 constexpr int listWidth = 208;
 constexpr int railWidth = 72;
 constexpr int filmRowHeight = 52;
-constexpr int accentBar = 3;
 
 enum FilmRole { Ready = Qt::UserRole, State, PictureOf };
 
@@ -43,14 +42,10 @@ public:
     {
         const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
         painter->save();
-        if (isCurrent) {
-            painter->fillRect(option.rect, color(Role::Soft));
-            QRect bar = option.rect;
-            bar.setWidth(accentBar);
-            painter->fillRect(bar, color(Role::Accent));
-        } else if (option.state.testFlag(QStyle::State_MouseOver)) {
+        if (isCurrent)
+            paintChosenRow(*painter, option.rect);
+        else if (option.state.testFlag(QStyle::State_MouseOver))
             painter->fillRect(option.rect, color(Role::Groove));
-        }
         paintPicture(painter, option.rect, index);
         if (!isRail)
             paintWords(painter, option.rect, index, isCurrent);
@@ -88,7 +83,7 @@ private:
         painter->drawText(
             words, Qt::AlignTop | Qt::AlignLeft,
             painter->fontMetrics().elidedText(index.data().toString(), Qt::ElideMiddle, words.width()));
-        const QRect mark(words.x(), words.bottom() - 14, 14, 14);
+        const QRect mark(words.x(), words.bottom() - 11, 14, 14);
         paintMark(painter, mark, index, false);
         painter->setFont(fontOf(Type::Second));
         painter->setPen(color(index.data(Ready).toBool() ? Role::Second : Role::Warn));
@@ -108,8 +103,9 @@ OpenFilesList::OpenFilesList(KXAppDelegate &delegate, Thumbnails &thumbnails, To
     , m_thumbnails(thumbnails)
     , m_list(named(new QListWidget, "OpenFilesQueuePanelTable", tr("Open files")))
     , m_matrix(new RadioMatrix("OpenFilesQueuePanelMatrix",
-                               {tr("Apply the presets to each file"), tr("Keep what was chosen by hand")},
+                               {tr("Apply the presets\nto each file"), tr("Keep what was chosen\nby hand")},
                                Qt::Vertical))
+    , m_season(flatButton(u"view-expand"_s, tr("All films beside each other (F8)")))
     , m_remove(flatButton(u"list-remove"_s, tr("Remove from the open files")))
     , m_head(new QWidget)
     , m_foot(new QWidget)
@@ -120,6 +116,7 @@ OpenFilesList::OpenFilesList(KXAppDelegate &delegate, Thumbnails &thumbnails, To
     auto *head = new QHBoxLayout(m_head);
     head->setContentsMargins(space::middle, space::small, space::small, space::tiny);
     head->addWidget(headLabel(tr("Open Files")), 1);
+    head->addWidget(m_season);
     head->addWidget(m_remove);
     auto *foot = new QVBoxLayout(m_foot);
     foot->setContentsMargins(space::middle, space::small, space::middle, space::middle);
@@ -143,6 +140,8 @@ OpenFilesList::OpenFilesList(KXAppDelegate &delegate, Thumbnails &thumbnails, To
     app::OpenQueue &queue = delegate.openQueue();
     connect(m_list, &QListWidget::currentRowChanged, &queue, &app::OpenQueue::select);
     connect(m_remove, &QPushButton::clicked, &queue, &app::OpenQueue::removeSelecetedItemFromOpenQ);
+    m_season->setObjectName(u"SeasonButton"_s);
+    connect(m_season, &QPushButton::clicked, this, &OpenFilesList::seasonWanted);
     connect(m_matrix, &RadioMatrix::chosen, this, [this](int index) {
         m_delegate.program().selectionController().setOpenQueueMatrixIndex(index);
         refreshStates();

@@ -25,6 +25,10 @@ public:
     /// Its films are ready or not by what is chosen now.
     void refreshStates();
 
+Q_SIGNALS:
+    /// All films are to be shown beside each other.
+    void seasonWanted();
+
 private:
     void refresh();
 
@@ -32,6 +36,7 @@ private:
     Thumbnails &m_thumbnails;
     QListWidget *m_list;
     RadioMatrix *m_matrix;
+    QPushButton *m_season;
     QPushButton *m_remove;
     QWidget *m_head;
     QWidget *m_foot;

@@ -10,7 +10,10 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QListWidget>
+#include <QPainter>
+#include <QScrollArea>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +27,38 @@ constexpr int panesWidth = 152;
 constexpr int paneRow = 32;
 constexpr int toolsPane = 3;
 constexpr QSize panelSize{600, 376};
+constexpr int roomForConversion = 64; // the longest pane needs that much more
+
+constexpr int PaneIcon = Qt::UserRole;
+
+/// A drawing and a name.
+class PaneDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex & /*index*/) const override
+    {
+        return {panesWidth, std::max(paneRow, option.fontMetrics.height() + space::middle)};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        constexpr int side = 16;
+        if (option.state.testFlag(QStyle::State_Selected))
+            paintChosenRow(*painter, option.rect);
+        const auto placed = [&](const QRect &place) {
+            return QStyle::visualRect(option.direction, option.rect, place);
+        };
+        const QRect drawing(option.rect.x() + space::middle,
+                            option.rect.y() + (option.rect.height() - side) / 2, side, side);
+        paintIcon(*painter, placed(drawing), index.data(PaneIcon).toString(), color(Role::Text));
+        painter->setPen(color(Role::Text));
+        painter->setFont(fontOf(Type::Body));
+        painter->drawText(placed(option.rect.adjusted(2 * space::middle + side - 4, 0, 0, 0)),
+                          Qt::AlignVCenter | Qt::AlignLeading, index.data().toString());
+    }
+};
 
 /// Shows a path and lets it be copied; it is changed by the button beside it.
 QLineEdit *pathLine(const char *word, const QString &name, const QString &whenEmpty)
@@ -62,10 +97,15 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
     m_problem->setWordWrap(true);
     m_panes->setFixedWidth(panesWidth);
     m_panes->setFrameShape(QFrame::NoFrame);
-    m_panes->setSpacing(1);
+    m_panes->setItemDelegate(new PaneDelegate(m_panes));
+    m_panes->viewport()->setAutoFillBackground(false);
+    auto *side = new Ground(Role::Side);
+    auto *sideLayout = new QVBoxLayout(side);
+    sideLayout->setContentsMargins(0, space::small, 0, 0);
+    sideLayout->addWidget(m_panes);
     auto *upper = new QHBoxLayout;
     upper->setSpacing(0);
-    upper->addWidget(m_panes);
+    upper->addWidget(side);
     upper->addWidget(separatorLine(Qt::Vertical));
     upper->addWidget(m_pages, 1);
     auto *layout = new QVBoxLayout(this);
@@ -91,20 +131,32 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
             done(QDialog::Accepted);
     });
     setMinimumSize(panelSize);
+    resize(panelSize + QSize(0, roomForConversion));
     refresh();
 }
 
 QVBoxLayout *PreferencesPanel::addPane(const QString &iconName, const QString &title)
 {
-    auto *item = new QListWidgetItem(icon(iconName), title, m_panes);
-    item->setSizeHint(QSize(0, paneRow));
+    auto *item = new QListWidgetItem(title, m_panes);
+    item->setData(PaneIcon, iconName);
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(space::huge, space::large, space::huge, space::large);
     layout->setSpacing(space::small);
     layout->addWidget(new InkLabel(title, Role::Text, Type::Pane));
-    m_pages->addWidget(page);
+    auto *area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus); // what stands in it takes the keyboard
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidget(page);
+    m_pages->addWidget(area);
     return layout;
+}
+
+void PreferencesPanel::showTools()
+{
+    m_panes->setCurrentRow(toolsPane);
 }
 
 void PreferencesPanel::addFiles()
@@ -131,6 +183,10 @@ void PreferencesPanel::addConversion()
     QCheckBox *padding =
         checkBox(tr("Add &padding to MP4 files"), "PrefAddPaddingButton", "metadataPaddingFlag");
     QLabel *noPadding = hint();
+    pane->addWidget(headLabel(tr("Films")));
+    addSwitch(pane, checkBox(tr("Open films with &newer codecs"), "PrefNewerCodecsButton", "newerCodecsFlag"),
+              hint(tr("HEVC, AV1, VP9, Opus and their like, which older players do not know.")));
+    pane->addSpacing(space::small);
     pane->addWidget(headLabel(tr("MP4 files")));
     addSwitch(
         pane,

@@ -28,6 +28,8 @@ public:
     PreferencesPanel(KXPreferencesController &controller, KXPreferences &preferences, ToolTipBinder &tips,
                      QWidget *parent);
 
+    /// Opens at the tools.
+    void showTools();
     void accept() override;
     void reject() override;
 

@@ -77,6 +77,17 @@ void PresetSheet::showFoot(const QString &head, const QString &text)
     m_footText->setVisible(!text.isEmpty());
 }
 
+/// A label as high as its field stands in its middle.
+void PresetSheet::showEvent(QShowEvent *event)
+{
+    for (int row = 0; row < m_form->rowCount(); ++row) {
+        const QLayoutItem *label = m_form->itemAt(row, QFormLayout::LabelRole);
+        if (label != nullptr && label->widget() != nullptr)
+            label->widget()->setMinimumHeight(controlHeight);
+    }
+    QDialog::showEvent(event);
+}
+
 void PresetSheet::connectTable()
 {
     connect(m_table, &PresetTable::rowChosen, this, [this](int row) { choose(row); });

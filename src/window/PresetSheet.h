@@ -31,6 +31,8 @@ protected:
 
     PresetSheet(ToolTipBinder &tips, const QString &title, QWidget *parent);
 
+    void showEvent(QShowEvent *event) override;
+
     /// Starts with the name; the preset's other fields go below it.
     QFormLayout *form() const { return m_form; }
     /// What needs more room than a row stands below the form.

@@ -31,12 +31,8 @@ public:
     {
         const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
         painter->save();
-        if (isCurrent) {
-            painter->fillRect(option.rect, color(Role::Soft));
-            QRect bar = option.rect;
-            bar.setWidth(3);
-            painter->fillRect(bar, color(Role::Accent));
-        }
+        if (isCurrent)
+            paintChosenRow(*painter, option.rect);
         QRect words = option.rect.adjusted(space::middle, 0, -space::middle, 0);
         if (!index.flags().testFlag(Qt::ItemIsEditable)) {
             const QString word = PresetTable::tr("built-in");
@@ -63,7 +59,7 @@ void showRow(QListWidgetItem *item, const PresetTable::Row &row)
 } // namespace
 
 PresetTable::PresetTable(ToolTipBinder &tips, QWidget *parent)
-    : QWidget(parent)
+    : Ground(Role::Side, parent)
     , m_list(named(new QListWidget, "PresetTable", tr("Presets")))
     , m_add(named(new QPushButton(tr("&Add")), "AddPresetButton", tr("Add a preset")))
     , m_remove(named(new QPushButton(tr("&Remove")), "RemovePresetButton", tr("Remove the preset")))
@@ -78,6 +74,7 @@ PresetTable::PresetTable(ToolTipBinder &tips, QWidget *parent)
     layout->addWidget(buttons);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setItemDelegate(new PresetDelegate(m_list));
+    m_list->viewport()->setAutoFillBackground(false);
     setFixedWidth(presetListWidth);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (QPushButton *button : {m_add, m_remove})

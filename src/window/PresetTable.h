@@ -1,5 +1,7 @@
 #pragma once
 
+#include "window/Controls.h"
+
 #include <QListWidget>
 #include <QPushButton>
 
@@ -9,7 +11,7 @@ class ToolTipBinder;
 
 /// The presets that a sheet shows, and the buttons that add and remove one. It only shows them and says what
 /// was done by hand.
-class PresetTable final : public QWidget
+class PresetTable final : public Ground
 {
     Q_OBJECT
 

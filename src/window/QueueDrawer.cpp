@@ -95,6 +95,7 @@ void QueueDrawer::setUpTable()
     m_jobs->setModel(m_model);
     m_jobs->setItemDelegate(delegate);
     m_jobs->setFrameShape(QFrame::NoFrame);
+    m_jobs->viewport()->setAutoFillBackground(false); // below the rows is the drawer's own ground
     m_jobs->setRootIsDecorated(false);
     m_jobs->setIndentation(0);
     m_jobs->setExpandsOnDoubleClick(false);
@@ -162,7 +163,9 @@ void QueueDrawer::act(int row, JobDelegate::Verb verb)
         QDesktopServices::openUrl(logOf(*job));
         break;
     case JobDelegate::Verb::Details:
-        Q_EMIT detailsWanted(job->jobFileName(), media::linesOf(job->receipt()));
+        Q_EMIT detailsWanted(job->jobFileName(), media::linesOf(job->receipt())
+                                                     << QString()
+                                                     << summary::receiptSentence(job->receipt()));
         break;
     }
 }

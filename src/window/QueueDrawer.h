@@ -29,6 +29,8 @@ public:
     /// Deletes the job of the selected row, as a click into its first cell does.
     void deleteSelected();
     void togglePause();
+    /// Takes the rows of all that has ended away.
+    void clear();
     const JobModel &model() const { return *m_model; }
 
 Q_SIGNALS:
@@ -47,7 +49,6 @@ private:
     void act(int row, JobDelegate::Verb verb);
     void showMenu(const QPoint &place);
     void scrollToRunning();
-    void clear();
 
     KXQueueController &m_queue;
     JobModel *m_model;

@@ -20,6 +20,7 @@ RadioMatrix::RadioMatrix(const char *word, const QStringList &titles, Qt::Orient
     for (int i = 0; i < titles.size(); ++i) {
         auto *button = new QRadioButton(titles.at(i));
         button->setObjectName(u"%1%2"_s.arg(objectName()).arg(i));
+        button->setAccessibleName(QString(titles.at(i)).replace(u'\n', u' '));
         m_group->addButton(button, i);
         layout->addWidget(button);
     }

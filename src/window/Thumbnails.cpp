@@ -11,7 +11,8 @@ namespace window {
 
 namespace {
 
-constexpr int longestRun = 5000;    // milliseconds
+constexpr int longestRun = 5000; // milliseconds, and twice that each time that it is tried again
+constexpr int mostTries = 4;
 constexpr double placeInFilm = 0.1; // of the film's length
 
 bool isSwitchedOff = false;
@@ -43,15 +44,14 @@ Thumbnails::Thumbnails(QObject *parent)
     : QObject(parent)
 {
     m_patience.setSingleShot(true);
-    m_patience.setInterval(longestRun);
-    connect(&m_patience, &QTimer::timeout, this, &Thumbnails::finish);
+    connect(&m_patience, &QTimer::timeout, this, &Thumbnails::giveUp);
 }
 
 Thumbnails::~Thumbnails() = default;
 
-void Thumbnails::switchOff()
+void Thumbnails::setSwitchedOff(bool off)
 {
-    isSwitchedOff = true;
+    isSwitchedOff = off;
 }
 
 QImage Thumbnails::of(const QUrl &film, double seconds)
@@ -59,11 +59,11 @@ QImage Thumbnails::of(const QUrl &film, double seconds)
     const auto known = m_pictures.constFind(film);
     if (known != m_pictures.constEnd())
         return *known;
+    if (isSwitchedOff || m_ffmpeg.isEmpty())
+        return {};
     m_pictures.insert(film, {});
-    if (!isSwitchedOff && !m_ffmpeg.isEmpty()) {
-        m_wishes.append({film, seconds});
-        QMetaObject::invokeMethod(this, &Thumbnails::takeNext, Qt::QueuedConnection);
-    }
+    m_wishes.append({film, seconds, 0});
+    QMetaObject::invokeMethod(this, &Thumbnails::takeNext, Qt::QueuedConnection);
     return {};
 }
 
@@ -71,12 +71,11 @@ void Thumbnails::takeNext()
 {
     if (m_process || m_wishes.isEmpty())
         return;
-    const Wish wish = m_wishes.takeFirst();
-    m_film = wish.film;
+    m_wish = m_wishes.takeFirst();
     m_bytes.clear();
     tools::ToolProcess::Request request;
     request.program = u"nice"_s;
-    request.arguments = QStringList{u"-n"_s, u"19"_s, m_ffmpeg} + argumentsFor(wish.film, wish.seconds);
+    request.arguments = QStringList{u"-n"_s, u"19"_s, m_ffmpeg} + argumentsFor(m_wish.film, m_wish.seconds);
     request.environment = QProcessEnvironment::systemEnvironment();
     m_process = tools::ToolProcess::start(request);
     connect(m_process.get(), &tools::ToolProcess::chunkRead, this,
@@ -89,7 +88,14 @@ void Thumbnails::takeNext()
                 if (channel == tools::ToolProcess::Channel::Output)
                     finish();
             });
-    m_patience.start();
+    m_patience.start(longestRun << m_wish.tries);
+}
+
+void Thumbnails::giveUp()
+{
+    if (++m_wish.tries < mostTries)
+        m_wishes.append(m_wish);
+    finish();
 }
 
 void Thumbnails::finish()
@@ -101,8 +107,8 @@ void Thumbnails::finish()
     const tools::ToolProcessPointer ended = std::exchange(m_process, nullptr);
     QImage picture;
     if (picture.loadFromData(m_bytes, "PNG") && !picture.isNull()) {
-        m_pictures.insert(m_film, picture);
-        Q_EMIT taken(m_film);
+        m_pictures.insert(m_wish.film, picture);
+        Q_EMIT taken(m_wish.film);
     }
     QMetaObject::invokeMethod(this, &Thumbnails::takeNext, Qt::QueuedConnection);
 }

@@ -11,7 +11,8 @@
 namespace window {
 
 /// Pictures from films: one frame of each, taken with ffmpeg, one film after the other, and kept in memory
-/// only. A film of which none comes has none. Owned by the window.
+/// only. A film of which none comes has none; one that takes too long, as beside a conversion, has its turn
+/// again after the others, a few times. Owned by the window.
 class Thumbnails final : public QObject
 {
     Q_OBJECT
@@ -25,7 +26,7 @@ public:
     /// The picture, which is null until it was taken. Asks for it once.
     QImage of(const QUrl &film, double seconds);
     /// For tests: nothing is run.
-    static void switchOff();
+    static void setSwitchedOff(bool off);
 
 Q_SIGNALS:
     void taken(const QUrl &film);
@@ -35,15 +36,17 @@ private:
     {
         QUrl film;
         double seconds = 0;
+        int tries = 0; ///< that took too long
     };
 
     void takeNext();
     void finish();
+    void giveUp();
 
     QString m_ffmpeg;
     QHash<QUrl, QImage> m_pictures;
     QList<Wish> m_wishes;
-    QUrl m_film;
+    Wish m_wish; ///< what is being taken
     QByteArray m_bytes;
     tools::ToolProcessPointer m_process;
     QTimer m_patience;

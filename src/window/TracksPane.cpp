@@ -23,6 +23,8 @@ namespace {
 
 constexpr int barRow = 40;
 
+const QString longWord = u"undetermined"_s; ///< the language that films bear most often of all that are long
+
 int countOf(const TrackList &tracks, int kind, bool tickedOnly)
 {
     int count = 0;
@@ -119,6 +121,7 @@ void TracksPane::setUpTable()
         new LanguageDelegate(m_delegate.program().selectionController().languageList(), m_table));
     m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     m_table->setTabKeyNavigation(false);
+    m_table->setAllColumnsShowFocus(false); // keys go from cell to cell
     QHeaderView *header = m_table->header();
     header->setStretchLastSection(false);
     header->setMinimumSectionSize(40);
@@ -138,7 +141,7 @@ void TracksPane::setShape(bool allColumns, bool shortWords, bool compact)
     QHeaderView *header = m_table->header();
     m_table->setColumnHidden(TrackModel::Becomes, !allColumns);
     header->resizeSection(TrackModel::Kind, TrackDelegate::tickWidth + (allColumns ? 206 : 182));
-    header->resizeSection(TrackModel::Language, 96);
+    header->resizeSection(TrackModel::Language, std::max(96, fontMetrics().horizontalAdvance(longWord) + 20));
     header->resizeSection(TrackModel::Default, 62);
     header->resizeSection(TrackModel::Forced, 62);
     header->resizeSection(TrackModel::Becomes, 150);
@@ -185,6 +188,8 @@ void TracksPane::refreshToggles()
 
 void TracksPane::refreshTracks()
 {
+    if (m_isHeld)
+        return;
     m_model->refresh();
     refreshToggles();
 }
@@ -198,7 +203,12 @@ void TracksPane::focusTable()
 
 void TracksPane::refresh()
 {
-    m_table->setEnabled(m_delegate.program().selectionController().trackTableEnabled());
+    app::Program &program = m_delegate.program();
+    m_table->setEnabled(program.selectionController().trackTableEnabled());
+    const int films = m_delegate.openQueue().openFileCount();
+    const bool countsForAll = films > 1 && program.selectionController().openQueueMatrixIndex() == 0 &&
+                              program.presets().selectionMethodIndex() != 0;
+    m_presetLabel->setText(countsForAll ? tr("Trac&k preset, all %1 films").arg(films) : tr("Trac&k preset"));
     refreshTracks();
     m_edit->refresh();
 }

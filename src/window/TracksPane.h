@@ -27,6 +27,8 @@ public:
 
     void refresh();
     void refreshTracks();
+    /// Shows what it shows while other films are looked at.
+    void setHeld(bool held) { m_isHeld = held; }
     void focusTable();
     /// The settings share its place; null takes them away again.
     void setPage(QWidget *settings);
@@ -65,6 +67,7 @@ private:
     TrackModel *m_model;
     EditTracksPane *m_edit;
     bool m_shortWords = false;
+    bool m_isHeld = false;
 };
 
 } // namespace window

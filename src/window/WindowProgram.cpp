@@ -113,8 +113,8 @@ std::function<void()> WindowProgram::showBar(const platform::Alert &alert)
         return [] {};
     const MessageBar::Kind kind =
         alert.style == platform::AlertStyle::Warning ? MessageBar::Kind::Warning : MessageBar::Kind::Bad;
-    const QPointer<MessageBar> bar =
-        m_window.bars().show({kind, alert.message, alert.informativeText, alert.closesAfter, {}, {}});
+    const QPointer<MessageBar> bar = m_window.bars().show(
+        {kind, alert.message, alert.informativeText, alert.closesAfter, alert.action, alert.act});
     return [bar] {
         if (bar)
             Q_EMIT bar->closed();

@@ -9,9 +9,12 @@
 #include "support/TestPlaces.h"
 #include "window/QueueDriver.h"
 
+#include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QDockWidget>
 #include <QLabel>
+#include <QMenu>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +22,18 @@ using namespace driver;
 using support::codecsOf;
 using support::shownStreams;
 using support::waitFor;
+
+/// Stands in for the file manager.
+class OpenedFolders final : public QObject
+{
+    Q_OBJECT
+
+public:
+    QList<QUrl> urls;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { urls.append(url); }
+};
 
 class ConvertingTest final : public QObject
 {
@@ -174,6 +189,45 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_fixture->find<QDockWidget>("QueueDrawer")->isVisible());
     }
 
+    void retryRevealAndClear()
+    {
+        m_fixture->start();
+        QVERIFY(m_fixture->open(films(2, support::longMkv(2))));
+        chooseForEach(u"MKV"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(waitFor([this] { return m_fixture->rows("QueueTable", File).size() == 2; }));
+        QVERIFY(m_fixture->waitForJobs());
+        OpenedFolders opened;
+        QDesktopServices::setUrlHandler(u"file"_s, &opened, "open");
+        const auto restore = qScopeGuard([] { QDesktopServices::unsetUrlHandler(u"file"_s); });
+        pressInRow(0, u"Reveal"_s);
+        QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile(m_fixture->path())});
+        openSlow(1);
+        m_fixture->click("ConvertButton");
+        QVERIFY(waitForStatus(*m_fixture, 2, u"Running"_s));
+        m_fixture->click("QueueClearButton"); // what runs stays
+        QCOMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Running"_s});
+        QVERIFY(m_fixture->queue().canBringBackCleared());
+        m_fixture->queue().stopCurrentJob();
+    }
+
+    void aFailedJobIsTriedAgainAtTheEnd()
+    {
+        m_fixture->start();
+        QVERIFY(m_fixture->open({m_fixture->film(support::textMp4(), u"1.mp4"_s)}));
+        m_fixture->pick("PresetSelectionsPopUp", u"First Track"_s);
+        QTRY_VERIFY(m_fixture->isEnabled("ConvertButton"));
+        m_fixture->queue().hold();
+        m_fixture->click("ConvertButton");
+        QFile::rename(m_fixture->path(u"1.mp4"_s), m_fixture->path(u"away.mp4"_s));
+        m_fixture->click("QueuePauseButton"); // Resume
+        QTRY_COMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Failed"_s});
+        QFile::rename(m_fixture->path(u"away.mp4"_s), m_fixture->path(u"1.mp4"_s));
+        pressInRow(0, u"Retry"_s);
+        QTRY_COMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Completed"_s});
+        QVERIFY(QFile::exists(m_fixture->path(u"1.m4v"_s)));
+    }
+
     void deletingTheRunningRowAsks_data()
     {
         QTest::addColumn<int>("button");
@@ -247,6 +301,22 @@ private Q_SLOTS:
     }
 
 private:
+    /// A verb of a row of the queue, by its menu.
+    void pressInRow(int row, const QString &title)
+    {
+        auto *table = m_fixture->find<QTreeView>("QueueTable");
+        Q_EMIT table->customContextMenuRequested(
+            table->visualRect(table->model()->index(row, File)).center());
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu != nullptr);
+        for (QAction *action : menu->actions()) {
+            if (action->text() == title)
+                QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                                  menu->actionGeometry(action).center());
+        }
+        QTest::qWait(0);
+    }
+
     static bool isRed(const QWidget *widget)
     {
         const QColor color = widget->palette().color(QPalette::Active, QPalette::WindowText);

@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 #include "window/QueueDriver.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QDropEvent>
@@ -172,18 +173,113 @@ private Q_SLOTS:
         QVERIFY(list->item(0)->data(Qt::AccessibleTextRole).toString().contains(u"Ready"_s));
     }
 
+    void detailsNameEveryTrackOfTheSource_data()
+    {
+        QTest::addColumn<QString>("film");
+        QTest::addColumn<QStringList>("ticked");
+        QTest::addColumn<int>("tracks");
+        QTest::addColumn<QString>("closing");
+        QTest::newRow("all is there") << support::fullMkv() << QStringList{u"h264"_s, u"aac"_s} << 6
+                                      << u"Nothing of what you chose is missing."_s;
+        QTest::newRow("something is not")
+            << support::pgsMkv() << QStringList{u"h264"_s, u"aac"_s, u"pgs"_s} << 3
+            << u"Of what you chose is missing: subtitle 2 (hdmv_pgs_subtitle)."_s;
+    }
+
     void detailsNameEveryTrackOfTheSource()
     {
-        openTicked({u"h264"_s, u"aac"_s});
+        QFETCH(QString, film);
+        QFETCH(QStringList, ticked);
+        QFETCH(int, tracks);
+        QFETCH(QString, closing);
+        QVERIFY(m_fixture->open({m_fixture->film(film)}));
+        tick(*m_fixture, ticked);
+        choose(*m_fixture, "TheSubtitleMatrix1");
         m_fixture->click("ConvertButton");
         QVERIFY(m_fixture->waitForJobs());
-        const media::Receipt receipt = m_fixture->queue().qJobList().constFirst()->receipt();
-        QVERIFY(receipt.tracks.size() >= 6);
-        m_fixture->click("QueueClearButton");
-        QTRY_COMPARE(m_fixture->alertHeads(), QStringList{u"1 row cleared"_s});
+        pressInRow(u"Details"_s);
+        QDialog *sheet = nullptr;
+        QVERIFY(waitFor([&] {
+            sheet = m_fixture->window().findChild<QDialog *>(u"TextSheet"_s);
+            return sheet != nullptr && sheet->isVisible();
+        }));
+        const QStringList lines =
+            sheet->findChild<QPlainTextEdit *>(u"SheetText"_s)->toPlainText().split(u'\n');
+        QCOMPARE(lines.size(), tracks + 2); // a line between, and the end
+        for (int index = 0; index < tracks; ++index)
+            QVERIFY2(lines.at(index).contains(u" %1 ("_s.arg(index)), qPrintable(lines.at(index)));
+        QVERIFY(lines.at(0).startsWith(u"video 0 (h264)"_s));
+        QVERIFY(lines.at(tracks - 1).contains(u"left out"_s));
+        QCOMPARE(lines.constLast(), closing);
+        QTest::keyClick(sheet, Qt::Key_Escape);
+    }
+
+    void theSaveFolderIsTwoClicksAwayAndTheSameInThePreferences()
+    {
+        openTicked({u"h264"_s, u"aac"_s});
+        const QString folder = m_fixture->path(u"Tablet"_s);
+        QVERIFY(QDir().mkpath(folder));
+        m_fixture->click("ChangeFolderButton");
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu != nullptr);
+        QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                          menu->actionGeometry(menu->actions().constFirst()).center());
+        m_fixture->answerDialog({folder});
+        QTRY_COMPARE(text("ResultFolder"), u"Into %1"_s.arg(folder));
+        m_fixture->command(u"File"_s, u"Preferences…"_s);
+        QTRY_COMPARE(m_fixture->find<QLineEdit>("SaveDirectoryPath")->text(), folder);
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+        m_fixture->click("ConvertButton");
+        QVERIFY(m_fixture->waitForJobs());
+        QVERIFY(QFile::exists(folder + u"/a.m4v"_s));
+    }
+
+    void theResultBearsTheNameThatIsTyped()
+    {
+        QVERIFY(!m_fixture->film(support::textMp4(), u"Ours.m4v"_s).isEmpty()); // taken
+        openTicked({u"h264"_s, u"aac"_s});
+        QTRY_COMPARE(text("ResultName"), u"a.m4v"_s);
+        rename(u"Ours"_s, Qt::Key_Return);
+        QTRY_COMPARE(text("ResultName"), u"Ours (2).m4v"_s);
+        rename(u"Theirs"_s, Qt::Key_Escape); // changes nothing
+        QTRY_COMPARE(text("ResultName"), u"Ours (2).m4v"_s);
+        m_fixture->click("ConvertButton");
+        QVERIFY(m_fixture->waitForJobs());
+        QVERIFY(QFile::exists(m_fixture->path(u"Ours (2).m4v"_s)));
+        QVERIFY(!QFile::exists(m_fixture->path(u"a.m4v"_s)));
+        rename(u""_s, Qt::Key_Return); // its own again
+        QTRY_COMPARE(text("ResultName"), u"a.m4v"_s);
     }
 
 private:
+    void rename(const QString &name, Qt::Key end)
+    {
+        m_fixture->click("EditNameButton");
+        auto *field = m_fixture->find<QLineEdit>("ResultNameField");
+        QTRY_VERIFY(field->hasFocus());
+        QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, name);
+        QTest::keyClick(field, end);
+        QTest::qWait(0);
+    }
+
+    /// A verb of the first row of the queue, by its menu.
+    void pressInRow(const QString &title)
+    {
+        auto *table = m_fixture->find<QTreeView>("QueueTable");
+        const QPoint place = table->visualRect(table->model()->index(0, File)).center();
+        Q_EMIT table->customContextMenuRequested(place);
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu != nullptr);
+        for (QAction *action : menu->actions()) {
+            if (action->text() == title)
+                QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                                  menu->actionGeometry(action).center());
+        }
+        QTest::qWait(0);
+    }
+
     QString text(const char *label) { return m_fixture->find<QLabel>(label)->text(); }
     QStringList becomes() { return m_fixture->rows("ConvertTrackTable", 5); }
 

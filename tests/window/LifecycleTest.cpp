@@ -104,7 +104,37 @@ int convertUntilTheEnd(const QString &film, bool paused)
     return status;
 }
 
+/// The same with three films and the settings of another one, until it is killed.
+int convertThreeUntilKilled(const QString &settings, const QString &folder)
+{
+    app::Program::Options options;
+    options.defaultsPath = settings;
+    window::WindowProgram program(options);
+    program.start({});
+    if (!waitFor([&] { return program.isReady(); }))
+        return 1;
+    QStringList films;
+    for (const char *name : {"1.mkv", "2.mkv", "3.mkv"})
+        films.append(folder + u'/' + QLatin1String(name));
+    KXAppDelegate &delegate = program.delegate();
+    delegate.program().presets().setSelectionMethodIndex(1);
+    delegate.filesRequested(films);
+    if (!waitFor([&] { return delegate.openQueue().openFileCount() == 3 && !delegate.intake().isBusy(); }))
+        return 2;
+    delegate.program().selectionController().byHand(&KXSelectionController::setVideoMatrixIndex, 2);
+    delegate.starter().startProcess(u"Convert"_s);
+    if (!waitFor([&] {
+            return delegate.program().queue().qJobList().size() == 3 &&
+                   !processesOn("ffmpeg", films.constFirst()).isEmpty();
+        }))
+        return 3;
+    support::writeContent(folder + u"/ready"_s, {});
+    return QApplication::exec();
+}
+
 } // namespace
+
+TESSARAY_ROLE("--convert-three", convertThreeUntilKilled(words.value(1), words.value(2)))
 
 class LifecycleTest final : public QObject
 {
@@ -296,6 +326,34 @@ private Q_SLOTS:
         QVERIFY(number != 0 || hasStoredSettings(m_fixture->path(u"tmp"_s)));
         display.kill();
         display.waitForFinished();
+    }
+
+    void afterAKillTheJobsStandThereAndRunAgain()
+    {
+        for (const QString &name : {u"1.mkv"_s, u"2.mkv"_s, u"3.mkv"_s})
+            m_fixture->film(support::longMkv(name == u"1.mkv"_s ? 120 : 2), name);
+        Started converting(
+            QCoreApplication::applicationFilePath(),
+            {u"--convert-three"_s, m_fixture->path(u"settings/defaults.json"_s), m_fixture->path()},
+            QProcessEnvironment::systemEnvironment());
+        QVERIFY(waitFor([&] { return QFile::exists(m_fixture->path(u"ready"_s)); }));
+        converting.signal(SIGKILL);
+        QVERIFY(converting.ends());
+        QVERIFY(waitFor([&] { return processesOn("ffmpeg", m_fixture->path(u"1.mkv"_s)).isEmpty(); }));
+        m_fixture->start();
+        QCOMPARE(m_fixture->rows("QueueTable", File), QStringList({u"1.mkv"_s, u"2.mkv"_s, u"3.mkv"_s}));
+        QCOMPARE(m_fixture->rows("QueueTable", Status),
+                 QStringList({u"Interrupted"_s, u"Queued"_s, u"Queued"_s}));
+        QTest::qWait(300);
+        QCOMPARE(m_fixture->rows("QueueTable", Status).at(1), u"Queued"_s); // nothing starts by itself
+        QCOMPARE(m_fixture->queue().runJobAgain(0), 2);
+        QCOMPARE(m_fixture->rows("QueueTable", Status), QStringList(3, u"Queued"_s));
+        QVERIFY(m_fixture->queue().moveJob(2, 0));
+        m_fixture->click("QueuePauseButton"); // Resume
+        QVERIFY(waitForStatus(*m_fixture, 0, u"Running"_s));
+        m_fixture->queue().stopCurrentJob();
+        QVERIFY(m_fixture->waitForJobs());
+        QVERIFY(QFile::exists(m_fixture->path(u"2.m4v"_s)) && QFile::exists(m_fixture->path(u"3.m4v"_s)));
     }
 
 private:

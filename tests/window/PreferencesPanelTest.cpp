@@ -107,6 +107,7 @@ private Q_SLOTS:
             QVERIFY2(fixture.isChecked(word), word);
         QVERIFY(!fixture.isChecked("PrefAddPaddingButton"));
         QVERIFY(!fixture.isChecked("PrefVerifyButton"));
+        QVERIFY(!fixture.isChecked("PrefNewerCodecsButton"));
     }
 
     void everySwitchIsStored_data()
@@ -120,6 +121,7 @@ private Q_SLOTS:
                                    << false;
         QTest::newRow("padding") << QByteArray("PrefAddPaddingButton") << u"metadataPaddingFlag"_s << true;
         QTest::newRow("dolby") << QByteArray("PrefUseDpliiButton") << u"useDpliiFlag"_s << false;
+        QTest::newRow("newer codecs") << QByteArray("PrefNewerCodecsButton") << u"newerCodecsFlag"_s << true;
         QTest::newRow("verify") << QByteArray("PrefVerifyButton") << u"verifyFlag"_s << true;
     }
 
@@ -286,14 +288,14 @@ private Q_SLOTS:
         const SheetDriver driver = fixture.open();
         fixture.controller.setSaveDirectoryPath(u"/v"_s);
         // The subjects, what stands in each, and the end.
-        const QList<QStringList> panes{
-            {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s,
-             u"PrefLogsButton"_s},
-            {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
-             u"PrefVerifyButton"_s},
-            {u"PrefToolTipsButton"_s},
-            {},
-            {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
+        const QList<QStringList> panes{{u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s,
+                                        u"ClearSaveDirectoryButton"_s, u"PrefLogsButton"_s},
+                                       {u"PrefNewerCodecsButton"_s, u"PrefOptimizeStreamingButton"_s,
+                                        u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
+                                        u"PrefVerifyButton"_s},
+                                       {u"PrefToolTipsButton"_s},
+                                       {},
+                                       {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
         QStringList order;
         QStringList expected;
         for (int pane = 0; pane < panes.size(); ++pane) {

@@ -1,5 +1,6 @@
 // Takes pictures of the windows and sheets in the states that people see, for the documentation and to be
-// looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR.
+// looked at: ScreenshotsMain FOLDER light|dark. The scale is that of QT_SCALE_FACTOR, the style that of
+// TESSARAY_STYLE; -reverse turns the layout from right to left, QT_FONT_DPI makes the text larger.
 #include "platform/KeeperProcess.h"
 #include "summary/JobLook.h"
 #include "support/Clips.h"
@@ -12,6 +13,8 @@
 #include <QDialog>
 #include <QDir>
 #include <QFrame>
+#include <QImage>
+#include <QListWidget>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTest>
@@ -53,12 +56,28 @@ void choose(WindowFixture &fixture, const char *option)
     QTest::qWait(50);
 }
 
+/// Until the film in front has its picture.
+void waitForPicture(WindowFixture &fixture)
+{
+    const QListWidget *list = fixture.find<QListWidget>("OpenFilesQueuePanelTable");
+    waitFor(
+        [&] {
+            for (int row = 0; row < list->count(); ++row) {
+                if (list->item(row)->data(Qt::UserRole + 2).value<QImage>().isNull())
+                    return false;
+            }
+            return list->count() > 0;
+        },
+        10000);
+}
+
 void takeFiles(const Photographer &photographer)
 {
-    WindowFixture fixture;
+    WindowFixture fixture(WindowFixture::Pictures::Taken);
     fixture.start();
     photographer.take(fixture.window(), u"empty"_s);
     fixture.open({fixture.film(support::fullMkv(), u"Holiday by the sea.mkv"_s)});
+    waitForPicture(fixture);
     photographer.take(fixture.window(), u"one-file"_s);
     for (const int row : {0, 3, 4})
         fixture.tick(row);
@@ -70,20 +89,26 @@ void takeFiles(const Photographer &photographer)
     }
     fixture.window().resize(1280, 800);
     fixture.chooseTab(1);
-    fixture.open(
-        {fixture.film(support::fullMkv(), u"a.mkv"_s), fixture.film(support::fullMkv(), u"b.mkv"_s)});
+    fixture.open({fixture.film(support::longMkv(8), u"Lighthouse part 1.mkv"_s),
+                  fixture.film(support::longMkv(20), u"Lighthouse part 2.mkv"_s),
+                  fixture.film(support::fullMkv(), u"Lighthouse extra.mkv"_s)});
+    QTest::qWait(2000);
     photographer.take(fixture.window(), u"edit-files"_s);
 }
 
 void takeQueue(const Photographer &photographer)
 {
-    WindowFixture fixture;
+    WindowFixture fixture(WindowFixture::Pictures::Taken);
     fixture.start();
     fixture.open({fixture.film(support::film1920(), u"Holiday by the sea.mkv"_s),
                   fixture.film(support::fullMkv(), u"Birthday.mkv"_s),
                   fixture.film(support::textMp4(), u"Concert.mp4"_s)});
+    waitForPicture(fixture);
     photographer.take(fixture.window(), u"several-files"_s);
     fixture.pick("PresetSelectionsPopUp", u"First Track"_s);
+    fixture.click("SeasonButton");
+    photographer.take(fixture.window(), u"season"_s);
+    fixture.click("CloseSeasonButton");
     choose(fixture, "TheVideoMatrix2");
     fixture.click("ConvertButton");
     waitFor([&] { return fixture.queue().qJobList().size() >= 3; });
@@ -150,7 +175,8 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(u"Videos"_s);
     if (argc < 3)
         qFatal("ScreenshotsMain FOLDER light|dark");
-    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    const QString style = qEnvironmentVariable("TESSARAY_STYLE", u"Fusion"_s);
+    QApplication::setStyle(QStyleFactory::create(style));
     window::AppStyle::install();
     const QString look = QString::fromLocal8Bit(argv[2]);
     if (look == u"dark"_s)

@@ -26,9 +26,9 @@
 using namespace Qt::StringLiterals;
 using support::waitFor;
 
-WindowFixture::WindowFixture()
+WindowFixture::WindowFixture(Pictures pictures)
 {
-    window::Thumbnails::switchOff();
+    window::Thumbnails::setSwitchedOff(pictures == Pictures::None);
     qputenv("HOME", m_scratch.path().toUtf8());
 }
 
@@ -48,8 +48,22 @@ void WindowFixture::start(const QStringList &paths)
         qFatal("The window did not come.");
     if (!waitFor([this] { return m_program->isReady(); }, 60000))
         qFatal("The tools were not unpacked.");
+    closeMissingTools();
     window().activateWindow();
     (void)QTest::qWaitForWindowActive(&window(), 500);
+}
+
+/// As a person does who has read it.
+void WindowFixture::closeMissingTools()
+{
+    m_missingTools.clear();
+    QTest::qWait(0);
+    auto *told = window().findChild<QWidget *>(u"MissingTools"_s);
+    if (told == nullptr || !told->isVisible())
+        return;
+    m_missingTools = told->findChild<QLabel *>(u"AlertText"_s)->text();
+    QTest::mouseClick(told->findChild<QAbstractButton *>(u"AlertButton0"_s), Qt::LeftButton);
+    QTest::qWait(0);
 }
 
 void WindowFixture::restart()

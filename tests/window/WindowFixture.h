@@ -13,7 +13,10 @@
 class WindowFixture final
 {
 public:
-    WindowFixture();
+    enum class Pictures { None, Taken };
+
+    /// Pictures of films are taken only where a test is about them.
+    explicit WindowFixture(Pictures pictures = Pictures::None);
     ~WindowFixture();
     Q_DISABLE_COPY_MOVE(WindowFixture)
 
@@ -64,6 +67,8 @@ public:
     QString alertText() const;
     void pressAlertButton(int index);
     bool hasAlert() const;
+    /// What was said of missing tools at the start; the message is closed by then.
+    const QString &missingTools() const { return m_missingTools; }
     /// What every message and question says that is shown.
     QStringList alertHeads() const;
     /// Waits until every job has ended.
@@ -75,6 +80,9 @@ public:
 private:
     QWidget *alert() const;
 
+    void closeMissingTools();
+
     support::Scratch m_scratch;
+    QString m_missingTools;
     std::unique_ptr<window::WindowProgram> m_program;
 };
