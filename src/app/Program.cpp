@@ -45,7 +45,9 @@ Program::Program(const Options &options, platform::AlertPresenter &alerts)
     , m_currentFile(m_currentVideoFile, m_selectionController, m_presets)
     , m_factory(makeFactory())
     , m_queue(contextFor(m_outputs), m_factory, &m_watchMode)
+    , m_batteryPause(m_queue, m_preferences, m_power)
 {
+    m_launcher.setLowPriority([this] { return m_preferences.panelFlag(u"lowPriorityFlag"_s); });
     m_queue.initialize();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/BatteryPause.h"
 #include "app/CurrentFile.h"
 #include "jobs/JobContext.h"
 #include "jobs/JobFactory.h"
@@ -7,6 +8,7 @@
 #include "platform/AlertPresenter.h"
 #include "platform/DefaultsStore.h"
 #include "platform/KXNotificationCenter.h"
+#include "platform/Power.h"
 #include "platform/Volumes.h"
 #include "platform/Workspace.h"
 #include "prefs/KXPreferences.h"
@@ -70,6 +72,7 @@ private:
     platform::JsonDefaultsStore m_defaults;
     platform::Volumes m_volumes;
     platform::Workspace m_workspace;
+    platform::Power m_power;
     KXNotificationCenter m_notifications;
     KXPreferences m_preferences;
     KXWatchModeController m_watchMode;
@@ -84,6 +87,7 @@ private:
     steps::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
+    BatteryPause m_batteryPause;
 };
 
 } // namespace app

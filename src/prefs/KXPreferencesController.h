@@ -26,6 +26,10 @@ class KXPreferencesController final : public QObject
     KX_STATE(bool, verifyFlag, setVerifyFlag, false)
     /// Films whose codecs the vocabulary does not know are opened too.
     KX_STATE(bool, newerCodecsFlag, setNewerCodecsFlag, false)
+    KX_STATE(bool, lowPriorityFlag, setLowPriorityFlag, false)
+    KX_STATE(bool, pauseOnBatteryFlag, setPauseOnBatteryFlag, false)
+    /// "nothing", "sleep" or "quit".
+    KX_STATE(QString, whenQueueIsDone, setWhenQueueIsDone, QStringLiteral("nothing"))
 
 public:
     /// Both must outlive the controller.

@@ -48,6 +48,7 @@ private Q_SLOTS:
             {u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},    {u"showToolTipsFlag"_s, true},
             {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true},  {u"metadataPaddingFlag"_s, false},
             {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},      {u"newerCodecsFlag"_s, false},
+            {u"lowPriorityFlag"_s, false},   {u"pauseOnBatteryFlag"_s, false}, {u"whenQueueIsDone"_s, u"nothing"_s},
             {u"watchFolder"_s, u""_s}};
         const auto objects = run.objects();
         QCOMPARE(objects.size(), expected.size());
@@ -70,7 +71,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("key");
         for (const auto &key : {u"showToolTipsFlag"_s, u"keepLogsFlag"_s, u"moovInFrontFlag"_s,
                                 u"metadataPaddingFlag"_s, u"useDpliiFlag"_s, u"verifyFlag"_s,
-                                u"newerCodecsFlag"_s})
+                                u"newerCodecsFlag"_s, u"lowPriorityFlag"_s, u"pauseOnBatteryFlag"_s})
             QTest::newRow(qPrintable(key)) << key;
     }
 

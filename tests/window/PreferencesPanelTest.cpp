@@ -121,6 +121,8 @@ private Q_SLOTS:
         QTest::newRow("padding") << QByteArray("PrefAddPaddingButton") << u"metadataPaddingFlag"_s << true;
         QTest::newRow("dolby") << QByteArray("PrefUseDpliiButton") << u"useDpliiFlag"_s << false;
         QTest::newRow("verify") << QByteArray("PrefVerifyButton") << u"verifyFlag"_s << true;
+        QTest::newRow("priority") << QByteArray("PrefLowPriorityButton") << u"lowPriorityFlag"_s << true;
+        QTest::newRow("battery") << QByteArray("PrefPauseOnBatteryButton") << u"pauseOnBatteryFlag"_s << true;
     }
 
     void everySwitchIsStored()

@@ -164,7 +164,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("takesValue");
         QTest::addColumn<bool>("isGlobal");
         for (const auto &name :
-             {"json", "quiet", "keep-logs", "no-keep-logs", "newer-codecs", "help", "version"})
+             {"json", "quiet", "keep-logs", "no-keep-logs", "nice", "newer-codecs", "help", "version"})
             QTest::newRow(name) << false << true;
         for (const auto &name : {"save-dir", "defaults"})
             QTest::newRow(name) << true << true;

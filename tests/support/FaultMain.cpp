@@ -1,0 +1,133 @@
+// Loaded in front of the C library: the Nth time that the program opens a file to write, writes to one,
+// flushes one, renames or links one, that fails, or the program is killed there. TESSARAY_FAULT holds "N
+// NUMBER", where the number is an error's (28 for a full disk) or 0 for the end of the program. A file of the
+// name in TESSARAY_FAULT_MET is made when it came to that. Other programs than tessaray-cli, and its keeper,
+// are left alone.
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+
+namespace {
+
+template <typename Function>
+Function following(const char *name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+bool isMeant()
+{
+    static const bool meant = [] {
+        char words[256] = {};
+        const long file = ::syscall(SYS_openat, AT_FDCWD, "/proc/self/cmdline", O_RDONLY);
+        const long count = ::syscall(SYS_read, file, words, sizeof words - 1);
+        ::syscall(SYS_close, file);
+        const bool isKeeper = count > 0 && std::strcmp(words + std::strlen(words) + 1, "--keeper") == 0;
+        return std::strstr(words, "tessaray-cli") != nullptr && !isKeeper &&
+               std::getenv("TESSARAY_FAULT") != nullptr;
+    }();
+    return meant;
+}
+
+void tellMet()
+{
+    if (const char *name = std::getenv("TESSARAY_FAULT_MET"))
+        ::syscall(SYS_close, ::syscall(SYS_openat, AT_FDCWD, name, O_WRONLY | O_CREAT, 0600));
+}
+
+/// Whether this call is the one; errno is set then.
+bool fails()
+{
+    if (!isMeant())
+        return false;
+    static std::atomic_int calls = 0;
+    int number = 0;
+    int error = 0;
+    if (std::sscanf(std::getenv("TESSARAY_FAULT"), "%d %d", &number, &error) != 2 || ++calls != number)
+        return false;
+    tellMet();
+    if (error == 0)
+        ::kill(::getpid(), SIGKILL);
+    errno = error;
+    return true;
+}
+
+bool isFile(int file)
+{
+    struct stat facts = {};
+    return ::fstat(file, &facts) == 0 && S_ISREG(facts.st_mode);
+}
+
+bool writes(const char *path, int flags)
+{
+    return (flags & O_ACCMODE) != O_RDONLY && std::strncmp(path, "/dev/", 5) != 0;
+}
+
+int modeIn(int flags, va_list &rest)
+{
+    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, int) : 0;
+}
+
+} // namespace
+
+#define OPEN_LIKE(name)                                                                                      \
+    int name(const char *path, int flags, ...)                                                               \
+    {                                                                                                        \
+        va_list rest;                                                                                        \
+        va_start(rest, flags);                                                                               \
+        const int mode = modeIn(flags, rest);                                                                \
+        va_end(rest);                                                                                        \
+        if (writes(path, flags) && fails())                                                                  \
+            return -1;                                                                                       \
+        return following<int (*)(const char *, int, ...)>(#name)(path, flags, mode);                         \
+    }
+
+#define CALL_OF_FILE(name)                                                                                   \
+    int name(int file)                                                                                       \
+    {                                                                                                        \
+        if (isFile(file) && fails())                                                                         \
+            return -1;                                                                                       \
+        return following<int (*)(int)>(#name)(file);                                                         \
+    }
+
+#define CALL_OF_NAMES(name)                                                                                  \
+    int name(const char *from, const char *to)                                                               \
+    {                                                                                                        \
+        return fails() ? -1 : following<int (*)(const char *, const char *)>(#name)(from, to);               \
+    }
+
+extern "C" {
+
+OPEN_LIKE(open)
+OPEN_LIKE(open64)
+CALL_OF_FILE(fsync)
+CALL_OF_FILE(fdatasync)
+CALL_OF_NAMES(rename)
+CALL_OF_NAMES(link)
+
+int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned int flags)
+{
+    if (fails())
+        return -1;
+    return following<int (*)(int, const char *, int, const char *, unsigned int)>("renameat2")(
+        fromFolder, from, toFolder, to, flags);
+}
+
+ssize_t write(int file, const void *bytes, size_t count)
+{
+    static const auto real = following<ssize_t (*)(int, const void *, size_t)>("write");
+    if (isMeant() && isFile(file) && fails())
+        return -1;
+    return real(file, bytes, count);
+}
+}
