@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/BatteryPause.h"
 #include "app/CurrentFile.h"
+#include "app/QueuePause.h"
 #include "jobs/JobContext.h"
 #include "jobs/JobFactory.h"
 #include "jobs/KXQueueController.h"
@@ -34,6 +34,9 @@ public:
         steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
         jobs::Intervals intervals = {};
         prefs::WatchIntervals watchIntervals = {};
+        // What is asked of the machine, where that is not to be the machine itself. They outlive the program.
+        const platform::Volumes *volumes = nullptr;
+        const platform::Power *power = nullptr;
     };
 
     /// The presenter must outlive the program.
@@ -59,6 +62,9 @@ public:
     /// Where names are kept that no job may write to.
     steps::OutputRegistry &outputs() { return m_outputs; }
     KXWatchModeController &watchMode() { return m_watchMode; }
+    const platform::Volumes &volumes() const { return m_volumes; }
+    /// What pauses the running job but a person.
+    QueuePause &queuePause() { return m_queuePause; }
     /// Starts the player with the selection's tracks, and forgets it.
     void playMovie(const SelectionPointer &selection);
     /// What jobs are handed, with another registry where only their plans are wanted.
@@ -70,9 +76,11 @@ private:
     jobs::Intervals m_intervals;
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
-    platform::Volumes m_volumes;
+    platform::Volumes m_ownVolumes;
+    platform::Power m_ownPower;
+    const platform::Volumes &m_volumes;
+    const platform::Power &m_power;
     platform::Workspace m_workspace;
-    platform::Power m_power;
     KXNotificationCenter m_notifications;
     KXPreferences m_preferences;
     KXWatchModeController m_watchMode;
@@ -87,7 +95,7 @@ private:
     steps::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
-    BatteryPause m_batteryPause;
+    QueuePause m_queuePause;
 };
 
 } // namespace app

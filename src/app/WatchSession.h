@@ -20,6 +20,7 @@ namespace app {
 
 class FileIntake;
 class JobStarter;
+class QueuePause;
 
 /// Watch mode at work: hands what has arrived to the intake, has it started by the presets, one batch after
 /// the other, and keeps the log. Owned by the delegate. Which files are ready is the controller's to say.
@@ -38,6 +39,7 @@ public:
         JobStarter &starter;
         KXQueueController &queue;
         KXNotificationCenter &notifications;
+        QueuePause &pause;
         QString settingsPath; ///< the journal lies beside it
     };
 

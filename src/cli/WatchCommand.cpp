@@ -85,6 +85,7 @@ ExitStatus WatchCommand::execute(Session &session) const
         return session.failed(problem);
     session.program().preferences().setWatchFolderURL(QUrl::fromLocalFile(folder));
     session.program().watchMode().setTakesExisting(session.line().has(u"existing"_s));
+    session.program().queuePause().followRoom();
     app::FileWork files(session.program(), session.alerts());
     QEventLoop loop;
     QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,

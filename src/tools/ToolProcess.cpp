@@ -19,7 +19,8 @@ namespace {
 void lowerPriority()
 {
     constexpr int low = 10; // of 0 to 19
-    ::setpriority(PRIO_PROCESS, 0, low);
+    if (::getpriority(PRIO_PROCESS, 0) < low)
+        ::setpriority(PRIO_PROCESS, 0, low);
 }
 
 } // namespace

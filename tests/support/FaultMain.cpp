@@ -1,8 +1,9 @@
 // Loaded in front of the C library: the Nth time that the program opens a file to write, writes to one,
 // flushes one, renames or links one, that fails, or the program is killed there. TESSARAY_FAULT holds "N
 // NUMBER", where the number is an error's (28 for a full disk) or 0 for the end of the program. A file of the
-// name in TESSARAY_FAULT_MET is made when it came to that. Other programs than tessaray-cli, and its keeper,
-// are left alone.
+// name in TESSARAY_FAULT_MET is made when it came to that. It is the program in whose command line stands the
+// text in TESSARAY_FAULT_IN; others, and its keeper, are left alone. The file that TESSARAY_FAULT_COUNT names
+// grows by a byte with each such call. Where TESSARAY_FAULT_FOLDER names a folder, only calls below it count.
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -28,34 +29,48 @@ Function following(const char *name)
 bool isMeant()
 {
     static const bool meant = [] {
-        char words[256] = {};
+        char words[1024] = {};
         const long file = ::syscall(SYS_openat, AT_FDCWD, "/proc/self/cmdline", O_RDONLY);
         const long count = ::syscall(SYS_read, file, words, sizeof words - 1);
         ::syscall(SYS_close, file);
-        const bool isKeeper = count > 0 && std::strcmp(words + std::strlen(words) + 1, "--keeper") == 0;
-        return std::strstr(words, "tessaray-cli") != nullptr && !isKeeper &&
-               std::getenv("TESSARAY_FAULT") != nullptr;
+        for (long i = 0; i + 1 < count; ++i)
+            words[i] = words[i] == 0 ? ' ' : words[i];
+        const char *program = std::getenv("TESSARAY_FAULT_IN");
+        return program != nullptr && std::getenv("TESSARAY_FAULT") != nullptr &&
+               std::strstr(words, program) != nullptr && std::strstr(words, "--keeper") == nullptr;
     }();
     return meant;
 }
 
-void tellMet()
+/// Past the functions below.
+void grow(const char *variable)
 {
-    if (const char *name = std::getenv("TESSARAY_FAULT_MET"))
-        ::syscall(SYS_close, ::syscall(SYS_openat, AT_FDCWD, name, O_WRONLY | O_CREAT, 0600));
+    const char *name = std::getenv(variable);
+    if (name == nullptr)
+        return;
+    const long file = ::syscall(SYS_openat, AT_FDCWD, name, O_WRONLY | O_CREAT | O_APPEND, 0600);
+    ::syscall(SYS_write, file, ".", 1);
+    ::syscall(SYS_close, file);
+}
+
+bool isInFolder(const char *path)
+{
+    const char *folder = std::getenv("TESSARAY_FAULT_FOLDER");
+    return folder == nullptr || std::strncmp(path, folder, std::strlen(folder)) == 0;
 }
 
 /// Whether this call is the one; errno is set then.
-bool fails()
+bool fails(const char *path)
 {
-    if (!isMeant())
+    if (!isMeant() || !isInFolder(path))
         return false;
     static std::atomic_int calls = 0;
+    grow("TESSARAY_FAULT_COUNT");
     int number = 0;
     int error = 0;
     if (std::sscanf(std::getenv("TESSARAY_FAULT"), "%d %d", &number, &error) != 2 || ++calls != number)
         return false;
-    tellMet();
+    grow("TESSARAY_FAULT_MET");
     if (error == 0)
         ::kill(::getpid(), SIGKILL);
     errno = error;
@@ -66,6 +81,16 @@ bool isFile(int file)
 {
     struct stat facts = {};
     return ::fstat(file, &facts) == 0 && S_ISREG(facts.st_mode);
+}
+
+bool fails(int file)
+{
+    if (!isMeant() || !isFile(file))
+        return false;
+    char link[64] = {};
+    char path[4096] = {};
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", file);
+    return ::readlink(link, path, sizeof path - 1) > 0 && fails(path);
 }
 
 bool writes(const char *path, int flags)
@@ -87,7 +112,7 @@ int modeIn(int flags, va_list &rest)
         va_start(rest, flags);                                                                               \
         const int mode = modeIn(flags, rest);                                                                \
         va_end(rest);                                                                                        \
-        if (writes(path, flags) && fails())                                                                  \
+        if (writes(path, flags) && fails(path))                                                              \
             return -1;                                                                                       \
         return following<int (*)(const char *, int, ...)>(#name)(path, flags, mode);                         \
     }
@@ -95,7 +120,7 @@ int modeIn(int flags, va_list &rest)
 #define CALL_OF_FILE(name)                                                                                   \
     int name(int file)                                                                                       \
     {                                                                                                        \
-        if (isFile(file) && fails())                                                                         \
+        if (fails(file))                                                                                     \
             return -1;                                                                                       \
         return following<int (*)(int)>(#name)(file);                                                         \
     }
@@ -103,7 +128,7 @@ int modeIn(int flags, va_list &rest)
 #define CALL_OF_NAMES(name)                                                                                  \
     int name(const char *from, const char *to)                                                               \
     {                                                                                                        \
-        return fails() ? -1 : following<int (*)(const char *, const char *)>(#name)(from, to);               \
+        return fails(to) ? -1 : following<int (*)(const char *, const char *)>(#name)(from, to);             \
     }
 
 extern "C" {
@@ -117,7 +142,7 @@ CALL_OF_NAMES(link)
 
 int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned int flags)
 {
-    if (fails())
+    if (fails(to))
         return -1;
     return following<int (*)(int, const char *, int, const char *, unsigned int)>("renameat2")(
         fromFolder, from, toFolder, to, flags);
@@ -126,7 +151,7 @@ int renameat2(int fromFolder, const char *from, int toFolder, const char *to, un
 ssize_t write(int file, const void *bytes, size_t count)
 {
     static const auto real = following<ssize_t (*)(int, const void *, size_t)>("write");
-    if (isMeant() && isFile(file) && fails())
+    if (fails(file))
         return -1;
     return real(file, bytes, count);
 }

@@ -61,7 +61,7 @@ private Q_SLOTS:
     void aListForPeople()
     {
         const auto run = CliFixture().run({u"prefs"_s, u"list"_s});
-        QCOMPARE(run.lines().size(), 10);
+        QCOMPARE(run.lines().size(), 13);
         QVERIFY(run.lines().contains(u"keepLogsFlag = true"_s));
         QVERIFY(run.lines().contains(u"saveDirectoryPath = "_s));
     }
@@ -86,6 +86,15 @@ private Q_SLOTS:
             QCOMPARE(run.objects(), QList<QJsonObject>({{{u"key"_s, key}, {u"value"_s, on}}}));
             QCOMPARE(cli.run({u"prefs"_s, u"get"_s, key}).output, text.toUtf8() + '\n');
             QCOMPARE(listed(cli).value(key), QJsonValue(on));
+        }
+    }
+
+    void whatFollowsTheQueueIsAWord()
+    {
+        const CliFixture cli;
+        for (const QString &word : {u"sleep"_s, u"quit"_s, u"nothing"_s}) {
+            QCOMPARE(cli.run({u"prefs"_s, u"set"_s, u"whenQueueIsDone"_s, word}).status, 0);
+            QCOMPARE(listed(cli).value(u"whenQueueIsDone"_s), QJsonValue(word));
         }
     }
 
@@ -119,6 +128,7 @@ private Q_SLOTS:
         QTest::newRow("a file as folder") << u"saveDirectoryPath"_s << u"file"_s;
         QTest::newRow("missing watch folder") << u"watchFolder"_s << u"not there"_s;
         QTest::newRow("missing program") << u"lintwickPath"_s << u"not there"_s;
+        QTest::newRow("no word for the end of a queue") << u"whenQueueIsDone"_s << u"explode"_s;
         QTest::newRow("presets are no key") << u"presetSelectionsArray"_s << u"[]"_s;
     }
 

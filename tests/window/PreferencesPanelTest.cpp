@@ -206,6 +206,23 @@ private Q_SLOTS:
         QCOMPARE(fixture.storedPanel().value(u"saveDirectoryPath"_s).toString(), QString());
     }
 
+    void whatFollowsTheQueueIsChosen()
+    {
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        auto *box = driver.find<QComboBox>("PrefWhenDoneBox");
+        QCOMPARE(box->currentText(), u"Do Nothing"_s);
+        driver.find<QListWidget>("PreferencesPanes")->setCurrentRow(2);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(box->currentText(), u"Sleep"_s);
+        driver.click("OkPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(u"whenQueueIsDone"_s).toString(), u"sleep"_s);
+        fixture.open();
+        QCOMPARE(fixture.panel->findChild<QComboBox *>(u"PrefWhenDoneBox"_s)->currentText(), u"Sleep"_s);
+    }
+
     void lintwickIsChosen()
     {
         Fixture fixture;
@@ -293,6 +310,7 @@ private Q_SLOTS:
              u"PrefLogsButton"_s},
             {u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
              u"PrefVerifyButton"_s},
+            {u"PrefLowPriorityButton"_s, u"PrefPauseOnBatteryButton"_s, u"PrefWhenDoneBox"_s},
             {u"PrefToolTipsButton"_s},
             {},
             {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
