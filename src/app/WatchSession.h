@@ -53,6 +53,7 @@ public:
     bool start();
     void end();
     const WatchLog &log() const { return m_log; }
+    WatchLog &log() { return m_log; }
 
     static constexpr int startMilliseconds = 500;
 

@@ -7,7 +7,8 @@
 
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QSet>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -56,17 +57,19 @@ void followProgress(Session &session, QObject *context)
     });
 }
 
-/// Hands the outputs of each job on that ends well.
+/// Hands the outputs of each job on that ends well, and forgets it: a watch runs for months.
 void followFiles(Session &session, FinishedFiles &files)
 {
     KXQueueController &queue = session.program().queue();
     QObject::connect(&queue, &KXQueueController::jobChanged, &files,
-                     [&queue, &files, taken = QSet<const KXJob *>()](int row) mutable {
+                     [&queue, &files, taken = std::weak_ptr<KXJob>()](int row) mutable {
                          const JobPointer job = queue.qJobList().value(row);
-                         if (!job || !job->hasEnded() || taken.contains(job.get()))
+                         if (!job || !job->hasEnded() || taken.lock() == job)
                              return;
-                         taken.insert(job.get());
+                         taken = job;
                          files.take(*job);
+                         QMetaObject::invokeMethod(&queue, &KXQueueController::clearQueueButton,
+                                                   Qt::QueuedConnection);
                      });
 }
 
@@ -87,6 +90,7 @@ ExitStatus WatchCommand::execute(Session &session) const
     session.program().watchMode().setTakesExisting(session.line().has(u"existing"_s));
     session.program().queuePause().followRoom();
     app::FileWork files(session.program(), session.alerts());
+    files.watchSession().log().keepNoLines(); // they are printed
     QEventLoop loop;
     QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,
                      [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });

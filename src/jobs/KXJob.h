@@ -225,8 +225,8 @@ private:
     std::atomic_bool m_isPaused = false;
     jobs::JobResults m_results;
     jobs::PaceKeeper m_pace;
-    QTimer m_slowEnd;        ///< runs while finished files are checked and published
-    QString m_shownEnd;      ///< what was shown of that
+    QTimer m_slowEnd;   ///< runs while finished files are checked and published
+    QString m_shownEnd; ///< what was shown of that
     std::optional<qint64> m_expectedBytes;
     bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;

@@ -45,10 +45,12 @@ private Q_SLOTS:
         QCOMPARE(run.status, 0);
         QVERIFY2(run.error.isEmpty(), run.error.constData());
         const QList<std::pair<QString, QJsonValue>> expected{
-            {u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},    {u"showToolTipsFlag"_s, true},
-            {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true},  {u"metadataPaddingFlag"_s, false},
-            {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},      {u"newerCodecsFlag"_s, false},
-            {u"lowPriorityFlag"_s, false},   {u"pauseOnBatteryFlag"_s, false}, {u"whenQueueIsDone"_s, u"nothing"_s},
+            {u"saveDirectoryPath"_s, u""_s},  {u"lintwickPath"_s, u""_s},
+            {u"showToolTipsFlag"_s, true},    {u"keepLogsFlag"_s, true},
+            {u"moovInFrontFlag"_s, true},     {u"metadataPaddingFlag"_s, false},
+            {u"useDpliiFlag"_s, true},        {u"verifyFlag"_s, false},
+            {u"newerCodecsFlag"_s, false},    {u"lowPriorityFlag"_s, false},
+            {u"pauseOnBatteryFlag"_s, false}, {u"whenQueueIsDone"_s, u"nothing"_s},
             {u"watchFolder"_s, u""_s}};
         const auto objects = run.objects();
         QCOMPARE(objects.size(), expected.size());
