@@ -39,11 +39,15 @@ void QueuePause::followRoom()
     });
 }
 
-/// A job that has just begun is paused at once, where that is wanted.
+/// A job that has just begun is paused at once, where that is wanted. Who let another one fill the disk has
+/// not spoken for this one.
 void QueuePause::begin()
 {
-    if (!m_parts.queue.qJobIsRunning() || m_powerTimer.isActive())
+    const JobPointer job = m_parts.queue.currentJob();
+    if (!m_parts.queue.qJobIsRunning() || m_job.lock() == job)
         return;
+    m_job = job;
+    m_causes.at(Room) = {};
     m_powerTimer.start();
     QMetaObject::invokeMethod(this, &QueuePause::lookAtPower, Qt::QueuedConnection);
     if (!m_followsRoom)
@@ -60,6 +64,7 @@ bool QueuePause::isOver()
     m_roomTimer.stop();
     m_causes = {};
     m_hasPaused = false;
+    m_job.reset();
     return true;
 }
 

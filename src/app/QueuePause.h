@@ -5,7 +5,9 @@
 
 #include <array>
 #include <chrono>
+#include <memory>
 
+class KXJob;
 class KXPreferences;
 class KXQueueController;
 
@@ -72,6 +74,7 @@ private:
     QTimer m_powerTimer;
     QTimer m_roomTimer;
     std::array<Standing, 2> m_causes; ///< by Cause
+    std::weak_ptr<KXJob> m_job;       ///< that was looked at last
     bool m_followsRoom = false;
     bool m_hasPaused = false;
 };

@@ -134,6 +134,22 @@ private Q_SLOTS:
         QTRY_COMPARE(machine.queue.pauseButtonTitle(), u"Resume"_s);
     }
 
+    /// Of a battery a person has spoken for the queue, of the disk for that job alone.
+    void theNextJobIsLookedAtAnew()
+    {
+        PausedQueue machine;
+        QVERIFY(machine.isPausedAt(PowerSource::Battery));
+        QVERIFY(machine.isPausedWith(10 * megabyte, 900 * megabyte));
+        machine.queue.pauseQueueButton(u"Resume"_s);
+        QVERIFY(!machine.isPausedWith(10 * megabyte, 900 * megabyte));
+        machine.queue.qJobList().at(1)->setExpectedBytes(900 * megabyte);
+        machine.queue.currentJob()->jobDone();
+        machine.queue.manageQueue();
+        QCOMPARE(machine.queue.currentJob(), machine.queue.qJobList().at(1));
+        QTRY_VERIFY(machine.isPaused());
+        QVERIFY(machine.queue.pauseReason().startsWith(u"Only 10 MB"_s));
+    }
+
     void littleRoomPausesAJobThatNeedsMore_data()
     {
         QTest::addColumn<qint64>("free");
