@@ -5,6 +5,8 @@
 #include "platform/Power.h"
 #include "prefs/KXPreferences.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace app {
@@ -33,10 +35,18 @@ void QueuePause::followRoom()
 {
     m_followsRoom = true;
     connect(&m_parts.queue, &KXQueueController::jobAdded, this, [this] {
-        const QString sentence = shortageBefore(m_parts.queue.qJobList(), m_parts.volumes);
-        if (!sentence.isNull())
-            Q_EMIT roomIsShort(sentence);
+        if (!std::exchange(m_isToHoldAgainstRoom, true))
+            QMetaObject::invokeMethod(this, &QueuePause::holdAgainstRoom, Qt::QueuedConnection);
     });
+}
+
+/// Once for all jobs that are added together, and before the first of them starts.
+void QueuePause::holdAgainstRoom()
+{
+    m_isToHoldAgainstRoom = false;
+    const QString sentence = shortageBefore(m_parts.queue.qJobList(), m_parts.volumes);
+    if (!sentence.isNull())
+        Q_EMIT roomIsShort(sentence);
 }
 
 /// A job that has just begun is paused at once, where that is wanted. Who let another one fill the disk has

@@ -64,6 +64,7 @@ private:
         bool isOverruled = false;
     };
 
+    void holdAgainstRoom();
     void begin();
     bool isOver();
     void take(Cause cause, const QString &reason);
@@ -76,6 +77,7 @@ private:
     std::array<Standing, 2> m_causes; ///< by Cause
     std::weak_ptr<KXJob> m_job;       ///< that was looked at last
     bool m_followsRoom = false;
+    bool m_isToHoldAgainstRoom = false;
     bool m_hasPaused = false;
 };
 
