@@ -20,6 +20,7 @@ private Q_SLOTS:
     void init()
     {
         m_fixture = std::make_unique<AppFixture>();
+        m_fixture->presets().setSelectionMethodIndex(2); // ticks every track
         m_fixture->fakeTool(u"ffmpeg/ffmpeg"_s, {u"exit 1"_s});
         m_fixture->openByHand({support::convertible(m_fixture->scratch().write(u"a.mkv"_s, "film"))});
     }
