@@ -195,7 +195,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 7 + 2 + 20 + 8); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 8 + 2 + 20 + 8); }
 };
 
 TESSARAY_TEST(CommandLineTest)
