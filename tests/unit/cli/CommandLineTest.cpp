@@ -168,13 +168,13 @@ private Q_SLOTS:
             QTest::newRow(name) << false << true;
         for (const auto &name : {"save-dir", "defaults"})
             QTest::newRow(name) << true << true;
-        for (const auto &name :
-             {"tracks", "device", "kind", "video", "video-bitrate", "width", "audio", "subtitles", "add",
-              "track-preset", "settings-preset", "auto", "for", "output", "time", "size", "duration", "list",
-              "print", "exec"})
+        for (const auto &name : {"tracks", "device",    "kind", "video",        "video-bitrate",   "width",
+                                 "audio",  "subtitles", "add",  "track-preset", "settings-preset", "auto",
+                                 "for",    "output",    "time", "size",         "duration",        "list",
+                                 "print",  "exec"})
             QTest::newRow(name) << true << false;
-        for (const auto &name : {"force", "verify", "existing", "commands", "recursive", "skip-existing",
-                                 "report", "dry-run"})
+        for (const auto &name :
+             {"force", "verify", "existing", "commands", "recursive", "skip-existing", "report", "dry-run"})
             QTest::newRow(name) << false << false;
     }
 

@@ -375,9 +375,11 @@ private Q_SLOTS:
         {
             const Window two(home);
             const QString holder = home.path(u"queue/holder"_s);
-            QVERIFY2(two.problem.endsWith(u"It is process %1 on elsewhere. If that has ended, remove %2 and start again."_s
-                                              .arg(QString::fromLatin1(pid), holder)),
-                     qPrintable(two.problem));
+            QVERIFY2(
+                two.problem.endsWith(
+                    u"It is process %1 on elsewhere. If that has ended, remove %2 and start again."_s.arg(
+                        QString::fromLatin1(pid), holder)),
+                qPrintable(two.problem));
             QCOMPARE(two.rows(), QString());
         }
         QVERIFY(QFile::remove(home.path(u"queue/holder"_s)));
