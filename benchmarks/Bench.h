@@ -40,8 +40,12 @@ int start(const QString &cli, const QString &clip, int rounds);
 /// Seconds from an interrupt to the end of the program and its tools: while files are opened, a film is
 /// converted, files are joined.
 int stop(const QString &cli, const QString &film, const QString &half, int rounds);
-/// Presets that are stored one after the other, 100 and 400 of them.
+/// Presets that are stored by one save, and one after the other, 100 and 400 of them.
 int store();
+/// How often a watch and the window wake while nothing happens. The window needs a display.
+int idle(const QString &cli, const QString &window);
+/// How the memory of a watch grows with the films that land in its folder.
+int watched(const QString &cli, const QString &film, int count);
 /// Looks at real watched folders of several sizes, with new films in them and without.
 int watch();
 

@@ -11,6 +11,10 @@ int main(int argc, char *argv[])
     const QString what = words.value(0);
     if (what == u"convert"_s && words.size() == 4)
         return bench::convert(words.at(1), words.at(2), words.at(3).toInt());
+    if (what == u"idle"_s && words.size() == 3)
+        return bench::idle(words.at(1), words.at(2));
+    if (what == u"watched"_s && words.size() == 4)
+        return bench::watched(words.at(1), words.at(2), words.at(3).toInt());
     if (what == u"joins"_s && words.size() == 5)
         return bench::joins(words.at(1), words.at(2), words.at(3).toInt(), words.at(4).toInt());
     if (what == u"mkv"_s && words.size() == 5)
@@ -35,10 +39,12 @@ int main(int argc, char *argv[])
         return bench::store();
     if (what == u"watch"_s && words.size() == 1)
         return bench::watch();
-    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | joins CLI FILM COUNT ROUNDS | mkv CLI FILM "
+    bench::say(u"usage: tessaray-bench convert CLI CLIP ROUNDS | idle CLI WINDOW | joins CLI FILM COUNT "
+               u"ROUNDS | mkv CLI FILM "
                u"HALF ROUNDS | many CLI "
                u"FILM COUNT ROUNDS | probe "
                u"RESOURCES CLIP ROUNDS | publish CLI FILM ROUNDS | end CLI FILM ROUNDS | reading | "
-               "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | store | watch"_s);
+               "selection | start CLI CLIP ROUNDS | stop CLI FILM HALF ROUNDS | store | watch | "
+               "watched CLI FILM COUNT"_s);
     return 64;
 }

@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 _tessaray_cli_options() {
-    local global="--help --version --json --quiet --save-dir --keep-logs --no-keep-logs --defaults"
+    local global="--help --version --json --quiet --save-dir --keep-logs --no-keep-logs --nice --defaults"
     global+=" --newer-codecs"
     local files="--force --verify --dry-run --print --exec"
     local choices="--tracks --device --kind --video --video-bitrate --width --audio --subtitles --add"
@@ -126,7 +126,7 @@ _tessaray_cli() {
             only_files=1
         elif [[ -z $only_files && $word == --* ]]; then
             case $word in
-            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --force | --verify | --dry-run | \
+            --help | --version | --json | --quiet | --keep-logs | --no-keep-logs | --nice | --force | --verify | --dry-run | \
                 --newer-codecs | --commands | --recursive | --skip-existing | --existing | --status | --report) ;;
             *) option=$word ;;
             esac

@@ -27,6 +27,7 @@ complete -c tessaray-cli -l quiet -d 'show no progress'
 complete -c tessaray-cli -l save-dir -x -a '(__fish_complete_directories)' -d 'write results into this folder'
 complete -c tessaray-cli -l keep-logs -d 'keep logs and temporary files'
 complete -c tessaray-cli -l no-keep-logs -d 'remove logs and temporary files'
+complete -c tessaray-cli -l nice -d 'run tools at low priority'
 complete -c tessaray-cli -l newer-codecs -d 'open films with newer codecs too'
 complete -c tessaray-cli -l defaults -r -F -d 'use the settings in this file'
 

@@ -10,8 +10,8 @@
 namespace app {
 
 /// Turns the first interrupt, terminate or hang-up signal into a Qt signal; the second one ends the program
-/// at once. A program that is busy with something that hears of no signal ends within a second all the same. One
-/// per program.
+/// at once. A program that is busy with something that hears of no signal ends within a second all the same.
+/// One per program.
 class Interrupts final : public QObject
 {
     Q_OBJECT

@@ -39,10 +39,10 @@ QStringList commandsBefore(const steps::Launch &launch)
     QStringList commands;
     for (const steps::Preparation &preparation : launch.before) {
         const QString command = tools::pastableCommand({}, preparation.words);
-        commands.append(
-            preparation.into.isEmpty()
-                ? command
-                : command + u" > "_s + tools::pastableCommand({}, {preparation.into.toLocalFile()}));
+        commands.append(preparation.into.isEmpty()
+                            ? command
+                            : command + u" > "_s +
+                                  tools::pastableCommand({}, {preparation.into.toLocalFile()}));
     }
     return commands;
 }

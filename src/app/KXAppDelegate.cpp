@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString tipsKey = u"showToolTipsFlag"_s;
+const QString whenDoneKey = u"whenQueueIsDone"_s;
 
 /// A stored index counts only where it lies in the list as it is now.
 int indexIn(const QVariant &stored, qsizetype count)
@@ -41,6 +42,10 @@ KXAppDelegate::KXAppDelegate(const Surroundings &surroundings)
             &KXAppDelegate::fileTextFieldChanged);
     connect(&program().preferences(), &KXPreferences::storeMended, this, &KXAppDelegate::noteWorthy);
     connect(&m_storedQueue, &jobs::StoredQueue::failed, this, &KXAppDelegate::noteWorthy);
+    connect(&m_queueWatch, &app::QueueWatch::queueEnded, this, &KXAppDelegate::queueEnded);
+    program().queuePause().followRoom();
+    connect(&program().queuePause(), &app::QueuePause::roomIsShort, this, &KXAppDelegate::noteWorthy);
+    connect(&program().queue(), &KXQueueController::pauseReasonChanged, this, &KXAppDelegate::sayPause);
     connect(&starter(), &app::JobStarter::finishingChanged, this,
             [this] { m_queueWatch.expectMore(starter().isFinishing()); });
 }
@@ -94,6 +99,33 @@ void KXAppDelegate::sayIfHeld()
 {
     if (program().queue().isHeld())
         Q_EMIT noteWorthy(tr("The queue waits. Press Resume to start it."));
+}
+
+void KXAppDelegate::sayPause(const QString &reason)
+{
+    if (!reason.isNull())
+        Q_EMIT noteWorthy(tr("Paused: %1 Resume lets the job go on.").arg(reason));
+}
+
+/// A watched folder is never done.
+void KXAppDelegate::queueEnded()
+{
+    const QString wanted = whenQueueIsDone();
+    if (program().watchMode().appIsInWatchMode() || intake().isBusy())
+        return;
+    if (wanted == u"sleep"_s) {
+        Q_EMIT noteWorthy(tr("The queue is done: the machine goes to sleep."));
+        m_around.desktop.sleep();
+    } else if (wanted == u"quit"_s) {
+        // From the event loop: the job that has ended last is still telling of it.
+        QMetaObject::invokeMethod(this, &KXAppDelegate::quitWhenDone, Qt::QueuedConnection);
+    }
+}
+
+void KXAppDelegate::quitWhenDone()
+{
+    if (!program().queue().qJobIsRunning() && applicationShouldTerminate())
+        Q_EMIT terminationAllowed();
 }
 
 bool KXAppDelegate::applicationShouldTerminate()
@@ -265,14 +297,29 @@ void KXAppDelegate::helpMenuItemSelected(const QString &title)
 
 void KXAppDelegate::switchToolTips(bool shown)
 {
+    storePanelValue(tipsKey, shown);
+    program().preferences().modifyToolTips();
+}
+
+void KXAppDelegate::storePanelValue(const QString &key, const QVariant &value)
+{
     KXPreferences &preferences = program().preferences();
     QVariantMap panel = preferences.preferencePanelDictionary();
-    panel.insert(tipsKey, shown);
+    panel.insert(key, value);
     preferences.setPreferencePanelDictionary(panel);
-    preferences.modifyToolTips();
     const QString problem = preferences.savePreferencesToDefaults();
     if (!problem.isNull())
         Q_EMIT noteWorthy(problem);
+}
+
+void KXAppDelegate::setWhenQueueIsDone(const QString &word)
+{
+    storePanelValue(whenDoneKey, word);
+}
+
+QString KXAppDelegate::whenQueueIsDone() const
+{
+    return m_around.program.preferences().panelValue(whenDoneKey).toString();
 }
 
 /// The tab that gathers files is compared with a name it does not bear: meant, and so what came in last is

@@ -74,6 +74,9 @@ public:
     /// The items of the help menu, told apart by their titles.
     void helpMenuItemSelected(const QString &title);
     void playButton();
+    /// "nothing", "sleep" or "quit"; stored at once.
+    void setWhenQueueIsDone(const QString &word);
+    QString whenQueueIsDone() const;
     void chooseWatchFolder();
     /// Null when films can be shown, else why not.
     QString playingRefusal() const;
@@ -99,8 +102,12 @@ private:
     void unsavedAnswered(int returnCode);
     void leaveQueue();
     void sayIfHeld();
+    void queueEnded();
+    void quitWhenDone();
+    void sayPause(const QString &reason);
     void takeInLater(const QList<QUrl> &files);
     void switchToolTips(bool shown);
+    void storePanelValue(const QString &key, const QVariant &value);
     void saveFileInfo();
 
     Surroundings m_around;

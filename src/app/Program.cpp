@@ -37,6 +37,8 @@ Program::Program(const Options &options, platform::AlertPresenter &alerts)
     , m_alerts(alerts)
     , m_defaults(options.defaultsPath.isEmpty() ? platform::JsonDefaultsStore::standardPath()
                                                 : options.defaultsPath)
+    , m_volumes(options.volumes != nullptr ? *options.volumes : m_ownVolumes)
+    , m_power(options.power != nullptr ? *options.power : m_ownPower)
     , m_preferences(m_defaults, {resourcesFolder(), workingFolder()})
     , m_watchMode(&m_preferences, options.watchIntervals)
     , m_currentVideoFile(std::make_shared<KXVideoFile>(&m_preferences))
@@ -46,7 +48,9 @@ Program::Program(const Options &options, platform::AlertPresenter &alerts)
     , m_currentFile(m_currentVideoFile, m_selectionController, m_presets)
     , m_factory(makeFactory())
     , m_queue(contextFor(m_outputs), m_factory, &m_watchMode)
+    , m_queuePause({m_queue, m_preferences, m_power, m_volumes})
 {
+    m_launcher.setLowPriority([this] { return m_preferences.panelFlag(u"lowPriorityFlag"_s); });
     m_queue.initialize();
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "app/CurrentFile.h"
+#include "app/QueuePause.h"
 #include "jobs/JobContext.h"
 #include "jobs/JobFactory.h"
 #include "jobs/KXQueueController.h"
 #include "platform/AlertPresenter.h"
 #include "platform/DefaultsStore.h"
 #include "platform/KXNotificationCenter.h"
+#include "platform/Power.h"
 #include "platform/Volumes.h"
 #include "platform/Workspace.h"
 #include "prefs/KXPreferences.h"
@@ -32,6 +34,9 @@ public:
         steps::WhenTaken whenTaken = steps::WhenTaken::NextFreeName;
         jobs::Intervals intervals = {};
         prefs::WatchIntervals watchIntervals = {};
+        // What is asked of the machine, where that is not to be the machine itself. They outlive the program.
+        const platform::Volumes *volumes = nullptr;
+        const platform::Power *power = nullptr;
     };
 
     /// The presenter must outlive the program.
@@ -58,6 +63,9 @@ public:
     steps::OutputRegistry &outputs() { return m_outputs; }
     KXWatchModeController &watchMode() { return m_watchMode; }
     const prefs::WatchIntervals &watchIntervals() const { return m_watchIntervals; }
+    const platform::Volumes &volumes() const { return m_volumes; }
+    /// What pauses the running job but a person.
+    QueuePause &queuePause() { return m_queuePause; }
     /// Starts the player with the selection's tracks, and forgets it.
     void playMovie(const SelectionPointer &selection);
     /// What jobs are handed, with another registry where only their plans are wanted.
@@ -70,7 +78,10 @@ private:
     prefs::WatchIntervals m_watchIntervals;
     platform::AlertPresenter &m_alerts;
     platform::JsonDefaultsStore m_defaults;
-    platform::Volumes m_volumes;
+    platform::Volumes m_ownVolumes;
+    platform::Power m_ownPower;
+    const platform::Volumes &m_volumes;
+    const platform::Power &m_power;
     platform::Workspace m_workspace;
     KXNotificationCenter m_notifications;
     KXPreferences m_preferences;
@@ -86,6 +97,7 @@ private:
     steps::ScratchFolder m_scratch;
     jobs::JobFactory m_factory;
     KXQueueController m_queue;
+    QueuePause m_queuePause;
 };
 
 } // namespace app

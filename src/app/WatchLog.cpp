@@ -23,13 +23,15 @@ QString WatchLog::wordOf(Kind kind)
 
 void WatchLog::add(Kind kind, const QString &text)
 {
-    m_lines.append({QDateTime::currentDateTime(), kind, text});
+    const Line line{QDateTime::currentDateTime(), kind, text};
+    if (m_keepsLines)
+        m_lines.append(line);
     if (m_lines.size() > mostLines) {
         const int surplus = mostLines / 10;
         m_lines.remove(0, surplus);
         Q_EMIT shortened(surplus);
     }
-    Q_EMIT added(m_lines.constLast());
+    Q_EMIT added(line);
 }
 
 QString WatchLog::formatted(const Line &line)

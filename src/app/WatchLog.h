@@ -25,6 +25,8 @@ public:
 
     const QList<Line> &lines() const { return m_lines; }
     void add(Kind kind, const QString &text);
+    /// Lines are only announced from now on.
+    void keepNoLines() { m_keepsLines = false; }
     /// "2026-11-21 13:05:09  done     film.mkv". Names in it are as they are: the code that shows a line
     /// makes them visible.
     static QString formatted(const Line &line);
@@ -40,6 +42,7 @@ Q_SIGNALS:
 
 private:
     QList<Line> m_lines;
+    bool m_keepsLines = true;
 };
 
 } // namespace app

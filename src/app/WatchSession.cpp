@@ -2,6 +2,7 @@
 
 #include "app/FileIntake.h"
 #include "app/JobStarter.h"
+#include "app/QueuePause.h"
 #include "jobs/KXQueueController.h"
 #include "prefs/KXWatchModeController.h"
 #include "prefs/SaveFolder.h"
@@ -108,6 +109,13 @@ void WatchSession::connectLog()
     connect(&m_parts.queue, &KXQueueController::jobAdded, this, &WatchSession::jobAdded);
     connect(&m_parts.queue, &KXQueueController::jobChanged, this, &WatchSession::jobChanged);
     connect(&m_parts.queue, &KXQueueController::jobDeleted, this, &WatchSession::jobDeleted);
+    connect(&m_parts.pause, &QueuePause::roomIsShort, this,
+            [this](const QString &sentence) { note(WatchLog::Kind::Note, sentence); });
+    connect(&m_parts.queue, &KXQueueController::pauseReasonChanged, this, [this](const QString &reason) {
+        if (m_parts.queue.qJobIsRunning())
+            note(WatchLog::Kind::Waiting,
+                 reason.isNull() ? tr("The job goes on.") : tr("The job is paused. %1").arg(reason));
+    });
 }
 
 void WatchSession::note(WatchLog::Kind kind, const QString &text)

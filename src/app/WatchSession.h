@@ -21,6 +21,7 @@ namespace app {
 
 class FileIntake;
 class JobStarter;
+class QueuePause;
 
 /// Watch mode at work: hands what has arrived to the intake, has it started by the presets, one batch after
 /// the other, and keeps the log. Owned by the delegate. Which files are ready is the controller's to say.
@@ -39,6 +40,7 @@ public:
         JobStarter &starter;
         KXQueueController &queue;
         KXNotificationCenter &notifications;
+        QueuePause &pause;
         QString settingsPath; ///< the journal lies beside it
         int startInterval = prefs::WatchIntervals().start;
     };
@@ -56,6 +58,7 @@ public:
     /// converted, of all others it is told that they can't be opened now.
     void filesRequested(const QStringList &paths);
     const WatchLog &log() const { return m_log; }
+    WatchLog &log() { return m_log; }
 
     /// While films that have arrived are opened or started, or wait for that.
     bool isAtWork() const { return m_active || !m_pending.isEmpty(); }

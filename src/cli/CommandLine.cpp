@@ -18,6 +18,7 @@ const QList<OptionSpec> &allOptions()
         {u"save-dir"_s, u"DIR"_s, u"Write results into this folder, for this run."_s, true},
         {u"keep-logs"_s, {}, u"Keep logs and temporary files, for this run."_s, true},
         {u"no-keep-logs"_s, {}, u"Remove logs and temporary files, for this run."_s, true},
+        {u"nice"_s, {}, u"Run tools at low priority, for this run."_s, true},
         {u"defaults"_s, u"FILE"_s, u"Use the settings in this file."_s, true},
         {u"newer-codecs"_s,
          {},

@@ -1,5 +1,6 @@
 #include "cli/JobRun.h"
 
+#include "app/RoomForJobs.h"
 #include "cli/LiveLine.h"
 #include "cli/Records.h"
 #include "cli/Session.h"
@@ -78,6 +79,7 @@ JobRun::JobRun(Session &session)
     m_subscriptions.push_back(session.program().notifications().subscribe(
         u"progressUpdate"_s, [this](const KXNotification &notification) { progressed(notification); }));
     connect(&m_queue, &KXQueueController::jobChanged, this, &JobRun::changed);
+    connect(&m_queue, &KXQueueController::pauseReasonChanged, this, &JobRun::sayPause);
 }
 
 JobRun::~JobRun()
@@ -114,12 +116,23 @@ ExitStatus JobRun::run()
         if (everyJobHasEnded())
             loop.quit();
     });
+    if (const QString shortage = app::shortageBefore(m_jobs, m_session.program().volumes());
+        !shortage.isNull())
+        m_session.console().say(shortage);
     if (m_session.isInterrupted())
         stop();
     else if (!everyJobHasEnded())
         loop.exec();
     m_session.console().endProgress();
     return worse(m_worst, m_files.finish());
+}
+
+void JobRun::sayPause(const QString &reason)
+{
+    if (!m_queue.qJobIsRunning())
+        return;
+    m_session.console().endProgress();
+    m_session.console().say(reason.isNull() ? u"The job goes on."_s : u"The job is paused. "_s + reason);
 }
 
 bool JobRun::everyJobHasEnded() const

@@ -28,6 +28,7 @@ public:
 private:
     void progressed(const KXNotification &notification);
     void changed(int row);
+    void sayPause(const QString &reason);
     void finished(const KXJob &job);
     void stop();
     void sendEvent(const QString &event, const KXJob &job, QJsonObject more = {});

@@ -11,6 +11,7 @@ namespace cli {
 namespace {
 
 const QString watchFolderKey = u"watchFolder"_s;
+const QString whenDoneKey = u"whenQueueIsDone"_s;
 
 QStringList keysOf(const KXPreferences &preferences)
 {
@@ -42,6 +43,12 @@ QVariant readValue(const QString &key, const QString &text, QString &error)
         if (text == u"true"_s || text == u"false"_s)
             return text == u"true"_s;
         error = u"%1 takes true or false, not \"%2\"."_s.arg(key, text);
+        return {};
+    }
+    if (key == whenDoneKey) {
+        if (QStringList{u"nothing"_s, u"sleep"_s, u"quit"_s}.contains(text))
+            return text;
+        error = u"%1 takes nothing, sleep or quit, not \"%2\"."_s.arg(key, text);
         return {};
     }
     if (text.isEmpty())

@@ -69,6 +69,8 @@ void Session::applyOptions()
         preferences.overrideForThisRun(u"verifyFlag"_s, true);
     if (m_line.has(u"newer-codecs"_s))
         preferences.overrideForThisRun(u"newerCodecsFlag"_s, true);
+    if (m_line.has(u"nice"_s))
+        preferences.overrideForThisRun(u"lowPriorityFlag"_s, true);
     if (m_line.has(u"save-dir"_s))
         preferences.overrideForThisRun(u"saveDirectoryPath"_s, absolutePath(m_line.value(u"save-dir"_s)));
 }

@@ -95,7 +95,7 @@ void followProgress(Session &session, QObject *context)
     });
 }
 
-/// Hands the outputs of each job on that ends well.
+/// Hands the outputs of each job on that ends well, and forgets it: a watch runs for months.
 void followFiles(Session &session, FinishedFiles &files)
 {
     KXQueueController &queue = session.program().queue();
@@ -109,6 +109,7 @@ void followFiles(Session &session, FinishedFiles &files)
             if (console.isJson())
                 tellEnd(console, *job);
             files.take(*job);
+            QMetaObject::invokeMethod(&queue, &KXQueueController::clearQueueButton, Qt::QueuedConnection);
         });
 }
 
@@ -129,7 +130,9 @@ ExitStatus WatchCommand::execute(Session &session) const
         return session.failed(problem);
     session.program().preferences().setWatchFolderURL(QUrl::fromLocalFile(folder));
     session.program().watchMode().setTakesExisting(session.line().has(u"existing"_s));
+    session.program().queuePause().followRoom();
     app::FileWork files(session.program(), session.alerts());
+    files.watchSession().log().keepNoLines(); // they are printed
     QEventLoop loop;
     QObject::connect(&files.watchSession().log(), &app::WatchLog::added, &loop,
                      [&session](const app::WatchLog::Line &line) { tell(session.console(), line); });

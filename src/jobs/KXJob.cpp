@@ -10,7 +10,9 @@
 #include "tools/ProcessGroup.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QEvent>
+#include <QFileInfo>
 #include <QThread>
 #include <QTime>
 
@@ -67,6 +69,16 @@ QString sentenceOnFolder(const QList<ConverterPointer> &converters, const QStrin
                    : u' ' + steps::sentenceThatItCantBeMade(output, problem);
     }
     return {};
+}
+
+qint64 bytesIn(const QUrl &folder)
+{
+    qint64 sum = 0;
+    if (!folder.isEmpty()) {
+        for (const QFileInfo &file : QDir(folder.toLocalFile()).entryInfoList(QDir::Files | QDir::Hidden))
+            sum += file.size();
+    }
+    return sum;
 }
 
 /// A step that is well needs no words to be judged by; those of hundreds of steps would fill the memory.
@@ -291,6 +303,30 @@ void KXJob::addTask(const jobs::StepTask &task)
 void KXJob::removeTask(const jobs::StepTask &task)
 {
     m_stepTaskList.removeIf([&](const jobs::StepTask &other) { return other == task; });
+}
+
+QUrl KXJob::resultFolder() const
+{
+    if (!m_jobSelection)
+        return {};
+    const QUrl own = m_jobSelection->outputFolder();
+    return own.isEmpty() ? prefs::SaveFolder(appPreferences()).forSource(m_jobSelection->videoTrackFileURL())
+                         : own;
+}
+
+/// What was expected may be too little, so what is written is held against how far the job is.
+std::optional<qint64> KXJob::bytesToCome() const
+{
+    constexpr double enoughToTell = 5;
+    if (m_isEnding || m_ended)
+        return 0;
+    const auto written = static_cast<double>(bytesIn(m_guard.workFolder()));
+    std::optional<qint64> bytes;
+    if (m_expectedBytes)
+        bytes = std::max<qint64>(*m_expectedBytes - qRound64(written), 0);
+    if (const double percent = m_pace.pace().percent; percent >= enoughToTell)
+        bytes = std::max(bytes.value_or(0), qRound64(written / percent * (100 - percent)));
+    return bytes;
 }
 
 jobs::Pace KXJob::pace() const

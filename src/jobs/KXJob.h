@@ -97,6 +97,12 @@ public:
     {
         m_receipt.takeStreams(source, streams);
     }
+    /// Where its results go.
+    QUrl resultFolder() const;
+    /// How large its results are likely to be, known before it starts; absent where that is not known.
+    void setExpectedBytes(std::optional<qint64> bytes) { m_expectedBytes = bytes; }
+    /// How much it is likely to write from now on. Absent where nothing is known of that.
+    std::optional<qint64> bytesToCome() const;
     /// How far it is and how fast, while it runs.
     jobs::Pace pace() const;
     /// Finished files the user wanted, in step order.
@@ -219,8 +225,9 @@ private:
     std::atomic_bool m_isPaused = false;
     jobs::JobResults m_results;
     jobs::PaceKeeper m_pace;
-    QTimer m_slowEnd;        ///< runs while finished files are checked and published
-    QString m_shownEnd;      ///< what was shown of that
+    QTimer m_slowEnd;   ///< runs while finished files are checked and published
+    QString m_shownEnd; ///< what was shown of that
+    std::optional<qint64> m_expectedBytes;
     bool m_isEnding = false; ///< every step has ended
     bool m_ended = false;
     QList<QUrl> m_earlierOutputs; ///< of one that ended before the program was started

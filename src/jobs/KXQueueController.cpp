@@ -151,6 +151,7 @@ int KXQueueController::addConversion(const SelectionPointer &selection)
     job->setJobStatus(u"Queued"_s);
     job->setJobFileName(selection->videoTrackFileName());
     job->setJobSelection(own);
+    job->setExpectedBytes(jobs::expectedBytes(kind, *selection));
     announceAdded(job, kind);
     return 1;
 }
@@ -161,6 +162,7 @@ int KXQueueController::addOne(const jobs::JobRequest &request)
     if (!job)
         return 0;
     job->initJobWithSelectionAndPreferences(jobs::independentCopy(*request.selection), m_context.preferences);
+    job->setExpectedBytes(jobs::expectedBytes(request.kind, *request.selection));
     announceAdded(job, request.kind);
     return 1;
 }
@@ -176,6 +178,7 @@ int KXQueueController::addOnePerFile(const jobs::JobRequest &request)
         job->initJobWithSelectionAndPreferences(own, m_context.preferences);
         own->setVideoTrackFileURL(file);
         job->setJobFileName(file.fileName());
+        job->setExpectedBytes(QFileInfo(file.toLocalFile()).size());
         announceAdded(job, request.kind);
         ++added;
     }
@@ -271,7 +274,27 @@ void KXQueueController::setPauseButtonTitle(const QString &title)
     if (m_pauseButtonTitle == title)
         return;
     m_pauseButtonTitle = title;
+    if (title != u"Resume"_s)
+        setPauseReason({});
     Q_EMIT pauseButtonTitleChanged();
+}
+
+void KXQueueController::setPauseReason(const QString &reason)
+{
+    if (m_pauseReason == reason)
+        return;
+    m_pauseReason = reason;
+    Q_EMIT pauseReasonChanged(reason);
+}
+
+void KXQueueController::pauseFor(const QString &reason)
+{
+    const bool isPaused = m_pauseButtonTitle == u"Resume"_s;
+    if (!m_jobIsRunning || (isPaused && m_pauseReason.isNull()))
+        return;
+    if (!isPaused)
+        pauseQueueButton(u"Pause"_s);
+    setPauseReason(reason);
 }
 
 void KXQueueController::pauseQueueButton(const QString &title)
@@ -283,6 +306,7 @@ void KXQueueController::pauseQueueButton(const QString &title)
     if (!m_jobIsRunning || !m_currentJob)
         return;
     if (title == u"Pause"_s) {
+        setPauseReason({}); // a person's own from now on
         setPauseButtonTitle(u"Resume"_s);
         m_currentJob->pauseJob();
     } else if (title == u"Resume"_s) {
@@ -483,6 +507,7 @@ JobPointer KXQueueController::remade(const jobs::QueuedJob &queued)
     job->setJobStatus(u"Queued"_s);
     job->setJobFileName(queued.fileName);
     job->setJobSelection(own);
+    job->setExpectedBytes(jobs::expectedBytes(queued.kind, *own));
     if (queued.outcome.verdict != steps::Verdict::Unknown)
         job->endedBefore(queued.outcome, queued.outputs);
     m_queued.insert(job.get(), queued);

@@ -41,6 +41,11 @@ public:
     /// "Pause" and "Resume" act while a job runs, and "Resume" lets a held queue go on; any other title does
     /// nothing.
     void pauseQueueButton(const QString &title);
+    /// Pauses the running job for a reason that is no person's: a sentence that stands as long as the job is
+    /// paused for it. Another one takes its place; nothing happens where a person has paused the job.
+    void pauseFor(const QString &reason);
+    /// Null where nothing but a person has paused the job.
+    QString pauseReason() const { return m_pauseReason; }
     /// Whether that button does anything now.
     bool canPauseOrResume() const { return m_jobIsRunning || m_isHeld; }
     void clearQueueButton();
@@ -112,6 +117,8 @@ Q_SIGNALS:
     void jobProgressListChanged();
     void drawerWanted(bool open);
     void pauseButtonTitleChanged();
+    /// The running job is paused for that reason now, or goes on: a null text.
+    void pauseReasonChanged(const QString &reason);
 
 private:
     int addConversion(const SelectionPointer &selection);
@@ -131,6 +138,7 @@ private:
     void deleteRow(qsizetype row);
     void removeRow(qsizetype row);
     void setPauseButtonTitle(const QString &title);
+    void setPauseReason(const QString &reason);
     void jobEnded(const KXNotification &notification);
     void rememberOutput(const QUrl &output);
     void askToStop();
@@ -155,6 +163,7 @@ private:
     QTimer m_timer;
     QTimer m_soon; ///< something has happened that may let a job start
     QString m_pauseButtonTitle = QStringLiteral("Pause");
+    QString m_pauseReason;
     qint64 m_currentJobRowIndex = 0;
     bool m_jobIsRunning = false;
     bool m_remembersChoices = false;

@@ -1,6 +1,7 @@
 #include "jobs/QueuedJob.h"
 
 #include "media/KXVideoTrack.h"
+#include "selection/SizeEstimate.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -53,6 +54,21 @@ QList<QUrl> sourcesOf(const KXSelection &selection)
     }
     sources.removeIf([](const QUrl &url) { return url.toLocalFile().isEmpty(); });
     return sources;
+}
+
+/// What is not encoded anew is as large as its sources.
+std::optional<qint64> expectedBytes(JobKind kind, const KXSelection &selection)
+{
+    if (kind == JobKind::Conversion) {
+        const auto estimate = selection::estimateOf(selection, selection.sourceSeconds());
+        return estimate ? std::optional(estimate->bytes) : std::nullopt;
+    }
+    if (kind == JobKind::TrackExtraction || kind == JobKind::SubtitleSending)
+        return std::nullopt;
+    qint64 sum = 0;
+    for (const SourceState &source : statesOf(sourcesOf(selection)))
+        sum += source.size;
+    return sum;
 }
 
 QList<SourceState> statesOf(const QList<QUrl> &sources)

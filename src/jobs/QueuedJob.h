@@ -6,6 +6,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <optional>
+
 namespace jobs {
 
 /// A source as it was when its job was added.
@@ -34,6 +36,9 @@ struct QueuedJob
 SelectionPointer independentCopy(const KXSelection &selection);
 /// Every file that a job of that selection reads.
 QList<QUrl> sourcesOf(const KXSelection &selection);
+/// How large the results of such a job are likely to be; absent where that is not known. Of a selection as it
+/// was chosen.
+std::optional<qint64> expectedBytes(JobKind kind, const KXSelection &selection);
 /// How they are now; one that is not there has no size and no time.
 QList<SourceState> statesOf(const QList<QUrl> &sources);
 /// Why such a job can't run as it was chosen: one of its sources is gone or has changed. A null text when it

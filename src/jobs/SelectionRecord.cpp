@@ -14,6 +14,7 @@ const QString tracksKey = u"tracks"_s;
 const QString probedCodecKey = u"probedCodecName"_s;
 const QString companyKey = u"hasCompany"_s;
 const QString coverKey = u"isCover"_s;
+const QString secondsKey = u"sourceSeconds"_s;
 
 /// How a value of a field is written; nothing for kinds that are written otherwise.
 std::optional<QJsonValue> written(const QVariant &value)
@@ -199,6 +200,8 @@ QJsonObject toRecord(const KXSelection &selection)
         record.insert(field.word, places);
     }
     record.insert(tracksKey, tracks);
+    if (const auto seconds = selection.sourceSeconds())
+        record.insert(secondsKey, *seconds);
     return record;
 }
 
@@ -207,6 +210,8 @@ SelectionPointer selectionFrom(const QJsonObject &record)
     const auto selection = std::make_shared<KXSelection>();
     if (!takeWords(*selection, record))
         return nullptr;
+    if (const QJsonValue seconds = record.value(secondsKey); seconds.isDouble())
+        selection->setSourceSeconds(seconds.toDouble());
     TrackList all;
     for (const QJsonValue &value : record.value(tracksKey).toArray()) {
         all.append(trackFrom(value));

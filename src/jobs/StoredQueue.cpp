@@ -90,6 +90,18 @@ JobRecord::State stateOf(const KXJob &job, JobRecord::State known)
     return known == JobRecord::State::Publishing ? known : JobRecord::State::Running;
 }
 
+/// Whether a process of another machine still runs can't be seen, so a person has to say that it does not.
+QString takenSentence(const QString &folder)
+{
+    const QUrl holder = urlOf(folder + u"/holder"_s);
+    const QString sentence =
+        u"Another window keeps the queue in %1, so jobs of this one are not stored."_s.arg(folder);
+    if (HolderFile::isHolderRunning(holder))
+        return sentence;
+    return sentence + u" It is %1. If that has ended, remove %2 and start again."_s.arg(
+                          HolderFile::holderAt(holder), holder.toLocalFile());
+}
+
 bool isOver(const KXJob &job)
 {
     return job.jobStatus() == u"Completed"_s && job.outcome().verdict != steps::Verdict::Interrupted;
@@ -140,8 +152,7 @@ void StoredQueue::takeFolder(QStringList &problems)
         HolderFile::clearBeside(urlOf(m_folder + u"/holder"_s));
     }
     if (answer == HolderFile::Answer::Taken)
-        problems.append(
-            u"Another window keeps the queue in %1, so jobs of this one are not stored."_s.arg(m_folder));
+        problems.append(takenSentence(m_folder));
     else if (!m_isOpen)
         problems.append(u"The queue can't be stored: %1 can't be written to."_s.arg(m_folder));
 }

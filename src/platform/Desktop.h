@@ -13,6 +13,8 @@ public:
     /// Keeps the machine from sleeping until allowSleep(); asked again, nothing more happens.
     virtual void keepAwake(const QString & /*reason*/) {}
     virtual void allowSleep() {}
+    /// Sends the machine to sleep.
+    virtual void sleep() {}
     /// Tells the person once, wherever they are.
     virtual void tell(const QString & /*title*/, const QString & /*text*/) {}
 };

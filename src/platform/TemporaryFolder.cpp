@@ -28,7 +28,8 @@ bool isLeft(const QFileInfo &folder)
     const qint64 age = folder.lastModified().secsTo(QDateTime::currentDateTime());
     if (!fileAt(lock))
         return age > secondsOfMaking;
-    return HolderFile::isHolderGone(lock) || age > daysOfFoldersOfNobody * 24 * 3600;
+    const bool isOld = age > daysOfFoldersOfNobody * 24 * 3600; // of another machine
+    return HolderFile::isHolderGone(lock) || (isOld && !HolderFile::isHolderRunning(lock));
 }
 
 } // namespace

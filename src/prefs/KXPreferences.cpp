@@ -20,10 +20,19 @@ const QString guiKey = u"guiSettingsDictionary"_s;
 const QList<std::pair<QString, QVariant>> &panelFields()
 {
     static const QList<std::pair<QString, QVariant>> fields{
-        {saveDirectoryKey, u""_s},       {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
-        {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
-        {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},     {u"newerCodecsFlag"_s, false},
+        {saveDirectoryKey, u""_s},
+        {u"lintwickPath"_s, u""_s},
+        {u"showToolTipsFlag"_s, true},
+        {u"keepLogsFlag"_s, true},
+        {u"moovInFrontFlag"_s, true},
+        {u"metadataPaddingFlag"_s, false},
+        {u"useDpliiFlag"_s, true},
+        {u"verifyFlag"_s, false},
+        {u"newerCodecsFlag"_s, false},
         {u"watchExistingFlag"_s, false},
+        {u"lowPriorityFlag"_s, false},
+        {u"pauseOnBatteryFlag"_s, false},
+        {u"whenQueueIsDone"_s, u"nothing"_s},
     };
     return fields;
 }

@@ -28,6 +28,10 @@ class KXPreferencesController final : public QObject
     KX_STATE(bool, newerCodecsFlag, setNewerCodecsFlag, false)
     /// Set where a folder to watch is chosen, not in the panel.
     KX_STATE(bool, watchExistingFlag, setWatchExistingFlag, false)
+    KX_STATE(bool, lowPriorityFlag, setLowPriorityFlag, false)
+    KX_STATE(bool, pauseOnBatteryFlag, setPauseOnBatteryFlag, false)
+    /// "nothing", "sleep" or "quit".
+    KX_STATE(QString, whenQueueIsDone, setWhenQueueIsDone, QStringLiteral("nothing"))
 
 public:
     /// Both must outlive the controller.

@@ -96,6 +96,7 @@ void KXSelection::initializeFrom(const KXVideoFile &file)
         setProperty(own, file.property(theirs));
     setOutputFolder({});
     setOutputName({});
+    setSourceSeconds(file.seconds());
     setVidCount(u"0"_s);
     setAudCount(u"0"_s);
     setSubCount(u"0"_s);
@@ -109,6 +110,7 @@ SelectionPointer KXSelection::copy() const
     takeValues(*result, *this, {u"splitDurationText"_s, u"splitDurationSeconds"_s});
     result->setOutputFolder(outputFolder());
     result->setOutputName(outputName());
+    result->setSourceSeconds(sourceSeconds());
     return result;
 }
 
@@ -117,6 +119,7 @@ void KXSelection::makeSelfCopyOfSelection(const KXSelection &other)
     takeValues(*this, other, propertiesKeysList());
     setOutputFolder(other.outputFolder());
     setOutputName(other.outputName());
+    setSourceSeconds(other.sourceSeconds());
     setTrackList(other.trackList());
 }
 

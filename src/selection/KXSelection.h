@@ -5,6 +5,7 @@
 #include "tools/KXHelpers.h"
 
 #include <memory>
+#include <optional>
 
 class KXVideoFile;
 class KXSelection;
@@ -111,7 +112,12 @@ public:
     const QString &outputName() const { return m_outputName; }
     void setOutputName(const QString &name) { m_outputName = name; }
 
+    /// How long the film is; absent where that is not known. Copied and in no text form.
+    std::optional<double> sourceSeconds() const { return m_sourceSeconds; }
+    void setSourceSeconds(std::optional<double> seconds) { m_sourceSeconds = seconds; }
+
 private:
     QUrl m_outputFolder;
     QString m_outputName;
+    std::optional<double> m_sourceSeconds;
 };

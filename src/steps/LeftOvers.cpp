@@ -48,6 +48,7 @@ void clearFolder(const QFileInfo &folder)
 {
     const QUrl location = QUrl::fromLocalFile(folder.filePath());
     const QUrl lock = QUrl::fromLocalFile(folder.filePath() + u'/' + WorkFolder::lockName());
+    platform::HolderFile::clearBeside(lock); // of a program that was killed while it took the folder
     if (platform::removeEmptyFolder(location))
         return; // who was about to work in it makes another one
     if (platform::HolderFile::isHolderGone(lock)) {

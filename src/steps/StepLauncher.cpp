@@ -4,7 +4,9 @@ namespace steps {
 
 tools::ToolProcessPointer StepLauncher::start(const Launch &, const tools::ToolProcess::Request &request)
 {
-    return tools::ToolProcess::start(request);
+    tools::ToolProcess::Request asked = request;
+    asked.atLowPriority = m_lowPriority && m_lowPriority();
+    return tools::ToolProcess::start(asked);
 }
 
 } // namespace steps

@@ -6,10 +6,24 @@
 #include <QThread>
 
 #include <csignal>
+#include <functional>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
 namespace tools {
+
+namespace {
+
+/// Runs between fork and exec; what the tool starts inherits it.
+void lowerPriority()
+{
+    constexpr int low = 10; // of 0 to 19
+    if (::getpriority(PRIO_PROCESS, 0) < low)
+        ::setpriority(PRIO_PROCESS, 0, low);
+}
+
+} // namespace
 
 ToolProcess::ToolProcess()
 {
@@ -35,7 +49,8 @@ std::shared_ptr<ToolProcess> ToolProcess::start(const Request &request)
     tool->m_process.setWorkingDirectory(request.workingFolder);
     if (request.streams == Streams::Merged)
         tool->m_process.setProcessChannelMode(QProcess::MergedChannels);
-    startInOwnGroup(tool->m_process, request.program, request.arguments);
+    startInOwnGroup(tool->m_process, request.program, request.arguments,
+                    request.atLowPriority ? lowerPriority : std::function<void()>());
     tool->m_process.closeWriteChannel(); // no tool can wait for a key
     return tool;
 }

@@ -31,6 +31,7 @@ public:
         QProcessEnvironment environment;
         QString workingFolder; ///< empty: ours
         Streams streams = Streams::Apart;
+        bool atLowPriority = false; ///< for the processor; other programs go first
     };
 
     /// Signals come from the event loop, never from within this call.

@@ -4,6 +4,7 @@
 #include "app/Program.h"
 
 #include <QAbstractButton>
+#include <QActionGroup>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -139,6 +140,25 @@ void MainMenu::addQueueMenu()
                m_commands.pauseOrResume);
     addCommand(menu, tr("&Delete Selected Job"), {}, m_commands.deleteSelectedJob);
     addCommand(menu, tr("C&lear Completed Jobs"), {}, m_commands.clearJobs);
+    menu->addSeparator();
+    addWhenDone(menu->addMenu(tr("&When Done")));
+}
+
+void MainMenu::addWhenDone(QMenu *menu)
+{
+    auto *choice = new QActionGroup(menu);
+    for (const auto &[title, word] :
+         {std::pair(tr("Do &Nothing"), u"nothing"_s), std::pair(tr("&Sleep"), u"sleep"_s),
+          std::pair(tr("&Quit"), u"quit"_s)}) {
+        QAction *action = choice->addAction(menu->addAction(title));
+        action->setCheckable(true);
+        action->setMenuRole(QAction::NoRole);
+        QObject::connect(action, &QAction::triggered, &m_window,
+                         [this, chosen = word] { m_delegate.setWhenQueueIsDone(chosen); });
+        QObject::connect(menu, &QMenu::aboutToShow, action, [this, action, shown = word] {
+            action->setChecked(m_delegate.whenQueueIsDone() == shown);
+        });
+    }
 }
 
 void MainMenu::addHelpMenu()

@@ -51,6 +51,7 @@ private:
     void addTrackMenu();
     void addPresetsMenu();
     void addQueueMenu();
+    void addWhenDone(QMenu *menu);
     void addWindowCommands();
     void addHelpMenu();
     void showAbout();

@@ -16,6 +16,7 @@ public:
 
     void keepAwake(const QString &reason) override;
     void allowSleep() override;
+    void sleep() override;
     void tell(const QString &title, const QString &text) override;
 
 private:

@@ -46,6 +46,15 @@ void NativeDesktop::allowSleep()
     m_hold.reset();
 }
 
+void NativeDesktop::sleep()
+{
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
+                                       u"org.freedesktop.login1.Manager"_s, u"Suspend"_s);
+    message << false; // no question of the system's
+    QDBusConnection::systemBus().asyncCall(message);
+}
+
 void NativeDesktop::tell(const QString &title, const QString &text)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s,

@@ -39,6 +39,11 @@ void NativeDesktop::allowSleep()
     m_hold.reset();
 }
 
+void NativeDesktop::sleep()
+{
+    QProcess::startDetached(u"/usr/bin/pmset"_s, {u"sleepnow"_s});
+}
+
 /// The texts are arguments of the script, never part of it.
 void NativeDesktop::tell(const QString &title, const QString &text)
 {

@@ -7,6 +7,7 @@
 #include "window/ToolList.h"
 #include "window/ToolTipBinder.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QListWidget>
@@ -15,6 +16,8 @@
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +28,7 @@ namespace {
 constexpr int pathCharacters = 28;
 constexpr int panesWidth = 152;
 constexpr int paneRow = 32;
-constexpr int toolsPane = 3;
+constexpr int toolsPane = 4;
 constexpr QSize panelSize{600, 376};
 constexpr int roomForConversion = 64; // the longest pane needs that much more
 
@@ -114,6 +117,7 @@ PreferencesPanel::PreferencesPanel(KXPreferencesController &controller, KXPrefer
     layout->addLayout(upper, 1);
     addFiles();
     addConversion();
+    addQueue();
     addWindow();
     addTools();
     addLintwick();
@@ -206,6 +210,31 @@ void PreferencesPanel::addConversion()
     offerPadding(padding, noPadding);
 }
 
+void PreferencesPanel::addQueue()
+{
+    QVBoxLayout *pane = addPane(u"media-playback-pause"_s, tr("Queue"));
+    pane->addWidget(headLabel(tr("While jobs run")));
+    addSwitch(pane, checkBox(tr("Run tools at low &priority"), "PrefLowPriorityButton", "lowPriorityFlag"),
+              hint(tr("Other programs come first.")));
+    addSwitch(pane, checkBox(tr("Pause on &battery"), "PrefPauseOnBatteryButton", "pauseOnBatteryFlag"),
+              hint(tr("The job goes on when the machine has mains again, or with Resume.")));
+    pane->addSpacing(space::small);
+    pane->addWidget(headLabel(tr("When the queue is done")));
+    pane->addWidget(rowOf({whenDone(), nullptr}));
+    pane->addStretch(1);
+}
+
+QComboBox *PreferencesPanel::whenDone()
+{
+    m_whenDone = named(new QComboBox, "PrefWhenDoneBox", tr("When the queue is done"));
+    m_whenDone->addItem(tr("Do Nothing"), u"nothing"_s);
+    m_whenDone->addItem(tr("Sleep"), u"sleep"_s);
+    m_whenDone->addItem(tr("Quit Tessaray"), u"quit"_s);
+    connect(m_whenDone, &QComboBox::activated, this,
+            [this] { m_controller.setWhenQueueIsDone(m_whenDone->currentData().toString()); });
+    return m_whenDone;
+}
+
 void PreferencesPanel::addWindow()
 {
     QVBoxLayout *pane = addPane(u"preferences-desktop"_s, tr("Window"));
@@ -291,6 +320,7 @@ void PreferencesPanel::refresh()
     showPath(m_saveFolder, m_controller.saveDirectoryPath());
     m_clear->setEnabled(!m_controller.saveDirectoryPath().isEmpty());
     showPath(m_lintwick, m_controller.lintwickPath());
+    m_whenDone->setCurrentIndex(std::max(m_whenDone->findData(m_controller.whenQueueIsDone()), 0));
     for (const Switch &shown : m_switches)
         shown.box->setChecked(m_controller.property(shown.property).toBool());
 }

@@ -8,6 +8,7 @@
 
 class KXPreferences;
 class KXPreferencesController;
+class QComboBox;
 class QListWidget;
 class QStackedWidget;
 class QVBoxLayout;
@@ -44,6 +45,8 @@ private:
     QVBoxLayout *addPane(const QString &iconName, const QString &title);
     void addFiles();
     void addConversion();
+    void addQueue();
+    QComboBox *whenDone();
     void addWindow();
     void addTools();
     void addLintwick();
@@ -64,6 +67,7 @@ private:
     QLineEdit *m_saveFolder;
     QPushButton *m_clear = nullptr;
     QLineEdit *m_lintwick;
+    QComboBox *m_whenDone = nullptr;
     QList<Switch> m_switches;
     QLabel *m_problem;
 };

@@ -65,6 +65,7 @@ QueueDrawer::QueueDrawer(KXQueueController &queue, ToolTipBinder &tips, QWidget 
     connect(&queue, &KXQueueController::jobProgressListChanged, this, &QueueDrawer::refreshHead);
     connect(&queue, &KXQueueController::pauseButtonTitleChanged, this, &QueueDrawer::refreshHead);
     connect(&queue, &KXQueueController::heldChanged, this, &QueueDrawer::refreshHead);
+    connect(&queue, &KXQueueController::pauseReasonChanged, this, &QueueDrawer::refreshHead);
     connect(&queue, &KXQueueController::jobChanged, this, &QueueDrawer::scrollToRunning);
     m_second.setInterval(aSecond);
     connect(&m_second, &QTimer::timeout, this, [this] {
@@ -178,23 +179,26 @@ void QueueDrawer::showMenu(const QPoint &place)
         return;
     auto *menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const int row = index.row();
+    // Rows may go or come while the menu is open.
+    const auto row = [this, job = std::weak_ptr(m_model->job(index.row()))] {
+        return static_cast<int>(m_queue.qJobList().indexOf(job.lock()));
+    };
     for (const JobDelegate::Verb verb : JobDelegate::verbsOf(index)) {
         QAction *action = menu->addAction(icon(JobDelegate::iconOf(verb)), JobDelegate::titleOf(verb));
-        connect(action, &QAction::triggered, this, [this, row, verb] { act(row, verb); });
+        connect(action, &QAction::triggered, this, [this, row, verb] { act(row(), verb); });
     }
-    if (m_queue.canMoveJob(row)) {
+    if (m_queue.canMoveJob(index.row())) {
         QAction *first = menu->addAction(tr("Move to Top"));
-        connect(first, &QAction::triggered, this, [this, row] { m_queue.moveJob(row, 0); });
+        connect(first, &QAction::triggered, this, [this, row] { m_queue.moveJob(row(), 0); });
     }
-    if (row == m_model->runningRow()) {
+    if (index.row() == m_model->runningRow()) {
         QAction *stops = menu->addAction(tr("Stop After This One"));
         stops->setCheckable(true);
         stops->setChecked(m_queue.stopsAfterThisJob());
         connect(stops, &QAction::toggled, this, [this](bool on) { m_queue.setStopsAfterThisJob(on); });
     }
     QAction *gone = menu->addAction(icon(u"window-close"_s), tr("Delete"));
-    connect(gone, &QAction::triggered, this, [this, row] { m_queue.deleteJobRow(JobModel::Delete, row); });
+    connect(gone, &QAction::triggered, this, [this, row] { m_queue.deleteJobRow(JobModel::Delete, row()); });
     menu->popup(m_jobs->viewport()->mapToGlobal(place));
 }
 
@@ -240,8 +244,9 @@ void QueueDrawer::refreshHead()
     m_all->setValue(summary::queuePercent(states, percent));
     m_all->setProperty("paused", isPaused);
     m_all->update();
-    m_state->setText(m_queue.isHeld() ? tr("Paused · nothing starts until Resume")
-                                      : summary::queueText(states, left));
+    m_state->setText(m_queue.isHeld()                 ? tr("Paused · nothing starts until Resume")
+                     : m_queue.pauseReason().isNull() ? summary::queueText(states, left)
+                                                      : tr("Paused · %1").arg(m_queue.pauseReason()));
     if (m_queue.qJobIsRunning() != m_second.isActive())
         m_queue.qJobIsRunning() ? m_second.start() : m_second.stop();
     Q_EMIT changed();

@@ -21,7 +21,10 @@ public:
         told.append(title + QStringLiteral(": ") + text);
     }
 
+    void sleep() override { ++slept; }
+
     bool awake = false;
+    int slept = 0;
     QStringList reasons;
     /// "TITLE: TEXT"
     QStringList told;

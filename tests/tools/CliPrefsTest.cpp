@@ -44,11 +44,20 @@ private Q_SLOTS:
         const auto run = cli.run({u"prefs"_s, u"list"_s, u"--json"_s});
         QCOMPARE(run.status, 0);
         QVERIFY2(run.error.isEmpty(), run.error.constData());
-        const QList<std::pair<QString, QJsonValue>> expected{
-            {u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
-            {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
-            {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},     {u"newerCodecsFlag"_s, false},
-            {u"watchExistingFlag"_s, false}, {u"watchFolder"_s, u""_s}};
+        const QList<std::pair<QString, QJsonValue>> expected{{u"saveDirectoryPath"_s, u""_s},
+                                                             {u"lintwickPath"_s, u""_s},
+                                                             {u"showToolTipsFlag"_s, true},
+                                                             {u"keepLogsFlag"_s, true},
+                                                             {u"moovInFrontFlag"_s, true},
+                                                             {u"metadataPaddingFlag"_s, false},
+                                                             {u"useDpliiFlag"_s, true},
+                                                             {u"verifyFlag"_s, false},
+                                                             {u"newerCodecsFlag"_s, false},
+                                                             {u"watchExistingFlag"_s, false},
+                                                             {u"lowPriorityFlag"_s, false},
+                                                             {u"pauseOnBatteryFlag"_s, false},
+                                                             {u"whenQueueIsDone"_s, u"nothing"_s},
+                                                             {u"watchFolder"_s, u""_s}};
         const auto objects = run.objects();
         QCOMPARE(objects.size(), expected.size());
         for (qsizetype i = 0; i < expected.size(); ++i)
@@ -60,7 +69,7 @@ private Q_SLOTS:
     void aListForPeople()
     {
         const auto run = CliFixture().run({u"prefs"_s, u"list"_s});
-        QCOMPARE(run.lines().size(), 11);
+        QCOMPARE(run.lines().size(), 14);
         QVERIFY(run.lines().contains(u"keepLogsFlag = true"_s));
         QVERIFY(run.lines().contains(u"saveDirectoryPath = "_s));
     }
@@ -70,7 +79,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("key");
         for (const auto &key :
              {u"showToolTipsFlag"_s, u"keepLogsFlag"_s, u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
-              u"useDpliiFlag"_s, u"verifyFlag"_s, u"newerCodecsFlag"_s, u"watchExistingFlag"_s})
+              u"useDpliiFlag"_s, u"verifyFlag"_s, u"newerCodecsFlag"_s, u"watchExistingFlag"_s,
+              u"lowPriorityFlag"_s, u"pauseOnBatteryFlag"_s})
             QTest::newRow(qPrintable(key)) << key;
     }
 
@@ -85,6 +95,15 @@ private Q_SLOTS:
             QCOMPARE(run.objects(), QList<QJsonObject>({{{u"key"_s, key}, {u"value"_s, on}}}));
             QCOMPARE(cli.run({u"prefs"_s, u"get"_s, key}).output, text.toUtf8() + '\n');
             QCOMPARE(listed(cli).value(key), QJsonValue(on));
+        }
+    }
+
+    void whatFollowsTheQueueIsAWord()
+    {
+        const CliFixture cli;
+        for (const QString &word : {u"sleep"_s, u"quit"_s, u"nothing"_s}) {
+            QCOMPARE(cli.run({u"prefs"_s, u"set"_s, u"whenQueueIsDone"_s, word}).status, 0);
+            QCOMPARE(listed(cli).value(u"whenQueueIsDone"_s), QJsonValue(word));
         }
     }
 
@@ -118,6 +137,7 @@ private Q_SLOTS:
         QTest::newRow("a file as folder") << u"saveDirectoryPath"_s << u"file"_s;
         QTest::newRow("missing watch folder") << u"watchFolder"_s << u"not there"_s;
         QTest::newRow("missing program") << u"lintwickPath"_s << u"not there"_s;
+        QTest::newRow("no word for the end of a queue") << u"whenQueueIsDone"_s << u"explode"_s;
         QTest::newRow("presets are no key") << u"presetSelectionsArray"_s << u"[]"_s;
     }
 

@@ -187,8 +187,8 @@ private Q_SLOTS:
         QCOMPARE(run.status, 0);
         for (const auto *word :
              {"probe FILE...", "convert FILE|DIR...", "extract FILE...", "prefs list | get KEY", "tools",
-              "--json", "--quiet", "--save-dir DIR", "--keep-logs", "--no-keep-logs", "--defaults FILE",
-              "Exit status", "Example: tessaray-cli"})
+              "--json", "--quiet", "--save-dir DIR", "--keep-logs", "--no-keep-logs", "--nice",
+              "--defaults FILE", "Exit status", "Example: tessaray-cli"})
             QVERIFY2(run.output.contains(word), word);
     }
 

@@ -69,7 +69,7 @@ private Q_SLOTS:
     void bashOffersTheOptionsOfEveryCommand()
     {
         const QStringList global = optionsIn(m_general);
-        QCOMPARE(global.size(), 9);
+        QCOMPARE(global.size(), 10);
         for (const QString &command : std::as_const(m_commands)) {
             const QStringList own = optionsIn(QString::fromUtf8(m_cli.run({command, u"--help"_s}).output));
             QCOMPARE(sorted(bash({command, u"--"_s})), sorted(global + own));

@@ -33,6 +33,11 @@ const QString slowFfmpeg = u"/usr/bin/ffmpeg -re \"$@\""_s;
 const QString andStay = u"\nstatus=$?\nwhile [ -e \"$STAY\" ]; do sleep 0.1; done\nexit $status"_s;
 const QString slowFfprobe = u"sleep 0.2\n/usr/bin/ffprobe \"$@\""_s;
 /// Says its version, and plays for a while: it stays when a program that ended by itself leaves it.
+/// Joins as mp4box is told to: it is no package of the system.
+const QString mp4box =
+    u"while [ $# -gt 0 ]; do case $1 in -cat) list=\"$list\\nfile '$2'\";; -new) out=$2;; esac; shift; done\n"
+    "printf \"$list\" > \"$out.list\"; sleep 1\n"
+    "/usr/bin/ffmpeg -nostdin -v error -f concat -safe 0 -i \"$out.list\" -map 0 -c copy \"$out\""_s;
 const QString player = u"case \"$*\" in *-noconfig*) echo 'MPlayer 1.5'; exit 0;; esac\nsleep 1"_s;
 constexpr int longestMomentMs = 2500;
 
@@ -55,6 +60,7 @@ QList<Operation> operations()
             {"mux", u"convert v.h264 --add s.aac"_s, 0},
             {"join", u"join a.mkv b.mkv"_s, 14420},
             {"join of other films", u"join long.mp4 other.mp4"_s, 0},
+            {"join by a stand-in for mp4box", u"join long.mp4 other.mp4"_s, 0},
             {"split", u"split a.mkv --duration 01:00:00"_s, 0},
             {"remux", u"remux a.mkv"_s, 14400},
             {"removal", u"remove a.mkv --tracks 1"_s, 14400}};
@@ -76,6 +82,8 @@ QList<End> ends()
             {"three signals", {SIGTERM, SIGINT, SIGTERM}},
             {"kill", {SIGKILL}},
             {"kill with paused tools", {SIGKILL}, true},
+            {"terminate with paused tools", {SIGTERM}, true},
+            {"two hang-ups with paused tools", {SIGHUP, SIGHUP}, true},
             {"abort", {SIGABRT}},
             {"terminal", {}}};
 }
@@ -179,6 +187,8 @@ private Q_SLOTS:
         QFETCH(Operation, operation);
         QFETCH(End, end);
         QFETCH(int, moment);
+        const bool byMp4box = QByteArrayView(operation.name).contains("mp4box");
+        m_cli.setTool(u"mp4box"_s, byMp4box ? mp4box + andStay : QString());
         Terminal terminal;
         QProcess program;
         start(program, operation.line, end.signalNumbers.isEmpty() ? &terminal : nullptr);

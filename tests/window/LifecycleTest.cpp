@@ -1,4 +1,5 @@
 // How the program ends, starts again, and how a second start meets the first.
+#include "jobs/JobRecord.h"
 #include "support/ClipFactory.h"
 #include "support/Clips.h"
 #include "support/FakeTool.h"
@@ -88,13 +89,16 @@ QString readyFor(const QString &film)
     return QFileInfo(film).path() + u"/ready"_s;
 }
 
-/// What this test's own program does when it is started to be ended: it converts a film until then. A file
-/// tells when it has begun and waits for signals.
+/// What this test's own program does when it is started to be ended: it converts a film until then, and the
+/// same waits once more. A file tells when it has begun and waits for signals.
 int convertUntilTheEnd(const QString &film, bool paused)
 {
     WindowFixture fixture;
     fixture.start();
     if (convertSlowly(fixture, film) == 0)
+        return 1;
+    fixture.click("ConvertButton");
+    if (!waitFor([&] { return fixture.queue().qJobList().size() == 2; }))
         return 1;
     if (paused)
         fixture.queue().pauseQueueButton(u"Pause"_s);
@@ -324,6 +328,8 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return leftIn(m_fixture->path()).isEmpty(); }));
         QVERIFY(waitFor([&] { return leftIn(m_fixture->path(u"tmp"_s)).isEmpty(); }));
         QVERIFY(number != 0 || hasStoredSettings(m_fixture->path(u"tmp"_s)));
+        const QString name = QFileInfo(film).fileName();
+        QCOMPARE(storedJobs(m_fixture->path(u"tmp"_s)), QStringList({name + u" runs"_s, name + u" waits"_s}));
         display.kill();
         display.waitForFinished();
     }
@@ -374,6 +380,23 @@ private:
                 return true;
         }
         return false;
+    }
+
+    /// What the next start is told of the queue.
+    static QStringList storedJobs(const QString &folder)
+    {
+        QStringList found;
+        QDirIterator files(folder, {u"*.json"_s}, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            if (!file.open(QIODevice::ReadOnly) || !QFileInfo(file).absolutePath().endsWith(u".queue"_s))
+                continue;
+            const jobs::ReadRecord read = jobs::recordFrom(file.readAll());
+            const bool waits = read.record.state == jobs::JobRecord::State::Waiting;
+            found.append(read.record.job.fileName + (waits ? u" waits"_s : u" runs"_s));
+        }
+        found.sort();
+        return found;
     }
 
     /// A copy of the finished program whose tools write down how they were started.

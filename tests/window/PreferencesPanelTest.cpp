@@ -123,6 +123,8 @@ private Q_SLOTS:
         QTest::newRow("dolby") << QByteArray("PrefUseDpliiButton") << u"useDpliiFlag"_s << false;
         QTest::newRow("newer codecs") << QByteArray("PrefNewerCodecsButton") << u"newerCodecsFlag"_s << true;
         QTest::newRow("verify") << QByteArray("PrefVerifyButton") << u"verifyFlag"_s << true;
+        QTest::newRow("priority") << QByteArray("PrefLowPriorityButton") << u"lowPriorityFlag"_s << true;
+        QTest::newRow("battery") << QByteArray("PrefPauseOnBatteryButton") << u"pauseOnBatteryFlag"_s << true;
     }
 
     void everySwitchIsStored()
@@ -204,6 +206,23 @@ private Q_SLOTS:
         again.click("OkPreferencesButton");
         QTRY_VERIFY(fixture.panel.isNull());
         QCOMPARE(fixture.storedPanel().value(u"saveDirectoryPath"_s).toString(), QString());
+    }
+
+    void whatFollowsTheQueueIsChosen()
+    {
+        Fixture fixture;
+        const SheetDriver driver = fixture.open();
+        auto *box = driver.find<QComboBox>("PrefWhenDoneBox");
+        QCOMPARE(box->currentText(), u"Do Nothing"_s);
+        driver.find<QListWidget>("PreferencesPanes")->setCurrentRow(2);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(box->currentText(), u"Sleep"_s);
+        driver.click("OkPreferencesButton");
+        QTRY_VERIFY(fixture.panel.isNull());
+        QCOMPARE(fixture.storedPanel().value(u"whenQueueIsDone"_s).toString(), u"sleep"_s);
+        fixture.open();
+        QCOMPARE(fixture.panel->findChild<QComboBox *>(u"PrefWhenDoneBox"_s)->currentText(), u"Sleep"_s);
     }
 
     void lintwickIsChosen()
@@ -288,14 +307,15 @@ private Q_SLOTS:
         const SheetDriver driver = fixture.open();
         fixture.controller.setSaveDirectoryPath(u"/v"_s);
         // The subjects, what stands in each, and the end.
-        const QList<QStringList> panes{{u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s,
-                                        u"ClearSaveDirectoryButton"_s, u"PrefLogsButton"_s},
-                                       {u"PrefNewerCodecsButton"_s, u"PrefOptimizeStreamingButton"_s,
-                                        u"PrefAddPaddingButton"_s, u"PrefUseDpliiButton"_s,
-                                        u"PrefVerifyButton"_s},
-                                       {u"PrefToolTipsButton"_s},
-                                       {},
-                                       {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
+        const QList<QStringList> panes{
+            {u"SaveDirectoryPath"_s, u"ChangeSaveButton"_s, u"ClearSaveDirectoryButton"_s,
+             u"PrefLogsButton"_s},
+            {u"PrefNewerCodecsButton"_s, u"PrefOptimizeStreamingButton"_s, u"PrefAddPaddingButton"_s,
+             u"PrefUseDpliiButton"_s, u"PrefVerifyButton"_s},
+            {u"PrefLowPriorityButton"_s, u"PrefPauseOnBatteryButton"_s, u"PrefWhenDoneBox"_s},
+            {u"PrefToolTipsButton"_s},
+            {},
+            {u"LintwickPath"_s, u"ChangeLintwickPathButton"_s}};
         QStringList order;
         QStringList expected;
         for (int pane = 0; pane < panes.size(); ++pane) {

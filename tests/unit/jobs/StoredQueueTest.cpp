@@ -359,6 +359,35 @@ private Q_SLOTS:
         QVERIFY(other.queue.qJobIsRunning()); // it works all the same
     }
 
+    /// Whether that machine still runs can't be seen from here.
+    void aFolderThatAnotherMachineHoldsIsToldWithItsWayOut()
+    {
+        const Scratch home;
+        QByteArray lines;
+        {
+            Window one(home);
+            one.add(u"a"_s);
+            lines = home.read(u"queue/holder"_s);
+            QVERIFY(!Window(home).problem.contains(u"remove"_s)); // it runs here
+        }
+        const QByteArray pid = lines.left(lines.indexOf('\n'));
+        home.write(u"queue/holder"_s, lines.replace(QSysInfo::machineHostName().toUtf8(), "elsewhere"));
+        {
+            const Window two(home);
+            const QString holder = home.path(u"queue/holder"_s);
+            QVERIFY2(
+                two.problem.endsWith(
+                    u"It is process %1 on elsewhere. If that has ended, remove %2 and start again."_s.arg(
+                        QString::fromLatin1(pid), holder)),
+                qPrintable(two.problem));
+            QCOMPARE(two.rows(), QString());
+        }
+        QVERIFY(QFile::remove(home.path(u"queue/holder"_s)));
+        const Window three(home);
+        QCOMPARE(three.problem, QString());
+        QCOMPARE(three.rows(), u"a Queued unknown"_s);
+    }
+
     void aFolderThatTakesNothingIsToldOnceAndTriedAgain()
     {
         const Scratch home;

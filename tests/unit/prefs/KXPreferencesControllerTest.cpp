@@ -19,10 +19,12 @@ namespace {
 
 QVariantMap freshPanel()
 {
-    return {{u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},   {u"showToolTipsFlag"_s, true},
-            {u"keepLogsFlag"_s, true},       {u"moovInFrontFlag"_s, true}, {u"metadataPaddingFlag"_s, false},
-            {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},     {u"newerCodecsFlag"_s, false},
-            {u"watchExistingFlag"_s, false}};
+    return {
+        {u"saveDirectoryPath"_s, u""_s},     {u"lintwickPath"_s, u""_s},    {u"showToolTipsFlag"_s, true},
+        {u"keepLogsFlag"_s, true},           {u"moovInFrontFlag"_s, true},  {u"metadataPaddingFlag"_s, false},
+        {u"useDpliiFlag"_s, true},           {u"verifyFlag"_s, false},      {u"newerCodecsFlag"_s, false},
+        {u"watchExistingFlag"_s, false},     {u"lowPriorityFlag"_s, false}, {u"pauseOnBatteryFlag"_s, false},
+        {u"whenQueueIsDone"_s, u"nothing"_s}};
 }
 
 /// Each value is another one than that of a fresh user.
@@ -32,7 +34,9 @@ QVariantMap otherPanel()
             {u"showToolTipsFlag"_s, false},      {u"keepLogsFlag"_s, false},
             {u"moovInFrontFlag"_s, false},       {u"metadataPaddingFlag"_s, true},
             {u"useDpliiFlag"_s, false},          {u"verifyFlag"_s, true},
-            {u"newerCodecsFlag"_s, true},        {u"watchExistingFlag"_s, true}};
+            {u"newerCodecsFlag"_s, true},        {u"watchExistingFlag"_s, true},
+            {u"lowPriorityFlag"_s, true},        {u"pauseOnBatteryFlag"_s, true},
+            {u"whenQueueIsDone"_s, u"sleep"_s}};
 }
 
 struct Panel

@@ -62,11 +62,13 @@ private Q_SLOTS:
         QVERIFY(preferences.panelFlag(u"moovInFrontFlag"_s));
         QVERIFY(!preferences.panelFlag(u"metadataPaddingFlag"_s));
         QVERIFY(preferences.panelFlag(u"useDpliiFlag"_s));
-        const QVariantMap panel{{u"saveDirectoryPath"_s, u""_s}, {u"lintwickPath"_s, u""_s},
-                                {u"showToolTipsFlag"_s, true},   {u"keepLogsFlag"_s, true},
-                                {u"moovInFrontFlag"_s, true},    {u"metadataPaddingFlag"_s, false},
-                                {u"useDpliiFlag"_s, true},       {u"verifyFlag"_s, false},
-                                {u"newerCodecsFlag"_s, false},   {u"watchExistingFlag"_s, false}};
+        const QVariantMap panel{{u"saveDirectoryPath"_s, u""_s},     {u"lintwickPath"_s, u""_s},
+                                {u"showToolTipsFlag"_s, true},       {u"keepLogsFlag"_s, true},
+                                {u"moovInFrontFlag"_s, true},        {u"metadataPaddingFlag"_s, false},
+                                {u"useDpliiFlag"_s, true},           {u"verifyFlag"_s, false},
+                                {u"newerCodecsFlag"_s, false},       {u"watchExistingFlag"_s, false},
+                                {u"lowPriorityFlag"_s, false},       {u"pauseOnBatteryFlag"_s, false},
+                                {u"whenQueueIsDone"_s, u"nothing"_s}};
         QCOMPARE(preferences.preferencePanelDictionary(), panel);
         QCOMPARE(preferences.preferencePanelDefaultsDictionary(), panel);
         QVERIFY(preferences.userPresetSelectionsList().isEmpty());
@@ -83,7 +85,8 @@ private Q_SLOTS:
         const QStringList expected{u"saveDirectoryPath"_s, u"lintwickPath"_s,    u"showToolTipsFlag"_s,
                                    u"keepLogsFlag"_s,      u"moovInFrontFlag"_s, u"metadataPaddingFlag"_s,
                                    u"useDpliiFlag"_s,      u"verifyFlag"_s,      u"newerCodecsFlag"_s,
-                                   u"watchExistingFlag"_s};
+                                   u"watchExistingFlag"_s, u"lowPriorityFlag"_s, u"pauseOnBatteryFlag"_s,
+                                   u"whenQueueIsDone"_s};
         QCOMPARE(program.preferences.preferencePanelPropertiesList(), expected);
     }
 

@@ -219,6 +219,20 @@ private Q_SLOTS:
         QVERIFY(claims.isStillHeld(scratch.url(u"a.mkv"_s)));
     }
 
+    /// Its lock had no name yet when the program was killed.
+    void aFolderThatWasBeingTakenGoesAfterAMoment()
+    {
+        const support::Scratch scratch;
+        const QString lock =
+            scratch.write(u".tessaray-abc123/lock.0123456789abcdef0123456789abcdef"_s, "123\n");
+        steps::clearLeftOvers(scratch.url(u""_s));
+        QVERIFY(QFileInfo::exists(lock)); // its writer may be slow
+        const timespec before[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+        QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(lock).constData(), before, 0), 0);
+        steps::clearLeftOvers(scratch.url(u""_s));
+        QVERIFY(!QFileInfo::exists(scratch.path(u".tessaray-abc123"_s)));
+    }
+
     void whatAnotherHostLeftGoesAfterAWeek()
     {
         const Work work({u"a.mkv"_s});

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -73,6 +74,23 @@ class ToolProcessTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void lowPriorityReachesTheToolAndWhatItStarts()
+    {
+        ToolProcess::Request asked;
+        asked.program = u"/bin/sh"_s;
+        asked.arguments = QStringList{u"-c"_s, u"nice; sh -c nice"_s};
+        asked.environment = QProcessEnvironment::systemEnvironment();
+        const int ours = ::getpriority(PRIO_PROCESS, 0);
+        for (const bool low : {false, true}) {
+            asked.atLowPriority = low;
+            const auto tool = ToolProcess::start(asked);
+            const Listener listener(tool);
+            QVERIFY(waitFor([&] { return hasEnded(tool); }));
+            const QByteArray expected = QByteArray::number(low ? 10 : ours);
+            QCOMPARE(listener.output, expected + '\n' + expected + '\n');
+        }
+    }
+
     void saysWhatItReadAndThenThatBothStreamsEnded_data()
     {
         QTest::addColumn<QStringList>("commands");
