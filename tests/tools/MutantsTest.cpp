@@ -104,9 +104,10 @@ private:
     {
         if (!support::waitFor([this] { return m_cli.processes().isEmpty(); }))
             return u"left running: "_s + m_cli.commandLines().join(u"; "_s);
-        static const QRegularExpression results(u"^(new media/mutant[0-9]+( \\([0-9a-z]+\\))?\\.[^/]*|(new|changed) "
-                                                u"(defaults\\.json|home/\\.(fontconfig|cache)(/.*)?|"
-                                                "home|media|tmp))$"_s);
+        static const QRegularExpression results(
+            u"^(new media/mutant[0-9]+( \\([0-9a-z]+\\))?\\.[^/]*|(new|changed) "
+            u"(defaults\\.json|home/\\.(fontconfig|cache)(/.*)?|"
+            "home|media|tmp))$"_s);
         QStringList changes = m_before->changesTo(Listing(m_cli.scratch().path()));
         changes.removeIf([](const QString &change) { return results.match(change).hasMatch(); });
         return changes.isEmpty() ? QString() : u"changed: "_s + changes.join(u", "_s);
