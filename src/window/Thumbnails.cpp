@@ -15,6 +15,8 @@ constexpr int longestRun = 5000; // milliseconds, and twice that each time that 
 constexpr int mostTries = 4;
 constexpr double placeInFilm = 0.1; // of the film's length
 
+const QString priority = u"10"_s; // after everything else; at 19 none would come beside a conversion
+
 bool isSwitchedOff = false;
 
 QStringList argumentsFor(const QUrl &film, double seconds)
@@ -75,7 +77,7 @@ void Thumbnails::takeNext()
     m_bytes.clear();
     tools::ToolProcess::Request request;
     request.program = u"nice"_s;
-    request.arguments = QStringList{u"-n"_s, u"19"_s, m_ffmpeg} + argumentsFor(m_wish.film, m_wish.seconds);
+    request.arguments = QStringList{u"-n"_s, priority, m_ffmpeg} + argumentsFor(m_wish.film, m_wish.seconds);
     request.environment = QProcessEnvironment::systemEnvironment();
     m_process = tools::ToolProcess::start(request);
     connect(m_process.get(), &tools::ToolProcess::chunkRead, this,

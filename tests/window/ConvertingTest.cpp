@@ -202,7 +202,9 @@ private Q_SLOTS:
         const auto restore = qScopeGuard([] { QDesktopServices::unsetUrlHandler(u"file"_s); });
         pressInRow(0, u"Reveal"_s);
         QCOMPARE(opened.urls, QList<QUrl>{QUrl::fromLocalFile(m_fixture->path())});
-        openSlow(1);
+        QVERIFY(m_fixture->open({m_fixture->film(support::longMkv(120), u"slow.mkv"_s)}));
+        m_fixture->pick("DevicePopUp", u"General"_s);
+        choose(*m_fixture, "TheVideoMatrix2");
         m_fixture->click("ConvertButton");
         QVERIFY(waitForStatus(*m_fixture, 2, u"Running"_s));
         m_fixture->click("QueueClearButton"); // what runs stays

@@ -182,7 +182,7 @@ private Q_SLOTS:
         QTest::newRow("all is there") << support::fullMkv() << QStringList{u"h264"_s, u"aac"_s} << 6
                                       << u"Nothing of what you chose is missing."_s;
         QTest::newRow("something is not")
-            << support::pgsMkv() << QStringList{u"h264"_s, u"aac"_s, u"pgs"_s} << 3
+            << support::pgsMkv() << QStringList{u"h264"_s, u"aac"_s, u"teletext"_s} << 3
             << u"Of what you chose is missing: subtitle 2 (hdmv_pgs_subtitle)."_s;
     }
 

@@ -88,9 +88,13 @@ private Q_SLOTS:
         table->setFocus();
         key(Qt::Key_Right);
         QCOMPARE(table->currentIndex().column(), int(Default));
-        key(Qt::Key_Space); // was on
+        QCOMPARE(checked(Default), Qt::Checked);
+        key(Qt::Key_Space);
+        QCOMPARE(checked(Default), Qt::Unchecked);
         key(Qt::Key_Right);
-        key(Qt::Key_Space); // was off
+        QCOMPARE(checked(Forced), Qt::Unchecked);
+        key(Qt::Key_Space);
+        QCOMPARE(checked(Forced), Qt::Checked);
         m_fixture->controller().byHand(&KXSelectionController::setMp4Device, u"MKV"_s);
         QTRY_VERIFY(m_fixture->isEnabled("ConvertButton"));
         key(Qt::Key_Return, Qt::ControlModifier);
@@ -98,7 +102,7 @@ private Q_SLOTS:
         QVERIFY(m_fixture->waitForJobs());
         const QStringList tracks = tracksOf(m_fixture->path(u"a (2).mkv"_s));
         QCOMPARE(tracks.size(), 2);
-        QCOMPARE(tracks.at(1), u"audio:fre:Version originale:0:1"_s);
+        QVERIFY2(tracks.at(1).startsWith(u"audio:fre:Version originale:"_s), qPrintable(tracks.at(1)));
     }
 
     void presetsAreMadeRenamedUsedAndRemoved()
@@ -166,6 +170,13 @@ private Q_SLOTS:
     }
 
 private:
+    /// Of the English sound.
+    Qt::CheckState checked(TrackColumn column)
+    {
+        const QAbstractItemModel *tracks = m_fixture->find<QTreeView>("ConvertTrackTable")->model();
+        return static_cast<Qt::CheckState>(tracks->index(1, column).data(Qt::CheckStateRole).toInt());
+    }
+
     static QString focused()
     {
         const QWidget *widget = QApplication::focusWidget();
@@ -199,10 +210,15 @@ private:
         key(Qt::Key_V, Qt::ControlModifier);
         QVERIFY(waitFor([&] { return dialog->selectedFiles() == QStringList{path}; }));
         QTest::keyClick(dialog, Qt::Key_O, Qt::AltModifier); // Open
+        QVERIFY(waitFor(
+            [this] { return m_fixture->window().findChild<QFileDialog *>(u"FileChooser"_s) == nullptr; }));
+        m_fixture->window().activateWindow(); // as a window manager does
     }
 
     QDialog *openTrackPresets()
     {
+        m_fixture->window().activateWindow(); // as a window manager does
+        (void)QTest::qWaitForWindowActive(&m_fixture->window());
         key(Qt::Key_T, Qt::ControlModifier);
         if (!waitFor([] { return QApplication::activeModalWidget() != nullptr; }))
             qFatal("No sheet came.");
