@@ -34,7 +34,7 @@ QString reasonNotToOpen(const QUrl &file, const QString &problemCodec)
         return u"it only lists other files"_s;
     if (isNewerCodec(problemCodec))
         return u"its codec %1 is one of the newer ones"_s.arg(problemCodec);
-    return u"it is not a film"_s;
+    return problemCodec.isEmpty() ? u"it is not a film"_s : u"its codec %1 is not known"_s.arg(problemCodec);
 }
 
 } // namespace app
