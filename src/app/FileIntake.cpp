@@ -365,7 +365,7 @@ void FileIntake::takeHandedOver(const QUrl &url)
 void FileIntake::refuse(const QUrl &url, const QString &text)
 {
     const QString codec = std::exchange(m_problemCodec, {});
-    const bool opensNewerly = isNewerCodec(codec);
+    const bool opensNewerly = !codec.isEmpty(); // the setting takes every codec that has a name
     platform::Alert alert = timedAlert(u"Error Opening: "_s + url.fileName(), text, alertMilliseconds);
     if (opensNewerly) {
         alert.action = u"Open Anyway"_s;

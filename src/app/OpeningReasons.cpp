@@ -1,6 +1,5 @@
 #include "app/OpeningReasons.h"
 
-#include "media/CodecVocabulary.h"
 #include "media/FileNames.h"
 #include "media/Playlists.h"
 
@@ -9,15 +8,6 @@
 using namespace Qt::StringLiterals;
 
 namespace app {
-
-bool isNewerCodec(const QString &codec)
-{
-    using media::CodecVocabulary;
-    using media::TrackKind;
-    return CodecVocabulary::classifyNewer(TrackKind::Video, codec) ||
-           CodecVocabulary::classifyNewer(TrackKind::Audio, codec) ||
-           CodecVocabulary::classifyNewer(TrackKind::Subtitle, codec);
-}
 
 QString reasonNotToOpen(const QUrl &file, const QString &problemCodec)
 {
@@ -32,9 +22,8 @@ QString reasonNotToOpen(const QUrl &file, const QString &problemCodec)
         return u"no permission to read it"_s;
     if (media::namesOtherFiles(file))
         return u"it only lists other files"_s;
-    if (isNewerCodec(problemCodec))
-        return u"its codec %1 is one of the newer ones"_s.arg(problemCodec);
-    return problemCodec.isEmpty() ? u"it is not a film"_s : u"its codec %1 is not known"_s.arg(problemCodec);
+    return problemCodec.isEmpty() ? u"it is not a film"_s
+                                  : u"its codec %1 is one of the newer ones"_s.arg(problemCodec);
 }
 
 } // namespace app

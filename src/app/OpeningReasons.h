@@ -13,8 +13,6 @@ struct RefusedFile
     bool opensNewerly = false; ///< with the newer codecs it can be opened
 };
 
-/// Whether a film of that codec is opened where newer codecs are taken.
-bool isNewerCodec(const QString &codec);
 /// Why a file can't be opened, by a look at the file itself and by the codec that was not identified (empty
 /// where that was not the matter).
 QString reasonNotToOpen(const QUrl &file, const QString &problemCodec);

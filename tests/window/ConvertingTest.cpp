@@ -219,12 +219,12 @@ private Q_SLOTS:
         QVERIFY(m_fixture->open({m_fixture->film(support::textMp4(), u"1.mp4"_s)}));
         m_fixture->pick("PresetSelectionsPopUp", u"First Track"_s);
         QTRY_VERIFY(m_fixture->isEnabled("ConvertButton"));
-        m_fixture->queue().hold();
+        takeTools(u"[ -e \"%1\" ] && exit 1; exec \"$(command -v ffmpeg)\" \"$@\""_s.arg(
+            m_fixture->path(u"broken"_s)));
+        support::writeContent(m_fixture->path(u"broken"_s), {});
         m_fixture->click("ConvertButton");
-        QFile::rename(m_fixture->path(u"1.mp4"_s), m_fixture->path(u"away.mp4"_s));
-        m_fixture->click("QueuePauseButton"); // Resume
         QTRY_COMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Failed"_s});
-        QFile::rename(m_fixture->path(u"away.mp4"_s), m_fixture->path(u"1.mp4"_s));
+        QVERIFY(QFile::remove(m_fixture->path(u"broken"_s)));
         pressInRow(0, u"Retry"_s);
         QTRY_COMPARE(m_fixture->rows("QueueTable", Status), QStringList{u"Completed"_s});
         QVERIFY(QFile::exists(m_fixture->path(u"1.m4v"_s)));
@@ -359,17 +359,23 @@ private:
         m_fixture->pick("DevicePopUp", target);
     }
 
-    /// Films whose conversion takes some seconds, ready to be converted: ffmpeg reads at the speed of the
-    /// film.
-    void openSlow(int count, int seconds = 4)
+    /// The installed tools, with those lines of the shell in the place of ffmpeg.
+    void takeTools(const QString &ffmpeg)
     {
         const QString tools = support::TestPlaces().toolsLocation().toLocalFile();
         const QString own = m_fixture->path(u"tools"_s);
         QDir().mkpath(own + u"/ffmpeg"_s);
         QFile::link(tools + u"/mkvtoolnix"_s, own + u"/mkvtoolnix"_s);
         QFile::link(tools + u"/ffmpeg/ffprobe"_s, own + u"/ffmpeg/ffprobe"_s);
-        support::installScript(own + u"/ffmpeg/ffmpeg"_s, u"exec \"$(command -v ffmpeg)\" -re \"$@\""_s);
+        support::installScript(own + u"/ffmpeg/ffmpeg"_s, ffmpeg);
         m_fixture->delegate().program().preferences().setToolsLocationURL(QUrl::fromLocalFile(own));
+    }
+
+    /// Films whose conversion takes some seconds, ready to be converted: ffmpeg reads at the speed of the
+    /// film.
+    void openSlow(int count, int seconds = 4)
+    {
+        takeTools(u"exec \"$(command -v ffmpeg)\" -re \"$@\""_s);
         QVERIFY(m_fixture->open(films(count, support::longMkv(seconds))));
         chooseForEach(u"iPhone 4"_s);
         choose(*m_fixture, "TheVideoMatrix2");

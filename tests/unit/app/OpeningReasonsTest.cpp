@@ -32,21 +32,12 @@ private Q_SLOTS:
         scratch.write(u"notes.txt"_s, "words");
         QCOMPARE(reasonOf(u"notes.txt"_s), u"it is not a film"_s);
         QCOMPARE(reasonOf(u"notes.txt"_s, u"hevc"_s), u"its codec hevc is one of the newer ones"_s);
-        QCOMPARE(reasonOf(u"notes.txt"_s, u"fancy"_s), u"its codec fancy is not known"_s);
         scratch.write(u"list.m3u8"_s, "#EXTM3U\n#EXTINF:1,\na.ts\n");
         QCOMPARE(reasonOf(u"list.m3u8"_s), u"it only lists other files"_s);
         QFile(scratch.write(u"secret.mkv"_s, "words")).setPermissions({});
         ::chmod(qPrintable(scratch.path()), 0755); // the folder itself is open
         const support::Unprivileged somebody;
         QCOMPARE(reasonOf(u"secret.mkv"_s), u"no permission to read it"_s);
-    }
-
-    void codecsThatTheSettingOpens()
-    {
-        for (const QString &codec : {u"hevc"_s, u"av1"_s, u"vp9"_s, u"opus"_s})
-            QVERIFY2(app::isNewerCodec(codec), qPrintable(codec));
-        QVERIFY(!app::isNewerCodec(u"fancy"_s));
-        QVERIFY(!app::isNewerCodec({}));
     }
 
     void namesOfResults_data()
