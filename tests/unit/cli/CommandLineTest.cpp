@@ -173,8 +173,8 @@ private Q_SLOTS:
                                  "for",    "output",    "time", "size",         "duration",        "list",
                                  "print",  "exec"})
             QTest::newRow(name) << true << false;
-        for (const auto &name :
-             {"force", "verify", "existing", "commands", "recursive", "skip-existing", "report", "dry-run"})
+        for (const auto &name : {"force", "verify", "existing", "status", "commands", "recursive",
+                                 "skip-existing", "report", "dry-run"})
             QTest::newRow(name) << false << false;
     }
 
@@ -195,7 +195,7 @@ private Q_SLOTS:
         QVERIFY(!spec->help.isEmpty());
     }
 
-    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 8 + 2 + 20 + 8); }
+    void noOptionIsUntested() { QCOMPARE(cli::allOptions().size(), 8 + 2 + 20 + 9); }
 };
 
 TESSARAY_TEST(CommandLineTest)
