@@ -107,36 +107,6 @@ private Q_SLOTS:
         QVERIFY2(tracks.at(1).startsWith(u"audio:fre:Version originale:"_s), qPrintable(tracks.at(1)));
     }
 
-    void presetsAreMadeRenamedUsedAndRemoved()
-    {
-        QDialog *sheet = openTrackPresets();
-        QTest::keyClick(sheet, Qt::Key_A, Qt::AltModifier); // Add: its name has the focus and is marked
-        QTRY_COMPARE(focused(), u"PresetName"_s);
-        QTest::keyClicks(QApplication::focusWidget(), u"Evening"_s);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QTRY_VERIFY(QApplication::activeModalWidget() == nullptr);
-        QCOMPARE(presetNames(), QStringList({u"Manual"_s, u"First Track"_s, u"All Tracks"_s, u"Evening"_s}));
-        QTRY_COMPARE(m_fixture->find<QComboBox>("PresetSelectionsPopUp")->currentText(), u"Evening"_s);
-        sheet = openTrackPresets();
-        QTest::keyClick(sheet, Qt::Key_N, Qt::AltModifier);
-        QTRY_COMPARE(focused(), u"PresetName"_s);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(QApplication::focusWidget(), u"Morning"_s);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QTRY_VERIFY(QApplication::activeModalWidget() == nullptr);
-        m_fixture->restart();
-        QCOMPARE(presetNames(), QStringList({u"Manual"_s, u"First Track"_s, u"All Tracks"_s, u"Morning"_s}));
-        sheet = openTrackPresets();
-        auto *list = sheet->findChild<QListWidget *>(u"PresetTable"_s);
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_End);
-        QTest::keyClick(sheet, Qt::Key_R, Qt::AltModifier);
-        QTRY_COMPARE(list->count(), 2);
-        QTest::keyClick(sheet, Qt::Key_Return);
-        QTRY_VERIFY(QApplication::activeModalWidget() == nullptr);
-        QCOMPARE(presetNames(), QStringList({u"Manual"_s, u"First Track"_s, u"All Tracks"_s}));
-    }
-
     void theNameOfTheResultIsChangedByKeys()
     {
         QVERIFY(m_fixture->open({m_fixture->film(support::textMp4(), u"a.mp4"_s)}));
@@ -215,28 +185,6 @@ private:
         QVERIFY(waitFor(
             [this] { return m_fixture->window().findChild<QFileDialog *>(u"FileChooser"_s) == nullptr; }));
         m_fixture->window().activateWindow(); // as a window manager does
-    }
-
-    QDialog *openTrackPresets()
-    {
-        m_fixture->window().activateWindow(); // as a window manager does
-        (void)QTest::qWaitForWindowActive(&m_fixture->window());
-        key(Qt::Key_T, Qt::ControlModifier);
-        if (!waitFor([] { return QApplication::activeModalWidget() != nullptr; }))
-            qFatal("No sheet came.");
-        auto *sheet = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        sheet->activateWindow();
-        (void)QTest::qWaitForWindowActive(sheet);
-        return sheet;
-    }
-
-    QStringList presetNames()
-    {
-        QStringList names;
-        const auto *popup = m_fixture->find<QComboBox>("PresetSelectionsPopUp");
-        for (int i = 0; i < popup->count(); ++i)
-            names.append(popup->itemText(i));
-        return names;
     }
 
     std::unique_ptr<WindowFixture> m_fixture;
